@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "ByteSource.h"
+#include "Form.h"
+#include "RecordHeader.h"
+
+namespace lumbarn {
+
+class Codec;
+class Window;
+
+/// Walks the records of one file. `next` moves from header to header and skips data that was not read, in
+/// time that does not depend on its size; `read` decodes the data of the current record straight into the
+/// caller's array, and may be called for parts, in any order, any number of times. Whatever is wrong with the
+/// file ends in BadRecord, with path, keyword, occurrence, byte offset, what was expected and what was found.
+class RecordCursor {
+ public:
+  RecordCursor(std::shared_ptr<const ByteSource> source, Form form, std::string path);
+  ~RecordCursor();
+  RecordCursor(RecordCursor&&) noexcept;
+  RecordCursor& operator=(RecordCursor&&) noexcept;
+
+  /// Moves to the next header. False at the end of the file. Checks that the data that the header announces
+  /// can be there, so that `header().count` is safe to allocate for.
+  bool next();
+  const RecordHeader& header() const { return header_; }
+  /// How often the current keyword has been met by `next` so far, this record included.
+  std::int64_t occurrence() const { return occurrence_; }
+
+  /// The byte offset, from 0, at which `next` will look: the end of the current record's data.
+  std::uint64_t nextPosition();
+  /// Makes `next` look at this byte offset, from 0.
+  void seek(std::uint64_t headerPosition);
+  std::uint64_t fileSize() const { return source_->size(); }
+  const std::string& path() const { return path_; }
+  const Form& form() const { return form_; }
+
+  /// Elements [first, first + out.size()) of the current record, which must be of the type that goes with the
+  /// array: Single, Double, Integer or Short. Throws Fault 13 for another type, Fault 9 for elements that are
+  /// not there.
+  void read(std::span<float> out, std::int64_t first = 0);
+  void read(std::span<double> out, std::int64_t first = 0);
+  void read(std::span<std::int32_t> out, std::int64_t first = 0);
+  /// Logicals as -1 and 0.
+  void readLogicals(std::span<std::int16_t> out, std::int64_t first = 0);
+  /// Texts as they stand, `header().width` bytes each, one after the other.
+  void readText(std::span<char> out, std::int64_t first = 0);
+  /// The elements with these numbers (from 0, ascending) of a Single record; reads no more of the file than
+  /// it must.
+  void gather(std::span<const std::uint32_t> elements, std::span<float> out);
+
+  /// The whole data of the current record.
+  std::vector<std::int32_t> integers();
+  std::vector<float> singles();
+  std::vector<double> doubles();
+  std::vector<std::string> texts();  ///< trailing blanks removed
+
+  /// Takes a header that is known from elsewhere as the current one, without reading it.
+  void setCurrent(const RecordHeader& header);
+
+ private:
+  void decode(ElementType wanted, std::int64_t first, std::size_t count, void* out);
+
+  std::shared_ptr<const ByteSource> source_;
+  Form form_;
+  std::string path_;
+  std::unique_ptr<Window> window_;
+  std::unique_ptr<const Codec> codec_;
+  RecordHeader header_;
+  std::uint64_t next_ = 0;  // where the next header stands, when nextKnown_
+  bool nextKnown_ = true;
+  std::int64_t occurrence_ = 0;
+  std::unordered_map<std::string, std::int64_t> met_;
+};
+
+/// A cursor on a file, its form found by content. On failure null, with the reason in `why`.
+std::unique_ptr<RecordCursor> openRecords(const std::string& path, std::string& why);
+
+}  // namespace lumbarn

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace lumbarn {
+
+/// One slot of source information. Integers of 16 and 32 bits are told apart, as hosts do.
+using Variant = std::variant<std::monostate, std::int16_t, std::int32_t, bool, double, std::string>;
+
+/// A table of variants that counts from 1: `vSourceData` (66 slots) and the smaller table for VFP data (11).
+class VariantTable {
+ public:
+  VariantTable() = default;
+  explicit VariantTable(std::size_t slots) : slots_(slots) {}
+  std::size_t size() const { return slots_.size(); }
+  /// Throws Fault 9 outside.
+  Variant& operator()(std::size_t iSlot);
+  const Variant& operator()(std::size_t iSlot) const;
+
+ private:
+  std::vector<Variant> slots_;
+};
+using SourceData = VariantTable;
+
+/// 66 slots with the default of each.
+void InitSourceData(SourceData& vSourceData, bool& qOK);
+/// 11 slots for VFP data.
+void InitVTableData(VariantTable& vTableData, bool& qOK);
+
+}  // namespace lumbarn

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace lumbarn {
+
+/// How sure the reader is that what it delivered in spite of an irregularity is right.
+enum class Certainty {
+  Certain,  ///< what was delivered is right; only what is told is missing
+  Likely,   ///< the usual reading of such a file
+  Guess,    ///< one of several possible readings
+};
+
+/// Why something was not read as asked, as data. The inner layer states the fact (offset, expected, found),
+/// each outer layer adds its coordinate once (keyword and occurrence, path, what was done).
+struct Diagnosis {
+  std::string path;                     ///< the file
+  std::string problem;                  ///< what is wrong, in a few words: "record is cut off"
+  std::string keyword;                  ///< keyword of the record, empty when there is none
+  std::int64_t occurrence = 0;          ///< which record of that keyword, from 1; 0 when not known
+  std::optional<std::uint64_t> offset;  ///< byte offset in the file, from 0
+  std::string expected;                 ///< what should stand there
+  std::string found;                    ///< what stands there
+  std::string action;                   ///< what was done: "kept 12 steps", "stopped"
+  Certainty certainty = Certainty::Certain;
+
+  /// One line: `PATH: problem (KEYWORD, occurrence N, byte B: expected X, found Y); action`.
+  std::string text() const;
+};
+
+/// Thrown by the record layer when a file cannot be read on; carries the fact for whoever catches it.
+class BadRecord : public std::runtime_error {
+ public:
+  explicit BadRecord(Diagnosis diagnosis)
+      : std::runtime_error(diagnosis.problem), diagnosis_(std::move(diagnosis)) {}
+  const Diagnosis& diagnosis() const { return diagnosis_; }
+  Diagnosis& diagnosis() { return diagnosis_; }
+
+ private:
+  Diagnosis diagnosis_;
+};
+
+}  // namespace lumbarn

@@ -1,0 +1,41 @@
+#include "Guarded.h"
+
+#include <new>
+
+#include <fmt/format.h>
+
+#include "Fault.h"
+
+namespace lumbarn {
+
+namespace {
+
+void report(Session& session, const char* text, FaultNumber number, const char* className,
+            const char* routine) {
+  session.reportFault(fmt::format("Error:{} (No.{}) In [{} (Code) ({})] ", text, static_cast<int>(number),
+                                  className, routine));
+}
+
+}  // namespace
+
+void reportCurrentException(Session& session, const char* className, const char* routine) noexcept {
+  try {
+    try {
+      throw;
+    } catch (BadRecord& damage) {
+      session.diagnose(std::move(damage.diagnosis()));
+    } catch (const Fault& fault) {
+      report(session, fault.what(), fault.number(), className, routine);
+    } catch (const std::bad_alloc&) {
+      report(session, faultText(FaultNumber::OutOfMemory), FaultNumber::OutOfMemory, className, routine);
+    } catch (const std::length_error&) {  // a container asked for more than it can ever hold
+      report(session, faultText(FaultNumber::OutOfMemory), FaultNumber::OutOfMemory, className, routine);
+    } catch (const std::exception& other) {
+      report(session, other.what(), FaultNumber::InvalidCall, className, routine);
+    }
+  } catch (...) {
+    // Reporting itself ran out of memory, or a host's callback threw: qOK False is all that is left to say.
+  }
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <typeindex>
+#include <unordered_map>
+
+#include "Diagnosis.h"
+
+namespace lumbarn {
+
+/// The host's progress display, handed in through `Container`. All calls come on the loading thread.
+class Progress {
+ public:
+  virtual ~Progress() = default;
+  /// A set of `count` files will be read; `fileDone` is called after each.
+  virtual void files(int count) { (void)count; }
+  virtual void fileDone() {}
+  /// Share of a single file that has been read, 0 to 1.
+  virtual void fraction(double share) { (void)share; }
+};
+
+/// All state that outlives a routine: what the system calls process-wide or module-wide. `process()` is the
+/// session that reader objects use unless they are given another. Two sessions share nothing mutable, so a
+/// host may load in parallel with one session per thread; one session serves one load at a time.
+class Session {
+ public:
+  using Clock = std::chrono::system_clock;
+
+  Session() = default;
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  /// The default session of the process.
+  static Session& process();
+
+  std::int32_t IOMethod = 1;       ///< carried into every file descriptor; has no effect on this build
+  double NullValue = -999;         ///< stands for "no value" in results
+  std::int32_t UseNullValue = 1;   ///< told to the host in the source data
+  std::atomic<bool> CancelLoad{};  ///< polled by every long loop; may be set from a signal or another thread
+  Progress* Container = nullptr;   ///< not owned
+  std::size_t memoryLimit = 0;     ///< bytes that one result array may take; 0: no limit but the machine's
+
+  std::function<void()> hostYield;                       ///< the host's message loop
+  std::function<void(std::string_view)> faultReporter;   ///< takes the text of each fault report
+  std::function<void(const Diagnosis&)> diagnosisSink;   ///< is told of each diagnosis as it is made
+  std::function<Clock::time_point()> now = &Clock::now;  ///< tests fix it
+
+  /// Gives the host its turn. True when the load is to stop.
+  bool yield() {
+    if (hostYield) hostYield();
+    return cancelled();
+  }
+  bool cancelled() const { return CancelLoad.load(std::memory_order_relaxed); }
+
+  /// Hands a fault text to the reporter. Nothing is shown when the host gave none.
+  void reportFault(std::string_view text) {
+    if (faultReporter) faultReporter(text);
+  }
+
+  /// Keeps a diagnosis, the most recent `keptDiagnoses` of them, and tells the sink.
+  void diagnose(Diagnosis diagnosis);
+  const std::deque<Diagnosis>& diagnoses() const { return diagnoses_; }
+  void clearDiagnoses() { diagnoses_.clear(); }
+  static constexpr std::size_t keptDiagnoses = 1000;
+
+  /// Throws Fault 7 when an array of that many bytes is beyond `memoryLimit`.
+  void checkMemory(std::size_t bytes) const;
+
+  /// The session's one object of type T, made on first use: state of a higher layer that lives as long as the
+  /// session without this layer knowing of it.
+  template <class T>
+  T& part() {
+    auto& slot = parts_[std::type_index(typeid(T))];
+    if (!slot) slot = std::make_shared<T>();
+    return *static_cast<T*>(slot.get());
+  }
+
+ private:
+  std::deque<Diagnosis> diagnoses_;
+  std::unordered_map<std::type_index, std::shared_ptr<void>> parts_;
+};
+
+}  // namespace lumbarn

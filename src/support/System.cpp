@@ -1,0 +1,129 @@
+#include "System.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <new>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace lumbarn {
+
+namespace {
+
+std::string errorText(int number) { return std::generic_category().message(number); }
+
+void closeHandle(std::intptr_t& handle) {
+  if (handle >= 0) ::close(static_cast<int>(std::exchange(handle, -1)));
+}
+
+constexpr std::size_t largePage = std::size_t{2} << 20;
+constexpr std::size_t largestTransfer = std::size_t{1} << 30;  // the system takes at most 2 GB at once
+
+}  // namespace
+
+InputFile::InputFile(const std::string& path, std::string& error) {
+  // Without O_NONBLOCK, opening a pipe would hang until somebody writes to it.
+  handle_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (handle_ < 0) {
+    error = errorText(errno);
+    return;
+  }
+  struct stat status {};
+  if (::fstat(static_cast<int>(handle_), &status) != 0) {
+    error = errorText(errno);
+  } else if (S_ISREG(status.st_mode)) {
+    return;
+  } else {
+    error = S_ISDIR(status.st_mode) ? "is a folder" : "is no regular file";
+  }
+  close();
+}
+
+InputFile::InputFile(InputFile&& other) noexcept : handle_(std::exchange(other.handle_, -1)) {}
+
+InputFile& InputFile::operator=(InputFile&& other) noexcept {
+  std::swap(handle_, other.handle_);
+  return *this;
+}
+
+InputFile::~InputFile() { close(); }
+
+void InputFile::close() { closeHandle(handle_); }
+
+std::uint64_t InputFile::size() const {
+  struct stat status {};
+  if (handle_ < 0 || ::fstat(static_cast<int>(handle_), &status) != 0) return 0;
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::size_t InputFile::readAt(std::uint64_t position, std::span<std::byte> out) const {
+  std::size_t done = 0;
+  while (done < out.size()) {
+    const auto wanted = std::min(out.size() - done, largestTransfer);
+    const auto got =
+        ::pread(static_cast<int>(handle_), out.data() + done, wanted, static_cast<off_t>(position + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
+OutputFile::OutputFile(const std::string& path, std::string& error) {
+  handle_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (handle_ < 0) error = errorText(errno);
+}
+
+OutputFile::OutputFile(OutputFile&& other) noexcept : handle_(std::exchange(other.handle_, -1)) {}
+
+OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
+  std::swap(handle_, other.handle_);
+  return *this;
+}
+
+OutputFile::~OutputFile() { closeHandle(handle_); }
+
+bool OutputFile::write(std::span<const std::byte> bytes) {
+  while (!bytes.empty()) {
+    const auto wanted = std::min(bytes.size(), largestTransfer);
+    const auto put = ::write(static_cast<int>(handle_), bytes.data(), wanted);
+    if (put < 0 && errno == EINTR) continue;
+    if (put <= 0) return false;
+    bytes = bytes.subspan(static_cast<std::size_t>(put));
+  }
+  return true;
+}
+
+bool OutputFile::close() {
+  if (handle_ < 0) return true;
+  return ::close(static_cast<int>(std::exchange(handle_, -1))) == 0;
+}
+
+std::string makeTemporaryFile(const std::string& prefix) {
+  const char* folder = std::getenv("TMPDIR");
+  std::string path = std::string(folder && *folder ? folder : "/tmp") + "/" + prefix + "XXXXXX";
+  const int handle = ::mkstemp(path.data());
+  if (handle < 0) return {};
+  ::close(handle);
+  return path;
+}
+
+void* allocateLarge(std::size_t bytes) {
+  if (bytes < largePage) return ::operator new(bytes, std::align_val_t(64));
+  void* memory = ::operator new(bytes, std::align_val_t(largePage));
+  ::madvise(memory, bytes, MADV_HUGEPAGE);  // advice only: without large pages this is merely slower
+  return memory;
+}
+
+void freeLarge(void* memory, std::size_t bytes) noexcept {
+  ::operator delete(memory, std::align_val_t(bytes < largePage ? 64 : largePage));
+}
+
+bool stderrIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }
+
+}  // namespace lumbarn

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumbarn {
+
+/// Texts in these files are single bytes; letters are those of ASCII, whatever the machine's locale.
+
+std::string_view trim(std::string_view text);       ///< without blanks, tabs and line ends on both sides
+std::string_view trimRight(std::string_view text);  ///< without blanks and characters 0 at the end
+std::string_view cutAtNul(std::string_view text);   ///< up to the first character 0
+std::string upper(std::string_view text);
+std::string lower(std::string_view text);
+bool equalNoCase(std::string_view a, std::string_view b);
+/// The parts between separators; a run of separators gives empty parts, an empty text one empty part.
+std::vector<std::string> split(std::string_view text, char separator);
+/// The words between runs of blanks; none of them empty.
+std::vector<std::string> words(std::string_view text);
+/// The whole text as a decimal integer, sign allowed, blanks around it allowed.
+std::optional<long long> toInteger(std::string_view text);
+
+}  // namespace lumbarn
