@@ -1,6 +1,5 @@
 #pragma once
 
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
