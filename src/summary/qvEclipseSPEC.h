@@ -97,7 +97,7 @@ class qvEclipseSPEC {
   /// and the unit of length. qOK False when LENGTHS has not one value per vector.
   void getHorizontalLengths(std::vector<float>& sLengths, std::string& zUnits, bool& qOK);
   /// The stores, and 24 bytes of string numbers into them for each vector with mask True.
-  void getStoreHeaders(AttributeStores& xStore, ByteTable& bPointers, bool& qOK);
+  void getStoreHeaders(AttributeStores& xStores, ByteTable& bPointers, bool& qOK);
 
   std::vector<bool> getKeyMask() const { return qKeyMask; }
   /// Refines the mask: each vector that is still in takes the next element of qMask. A vector that is out
@@ -107,7 +107,7 @@ class qvEclipseSPEC {
 
   /// For each cell number the text "i j k", empty for one that is not in the grid. With fewer than 4 elements
   /// in iDIMENS, one empty text.
-  void ConvertCellIndices(std::span<const std::int32_t> vIndices, std::span<const std::int32_t> iDIMENS,
+  void ConvertCellIndices(std::span<const std::int32_t> vIndices, std::span<const std::int32_t> iDimens,
                           std::vector<std::string>& vCells, bool& qOK) const;
 
   // Beyond what hosts ask for.
@@ -124,10 +124,11 @@ class qvEclipseSPEC {
   Session& session() const { return *session_; }
 
  private:
-  friend class SpecRecords;
-  friend class SpecProcessing;
   void clear();
+  bool readRecords();
   void addSource();
+  void fillHeader(ByteTable& bHeaders, std::size_t iEntry, const VECTORDATA& xVector,
+                  std::string_view variable, std::string_view source, std::string_view kind) const;
   void ReturnHeaders(ByteTable& bHeaders, std::vector<bool>& qMask, bool& qOK, bool qHorizontal);
 
   Session* session_;
