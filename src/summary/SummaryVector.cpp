@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 #include <string_view>
 
 #include "../shapes/HeaderLayout.h"
@@ -10,11 +11,14 @@
 namespace lumbarn {
 namespace {
 
-using Words = std::initializer_list<std::string_view>;
-constexpr Words classesWithMember = {"COMPLETIONS", "GROUPS", "NODES", "SEGMENTS", "WELLS"};
-constexpr Words classesWithIndex = {"AQUIFERS", "BLOCKS", "COMPLETIONS", "IRF", "REGIONS", "SEGMENTS"};
+constexpr std::array<std::string_view, 5> classesWithMember = {"COMPLETIONS", "GROUPS", "NODES", "SEGMENTS",
+                                                               "WELLS"};
+constexpr std::array<std::string_view, 6> classesWithIndex = {"AQUIFERS", "BLOCKS",  "COMPLETIONS",
+                                                              "IRF",      "REGIONS", "SEGMENTS"};
 
-bool isOneOf(std::string_view word, Words list) { return std::ranges::find(list, word) != list.end(); }
+bool isOneOf(std::string_view word, std::span<const std::string_view> list) {
+  return std::ranges::find(list, word) != list.end();
+}
 
 std::optional<std::int32_t> toNumber(std::string_view text) {
   const auto value = toInteger(text);
