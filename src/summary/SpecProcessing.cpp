@@ -15,8 +15,6 @@ constexpr std::string_view dummyName = ":+:+:+:+";
 constexpr std::int32_t pairBase = 32768;  // a region pair (b, a) is coded as b + (a + pairOffset) * pairBase
 constexpr std::int32_t pairOffset = 10;
 
-char upperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
 std::string threeNumbers(std::int32_t a, std::int32_t b, std::int32_t c) {
   return std::to_string(a) + ' ' + std::to_string(b) + ' ' + std::to_string(c);
 }

@@ -191,6 +191,7 @@ VECTORDATA carryOver(const VECTORDATA& xVector, const AttributeStores& xOld, Att
     if (!xOld.has(iAttribute) || !xMain.has(iAttribute)) continue;
     const std::int32_t number = pointer(xVector, iAttribute);
     if (number < 1) continue;
+    xMain(iAttribute).widen(xOld(iAttribute).width());  // a run with longer names
     setPointer(carried, iAttribute, xMain(iAttribute).add(xOld(iAttribute).item(number)));
   }
   return carried;

@@ -134,9 +134,9 @@ bool qvEclipseSPEC::readRecords() {
   }
   if (qScanOnly) return true;
   records.join();
-  const bool processed = SpecProcessing(*this).processSPECRecords();
-  if (!processed) qDamaged = false;
-  return processed && !qDamaged;
+  qLoaded_ = SpecProcessing(*this).processSPECRecords();
+  if (!qLoaded_) qDamaged = false;  // cancelled: nothing is to be used
+  return qLoaded_ && !qDamaged;
 }
 
 void qvEclipseSPEC::querySPECRecords(std::vector<std::string>& zNames, std::int32_t& nNames,
@@ -174,6 +174,7 @@ void qvEclipseSPEC::ReturnHeaders(ByteTable& bHeaders, std::vector<bool>& qMask,
                                   bool qHorizontal) {
   guarded(*session_, qOK, className, "ReturnHeaders", [&] {
     bHeaders = {};
+    if (!qLoaded_) return false;
     if (qHorizontal) qMask.assign(xVectors.size(), true);
     addSource();
     const std::string source(xStore(attributeSource).item(1));
@@ -236,6 +237,7 @@ void qvEclipseSPEC::getHorizontalLengths(std::vector<float>& sLengths, std::stri
 
 void qvEclipseSPEC::getStoreHeaders(AttributeStores& xStores, ByteTable& bPointers, bool& qOK) {
   guarded(*session_, qOK, className, "getStoreHeaders", [&] {
+    if (!qLoaded_) return false;
     addSource();
     xStores = xStore;
     bool qDone = false;

@@ -77,7 +77,7 @@ class qvEclipseSPEC {
 
   /// Reads the file. qOK False when it is not there, damaged, or the load was cancelled. When the damage lies
   /// behind a whole KEYWORDS record, qDamaged is set and all operations below work on what was read before
-  /// it; otherwise nothing is held. With qScanOnly only the record list is filled.
+  /// it; otherwise nothing is held. With qScanOnly only the record list is filled, and no headers can be had.
   void ReadEclipseSPECFile(bool& qOK);
 
   /// Sets a descriptor from this object's flags.
@@ -132,6 +132,7 @@ class qvEclipseSPEC {
   void ReturnHeaders(ByteTable& bHeaders, std::vector<bool>& qMask, bool& qOK, bool qHorizontal);
 
   Session* session_;
+  bool qLoaded_ = false;
   std::vector<bool> qHorizontalMask_;
 };
 
