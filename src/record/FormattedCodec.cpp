@@ -85,7 +85,8 @@ std::string shown(std::string_view text) {
 std::size_t quoted(std::string_view text, std::size_t width, std::string_view& content) {
   if (text.size() < 2 || text[0] != '\'') return 0;
   std::size_t end = width + 1;
-  if (end >= text.size() || text[end] != '\'') end = text.substr(0, end).find('\'', 1);
+  const bool padded = end < text.size() && text[end] == '\'' && text.substr(0, end).find('\n') == text.npos;
+  if (!padded) end = text.substr(0, end).find('\'', 1);
   if (end == std::string_view::npos) return 0;
   content = text.substr(1, end - 1);
   return end + 1;
@@ -118,12 +119,19 @@ std::uint64_t blockBytes(const LineShape& shape, std::uint64_t elements, std::ui
   return elements * shape.fieldWidth + lines * lineEnd;
 }
 
+/// A number ends at a blank, or at the sign or the stars of a field that touches it.
+bool endsNumber(std::string_view behind) {
+  return behind.empty() || isBlank(behind[0]) || behind[0] == '-' || behind[0] == '+' || behind[0] == '*';
+}
+
 /// Takes one element at the scanner's place to `out`, or passes over it when out is null.
 template <class T>
 void takeNumber(TextScanner& scanner, std::byte* out) {
   T value{};
   const auto taken = parseNumber(scanner.rest(), value);
-  if (taken == 0) throwBadRecord("no number", scanner.position(), "a number", shown(scanner.rest()));
+  if (taken == 0 || !endsNumber(scanner.rest().substr(taken))) {
+    throwBadRecord("no number", scanner.position(), "a number", shown(scanner.rest()));
+  }
   if (out) std::memcpy(out, &value, sizeof value);
   scanner.take(taken);
 }
@@ -182,6 +190,16 @@ void scanElements(TextScanner& scanner, const RecordHeader& header, std::uint64_
     default:
       return;
   }
+}
+
+/// A file that ends without a line end may still be whole, but a number that does not fill its field has lost
+/// digits.
+bool cutInsideField(Window& window, std::uint64_t fieldWidth) {
+  const std::uint64_t look = std::min<std::uint64_t>(window.size(), 2 * longestToken);
+  const auto bytes = window.at(window.size() - look, static_cast<std::size_t>(look));
+  std::uint64_t length = 0;
+  while (length < bytes.size() && bytes[bytes.size() - 1 - length] != std::byte{'\n'}) ++length;
+  return length % fieldWidth != 0;
 }
 
 /// Data of an unknown type: everything up to a line that is a header.
@@ -262,6 +280,9 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   layout.kind = DataLayout::Kind::Scanned;
   TextScanner scanner(window, header.dataAt, left);
   scanElements(scanner, header, 0, count, nullptr);
+  if (scanner.position() == window.size() && cutInsideField(window, shape.fieldWidth)) {
+    throwBadRecord("record is cut off", window.size(), "a whole last line", "end of file");
+  }
   scanner.skipLineEnd();
   layout.end = scanner.position();
   return layout;
@@ -282,9 +303,10 @@ void FormattedCodec::decode(Window& window, const RecordHeader& header, const Da
   const auto fieldWidth = lineShape(header.type, header.width).fieldWidth + 1;
   TextScanner scanner(window, start, (skip + count) * fieldWidth);
   scanElements(scanner, header, skip, count, out);
-  if (scanner.position() > layout.end) {
-    throwBadRecord("data run beyond their record", scanner.position(), fmt::format("end at {}", layout.end),
-                   "more characters");
+  if (first + static_cast<std::int64_t>(count) < header.count) return;
+  if (scanner.skipBlanks(1) && scanner.position() < layout.end) {
+    throwBadRecord("more data than the header announces", scanner.position(),
+                   fmt::format("{} elements", header.count), shown(scanner.rest()));
   }
 }
 

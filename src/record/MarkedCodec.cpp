@@ -153,18 +153,19 @@ DataLayout MarkedCodec::walkUnknown(Window& window, const RecordHeader& header) 
   const auto mark = static_cast<std::uint64_t>(markBytes_);
   RecordHeader following;
   while (layout.end < window.size()) {
-    const std::uint64_t length = readMark(window, layout.end);
-    if (length == headerBytes) {
+    const std::uint32_t opening = readMark(window, layout.end);
+    if (opening == headerBytes) {
       const auto bytes = window.at(layout.end + mark, headerBytes);
-      if (bytes.size() == headerBytes &&
+      if (bytes.size() >= headerBytes &&
           setHeaderWords(following, letters(bytes.data(), 8), letters(bytes.data() + 12, 4)) &&
           following.type != ElementType::Unknown) {
         break;
       }
     }
+    const std::uint64_t length = markBytes_ == 1 && opening == pieceContinues ? pieceBytes : opening;
     const std::uint64_t left = window.size() - layout.end;
     if (length + 2 * mark > left) throwCutOff(layout.end, length + 2 * mark, left);
-    checkMark(window, layout.end + mark + length, shortened(length));
+    checkMark(window, layout.end + mark + length, opening);
     layout.end += length + 2 * mark;
   }
   return layout;

@@ -1,7 +1,5 @@
 #include "RecordCursor.h"
 
-#include <limits>
-
 #include <fmt/format.h>
 
 #include "../support/Diagnosis.h"
@@ -81,9 +79,8 @@ bool RecordCursor::readHeader(std::uint64_t position) {
 void RecordCursor::setCurrent(const RecordHeader& header, bool checked) {
   header_ = header;
   occurrence_ = 0;
-  if (checked) {
+  if (checked && !form_.formatted()) {  // where a formatted record's data stand depends on its line ends too
     *layout_ = {};
-    layout_->end = std::numeric_limits<std::uint64_t>::max();
     return;
   }
   located([&] {
