@@ -85,7 +85,7 @@ ECLIPSEINFO randomChoice(Headers& headers, std::mt19937& random) {
 
 TEST(OnlyList, WhatAListIsMadeOfComesBackFromIt) {
   int positive = 0, negative = 0, nothing = 0;
-  for (unsigned seed = 0; seed < 3000; ++seed) {
+  for (unsigned seed = 0; seed < 1000; ++seed) {
     std::mt19937 random(seed);
     auto headers = randomHeaders(random);
     auto xInfo = randomChoice(headers, random);
@@ -102,7 +102,7 @@ TEST(OnlyList, WhatAListIsMadeOfComesBackFromIt) {
     ASSERT_EQ(expanded(headers, bOnly, qOnly), expected) << seed << testing::PrintToString(linesOf(bOnly));
     ++(nOnly == 0 ? nothing : qOnly ? positive : negative);
   }
-  EXPECT_TRUE(positive > 200 && negative > 200 && nothing > 20)
+  EXPECT_TRUE(positive > 100 && negative > 100 && nothing > 10)
       << positive << " " << negative << " " << nothing;
 }
 
