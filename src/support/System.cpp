@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <new>
 #include <sys/mman.h>
@@ -122,6 +123,12 @@ void* allocateLarge(std::size_t bytes) {
 
 void freeLarge(void* memory, std::size_t bytes) noexcept {
   ::operator delete(memory, std::align_val_t(bytes < largePage ? 64 : largePage));
+}
+
+std::string thisModulePath() {
+  Dl_info info{};
+  const bool found = ::dladdr(reinterpret_cast<const void*>(&thisModulePath), &info) != 0 && info.dli_fname;
+  return found ? info.dli_fname : "";
 }
 
 bool stderrIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }
