@@ -33,9 +33,11 @@ install(FILES ${PROJECT_BINARY_DIR}/lumbarnConfig.cmake ${PROJECT_BINARY_DIR}/lu
         DESTINATION ${lumbarn_package_dir})
 
 if(TARGET lumbarn_cli)
-  # Found beside the shared library wherever both are put.
-  file(RELATIVE_PATH library_from_command ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(lumbarn_cli PROPERTIES INSTALL_RPATH "\$ORIGIN/${library_from_command}")
+  if(BUILD_SHARED_LIBS)
+    # The command finds the library wherever both are put.
+    file(RELATIVE_PATH library_from_command ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(lumbarn_cli PROPERTIES INSTALL_RPATH "\$ORIGIN/${library_from_command}")
+  endif()
   install(TARGETS lumbarn_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(
     FILES ${PROJECT_SOURCE_DIR}/cli/man/lumbarn.1
