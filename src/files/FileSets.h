@@ -5,26 +5,58 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Session.h"
+
 namespace lumbarn {
 
-/// The name of the unified file of kind zKind ("SUMMARY", "RESTART" or "SOLUTION", "SAVE", "STREAMLINE")
-/// beside zFile, in the case and the generation (long or short extensions) of zFile's extension. zExtension
-/// takes the extension.
+/// The name of the file of kind zKind ("SUMMARY", "RESTART" or "SOLUTION", "SAVE", "STREAMLINE") beside
+/// zFile, in the case and the generation (long or short extensions) of zFile's extension; long when that is
+/// none of a set's. zExtension takes the extension. qUnified True gives the unified file; False gives the
+/// multiple file of zFile's own step, or of step 0 when zFile is not a multiple file. The disk is not looked
+/// at. qOK False with both texts empty for a kind that has no such file.
 void setEclipseFileName(std::string_view zFile, std::string_view zKind, std::string& zExtension,
                         bool qUnified, bool qFormatted, std::string& zName, bool& qOK);
 
-/// The search for multiple files: the files of the set that zFile belongs to or describes, full paths, in
-/// order of step, cut to iStart..iEnd (-1: open). None leaves nFiles at 0. qOK False only when the folder
-/// cannot be listed.
+/// The search for multiple files: the files of the set that zFile belongs to or describes, with zFile's
+/// folder in front, in order of step, cut to iStart..iEnd by `GetFileListUsingStartAndEnd` unless both are
+/// -1. None leaves nFiles at 0. qOK False only when the folder cannot be listed; a diagnosis then says why.
+///
+/// A multiple file stands for its own set whatever zKind says. Another file stands for the set of its
+/// extension when that is of kind zKind; a restart index tells no form, and a file of another kind names only
+/// the run, so unformatted and formatted sets are looked for, the form of zFile first. Names match without
+/// regard to case, but files that spell the base name as zFile does come before all others, and of two files
+/// of one step that differ in the case of their extensions only the one in zFile's case is taken. qUnified
+/// True looks for nothing. The folder is read once.
 void GetFileNamesToLoad(std::string_view zFile, std::int32_t iStart, std::int32_t iEnd, bool qUnified,
                         std::string_view zKind, std::int32_t& nFiles, std::vector<std::string>& zFiles,
-                        bool& qOK);
+                        bool& qOK, Session& session = Session::process());
 
-/// Step limits to use in a record loop over a unified set.
+/// Cuts a list of multiple files in order of step to the steps iStart..iEnd. An iEnd below 0 is iStart, and a
+/// reversed range is turned round. Nothing happens with an empty list, an iStart below 0 or a unified set. A
+/// step that is missing stands for the next one that is there, also at the end of the range. An end behind
+/// the last file leaves the first file alone; a start behind it leaves nFiles 0 and one empty entry. The list
+/// itself tells its extensions and form; qFormatted and zExtension are taken for the sake of the callers.
+void GetFileListUsingStartAndEnd(std::int32_t iStart, std::int32_t iEnd, bool qFormatted, bool qUnified,
+                                 std::string_view zExtension, std::int32_t& nFiles,
+                                 std::vector<std::string>& zFiles, bool& qOK);
+
+/// Step limits to use in a record loop over a unified set; -1 is an open limit. For a multiple set they stay
+/// as they are, as the list of files does the work.
 void setEclipseSequenceLimits(std::string_view zKind, bool qUnified, std::int32_t iStart, std::int32_t iEnd,
                               std::int32_t& iFirst, std::int32_t& iLast, bool& qOK);
-/// Test of one step against the limits.
+/// Test of one step against the limits: whether to use it, and whether it lies behind them.
 void checkSequence(bool qUnified, std::int32_t iStep, std::int32_t iFirst, std::int32_t iLast, bool& qUse,
                    bool& qPast, bool& qOK);
+/// qExit True once iStep reaches a limit iLast that is not open, in a unified set.
+void checkForExit(bool qUnified, std::int32_t iStep, std::int32_t iLast, bool& qExit, bool& qOK);
+
+/// Shared loop test after an operation that answered qOK and left qMore data: True when the loop is to end,
+/// qResult then being its result. That is True when there was no more data, False otherwise; as long as qOK
+/// is True nothing changes.
+bool checkExit(bool qOK, bool qMore, bool& qResult);
+
+/// The type word of a type number: 1 and 2 "INTE", 3 "REAL", 4 "DOUB", 5 "CHAR", 6 "LOGI"; others the empty
+/// text.
+std::string TypeStringFromNum(std::int32_t iType);
 
 }  // namespace lumbarn

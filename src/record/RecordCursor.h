@@ -15,6 +15,7 @@ namespace lumbarn {
 
 class Codec;
 class Window;
+struct DataLayout;
 
 /// Walks the records of one file. `next` moves from header to header and skips data that was not read, in
 /// time that does not depend on its size; `read` decodes the data of the current record straight into the
@@ -35,9 +36,9 @@ class RecordCursor {
   std::int64_t occurrence() const { return occurrence_; }
 
   /// The byte offset, from 0, at which `next` will look: the end of the current record's data.
-  std::uint64_t nextPosition();
+  std::uint64_t nextPosition() const { return next_; }
   /// Makes `next` look at this byte offset, from 0.
-  void seek(std::uint64_t headerPosition);
+  void seek(std::uint64_t headerPosition) { next_ = headerPosition; }
   std::uint64_t fileSize() const { return source_->size(); }
   const std::string& path() const { return path_; }
   const Form& form() const { return form_; }
@@ -62,10 +63,18 @@ class RecordCursor {
   std::vector<double> doubles();
   std::vector<std::string> texts();  ///< trailing blanks removed
 
-  /// Takes a header that is known from elsewhere as the current one, without reading it.
-  void setCurrent(const RecordHeader& header);
+  /// True when the current record's data are laid out as the format has it, so that places follow from
+  /// arithmetic.
+  bool regular() const;
+  /// Takes a header that is known from elsewhere as the current one. `checked` tells that `next` has walked
+  /// over this record before and found it regular: then nothing is read here, and `next` does not move behind
+  /// it.
+  void setCurrent(const RecordHeader& header, bool checked = false);
 
  private:
+  template <class Body>
+  auto located(Body&& body);
+  bool readHeader(std::uint64_t position);
   void decode(ElementType wanted, std::int64_t first, std::size_t count, void* out);
 
   std::shared_ptr<const ByteSource> source_;
@@ -73,9 +82,9 @@ class RecordCursor {
   std::string path_;
   std::unique_ptr<Window> window_;
   std::unique_ptr<const Codec> codec_;
+  std::unique_ptr<DataLayout> layout_;  // of the current record
   RecordHeader header_;
-  std::uint64_t next_ = 0;  // where the next header stands, when nextKnown_
-  bool nextKnown_ = true;
+  std::uint64_t next_ = 0;
   std::int64_t occurrence_ = 0;
   std::unordered_map<std::string, std::int64_t> met_;
 };

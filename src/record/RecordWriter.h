@@ -32,11 +32,11 @@ class RecordWriter {
   void header(std::string_view keyword, std::int32_t count, std::string_view typeWord);
 
  private:
-  template <class T, class Format>
-  void record(std::string_view keyword, std::span<const T> values, std::string_view typeWord, int perLine,
-              Format format);
+  template <class T, class Format, class Bytes>
+  void record(std::string_view keyword, std::span<const T> values, std::string_view typeWord, Format format,
+              Bytes bytes);
   void block(std::span<const std::byte> data);
-  void text(std::string_view line);
+  void line(std::string text);
 
   ByteSink sink_;
   Form form_;

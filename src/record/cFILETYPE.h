@@ -9,60 +9,63 @@
 
 namespace lumbarn {
 
-/// The file-type descriptor: form, settings and position of one open file. Made new for each file; the
-/// operations that open, read and close it are those of `Quarnet`.
+/// A 64-bit position as the two words that hosts keep. -1 in both words is no position.
+struct PositionWords {
+  std::int32_t low = -1;
+  std::int32_t high = -1;
+  bool isSet() const { return low != -1 || high != -1; }
+};
+PositionWords toWords(std::uint64_t position);
+std::uint64_t fromWords(PositionWords words);
+
+/// The file-type descriptor: form, settings and position of one open file. Made new for each file; `Quarnet`
+/// opens, reads and closes it.
 class cFILETYPE {
  public:
-  explicit cFILETYPE(Session& session = Session::process());
+  explicit cFILETYPE(Session& session = Session::process()) : IOMethod(session.IOMethod) {}
 
-  bool Formatted = false;         ///< text lines
-  bool FORTRAN = true;            ///< records have marks; False for raw scratch files
-  bool UNIX = true;               ///< 4-byte marks; False: 1-byte marks. Without meaning when Formatted
-  bool byteSwap = true;           ///< byte order differs from the machine's
-  std::int32_t IOMethod;          ///< from the session; carried, not interpreted
-  bool UseBufferedInput = false;  ///< by file kind, see `usesBufferedInput`; steers progress only: input is
-                                  ///< always read through one window
+  bool Formatted = false;  ///< text lines
+  bool FORTRAN = true;     ///< records have marks; False for raw scratch files
+  bool UNIX = true;        ///< 4-byte marks; False: 1-byte marks. Without meaning when Formatted
+  bool byteSwap = true;    ///< byte order differs from the machine's
+  std::int32_t IOMethod;   ///< carried, not interpreted: there is one way to read, and it is the fast one
+  bool UseBufferedInput =
+      false;  ///< by file kind; all input is buffered, so this steers progress reports only
 
+  /// The host's progress display; not owned.
   void SetProgressTarget(Progress* target) { progress_ = target; }
-  /// A set of n files will be read.
+  /// A set of n files will be read, and one of them has been.
   void SetProgressFiles(std::int32_t n, bool& qOK);
   void StepProgressFile(bool& qOK);
   /// Tells the share of the file that has been read.
   void StepProgress();
 
   /// Moves to a byte position, counted from 1.
-  void SeekByte(std::int32_t iPos);
+  void SeekByte(std::int32_t iPos) { SeekByte64(iPos, 0); }
   /// The same, low and high word; -1 in both leaves the position as it is.
   void SeekByte64(std::int32_t iPos, std::int32_t iPosHigh);
   /// The current position, counted from 1.
-  void GetPosition64(std::int32_t& iPos, std::int32_t& iPosHigh);
-  /// False once the last record has been read.
-  void MoreData(bool& qMore);
+  void GetPosition64(std::int32_t& iPos, std::int32_t& iPosHigh) const;
+  /// False once the last record has been read; blank characters behind it do not count.
+  void MoreData(bool& qMore) const;
 
+  /// The flags above as one value, and back.
   Form form() const;
+  void setForm(const Form& form);
 
  private:
   friend class Quarnet;
-  std::uint64_t position();
 
-  Session* session_;
   Progress* progress_ = nullptr;
+  std::string path_;
   std::shared_ptr<const ByteSource> source_;
-  std::unique_ptr<RecordCursor> cursor_;  // record files
-  std::uint64_t rawPosition_ = 0;         // raw access
-  bool raw_ = false;                      // the last access was raw: rawPosition_ counts
-  std::shared_ptr<OutputFile> output_;
+  std::unique_ptr<RecordCursor> cursor_;
+  std::unique_ptr<OutputFile> output_;
+  std::uint64_t position_ = 0;  // from 0
+  bool atData_ = false;         // the cursor's current record is the one whose data start here
 };
 
 /// `UseBufferedInput` by file-kind code: True for 1, 12, 13, 14, 15, 18, 23, 27, 28, 32, 43 and 391.
 bool usesBufferedInput(std::int32_t fileKindCode);
-
-/// A 64-bit position as the two words that hosts keep, and back. -1 in both words is no position.
-struct PositionWords {
-  std::int32_t low = -1;
-  std::int32_t high = -1;
-};
-PositionWords toWords(std::uint64_t position);
-std::uint64_t fromWords(PositionWords words);
 
 }  // namespace lumbarn

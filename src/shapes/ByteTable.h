@@ -7,11 +7,15 @@
 
 namespace lumbarn {
 
+/// Text of a fixed-width field: cut at the first character 0, blanks (and only those) trimmed on both sides.
+std::string_view fieldText(std::string_view bytes);
+
 /// Two-dimensional array of bytes, `table(iByte, iEntry)`, both from 1; the bytes of one entry lie next to
 /// each other. The shape of `bHeaders` (233 bytes an entry), `bOnly` (56) and `bPointers` (24).
 class ByteTable {
  public:
   ByteTable() = default;
+  /// Throws Fault 7 for a size that no memory has.
   ByteTable(std::size_t width, std::size_t entries, char fill = ' ');
 
   std::size_t width() const { return width_; }
@@ -31,7 +35,7 @@ class ByteTable {
   /// width; what the text does not fill stays as it was. Throws Fault 9 when the field is not inside the
   /// entry.
   void put(std::size_t iEntry, std::size_t firstByte, std::size_t fieldWidth, std::string_view text);
-  /// The field, cut at the first character 0, blanks trimmed on both sides.
+  /// The field by `fieldText`. Throws Fault 9 when the field is not inside the entry.
   std::string_view get(std::size_t iEntry, std::size_t firstByte, std::size_t fieldWidth) const;
 
   /// Keeps the first `entries` entries or adds entries filled with `fill`.

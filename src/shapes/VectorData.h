@@ -39,8 +39,15 @@ void redimVECTORDATAArray(std::int32_t nVectors, bool qKeep, std::vector<VECTORD
 std::int32_t pointer(const VECTORDATA& xVector, std::int32_t iAttribute);
 void setPointer(VECTORDATA& xVector, std::int32_t iAttribute, std::int32_t iPointer);
 
-/// Byte for byte into `bPointers(1..24, 1..N)` and back.
+/// The same for the first vectors, one number each, as a store's `StoreAddBlock` gives them. Throws Fault 9
+/// for more numbers than vectors too; the vectors before the one that failed are set.
+void setPointers(std::span<VECTORDATA> xVectors, std::int32_t iAttribute,
+                 std::span<const std::int32_t> iPointers);
+
+/// Byte for byte into `bPointers(1..24, 1..N)`, in the machine's byte order.
 void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK);
+/// And back. qOK False, with the vectors as they were, when an entry has not 24 bytes. The numbers are taken
+/// as they stand: one that its store does not have reads as an empty text.
 void setVECTORDATA(const ByteTable& bPointers, std::vector<VECTORDATA>& xVectors, bool& qOK);
 
 }  // namespace lumbarn

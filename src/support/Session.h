@@ -80,6 +80,11 @@ class Session {
     if (!slot) slot = std::make_shared<T>();
     return *static_cast<T*>(slot.get());
   }
+  /// Lets the session's object of type T go; the next `part` makes it new.
+  template <class T>
+  void release() {
+    parts_.erase(std::type_index(typeid(T)));
+  }
 
  private:
   std::deque<Diagnosis> diagnoses_;

@@ -9,9 +9,6 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
 
-char upperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-char lowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 }  // namespace
 
 std::string_view trim(std::string_view text) {

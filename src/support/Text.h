@@ -12,6 +12,8 @@ namespace lumbarn {
 std::string_view trim(std::string_view text);       ///< without blanks, tabs and line ends on both sides
 std::string_view trimRight(std::string_view text);  ///< without blanks and characters 0 at the end
 std::string_view cutAtNul(std::string_view text);   ///< up to the first character 0
+constexpr char upperLetter(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+constexpr char lowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 std::string upper(std::string_view text);
 std::string lower(std::string_view text);
 bool equalNoCase(std::string_view a, std::string_view b);

@@ -5,14 +5,19 @@
 
 namespace lumbarn {
 
+/// A mnemonic has an optional "L" for a vector of a local grid, a letter for its class, and the variable; the
+/// text behind an underscore is the number of a tracer or of another group of vectors. All names may be blank
+/// padded.
+
 /// Class word of a mnemonic by its letters: "WELLS", "FIELD", ... "MISCELLANEOUS"; "IRF" for a flow between
-/// regions.
+/// regions. Keys that `isMiscellaneousKey` knows are "MISCELLANEOUS".
 std::string_view classOfKey(std::string_view zKey);
-/// True for the solver and step statistics whose first letter is that of another class. Decides before
-/// `classOfKey`.
+/// True for the solver and step statistics whose first letter is that of another class.
 bool isMiscellaneousKey(std::string_view zKey);
 
-/// Splits a mnemonic into its variable and the number behind an underscore.
+/// Splits a mnemonic into its variable and the number behind an underscore, which is empty when there is
+/// none. Kinds are "SUMMARY" ("LWTPR_3" gives "TPR" and "3") and "SEGBRAN" ("SEGPRES" gives "PRES"); a vector
+/// of any other kind is a variable as it stands. Any text has an answer: qOK is True.
 void getEclipseVectorInfo(std::string_view zKind, std::string_view zVector, std::string& zVariable,
                           std::string& zNumber, bool& qOK);
 /// Description text for the kinds "SUMMARY", "SEGBRAN" and "Table"; the vector itself for others. zNumberOut

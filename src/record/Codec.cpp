@@ -1,0 +1,46 @@
+#include "Codec.h"
+
+#include <algorithm>
+
+#include "../support/Diagnosis.h"
+#include "../support/Text.h"
+#include "FormattedCodec.h"
+#include "MarkedCodec.h"
+
+namespace lumbarn {
+
+std::unique_ptr<const Codec> makeCodec(const Form& form) {
+  switch (form.framing) {
+    case Framing::Formatted:
+      return std::make_unique<FormattedCodec>();
+    case Framing::FourByteMarks:
+      return std::make_unique<MarkedCodec>(4, form.byteSwap);
+    case Framing::OneByteMarks:
+      break;
+  }
+  return std::make_unique<MarkedCodec>(1, form.byteSwap);
+}
+
+bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_view typeWord) {
+  const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
+  const auto wordLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); };
+  if (!std::ranges::all_of(keyword, printable)) return false;
+  header.keyword = upper(trim(keyword));
+  header.typeWord = upper(typeWord);
+  if (header.typeWord.size() != 4 || !std::ranges::all_of(header.typeWord, wordLetter)) return false;
+  const auto [type, width] = typeInfo(header.typeWord);
+  header.type = type;
+  header.width = width;
+  return true;
+}
+
+void throwBadRecord(std::string problem, std::uint64_t offset, std::string expected, std::string found) {
+  Diagnosis diagnosis;
+  diagnosis.problem = std::move(problem);
+  diagnosis.offset = offset;
+  diagnosis.expected = std::move(expected);
+  diagnosis.found = std::move(found);
+  throw BadRecord(std::move(diagnosis));
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,326 @@
+#include "FormattedCodec.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <fmt/format.h>
+
+#include "TextNumbers.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr std::size_t longestToken = 80;
+
+bool isBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
+
+/// Reads characters of a file in order, through the window.
+class TextScanner {
+ public:
+  TextScanner(Window& window, std::uint64_t position, std::uint64_t wanted)
+      : window_(&window), position_(position), wanted_(wanted) {}
+
+  std::uint64_t position() const { return position_ + at_; }
+
+  /// Moves to the next character that is no blank and brings at least a token's length, or what is left of
+  /// the file, to hand. False at the end of the file.
+  bool skipBlanks(std::size_t token = longestToken) {
+    while (true) {
+      while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
+      if (text_.size() - at_ >= token) return true;
+      if (ended_) return at_ < text_.size();
+      refill(token);
+    }
+  }
+  /// Moves behind the end of the current line if only blanks are left on it.
+  void skipLineEnd() {
+    while (at_ < text_.size() || refill(1)) {
+      const char c = text_[at_];
+      if (!isBlank(c)) return;
+      ++at_;
+      if (c == '\n') return;
+    }
+  }
+  /// Moves to the start of the next line. False at the end of the file.
+  bool nextLine() {
+    while (at_ < text_.size() || refill(1)) {
+      if (text_[at_++] == '\n') return true;
+    }
+    return false;
+  }
+
+  std::string_view rest() const { return text_.substr(at_); }
+  void take(std::size_t count) { at_ += count; }
+
+ private:
+  bool refill(std::size_t needed) {
+    const std::uint64_t done = at_;
+    position_ += done;
+    wanted_ -= std::min(wanted_, done);
+    at_ = 0;
+    const auto bytes = window_->at(position_, needed, wanted_);
+    text_ = {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+    ended_ = bytes.size() < needed;  // the end of the file, or it was cut while being read
+    return !text_.empty();
+  }
+
+  Window* window_;
+  std::uint64_t position_;  // of text_[0]
+  std::uint64_t wanted_;    // characters from position_ on that will be read
+  std::string_view text_;
+  std::size_t at_ = 0;
+  bool ended_ = false;
+};
+
+std::string shown(std::string_view text) {
+  text = text.substr(0, std::min<std::size_t>(text.find_first_of("\r\n"), 24));
+  std::string printable;
+  for (const char c : text) printable += c >= ' ' && c <= '~' ? c : '?';
+  return '"' + printable + '"';
+}
+
+/// The text between quotes at the start of `text`: `width` characters, or fewer from a writer that does not
+/// pad. Gives the characters taken, quotes included; 0 when there is no such text.
+std::size_t quoted(std::string_view text, std::size_t width, std::string_view& content) {
+  if (text.size() < 2 || text[0] != '\'') return 0;
+  std::size_t end = width + 1;
+  const bool padded = end < text.size() && text[end] == '\'' && text.substr(0, end).find('\n') == text.npos;
+  if (!padded) end = text.substr(0, end).find('\'', 1);
+  if (end == std::string_view::npos) return 0;
+  content = text.substr(1, end - 1);
+  return end + 1;
+}
+
+/// Takes a header at the start of `text`: 'KEYWORD ' count 'TYPE'. Gives the characters taken, 0 when there
+/// is none.
+std::size_t parseHeader(std::string_view text, RecordHeader& header) {
+  std::string_view keyword;
+  std::size_t at = quoted(text, 8, keyword);
+  if (at == 0) return 0;
+  const auto skip = [&] {
+    while (at < text.size() && text[at] == ' ') ++at;
+  };
+  skip();
+  std::int32_t count = 0;
+  const std::size_t digits = parseNumber(text.substr(at), count);
+  if (digits == 0) return 0;
+  at += digits;
+  skip();
+  std::string_view typeWord;
+  const std::size_t letters = quoted(text.substr(at), 4, typeWord);
+  if (letters == 0 || !setHeaderWords(header, keyword, typeWord)) return 0;
+  header.count = count;
+  return at + letters;
+}
+
+std::uint64_t blockBytes(const LineShape& shape, std::uint64_t elements, std::uint64_t lineEnd) {
+  const std::uint64_t lines = (elements + shape.perLine - 1) / shape.perLine;
+  return elements * shape.fieldWidth + lines * lineEnd;
+}
+
+/// A number ends at a blank, or at the sign or the stars of a field that touches it.
+bool endsNumber(std::string_view behind) {
+  return behind.empty() || isBlank(behind[0]) || behind[0] == '-' || behind[0] == '+' || behind[0] == '*';
+}
+
+/// Takes one element at the scanner's place to `out`, or passes over it when out is null.
+template <class T>
+void takeNumber(TextScanner& scanner, std::byte* out) {
+  T value{};
+  const auto taken = parseNumber(scanner.rest(), value);
+  if (taken == 0 || !endsNumber(scanner.rest().substr(taken))) {
+    throwBadRecord("no number", scanner.position(), "a number", shown(scanner.rest()));
+  }
+  if (out) std::memcpy(out, &value, sizeof value);
+  scanner.take(taken);
+}
+
+void takeLogical(TextScanner& scanner, std::byte* out) {
+  const char letter = scanner.rest()[0];
+  if (letter != 'T' && letter != 'F') {
+    throwBadRecord("no logical value", scanner.position(), "T or F", shown(scanner.rest()));
+  }
+  const std::int32_t value = letter == 'T' ? -1 : 0;
+  if (out) std::memcpy(out, &value, sizeof value);
+  scanner.take(1);
+}
+
+void takeText(TextScanner& scanner, std::size_t width, std::byte* out) {
+  std::string_view content;
+  const auto taken = quoted(scanner.rest(), width, content);
+  if (taken == 0) throwBadRecord("no text", scanner.position(), "a text in quotes", shown(scanner.rest()));
+  if (out) {
+    std::memset(out, ' ', width);
+    std::memcpy(out, content.data(), content.size());
+  }
+  scanner.take(taken);
+}
+
+/// Passes over `skip` elements and takes `count` to out (or passes over them too, when out is null).
+template <class Take>
+void takeAll(TextScanner& scanner, std::uint64_t skip, std::uint64_t count, std::size_t token,
+             std::size_t outWidth, std::byte* out, Take take) {
+  for (std::uint64_t i = 0; i < skip + count; ++i) {
+    if (!scanner.skipBlanks(token)) {
+      throwBadRecord("record is cut off", scanner.position(),
+                     fmt::format("{} more elements", skip + count - i), "end of file");
+    }
+    const bool wanted = out && i >= skip;
+    take(scanner, wanted ? out + (i - skip) * outWidth : nullptr);
+  }
+}
+
+void scanElements(TextScanner& scanner, const RecordHeader& header, std::uint64_t skip, std::uint64_t count,
+                  std::byte* out) {
+  const auto width = static_cast<std::size_t>(header.width);
+  switch (header.type) {
+    case ElementType::Integer:
+    case ElementType::Short:
+      return takeAll(scanner, skip, count, longestToken, 4, out, takeNumber<std::int32_t>);
+    case ElementType::Single:
+      return takeAll(scanner, skip, count, longestToken, 4, out, takeNumber<float>);
+    case ElementType::Double:
+      return takeAll(scanner, skip, count, longestToken, 8, out, takeNumber<double>);
+    case ElementType::Logical:
+      return takeAll(scanner, skip, count, 1, 4, out, takeLogical);
+    case ElementType::Text:
+      return takeAll(scanner, skip, count, width + 2, width, out,
+                     [width](TextScanner& s, std::byte* to) { takeText(s, width, to); });
+    default:
+      return;
+  }
+}
+
+/// A file that ends without a line end may still be whole, but a number that does not fill its field has lost
+/// digits.
+bool cutInsideField(Window& window, std::uint64_t fieldWidth) {
+  const std::uint64_t look = std::min<std::uint64_t>(window.size(), 2 * longestToken);
+  const auto bytes = window.at(window.size() - look, static_cast<std::size_t>(look));
+  std::uint64_t length = 0;
+  while (length < bytes.size() && bytes[bytes.size() - 1 - length] != std::byte{'\n'}) ++length;
+  return length % fieldWidth != 0;
+}
+
+/// Data of an unknown type: everything up to a line that is a header.
+std::uint64_t endOfUnknown(Window& window, std::uint64_t position) {
+  TextScanner scanner(window, position, 0);
+  RecordHeader following;
+  while (scanner.skipBlanks()) {
+    const auto at = scanner.position();
+    if (parseHeader(scanner.rest(), following) != 0) return at == position ? at : at - 1;
+    if (!scanner.nextLine()) break;
+  }
+  return window.size();
+}
+
+}  // namespace
+
+LineShape lineShape(ElementType type, std::int32_t width) {
+  switch (type) {
+    case ElementType::Integer:
+    case ElementType::Short:
+      return {6, 12};
+    case ElementType::Single:
+      return {4, 17};
+    case ElementType::Double:
+      return {3, 23};
+    case ElementType::Logical:
+      return {25, 3};
+    default:
+      break;
+  }
+  const auto field = static_cast<std::uint64_t>(width) + 3;
+  return {std::max<std::uint64_t>(1, 80 / field), field};
+}
+
+bool FormattedCodec::readHeader(Window& window, std::uint64_t position, RecordHeader& header) const {
+  TextScanner scanner(window, position, 0);
+  if (!scanner.skipBlanks()) return false;
+  const auto quote = scanner.position();
+  const auto taken = parseHeader(scanner.rest(), header);
+  if (taken == 0) {
+    throwBadRecord("no record header", quote, "'KEYWORD ' count 'TYPE'", shown(scanner.rest()));
+  }
+  scanner.take(taken);
+  scanner.skipLineEnd();
+  header.headerAt = quote > position ? quote - 1 : quote;
+  header.dataAt = scanner.position();
+  return true;
+}
+
+DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) const {
+  DataLayout layout;
+  layout.end = header.dataAt;
+  if (header.count == 0 || header.type == ElementType::None) return layout;
+  if (header.type == ElementType::Unknown) {
+    layout.end = endOfUnknown(window, header.dataAt);
+    return layout;
+  }
+  // Even numbers of one digit take two characters each, with the blank between them.
+  const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
+  const auto count = static_cast<std::uint64_t>(header.count);
+  if (count > left / 2 + 1) {
+    throwBadRecord("record is cut off", header.dataAt, fmt::format("{} elements", count),
+                   fmt::format("{} bytes", left));
+  }
+  const auto before = window.at(header.dataAt - std::min<std::uint64_t>(header.dataAt, 2), 2);
+  layout.lineEndBytes = before.size() >= 2 && before[0] == std::byte{'\r'} ? 2 : 1;
+
+  const auto shape = lineShape(header.type, header.width);
+  const auto perBlock = static_cast<std::uint64_t>(elementsPerBlock(header.type));
+  layout.end += count / perBlock * blockBytes(shape, perBlock, layout.lineEndBytes) +
+                blockBytes(shape, count % perBlock, layout.lineEndBytes);
+  const auto around = window.at(layout.end - 1, 3);
+  const bool lineEnds = layout.end <= window.size() && !around.empty() && around[0] == std::byte{'\n'};
+  const bool headerFollows = around.size() == 1 || (around.size() >= 3 && around[1] == std::byte{' '} &&
+                                                    around[2] == std::byte{'\''});
+  if (lineEnds && headerFollows) return layout;
+
+  layout.kind = DataLayout::Kind::Scanned;
+  TextScanner scanner(window, header.dataAt, left);
+  scanElements(scanner, header, 0, count, nullptr);
+  if (scanner.position() == window.size() && cutInsideField(window, shape.fieldWidth)) {
+    throwBadRecord("record is cut off", window.size(), "a whole last line", "end of file");
+  }
+  scanner.skipLineEnd();
+  layout.end = scanner.position();
+  return layout;
+}
+
+void FormattedCodec::decode(Window& window, const RecordHeader& header, const DataLayout& layout,
+                            std::int64_t first, std::size_t count, std::byte* out) const {
+  std::uint64_t start = header.dataAt;
+  auto skip = static_cast<std::uint64_t>(first);
+  if (layout.kind == DataLayout::Kind::Regular) {
+    const auto shape = lineShape(header.type, header.width);
+    const auto perBlock = static_cast<std::uint64_t>(elementsPerBlock(header.type));
+    const std::uint64_t within = skip % perBlock / shape.perLine * shape.perLine;
+    start += skip / perBlock * blockBytes(shape, perBlock, layout.lineEndBytes) +
+             blockBytes(shape, within, layout.lineEndBytes);
+    skip -= skip / perBlock * perBlock + within;
+  }
+  const auto fieldWidth = lineShape(header.type, header.width).fieldWidth + 1;
+  TextScanner scanner(window, start, (skip + count) * fieldWidth);
+  scanElements(scanner, header, skip, count, out);
+  if (first + static_cast<std::int64_t>(count) < header.count) return;
+  if (scanner.skipBlanks(1) && scanner.position() < layout.end) {
+    throwBadRecord("more data than the header announces", scanner.position(),
+                   fmt::format("{} elements", header.count), shown(scanner.rest()));
+  }
+}
+
+void FormattedCodec::gather(Window& window, const RecordHeader& header, const DataLayout& layout,
+                            std::span<const std::uint32_t> elements, float* out) const {
+  if (layout.kind == DataLayout::Kind::Regular) {
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      decode(window, header, layout, elements[i], 1, reinterpret_cast<std::byte*>(out + i));
+    }
+    return;
+  }
+  std::vector<float> all(static_cast<std::size_t>(header.count));
+  decode(window, header, layout, 0, all.size(), reinterpret_cast<std::byte*>(all.data()));
+  for (std::size_t i = 0; i < elements.size(); ++i) out[i] = all[elements[i]];
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,278 @@
+#include "MarkedCodec.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <fmt/format.h>
+
+#include "Swap.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr std::uint32_t headerBytes = 16;
+
+template <class Word>
+Word loadWord(const std::byte* from, bool swap) {
+  Word word;
+  std::memcpy(&word, from, sizeof word);
+  if (swap) {
+    if constexpr (sizeof(Word) == 2)
+      word = static_cast<Word>(__builtin_bswap16(static_cast<std::uint16_t>(word)));
+    if constexpr (sizeof(Word) == 4)
+      word = static_cast<Word>(__builtin_bswap32(static_cast<std::uint32_t>(word)));
+  }
+  return word;
+}
+
+std::string_view letters(const std::byte* from, std::size_t count) {
+  return {reinterpret_cast<const char*>(from), count};
+}
+
+std::uint64_t blockLength(const RecordHeader& header) {
+  return static_cast<std::uint64_t>(elementsPerBlock(header.type)) * static_cast<std::uint64_t>(header.width);
+}
+
+std::uint64_t dataLength(const RecordHeader& header) {
+  return static_cast<std::uint64_t>(header.count) * static_cast<std::uint64_t>(header.width);
+}
+
+std::uint64_t piecesOf(std::uint64_t bytes) {
+  return (bytes + MarkedCodec::pieceBytes - 1) / MarkedCodec::pieceBytes;
+}
+
+[[noreturn]] void throwCutOff(std::uint64_t offset, std::uint64_t expected, std::uint64_t found) {
+  throwBadRecord("record is cut off", offset, fmt::format("{} bytes", expected), fmt::format("{}", found));
+}
+
+}  // namespace
+
+std::uint32_t MarkedCodec::readMark(Window& window, std::uint64_t position, std::uint64_t wanted) const {
+  const auto size = static_cast<std::size_t>(markBytes_);
+  const auto bytes = window.at(position, size, wanted);
+  if (bytes.size() < size) throwCutOff(position, size, bytes.size());
+  return markBytes_ == 1 ? std::to_integer<std::uint32_t>(bytes[0])
+                         : loadWord<std::uint32_t>(bytes.data(), swap_);
+}
+
+void MarkedCodec::checkMark(Window& window, std::uint64_t position, std::uint32_t expected,
+                            std::uint64_t wanted) const {
+  const auto found = readMark(window, position, wanted);
+  if (found != expected) {
+    throwBadRecord("block marks disagree", position, fmt::format("{}", expected), fmt::format("{}", found));
+  }
+}
+
+/// A length as a mark of this file can hold it.
+std::uint32_t MarkedCodec::shortened(std::uint64_t bytes) const {
+  return static_cast<std::uint32_t>(markBytes_ == 1 ? bytes & 0xFF : bytes);
+}
+
+bool MarkedCodec::readHeader(Window& window, std::uint64_t position, RecordHeader& header) const {
+  if (position == window.size()) return false;
+  const auto mark = static_cast<std::size_t>(markBytes_);
+  const std::size_t whole = headerBytes + 2 * mark;
+  const auto bytes = window.at(position, whole);
+  if (bytes.size() < whole) throwCutOff(position, whole, bytes.size());
+  checkMark(window, position, headerBytes);
+  checkMark(window, position + mark + headerBytes, headerBytes);
+  const auto* body = bytes.data() + mark;
+  if (!setHeaderWords(header, letters(body, 8), letters(body + 12, 4))) {
+    throwBadRecord("no record header", position + mark, "keyword and type", "other bytes");
+  }
+  header.count = loadWord<std::int32_t>(body + 8, swap_);
+  header.headerAt = position;
+  header.dataAt = position + whole;
+  return true;
+}
+
+DataLayout MarkedCodec::locate(Window& window, const RecordHeader& header) const {
+  DataLayout layout;
+  layout.end = header.dataAt;
+  if (header.count == 0 || header.type == ElementType::None) return layout;
+  if (header.type == ElementType::Unknown) return walkUnknown(window, header);
+
+  const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
+  if (static_cast<std::uint64_t>(header.count) > left / static_cast<std::uint64_t>(header.width)) {
+    throwBadRecord("record is cut off", header.dataAt, fmt::format("{} elements", header.count),
+                   fmt::format("{} bytes", left));
+  }
+  const std::uint64_t bytes = dataLength(header);
+  const std::uint64_t firstBlock = std::min(bytes, blockLength(header));
+  const std::uint64_t blocks = (bytes + blockLength(header) - 1) / blockLength(header);
+  const std::uint64_t lastBlock = bytes - (blocks - 1) * blockLength(header);
+  const auto mark = static_cast<std::uint64_t>(markBytes_);
+  const auto opening = readMark(window, header.dataAt);
+
+  if (markBytes_ == 1 && firstBlock > pieceBytes && opening == pieceContinues) {
+    layout.kind = DataLayout::Kind::Chunked;
+    const std::uint64_t pieces = (blocks - 1) * piecesOf(firstBlock) + piecesOf(lastBlock);
+    layout.end += bytes + 2 * pieces;
+    if (layout.end > window.size()) throwCutOff(header.dataAt, bytes + 2 * pieces, left);
+    checkMark(window, layout.end - 1, static_cast<std::uint32_t>((lastBlock - 1) % pieceBytes + 1));
+    return layout;
+  }
+  layout.end += bytes + 2 * mark * blocks;
+  if (opening == shortened(firstBlock) && layout.end <= window.size() &&
+      readMark(window, layout.end - mark) == shortened(lastBlock)) {
+    return layout;
+  }
+  return walkBlocks(window, header);
+}
+
+/// Follows the marks: finds blocks of unusual sizes, or the place where the record is damaged.
+DataLayout MarkedCodec::walkBlocks(Window& window, const RecordHeader& header) const {
+  DataLayout layout;
+  layout.kind = DataLayout::Kind::Table;
+  layout.end = header.dataAt;
+  const auto mark = static_cast<std::uint64_t>(markBytes_);
+  const auto width = static_cast<std::uint64_t>(header.width);
+  const std::uint64_t bytes = dataLength(header);
+  for (std::uint64_t done = 0; done < bytes;) {
+    const std::uint64_t length = readMark(window, layout.end);
+    if (length == 0 || length % width != 0 || length > bytes - done) {
+      throwBadRecord("block length is wrong", layout.end,
+                     fmt::format("{}", std::min(bytes - done, blockLength(header))),
+                     fmt::format("{}", length));
+    }
+    const std::uint64_t left = window.size() - layout.end;
+    if (length + 2 * mark > left) throwCutOff(layout.end, length + 2 * mark, left);
+    checkMark(window, layout.end + mark + length, shortened(length));
+    layout.table.push_back({done, layout.end + mark, length});
+    layout.end += length + 2 * mark;
+    done += length;
+  }
+  return layout;
+}
+
+/// The element width of an unknown type is not known, so its blocks are followed until a header stands there.
+DataLayout MarkedCodec::walkUnknown(Window& window, const RecordHeader& header) const {
+  DataLayout layout;
+  layout.end = header.dataAt;
+  const auto mark = static_cast<std::uint64_t>(markBytes_);
+  RecordHeader following;
+  while (layout.end < window.size()) {
+    const std::uint32_t opening = readMark(window, layout.end);
+    if (opening == headerBytes) {
+      const auto bytes = window.at(layout.end + mark, headerBytes);
+      if (bytes.size() >= headerBytes &&
+          setHeaderWords(following, letters(bytes.data(), 8), letters(bytes.data() + 12, 4)) &&
+          following.type != ElementType::Unknown) {
+        break;
+      }
+    }
+    const std::uint64_t length = markBytes_ == 1 && opening == pieceContinues ? pieceBytes : opening;
+    const std::uint64_t left = window.size() - layout.end;
+    if (length + 2 * mark > left) throwCutOff(layout.end, length + 2 * mark, left);
+    checkMark(window, layout.end + mark + length, opening);
+    layout.end += length + 2 * mark;
+  }
+  return layout;
+}
+
+MarkedCodec::Piece MarkedCodec::pieceAt(const RecordHeader& header, const DataLayout& layout,
+                                        std::uint64_t byte) const {
+  if (layout.kind == DataLayout::Kind::Table) {
+    const auto behind = std::ranges::upper_bound(layout.table, byte, {}, &DataBlock::firstByte);
+    const auto& block = *std::prev(behind);
+    return {block.dataAt, block.bytes, byte - block.firstByte, shortened(block.bytes)};
+  }
+  const std::uint64_t block = blockLength(header);
+  const std::uint64_t number = byte / block;
+  const std::uint64_t within = byte % block;
+  const std::uint64_t length = std::min(block, dataLength(header) - number * block);
+  const auto mark = static_cast<std::uint64_t>(markBytes_);
+  if (layout.kind != DataLayout::Kind::Chunked) {
+    return {header.dataAt + number * (block + 2 * mark) + mark, length, within, shortened(length)};
+  }
+  const std::uint64_t piece = within / pieceBytes;
+  const std::uint64_t start =
+      header.dataAt + number * (block + 2 * piecesOf(block)) + piece * (pieceBytes + 2) + 1;
+  const std::uint64_t rest = length - piece * pieceBytes;
+  const bool continues = rest > pieceBytes;
+  return {start, continues ? pieceBytes : rest, within % pieceBytes,
+          continues ? pieceContinues : static_cast<std::uint32_t>(rest)};
+}
+
+void MarkedCodec::convert(ElementType type, const std::byte* in, std::size_t count, std::byte* out) const {
+  switch (type) {
+    case ElementType::Integer:
+    case ElementType::Single:
+      swap_ ? copySwapped4(out, in, count) : static_cast<void>(std::memcpy(out, in, 4 * count));
+      break;
+    case ElementType::Double:
+      swap_ ? copySwapped8(out, in, count) : static_cast<void>(std::memcpy(out, in, 8 * count));
+      break;
+    case ElementType::Logical:  // writers disagree on the word for true: -1, 1 and others are seen; 0 is
+                                // false
+      for (std::size_t i = 0; i < count; ++i) {
+        const std::int32_t value = loadWord<std::uint32_t>(in + 4 * i, false) != 0 ? -1 : 0;
+        std::memcpy(out + 4 * i, &value, 4);
+      }
+      break;
+    case ElementType::Short:
+      for (std::size_t i = 0; i < count; ++i) {
+        const std::int32_t value = loadWord<std::int16_t>(in + 2 * i, swap_);
+        std::memcpy(out + 4 * i, &value, 4);
+      }
+      break;
+    default:
+      std::memcpy(out, in, count);  // text: count is in bytes
+  }
+}
+
+void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataLayout& layout,
+                         std::int64_t first, std::size_t count, std::byte* out) const {
+  const bool text = header.type == ElementType::Text;  // may be cut anywhere, so it goes by the byte
+  const auto width = static_cast<std::uint64_t>(header.width);
+  const std::uint64_t unit = text ? 1 : width;
+  const std::uint64_t outUnit = header.type == ElementType::Short ? 4 : unit;
+  const auto mark = static_cast<std::uint64_t>(markBytes_);
+  std::uint64_t byte = static_cast<std::uint64_t>(first) * width;
+  std::uint64_t left = count * width;
+  while (left > 0) {
+    const Piece piece = pieceAt(header, layout, byte);
+    if (piece.before == 0) checkMark(window, piece.dataAt - mark, piece.mark, left + 2 * mark);
+    const std::uint64_t open = std::min(piece.bytes - piece.before, left);
+    const auto bytes = window.at(piece.dataAt + piece.before, unit, left);
+    const std::uint64_t take = std::min<std::uint64_t>(bytes.size(), open) / unit * unit;
+    if (take == 0) throwCutOff(piece.dataAt + piece.before, open, bytes.size());
+    convert(header.type, bytes.data(), static_cast<std::size_t>(take / unit), out);
+    out += take / unit * outUnit;
+    byte += take;
+    left -= take;
+    if (piece.before + take == piece.bytes) {
+      checkMark(window, piece.dataAt + piece.bytes, piece.mark, left == 0 ? 0 : left + 2 * mark);
+    }
+  }
+}
+
+void MarkedCodec::gather(Window& window, const RecordHeader& header, const DataLayout& layout,
+                         std::span<const std::uint32_t> elements, float* out) const {
+  // Elements closer than this are fetched together: a transfer costs about as much as copying that many
+  // bytes.
+  constexpr std::uint64_t worthOneTransfer = 4096;
+  const auto place = [&](std::uint32_t element) {
+    const Piece piece = pieceAt(header, layout, 4 * std::uint64_t{element});
+    return piece.dataAt + piece.before;
+  };
+  std::uint64_t fetchedTo = 0;
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    const std::uint64_t at = place(elements[i]);
+    if (at >= fetchedTo) {
+      fetchedTo = at + 4;
+      for (std::size_t k = i + 1; k < elements.size(); ++k) {
+        const std::uint64_t next = place(elements[k]);
+        if (next - fetchedTo > worthOneTransfer || next + 4 - at > Window::capacity) break;
+        fetchedTo = next + 4;
+      }
+    }
+    const auto bytes = window.at(at, 4, fetchedTo - at);
+    if (bytes.size() < 4) throwCutOff(at, 4, bytes.size());
+    const auto word = loadWord<std::uint32_t>(bytes.data(), swap_);
+    std::memcpy(out + i, &word, sizeof word);
+  }
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,176 @@
+#include "RecordCursor.h"
+
+#include <fmt/format.h>
+
+#include "../support/Diagnosis.h"
+#include "../support/Fault.h"
+#include "../support/Text.h"
+#include "Codec.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr std::int64_t elementsPerX231 = std::int64_t{1} << 31;
+
+}  // namespace
+
+RecordCursor::RecordCursor(std::shared_ptr<const ByteSource> source, Form form, std::string path)
+    : source_(std::move(source)),
+      form_(form),
+      path_(std::move(path)),
+      window_(std::make_unique<Window>(*source_)),
+      codec_(makeCodec(form)),
+      layout_(std::make_unique<DataLayout>()) {}
+
+RecordCursor::~RecordCursor() = default;
+RecordCursor::RecordCursor(RecordCursor&&) noexcept = default;
+RecordCursor& RecordCursor::operator=(RecordCursor&&) noexcept = default;
+
+/// Adds this cursor's coordinates to whatever damage the body meets.
+template <class Body>
+auto RecordCursor::located(Body&& body) {
+  try {
+    return body();
+  } catch (BadRecord& damage) {
+    auto& diagnosis = damage.diagnosis();
+    diagnosis.path = path_;
+    diagnosis.keyword = header_.keyword;
+    diagnosis.occurrence = occurrence_;
+    throw;
+  }
+}
+
+bool RecordCursor::next() {
+  const std::uint64_t position = next_;
+  header_ = {};
+  occurrence_ = 0;
+  return located([&] {
+    if (!readHeader(position)) return false;
+    occurrence_ = ++met_[header_.keyword];
+    if (header_.count < 0) {
+      throwBadRecord("element count is negative", header_.headerAt, "0 or more",
+                     fmt::format("{}", header_.count));
+    }
+    *layout_ = codec_->locate(*window_, header_);
+    next_ = layout_->end;
+    return true;
+  });
+}
+
+bool RecordCursor::readHeader(std::uint64_t position) {
+  if (!codec_->readHeader(*window_, position, header_)) return false;
+  if (header_.typeWord != "X231") return true;
+  const auto blocksOf2G = -header_.count;
+  if (blocksOf2G < 1) {
+    throwBadRecord("X231 count is not negative", header_.headerAt, "below 0",
+                   fmt::format("{}", header_.count));
+  }
+  const std::string keyword = header_.keyword;
+  const auto start = header_.headerAt;
+  if (!codec_->readHeader(*window_, header_.dataAt, header_) || header_.keyword != keyword) {
+    throwBadRecord("no header follows X231", header_.dataAt, keyword, header_.keyword);
+  }
+  if (header_.count >= 0) header_.count += blocksOf2G * elementsPerX231;
+  header_.headerAt = start;
+  return true;
+}
+
+void RecordCursor::setCurrent(const RecordHeader& header, bool checked) {
+  header_ = header;
+  occurrence_ = 0;
+  if (checked && !form_.formatted()) {  // where a formatted record's data stand depends on its line ends too
+    *layout_ = {};
+    return;
+  }
+  located([&] {
+    *layout_ = codec_->locate(*window_, header_);
+    next_ = layout_->end;
+  });
+}
+
+bool RecordCursor::regular() const { return layout_->kind == DataLayout::Kind::Regular; }
+
+void RecordCursor::decode(ElementType wanted, std::int64_t first, std::size_t count, void* out) {
+  const bool shortAsInteger = wanted == ElementType::Integer && header_.type == ElementType::Short;
+  if (header_.type != wanted && !shortAsInteger) throw Fault(FaultNumber::TypeMismatch);
+  if (first < 0 || first > header_.count || count > static_cast<std::uint64_t>(header_.count - first)) {
+    throw Fault(FaultNumber::Subscript);
+  }
+  if (count == 0) return;
+  located([&] { codec_->decode(*window_, header_, *layout_, first, count, static_cast<std::byte*>(out)); });
+}
+
+void RecordCursor::read(std::span<float> out, std::int64_t first) {
+  decode(ElementType::Single, first, out.size(), out.data());
+}
+
+void RecordCursor::read(std::span<double> out, std::int64_t first) {
+  decode(ElementType::Double, first, out.size(), out.data());
+}
+
+void RecordCursor::read(std::span<std::int32_t> out, std::int64_t first) {
+  decode(ElementType::Integer, first, out.size(), out.data());
+}
+
+void RecordCursor::readLogicals(std::span<std::int16_t> out, std::int64_t first) {
+  std::vector<std::int32_t> wide(out.size());
+  decode(ElementType::Logical, first, wide.size(), wide.data());
+  for (std::size_t i = 0; i < wide.size(); ++i) out[i] = static_cast<std::int16_t>(wide[i]);
+}
+
+void RecordCursor::readText(std::span<char> out, std::int64_t first) {
+  if (header_.width == 0) throw Fault(FaultNumber::TypeMismatch);
+  decode(ElementType::Text, first, out.size() / static_cast<std::size_t>(header_.width), out.data());
+}
+
+void RecordCursor::gather(std::span<const std::uint32_t> elements, std::span<float> out) {
+  if (header_.type != ElementType::Single) throw Fault(FaultNumber::TypeMismatch);
+  if (elements.size() > out.size() || (!elements.empty() && elements.back() >= header_.count)) {
+    throw Fault(FaultNumber::Subscript);
+  }
+  located([&] { codec_->gather(*window_, header_, *layout_, elements, out.data()); });
+}
+
+std::vector<std::int32_t> RecordCursor::integers() {
+  std::vector<std::int32_t> values(static_cast<std::size_t>(header_.count));
+  read(std::span<std::int32_t>(values));
+  return values;
+}
+
+std::vector<float> RecordCursor::singles() {
+  std::vector<float> values(static_cast<std::size_t>(header_.count));
+  read(std::span<float>(values));
+  return values;
+}
+
+std::vector<double> RecordCursor::doubles() {
+  std::vector<double> values(static_cast<std::size_t>(header_.count));
+  read(std::span<double>(values));
+  return values;
+}
+
+std::vector<std::string> RecordCursor::texts() {
+  const auto width = static_cast<std::size_t>(header_.width);
+  std::string all(static_cast<std::size_t>(header_.count) * width, ' ');
+  readText(all);
+  std::vector<std::string> values;
+  values.reserve(static_cast<std::size_t>(header_.count));
+  for (std::size_t at = 0; at < all.size(); at += width) {
+    values.emplace_back(trimRight(std::string_view(all).substr(at, width)));
+  }
+  return values;
+}
+
+std::unique_ptr<RecordCursor> openRecords(const std::string& path, std::string& why) {
+  std::shared_ptr<const ByteSource> source = FileSource::open(path, why);
+  if (!source) return nullptr;
+  const auto detected = detectForm(*source);
+  if (!detected) {
+    why = source->size() == 0 ? "file is empty" : "is no record file";
+    return nullptr;
+  }
+  return std::make_unique<RecordCursor>(std::move(source), detected->form, path);
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,233 @@
+#include "AttributeStore.h"
+
+#include <algorithm>
+#include <bit>
+#include <functional>
+#include <limits>
+
+#include "../support/Fault.h"
+#include "../support/Text.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr std::size_t firstSlots = 16;
+
+std::uint32_t hashOf(std::string_view text) {
+  return static_cast<std::uint32_t>(std::hash<std::string_view>{}(text));
+}
+
+}  // namespace
+
+std::string_view AttributeStore::fitted(std::string_view item) const {
+  return trimRight(item.substr(0, static_cast<std::size_t>(width_)));
+}
+
+/// Place of the text, or the free place where it belongs.
+std::size_t AttributeStore::slotOf(std::string_view text, std::uint32_t hash) const {
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t place = hash & mask;
+  while (slots_[place].number != 0 && (slots_[place].hash != hash || at(slots_[place].number).text != text)) {
+    place = (place + 1) & mask;
+  }
+  return place;
+}
+
+/// Enters the items in the order of their numbers, so that of equal texts the lowest number is found.
+void AttributeStore::rebuildSlots(std::size_t slots) {
+  slots_.assign(slots, {});
+  for (std::int32_t number = 1; number <= count(); ++number) {
+    const auto hash = hashOf(at(number).text);
+    auto& slot = slots_[slotOf(at(number).text, hash)];
+    if (slot.number == 0) slot = {hash, number};
+  }
+}
+
+std::int32_t AttributeStore::add(std::string_view item) {
+  if (items_.size() >= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+    throw Fault(FaultNumber::Overflow);
+  }
+  if ((items_.size() + 1) * 2 > slots_.size()) rebuildSlots(std::max(firstSlots, slots_.size() * 2));
+  const auto text = fitted(item);
+  const auto hash = hashOf(text);
+  auto& slot = slots_[slotOf(text, hash)];
+  if (slot.number == 0) {
+    items_.push_back({std::string(text), 0});
+    slot = {hash, count()};
+  }
+  ++at(slot.number).uses;
+  return slot.number;
+}
+
+std::int32_t AttributeStore::find(std::string_view item) const {
+  if (slots_.empty()) return -1;
+  const auto text = fitted(item);
+  const auto number = slots_[slotOf(text, hashOf(text))].number;
+  return number == 0 ? -1 : number;
+}
+
+std::string_view AttributeStore::item(std::int32_t number) const {
+  return has(number) ? std::string_view(at(number).text) : std::string_view();
+}
+
+std::int32_t AttributeStore::useCount(std::int32_t number) const { return has(number) ? at(number).uses : 0; }
+
+void AttributeStore::StoreInit(std::int32_t, std::int32_t nWidth, std::int32_t, bool& qOK) {
+  qOK = false;
+  if (nWidth < 1) return;
+  *this = {};
+  width_ = nWidth;
+  qOK = true;
+}
+
+void AttributeStore::StoreAddBlock(std::span<const char> bItems, std::int32_t nItems, std::int32_t nWidth,
+                                   std::vector<std::int32_t>& iPointers, bool& qOK) {
+  qOK = false;
+  iPointers.clear();
+  if (nItems < 0 || nWidth < 0) return;
+  const auto items = static_cast<std::size_t>(nItems);
+  const auto width = static_cast<std::size_t>(nWidth);
+  if (items * width > bItems.size()) return;
+  iPointers.resize(items);
+  std::string_view last;
+  for (std::size_t i = 0; i < items; ++i) {
+    const std::string_view item(bItems.data() + i * width, width);
+    if (i > 0 && item == last) {  // vectors come in runs of one mnemonic, one unit
+      iPointers[i] = iPointers[i - 1];
+      ++at(iPointers[i]).uses;
+    } else {
+      iPointers[i] = add(item);
+    }
+    last = item;
+  }
+  qOK = true;
+}
+
+void AttributeStore::StoreAddItem(std::string_view bItem, std::int32_t nLength, std::int32_t& iPointer,
+                                  bool qAddNew, std::string_view zSplit, bool& qOK) {
+  qOK = false;
+  iPointer = -1;
+  if (nLength < 0) return;
+  auto text = bItem.substr(0, static_cast<std::size_t>(nLength));
+  if (!zSplit.empty()) text = text.substr(0, text.find(zSplit));
+  iPointer = qAddNew ? add(text) : find(text);
+  qOK = iPointer > 0;
+}
+
+void AttributeStore::StoreGetItem(std::int32_t iPointer, std::string& bItem, std::int32_t& nLength,
+                                  bool& qOK) const {
+  qOK = false;
+  bItem = item(iPointer);
+  nLength = static_cast<std::int32_t>(bItem.size());
+  qOK = has(iPointer);
+}
+
+void AttributeStore::StoreFind(std::string_view zItem, std::int32_t& iPointer, bool& qOK) const {
+  iPointer = find(zItem);
+  qOK = iPointer > 0;
+}
+
+void AttributeStore::StoreFinish(bool& qOK) {
+  qOK = false;
+  if (!items_.empty()) rebuildSlots(std::max(firstSlots, std::bit_ceil(items_.size() * 2)));
+  slots_.shrink_to_fit();  // the items are left: a deque keeps little, and would move its texts
+  qOK = true;
+}
+
+void AttributeStore::StoreGetAll(ByteTable& bItems, std::int32_t& nItems, std::int32_t& nWidth,
+                                 bool& qOK) const {
+  qOK = false;
+  std::size_t longest = 1;
+  for (const auto& item : items_) longest = std::max(longest, item.text.size());
+  bItems = ByteTable(longest, items_.size());
+  for (std::size_t i = 0; i < items_.size(); ++i) bItems.put(i + 1, 1, longest, items_[i].text);
+  nItems = count();
+  nWidth = static_cast<std::int32_t>(longest);
+  qOK = true;
+}
+
+void AttributeStore::StoreReplace(std::string_view zNew, std::string_view zOld, bool& qOK) {
+  qOK = false;
+  const auto number = find(zOld);
+  if (number < 0) return;
+  at(number).text = fitted(zNew);
+  // Open addressing cannot take an entry out, and another item may have had the old text as well.
+  rebuildSlots(slots_.size());
+  qOK = true;
+}
+
+void AttributeStore::StoreAdjustCount(std::int32_t nDelta, std::string_view zItem, bool& qOK) {
+  qOK = false;
+  const auto number = find(zItem);
+  if (number < 0) return;
+  using Limits = std::numeric_limits<std::int32_t>;
+  const auto uses = std::int64_t{at(number).uses} + nDelta;
+  at(number).uses = static_cast<std::int32_t>(std::clamp<std::int64_t>(uses, Limits::min(), Limits::max()));
+  qOK = true;
+}
+
+AttributeSizes defaultAttributeSizes(std::int32_t iAttribute) {
+  switch (iAttribute) {
+    case 2:
+    case 7:
+    case 8:
+    case 14:
+      return {100, 16, 100};
+    case 4:
+      return {1, 32, 1};
+    case 5:
+      return {1, 8, 1};
+    case 6:
+      return {20, 1024, 20};
+    case 9:
+      return {5000, 20, 5000};
+    case 10:
+    case 11:
+      return {1000, 16, 1000};
+    case 12:
+      return {1000, 40, 1000};
+    default:
+      return {};
+  }
+}
+
+void getDefaultSttributeSizes(std::int32_t iAttribute, std::int32_t& nBytes, std::int32_t& nGrowth,
+                              std::int32_t& nItems, std::int32_t& nWidth, std::int32_t& nStep, bool& qOK) {
+  const auto sizes = defaultAttributeSizes(iAttribute);
+  nItems = sizes.nItems;
+  nWidth = sizes.nWidth;
+  nGrowth = sizes.nGrow;
+  nStep = sizes.nGrow;
+  nBytes = sizes.nItems < 0 ? -1 : sizes.nItems * sizes.nWidth;
+  qOK = true;
+}
+
+bool AttributeStores::has(std::int32_t iAttribute) const {
+  if (iAttribute < 1 || static_cast<std::size_t>(iAttribute) > stores_.size()) return false;
+  return stores_[static_cast<std::size_t>(iAttribute) - 1].has_value();
+}
+
+const AttributeStore& AttributeStores::operator()(std::int32_t iAttribute) const {
+  if (!has(iAttribute)) throw Fault(FaultNumber::Subscript);
+  return *stores_[static_cast<std::size_t>(iAttribute) - 1];
+}
+
+AttributeStore& AttributeStores::operator()(std::int32_t iAttribute) {
+  if (!has(iAttribute)) throw Fault(FaultNumber::Subscript);
+  return *stores_[static_cast<std::size_t>(iAttribute) - 1];
+}
+
+void InitByteStorage(bool qKeep, AttributeStores& xStore, bool& qOK) {
+  qOK = false;
+  if (!qKeep) xStore.stores_ = {};
+  for (std::int32_t iAttribute = 1; iAttribute <= 14; ++iAttribute) {
+    const auto sizes = defaultAttributeSizes(iAttribute);
+    if (sizes.nItems < 0) continue;
+    auto& store = xStore.stores_[static_cast<std::size_t>(iAttribute) - 1].emplace();
+    store.StoreInit(sizes.nItems, sizes.nWidth, sizes.nGrow, qOK);
+  }
+  qOK = true;
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,114 @@
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "support/Dates.h"
+
+namespace lumbarn {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(Dates, MonthsBothWays) {
+  for (const auto& [name, number] :
+       {std::pair{"JAN", 1}, {"jly", 7}, {" July ", 7}, {"DECEMBER", 12}, {"JU", 0}, {"", 0}, {"13", 0}})
+    EXPECT_EQ(monthNumber(name), number) << name;
+  EXPECT_EQ(monthName(7), "JUL");
+  EXPECT_EQ(monthName(0), "");
+  EXPECT_EQ(monthName(13), "");
+}
+
+TEST(Dates, OnlyDaysThatThereAre) {
+  EXPECT_TRUE(makeMoment(2000, 2, 29));
+  EXPECT_FALSE(makeMoment(1900, 2, 29));
+  EXPECT_FALSE(makeMoment(2001, 4, 31));
+  EXPECT_FALSE(makeMoment(0, 1, 1));
+  EXPECT_FALSE(makeMoment(10000, 1, 1));
+  EXPECT_FALSE(makeMoment(2001, 257, 1)) << "wraps to 1 in a byte";
+  EXPECT_FALSE(makeMoment(2001, 1, 1, 24));
+  EXPECT_FALSE(makeMoment(2001, 1, 1, 0, 0, 60'000'000));
+  EXPECT_EQ(*makeMoment(1970, 1, 2, 3, 4, 5'000'006) - Moment{}, 27h + 4min + 5s + 6us);
+}
+
+TEST(Dates, TextsHaveNoMoreThanTheMoment) {
+  const auto moment = *makeMoment(987, 6, 5, 4, 3, 2'010'000);
+  EXPECT_EQ(isoText(moment, true), "0987-06-05T04:03:02.01");
+  EXPECT_EQ(isoText(*makeMoment(1969, 12, 31, 23, 59, 59'000'001)), "1969-12-31T23:59:59.000001");
+  EXPECT_EQ(isoText(*makeMoment(2003, 7, 15, 6, 30), true), "2003-07-15T06:30:00");
+  EXPECT_EQ(isoText(*makeMoment(2003, 7, 15)), "2003-07-15T00:00:00");
+  EXPECT_EQ(isoText(*makeMoment(2003, 7, 15), true), "2003-07-15");
+  EXPECT_EQ(dayMonthYear(moment), "5 JUN 0987");
+  EXPECT_EQ(dayMonthYear(*makeMoment(2003, 7, 15, 23)), "15 JUL 2003");
+}
+
+struct Elapsed {
+  Moment start;
+  float elapsed;
+  const char* shown;
+  double unitsPerDay = 1;
+};
+
+const Moment start = *makeMoment(2001, 7, 1);
+
+std::ostream& operator<<(std::ostream& out, const Elapsed& row) {
+  return out << row.elapsed << " to " << row.shown;
+}
+
+class MomentAfter : public testing::TestWithParam<Elapsed> {};
+
+TEST_P(MomentAfter, IsTheRoundestThatTheFloatAllows) {
+  const auto& row = GetParam();
+  const auto moment = momentAfter(row.start, row.elapsed, row.unitsPerDay);
+  ASSERT_TRUE(moment);
+  EXPECT_EQ(isoText(*moment), row.shown);
+}
+
+INSTANTIATE_TEST_SUITE_P(Days, MomentAfter,
+                         testing::Values(Elapsed{start, 0, "2001-07-01T00:00:00"},  //
+                                         Elapsed{start, 744.2708F, "2003-07-15T06:30:00"},
+                                         Elapsed{start, 744.2708F + 1.0F / 16384, "2003-07-15T06:30:04"},
+                                         Elapsed{start, 243, "2002-03-01T00:00:00"},
+                                         Elapsed{*makeMoment(2004, 2, 1), 29, "2004-03-01T00:00:00"},
+                                         Elapsed{*makeMoment(2001, 7, 1, 6, 30), 1, "2001-07-02T06:30:00"},
+                                         Elapsed{*makeMoment(2001, 7, 1, 6, 30), 0.72916667F,
+                                                 "2001-07-02T00:00:00"},
+                                         Elapsed{start, 1.0F / 3, "2001-07-01T08:00:00"},
+                                         Elapsed{start, 1.5e-11F, "2001-07-01T00:00:00.000001"},
+                                         Elapsed{start, 1e-30F, "2001-07-01T00:00:00"},
+                                         Elapsed{start, -0.25F, "2001-06-30T18:00:00"},
+                                         Elapsed{*makeMoment(1970, 1, 1), -1.0F / 3, "1969-12-31T16:00:00"},
+                                         Elapsed{start, 182621.27F, "2501-07-01T06:30:00"},
+                                         Elapsed{*makeMoment(1, 1, 1), 3652058, "9999-12-31T00:00:00"}));
+INSTANTIATE_TEST_SUITE_P(Hours, MomentAfter,
+                         testing::Values(Elapsed{start, 0.1F, "2001-07-01T00:06:00", 24},
+                                         Elapsed{start, 1000.5F, "2001-08-11T16:30:00", 24}));
+
+/// Whatever whole minute a writer was at, it is found again or a rounder moment with the same float is.
+TEST(MomentAfter, KeepsTheFloat) {
+  std::mt19937 random(20010701);
+  for (int i = 0; i < 2000; ++i) {
+    const auto minutes = std::chrono::minutes(random() % (500U * 366 * 1440));
+    const auto days = static_cast<float>(static_cast<double>(minutes.count()) / 1440);
+    const auto found = momentAfter(start, days);
+    ASSERT_TRUE(found);
+    const auto elapsed = *found - start;
+    EXPECT_EQ(elapsed % 1min, 0s);
+    EXPECT_EQ(static_cast<float>(static_cast<double>(elapsed.count()) / 86400e6), days) << minutes.count();
+  }
+}
+
+TEST(MomentAfter, NothingBeyondTheCalendar) {
+  const float infinite = std::numeric_limits<float>::infinity();
+  for (const float elapsed : {infinite, -infinite, std::nanf(""), 3e6F, -1e6F, 3e38F})
+    EXPECT_FALSE(momentAfter(start, elapsed)) << elapsed;
+  EXPECT_FALSE(momentAfter(*makeMoment(9999, 12, 31), 1));
+  EXPECT_FALSE(momentAfter(*makeMoment(1, 1, 1), -0.5F));
+  for (const double unitsPerDay : {0.0, -1.0, std::nan("")}) EXPECT_FALSE(momentAfter(start, 1, unitsPerDay));
+  EXPECT_FALSE(momentAfter(Moment::max(), 1));
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,66 @@
+#include <utility>
+
+#include <gmock/gmock.h>
+
+#include "vocabulary/Segments.h"
+#include "vocabulary/Units.h"
+
+namespace lumbarn {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(Units, SystemsByTheirWords) {
+  for (const auto& [word, number] :
+       {std::pair{"METRIC", 1}, {"FIELD", 2}, {"LAB  ", 3}, {"PVT-M", 2}, {"", 2}})
+    EXPECT_EQ(UnitSystem(word), number) << word;
+  for (const auto& [word, number] : {std::pair{"METRES  ", 1},
+                                     {"METERS", 1},
+                                     {"feet", 2},
+                                     {"CENTIMETRES", 3},
+                                     {"CENTIMETERS", 3},
+                                     {"METRE", -1},
+                                     {"", -1}})
+    EXPECT_EQ(WhichUnitSystem(word), number) << word;
+}
+
+TEST(SegmentVectors, TakeTheirUnitsFromTheTest) {
+  const std::vector<std::string> units{"  DAYS", "W1",       "",         " METRES", "  BARSA", "MULTISEG",
+                                       "SEG",    " SM3/DAY", "MSM3/DAY", "RM3/DAY", " M/SEC"};
+  std::vector<std::string> names{"old"};
+  std::vector<std::string> of;
+  std::int32_t count = 0;
+  bool qOK = false;
+  setSEGHeaders(units, names, of, count, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_EQ(count, 31);
+  ASSERT_EQ(names.size(), 31U);
+  EXPECT_EQ(names[6], "SEGYCORD");
+  EXPECT_EQ(names[26], "SEGCORTS");
+  const std::string liquid = "SM3/DAY";
+  const std::string gas = "MSM3/DAY";
+  const std::string scaled = "SM3/DAY/METRES";
+  const std::string scaledGas = "MSM3/DAY/METRES";
+  EXPECT_THAT(of,
+              ElementsAre("METRES", "METRES", "METRES", "METRES", "METRES", "METRES", "METRES", "BARSA",  //
+                          liquid, liquid, gas, scaled, scaled, scaledGas, "M/SEC", "M/SEC", "M/SEC",      //
+                          "", "", "", "", "", "", liquid, liquid, gas, scaled, scaled, scaledGas, "", ""));
+}
+
+TEST(SegmentVectors, KeepTheirNamesWhenTheTestHasFewTexts) {
+  const std::vector<std::string> units{"DAYS", "W1", "", "FEET", "PSIA", "RFT", "STANDARD", "STB/DAY"};
+  std::vector<std::string> names;
+  std::vector<std::string> of;
+  std::int32_t count = 0;
+  bool qOK = false;
+  setSEGHeaders(units, names, of, count, qOK);
+  EXPECT_TRUE(qOK);
+  ASSERT_EQ(of.size(), 31U);
+  EXPECT_EQ(names[30], "SEGGOR");
+  EXPECT_EQ(of[11], "STB/DAY/FEET");
+  EXPECT_EQ(of[13], "") << "no gas rate: not \"/FEET\"";
+  EXPECT_EQ(of[14], "");
+}
+
+}  // namespace
+}  // namespace lumbarn
