@@ -106,7 +106,7 @@ bool OutputFile::close() {
 }
 
 std::string makeTemporaryFile(const std::string& prefix) {
-  const char* folder = std::getenv("TMPDIR");
+  const char* folder = std::getenv("TMPDIR");  // NOLINT(concurrency-mt-unsafe): nothing here sets it
   std::string path = std::string(folder && *folder ? folder : "/tmp") + "/" + prefix + "XXXXXX";
   const int handle = ::mkstemp(path.data());
   if (handle < 0) return {};
