@@ -56,6 +56,8 @@ class AttributeStore {
   std::int32_t count() const { return static_cast<std::int32_t>(items_.size()); }
   std::int32_t useCount(std::int32_t number) const;  ///< 0 for a number that is none
   std::int32_t width() const { return width_; }
+  /// Items added from now on are cut at this width, if it is more than before.
+  void widen(std::int32_t nWidth) { width_ = width_ < nWidth ? nWidth : width_; }
 
  private:
   struct Item {
