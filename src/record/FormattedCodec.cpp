@@ -239,6 +239,10 @@ bool FormattedCodec::readHeader(Window& window, std::uint64_t position, RecordHe
   const auto quote = scanner.position();
   const auto taken = parseHeader(scanner.rest(), header);
   if (taken == 0) {
+    const bool atEnd = quote + scanner.rest().size() == window.size();
+    if (atEnd && scanner.rest().find('\n') == std::string_view::npos) {
+      throwCutOff(quote, "a whole record header", shown(scanner.rest()));
+    }
     throwBadRecord("no record header", quote, "'KEYWORD ' count 'TYPE'", shown(scanner.rest()));
   }
   scanner.take(taken);
