@@ -163,8 +163,7 @@ void takeAll(TextScanner& scanner, std::uint64_t skip, std::uint64_t count, std:
              std::size_t outWidth, std::byte* out, Take take) {
   for (std::uint64_t i = 0; i < skip + count; ++i) {
     if (!scanner.skipBlanks(token)) {
-      throwCutOff(scanner.position(),
-                     fmt::format("{} more elements", skip + count - i), "end of file");
+      throwCutOff(scanner.position(), fmt::format("{} more elements", skip + count - i), "end of file");
     }
     const bool wanted = out && i >= skip;
     take(scanner, wanted ? out + (i - skip) * outWidth : nullptr);
@@ -261,8 +260,7 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
   const auto count = static_cast<std::uint64_t>(header.count);
   if (count > left / 2 + 1) {
-    throwCutOff(header.dataAt, fmt::format("{} elements", count),
-                   fmt::format("{} bytes", left));
+    throwCutOff(header.dataAt, fmt::format("{} elements", count), fmt::format("{} bytes", left));
   }
   const auto before = window.at(header.dataAt - std::min<std::uint64_t>(header.dataAt, 2), 2);
   layout.lineEndBytes = before.size() >= 2 && before[0] == std::byte{'\r'} ? 2 : 1;

@@ -24,8 +24,9 @@ struct SummaryRow {
   std::int32_t iStep = 0;  ///< report steps seen in that file up to the row
 };
 
-/// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it restarted from,
-/// and merges them into one table. Runs are kept newest first until they are fetched, which can be done once.
+/// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it
+/// restarted from, and merges them into one table. Runs are kept newest first until they are fetched, which
+/// can be done once.
 class qvEclipseSUMMARYFile {
  public:
   explicit qvEclipseSUMMARYFile(Session& session = Session::process()) : session_(&session) {}
@@ -41,12 +42,13 @@ class qvEclipseSUMMARYFile {
   std::int32_t iEnd = -1;
   std::int32_t iPosition = -1;  ///< resume position of the newest run, before and after reading
   std::int32_t iPositionHigh = -1;
-  std::int32_t iUnits = -1;     ///< unit system of the newest run
+  std::int32_t iUnits = -1;  ///< unit system of the newest run
   bool NoRestart = false;
-  bool qPerforations = false;   ///< the vectors hold perforation data
-  std::int32_t nMult = 0;       ///< multiple files of the newest run
+  bool qPerforations = false;  ///< the vectors hold perforation data
+  std::int32_t nMult = 0;      ///< multiple files of the newest run
   std::vector<std::string> zMult;
-  std::vector<std::unique_ptr<qvEclipseSPEC>> xSPEC;  ///< may hold the facade's object for the newest run before reading
+  std::vector<std::unique_ptr<qvEclipseSPEC>>
+      xSPEC;  ///< may hold the facade's object for the newest run before reading
   std::vector<std::unique_ptr<qvEclipseSUMMARY>> xSUMMARY;
   ByteTable bOnly = emptyOnlyList();
   bool qOnly = true;
@@ -63,10 +65,11 @@ class qvEclipseSUMMARYFile {
   bool AcceptDamaged = false;               ///< take what was read before damage as a success
   bool qDamaged = false;                    ///< something of what was read is damaged or not whole
 
-  /// Reads the whole chain. False when the newest run cannot be read; an earlier run that cannot only ends the chain.
+  /// Reads the whole chain. False when the newest run cannot be read; an earlier run that cannot only ends
+  /// the chain.
   void ReadSUMMARYData(bool& qOK);
-  /// The merged table and its headers; releases the runs, so it can be called once. A chain with completion vectors
-  /// gives the rows up to the first run that has them.
+  /// The merged table and its headers; releases the runs, so it can be called once. A chain with completion
+  /// vectors gives the rows up to the first run that has them.
   void GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, bool& qOK);
   /// The same with headers as string numbers into stores.
   void GetStoreSUMMARYData(XYData& xyData, AttributeStores& xStore, ByteTable& bPointers, bool& qOK);
@@ -76,8 +79,9 @@ class qvEclipseSUMMARYFile {
   void SetbOnly(const ByteTable& only, bool qSense) { bOnly = only, qOnly = qSense; }
   void setMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK);
 
-  /// The key mask: all True; as given; or one entry for each item of the session's only-list, True for those that
-  /// stand in a text of comma-separated mnemonics, in the given items, or in the first 16 bytes of bOnly's entries.
+  /// The key mask: all True; as given; or one entry for each item of the session's only-list, True for those
+  /// that stand in a text of comma-separated mnemonics, in the given items, or in the first 16 bytes of
+  /// bOnly's entries.
   void SetKeys();
   void SetKeys(const std::vector<bool>& mask) { qMask = mask; }
   void SetSUMMARYKeys(std::string_view zMnemonics);
