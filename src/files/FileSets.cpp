@@ -56,8 +56,8 @@ void keepOneSet(std::vector<Found>& found) {
   if (best == found.end()) return;
   std::erase_if(found, [&, wanted = rank(*best)](const Found& file) { return rank(file) != wanted; });
   std::ranges::stable_sort(found, {}, [](const Found& file) { return std::pair(file.step, file.otherCase); });
-  const auto surplus = std::ranges::unique(found, {}, &Found::step);
-  found.erase(surplus.begin(), surplus.end());
+  const auto sameStep = [](const Found& a, const Found& b) { return a.step == b.step; };
+  found.erase(std::unique(found.begin(), found.end(), sameStep), found.end());
 }
 
 std::vector<Found> findStepFiles(const FileName& given, const std::vector<ExtensionSet>& candidates,

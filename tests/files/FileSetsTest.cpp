@@ -19,11 +19,9 @@ TEST(SetEclipseFileName, KeepsCaseAndGeneration) {
     const char* expected;  // empty: there is no such file
   };
   const Row rows[] = {
-      {"RUN.SMSPEC", "SUMMARY", true, false, "RUN.UNSMRY"},
       {"d/run.smspec", "SUMMARY", true, false, "d/run.unsmry"},
       {"Run.fsmspec", "SUMMARY", true, true, "Run.funsmry"},
       {"RUN.SMS", "SUMMARY", true, false, "RUN.USY"},
-      {"RUN.fsm", "SUMMARY", true, true, "RUN.fus"},
       {"RUN.S0003", "SOLUTION", false, false, "RUN.X0003"},
       {"RUN.Y50", "SUMMARY", false, true, "RUN.B50"},
       {"RUN.UNRST", "RESTART", false, true, "RUN.F0000"},
@@ -33,8 +31,6 @@ TEST(SetEclipseFileName, KeepsCaseAndGeneration) {
       {"RUN.URS", "SAVE", true, true, "RUN.FSA"},
       {"RUN.SLNSPEC", "STREAMLINE", false, false, "RUN.SLN0000"},
       {"RUN.SLNSPEC", "STREAMLINE", true, false, ""},
-      {"RUN.SLNSPEC", "STREAMLINE", false, true, ""},
-      {"RUN.X0300", "SUMMARY", false, false, "RUN.S0300"},
       {"RUN.SMSPEC", "GRID", true, false, ""},
   };
   for (const Row& row : rows) {
@@ -123,14 +119,12 @@ TEST(GetFileNamesToLoad, MatchesWithoutRegardToCaseButNeverMixesRuns) {
   EXPECT_THAT(search(folder, "two.SMSPEC", "SUMMARY").names, ElementsAre("two.S0001"));
 }
 
-TEST(GetFileNamesToLoad, TakesStrangeNamesAndManyFiles) {
+TEST(GetFileNamesToLoad, TakesStrangeNames) {
   const TemporaryFolder folder;
   const std::string base = "Fäll 1.5 [α].S0001";
-  for (int step = 3000; step >= 0; --step) folder.add(fmt::format("{}.S{:04}", base, step));
-  const Search result = search(folder, base + ".SMSPEC", "SUMMARY", 17, 2990);
-  ASSERT_EQ(result.nFiles, 2974);
-  EXPECT_EQ(result.names.front(), base + ".S0017");
-  EXPECT_EQ(result.names.back(), base + ".S2990");
+  folder.add({base + ".S0009", base + ".S0010", base + ".S0011"});
+  EXPECT_THAT(search(folder, base + ".SMSPEC", "SUMMARY", 10, 11).names,
+              ElementsAre(base + ".S0010", base + ".S0011"));
 }
 
 TEST(GetFileNamesToLoad, FailsOnlyWhenTheFolderCannotBeListed) {
@@ -177,11 +171,6 @@ TEST(GetFileListUsingStartAndEnd, CutsAsTold) {
     EXPECT_EQ(files, row.expected);
     EXPECT_EQ(nFiles, row.expected == Names{""} ? 0 : static_cast<std::int32_t>(row.expected.size()));
   }
-  Names none;
-  std::int32_t nFiles = 0;
-  bool qOK = false;
-  GetFileListUsingStartAndEnd(1, 2, false, false, "UNRST", nFiles, none, qOK);
-  EXPECT_THAT(none, IsEmpty());
 }
 
 TEST(SequenceLimits, FollowKindAndOpenEnds) {

@@ -1,0 +1,224 @@
+#include "Recogniser.h"
+
+#include <algorithm>
+#include <exception>
+#include <string_view>
+#include <utility>
+
+#include "../record/RecordCursor.h"
+#include "../support/Diagnosis.h"
+
+namespace lumbarn {
+namespace {
+
+using enum FileKind;
+
+constexpr int headersLookedAt = 256;
+
+// Keywords that tell a kind wherever they stand among the first records.
+constexpr std::pair<std::string_view, FileKind> signs[] = {
+    {"SEQHDR", Summary},      {"MINISTEP", Summary},    {"PARAMS", Summary}, {"KEYWORDS", SummarySpec},
+    {"FILEHEAD", EGrid},      {"GRIDHEAD", EGrid},      {"COORDS", Grid},    {"CORNERS", Grid},
+    {"GEOMETRY", Streamline}, {"GEOMINDX", Streamline}, {"WELLETC", Rft},    {"ITIME", Rsspec},
+    {"NAME", Inspec},         {"LGRNAME", Inspec},      {"POINTER", Inspec},
+};
+
+// Keywords that tell a kind behind INTEHEAD.
+constexpr std::pair<std::string_view, FileKind> signsBehindHead[] = {
+    {"DIMENS", SummarySpec},
+    {"TIME", Rsspec},
+    {"IGRP", Restart},
+    {"SGRP", Restart},
+    {"XGRP", Restart},
+    {"ZGRP", Restart},
+    {"ISEG", Restart},
+    {"RSEG", Restart},
+    {"IWEL", Restart},
+    {"SWEL", Restart},
+    {"XWEL", Restart},
+    {"ZWEL", Restart},
+    {"ICON", Restart},
+    {"SCON", Restart},
+    {"XCON", Restart},
+    {"STARTSOL", Restart},
+    {"ENDSOL", Restart},
+    {"PRESSURE", Restart},
+    {"SWAT", Restart},
+    {"SGAS", Restart},
+    {"SOIL", Restart},
+    {"RS", Restart},
+    {"RV", Restart},
+    {"PORV", Init},
+    {"DEPTH", Init},
+    {"DX", Init},
+    {"DY", Init},
+    {"DZ", Init},
+    {"DR", Init},
+    {"DTHETA", Init},
+    {"TOPS", Init},
+    {"PORO", Init},
+    {"PERMX", Init},
+    {"PERMR", Init},
+    {"NTG", Init},
+    {"TRANX", Init},
+    {"TRANR", Init},
+    {"TABDIMS", Init},
+    {"TAB", Init},
+    {"EQLNUM", Init},
+    {"PVTNUM", Init},
+    {"SATNUM", Init},
+    {"FIPNUM", Init},
+};
+
+template <std::size_t n>
+FileKind signOf(const std::pair<std::string_view, FileKind> (&table)[n], std::string_view keyword) {
+  const auto* row = std::ranges::find(table, keyword, &std::pair<std::string_view, FileKind>::first);
+  return row == std::end(table) ? Unknown : row->second;
+}
+
+bool isAnyOf(std::string_view keyword, std::initializer_list<std::string_view> words) {
+  return std::ranges::find(words, keyword) != words.end();
+}
+
+// Takes the headers of a file one after the other and draws conclusions.
+class Evidence {
+ public:
+  explicit Evidence(FileKind byName) : byName_(byName) {}
+
+  // False once the kind is settled and no further header matters.
+  bool take(const RecordHeader& header) {
+    const std::string_view keyword = header.keyword;
+    const bool first = count_++ == 0;
+    if (keyword == "SEQHDR") ++reportSteps_;
+    if (kind_ == Unknown) conclude(header, first);
+    return kind_ == Unknown || (kind_ == Summary && reportSteps_ < 2);
+  }
+
+  // What the records tell when no more come.
+  FileKind kind() const {
+    if (kind_ != Unknown) return kind_;
+    if (restartRecord_) return byName_ == StreamlineSpec ? StreamlineSpec : SummarySpec;
+    if (welltest_) return Rft;
+    if (headWords_ == 2) return SummarySpec;
+    if ((headWords_ || stepNumber_) && isOpen(byName_)) return byName_;
+    if (headWords_ == 10) return Streamline;
+    return headWords_ || stepNumber_ ? Restart : Unknown;
+  }
+  bool stepNumber() const { return stepNumber_; }
+  bool severalReportSteps() const { return reportSteps_ > 1; }
+
+ private:
+  // Kinds that may go on in any way behind INTEHEAD.
+  bool isOpen(FileKind kind) const {
+    if (stepNumber_) return kind == Init || kind == Restart;
+    return kind == Init || kind == Restart || kind == SummarySpec || kind == Rsspec || kind == Inspec ||
+           kind == Streamline;
+  }
+
+  void conclude(const RecordHeader& header, bool first) {
+    const std::string_view keyword = header.keyword;
+    if (first && isAnyOf(keyword, {"INITIAL", "SAVEHEAD", "STATIC", "DYNAMIC"})) {
+      kind_ = Save;
+    } else if (restartRecord_) {
+      // A streamline specification begins as that of a summary does.
+      if (isAnyOf(keyword, {"NAMES", "EXTENT"})) kind_ = StreamlineSpec;
+      if (isAnyOf(keyword, {"DIMENS", "KEYWORDS", "WGNAMES", "NUMS", "UNITS"})) kind_ = SummarySpec;
+    } else if (keyword == "RESTART") {
+      restartRecord_ = true;
+    } else if (keyword == "SEQNUM") {
+      stepNumber_ = true;
+    } else if (keyword == "INTEHEAD") {
+      headWords_ = header.count;
+    } else if (!headWords_ && keyword == "DIMENS") {
+      kind_ = Grid;
+    } else if (!headWords_ && keyword == "TIME") {
+      // The index of a restart set has its times as doubles, tests have theirs as singles.
+      if (header.type == ElementType::Double) kind_ = Rsspec;
+      welltest_ = true;
+    } else {
+      kind_ = signOf(signs, keyword);
+      if (kind_ == Unknown && headWords_) kind_ = signOf(signsBehindHead, keyword);
+      // Some writers put a step number in front of an INIT file too, and some restarts hold static arrays.
+      if (kind_ == Init && stepNumber_ && byName_ == Restart) kind_ = Restart;
+    }
+  }
+
+  FileKind byName_;
+  FileKind kind_ = Unknown;
+  std::int64_t count_ = 0;
+  std::int64_t reportSteps_ = 0;
+  std::optional<std::int64_t> headWords_;  // words of INTEHEAD, once it has been met
+  bool stepNumber_ = false;                // SEQNUM has been met
+  bool restartRecord_ = false;             // RESTART has been met
+  bool welltest_ = false;                  // TIME has been met in front
+};
+
+std::optional<bool> isUnified(FileKind kind, const Evidence& evidence, const ExtensionMeaning& name) {
+  const bool nameSaysMultiple = name.kind == kind && name.multiple();
+  switch (kind) {
+    case Restart:
+      return evidence.stepNumber();
+    case Summary:
+      return evidence.severalReportSteps() || !nameSaysMultiple;
+    case Save:
+      return !nameSaysMultiple;
+    case Streamline:
+      return false;
+    default:
+      return std::nullopt;
+  }
+}
+
+// Reads headers until the evidence settles the kind, the file ends or its records break off.
+void gather(const std::shared_ptr<const ByteSource>& source, const std::string& name, Evidence& evidence,
+            Recognised& result) {
+  const auto detected = detectForm(*source);
+  if (!detected) {
+    result.problem = source->size() == 0 ? "the file is empty" : "no record header at the start";
+    return;
+  }
+  result.form = detected->form;
+  RecordCursor cursor(source, detected->form, name);
+  try {
+    for (int taken = 0; taken < headersLookedAt && cursor.next(); ++taken) {
+      if (!evidence.take(cursor.header())) return;
+    }
+  } catch (const BadRecord& bad) {
+    result.problem = bad.diagnosis().text();
+    // A sound header counts even when its data are cut off.
+    if (cursor.occurrence() > 0) evidence.take(cursor.header());
+  }
+}
+
+}  // namespace
+
+Recognised recognise(std::shared_ptr<const ByteSource> source, const std::string& name) {
+  const ExtensionMeaning byName = meaningOf(FileName(name).extension);
+  Recognised result;
+  Evidence evidence(byName.kind);
+  try {
+    gather(source, name, evidence, result);
+  } catch (const std::exception& failure) {
+    result.problem = failure.what();
+  }
+  result.kind = evidence.kind();
+  result.byContent = result.kind != Unknown;
+  if (result.byContent) {
+    result.unified = isUnified(result.kind, evidence, byName);
+    return result;
+  }
+  result.kind = byName.kind;
+  if (byName.set && byName.kind == byName.set->kind) result.unified = !byName.multiple();
+  return result;
+}
+
+Recognised recogniseFile(const std::string& path) {
+  std::string problem;
+  if (std::shared_ptr<const ByteSource> source = FileSource::open(path, problem))
+    return recognise(source, path);
+  Recognised result = recognise(std::make_shared<MemorySource>(std::vector<std::byte>()), path);
+  result.problem = problem;
+  return result;
+}
+
+}  // namespace lumbarn

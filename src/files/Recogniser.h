@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "../record/ByteSource.h"
+#include "../record/Form.h"
+#include "Extensions.h"
+
+namespace lumbarn {
+
+/// What a file is, as far as can be told.
+struct Recognised {
+  FileKind kind = FileKind::Unknown;
+  std::optional<Form> form;     ///< of a record file; nothing when no record header was found in it
+  std::optional<bool> unified;  ///< of summary, restart and save data: one file for all steps; of
+                                ///< streamlines: False
+  bool byContent = false;       ///< the records tell the kind; False: only the file's name does
+  std::string problem;          ///< what kept the file from being read this far, if anything did
+
+  std::int32_t whichtype() const { return whichtypeOf(kind); }
+};
+
+/// Tells the kind of a file from the keywords of its first records; the name is a second witness where these
+/// leave several kinds open (an INIT file or a restart step that breaks off behind its headers, a summary of
+/// a single step) and the only one for a file without records, such as a deck. A name that the records
+/// contradict does not count. No file makes it fail: one that is short, damaged or not there gives what can
+/// be told, which may be `Unknown`.
+///
+/// At most some hundred record headers are read, and no data. A restart file is unified when a step number
+/// record (`SEQNUM`) stands in front, behind foreign arrays at most. Summary data are unified when a second
+/// report step is met; with one step only, the name decides, and without a telling name they count as
+/// unified, as they read the same.
+Recognised recogniseFile(const std::string& path);
+/// The same for bytes from anywhere; `name` is the file's name or path, or empty.
+Recognised recognise(std::shared_ptr<const ByteSource> source, const std::string& name);
+
+}  // namespace lumbarn

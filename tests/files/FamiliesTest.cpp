@@ -1,0 +1,150 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "files/Families.h"
+#include "files/TemporaryFolder.h"
+#include "record/RecordWriter.h"
+
+namespace lumbarn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Names = std::vector<std::string>;
+using enum FileKind;
+
+std::string nameIn(const RunFamily& family, const RunMember* member) {
+  return member ? member->path.substr(family.folder.size()) : "none";
+}
+Names memberNames(const RunFamily& family) {
+  Names names;
+  for (const RunMember& member : family.members) names.push_back(nameIn(family, &member));
+  return names;
+}
+Names stepNames(const RunFamily& family, FileKind kind) {
+  Names names;
+  for (const RunMember* member : family.steps(kind)) names.push_back(nameIn(family, member));
+  return names;
+}
+Names bases(const std::string& path) {
+  std::string why;
+  Names names;
+  for (const RunFamily& family : findRuns(path, why)) names.push_back(family.base);
+  EXPECT_EQ(names.empty(), !why.empty()) << path;
+  return names;
+}
+// The one run that a path means.
+RunFamily run(const std::string& path) {
+  std::string why;
+  const std::vector<RunFamily> runs = findRuns(path, why);
+  EXPECT_EQ(runs.size(), 1U) << path << ": " << why;
+  return runs.empty() ? RunFamily{} : runs[0];
+}
+
+TEST(Families, AnyPathLeadsToItsRuns) {
+  const TemporaryFolder folder;
+  folder.add({"RUN.SMSPEC", "RUN.UNSMRY", "RUN.DATA", "RUN.PRT", "RUN_2.S0001", "Fall 1.5 é.INIT",
+              "case.1.egrid", "DECK.DATA", "OLD.SAVE", "notes.txt", "plain"});
+  const Names all{"Fall 1.5 é", "RUN", "RUN_2", "case.1"};
+  struct Row {
+    const char* path;
+    Names expected;
+  };
+  const Row rows[] = {
+      {"", all},
+      {"RUN", {"RUN"}},
+      {"RUN.", {"RUN"}},
+      {"RUN.UNSMRY", {"RUN"}},
+      {"RUN.PRT", {"RUN"}},  // a file of another kind beside the run
+      {"run", {"RUN"}},
+      {"run.smspec", {"RUN"}},
+      {"RUN.UNRST", {}},  // neither there nor a base name
+      {"RUN_2.S0001", {"RUN_2"}},
+      {"Fall 1.5 é", {"Fall 1.5 é"}},
+      {"case.1", {"case.1"}},
+      {"DECK", {"DECK"}},
+      {"OLD.SAVE", {"OLD"}},
+      {"notes.txt", {"notes"}},
+      {"plain", {"plain"}},
+      {"RU", {}},
+      {"none/RUN", {}},
+  };
+  for (const Row& row : rows) EXPECT_EQ(bases(folder / row.path), row.expected) << row.path;
+  EXPECT_EQ(bases(folder.path().string()), all) << "a folder without a separator at its end";
+  EXPECT_THAT(bases(""), IsEmpty());
+}
+
+TEST(Families, AFolderAndABaseNameMeanBoth) {
+  const TemporaryFolder folder;
+  std::filesystem::create_directory(folder.path() / "RUN");
+  folder.add({"RUN.SMSPEC", "RUN/INNER.INIT"});
+  EXPECT_THAT(bases(folder / "RUN"), ElementsAre("INNER", "RUN"));
+  EXPECT_THAT(bases(folder / "RUN/"), ElementsAre("INNER"));
+}
+
+TEST(Families, MembersComeByKindFormAndStep) {
+  const TemporaryFolder folder;
+  folder.add({"R.X0010", "R.X0002", "R.F0001", "R.SMSPEC", "R.FSMSPEC", "R.UNRST", "R.DATA", "R.Y05",
+              "R.EGRID", "r.UNSMRY", "R.X0002.bak"});
+  std::filesystem::create_directory(folder.path() / "R.INIT");
+  std::filesystem::create_symlink(folder / "nowhere", folder / "R.RFT");
+  const RunFamily family = run(folder / "R");
+  EXPECT_THAT(memberNames(family), ElementsAre("R.DATA", "R.SMSPEC", "R.FSMSPEC", "R.UNRST", "R.X0002",
+                                               "R.X0010", "R.Y05", "R.F0001", "R.EGRID", "R.RFT"));
+  EXPECT_FALSE(family.given);
+  EXPECT_EQ(family.members[6].step, 105);
+}
+
+TEST(Families, TheGivenFileDecidesBetweenForms) {
+  const TemporaryFolder folder;
+  folder.add({"R.SMSPEC", "R.FSMSPEC", "R.fsmspec", "R.FUNSMRY", "R.S0002", "R.S0001", "R.A0001", "R.A0003",
+              "R.a0003", "R.DATA", "R.UNRST", "R.X0001", "R.U01"});
+  struct Row {
+    const char *path, *spec, *summary, *restart;
+    Names summarySteps;
+  };
+  const Row rows[] = {
+      {"R", "R.SMSPEC", "R.S0001", "R.UNRST", {"R.S0001", "R.S0002"}},
+      {"R.DATA", "R.SMSPEC", "R.S0001", "R.UNRST", {"R.S0001", "R.S0002"}},
+      {"R.FSMSPEC", "R.FSMSPEC", "R.FUNSMRY", "R.UNRST", {"R.A0001", "R.A0003"}},
+      {"R.fsmspec", "R.fsmspec", "R.FUNSMRY", "R.UNRST", {"R.A0001", "R.a0003"}},
+      {"R.A0003", "R.FSMSPEC", "R.A0003", "R.UNRST", {"R.A0001", "R.A0003"}},
+      {"R.X0001", "R.SMSPEC", "R.S0001", "R.X0001", {"R.S0001", "R.S0002"}},
+      {"R.U01", "R.SMSPEC", "R.U01", "R.UNRST", {"R.U01"}},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.path);
+    const RunFamily family = run(folder / row.path);
+    EXPECT_EQ(nameIn(family, family.find(SummarySpec)), row.spec);
+    EXPECT_EQ(nameIn(family, family.find(Summary)), row.summary);
+    EXPECT_EQ(nameIn(family, family.find(Restart)), row.restart);
+    EXPECT_EQ(stepNames(family, Summary), row.summarySteps);
+    EXPECT_THAT(stepNames(family, Save), IsEmpty());
+    EXPECT_EQ(nameIn(family, family.find(Init)), "none");
+  }
+}
+
+TEST(Families, AFileWithAnUntellingNameIsAMemberByItsContent) {
+  const TemporaryFolder folder;
+  std::vector<std::byte> bytes;
+  RecordWriter(memorySink(bytes), Form{Framing::Formatted, false})
+      .integers("FILEHEAD", std::vector<std::int32_t>(100));
+  folder.add("case.5", bytes);
+  folder.add({"case.5.INIT", "case.INIT"});
+  const RunFamily family = run(folder / "case.5");
+  EXPECT_EQ(family.base, "case.5") << "the name is a base name with a dot";
+  ASSERT_TRUE(family.given);
+  EXPECT_EQ(family.find(EGrid), family.givenMember());
+  EXPECT_TRUE(family.givenMember()->formatted);
+}
+
+TEST(Families, RunsThatDifferInCaseOnlyAreKeptApart) {
+  const TemporaryFolder folder;
+  folder.add({"run.smspec", "RUN.SMSPEC", "Other.INIT"});
+  EXPECT_THAT(bases(folder / "run"), ElementsAre("run"));
+  EXPECT_THAT(bases(folder / "Run"), ElementsAre("RUN", "run"));
+  EXPECT_THAT(bases(folder / "other"), ElementsAre("Other"));
+}
+
+}  // namespace
+}  // namespace lumbarn

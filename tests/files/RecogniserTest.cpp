@@ -1,0 +1,148 @@
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "files/Recogniser.h"
+#include "files/TemporaryFolder.h"
+#include "record/RecordWriter.h"
+#include "support/Text.h"
+
+namespace lumbarn {
+namespace {
+
+using enum FileKind;
+
+constexpr Form formatted{Framing::Formatted, false};
+constexpr Form bigEndian{Framing::FourByteMarks, true};
+
+// Writes the records of a list such as "SEQNUM INTEHEAD:95 TIME:D1 ENDSOL:M": behind the keyword the type (I
+// when left out, D, S, T or M) and the count (1 when left out).
+std::vector<std::byte> write(std::string_view records, Form form) {
+  std::vector<std::byte> bytes;
+  RecordWriter writer(memorySink(bytes), form);
+  for (const std::string& item : words(records)) {
+    const std::vector<std::string> parts = split(item + ":", ':');
+    const char type = parts[1].empty() || parts[1][0] <= '9' ? 'I' : parts[1][0];
+    const auto count = static_cast<std::size_t>(toInteger(trim(parts[1].substr(type != 'I'))).value_or(1));
+    if (type == 'I') writer.integers(parts[0], std::vector<std::int32_t>(count, 7));
+    if (type == 'D') writer.doubles(parts[0], std::vector<double>(count, 7));
+    if (type == 'S') writer.singles(parts[0], std::vector<float>(count, 7));
+    if (type == 'T') writer.texts(parts[0], std::vector<std::string>(count, "TEXT"));
+    if (type == 'M') writer.message(parts[0]);
+  }
+  return bytes;
+}
+
+struct Case {
+  const char *records, *name;
+  FileKind kind;
+  std::optional<bool> unified;
+  bool byContent = true;
+};
+
+const Case cases[] = {
+    // Each kind by its content, without help from the name.
+    {"RESTART:T9 DIMENS:6 KEYWORDS:T5", "", SummarySpec, {}},
+    {"INTEHEAD:2 RESTART:T9 DIMENS:6", "", SummarySpec, {}},
+    {"INTEHEAD:2 DIMENS:6", "", SummarySpec, {}},
+    {"INTEHEAD:2", "", SummarySpec, {}},
+    {"SEQHDR MINISTEP PARAMS:S5 SEQHDR MINISTEP PARAMS:S5", "", Summary, true},
+    {"SEQHDR MINISTEP PARAMS:S5", "", Summary, true},
+    {"MINISTEP PARAMS:S5", "", Summary, true},
+    {"PARAMS:S5 SEQHDR PARAMS:S5 SEQHDR", "", Summary, true},
+    {"SEQNUM INTEHEAD:95 LOGIHEAD DOUBHEAD:D1 IGRP", "", Restart, true},
+    {"SEQNUM INTEHEAD:95 STARTSOL:M PRESSURE:S9 ENDSOL:M", "", Restart, true},
+    {"ODD:S1500 SEQNUM INTEHEAD:95 LOGIHEAD PRESSURE:S9", "", Restart, true},
+    {"INTEHEAD:411 LOGIHEAD:121 DOUBHEAD:D229 STARTSOL:M", "", Restart, false},
+    {"INTEHEAD:95 PRESSURE:S2000", "", Restart, false},
+    {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1 PORV:S2000 DEPTH:S9", "", Init, {}},
+    {"INTEHEAD:95 LGR:T1 LGRHEADI:45 DX:S5", "", Init, {}},
+    {"SEQNUM INTEHEAD:95 LOGIHEAD PORV:S9", "", Init, {}},
+    {"INTEHEAD:95 TIME:D1 ITIME:13 NAME:T5", "", Rsspec, {}},
+    {"TIME:D1 NAME:T5", "", Rsspec, {}},
+    {"INTEHEAD:95 NAME:T5 TYPE:T5", "", Inspec, {}},
+    {"INTEHEAD:95 LGRNAME:T1 NAME:T5", "", Inspec, {}},
+    {"FILEHEAD:100 GRIDUNIT:T2", "", EGrid, {}},
+    {"DIMENS:3 COORDS:7 CORNERS:S24", "", Grid, {}},
+    {"TIME:S1 DATE:3 WELLETC:T16", "", Rft, {}},
+    {"SAVEHEAD:2 INTEHEAD:95", "", Save, true},
+    {"INITIAL INTEHEAD:95 PORV:S5", "", Save, true},
+    {"INTEHEAD:10 GEOMETRY:D9 GEOMINDX:2", "", Streamline, false},
+    {"RESTART:T9 EXTENT:D6 NAMES:T5", "", StreamlineSpec, {}},
+
+    // Content before a misleading name.
+    {"INTEHEAD:2 RESTART:T9 DIMENS:6", "RUN.UNRST", SummarySpec, {}},
+    {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1 PORV:S9", "RUN.X0001", Init, {}},
+    {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1 IWEL", "RUN.INIT", Restart, false},
+    {"SEQNUM INTEHEAD:95 IGRP", "RUN.X0003", Restart, true},
+    {"SEQHDR PARAMS:S5 SEQHDR PARAMS:S5", "RUN.S0001", Summary, true},
+    {"FILEHEAD:100", "RUN.DATA", EGrid, {}},
+
+    // The name where content leaves several kinds open.
+    {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1", "RUN.INIT", Init, {}},
+    {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1", "run.x0003", Restart, false},
+    {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1", "RUN.RFT", Restart, false},
+    {"INTEHEAD:95", "RUN.RSSPEC", Rsspec, {}},
+    {"INTEHEAD:95", "RUN.INSPEC", Inspec, {}},
+    {"SEQNUM INTEHEAD:95 LOGIHEAD PORV:S9", "RUN.UNRST", Restart, true},
+    {"SEQNUM", "RUN.SMSPEC", Restart, true},
+    {"SEQNUM", "RUN.INIT", Init, {}},
+    {"SEQHDR MINISTEP PARAMS:S5", "RUN.S0001", Summary, false},
+    {"SEQHDR MINISTEP PARAMS:S5", "RUN.T07", Summary, false},
+    {"RESTART:T9", "RUN.SLNSPEC", StreamlineSpec, {}},
+    {"SAVEHEAD:2", "RUN.V0002", Save, false},
+
+    // The name alone.
+    {"ODD:S5 WORD:T3", "RUN.UNRST", Restart, true, false},
+    {"ODD:S5 WORD:T3", "RUN.SLN0004", Streamline, false, false},
+    {"", "RUN.UNSMRY", Summary, true, false},
+    {"", "RUN.SMSPEC", SummarySpec, {}, false},
+    {"", "RUN.data", Deck, {}, false},
+    {"ODD:S5", "RUN.TXT", Unknown, {}, false},
+};
+
+class RecogniserInEachForm : public testing::TestWithParam<Form> {};
+
+TEST_P(RecogniserInEachForm, TellsTheKind) {
+  for (const Case& example : cases) {
+    SCOPED_TRACE(fmt::format("{} in {}", example.records, example.name));
+    const std::vector<std::byte> bytes = write(example.records, GetParam());
+    const Recognised result = recognise(std::make_shared<MemorySource>(bytes), example.name);
+    EXPECT_EQ(nameOf(result.kind), nameOf(example.kind));
+    EXPECT_EQ(result.unified, example.unified);
+    EXPECT_EQ(result.byContent, example.byContent);
+    EXPECT_EQ(result.form, bytes.empty() ? std::nullopt : std::optional(GetParam()));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, RecogniserInEachForm,
+                         testing::Values(formatted, bigEndian, Form{Framing::FourByteMarks, false},
+                                         Form{Framing::OneByteMarks, false}));
+
+TEST(Recogniser, ACutFileGivesItsKindOrAnOpenOneAndWhy) {
+  for (const Form& form : {formatted, bigEndian}) {
+    const std::vector<std::byte> whole = write("INTEHEAD:95 LOGIHEAD:30 DOUBHEAD:D1 PORV:S30", form);
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+      const std::vector<std::byte> cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+      const auto source = std::make_shared<MemorySource>(cut);
+      EXPECT_EQ(recognise(source, "RUN.INIT").kind, Init) << size;
+      const Recognised nameless = recognise(source, "");
+      EXPECT_TRUE(nameless.kind == Unknown || nameless.kind == Restart || nameless.kind == Init) << size;
+      EXPECT_TRUE(nameless.kind != Unknown || !nameless.problem.empty()) << size;
+    }
+  }
+}
+
+TEST(Recogniser, TellsWhatCannotBeOpened) {
+  const TemporaryFolder folder;
+  const Recognised missing = recogniseFile(folder / "RUN.EGRID");
+  EXPECT_EQ(missing.kind, EGrid);
+  EXPECT_FALSE(missing.byContent);
+  EXPECT_FALSE(missing.problem.empty());
+  EXPECT_EQ(recogniseFile(folder / "").kind, Unknown);
+
+  folder.add("odd name", write("SEQNUM INTEHEAD:95 IGRP", bigEndian));
+  EXPECT_EQ(recogniseFile(folder / "odd name").whichtype(), 11);
+}
+
+}  // namespace
+}  // namespace lumbarn
