@@ -56,6 +56,8 @@ class AttributeStore {
   std::int32_t count() const { return static_cast<std::int32_t>(items_.size()); }
   std::int32_t useCount(std::int32_t number) const;  ///< 0 for a number that is none
   std::int32_t width() const { return width_; }
+  /// Items added from now on are cut at this width, if it is more than before.
+  void widen(std::int32_t nWidth) { width_ = width_ < nWidth ? nWidth : width_; }
 
  private:
   struct Item {
@@ -73,7 +75,8 @@ class AttributeStore {
   Item& at(std::int32_t number) { return items_[static_cast<std::size_t>(number) - 1]; }
   std::string_view fitted(std::string_view item) const;
   std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
-  void rebuildSlots(std::size_t slots);
+  void resizeSlots(std::size_t slots);
+  void rebuildSlots();
 
   std::int32_t width_ = 1024;
   std::deque<Item> items_;   // a deque, so that views of texts hold while more are added

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace lumbarn {
+
+/// Pairs equal texts of two lists, each used once at most. For each main text in order, the first open old
+/// one at or behind the place after the last pair, then the first from the start; a text without partner
+/// leaves the place as it is. So equal layouts pair up one to one, duplicates included, in one step each, and
+/// a scrambled layout costs a sort.
+struct TextPairs {
+  std::vector<std::int32_t> iMatch;  ///< per main text the number, from 1, of its partner; 0 for none
+  std::vector<std::int32_t> iNew;    ///< numbers, from 1, of the old texts without partner, in order
+};
+TextPairs pairTexts(const std::vector<std::string>& old, const std::vector<std::string>& main);
+
+}  // namespace lumbarn

@@ -1,0 +1,396 @@
+#include "SummaryMerge.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "../shapes/HeaderLayout.h"
+#include "../shapes/VectorData.h"
+#include "../support/Fault.h"
+#include "../support/Guarded.h"
+#include "../support/System.h"
+#include "../support/Text.h"
+#include "SummaryMatch.h"
+
+namespace lumbarn {
+namespace {
+
+constexpr const char* className = "SummaryMerge";
+constexpr std::size_t yieldInterval = 1000;  // columns
+constexpr std::array<std::int32_t, 6> keyAttributes = {
+    attributeVariable, attributeClass, attributeMember, attributeIndex, attributeLGRName, attributeLGRClass};
+
+/// What the table of a merge is made of. Rows: `keep` old ones, then the main ones. Columns: the main ones,
+/// then the new ones.
+struct MergePlan {
+  const XYData& sOld;
+  std::span<const std::int32_t> iNew;
+  std::span<const std::int32_t> iMatch;
+  const XYData& sMain;
+  std::size_t keep = 0;
+  std::size_t mainColumns = 0;
+
+  std::size_t rows() const { return keep + sMain.rows(); }
+  std::size_t columns() const { return mainColumns + iNew.size(); }
+
+  /// One column, from 1, of the new table; all of `out` is written.
+  void fill(std::size_t column, std::span<float> out) const {
+    const bool isMain = column <= mainColumns;
+    const std::int32_t source = isMain ? iMatch[column - 1] : iNew[column - mainColumns - 1];
+    const auto front = out.first(keep);
+    if (source != 0 && keep > 0) {
+      std::ranges::copy(sOld.column(static_cast<std::size_t>(source)).first(keep), front.begin());
+    } else {
+      std::ranges::fill(front, 0.0F);
+    }
+    if (isMain && sMain.rows() > 0) {
+      std::ranges::copy(sMain.column(column), out.begin() + static_cast<std::ptrdiff_t>(keep));
+    } else {
+      std::ranges::fill(out.subspan(keep), 0.0F);
+    }
+  }
+};
+
+MergePlan planMerge(const XYData& sOld, std::span<const std::int32_t> iNew, std::int32_t nNew,
+                    std::span<const std::int32_t> iMatch, const XYData& sMain) {
+  MergePlan plan{
+      .sOld = sOld, .iNew = iNew.first(static_cast<std::size_t>(nNew)), .iMatch = iMatch, .sMain = sMain};
+  plan.mainColumns = sMain.columns() > 0 ? sMain.columns() : iMatch.size();
+  if (iMatch.size() < plan.mainColumns) throw Fault(FaultNumber::Subscript);
+  if (sOld.empty()) return plan;
+  const auto times = sOld.column(1);
+  if (sMain.empty()) {
+    plan.keep = times.size();
+  } else {
+    const float t0 = sMain(1, 1);
+    const auto end = std::ranges::find_if(times, [t0](float time) { return !(time < t0); });
+    plan.keep = static_cast<std::size_t>(end - times.begin());
+  }
+  return plan;
+}
+
+/// Gone when it goes out of scope.
+class ScratchFile {
+ public:
+  ScratchFile() : path_(makeTemporaryFile("MS")) {}
+  ScratchFile(const ScratchFile&) = delete;
+  ScratchFile& operator=(const ScratchFile&) = delete;
+  ~ScratchFile() {
+    std::error_code ignored;
+    if (!path_.empty()) std::filesystem::remove(path_, ignored);
+  }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+bool refuse(Session& session, const std::string& path, std::string problem) {
+  session.diagnose(
+      Diagnosis{.path = path, .problem = std::move(problem), .action = "left the earlier run out"});
+  return false;
+}
+
+bool writeMerged(Session& session, const MergePlan& plan, OutputFile& file) {
+  constexpr std::size_t atOnce = std::size_t{1}
+                                 << 18;  // values in one write, so that short columns share one
+  std::vector<float> buffer;
+  for (std::size_t column = 1; column <= plan.columns(); ++column) {
+    if (column % yieldInterval == 0 && session.yield()) return false;
+    const std::size_t end = buffer.size();
+    buffer.resize(end + plan.rows());
+    plan.fill(column, std::span(buffer).subspan(end));
+    if (buffer.size() >= atOnce || column == plan.columns()) {
+      if (!file.write(std::as_bytes(std::span(buffer)))) return false;
+      buffer.clear();
+    }
+  }
+  return file.close();
+}
+
+bool readValues(const InputFile& file, std::uint64_t firstValue, std::span<float> values) {
+  return file.readAt(firstValue * sizeof(float), std::as_writable_bytes(values)) == values.size_bytes();
+}
+
+/// The old main table from the file of the new one.
+void restore(const Session& session, const InputFile& file, std::size_t fileRows, std::size_t keep,
+             std::size_t columns, XYData& sMain) {
+  sMain = XYData(fileRows - keep, columns, session);
+  for (std::size_t column = 1; column <= columns; ++column) {
+    readValues(file, (column - 1) * fileRows + keep, sMain.column(column));
+  }
+}
+
+bool mergeThroughScratch(Session& session, const MergePlan& plan, XYData& sMain) {
+  const std::size_t rows = plan.rows(), columns = plan.columns();
+  const std::size_t mainColumns = sMain.columns();
+  session.checkMemory(rows * columns * sizeof(float));  // before the old table is given up
+
+  const ScratchFile scratch;
+  std::string error = "no temporary file can be made";
+  OutputFile out;
+  if (!scratch.path().empty()) out = OutputFile(scratch.path(), error);
+  if (!out.isOpen()) return refuse(session, scratch.path(), error);
+  if (!writeMerged(session, plan, out)) {
+    return !session.cancelled() && refuse(session, scratch.path(), "scratch file cannot be written");
+  }
+  const InputFile in(scratch.path(), error);
+  if (!in.isOpen()) return refuse(session, scratch.path(), error);
+
+  sMain = XYData();
+  try {
+    sMain = XYData(rows, columns, session);
+  } catch (const Fault&) {
+    restore(session, in, rows, plan.keep, mainColumns, sMain);
+    throw;
+  }
+  if (readValues(in, 0, sMain.values())) return true;
+  sMain = XYData();
+  restore(session, in, rows, plan.keep, mainColumns, sMain);
+  return refuse(session, scratch.path(), "scratch file cannot be read back");
+}
+
+bool mergeInMemory(Session& session, const MergePlan& plan, XYData& sMain) {
+  XYData merged;
+  try {
+    merged = XYData(plan.rows(), plan.columns(), session);
+  } catch (const Fault& fault) {
+    if (fault.number() != FaultNumber::OutOfMemory) throw;
+    return mergeThroughScratch(session, plan, sMain);
+  }
+  if (plan.rows() > 0) {
+    for (std::size_t column = 1; column <= plan.columns(); ++column) {
+      if (column % yieldInterval == 0 && session.yield()) return false;
+      plan.fill(column, merged.column(column));
+    }
+  }
+  sMain = std::move(merged);
+  return true;
+}
+
+void setLengths(const std::vector<std::string>& zKeys, std::vector<std::int32_t>& nLengths) {
+  nLengths.clear();
+  for (const std::string& key : zKeys) nLengths.push_back(static_cast<std::int32_t>(key.size()));
+}
+
+void setPairs(const std::vector<std::string>& zOld, const std::vector<std::string>& zMain,
+              std::vector<std::int32_t>& iNew, std::int32_t& nNew, std::vector<std::int32_t>& iMatch) {
+  TextPairs pairs = pairTexts(zOld, zMain);
+  iMatch = std::move(pairs.iMatch);
+  iNew = std::move(pairs.iNew);
+  nNew = static_cast<std::int32_t>(iNew.size());
+}
+
+/// The vector with its texts in the main stores.
+VECTORDATA carryOver(const VECTORDATA& xVector, const AttributeStores& xOld, AttributeStores& xMain) {
+  VECTORDATA carried;
+  for (std::int32_t iAttribute = 1; iAttribute <= 14; ++iAttribute) {
+    if (!xOld.has(iAttribute) || !xMain.has(iAttribute)) continue;
+    const std::int32_t number = pointer(xVector, iAttribute);
+    if (number < 1) continue;
+    xMain(iAttribute).widen(xOld(iAttribute).width());  // a run with longer names
+    setPointer(carried, iAttribute, xMain(iAttribute).add(xOld(iAttribute).item(number)));
+  }
+  return carried;
+}
+
+}  // namespace
+
+void createSummaryList(Session& session, const ByteTable& bHeaders, std::vector<std::string>& zKeys,
+                       std::vector<std::int32_t>& nLengths, bool& qOK) {
+  guarded(session, qOK, className, "createSummaryList", [&] {
+    zKeys.assign(bHeaders.entries(), {});
+    for (std::size_t i = 0; i < zKeys.size(); ++i) {
+      for (const std::int32_t iAttribute : keyAttributes) {
+        const HeaderField field = headerField(iAttribute);
+        zKeys[i] += bHeaders.get(i + 1, field.firstByte, field.width);
+      }
+    }
+    setLengths(zKeys, nLengths);
+  });
+}
+
+void createStoreSummaryList(Session& session, const AttributeStores& xStore, const ByteTable& bPointers,
+                            std::vector<std::string>& zKeys, std::vector<std::int32_t>& nLengths, bool& qOK) {
+  guarded(session, qOK, className, "createStoreSummaryList", [&] {
+    std::vector<VECTORDATA> xVectors;
+    bool qSet = false;
+    setVECTORDATA(bPointers, xVectors, qSet);
+    if (!qSet) return false;
+    zKeys.assign(bPointers.entries(), {});
+    for (std::size_t i = 0; i < zKeys.size(); ++i) {
+      for (const std::int32_t iAttribute : keyAttributes) {
+        zKeys[i] += trim(xStore(iAttribute).item(pointer(xVectors[i], iAttribute)));
+      }
+    }
+    setLengths(zKeys, nLengths);
+    return true;
+  });
+}
+
+void checkSummaryList(Session& session, const ByteTable& bOld, const ByteTable& bMain,
+                      std::vector<std::int32_t>& iNew, std::int32_t& nNew, std::vector<std::int32_t>& iMatch,
+                      bool& qOK) {
+  guarded(session, qOK, className, "checkSummaryList", [&] {
+    if (bOld.width() < headerWidth || bMain.width() < headerWidth) return false;
+    std::vector<std::string> zOld, zMain;
+    std::vector<std::int32_t> nOld, nMain;
+    bool qKeys = false;
+    createSummaryList(session, bOld, zOld, nOld, qKeys);
+    if (qKeys) createSummaryList(session, bMain, zMain, nMain, qKeys);
+    if (qKeys) setPairs(zOld, zMain, iNew, nNew, iMatch);
+    return qKeys;
+  });
+}
+
+void checkStoreSummaryList(Session& session, const AttributeStores& xStoreOld, const ByteTable& bPointersOld,
+                           const AttributeStores& xStoreMain, const ByteTable& bPointersMain,
+                           std::vector<std::int32_t>& iNew, std::int32_t& nNew,
+                           std::vector<std::int32_t>& iMatch, bool& qOK) {
+  guarded(session, qOK, className, "checkStoreSummaryList", [&] {
+    if (bPointersOld.width() < sizeof(VECTORDATA) || bPointersMain.width() < sizeof(VECTORDATA)) return false;
+    std::vector<std::string> zOld, zMain;
+    std::vector<std::int32_t> nOld, nMain;
+    bool qKeys = false;
+    createStoreSummaryList(session, xStoreOld, bPointersOld, zOld, nOld, qKeys);
+    if (qKeys) createStoreSummaryList(session, xStoreMain, bPointersMain, zMain, nMain, qKeys);
+    if (qKeys) setPairs(zOld, zMain, iNew, nNew, iMatch);
+    return qKeys;
+  });
+}
+
+void mergeHeaders(Session& session, const ByteTable& bOld, std::span<const std::int32_t> iNew,
+                  std::int32_t nNew, ByteTable& bMain, bool& qOK) {
+  guarded(session, qOK, className, "mergeHeaders", [&] {
+    if (nNew < 1) return;
+    const std::size_t old = bMain.entries();
+    bMain.resize(old + static_cast<std::size_t>(nNew));
+    for (std::size_t i = 0; i < static_cast<std::size_t>(nNew); ++i) {
+      const auto source = bOld.entry(static_cast<std::size_t>(iNew[i])).first(headerWidth);
+      std::ranges::copy(source, bMain.entry(old + i + 1).begin());
+    }
+  });
+}
+
+void mergeStoreHeaders(Session& session, const AttributeStores& xStoreOld, const ByteTable& bPointersOld,
+                       std::span<const std::int32_t> iNew, std::int32_t nNew, AttributeStores& xStoreMain,
+                       ByteTable& bPointersMain, bool& qOK) {
+  guarded(session, qOK, className, "mergeStoreHeaders", [&] {
+    if (nNew < 1) return true;
+    std::vector<VECTORDATA> xOld, xMain;
+    bool qSet = false;
+    setVECTORDATA(bPointersOld, xOld, qSet);
+    if (qSet) setVECTORDATA(bPointersMain, xMain, qSet);
+    if (!qSet) return false;
+    for (const std::int32_t number : iNew.first(static_cast<std::size_t>(nNew))) {
+      xMain.push_back(carryOver(xOld.at(static_cast<std::size_t>(number - 1)), xStoreOld, xStoreMain));
+    }
+    getVECTORDATA(xMain, bPointersMain, qSet);
+    return qSet;
+  });
+}
+
+void mergeData(Session& session, const XYData& sOld, std::span<const std::int32_t> iNew, std::int32_t nNew,
+               std::span<const std::int32_t> iMatch, XYData& sMain, bool& qOK) {
+  guarded(session, qOK, className, "mergeData", [&] {
+    const MergePlan plan = planMerge(sOld, iNew, nNew, iMatch, sMain);
+    return (plan.keep < 1 && nNew < 1) || mergeInMemory(session, plan, sMain);
+  });
+}
+
+void mergeDataFormScratchfile(Session& session, const XYData& sOld, std::span<const std::int32_t> iNew,
+                              std::int32_t nNew, std::span<const std::int32_t> iMatch, XYData& sMain,
+                              bool& qOK) {
+  guarded(session, qOK, className, "mergeDataFormScratchfile", [&] {
+    const MergePlan plan = planMerge(sOld, iNew, nNew, iMatch, sMain);
+    return (plan.keep < 1 && nNew < 1) || mergeThroughScratch(session, plan, sMain);
+  });
+}
+
+void mergeSUMMARYData(Session& session, const ByteTable& bOld, const XYData& sOld, ByteTable& bMain,
+                      XYData& sMain, bool qPerforations, bool& qOK) {
+  guarded(session, qOK, className, "mergeSUMMARYData", [&] {
+    if (qPerforations) return true;
+    const std::size_t before = bMain.entries();
+    std::vector<std::int32_t> iNew, iMatch;
+    std::int32_t nNew = 0;
+    bool qStep = false;
+    checkSummaryList(session, bOld, bMain, iNew, nNew, iMatch, qStep);
+    if (qStep) mergeHeaders(session, bOld, iNew, nNew, bMain, qStep);
+    if (qStep) mergeData(session, sOld, iNew, nNew, iMatch, sMain, qStep);
+    if (!qStep && bMain.entries() > before) bMain.resize(before);
+    return qStep;
+  });
+}
+
+void mergeStoreSUMMARYData(Session& session, const AttributeStores& xStoreOld, const ByteTable& bPointersOld,
+                           const XYData& sOld, AttributeStores& xStoreMain, ByteTable& bPointersMain,
+                           XYData& sMain, bool qPerforations, bool& qOK) {
+  guarded(session, qOK, className, "mergeStoreSUMMARYData", [&] {
+    if (qPerforations) return true;
+    const std::size_t before = bPointersMain.entries();
+    std::vector<std::int32_t> iNew, iMatch;
+    std::int32_t nNew = 0;
+    bool qStep = false;
+    checkStoreSummaryList(session, xStoreOld, bPointersOld, xStoreMain, bPointersMain, iNew, nNew, iMatch,
+                          qStep);
+    if (qStep) {
+      mergeStoreHeaders(session, xStoreOld, bPointersOld, iNew, nNew, xStoreMain, bPointersMain, qStep);
+    }
+    if (qStep) mergeData(session, sOld, iNew, nNew, iMatch, sMain, qStep);
+    if (!qStep && bPointersMain.entries() > before) bPointersMain.resize(before);
+    return qStep;
+  });
+}
+
+void mergeSUMMARYHorizData(Session& session, const ByteTable& bOld, const XYData& sOld,
+                           std::span<const float> sLengthsOld, ByteTable& bMain, XYData& sMain,
+                           std::vector<float>& sLengthsMain, bool qPerforations, bool& qOK) {
+  guarded(session, qOK, className, "mergeSUMMARYHorizData", [&] {
+    if (qPerforations) return true;
+    std::vector<std::int32_t> iNew, iMatch;
+    std::int32_t nNew = 0;
+    bool qStep = false;
+    checkSummaryList(session, bOld, bMain, iNew, nNew, iMatch, qStep);
+    if (!qStep) return false;
+    XYData old(sLengthsOld.size(), 1, session);
+    std::ranges::copy(sLengthsOld, old.values().begin());
+    XYData main(sLengthsMain.size(), 1, session);
+    std::ranges::copy(sLengthsMain, main.values().begin());
+    mergeData(session, old, iNew, nNew, iMatch, main, qStep);
+    const std::size_t before = bMain.entries();
+    if (qStep) mergeHeaders(session, bOld, iNew, nNew, bMain, qStep);
+    if (qStep) mergeData(session, sOld, iNew, nNew, iMatch, sMain, qStep);
+    if (!qStep && bMain.entries() > before) bMain.resize(before);
+    if (qStep && main.rows() > 0) sLengthsMain.assign(main.column(1).begin(), main.column(1).end());
+    return qStep;
+  });
+}
+
+bool CheckforPerfs(const ByteTable& bHeaders, std::int32_t iType) {
+  if (bHeaders.width() < headerWidth) return false;
+  const auto any = [&](auto&& test) {
+    for (std::size_t i = 1; i <= bHeaders.entries(); ++i) {
+      if (test(i)) return true;
+    }
+    return false;
+  };
+  if (iType == 13) {
+    const std::size_t first = headerField(attributeClass).firstByte;
+    return any([&](std::size_t i) { return bHeaders(first, i) == 'C'; });
+  }
+  if (iType != 31 && iType != 32 && iType != 38) return false;
+  const HeaderField field = headerField(attributeVariable);
+  return any([&](std::size_t i) { return bHeaders.get(i, field.firstByte, field.width) == "WLLYR"; });
+}
+
+bool CheckStoreforPerfs(const AttributeStores& xStore, std::int32_t iType) {
+  if (iType == 13) return xStore.has(attributeClass) && xStore(attributeClass).find("COMPLETIONS") > 0;
+  if (iType != 31 && iType != 32 && iType != 38) return false;
+  return xStore.has(attributeVariable) && xStore(attributeVariable).find("WLLYR") > 0;
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "../shapes/ByteTable.h"
+#include "qvEclipseSPEC.h"
+
+namespace lumbarn {
+
+/// One summary vector, its header taken apart. Texts are empty and numbers absent where a vector of its class
+/// has none.
+struct SummaryVector {
+  std::size_t column = 0;  ///< number, from 1, in the specification or the header array it comes from
+  std::string mnemonic;
+  std::string classWord;                            ///< "WELLS", "FIELD", ..., "LGR", "MISCELLANEOUS"
+  std::string lgr;                                  ///< name of the local grid, for class "LGR"
+  std::string lgrClass;                             ///< class within it
+  std::string member;                               ///< well, group or node
+  std::optional<std::array<std::int32_t, 3>> cell;  ///< i, j, k of its grid, from 1
+  std::optional<std::int32_t> number;               ///< region, aquifer or segment
+  std::optional<std::pair<std::int32_t, std::int32_t>> regionPair;  ///< flow from the first to the second
+  std::string index;  ///< cell, number or pair as the header has it: "10 4 3", "2", "1-2"
+  std::string units;
+  std::string description;
+  /// The full name as the field writes it: mnemonic, then LGR, member and index with ":" before each:
+  /// "WOPR:OP_1", "COPR:OP_1:10,4,3", "ROFT:1-2", "LBPR:LGR1:2,2,1".
+  std::string name;
+};
+
+/// The vectors that the specification's mask keeps, in order; these are the columns of its data.
+std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec);
+/// The vectors of a header array, merged ones too.
+std::vector<SummaryVector> summaryVectors(const ByteTable& bHeaders);
+
+}  // namespace lumbarn

@@ -1,0 +1,372 @@
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "shapes/HeaderLayout.h"
+#include "shapes/OnlyList.h"
+#include "summary/SummaryVector.h"
+#include "summary/qvEclipseSPEC.h"
+#include "support/SummaryBuilder.h"
+
+namespace lumbarn {
+namespace {
+
+using ::testing::ElementsAre;
+using test::NamedForm;
+using test::SummaryBuilder;
+using test::TemporaryFolder;
+using Vector = SummaryBuilder::Vector;
+
+std::string field(const ByteTable& headers, std::size_t vector, std::int32_t attribute) {
+  return ExtractAttribute(attribute, headers, vector);
+}
+
+/// One vector of every kind, and what its header must say.
+struct Kind {
+  Vector vector;
+  const char* classWord;
+  const char* member;
+  const char* index;
+  const char* name;
+  bool kept = true;
+};
+const std::vector<Kind> kinds = {
+    {{"TIME", ":+:+:+:+", 0, "DAYS"}, "MISCELLANEOUS", "", "", "TIME"},
+    {{"FOPR", ":+:+:+:+", 0, "SM3/DAY"}, "FIELD", "", "", "FOPR"},
+    {{"WOPR", "OP_1", 0, "SM3/DAY"}, "WELLS", "OP_1", "", "WOPR:OP_1"},
+    {{"WOPR", ":+:+:+:+", 0, "SM3/DAY"}, "WELLS", "", "", "", false},
+    {{"GOPR", "G1", 0, "SM3/DAY"}, "GROUPS", "G1", "", "GOPR:G1"},
+    {{"BPR", "OP_1", 240, "BARSA"}, "BLOCKS", "", "10 4 3", "BPR:10,4,3"},
+    {{"BPR", ":+:+:+:+", 301, "BARSA"}, "BLOCKS", "", "", "BPR"},
+    {{"COPR", "OP_1", 240, "SM3/DAY"}, "COMPLETIONS", "OP_1", "10 4 3", "COPR:OP_1:10,4,3"},
+    {{"COPR", ":+:+:+:+", 240, "SM3/DAY"}, "COMPLETIONS", "", "10 4 3", "", false},
+    {{"RPR", ":+:+:+:+", 2, "BARSA"}, "REGIONS", "", "2", "RPR:2"},
+    {{"ROFT", ":+:+:+:+", 1 + 11 * 32768, "SM3"}, "REGIONS", "", "1-1", "ROFT:1-1"},
+    {{"ROFT", ":+:+:+:+", 3 + 17 * 32768, "SM3"}, "REGIONS", "", "3-7", "ROFT:3-7"},
+    {{"RWFT", ":+:+:+:+", 0, "SM3"}, "IRF", "", "0", "RWFT:0"},
+    {{"AAQR", ":+:+:+:+", 1, "SM3/DAY"}, "AQUIFERS", "", "1", "AAQR:1"},
+    {{"SOFR", "OP_1", 12, "SM3/DAY"}, "SEGMENTS", "OP_1", "12", "SOFR:OP_1:12"},
+    {{"SOFR", "OP_1", 0, "SM3/DAY"}, "SEGMENTS", "OP_1", "0", "", false},
+    {{"NPR", "NODE1", 0, "BARSA"}, "NODES", "NODE1", "", "NPR:NODE1"},
+    {{"STEPTYPE", ":+:+:+:+", 0, ""}, "MISCELLANEOUS", "", "", "STEPTYPE"},
+    {{"NEWTON", ":+:+:+:+", 0, ""}, "MISCELLANEOUS", "", "", "NEWTON"},
+    {{"LWOPR", "OP_1", 0, "SM3/DAY", "LGR1", {2, 2, 1}}, "LGR", "OP_1", "", "LWOPR:LGR1:OP_1"},
+    {{"LBPR", "OP_1", 0, "BARSA", "LGR1", {2, 2, 1}}, "LGR", "", "2 2 1", "LBPR:LGR1:2,2,1"},
+    {{"LCOPR", "OP_1", 0, "SM3/DAY", "LGR2", {2, 2, 1}}, "LGR", "OP_1", "2 2 1", "LCOPR:LGR2:OP_1:2,2,1"},
+};
+
+SummaryBuilder everyKind() {
+  SummaryBuilder run;
+  for (const Kind& kind : kinds) run.vectors.push_back(kind.vector);
+  return run;
+}
+
+class SpecFile : public ::testing::TestWithParam<NamedForm> {
+ protected:
+  /// Checks and reads a specification of these bytes; reports and diagnoses go to the members.
+  bool read(const std::vector<std::byte>& bytes) {
+    const std::string path = folder.file("RUN.SMSPEC");
+    test::writeFile(path, bytes);
+    spec = qvEclipseSPEC(session);
+    bool qOK = true;
+    if (!spec.CheckSPECFile(path)) return false;
+    spec.ReadEclipseSPECFile(qOK);
+    return qOK;
+  }
+  Form form() const { return GetParam().form; }
+
+  TemporaryFolder folder;
+  Session session;
+  qvEclipseSPEC spec{session};
+};
+
+INSTANTIATE_TEST_SUITE_P(Forms, SpecFile, ::testing::ValuesIn(test::everyForm),
+                         [](const auto& parameter) { return parameter.param.name; });
+
+TEST_P(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
+  ASSERT_TRUE(read(everyKind().spec(form())));
+  EXPECT_EQ(spec.Formatted, form().formatted());
+  EXPECT_EQ(spec.nVectors, static_cast<std::int32_t>(kinds.size()));
+  EXPECT_TRUE(spec.qPerforations);
+  EXPECT_EQ(spec.iUnitSystem, 1);
+  EXPECT_TRUE(session.diagnoses().empty());
+
+  spec.zOrigin = "Case 1";
+  ByteTable headers;
+  bool qOK = false;
+  spec.getHeaders(headers, qOK);
+  ASSERT_TRUE(qOK);
+  const auto vectors = summaryVectors(spec);
+  const auto fromHeaders = summaryVectors(headers);
+  ASSERT_EQ(headers.entries(), vectors.size());
+  EXPECT_EQ(session.part<SelectionState>().nOnly, static_cast<std::int32_t>(headers.entries()));
+  std::size_t row = 0;
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    const Kind& kind = kinds[i];
+    EXPECT_EQ(spec.qKeyMask[i], kind.kept) << i;
+    if (!kind.kept) continue;
+    SCOPED_TRACE(kind.name);
+    ASSERT_LE(++row, headers.entries());
+    EXPECT_EQ(field(headers, row, attributeClass), kind.classWord);
+    EXPECT_EQ(field(headers, row, attributeMember), kind.member);
+    EXPECT_EQ(field(headers, row, attributeIndex), kind.index);
+    EXPECT_EQ(field(headers, row, attributeVariable), kind.vector.mnemonic);
+    EXPECT_EQ(field(headers, row, attributeUnits), kind.vector.unit);
+    EXPECT_EQ(field(headers, row, attributeSource), "Case 1");
+    EXPECT_EQ(field(headers, row, attributeDataKind), "Summary");
+    EXPECT_EQ(field(headers, row, attributeLGRName), kind.vector.lgr);
+    EXPECT_EQ(vectors[row - 1].name, kind.name);
+    EXPECT_EQ(vectors[row - 1].column, i + 1);
+    EXPECT_EQ(fromHeaders[row - 1].name, kind.name);
+  }
+  EXPECT_EQ(row, headers.entries());
+  EXPECT_EQ(field(headers, 2, attributeVerbose), "Oil production rate");
+  EXPECT_EQ(headers(233, 1), ' ');
+}
+
+TEST_P(SpecFile, ClassUseCountsLeaveDummiesOut) {
+  ASSERT_TRUE(read(everyKind().spec(form())));
+  const AttributeStore& classes = spec.xStore(attributeClass);
+  const auto uses = [&](const char* word) { return classes.useCount(classes.find(word)); };
+  EXPECT_EQ(uses("WELLS"), 1);
+  EXPECT_EQ(uses("COMPLETIONS"), 1);
+  EXPECT_EQ(uses("MISCELLANEOUS"), 3);
+  EXPECT_EQ(uses("SEGMENTS"), 2) << "a segment numbered 0 is masked, but its well is no dummy";
+}
+
+TEST_P(SpecFile, NewerWritersPutInteheadInFrontAndLongNames) {
+  SummaryBuilder run;
+  run.intehead = 1;
+  run.nameWidth = 32;
+  run.start = {15, 7, 2003, 6, 30, 1500000};
+  run.restart = "/runs/of the field/BASE";
+  run.firstStep = 9;
+  run.vectors = {
+      {"TIME"}, {"WOPR", "A-WELL-WITH-A-LONG-NAME-NO-1"}, {"WOPR", "A-WELL-WITH-A-LONG-NAME-NO-2"}};
+  ASSERT_TRUE(read(run.spec(form())));
+  const auto vectors = summaryVectors(spec);
+  ASSERT_EQ(vectors.size(), 3U);
+  EXPECT_EQ(vectors[1].member, "A-WELL-WITH-A-LONG-NAME-NO-1");
+  EXPECT_EQ(vectors[2].member, "A-WELL-WITH-A-LONG-NAME-NO-2");
+  EXPECT_EQ(spec.zStartDate, "15 JUL 2003");
+  ASSERT_TRUE(spec.start());
+  EXPECT_EQ(isoText(*spec.start()), "2003-07-15T06:30:01.5");
+  EXPECT_EQ(spec.zRestartName, "/runs/of the field/BASE") << "a blank at the end of a piece of 8 must stay";
+  EXPECT_EQ(spec.iRestartStep, 9);
+}
+
+TEST_P(SpecFile, IsToldFromOtherFilesByItsSecondRecord) {
+  const auto check = [&](std::vector<const char*> keywords) {
+    std::vector<std::byte> bytes;
+    RecordWriter out(memorySink(bytes), form());
+    for (const char* keyword : keywords) out.integers(keyword, std::vector<std::int32_t>{1, 2, 3, 4});
+    test::writeFile(folder.file("X"), bytes);
+    return qvEclipseSPEC(session).CheckSPECFile(folder.file("X"));
+  };
+  EXPECT_TRUE(check({"RESTART"}));
+  EXPECT_TRUE(check({"INTEHEAD", "RESTART"}));
+  EXPECT_TRUE(check({"INTEHEAD", "DIMENS"}));
+  EXPECT_FALSE(check({"INTEHEAD", "LOGIHEAD", "RESTART"}));
+  EXPECT_FALSE(check({"INTEHEAD"}));
+  EXPECT_FALSE(check({"DIMENS", "RESTART"}));
+  EXPECT_FALSE(qvEclipseSPEC(session).CheckSPECFile(folder.file("")));
+  EXPECT_FALSE(qvEclipseSPEC(session).CheckSPECFile(folder.file("absent")));
+}
+
+TEST_P(SpecFile, ScanFillsTheRecordListOnly) {
+  test::writeFile(folder.file("RUN.SMSPEC"), everyKind().spec(form()));
+  ASSERT_TRUE(spec.CheckSPECFile(folder.file("RUN.SMSPEC")));
+  spec.qScanOnly = true;
+  bool qOK = false;
+  spec.ReadEclipseSPECFile(qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_THAT(spec.zRecordName, ElementsAre("RESTART", "DIMENS", "KEYWORDS", "WGNAMES", "NUMS", "LGRS",
+                                            "NUMLX", "NUMLY", "NUMLZ", "LGRNAMES", "UNITS", "STARTDAT"));
+  EXPECT_TRUE(spec.querySPECRecord("lgrs"));
+  EXPECT_FALSE(spec.querySPECRecord("LENGTHS"));
+  ByteTable headers;
+  spec.getHeaders(headers, qOK);
+  EXPECT_FALSE(qOK);
+}
+
+TEST_P(SpecFile, ArraysOfWrongLengthAreUsedAsFarAsTheyGo) {
+  std::vector<std::byte> bytes;
+  RecordWriter out(memorySink(bytes), form());
+  const auto texts = [&](const char* keyword, std::vector<std::string> items) { out.texts(keyword, items); };
+  texts("RESTART", {std::string(8, '\0'), "LEFTOVER"});
+  out.integers("DIMENS", std::vector<std::int32_t>{99, 2000000000, 2000000000, 2000000000, 0, -7});
+  texts("KEYWORDS", {"TIME", "WOPR", "BPR", "WOPT"});
+  texts("KEYWORDS", {"FOPT"});
+  texts("WGNAMES", {"", "P1"});
+  out.integers("NUMS", std::vector<std::int32_t>{0, 0, 5, 0, 8, 8});
+  out.integers("STARTDAT", std::vector<std::int32_t>{1, 13, 2001});
+  ASSERT_TRUE(read(bytes));
+  EXPECT_EQ(spec.nVectors, 4);
+  EXPECT_EQ(spec.zRestartName, "");
+  EXPECT_EQ(spec.iRestartStep, 0);
+  EXPECT_EQ(spec.zStartDate, "1  2001");
+  EXPECT_FALSE(spec.start());
+  const auto vectors = summaryVectors(spec);
+  ASSERT_EQ(vectors.size(), 4U);
+  EXPECT_EQ(vectors[1].name, "WOPR:P1");
+  EXPECT_EQ(vectors[2].name, "BPR") << "a grid of so many cells has no cell 5 that we could name";
+  EXPECT_EQ(vectors[3].name, "WOPT");
+  std::vector<std::string> told;
+  for (const Diagnosis& diagnosis : session.diagnoses()) told.push_back(diagnosis.keyword);
+  EXPECT_THAT(told, ::testing::UnorderedElementsAre("KEYWORDS", "WGNAMES", "NUMS", "UNITS", "STARTDAT"));
+}
+
+TEST_P(SpecFile, EveryTruncationIsToldAndKeepsWhatIsWhole) {
+  const std::vector<std::byte> whole = everyKind().spec(form());
+  std::size_t usable = 0;
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    session.clearDiagnoses();
+    const bool qOK = read({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)});
+    if (spec.zFileName.empty()) continue;  // too short to be recognised
+    ByteTable headers;
+    bool qHeaders = false;
+    spec.getHeaders(headers, qHeaders);
+    if (!qOK) {
+      ASSERT_FALSE(session.diagnoses().empty()) << size;
+      EXPECT_FALSE(session.diagnoses().front().path.empty());
+      EXPECT_EQ(qHeaders, spec.qDamaged) << size;
+      EXPECT_EQ(spec.nVectors, spec.qDamaged ? static_cast<std::int32_t>(kinds.size()) : 0) << size;
+      usable += spec.qDamaged;
+    }
+  }
+  EXPECT_GT(usable, whole.size() / 4) << "behind KEYWORDS, which stands in the first half, all can be used";
+}
+
+TEST_P(SpecFile, MaskIsRefinedButDummiesStayOut) {
+  ASSERT_TRUE(read(everyKind().spec(form())));
+  bool qOK = false;
+  const auto kept = static_cast<std::size_t>(spec.nKeysUsed);
+  std::vector<bool> mask(kept, false);
+  mask[0] = mask[3] = mask[kept - 1] = true;  // the fourth that is in is the fifth of the file
+  spec.setKeyMask(mask, qOK);
+  ASSERT_TRUE(qOK);
+  std::vector<std::string> names;
+  for (const auto& vector : summaryVectors(spec)) names.push_back(vector.name);
+  EXPECT_THAT(names, ElementsAre("TIME", "GOPR:G1", "LCOPR:LGR2:OP_1:2,2,1"));
+
+  spec.setKeyMask({true}, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_EQ(spec.nKeysUsed, 3) << "a mask of one entry is no selection";
+  spec.setKeyMask({true, false}, qOK);
+  EXPECT_FALSE(qOK);
+  EXPECT_EQ(spec.nKeysUsed, 3);
+
+  AttributeStores stores;
+  ByteTable pointers;
+  spec.getStoreHeaders(stores, pointers, qOK);
+  ASSERT_TRUE(qOK);
+  std::vector<VECTORDATA> vectors;
+  setVECTORDATA(pointers, vectors, qOK);
+  ASSERT_EQ(vectors.size(), 3U);
+  EXPECT_EQ(stores(attributeMember).item(vectors[1].iMember), "G1");
+}
+
+TEST_P(SpecFile, ConnectionVectorsComeWithTheirLengths) {
+  SummaryBuilder run = everyKind();
+  run.lengthUnit = "METRES";
+  for (std::size_t i = 0; i < run.vectors.size(); ++i) run.vectors[i].length = static_cast<float>(i);
+  ASSERT_TRUE(read(run.spec(form())));
+  ByteTable headers;
+  std::vector<bool> mask;
+  std::vector<float> lengths;
+  std::string unit;
+  bool qOK = false;
+  spec.getHorizontalHeaders(headers, mask, qOK);
+  ASSERT_TRUE(qOK);
+  spec.getHorizontalLengths(lengths, unit, qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(unit, "METRES");
+  EXPECT_THAT(lengths, ElementsAre(7, 8, 21)) << "the dummy too";
+  ASSERT_EQ(headers.entries(), 3U);
+  EXPECT_EQ(field(headers, 3, attributeVariable), "LCOPR");
+  EXPECT_EQ(std::ranges::count(mask, true), 3);
+
+  run.vectors = {{"TIME"}, {"FOPR"}};
+  ASSERT_TRUE(read(run.spec(form())));
+  spec.getHorizontalHeaders(headers, mask, qOK);
+  EXPECT_FALSE(qOK);
+}
+
+TEST(SpecUnits, FirstUnitThatDecidesDoesMetricOnlyWhenNoneDoes) {
+  const std::pair<std::vector<std::string>, std::int32_t> rows[] = {
+      {{"", "FRACTION"}, 2},      {{"SM3/DAY", "BARSA"}, 1},   {{"SM3", "psia"}, 2},
+      {{"HOURS", "STB"}, 3},      {{"SM3", "ATMA", "STB"}, 4}, {{"DAYS", "MSCF", "HOURS"}, 2},
+      {{"HOURS/M3", "KG/M3"}, 1},
+  };
+  TemporaryFolder folder;
+  for (const auto& [units, system] : rows) {
+    SummaryBuilder run;
+    for (const auto& unit : units) run.vectors.push_back({"FOPR", "", 0, unit});
+    Session session;
+    qvEclipseSPEC spec(session);
+    bool qOK = false;
+    ASSERT_TRUE(spec.CheckSPECFile(run.write(folder, "U", test::everyForm[1].form)));
+    spec.ReadEclipseSPECFile(qOK);
+    ASSERT_TRUE(qOK);
+    EXPECT_EQ(spec.iUnitSystem, system) << units[1];
+  }
+}
+
+TEST(SpecCells, CellNumbersRunThroughIFastest) {
+  const std::vector<std::int32_t> dimens = {0, 10, 4, 3, 0, 0};
+  EXPECT_EQ(createVectorIndex('B', 1, dimens), "1 1 1");
+  EXPECT_EQ(createVectorIndex('C', 11, dimens), "1 2 1");
+  EXPECT_EQ(createVectorIndex('B', 120, dimens), "10 4 3");
+  EXPECT_EQ(createVectorIndex('B', 121, dimens), "");
+  EXPECT_EQ(createVectorIndex('B', 0, dimens), "");
+  EXPECT_EQ(createVectorIndex('B', 1, std::vector<std::int32_t>{0, 10, 4}), "");
+  EXPECT_EQ(createVectorIndex('A', -3, dimens), "-3");
+  EXPECT_EQ(createVectorIndex('W', 3, dimens), "");
+  std::vector<std::string> cells;
+  bool qOK = false;
+  qvEclipseSPEC().ConvertCellIndices(std::vector<std::int32_t>{1, 0, 41}, dimens, cells, qOK);
+  EXPECT_THAT(cells, ElementsAre("1 1 1", "", "1 1 2"));
+}
+
+/// Column names of a CSV file's first line, in order.
+std::vector<std::string> csvHeader(const std::string& path) {
+  std::ifstream in(path);
+  std::string line;
+  std::getline(in, line);
+  std::vector<std::string> names(1);
+  bool quoted = false;
+  for (const char c : line) {
+    if (c == '"') quoted = !quoted;
+    if (c == ',' && !quoted) names.emplace_back();
+    if (c != '"' && (c != ',' || quoted)) names.back() += c;
+  }
+  return names;
+}
+
+TEST(SpecSamples, NamesAreThoseOfAnIndependentReader) {
+  const std::pair<const char*, const char*> runs[] = {{"ARBOR/ARBOR.SMSPEC", "ARBOR.summary.csv"},
+                                                      {"HOLLIN/HOLLIN.SMSPEC", "HOLLIN.summary.csv"},
+                                                      {"CEDAR/CEDAR_R2.SMSPEC", "CEDAR_R2.chain.csv"}};
+  const std::string data = LUMBARN_EXAMPLES "/data/";
+  for (const auto& [file, expected] : runs) {
+    SCOPED_TRACE(file);
+    Session session;
+    qvEclipseSPEC spec(session);
+    bool qOK = false;
+    ASSERT_TRUE(spec.CheckSPECFile(data + file));
+    spec.ReadEclipseSPECFile(qOK);
+    ASSERT_TRUE(qOK);
+    EXPECT_TRUE(session.diagnoses().empty());
+    std::vector<std::string> names;
+    for (const auto& vector : summaryVectors(spec)) names.push_back(vector.name);
+    std::ranges::sort(names);
+    EXPECT_EQ(names, csvHeader(data + "expected/" + expected));
+  }
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,174 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "record/Form.h"
+#include "record/RecordWriter.h"
+
+namespace lumbarn::test {
+
+/// Every on-disk form, with a name that goes into the name of a test.
+struct NamedForm {
+  const char* name;
+  Form form;
+};
+inline constexpr std::array<NamedForm, 4> everyForm{{{"Formatted", {Framing::Formatted, false}},
+                                                     {"Swapped", {Framing::FourByteMarks, true}},
+                                                     {"Native", {Framing::FourByteMarks, false}},
+                                                     {"OneByte", {Framing::OneByteMarks, false}}}};
+
+/// A folder that is gone with all it holds when it goes out of scope.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("lumbarn-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+inline void writeFile(const std::string& path, const std::vector<std::byte>& bytes) {
+  std::ofstream out(path, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+/// Makes the files of a whole summary run, specification and data, in any form.
+struct SummaryBuilder {
+  struct Vector {
+    std::string mnemonic;
+    std::string name = ":+:+:+:+";
+    std::int32_t number = 0;
+    std::string unit = {};
+    std::string lgr = {};
+    std::array<std::int32_t, 3> lgrCell = {};
+    float length = 0;
+  };
+  /// One row of values, and whether it begins a new report step.
+  struct Row {
+    std::vector<float> values;
+    bool newStep = true;
+  };
+
+  std::vector<Vector> vectors;
+  std::vector<Row> rows;
+  std::array<std::int32_t, 3> grid = {10, 10, 3};
+  std::vector<std::int32_t> start = {1, 1, 2015};
+  std::string restart;          ///< root name of the earlier run
+  std::int32_t firstStep = 0;   ///< report step at which that run was left
+  std::int32_t intehead = 0;    ///< unit system for an INTEHEAD in front; 0: begins with RESTART
+  int nameWidth = 8;            ///< above 8: NAMES instead of WGNAMES
+  std::string lengthUnit = {};  ///< with one, LENGTHS and LENUNITS are written
+
+  std::vector<std::byte> spec(Form form) const {
+    std::vector<std::byte> bytes;
+    RecordWriter out(memorySink(bytes), form);
+    if (intehead > 0) out.integers("INTEHEAD", std::array{intehead, 100});
+    std::vector<std::string> pieces(9);
+    for (std::size_t i = 0; i * 8 < restart.size() && i < 9; ++i) pieces[i] = restart.substr(i * 8, 8);
+    out.texts("RESTART", pieces);
+    const auto count = static_cast<std::int32_t>(vectors.size());
+    out.integers("DIMENS", std::array{count, grid[0], grid[1], grid[2], 0, firstStep});
+    out.texts("KEYWORDS", each<std::string>(&Vector::mnemonic));
+    out.texts(nameWidth > 8 ? "NAMES" : "WGNAMES", each<std::string>(&Vector::name), nameWidth);
+    out.integers("NUMS", each<std::int32_t>(&Vector::number));
+    if (hasLgrs()) writeLgrs(out);
+    if (!lengthUnit.empty()) {
+      out.singles("LENGTHS", each<float>(&Vector::length));
+      out.texts("LENUNITS", std::array{lengthUnit});
+    }
+    out.texts("UNITS", each<std::string>(&Vector::unit));
+    out.integers("STARTDAT", start);
+    return bytes;
+  }
+
+  /// All steps, as in a unified file.
+  std::vector<std::byte> data(Form form) const {
+    std::vector<std::byte> bytes;
+    for (const auto& step : steps(form)) bytes.insert(bytes.end(), step.begin(), step.end());
+    return bytes;
+  }
+
+  /// The bytes of each report step: the files of a multiple set.
+  std::vector<std::vector<std::byte>> steps(Form form) const {
+    std::vector<std::vector<std::byte>> files;
+    std::int32_t ministep = 0;
+    for (const Row& row : rows) {
+      const bool begins = row.newStep || files.empty();
+      if (begins) files.emplace_back();
+      RecordWriter out(memorySink(files.back()), form);
+      const auto step = firstStep + static_cast<std::int32_t>(files.size());
+      if (begins) out.integers("SEQHDR", std::array{step});
+      out.integers("MINISTEP", std::array{ministep++});
+      out.singles("PARAMS", row.values);
+    }
+    return files;
+  }
+
+  /// Writes ROOT.SMSPEC and ROOT.UNSMRY, or ROOT.S0001 and so on, with the extensions that go with the form.
+  /// Gives the path of the specification.
+  std::string write(const TemporaryFolder& folder, const std::string& root, Form form,
+                    bool unified = true) const {
+    const std::string path = folder.file(root + (form.formatted() ? ".FSMSPEC" : ".SMSPEC"));
+    writeFile(path, spec(form));
+    if (unified) {
+      writeFile(folder.file(root + (form.formatted() ? ".FUNSMRY" : ".UNSMRY")), data(form));
+      return path;
+    }
+    int step = firstStep;
+    for (const auto& bytes : steps(form)) {
+      const std::string number = std::to_string(10000 + ++step).substr(1);
+      writeFile(folder.file(root + (form.formatted() ? ".A" : ".S") + number), bytes);
+    }
+    return path;
+  }
+
+ private:
+  template <class T>
+  std::vector<T> each(T Vector::*member) const {
+    std::vector<T> values;
+    for (const Vector& vector : vectors) values.push_back(vector.*member);
+    return values;
+  }
+  bool hasLgrs() const {
+    for (const Vector& vector : vectors) {
+      if (!vector.lgr.empty()) return true;
+    }
+    return false;
+  }
+  void writeLgrs(RecordWriter& out) const {
+    out.texts("LGRS", each<std::string>(&Vector::lgr));
+    const char* const keywords[] = {"NUMLX", "NUMLY", "NUMLZ"};
+    std::vector<std::string> names;
+    for (const Vector& vector : vectors) {
+      if (!vector.lgr.empty() && (names.empty() || names.back() != vector.lgr)) names.push_back(vector.lgr);
+    }
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      std::vector<std::int32_t> values;
+      for (const Vector& vector : vectors) values.push_back(vector.lgrCell[axis]);
+      out.integers(keywords[axis], values);
+    }
+    out.texts("LGRNAMES", names);
+  }
+};
+
+}  // namespace lumbarn::test
