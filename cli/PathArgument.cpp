@@ -1,13 +1,48 @@
 #include "PathArgument.h"
 
+#include <span>
+
 #include "Failure.h"
 #include "files/Folder.h"
 
 namespace lumbarn::cli {
+namespace {
 
-std::string recordFile(const std::string& argument) {
+constexpr std::size_t shownChoices = 12;
+
+[[noreturn]] void askToChoose(const std::string& problem, std::span<const std::string> choices) {
+  std::string message = problem;
+  for (std::size_t i = 0; i < choices.size() && i < shownChoices; ++i) {
+    message += (i == 0 ? ": " : ", ") + choices[i];
+  }
+  if (choices.size() > shownChoices) message += ", and others";
+  throw Failure(Usage, message);
+}
+
+}  // namespace
+
+RunFamily findRun(const std::string& argument) {
+  std::string why;
+  auto runs = findRuns(argument, why);
+  if (runs.empty()) throw Failure(Usage, argument + ": " + why);
+  if (runs.size() == 1) return std::move(runs.front());
+  std::vector<std::string> roots;
+  for (const RunFamily& run : runs) roots.push_back(run.folder + run.base);
+  askToChoose(argument + " can mean several runs, name one", roots);
+}
+
+std::string oneFile(const std::string& argument) {
   if (isFile(argument)) return argument;
-  throw Failure(Usage, argument + ": no such file");
+  const RunFamily run = findRun(argument);
+  if (const RunMember* member = run.givenMember()) return member->path;
+  if (run.members.size() == 1) return run.members.front().path;
+  std::vector<std::string> files;
+  for (const RunMember& member : run.members) files.push_back(member.path);
+  askToChoose(argument + " is a run, name one of its files", files);
+}
+
+std::string nameOfFile(const std::string& path) {
+  return path.substr(path.find_last_of(folderSeparators()) + 1);
 }
 
 }  // namespace lumbarn::cli

@@ -96,7 +96,7 @@ class RecordList {
 };
 
 ExitStatus listRecords(const RecordsOptions& options, Console& console) {
-  const std::string path = recordFile(options.path);
+  const std::string path = oneFile(options.path);
   std::string why;
   const auto cursor = openRecords(path, why);
   if (!cursor) throw Failure(Unreadable, path + ": " + why);

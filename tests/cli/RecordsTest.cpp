@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -15,6 +16,13 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
+
+/// As precise as the tables of the independent reader are, which tells any single apart.
+std::string nineDigits(const std::string& number, const std::string& type) {
+  const double value =
+      type == "REAL" ? std::strtof(number.c_str(), nullptr) : std::strtod(number.c_str(), nullptr);
+  return fmt::format("{:.9g}", value);
+}
 
 struct RecordsSample : ::testing::TestWithParam<std::string> {};
 
@@ -31,13 +39,8 @@ TEST_P(RecordsSample, AgreeWithTheIndependentReader) {
     for (const int side : {0, 1}) {
       const std::string& text = row[4 + side];
       ASSERT_EQ(text.empty(), wanted[3 + side].empty()) << row[0];
-      if (row[1] == "DOUB") {
-        ASSERT_EQ(std::strtod(text.c_str(), nullptr), std::strtod(wanted[3 + side].c_str(), nullptr))
-            << row[0];
-      } else {
-        ASSERT_EQ(std::strtof(text.c_str(), nullptr), std::strtof(wanted[3 + side].c_str(), nullptr))
-            << row[0];
-      }
+      if (text.empty()) continue;
+      ASSERT_EQ(nineDigits(text, row[1]), nineDigits(wanted[3 + side], row[1])) << row[0];
     }
   }
 }
