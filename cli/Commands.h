@@ -17,5 +17,6 @@ using Action = std::function<ExitStatus(Console&)>;
 /// Each adds one subcommand with its options to the command line; `chosen` takes its action when it is
 /// called.
 void addRecords(CLI::App& app, Action& chosen);
+void addCheck(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

@@ -41,7 +41,8 @@ std::optional<Extremes> extremes(RecordCursor& cursor, Console& console) {
         }
       });
   if (!any) return std::nullopt;
-  return Extremes{cursor.header().type, smallest, largest};
+  // Of zeros with both signs any can come first; a plain 0 says as much.
+  return Extremes{cursor.header().type, smallest + 0.0, largest + 0.0};
 }
 
 }  // namespace

@@ -13,7 +13,10 @@
 namespace lumbarn::cli {
 namespace {
 
-void addCommands(CLI::App& app, Action& chosen) { addRecords(app, chosen); }
+void addCommands(CLI::App& app, Action& chosen) {
+  addRecords(app, chosen);
+  addCheck(app, chosen);
+}
 
 /// The subcommand that was given, or the command itself.
 const CLI::App& innermost(const CLI::App& app) {
