@@ -18,5 +18,7 @@ using Action = std::function<ExitStatus(Console&)>;
 /// called.
 void addRecords(CLI::App& app, Action& chosen);
 void addCheck(CLI::App& app, Action& chosen);
+void addVectors(CLI::App& app, Action& chosen);
+void addSummary(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

@@ -2,6 +2,8 @@
 
 #include <span>
 
+#include <fmt/format.h>
+
 #include "Failure.h"
 #include "files/Folder.h"
 
@@ -39,6 +41,16 @@ std::string oneFile(const std::string& argument) {
   std::vector<std::string> files;
   for (const RunMember& member : run.members) files.push_back(member.path);
   askToChoose(argument + " is a run, name one of its files", files);
+}
+
+std::string summarySpecification(const std::string& argument) {
+  const RunFamily run = findRun(argument);
+  const RunMember* specification = run.find(FileKind::SummarySpec);
+  if (specification) return specification->path;
+  // A file under a name of its own is taken at the host's word; whether it is one, its records tell.
+  const RunMember* given = run.givenMember();
+  if (given && given->kind == FileKind::Unknown) return given->path;
+  throw Failure(Usage, fmt::format("{}{}: has no summary specification (SMSPEC)", run.folder, run.base));
 }
 
 std::string nameOfFile(const std::string& path) {

@@ -14,6 +14,9 @@ RunFamily findRun(const std::string& argument);
 /// from, unless the run has a single one.
 std::string oneFile(const std::string& argument);
 
+/// The summary specification of the run that an argument means. Throws Failure.
+std::string summarySpecification(const std::string& argument);
+
 /// A file's name without its folder.
 std::string nameOfFile(const std::string& path);
 

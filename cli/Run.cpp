@@ -16,6 +16,8 @@ namespace {
 void addCommands(CLI::App& app, Action& chosen) {
   addRecords(app, chosen);
   addCheck(app, chosen);
+  addVectors(app, chosen);
+  addSummary(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.
