@@ -1,6 +1,8 @@
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "record/TextNumbers.h"
@@ -52,6 +54,35 @@ TEST(TextNumbers, RealsInEveryDress) {
   double stars = 0;
   EXPECT_EQ(parseNumber("*** 1", stars), 3U);
   EXPECT_TRUE(std::isnan(stars));
+}
+
+TEST(TextNumbers, TheUsualDressOfAllSizesIsRoundedLikeAnyOther) {
+  std::uint64_t state = 1;
+  for (int i = 0; i < 20000; ++i) {
+    state = state * 6364136223846793005U + 1442695040888963407U;
+    const auto digits = (state >> 16) % 100'000'000'000'000U;
+    const int exponent = static_cast<int>((state >> 8) % 77) - 38;
+    const auto minus = i % 2 == 0 ? "-" : "";
+    const auto single = fmt::format("{}0.{:08}E{:+03}", minus, digits % 100'000'000U, exponent);
+    const auto real = fmt::format("{}0.{:014}D{:+03}", minus, digits, exponent);
+    const auto plain = fmt::format("{}0.{:014}E{:+03}", minus, digits, exponent);
+    float f = 0;
+    double d = 0;
+    ASSERT_EQ(parseNumber(single + " 1", f), single.size());
+    ASSERT_EQ(parseNumber(real, d), real.size());
+    ASSERT_EQ(f, std::strtof(single.c_str(), nullptr)) << single;
+    ASSERT_EQ(d, std::strtod(plain.c_str(), nullptr)) << real;
+  }
+  double nothing = 0;
+  parseNumber("-0.00000000000000D+00", nothing);
+  EXPECT_TRUE(std::signbit(nothing));
+  float single = 0;
+  EXPECT_EQ(parseNumber("0.1234567 E+01", single), 9U);
+  EXPECT_EQ(parseNumber("0.12345678E+012", single), 15U);
+  EXPECT_EQ(parseNumber("0.12345678E+0", single), 13U);
+  EXPECT_EQ(parseNumber("0.12345678-101", single), 14U);
+  EXPECT_EQ(parseNumber("0.1234567/E+01", single), 9U);
+  EXPECT_EQ(parseNumber("0.123456:8E+01", single), 8U);
 }
 
 TEST(TextNumbers, IntegersThatDoNotFitAreRefused) {

@@ -1,0 +1,180 @@
+#include <algorithm>
+#include <bit>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <random>
+#include <stdexcept>
+
+#include <benchmark/benchmark.h>
+#include <fmt/format.h>
+
+#include "Cases.h"
+
+/// bench_summary: how the reader compares with a plain read of the same bytes.
+///
+/// Makes its files, then runs every case in a process of its own, so that none sees the memory of another:
+/// `bench_summary --case NAME --folder FOLDER`. In it, baseline and figure take turns, so that both meet the
+/// same noise, and the ratio is the median over the pairs.
+
+namespace lumbarn::bench {
+
+namespace {
+
+constexpr int pairs = 15;
+
+/// Processor time of all threads. The files are in the system's cache, so nothing waits for a disk, and what
+/// else runs on the machine does not count.
+double seconds(const std::function<void()>& work) {
+  const auto start = std::clock();
+  work();
+  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::ranges::nth_element(values, middle);
+  return *middle;
+}
+
+/// Most memory that this process has held so far, in bytes; 0 where the system does not tell.
+double peakMemory() {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    double kilobytes = 0;
+    if (word == "VmHWM:" && status >> kilobytes) return 1024 * kilobytes;
+  }
+  return 0;
+}
+
+std::vector<Case> allCases(const std::filesystem::path& folder) {
+  const BenchFiles files(folder);
+  auto cases = recordCases(files);
+  std::ranges::move(summaryCases(files), std::back_inserter(cases));
+  return cases;
+}
+
+/// Measures one case; its counters carry what the table shows.
+void measure(benchmark::State& state, const Case& one) {
+  const double idle = peakMemory();
+  one.body();
+  const double peak = peakMemory() - idle;
+  one.baseline();
+  std::vector<double> ratios;
+  std::vector<double> baselines;
+  for (auto _ : state) {
+    baselines.push_back(seconds(one.baseline));
+    const double time = seconds(one.body);
+    ratios.push_back(time / baselines.back());
+    state.SetIterationTime(time);
+  }
+  state.counters["ratio"] = median(ratios);
+  state.counters["baseline_ms"] = 1000 * median(baselines);
+  state.counters["peak_MB"] = peak / 1e6;
+}
+
+constexpr auto rowFormat = "{:<22} {:>9} {:>11} {:>8} {:>12} {:>9} {:>8}  {}\n";
+
+void printHeading() {
+  fmt::print(rowFormat, "case", "time, ms", "against, ms", "ratio", "goal", "peak, MB", "goal", "");
+  std::fflush(stdout);
+}
+
+std::string goalText(const Case& one) {
+  if (one.goal == 0) return "";
+  return one.least > 0 ? fmt::format("{} to {}", one.least, one.goal) : fmt::format("{:.2f}", one.goal);
+}
+
+class TableReporter final : public benchmark::BenchmarkReporter {
+ public:
+  explicit TableReporter(const Case& one) : one_(one) {}
+  bool ReportContext(const Context&) override { return true; }
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const auto& run : runs) {
+      const double ratio = run.counters.at("ratio");
+      const double peak = run.counters.at("peak_MB");
+      const bool slow = one_.goal > 0 && (ratio > one_.goal || ratio < one_.least);
+      const bool large = one_.memoryGoal > 0 && 1e6 * peak > one_.memoryGoal;
+      fmt::print(rowFormat, one_.name, fmt::format("{:.2f}", run.GetAdjustedRealTime()),
+                 fmt::format("{} {:.2f}", one_.against, run.counters.at("baseline_ms").value),
+                 fmt::format("{:.3f}", ratio), goalText(one_), fmt::format("{:.1f}", peak),
+                 one_.memoryGoal > 0 ? fmt::format("{:.0f}", one_.memoryGoal / 1e6) : "",
+                 slow || large ? "MISSED" : "");
+    }
+  }
+
+ private:
+  const Case& one_;
+};
+
+int runCase(const std::string& name, const std::filesystem::path& folder) {
+  const auto cases = allCases(folder);
+  const auto one = std::ranges::find(cases, name, &Case::name);
+  if (one == cases.end()) throw std::runtime_error("no such case: " + name);
+  benchmark::RegisterBenchmark(name.c_str(), [&](benchmark::State& state) { measure(state, *one); })
+      ->UseManualTime()
+      ->Unit(benchmark::kMillisecond)
+      ->Iterations(pairs);
+  TableReporter reporter(*one);
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  return 0;
+}
+
+int runAll(const std::string& program, const std::string& part) {
+  const char* kept = std::getenv("LUMBARN_BENCH_FOLDER");
+  const auto folder =
+      kept ? std::filesystem::path(kept)
+           : std::filesystem::temp_directory_path() / fmt::format("lumbarn_bench_{}", std::random_device{}());
+  std::filesystem::create_directories(folder);
+  int status = 0;
+  try {
+    BenchFiles(folder).write();
+    printHeading();
+    for (const auto& one : allCases(folder)) {
+      if (one.name.find(part) == std::string::npos) continue;
+      const auto command =
+          fmt::format("\"{}\" --case {} --folder \"{}\"", program, one.name, folder.string());
+      if (std::system(command.c_str()) != 0) status = 1;
+    }
+  } catch (const std::exception& failure) {
+    fmt::print(stderr, "bench_summary: {}\n", failure.what());
+    status = 1;
+  }
+  if (!kept) std::filesystem::remove_all(folder);
+  return status;
+}
+
+}  // namespace
+
+void require(bool condition, const std::string& what) {
+  if (!condition) throw std::runtime_error(what);
+}
+
+BenchFiles::BenchFiles(const std::filesystem::path& folder)
+    : plain(syntheticRun(folder, "PLAIN", false, 10000, 3000)),
+      twice(syntheticRun(folder, "TWICE", false, 10000, 6000)),
+      formatted(syntheticRun(folder, "FORMATTED", true, 1000, 1000)) {}
+
+void BenchFiles::write() const {
+  const Form bigEndian{Framing::FourByteMarks, std::endian::native == std::endian::little};
+  writeRun(plain, bigEndian);
+  writeRun(twice, bigEndian);
+  writeRun(formatted, {Framing::Formatted, false});
+}
+
+}  // namespace lumbarn::bench
+
+/// bench_summary [PART]: all cases, or those with PART in their name.
+int main(int count, char** words) {
+  const std::vector<std::string> arguments(words, words + count);
+  if (count == 5 && arguments[1] == "--case") {
+    try {
+      return lumbarn::bench::runCase(arguments[2], arguments[4]);
+    } catch (const std::exception& failure) {
+      fmt::print(stderr, "{}: {}\n", arguments[2], failure.what());
+      return 1;
+    }
+  }
+  return lumbarn::bench::runAll(arguments[0], count > 1 ? arguments[1] : "");
+}
