@@ -3,6 +3,7 @@
 #include <ostream>
 #include <string_view>
 
+#include "Failure.h"
 #include "ProgressBar.h"
 #include "support/Diagnosis.h"
 #include "support/Session.h"
@@ -27,7 +28,8 @@ class Console {
   void say(std::string_view text);
   /// A diagnosis as a line. Beyond `shownDiagnoses` they are counted only.
   void tell(const Diagnosis& diagnosis);
-  int diagnoses() const { return diagnoses_; }
+  /// Done, or Partial when a diagnosis was told.
+  ExitStatus doneStatus() const { return diagnoses_ == 0 ? Done : Partial; }
   /// Throws Failure when Ctrl-C was pressed.
   void checkCancelled() const;
 

@@ -43,13 +43,12 @@ std::string oneFile(const std::string& argument) {
   askToChoose(argument + " is a run, name one of its files", files);
 }
 
-std::string summarySpecification(const std::string& argument) {
-  const RunFamily run = findRun(argument);
+RunMember summarySpecification(const RunFamily& run) {
   const RunMember* specification = run.find(FileKind::SummarySpec);
-  if (specification) return specification->path;
+  if (specification) return *specification;
   // A file under a name of its own is taken at the host's word; whether it is one, its records tell.
   const RunMember* given = run.givenMember();
-  if (given && given->kind == FileKind::Unknown) return given->path;
+  if (given && given->kind == FileKind::Unknown) return *given;
   throw Failure(Usage, fmt::format("{}{}: has no summary specification (SMSPEC)", run.folder, run.base));
 }
 

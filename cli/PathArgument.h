@@ -14,8 +14,8 @@ RunFamily findRun(const std::string& argument);
 /// from, unless the run has a single one.
 std::string oneFile(const std::string& argument);
 
-/// The summary specification of the run that an argument means. Throws Failure.
-std::string summarySpecification(const std::string& argument);
+/// The summary specification of a run. Throws Failure when it has none.
+RunMember summarySpecification(const RunFamily& run);
 
 /// A file's name without its folder.
 std::string nameOfFile(const std::string& path);

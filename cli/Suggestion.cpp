@@ -30,10 +30,11 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
 std::string closest(std::string_view word, std::span<const std::string> known) {
   const std::string given = lower(word.substr(0, word.find('=')));
   std::string best;
-  std::size_t bestDistance = given.size() / 3 + 2;
+  std::size_t bestDistance = given.size() / 4 + 2;
   for (const std::string& candidate : known) {
+    const std::string other = lower(candidate);
     // A beginning of the word is nearer than any misspelling.
-    const std::size_t distance = candidate.starts_with(given) ? 0 : editDistance(given, candidate);
+    const std::size_t distance = other.starts_with(given) ? 0 : editDistance(given, other);
     if (distance < bestDistance) {
       best = candidate;
       bestDistance = distance;

@@ -7,7 +7,8 @@
 
 namespace lumbarn::cli {
 
-std::vector<NamedVector> nameVectors(std::span<const SummaryVector> vectors, bool keepDuplicates, Console& console) {
+std::vector<NamedVector> nameVectors(std::span<const SummaryVector> vectors, bool keepDuplicates,
+                                     Console& console) {
   std::vector<NamedVector> named;
   std::unordered_map<std::string_view, int> met;
   std::size_t hidden = 0;
@@ -23,8 +24,9 @@ std::vector<NamedVector> nameVectors(std::span<const SummaryVector> vectors, boo
     }
   }
   if (hidden > 0) {
-    console.say(fmt::format("{} vector{} left out, as their names occur before ({}{}); --keep-duplicates shows all",
-                            hidden, hidden == 1 ? "" : "s", firstHidden, hidden == 1 ? "" : " and others"));
+    console.say(
+        fmt::format("{} vector{} left out, as their names occur before ({}{}); --keep-duplicates shows all",
+                    hidden, hidden == 1 ? "" : "s", firstHidden, hidden == 1 ? "" : " and others"));
   }
   return named;
 }

@@ -18,6 +18,7 @@ struct NamedVector {
 /// The vectors in their order. Of those with one name the first is shown, and a message tells of the others;
 /// with `keepDuplicates` all are, with "#2" and so on behind the names of the later ones. The vectors must
 /// outlive the result.
-std::vector<NamedVector> nameVectors(std::span<const SummaryVector> vectors, bool keepDuplicates, Console& console);
+std::vector<NamedVector> nameVectors(std::span<const SummaryVector> vectors, bool keepDuplicates,
+                                     Console& console);
 
 }  // namespace lumbarn::cli

@@ -26,17 +26,20 @@ std::array<std::string_view, 8> cells(const NamedVector& named) {
 
 ExitStatus listVectors(const VectorsOptions& options, Console& console) {
   qvEclipseReader reader(console.session());
-  reader.FileName = summarySpecification(options.path);
+  reader.FileName = summarySpecification(findRun(options.path)).path;
+  reader.AcceptDamaged = true;
   bool qOK = false;
   const auto vectors = reader.ListSummaryVectors(qOK);
   console.checkCancelled();
   if (!qOK) throw Failure(Unreadable, reader.FileName + ": no vectors can be read from it");
 
   const auto named = nameVectors(vectors, options.keepDuplicates, console);
-  std::vector<Column> columns{{"name"}, {"mnemonic"}, {"class"}, {"member"}, {"index"}, {"lgr"}, {"units"}, {"description"}};
+  std::vector<Column> columns{{"name"},  {"mnemonic"}, {"class"}, {"member"},
+                              {"index"}, {"lgr"},      {"units"}, {"description"}};
   for (const NamedVector& vector : named) {
     const auto row = cells(vector);
-    for (std::size_t i = 0; i < row.size(); ++i) columns[i].width = std::max(columns[i].width, displayWidth(row[i]));
+    for (std::size_t i = 0; i < row.size(); ++i)
+      columns[i].width = std::max(columns[i].width, displayWidth(row[i]));
   }
   Output output(options.output, console.out());
   const auto table = TableWriter::make(options.output.format, columns, output.stream());
@@ -45,15 +48,18 @@ ExitStatus listVectors(const VectorsOptions& options, Console& console) {
   }
   table->finish();
   output.commit();
-  return reader.Damaged() ? Partial : Done;
+  return console.doneStatus();
 }
 
 }  // namespace
 
 void addVectors(CLI::App& app, Action& chosen) {
   auto options = std::make_shared<VectorsOptions>();
-  CLI::App* command = app.add_subcommand("vectors", "List the vectors of a summary, with units and descriptions");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")->required()->option_text(" ");
+  CLI::App* command =
+      app.add_subcommand("vectors", "List the vectors of a summary, with units and descriptions");
+  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
+      ->required()
+      ->option_text(" ");
   command->add_flag("--keep-duplicates", options->keepDuplicates,
                     "Show vectors whose name occurs before too, with #2 and so on behind the name");
   addOutputOptions(*command, options->output);
