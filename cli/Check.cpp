@@ -1,0 +1,139 @@
+#include <memory>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "Commands.h"
+#include "FileCheck.h"
+#include "Output.h"
+#include "PathArgument.h"
+
+namespace lumbarn::cli {
+namespace {
+
+struct CheckOptions {
+  std::string path;
+  OutputOptions output;
+};
+
+/// Writes findings as they are made: lines for people, with one more for each file, or rows.
+class FindingReport {
+ public:
+  FindingReport(Format format, std::ostream& out) : out_(out) {
+    if (format == Format::Table) return;
+    const std::vector<Column> columns{{"file"},         {"problem"},  {"keyword"}, {"occurrence", true},
+                                      {"offset", true}, {"expected"}, {"found"},   {"action"}};
+    table_ = TableWriter::make(format, columns, out);
+  }
+
+  void add(const Diagnosis& finding) {
+    if (!table_) {
+      out_ << printable(finding.text()) << "\n";
+      return;
+    }
+    table_->text(finding.path);
+    table_->text(finding.problem);
+    table_->text(finding.keyword);
+    finding.occurrence > 0 ? table_->number(finding.occurrence) : table_->empty();
+    finding.offset ? table_->number(*finding.offset) : table_->empty();
+    table_->text(finding.expected);
+    table_->text(finding.found);
+    table_->text(finding.action);
+  }
+  void file(const std::string& path, const FileCheck& check) {
+    if (table_) return;
+    out_ << fmt::format("{}: {} record{}, {}\n", printable(path), check.records,
+                        check.records == 1 ? "" : "s",
+                        check.findings == 0   ? "clean"
+                        : check.findings == 1 ? "1 finding"
+                                              : fmt::format("{} findings", check.findings));
+    out_.flush();
+  }
+  void finish() {
+    if (table_) table_->finish();
+  }
+
+ private:
+  std::ostream& out_;
+  std::unique_ptr<TableWriter> table_;
+};
+
+/// The files of a run that consist of records. A file whose name tells nothing counts when it was asked for.
+std::vector<const RunMember*> recordFiles(const RunFamily& run) {
+  std::vector<const RunMember*> files;
+  for (const RunMember& member : run.members) {
+    const bool text = member.kind == FileKind::Deck || member.kind == FileKind::Rsm;
+    if (text || (member.kind == FileKind::Unknown && &member != run.givenMember())) continue;
+    files.push_back(&member);
+  }
+  return files;
+}
+
+/// Checks the files of a run one after the other. Specifications come before the data that they describe, as
+/// families list them in this order.
+class RunCheck {
+ public:
+  RunCheck(Console& console, FindingReport& report) : console_(console), report_(report) {}
+
+  ExitStatus check(const RunFamily& run) {
+    const auto files = recordFiles(run);
+    if (files.empty()) throw Failure(Usage, run.folder + run.base + ": has no record files");
+    console_.progress().files(static_cast<int>(files.size()));
+    for (const RunMember* file : files) {
+      check(*file);
+      console_.progress().fileDone();
+    }
+    return status_;
+  }
+
+ private:
+  void check(const RunMember& file) {
+    auto& vectors = vectors_[file.formatted ? 1 : 0];
+    const FindingSink add = [this](const Diagnosis& finding) { report_.add(finding); };
+    FileCheck result =
+        checkFile(file, file.kind == FileKind::Summary ? vectors : std::nullopt, console_, add);
+    if (file.kind == FileKind::SummarySpec && result.findings == 0) {
+      vectors = checkSpecification(file, console_.session(), [&](const Diagnosis& finding) {
+        ++result.findings;
+        report_.add(finding);
+      });
+    }
+    if (result.findings > 0 && status_ == Done) status_ = Partial;
+    if (!result.readable) status_ = Unreadable;
+    console_.progress().hide();
+    report_.file(file.path, result);
+  }
+
+  Console& console_;
+  FindingReport& report_;
+  std::optional<std::int64_t> vectors_[2];  // of the unformatted and the formatted specification
+  ExitStatus status_ = Done;
+};
+
+ExitStatus checkRun(const CheckOptions& options, Console& console) {
+  const RunFamily run = findRun(options.path);
+  Output output(options.output, console.out());
+  FindingReport report(options.output.format, output.stream());
+  const ExitStatus status = RunCheck(console, report).check(run);
+  report.finish();
+  output.commit();
+  return status;
+}
+
+}  // namespace
+
+void addCheck(CLI::App& app, Action& chosen) {
+  auto options = std::make_shared<CheckOptions>();
+  CLI::App* command = app.add_subcommand("check", "Read every file of a run and report all that is wrong");
+  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
+      ->required()
+      ->option_text(" ");
+  addOutputOptions(*command, options->output);
+  command->footer(
+      "Exit status: 0 clean, 3 something was found, 1 a file could not be read at all.\nExample:\n"
+      "  lumbarn check RUN");
+  command->callback(
+      [options, &chosen] { chosen = [options](Console& console) { return checkRun(*options, console); }; });
+}
+
+}  // namespace lumbarn::cli

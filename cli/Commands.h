@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+
+#include "Console.h"
+#include "Failure.h"
+
+namespace CLI {
+class App;
+}
+
+namespace lumbarn::cli {
+
+/// What a subcommand does once its arguments are known. Throws Failure.
+using Action = std::function<ExitStatus(Console&)>;
+
+/// Each adds one subcommand with its options to the command line; `chosen` takes its action when it is
+/// called.
+void addRecords(CLI::App& app, Action& chosen);
+void addCheck(CLI::App& app, Action& chosen);
+void addVectors(CLI::App& app, Action& chosen);
+void addSummary(CLI::App& app, Action& chosen);
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,48 @@
+#include "Console.h"
+
+#include <string>
+
+#include <fmt/format.h>
+
+#include "Failure.h"
+
+namespace lumbarn::cli {
+
+std::string printable(std::string_view text) {
+  std::string clean(text);
+  for (char& c : clean) {
+    if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = '?';
+  }
+  return clean;
+}
+
+Console::Console(std::ostream& out, std::ostream& err, Session& session, bool terminal)
+    : out_(out), err_(err), session_(session), progress_(err, session, terminal) {
+  session.Container = &progress_;
+  session.diagnosisSink = [this](const Diagnosis& diagnosis) { tell(diagnosis); };
+  session.faultReporter = [this](std::string_view text) { say(text); };
+}
+
+Console::~Console() {
+  if (diagnoses_ > shownDiagnoses) {
+    say(fmt::format("{} more messages; \"lumbarn check\" lists all", diagnoses_ - shownDiagnoses));
+  }
+  session_.Container = nullptr;
+  session_.diagnosisSink = nullptr;
+  session_.faultReporter = nullptr;
+}
+
+void Console::say(std::string_view text) {
+  progress_.hide();
+  err_ << fmt::format("lumbarn: {}\n", printable(text)) << std::flush;
+}
+
+void Console::tell(const Diagnosis& diagnosis) {
+  if (++diagnoses_ <= shownDiagnoses) say(diagnosis.text());
+}
+
+void Console::checkCancelled() const {
+  if (session_.cancelled()) throw Failure(Cancelled, "cancelled");
+}
+
+}  // namespace lumbarn::cli

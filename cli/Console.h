@@ -1,0 +1,49 @@
+#pragma once
+
+#include <ostream>
+#include <string_view>
+
+#include "Failure.h"
+#include "ProgressBar.h"
+#include "support/Diagnosis.h"
+#include "support/Session.h"
+
+namespace lumbarn::cli {
+
+/// Where a subcommand reads, writes and talks. Messages go to standard error, one line each; diagnoses that
+/// the session makes while this object lives are messages too.
+class Console {
+ public:
+  Console(std::ostream& out, std::ostream& err, Session& session, bool terminal);
+  ~Console();
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+
+  std::ostream& out() { return out_; }
+  std::ostream& err() { return err_; }
+  Session& session() { return session_; }
+  ProgressBar& progress() { return progress_; }
+
+  /// One line: "lumbarn: " and the text.
+  void say(std::string_view text);
+  /// A diagnosis as a line. Beyond `shownDiagnoses` they are counted only.
+  void tell(const Diagnosis& diagnosis);
+  /// Done, or Partial when a diagnosis was told.
+  ExitStatus doneStatus() const { return diagnoses_ == 0 ? Done : Partial; }
+  /// Throws Failure when Ctrl-C was pressed.
+  void checkCancelled() const;
+
+  static constexpr int shownDiagnoses = 20;
+
+ private:
+  std::ostream& out_;
+  std::ostream& err_;
+  Session& session_;
+  ProgressBar progress_;
+  int diagnoses_ = 0;
+};
+
+/// Control characters replaced by "?", so that what a file contains cannot steer a terminal.
+std::string printable(std::string_view text);
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace lumbarn::cli {
+
+/// What the command tells its caller.
+enum ExitStatus : int {
+  Done = 0,
+  Unreadable = 1,   ///< the data could not be read, or the output not written
+  Usage = 2,        ///< wrong usage, or no such file
+  Partial = 3,      ///< the readable part was written, the rest is told on standard error
+  Cancelled = 130,  ///< as shells tell the end by Ctrl-C
+};
+
+/// Ends a subcommand with a message for people and an exit status.
+class Failure : public std::runtime_error {
+ public:
+  Failure(ExitStatus status, const std::string& message) : std::runtime_error(message), status_(status) {}
+  ExitStatus status() const { return status_; }
+
+ private:
+  ExitStatus status_;
+};
+
+}  // namespace lumbarn::cli

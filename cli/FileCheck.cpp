@@ -1,0 +1,160 @@
+#include "FileCheck.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include <fmt/format.h>
+
+#include "RecordData.h"
+#include "files/Recogniser.h"
+#include "summary/RestartChain.h"
+#include "summary/qvEclipseSPEC.h"
+
+namespace lumbarn::cli {
+namespace {
+
+/// A record of one number that orders what follows it.
+struct OrderRule {
+  std::string_view keyword;
+  bool mayRepeat;
+  std::int64_t last = std::numeric_limits<std::int64_t>::min();
+};
+
+class Walk {
+ public:
+  Walk(RecordCursor& cursor, bool summary, std::optional<std::int64_t> vectors, Console& console,
+       const FindingSink& report)
+      : cursor_(cursor), summary_(summary), vectors_(vectors), console_(console), report_(report) {}
+
+  void walk() {
+    try {
+      while (cursor_.next()) {
+        console_.checkCancelled();
+        ++records_;
+        checkRecord();
+        showProgress(cursor_, console_);
+      }
+      if (openMinistep_) {
+        add({.problem = "summary row is not whole",
+             .keyword = "MINISTEP",
+             .offset = ministepAt_,
+             .expected = "PARAMS behind it",
+             .found = "end of file"},
+            "the row is left out");
+      }
+    } catch (const BadRecord& damage) {
+      add(damage.diagnosis(), fmt::format("stopped behind {} records", records_));
+    }
+  }
+  std::int64_t records() const { return records_; }
+
+ private:
+  void checkRecord() {
+    try {
+      readExtremes(cursor_, console_);
+      for (OrderRule& rule : rules_) checkOrder(rule);
+    } catch (const BadRecord& damage) {
+      add(damage.diagnosis(), "went on behind the record");
+    }
+    if (summary_) checkRow();
+  }
+
+  void checkOrder(OrderRule& rule) {
+    const RecordHeader& header = cursor_.header();
+    if (!header.is(rule.keyword, ElementType::Integer) || header.count < 1) return;
+    std::int32_t number = 0;
+    cursor_.read(std::span(&number, 1));
+    if (number < rule.last || (number == rule.last && !rule.mayRepeat)) {
+      addHere("number does not rise", fmt::format("more than {}", rule.mayRepeat ? rule.last - 1 : rule.last),
+              fmt::format("{}", number));
+    }
+    rule.last = number;
+  }
+
+  void checkRow() {
+    const RecordHeader& header = cursor_.header();
+    if (header.keyword == "PARAMS") {
+      if (!openMinistep_) addHere("summary row without a number", "MINISTEP before it", "");
+      if (vectors_ && header.count != *vectors_) {
+        addHere("summary row does not fit its specification", fmt::format("{} values", *vectors_),
+                fmt::format("{}", header.count));
+      }
+      openMinistep_ = false;
+    } else if (header.keyword == "MINISTEP" || header.keyword == "SEQHDR") {
+      if (openMinistep_) addHere("summary row is not whole", "PARAMS", header.keyword);
+      openMinistep_ = header.keyword == "MINISTEP";
+      ministepAt_ = header.headerAt;
+    }
+  }
+
+  void addHere(std::string problem, std::string expected, std::string found) {
+    add({.problem = std::move(problem),
+         .keyword = cursor_.header().keyword,
+         .occurrence = cursor_.occurrence(),
+         .offset = cursor_.header().headerAt,
+         .expected = std::move(expected),
+         .found = std::move(found)},
+        "");
+  }
+  void add(Diagnosis finding, std::string action) {
+    finding.path = cursor_.path();
+    finding.action = std::move(action);
+    report_(std::move(finding));
+  }
+
+  RecordCursor& cursor_;
+  bool summary_;
+  std::optional<std::int64_t> vectors_;
+  Console& console_;
+  const FindingSink& report_;
+  std::int64_t records_ = 0;
+  bool openMinistep_ = false;
+  std::uint64_t ministepAt_ = 0;
+  // Writers number report steps of a summary as they like, also with one number for all of them.
+  std::array<OrderRule, 3> rules_{{{"SEQNUM", false}, {"SEQHDR", true}, {"MINISTEP", false}}};
+};
+
+}  // namespace
+
+FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, Console& console,
+                    const FindingSink& report) {
+  FileCheck result;
+  const FindingSink count = [&](Diagnosis finding) {
+    ++result.findings;
+    report(std::move(finding));
+  };
+  std::string why;
+  const auto cursor = openRecords(file.path, why);
+  if (!cursor) {
+    count({.path = file.path, .problem = why, .action = "read nothing of it"});
+    return result;
+  }
+  const Recognised recognised = recogniseFile(file.path);
+  if (recognised.byContent && file.kind != FileKind::Unknown && recognised.kind != file.kind) {
+    count({.path = file.path,
+           .problem = "content is not what the name says",
+           .expected = std::string(nameOf(file.kind)),
+           .found = std::string(nameOf(recognised.kind))});
+  }
+  Walk walk(*cursor, file.kind == FileKind::Summary, vectors, console, count);
+  walk.walk();
+  result.records = walk.records();
+  result.readable = result.records > 0;
+  return result;
+}
+
+std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
+                                               const FindingSink& report) {
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  qvEclipseSPEC spec(session);
+  bool qOK = false;
+  if (spec.CheckSPECFile(file.path)) spec.ReadEclipseSPECFile(qOK);
+  if (qOK && !spec.zRestartName.empty())
+    findEarlierRun(spec.zRestartName, file.path, spec.Formatted, session);
+  session.diagnosisSink = shown;
+  if (!qOK) return std::nullopt;
+  return spec.nVectors;
+}
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "Console.h"
+#include "files/Families.h"
+#include "record/RecordCursor.h"
+
+namespace lumbarn::cli {
+
+using FindingSink = std::function<void(Diagnosis)>;
+
+/// What a walk over a file gives.
+struct FileCheck {
+  bool readable = false;     ///< it is a record file, and its first record is whole
+  std::int64_t records = 0;  ///< whole ones
+  std::int64_t findings = 0;
+};
+
+/// Reads every record of a file with all its data, and reports what is wrong with any. Damage inside of a
+/// record's data lets the walk go on behind it, damage to the headers ends it. Also reports numbers that
+/// should rise and do not: `SEQNUM` of a restart, `SEQHDR` and `MINISTEP` of a summary; rows of a summary
+/// that are not whole or have not `vectors` values. Throws Failure when cancelled.
+FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, Console& console,
+                    const FindingSink& report);
+
+/// Reports what does not fit together in a summary specification, and a run that it names as the one it
+/// restarted from but that cannot be found. Gives the count of its vectors, if it can be read.
+std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
+                                               const FindingSink& report);
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,37 @@
+#include <csignal>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "Failure.h"
+#include "Run.h"
+#include "support/System.h"
+
+namespace {
+
+volatile std::sig_atomic_t receivedSignal = 0;
+
+/// The first Ctrl-C asks the load to end, so that files are put in order; a second one ends the program.
+extern "C" void cancel(int signal) {
+  receivedSignal = signal;
+  lumbarn::Session::process().CancelLoad = true;
+  std::signal(signal, SIG_DFL);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::ios::sync_with_stdio(false);
+  lumbarn::Session::process();  // made here, as the handler must not make it
+  std::signal(SIGINT, cancel);
+  std::signal(SIGTERM, cancel);
+  const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
+  const int status =
+      lumbarn::cli::run(args, std::cout, std::cerr, lumbarn::Session::process(), lumbarn::stderrIsTerminal());
+  if (status == lumbarn::cli::Cancelled) {
+    // Ends by the signal itself, so that a shell's loop around this command ends too.
+    std::signal(receivedSignal, SIG_DFL);
+    std::raise(receivedSignal);
+  }
+  return status;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+#include <string>
+
+#include "TableWriter.h"
+
+namespace CLI {
+class App;
+}
+
+namespace lumbarn::cli {
+
+struct OutputOptions {
+  Format format = Format::Table;
+  std::string file;  ///< empty: standard output
+};
+/// `--format` and `-o`.
+void addOutputOptions(CLI::App& command, OutputOptions& options);
+
+/// Where a subcommand's data go: standard output, or a file that appears under its name once it is complete.
+/// Until then it has a temporary name in the same folder, and nothing of it stays behind unless `commit` is
+/// reached.
+class Output {
+ public:
+  /// Throws Failure when the file cannot be written.
+  Output(const OutputOptions& options, std::ostream& standard);
+  ~Output();
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+
+  std::ostream& stream() { return target_.empty() ? standard_ : file_; }
+  /// Throws Failure when not everything could be written.
+  void commit();
+
+ private:
+  std::ostream& standard_;
+  std::filesystem::path target_;     // empty: standard output
+  std::filesystem::path temporary_;  // empty: written in place, or committed
+  std::ofstream file_;
+};
+
+}  // namespace lumbarn::cli

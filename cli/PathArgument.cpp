@@ -1,0 +1,59 @@
+#include "PathArgument.h"
+
+#include <span>
+
+#include <fmt/format.h>
+
+#include "Failure.h"
+#include "files/Folder.h"
+
+namespace lumbarn::cli {
+namespace {
+
+constexpr std::size_t shownChoices = 12;
+
+[[noreturn]] void askToChoose(const std::string& problem, std::span<const std::string> choices) {
+  std::string message = problem;
+  for (std::size_t i = 0; i < choices.size() && i < shownChoices; ++i) {
+    message += (i == 0 ? ": " : ", ") + choices[i];
+  }
+  if (choices.size() > shownChoices) message += ", and others";
+  throw Failure(Usage, message);
+}
+
+}  // namespace
+
+RunFamily findRun(const std::string& argument) {
+  std::string why;
+  auto runs = findRuns(argument, why);
+  if (runs.empty()) throw Failure(Usage, argument + ": " + why);
+  if (runs.size() == 1) return std::move(runs.front());
+  std::vector<std::string> roots;
+  for (const RunFamily& run : runs) roots.push_back(run.folder + run.base);
+  askToChoose(argument + " can mean several runs, name one", roots);
+}
+
+std::string oneFile(const std::string& argument) {
+  if (isFile(argument)) return argument;
+  const RunFamily run = findRun(argument);
+  if (const RunMember* member = run.givenMember()) return member->path;
+  if (run.members.size() == 1) return run.members.front().path;
+  std::vector<std::string> files;
+  for (const RunMember& member : run.members) files.push_back(member.path);
+  askToChoose(argument + " is a run, name one of its files", files);
+}
+
+RunMember summarySpecification(const RunFamily& run) {
+  const RunMember* specification = run.find(FileKind::SummarySpec);
+  if (specification) return *specification;
+  // A file under a name of its own is taken at the host's word; whether it is one, its records tell.
+  const RunMember* given = run.givenMember();
+  if (given && given->kind == FileKind::Unknown) return *given;
+  throw Failure(Usage, fmt::format("{}{}: has no summary specification (SMSPEC)", run.folder, run.base));
+}
+
+std::string nameOfFile(const std::string& path) {
+  return path.substr(path.find_last_of(folderSeparators()) + 1);
+}
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "files/Families.h"
+
+namespace lumbarn::cli {
+
+/// The one run that an argument means: a member of its files, its root name or its folder. Throws Failure,
+/// with the list of runs when several fit.
+RunFamily findRun(const std::string& argument);
+
+/// The one file that an argument means; for a root name or a folder throws Failure with the files to choose
+/// from, unless the run has a single one.
+std::string oneFile(const std::string& argument);
+
+/// The summary specification of a run. Throws Failure when it has none.
+RunMember summarySpecification(const RunFamily& run);
+
+/// A file's name without its folder.
+std::string nameOfFile(const std::string& path);
+
+}  // namespace lumbarn::cli

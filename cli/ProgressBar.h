@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "support/Session.h"
+
+namespace lumbarn::cli {
+
+/// A line on standard error that shows how far a long read has come. Appears after a second of work, is drawn
+/// at most ten times a second, and leaves nothing behind.
+class ProgressBar final : public Progress {
+ public:
+  /// Draws nothing at all unless `enabled`, which is for terminals only.
+  ProgressBar(std::ostream& err, Session& session, bool enabled)
+      : err_(err), session_(session), enabled_(enabled) {}
+  ~ProgressBar() override { hide(); }
+
+  void files(int count) override;
+  void fileDone() override;
+  void fraction(double share) override;
+  /// Removes the line, so that a message can take its place.
+  void hide();
+
+ private:
+  void draw(double share);
+
+  std::ostream& err_;
+  Session& session_;
+  bool enabled_;
+  bool shown_ = false;
+  int files_ = 1;
+  int done_ = 0;
+  std::optional<Session::Clock::time_point> due_;  // of the next drawing
+};
+
+}  // namespace lumbarn::cli

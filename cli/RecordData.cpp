@@ -1,0 +1,81 @@
+#include "RecordData.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace lumbarn::cli {
+namespace {
+
+constexpr std::int64_t partElements = std::int64_t{1} << 18;
+
+/// Gives the record's elements to `use` in parts; an element is `width` items of the array.
+template <class Item, class Read, class Use>
+void readParts(RecordCursor& cursor, Console& console, std::size_t width, Read read, Use use) {
+  const std::int64_t count = cursor.header().count;
+  std::vector<Item> part(static_cast<std::size_t>(std::min(count, partElements)) * width);
+  for (std::int64_t first = 0; first < count; first += partElements) {
+    console.checkCancelled();
+    const auto items = static_cast<std::size_t>(std::min(count - first, partElements)) * width;
+    const std::span<Item> now(part.data(), items);
+    read(now, first);
+    use(now);
+  }
+}
+
+template <class Number>
+std::optional<Extremes> extremes(RecordCursor& cursor, Console& console) {
+  // Values that are not numbers compare as false, so they never get in.
+  double smallest = std::numeric_limits<double>::infinity();
+  double largest = -smallest;
+  bool any = false;
+  readParts<Number>(
+      cursor, console, 1, [&](std::span<Number> out, std::int64_t first) { cursor.read(out, first); },
+      [&](std::span<const Number> part) {
+        for (const Number value : part) {
+          const auto number = static_cast<double>(value);
+          any = any || !std::isnan(number);
+          if (number < smallest) smallest = number;
+          if (number > largest) largest = number;
+        }
+      });
+  if (!any) return std::nullopt;
+  // Of zeros with both signs any can come first; a plain 0 says as much.
+  return Extremes{cursor.header().type, smallest + 0.0, largest + 0.0};
+}
+
+}  // namespace
+
+std::optional<Extremes> readExtremes(RecordCursor& cursor, Console& console) {
+  const auto ignore = [](const auto&) {};
+  switch (cursor.header().type) {
+    case ElementType::Integer:
+    case ElementType::Short:
+      return extremes<std::int32_t>(cursor, console);
+    case ElementType::Single:
+      return extremes<float>(cursor, console);
+    case ElementType::Double:
+      return extremes<double>(cursor, console);
+    case ElementType::Logical:
+      readParts<std::int16_t>(
+          cursor, console, 1,
+          [&](std::span<std::int16_t> out, std::int64_t first) { cursor.readLogicals(out, first); }, ignore);
+      break;
+    case ElementType::Text:
+      readParts<char>(
+          cursor, console, static_cast<std::size_t>(cursor.header().width),
+          [&](std::span<char> out, std::int64_t first) { cursor.readText(out, first); }, ignore);
+      break;
+    default:
+      break;
+  }
+  return std::nullopt;
+}
+
+void showProgress(const RecordCursor& cursor, Console& console) {
+  const auto size = static_cast<double>(cursor.fileSize());
+  if (size > 0) console.progress().fraction(static_cast<double>(cursor.nextPosition()) / size);
+}
+
+}  // namespace lumbarn::cli

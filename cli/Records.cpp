@@ -1,0 +1,126 @@
+#include <memory>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "Commands.h"
+#include "Output.h"
+#include "PathArgument.h"
+#include "RecordData.h"
+
+namespace lumbarn::cli {
+namespace {
+
+struct RecordsOptions {
+  std::string path;
+  bool stats = false;
+  OutputOptions output;
+};
+
+void putExtreme(TableWriter& table, ElementType type, double value) {
+  if (type == ElementType::Single) {
+    table.number(static_cast<float>(value));
+  } else if (type == ElementType::Double) {
+    table.number(value);
+  } else {
+    table.number(static_cast<std::int64_t>(value));
+  }
+}
+
+class RecordList {
+ public:
+  RecordList(RecordCursor& cursor, Console& console, const RecordsOptions& options, std::ostream& out)
+      : cursor_(cursor), console_(console), stats_(options.stats) {
+    std::vector<Column> columns{
+        {"keyword", false, 8}, {"type", false, 4}, {"count", true, 10}, {"offset", true, 12}};
+    if (stats_) columns.insert(columns.end(), {{"min", true, 14}, {"max", true, 14}});
+    table_ = TableWriter::make(options.output.format, std::move(columns), out);
+  }
+
+  /// Writes a row for each whole record.
+  ExitStatus write() {
+    try {
+      while (cursor_.next()) {
+        console_.checkCancelled();
+        row();
+        ++rows_;
+        if (rows_ % 256 == 0 || stats_) showProgress(cursor_, console_);
+      }
+    } catch (const BadRecord& damage) {
+      status_ = rows_ == 0 ? Unreadable : Partial;
+      const auto done =
+          rows_ == 0 ? "nothing can be listed" : fmt::format("listed the {} records before it", rows_);
+      tell(damage.diagnosis(), done);
+    }
+    table_->finish();
+    return status_;
+  }
+
+ private:
+  void row() {
+    const RecordHeader& header = cursor_.header();
+    std::optional<Extremes> range;
+    if (stats_) {
+      try {
+        range = readExtremes(cursor_, console_);
+      } catch (const BadRecord& damage) {
+        status_ = Partial;
+        tell(damage.diagnosis(), "left min and max of this record out");
+      }
+    }
+    table_->text(header.keyword);
+    table_->text(header.typeWord);
+    table_->number(header.count);
+    table_->number(header.headerAt);
+    if (!stats_) return;
+    if (range) {
+      putExtreme(*table_, range->type, range->smallest);
+      putExtreme(*table_, range->type, range->largest);
+    } else {
+      table_->empty();
+      table_->empty();
+    }
+  }
+  void tell(Diagnosis diagnosis, std::string action) {
+    table_->flush();
+    diagnosis.action = std::move(action);
+    console_.tell(diagnosis);
+  }
+
+  RecordCursor& cursor_;
+  Console& console_;
+  bool stats_;
+  std::unique_ptr<TableWriter> table_;
+  std::int64_t rows_ = 0;
+  ExitStatus status_ = Done;
+};
+
+ExitStatus listRecords(const RecordsOptions& options, Console& console) {
+  const std::string path = oneFile(options.path);
+  std::string why;
+  const auto cursor = openRecords(path, why);
+  if (!cursor) throw Failure(Unreadable, path + ": " + why);
+  Output output(options.output, console.out());
+  const ExitStatus status = RecordList(*cursor, console, options, output.stream()).write();
+  if (status != Unreadable) output.commit();
+  return status;
+}
+
+}  // namespace
+
+void addRecords(CLI::App& app, Action& chosen) {
+  auto options = std::make_shared<RecordsOptions>();
+  CLI::App* command =
+      app.add_subcommand("records", "List every record of a file: keyword, type, count, offset");
+  command->add_option("FILE", options->path, "Any record file, a damaged one too")
+      ->required()
+      ->option_text(" ");
+  command->add_flag("--stats", options->stats, "Read the data too and give the smallest and largest number");
+  addOutputOptions(*command, options->output);
+  command->footer("Offsets are bytes, counted from 0. Example:\n  lumbarn records --stats RUN.UNRST");
+  command->callback([options, &chosen] {
+    chosen = [options](Console& console) { return listRecords(*options, console); };
+  });
+}
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,98 @@
+#include "Run.h"
+
+#include <algorithm>
+#include <new>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "Commands.h"
+#include "Suggestion.h"
+#include "support/Fault.h"
+
+namespace lumbarn::cli {
+namespace {
+
+void addCommands(CLI::App& app, Action& chosen) {
+  addRecords(app, chosen);
+  addCheck(app, chosen);
+  addVectors(app, chosen);
+  addSummary(app, chosen);
+}
+
+/// The subcommand that was given, or the command itself.
+const CLI::App& innermost(const CLI::App& app) {
+  const auto given = app.get_subcommands();
+  return given.empty() ? app : *given.back();
+}
+
+std::vector<std::string> wordsOf(const CLI::App& command) {
+  std::vector<std::string> words;
+  for (const CLI::App* subcommand : command.get_subcommands([](const CLI::App*) { return true; })) {
+    words.push_back(subcommand->get_name());
+  }
+  for (const CLI::Option* option : command.get_options()) {
+    for (const auto& name : option->get_lnames()) words.push_back("--" + name);
+  }
+  return words;
+}
+
+/// What is wrong with the arguments, in the words of their author.
+std::string usageMessage(const CLI::App& app, const CLI::ParseError& error) {
+  const CLI::App& command = innermost(app);
+  std::string message = error.what();
+  const auto unknown = command.remaining();
+  if (!unknown.empty()) {
+    const bool option = unknown.front().starts_with('-');
+    const char* kind = &command == &app && !option ? "subcommand" : option ? "option" : "argument";
+    message = fmt::format("unknown {} \"{}\"", kind, unknown.front());
+    const std::string better = closest(unknown.front(), wordsOf(command));
+    if (!better.empty()) message += fmt::format("; did you mean \"{}\"?", better);
+  }
+  const std::string name = &command == &app ? "lumbarn" : "lumbarn " + command.get_name();
+  return fmt::format("{} (see \"{} --help\")", message, name);
+}
+
+ExitStatus perform(const Action& action, Console& console) {
+  try {
+    return action(console);
+  } catch (const Failure& failure) {
+    console.say(failure.what());
+    return failure.status();
+  } catch (const BadRecord& damage) {
+    console.tell(damage.diagnosis());
+  } catch (const std::bad_alloc&) {
+    console.say("out of memory");
+  } catch (const std::exception& other) {
+    console.say(other.what());
+  }
+  return Unreadable;
+}
+
+}  // namespace
+
+int run(std::span<const std::string> args, std::ostream& out, std::ostream& err, Session& session,
+        bool terminal) {
+  Console console(out, err, session, terminal);
+  CLI::App app("Reads files of reservoir simulators: summaries, restarts, grids and the rest of a run.",
+               "lumbarn");
+  app.set_version_flag("--version", "lumbarn " LUMBARN_VERSION);
+  app.footer("Example: lumbarn info RUN.SMSPEC\n\"lumbarn SUBCOMMAND --help\" tells more about each.");
+  app.require_subcommand(0, 1);
+  Action chosen;
+  addCommands(app, chosen);
+  try {
+    app.parse(std::vector<std::string>(args.rbegin(), args.rend()));
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error, out, err);  // help or version
+    console.say(usageMessage(app, error));
+    return Usage;
+  }
+  if (!chosen) {
+    err << app.help();
+    return Usage;
+  }
+  return perform(chosen, console);
+}
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace lumbarn::cli {
+
+/// The known word that a mistyped one most likely stands for; empty when none is close.
+std::string closest(std::string_view word, std::span<const std::string> known);
+
+}  // namespace lumbarn::cli
