@@ -34,12 +34,26 @@ bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_
   return true;
 }
 
-void throwBadRecord(std::string problem, std::uint64_t offset, std::string expected, std::string found) {
+namespace {
+
+Diagnosis fact(std::string problem, std::uint64_t offset, std::string expected, std::string found) {
   Diagnosis diagnosis;
   diagnosis.problem = std::move(problem);
   diagnosis.offset = offset;
   diagnosis.expected = std::move(expected);
   diagnosis.found = std::move(found);
+  return diagnosis;
+}
+
+}  // namespace
+
+void throwBadRecord(std::string problem, std::uint64_t offset, std::string expected, std::string found) {
+  throw BadRecord(fact(std::move(problem), offset, std::move(expected), std::move(found)));
+}
+
+void throwCutOff(std::uint64_t offset, std::string expected, std::string found) {
+  auto diagnosis = fact("record is cut off", offset, std::move(expected), std::move(found));
+  diagnosis.cutOff = true;
   throw BadRecord(std::move(diagnosis));
 }
 

@@ -60,4 +60,7 @@ bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_
 [[noreturn]] void throwBadRecord(std::string problem, std::uint64_t offset, std::string expected,
                                  std::string found);
 
+/// The same for a file that ends before its record does.
+[[noreturn]] void throwCutOff(std::uint64_t offset, std::string expected, std::string found);
+
 }  // namespace lumbarn

@@ -163,7 +163,7 @@ void takeAll(TextScanner& scanner, std::uint64_t skip, std::uint64_t count, std:
              std::size_t outWidth, std::byte* out, Take take) {
   for (std::uint64_t i = 0; i < skip + count; ++i) {
     if (!scanner.skipBlanks(token)) {
-      throwBadRecord("record is cut off", scanner.position(),
+      throwCutOff(scanner.position(),
                      fmt::format("{} more elements", skip + count - i), "end of file");
     }
     const bool wanted = out && i >= skip;
@@ -261,7 +261,7 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
   const auto count = static_cast<std::uint64_t>(header.count);
   if (count > left / 2 + 1) {
-    throwBadRecord("record is cut off", header.dataAt, fmt::format("{} elements", count),
+    throwCutOff(header.dataAt, fmt::format("{} elements", count),
                    fmt::format("{} bytes", left));
   }
   const auto before = window.at(header.dataAt - std::min<std::uint64_t>(header.dataAt, 2), 2);
@@ -281,7 +281,7 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   TextScanner scanner(window, header.dataAt, left);
   scanElements(scanner, header, 0, count, nullptr);
   if (scanner.position() == window.size() && cutInsideField(window, shape.fieldWidth)) {
-    throwBadRecord("record is cut off", window.size(), "a whole last line", "end of file");
+    throwCutOff(window.size(), "a whole last line", "end of file");
   }
   scanner.skipLineEnd();
   layout.end = scanner.position();

@@ -42,8 +42,8 @@ std::uint64_t piecesOf(std::uint64_t bytes) {
   return (bytes + MarkedCodec::pieceBytes - 1) / MarkedCodec::pieceBytes;
 }
 
-[[noreturn]] void throwCutOff(std::uint64_t offset, std::uint64_t expected, std::uint64_t found) {
-  throwBadRecord("record is cut off", offset, fmt::format("{} bytes", expected), fmt::format("{}", found));
+[[noreturn]] void throwTooShort(std::uint64_t offset, std::uint64_t expected, std::uint64_t found) {
+  throwCutOff(offset, fmt::format("{} bytes", expected), fmt::format("{}", found));
 }
 
 }  // namespace
@@ -51,7 +51,7 @@ std::uint64_t piecesOf(std::uint64_t bytes) {
 std::uint32_t MarkedCodec::readMark(Window& window, std::uint64_t position, std::uint64_t wanted) const {
   const auto size = static_cast<std::size_t>(markBytes_);
   const auto bytes = window.at(position, size, wanted);
-  if (bytes.size() < size) throwCutOff(position, size, bytes.size());
+  if (bytes.size() < size) throwTooShort(position, size, bytes.size());
   return markBytes_ == 1 ? std::to_integer<std::uint32_t>(bytes[0])
                          : loadWord<std::uint32_t>(bytes.data(), swap_);
 }
@@ -74,7 +74,7 @@ bool MarkedCodec::readHeader(Window& window, std::uint64_t position, RecordHeade
   const auto mark = static_cast<std::size_t>(markBytes_);
   const std::size_t whole = headerBytes + 2 * mark;
   const auto bytes = window.at(position, whole);
-  if (bytes.size() < whole) throwCutOff(position, whole, bytes.size());
+  if (bytes.size() < whole) throwTooShort(position, whole, bytes.size());
   checkMark(window, position, headerBytes);
   checkMark(window, position + mark + headerBytes, headerBytes);
   const auto* body = bytes.data() + mark;
@@ -95,7 +95,7 @@ DataLayout MarkedCodec::locate(Window& window, const RecordHeader& header) const
 
   const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
   if (static_cast<std::uint64_t>(header.count) > left / static_cast<std::uint64_t>(header.width)) {
-    throwBadRecord("record is cut off", header.dataAt, fmt::format("{} elements", header.count),
+    throwCutOff(header.dataAt, fmt::format("{} elements", header.count),
                    fmt::format("{} bytes", left));
   }
   const std::uint64_t bytes = dataLength(header);
@@ -109,7 +109,7 @@ DataLayout MarkedCodec::locate(Window& window, const RecordHeader& header) const
     layout.kind = DataLayout::Kind::Chunked;
     const std::uint64_t pieces = (blocks - 1) * piecesOf(firstBlock) + piecesOf(lastBlock);
     layout.end += bytes + 2 * pieces;
-    if (layout.end > window.size()) throwCutOff(header.dataAt, bytes + 2 * pieces, left);
+    if (layout.end > window.size()) throwTooShort(header.dataAt, bytes + 2 * pieces, left);
     checkMark(window, layout.end - 1, static_cast<std::uint32_t>((lastBlock - 1) % pieceBytes + 1));
     return layout;
   }
@@ -137,7 +137,7 @@ DataLayout MarkedCodec::walkBlocks(Window& window, const RecordHeader& header) c
                      fmt::format("{}", length));
     }
     const std::uint64_t left = window.size() - layout.end;
-    if (length + 2 * mark > left) throwCutOff(layout.end, length + 2 * mark, left);
+    if (length + 2 * mark > left) throwTooShort(layout.end, length + 2 * mark, left);
     checkMark(window, layout.end + mark + length, shortened(length));
     layout.table.push_back({done, layout.end + mark, length});
     layout.end += length + 2 * mark;
@@ -164,7 +164,7 @@ DataLayout MarkedCodec::walkUnknown(Window& window, const RecordHeader& header) 
     }
     const std::uint64_t length = markBytes_ == 1 && opening == pieceContinues ? pieceBytes : opening;
     const std::uint64_t left = window.size() - layout.end;
-    if (length + 2 * mark > left) throwCutOff(layout.end, length + 2 * mark, left);
+    if (length + 2 * mark > left) throwTooShort(layout.end, length + 2 * mark, left);
     checkMark(window, layout.end + mark + length, opening);
     layout.end += length + 2 * mark;
   }
@@ -237,7 +237,7 @@ void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataL
     const std::uint64_t open = std::min(piece.bytes - piece.before, left);
     const auto bytes = window.at(piece.dataAt + piece.before, unit, left);
     const std::uint64_t take = std::min<std::uint64_t>(bytes.size(), open) / unit * unit;
-    if (take == 0) throwCutOff(piece.dataAt + piece.before, open, bytes.size());
+    if (take == 0) throwTooShort(piece.dataAt + piece.before, open, bytes.size());
     convert(header.type, bytes.data(), static_cast<std::size_t>(take / unit), out);
     out += take / unit * outUnit;
     byte += take;
@@ -269,7 +269,7 @@ void MarkedCodec::gather(Window& window, const RecordHeader& header, const DataL
       }
     }
     const auto bytes = window.at(at, 4, fetchedTo - at);
-    if (bytes.size() < 4) throwCutOff(at, 4, bytes.size());
+    if (bytes.size() < 4) throwTooShort(at, 4, bytes.size());
     const auto word = loadWord<std::uint32_t>(bytes.data(), swap_);
     std::memcpy(out + i, &word, sizeof word);
   }

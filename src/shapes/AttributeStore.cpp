@@ -4,6 +4,7 @@
 #include <bit>
 #include <functional>
 #include <limits>
+#include <utility>
 
 #include "../support/Fault.h"
 #include "../support/Text.h"
@@ -34,9 +35,20 @@ std::size_t AttributeStore::slotOf(std::string_view text, std::uint32_t hash) co
   return place;
 }
 
+/// Moves the entries to another number of slots; their texts are known to differ.
+void AttributeStore::resizeSlots(std::size_t slots) {
+  const auto old = std::exchange(slots_, std::vector<Slot>(slots));
+  for (const auto& entry : old) {
+    if (entry.number == 0) continue;
+    std::size_t place = entry.hash & (slots - 1);
+    while (slots_[place].number != 0) place = (place + 1) & (slots - 1);
+    slots_[place] = entry;
+  }
+}
+
 /// Enters the items in the order of their numbers, so that of equal texts the lowest number is found.
-void AttributeStore::rebuildSlots(std::size_t slots) {
-  slots_.assign(slots, {});
+void AttributeStore::rebuildSlots() {
+  std::ranges::fill(slots_, Slot{});
   for (std::int32_t number = 1; number <= count(); ++number) {
     const auto hash = hashOf(at(number).text);
     auto& slot = slots_[slotOf(at(number).text, hash)];
@@ -48,7 +60,7 @@ std::int32_t AttributeStore::add(std::string_view item) {
   if (items_.size() >= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
     throw Fault(FaultNumber::Overflow);
   }
-  if ((items_.size() + 1) * 2 > slots_.size()) rebuildSlots(std::max(firstSlots, slots_.size() * 2));
+  if ((items_.size() + 1) * 2 > slots_.size()) resizeSlots(std::max(firstSlots, slots_.size() * 2));
   const auto text = fitted(item);
   const auto hash = hashOf(text);
   auto& slot = slots_[slotOf(text, hash)];
@@ -130,8 +142,8 @@ void AttributeStore::StoreFind(std::string_view zItem, std::int32_t& iPointer, b
 
 void AttributeStore::StoreFinish(bool& qOK) {
   qOK = false;
-  if (!items_.empty()) rebuildSlots(std::max(firstSlots, std::bit_ceil(items_.size() * 2)));
-  slots_.shrink_to_fit();  // the items are left: a deque keeps little, and would move its texts
+  // The items are left alone: a deque keeps little to spare, and shrinking would move its texts.
+  if (!items_.empty()) resizeSlots(std::max(firstSlots, std::bit_ceil(items_.size() * 2)));
   qOK = true;
 }
 
@@ -153,7 +165,7 @@ void AttributeStore::StoreReplace(std::string_view zNew, std::string_view zOld, 
   if (number < 0) return;
   at(number).text = fitted(zNew);
   // Open addressing cannot take an entry out, and another item may have had the old text as well.
-  rebuildSlots(slots_.size());
+  rebuildSlots();
   qOK = true;
 }
 

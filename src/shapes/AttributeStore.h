@@ -75,7 +75,8 @@ class AttributeStore {
   Item& at(std::int32_t number) { return items_[static_cast<std::size_t>(number) - 1]; }
   std::string_view fitted(std::string_view item) const;
   std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
-  void rebuildSlots(std::size_t slots);
+  void resizeSlots(std::size_t slots);
+  void rebuildSlots();
 
   std::int32_t width_ = 1024;
   std::deque<Item> items_;   // a deque, so that views of texts hold while more are added

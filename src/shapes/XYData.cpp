@@ -49,6 +49,14 @@ std::size_t XYData::place(std::size_t iRow, std::size_t iVector) const {
   return columnStart(iVector) + iRow - 1;
 }
 
+void XYData::cutRows(std::size_t rows) {
+  if (rows >= rows_) return;
+  for (std::size_t j = 1; j < columns_; ++j) {
+    std::copy_n(values_.get() + j * rows_, rows, values_.get() + j * rows);
+  }
+  rows_ = rows;
+}
+
 XYData XYData::clone(const Session& session) const {
   XYData copy(rows_, columns_, session);
   std::ranges::copy(values(), copy.values().begin());

@@ -36,6 +36,9 @@ class XYData {
   std::span<float> values() { return {values_.get(), rows_ * columns_}; }
   std::span<const float> values() const { return {values_.get(), rows_ * columns_}; }
 
+  /// Keeps the first rows of each vector, in place; the memory of the others stays with the block.
+  void cutRows(std::size_t rows);
+
   XYData clone(const Session& session) const;
 
  private:

@@ -26,6 +26,7 @@ struct Diagnosis {
   std::string found;                    ///< what stands there
   std::string action;                   ///< what was done: "kept 12 steps", "stopped"
   Certainty certainty = Certainty::Certain;
+  bool cutOff = false;  ///< the file ends before the record does, as a running simulation leaves it
 
   /// One line: `PATH: problem (KEYWORD, occurrence N, byte B: expected X, found Y); action`.
   std::string text() const;

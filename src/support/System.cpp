@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <new>
 #include <sys/mman.h>
@@ -105,7 +106,7 @@ bool OutputFile::close() {
 }
 
 std::string makeTemporaryFile(const std::string& prefix) {
-  const char* folder = std::getenv("TMPDIR");
+  const char* folder = std::getenv("TMPDIR");  // NOLINT(concurrency-mt-unsafe): nothing here sets it
   std::string path = std::string(folder && *folder ? folder : "/tmp") + "/" + prefix + "XXXXXX";
   const int handle = ::mkstemp(path.data());
   if (handle < 0) return {};
@@ -122,6 +123,12 @@ void* allocateLarge(std::size_t bytes) {
 
 void freeLarge(void* memory, std::size_t bytes) noexcept {
   ::operator delete(memory, std::align_val_t(bytes < largePage ? 64 : largePage));
+}
+
+std::string thisModulePath() {
+  Dl_info info{};
+  const bool found = ::dladdr(reinterpret_cast<const void*>(&thisModulePath), &info) != 0 && info.dli_fname;
+  return found ? info.dli_fname : "";
 }
 
 bool stderrIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }

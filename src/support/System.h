@@ -62,6 +62,9 @@ std::string makeTemporaryFile(const std::string& prefix);
 void* allocateLarge(std::size_t bytes);
 void freeLarge(void* memory, std::size_t bytes) noexcept;
 
+/// The file that holds this library's code: itself when it is shared, else the program; empty when not known.
+std::string thisModulePath();
+
 /// True when messages on standard error are read by a person at a terminal.
 bool stderrIsTerminal();
 

@@ -1,0 +1,56 @@
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+set(lumbarn_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/lumbarn)
+
+install(
+  TARGETS lumbarn
+  EXPORT lumbarnTargets
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  INCLUDES
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(
+  DIRECTORY ${PROJECT_SOURCE_DIR}/src/
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn
+  FILES_MATCHING
+  PATTERN "*.h")
+install(
+  DIRECTORY ${PROJECT_BINARY_DIR}/forwarding/
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn
+  FILES_MATCHING
+  PATTERN "*.h")
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+install(
+  EXPORT lumbarnTargets
+  NAMESPACE lumbarn::
+  DESTINATION ${lumbarn_package_dir})
+configure_package_config_file(cmake/lumbarnConfig.cmake.in ${PROJECT_BINARY_DIR}/lumbarnConfig.cmake
+                              INSTALL_DESTINATION ${lumbarn_package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/lumbarnConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/lumbarnConfig.cmake ${PROJECT_BINARY_DIR}/lumbarnConfigVersion.cmake
+        DESTINATION ${lumbarn_package_dir})
+
+if(TARGET lumbarn_cli)
+  if(BUILD_SHARED_LIBS)
+    # The command finds the library wherever both are put.
+    file(RELATIVE_PATH library_from_command ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(lumbarn_cli PROPERTIES INSTALL_RPATH "\$ORIGIN/${library_from_command}")
+  endif()
+  install(TARGETS lumbarn_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/cli/man/lumbarn.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    OPTIONAL)
+  # bash looks for a file with the command's name.
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/cli/completions/lumbarn.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    RENAME lumbarn
+    OPTIONAL)
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/cli/completions/_lumbarn
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    OPTIONAL)
+endif()

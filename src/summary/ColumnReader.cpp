@@ -1,0 +1,108 @@
+#include "ColumnReader.h"
+
+#include <algorithm>
+
+#include "../support/Fault.h"
+
+namespace lumbarn {
+
+namespace {
+
+/// A tile should stay in the cache between being read and being turned.
+constexpr std::size_t tileBytes = std::size_t{4} << 20;
+constexpr std::size_t mostTileRows = 1024;
+
+/// Picking single values costs about this many times what decoding one in a row costs.
+constexpr std::size_t costOfPicking = 16;
+
+std::size_t tileRowsFor(std::size_t columns) {
+  const std::size_t fitting = tileBytes / sizeof(float) / std::max<std::size_t>(columns, 1);
+  return std::clamp<std::size_t>(fitting / 16 * 16, 16, mostTileRows);
+}
+
+}  // namespace
+
+void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns, std::size_t firstRow,
+              XYData& table) {
+  constexpr std::size_t lineValues = 16;  // one cache line of the tile serves as many columns
+  const std::size_t stride = table.rows();
+  float* const out = table.values().data() + firstRow;
+  for (std::size_t j0 = 0; j0 < columns; j0 += lineValues) {
+    const std::size_t j1 = std::min(columns, j0 + lineValues);
+    for (std::size_t i0 = 0; i0 < rows; i0 += lineValues) {
+      const std::size_t i1 = std::min(rows, i0 + lineValues);
+      for (std::size_t j = j0; j < j1; ++j) {
+        for (std::size_t i = i0; i < i1; ++i) out[j * stride + i] = tile[i * columns + j];
+      }
+    }
+  }
+}
+
+void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int32_t> vectors, XYData& table) {
+  if (table.rows() != rows.size() || table.columns() != vectors.size()) throw Fault(FaultNumber::InvalidCall);
+  rowsDone_ = 0;
+  vectors_ = vectors;
+  const auto all = static_cast<std::size_t>(nValues_);
+  elements_.clear();
+  wholeRow_.clear();
+  if (vectors.size() * costOfPicking < all) {
+    for (const auto vector : vectors) elements_.push_back(static_cast<std::uint32_t>(vector - 1));
+  } else if (vectors.size() < all) {
+    wholeRow_.resize(all);
+  }
+  header_ = {};
+  header_.keyword = "PARAMS";
+  header_.typeWord = "REAL";
+  header_.type = ElementType::Single;
+  header_.width = 4;
+  header_.count = nValues_;
+
+  const std::size_t tileRows = tileRowsFor(vectors.size());
+  std::vector<float> tile(std::min(tileRows, rows.size()) * vectors.size());
+  while (rowsDone_ < rows.size() && !session_.cancelled()) {
+    const std::size_t count = std::min(tileRows, rows.size() - rowsDone_);
+    std::size_t read = 0;
+    const auto turn = [&] {
+      turnTile(tile, read, vectors.size(), rowsDone_, table);
+      rowsDone_ += read;
+    };
+    try {
+      for (; read < count; ++read) {
+        readRow(rows[rowsDone_ + read], std::span(tile).subspan(read * vectors.size(), vectors.size()));
+      }
+    } catch (const BadRecord&) {
+      turn();
+      throw;
+    }
+    turn();
+    if (session_.Container) {
+      session_.Container->fraction(static_cast<double>(rowsDone_) / static_cast<double>(rows.size()));
+    }
+    session_.yield();
+  }
+}
+
+void ColumnReader::readRow(const RowPlace& row, std::span<float> values) {
+  if (values.empty()) return;
+  if (row.iFile != iFile_) openFile(row.iFile);
+  header_.dataAt = row.dataAt;
+  cursor_->setCurrent(header_, row.regular);
+  if (!elements_.empty()) {
+    cursor_->gather(elements_, values);
+  } else if (wholeRow_.empty()) {
+    cursor_->read(values);
+  } else {
+    cursor_->read(std::span<float>(wholeRow_));
+    for (std::size_t i = 0; i < vectors_.size(); ++i) {
+      values[i] = wholeRow_[static_cast<std::size_t>(vectors_[i] - 1)];
+    }
+  }
+}
+
+void ColumnReader::openFile(std::int32_t iFile) {
+  cursor_ = openSummaryData(files_[static_cast<std::size_t>(iFile)], form_, session_);
+  if (!cursor_) throw Fault(FaultNumber::FileNotFound);
+  iFile_ = iFile;
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,148 @@
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "SelectionFixture.h"
+#include "shapes/SourceData.h"
+#include "support/Fault.h"
+
+namespace lumbarn {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(EclipseInfo, ClassesTakeTheirVectorsInHeaderOrder) {
+  Headers headers;
+  headers.add("WELLS", "P1").add("FIELD", "-").add("TRACERS", "P1").add("WELLS", "P2").add("FIELD", "-");
+  headers.xStore(attributeClass).add("NODES");  // a class all of whose vectors were given another
+  headers.xVectors.push_back({.iClass = 77});   // a number that the store has not
+  headers.xVectors.push_back({.iClass = -1});
+  auto xInfo = headers.info(false);
+  EXPECT_TRUE(xInfo.qValid);
+  EXPECT_EQ(xInfo.nVectors, 7);
+  EXPECT_EQ(xInfo.nClasses, 4) << "all strings of the store, known or not";
+  EXPECT_THAT(classOf(xInfo, "WELLS").iVectors, ElementsAre(1, 4));
+  EXPECT_THAT(classOf(xInfo, "FIELD").iVectors, ElementsAre(2, 5));
+  EXPECT_EQ(classOf(xInfo, "NODES").nVectors, 0);
+  std::string present;
+  for (const bool here : xInfo.qClassPresent) present += here ? '1' : '0';
+  EXPECT_EQ(present, "000100001001");
+  EXPECT_EQ(xInfo.qClassPresent, xInfo.qClassChosen);
+  xInfo.qClassChosen.fill(false);
+  EXPECT_EQ(maskText(xInfo), "0010011") << "vectors of no class are always kept";
+}
+
+TEST(EclipseInfo, WithoutClassesTheSelectionStays) {
+  Headers headers;
+  auto xInfo = headers.add("WELLS", "P1").info();
+  xInfo.qClassChosen[slot(9)] = false;
+  bool qOK = false;
+  setByteECLIPSEINFO(Headers().xStore, headers.xVectors, xInfo, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_FALSE(xInfo.qValid);
+  EXPECT_FALSE(xInfo.qClassChosen[slot(9)]);
+  EXPECT_EQ(classOf(xInfo, "WELLS").nVectors, 1);
+  EXPECT_EQ(maskText(xInfo), "1") << "a record that is not valid keeps all, as one True";
+  setByteECLIPSECLASS(headers.xStore, headers.xVectors, xInfo, qOK);
+  EXPECT_TRUE(qOK);
+}
+
+TEST(EclipseInfo, MembersStandInStoreOrderWithTheirVectors) {
+  Headers headers;
+  headers.add("GROUPS", "G").add("WELLS", "P2").add("WELLS", "P1").add("WELLS", "-").add("WELLS", "P2");
+  headers.xVectors.push_back({.iClass = 2, .iMember = 900});  // a member that the store has not
+  headers.xVectors.push_back({.iClass = 0, .iMember = 1});
+  auto xInfo = headers.info();
+  const auto& wells = classOf(xInfo, "WELLS");
+  ASSERT_EQ(wells.nMembers, 3);
+  EXPECT_EQ(wells.xMember[0].zMember, "P2") << "named first";
+  EXPECT_THAT(wells.xMember[0].iVectors, ElementsAre(2, 5));
+  EXPECT_EQ(wells.xMember[0].iPointers.size(), 2U);
+  EXPECT_THAT(wells.xMember[1].iVectors, ElementsAre(3));
+  EXPECT_EQ(wells.xMember[2].zMember, "");
+  EXPECT_EQ(classOf(xInfo, "GROUPS").nMembers, 1);
+  EXPECT_EQ(classOf(xInfo, "FIELD").nMembers, 0);
+  classOf(xInfo, "WELLS").qMemberChosen = {false, true, true};
+  EXPECT_EQ(maskText(xInfo), "1111111") << "members count only once qAllMembers is False";
+  xInfo.qAllMembers = false;
+  EXPECT_EQ(maskText(xInfo), "1011011") << "a vector of the class without a member stays";
+  classOf(xInfo, "WELLS").xMember[0].iVectors[1] = 8;
+  EXPECT_THROW(vectorMask(xInfo), Fault);
+}
+
+TEST(EclipseInfo, ClassWords) {
+  for (std::int32_t iClass = 1; iClass <= nClassSlots; ++iClass) {
+    EXPECT_EQ(getClassIndex(classWord(iClass)), iClass == 11 ? 0 : iClass);
+    EXPECT_EQ(ECLIPSEINFO().xClass[slot(iClass)].zClass, classWord(iClass));
+  }
+  EXPECT_EQ(getClassIndex("LGR"), 6);
+  EXPECT_EQ(getClassIndex("SEGMENTS"), 10);
+  EXPECT_EQ(getClassIndex("NODES"), 12);
+  for (const auto* word : {"IRF", "", "wells", "WELLS "}) EXPECT_EQ(getClassIndex(word), 0) << word;
+  for (const auto iClass : {-1, 0, 13}) EXPECT_THROW(slot(iClass), Fault);
+}
+
+/// Two files of a chain: the earlier one has fewer wells, in another order.
+struct Chain : testing::Test {
+  Headers later, earlier;
+  ECLIPSEINFO xSource, xTarget;
+  bool qOK = false;
+  void SetUp() override {
+    later.add("FIELD", "").add("GROUPS", "G").add("REGIONS", "").add("WELLS", "P1").add("WELLS", "P2");
+    earlier.add("WELLS", "P2").add("GROUPS", "H").add("WELLS", "P0").add("FIELD", "").add("REGIONS", "");
+    xSource = later.info();
+    xTarget = earlier.info();
+  }
+};
+
+TEST_F(Chain, ClassesPassedBeforeTheMatchLoseTheirMembers) {
+  xSource.qClassChosen.fill(false);
+  xSource.qClassChosen[slot(getClassIndex("REGIONS"))] = true;
+  setPlotClassList(xSource, xTarget, qOK, true);
+  EXPECT_TRUE(qOK);
+  EXPECT_EQ(maskText(xTarget), "00001");
+  EXPECT_EQ(classOf(xTarget, "FIELD").nMembers, 0);
+  EXPECT_EQ(classOf(xTarget, "GROUPS").nMembers, 0);
+  EXPECT_EQ(classOf(xTarget, "REGIONS").nMembers, 1);
+  EXPECT_EQ(classOf(xTarget, "WELLS").nMembers, 2) << "behind the match";
+  EXPECT_TRUE(xTarget.qAllMembers) << "no members were left out";
+  EXPECT_FALSE(xTarget.qAllClasses);
+}
+
+TEST_F(Chain, MembersAreCarriedByName) {
+  xSource.qAllMembers = false;
+  classOf(xSource, "WELLS").qMemberChosen = {false, true};
+  auto xOther = xTarget;
+  setPlotClassList(xSource, xTarget, qOK, true);
+  EXPECT_EQ(maskText(xTarget), "10011") << "P2 is found by name, P0 and H were not chosen";
+  EXPECT_FALSE(xTarget.qClassChosen[slot(getClassIndex("GROUPS"))]) << "no member of it was found";
+  setPlotClassList(xSource, xOther, qOK, false);
+  EXPECT_EQ(maskText(xOther), "11111") << "only classes are asked for";
+}
+
+/// e empty, s 16 bits, l 32 bits, b boolean, d double, t text
+std::string typesOf(const VariantTable& table) {
+  std::string types;
+  for (std::size_t i = 1; i <= table.size(); ++i) types += "eslbdt"[table(i).index()];
+  return types;
+}
+
+TEST(SourceData, DefaultsHaveTheTypeThatHostsExpect) {
+  SourceData vSourceData;
+  bool qOK = false;
+  InitSourceData(vSourceData, qOK);
+  EXPECT_EQ(typesOf(vSourceData), "ttttttsssslllttssttttlltssltttllllllellllslsssssssstteellllllleeee");
+  EXPECT_EQ(std::get<std::string>(vSourceData(19)), "Data");
+  EXPECT_EQ(std::get<std::int32_t>(vSourceData(23)), 3);
+  EXPECT_EQ(std::get<std::int32_t>(vSourceData(34)), -999);
+  EXPECT_EQ(std::get<std::int32_t>(vSourceData(43)), -1);
+  EXPECT_EQ(std::get<std::int16_t>(vSourceData(42)), 1);
+  EXPECT_THROW(vSourceData(67), Fault);
+  InitVTableData(vSourceData, qOK);
+  EXPECT_EQ(typesOf(vSourceData), "ettsttsseel");
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,311 @@
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "SelectionFixture.h"
+#include "shapes/OnlyList.h"
+
+namespace lumbarn {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Lines = std::vector<std::string>;
+
+constexpr std::int32_t summary = 13;
+
+/// A list from "CLASS/member" texts, and the other way.
+ByteTable listOf(const Lines& lines) {
+  ByteTable bOnly(onlyWidth, lines.size());
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const auto cut = lines[i].find('/');
+    bOnly.put(i + 1, 1, 16, lines[i].substr(0, cut));
+    bOnly.put(i + 1, 17, 40, lines[i].substr(cut + 1));
+  }
+  return bOnly;
+}
+
+Lines linesOf(const ByteTable& bOnly) {
+  Lines lines;
+  for (std::size_t i = 1; i <= bOnly.entries(); ++i) {
+    lines.push_back(std::string(bOnly.get(i, 1, 16)) + "/" + std::string(bOnly.get(i, 17, 40)));
+  }
+  return lines;
+}
+
+/// A session that keeps its fault reports.
+struct Reporting : Session {
+  Lines reports;
+  Reporting() {
+    faultReporter = [this](std::string_view text) { reports.emplace_back(text); };
+  }
+};
+
+std::string expanded(Headers& headers, const ByteTable& bOnly, bool qOnly) {
+  Reporting session;
+  ECLIPSEINFO xInfo;
+  bool qOK = false;
+  setECLIPSEINFOFromOnly(session, headers.xStore, headers.xVectors, bOnly, qOnly, xInfo, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_THAT(session.reports, IsEmpty());
+  return maskText(xInfo);
+}
+
+/// Vectors as files have them: each has a member, a blank one where the class knows none.
+Headers randomHeaders(std::mt19937& random) {
+  const std::string longName(39, 'L');
+  const Lines classes{"WELLS", "GROUPS",  "COMPLETIONS",   "NODES",
+                      "FIELD", "REGIONS", "MISCELLANEOUS", "TRACERS"};
+  const Lines members{
+      "P1", "P10", "W[1]", "[X", "I-1", "a b", longName + "1 and more", longName + "2 and more"};
+  Headers headers;
+  bool qOK = false;
+  headers.xStore(attributeMember).StoreInit(1, 60, 1, qOK);
+  for (auto n = random() % 40; n > 0; --n) {
+    const auto kind = random() % classes.size();
+    headers.add(classes[kind], kind < 4 ? members[random() % members.size()] : "");
+  }
+  return headers;
+}
+
+ECLIPSEINFO randomChoice(Headers& headers, std::mt19937& random) {
+  auto xInfo = headers.info();
+  const auto odds = 1 + random() % 6;
+  for (std::size_t i = 0; i < xInfo.xClass.size(); ++i) {
+    xInfo.qClassChosen[i] = xInfo.qClassPresent[i] && random() % odds != 0;
+    auto& chosen = xInfo.xClass[i].qMemberChosen;
+    for (std::size_t member = 0; member < chosen.size(); ++member) chosen[member] = random() % odds != 0;
+    if (xInfo.qClassChosen[i] && std::ranges::find(chosen, false) != chosen.end()) xInfo.qAllMembers = false;
+  }
+  return xInfo;
+}
+
+TEST(OnlyList, WhatAListIsMadeOfComesBackFromIt) {
+  int positive = 0, negative = 0, nothing = 0;
+  for (unsigned seed = 0; seed < 1000; ++seed) {
+    std::mt19937 random(seed);
+    auto headers = randomHeaders(random);
+    auto xInfo = randomChoice(headers, random);
+    ByteTable bOnly;
+    bool qOnly = false;
+    bool qOK = false;
+    CreateOnlyList(summary, xInfo, bOnly, qOnly, qOK);
+    ASSERT_TRUE(qOK) << seed;
+    const auto nOnly = ActualInOnlyList(summary, xInfo);
+    const auto nExcept = ActualInExceptList(summary, xInfo);
+    ASSERT_EQ(qOnly, nOnly <= nExcept) << seed;
+    ASSERT_EQ(bOnly.entries(), static_cast<std::size_t>(std::max(1, std::min(nOnly, nExcept)))) << seed;
+    const auto expected = nOnly == 0 ? maskText(headers.info()) : maskText(xInfo);  // nothing chosen: no list
+    ASSERT_EQ(expanded(headers, bOnly, qOnly), expected) << seed << testing::PrintToString(linesOf(bOnly));
+    ++(nOnly == 0 ? nothing : qOnly ? positive : negative);
+  }
+  EXPECT_TRUE(positive > 100 && negative > 100 && nothing > 10)
+      << positive << " " << negative << " " << nothing;
+}
+
+TEST(OnlyList, TheShorterSenseIsWritten) {
+  Headers headers;
+  headers.add("GROUPS", "G").add("WELLS", "P1").add("WELLS", "P2").add("WELLS", "P3").add("WELLS", "P4");
+  struct Row {
+    std::vector<bool> wells;
+    bool groups;
+    Lines lines;
+    bool qOnly;
+  };
+  const Row rows[] = {
+      {{true, true, true, true}, true, {"/"}, false},
+      {{false, false, false, false}, false, {"/"}, true},
+      {{true, true, true, true}, false, {"WELLS/ALL"}, true},  // one entry either way
+      {{true, false, false, false}, true, {"GROUPS/ALL", "WELLS/P1"}, true},
+      {{true, true, false, true}, true, {"WELLS/P3"}, false},
+      {{true, true, false, true}, false, {"GROUPS/ALL", "WELLS/P3"}, false},
+      {{false, false, false, false}, true, {"GROUPS/ALL"}, true},
+  };
+  for (const auto& row : rows) {
+    auto xInfo = headers.info();
+    classOf(xInfo, "WELLS").qMemberChosen = row.wells;
+    xInfo.qAllMembers = std::ranges::find(row.wells, false) == row.wells.end();
+    xInfo.qClassChosen[slot(5)] = row.groups;
+    if (row.lines == Lines{"/"}) xInfo.qClassChosen[slot(9)] = row.groups;
+    ByteTable bOnly;
+    bool qOnly = !row.qOnly;
+    bool qOK = false;
+    CreateOnlyList(summary, xInfo, bOnly, qOnly, qOK);
+    EXPECT_EQ(linesOf(bOnly), row.lines);
+    EXPECT_EQ(qOnly, row.qOnly) << row.lines[0];
+    CreateOnlyList(12, xInfo, bOnly, qOnly, qOK);
+    EXPECT_TRUE(qOK && qOnly && bOnly == emptyOnlyList()) << "a kind that has no lists";
+  }
+}
+
+TEST(OnlyList, AClassWithoutMembersHasNoEntryOnceMembersAreNamed) {
+  Headers headers;
+  auto xInfo = headers.add("FIELD", "-").add("WELLS", "P1").add("WELLS", "P2").info();
+  EXPECT_EQ(ActualInOnlyList(summary, xInfo), 2);
+  xInfo.qAllMembers = false;
+  classOf(xInfo, "WELLS").qMemberChosen[0] = false;
+  ByteTable bOnly = listOf({"stale/stale", "FIELD/stays"});
+  bool qOK = false;
+  OnlyList(summary, xInfo, bOnly, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_THAT(linesOf(bOnly), ElementsAre("WELLS/P2", "FIELD/stays"));
+  xInfo.qClassChosen[slot(4)] = false;
+  bOnly = ByteTable(onlyWidth, 1);
+  ExceptList(summary, xInfo, bOnly, qOK);
+  EXPECT_FALSE(qOK) << "one row is too few";
+  EXPECT_THAT(linesOf(bOnly), ElementsAre("FIELD/ALL"));
+  bOnly = ByteTable(onlyWidth - 1, 9);
+  OnlyList(summary, xInfo, bOnly, qOK);
+  EXPECT_FALSE(qOK);
+  EXPECT_EQ(bOnly, ByteTable(onlyWidth - 1, 9));
+}
+
+TEST(OnlyList, ListsExpandToVectors) {
+  const std::string longName(40, 'L');
+  Headers headers;
+  bool qOK = false;
+  headers.xStore(attributeMember).StoreInit(1, 60, 1, qOK);
+  headers.add("WELLS", "P1").add("WELLS", "P2").add("WELLS", "I*1").add("WELLS", longName + "1");
+  headers.add("GROUPS", "P1").add("FIELD", "").add("MISCELLANEOUS", "").add("TRACERS", "P1");
+  struct Row {
+    Lines lines;
+    bool qOnly;
+    std::string mask;
+  };
+  const Row rows[] = {
+      {{"/"}, true, "11111111"},
+      {{"/", "WELLS/ALL"}, true, "11111111"},  // the first entry says that it is empty
+      {{"WELLS/ALL"}, true, "11110011"},       // "MISCELLANEOUS" and unknown classes stay in any case
+      {{"WELLS/ALL"}, false, "00001111"},
+      {{"WELLS/*"}, true, "11110011"},
+      {{"WELLS/p#"}, true, "11000011"},
+      {{"WELLS/P[!1]", "FIELD/ALL"}, true, "01000111"},
+      {{"WELLS/?1"}, false, "01111111"},
+      {{"WELLS/I*1"}, true, "00100011"},
+      {{"WELLS/" + longName}, true, "00010011"},
+      {{"WELLS/*L1"}, false, "11101111"},
+      {{"WELLS/NOBODY"}, true, "00000011"},
+      {{"WELLS/"}, true, "00000011"},  // an entry without a member names nothing
+      {{"WELLS/P1", "WELLS/ALL"}, true, "11110011"},
+      {{"WELLS/ALL", "WELLS/P1"}, false, "00001111"},
+      {{"MISCELLANEOUS/ALL"}, false, "11111111"},
+      {{"LGR/ALL", "GROUPS/P*"}, false, "11110111"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(expanded(headers, listOf(row.lines), row.qOnly), row.mask)
+        << testing::PrintToString(row.lines) << row.qOnly;
+  }
+}
+
+TEST(OnlyList, AnUnknownClassWordIsAFault) {
+  Headers headers;
+  headers.add("FIELD", "").add("WELLS", "P1");
+  for (const auto* line : {"TRACERS/ALL", "TRACERS/P1"}) {
+    for (const bool qOnly : {true, false}) {
+      Reporting session;
+      ECLIPSEINFO xInfo;
+      bool qOK = true;
+      const auto bOnly = listOf({"FIELD/ALL", line, "WELLS/ALL"});
+      setECLIPSEINFOFromOnly(session, headers.xStore, headers.xVectors, bOnly, qOnly, xInfo, qOK);
+      EXPECT_FALSE(qOK);
+      EXPECT_THAT(
+          session.reports,
+          ElementsAre("Error:Subscript out of range (No.9) In [qvOnlyList (Code) (ExpandOnlyList)] "));
+      EXPECT_EQ(maskText(xInfo), qOnly ? "10" : "01") << "what came before it is applied";
+    }
+  }
+}
+
+TEST(OnlyList, EntriesTooShortForAMemberMakeItUnusable) {
+  Headers headers;
+  auto xInfo = headers.add("WELLS", "P1").info();
+  Session session;
+  ByteTable bOnly(55, 1);
+  bOnly.put(1, 1, 16, "GROUPS");
+  bOnly.put(1, 17, 39, "G");
+  bool qOK = true;
+  ExpandOnlyList(session, headers.xStore, headers.xVectors, bOnly, true, xInfo, qOK);
+  EXPECT_FALSE(qOK);
+  EXPECT_EQ(maskText(xInfo), "1");
+  EXPECT_FALSE(checkMembersInOnly(bOnly));
+  EXPECT_TRUE(checkMembersInOnly(listOf({"WELLS/ALL", "WELLS/*"})));
+  EXPECT_FALSE(checkMembersInOnly(listOf({"WELLS/ALL", "WELLS/"})));
+  EXPECT_TRUE(isEmptyOnlyList(ByteTable(15, 1, 'X')));
+}
+
+TEST(OnlyList, SaturationsAreChosenTogetherInRestartsOnly) {
+  ECLIPSEINFO xInfo;
+  const Lines names{"PRESSURE", "1SWAT", "SWAT", "SGAS", "RS", "SOIL"};
+  xInfo.bSolutionNames = ByteTable(8, names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) xInfo.bSolutionNames.put(i + 1, 1, 8, names[i]);
+  xInfo.nSolutionVectors = 6;
+  const auto list = [&](std::int32_t iType, std::vector<bool> chosen, bool& qOnly) {
+    xInfo.qSolutionChosen = std::move(chosen);
+    ByteTable bOnly;
+    bool qOK = false;
+    CreateOnlyList(iType, xInfo, bOnly, qOnly, qOK);
+    EXPECT_TRUE(qOK);
+    return linesOf(bOnly);
+  };
+  bool qOnly = false;
+  EXPECT_THAT(list(15, {false, false, false, true, false, false}, qOnly), ElementsAre("SGAS/"));
+  EXPECT_THAT(list(11, {false, false, false, true, false, false}, qOnly),
+              ElementsAre("1SWAT/", "SGAS/", "SOIL/"));
+  EXPECT_TRUE(qOnly) << "three either way";
+  EXPECT_THAT(list(11, {true, false, true, true, true, false}, qOnly), ElementsAre("1SWAT/"));
+  EXPECT_FALSE(qOnly) << "a name that is chosen already needs no second vector";
+  EXPECT_THAT(list(11, {true, false, false, false, false, false}, qOnly), ElementsAre("PRESSURE/"));
+  xInfo.nSolutionVectors = 99;
+  EXPECT_EQ(ActualInOnlyList(15, xInfo), 1) << "a count beyond the arrays";
+}
+
+TEST(OnlyList, TheTextListLooksAtAsManyItemsAsCount) {
+  Session session;
+  EXPECT_TRUE(checkEclipseONLYList(session, "FOPT"));
+  const Lines items{"FOPT", " WOPR P1 ", "FOPT", "GOPR G"};
+  for (const bool qOnly : {true, false}) {
+    setEclipseONLYList(session, items, qOnly);
+    for (const auto* name : {"FOPT", "WOPR P1", " GOPR G"}) {
+      EXPECT_EQ(checkEclipseONLYList(session, name), qOnly) << name;
+    }
+    EXPECT_EQ(checkEclipseONLYList(session, "fopt"), !qOnly);
+    session.part<SelectionState>().nOnly = 2;
+    EXPECT_EQ(checkEclipseONLYList(session, "WOPR P1"), qOnly);
+    EXPECT_EQ(checkEclipseONLYList(session, "GOPR G"), !qOnly);
+    session.part<SelectionState>().nOnly = 100000;
+    EXPECT_EQ(checkEclipseONLYList(session, "WOPT"), !qOnly);
+    session.part<SelectionState>().nOnly = 0;
+    EXPECT_TRUE(checkEclipseONLYList(session, "WOPT"));
+  }
+  Lines back;
+  bool qOnly = true;
+  getEclipseONLYList(session, back, qOnly);
+  EXPECT_EQ(back, items);
+  EXPECT_FALSE(qOnly);
+  setEclipseONLYList(session, Lines{"", "  "}, true);
+  EXPECT_TRUE(checkEclipseONLYList(session, "FOPT")) << "blank items are no list";
+}
+
+TEST(OnlyList, TextItems) {
+  const std::pair<OnlyItem, const char*> rows[] = {
+      {{"AQUIFERS", "", "AAQR", "x", "3"}, "AAQR AQUIFER 3"},
+      {{"COMPLETIONS", "", "COPR", "P1", "1 2 3"}, "COPR CELL 1 2 3 P1"},
+      {{"REGIONS", "", "RPR", "", "2"}, "RPR REGN 2"},
+      {{"BLOCKS", "", "BPR", "x", "1 2 3"}, "BPR CELL 1 2 3"},
+      {{"FIELD", "", " FOPT ", "x", "1"}, "FOPT"},
+      {{"WELLS", "", "WOPR", " P1", "1"}, "WOPR P1"},
+      {{"GROUPS", "", "GOPR", "", ""}, "GOPR"},
+      {{"MISCELLANEOUS", "", "TIME", "", ""}, "TIME"},
+      {{"LGR", "BLOCKS", "LBPR", "x", "1 2 3", "L1"}, "LBPR LGR L1 LOCAL 1 2 3"},
+      {{"LGR", "COMPLETIONS", "LCOPR", "P1", "1 2 3", "L1"}, "LCOPR LGR L1 LOCAL 1 2 3 P1"},
+      {{"LGR", "WELLS", "LWOPR", "P1", "1", "L1"}, "LWOPR LGR L1 P1"},
+      {{"SEGMENTS", "", "SOFR", "P1", "7"}, "SOFR P1 7"},
+  };
+  for (const auto& [item, text] : rows) EXPECT_EQ(AddToOnlyList(item), text);
+}
+
+}  // namespace
+}  // namespace lumbarn
