@@ -7,9 +7,11 @@
 
 #include "../files/Extensions.h"
 #include "../files/FileSets.h"
+#include "../shapes/HeaderLayout.h"
 #include "../summary/VectorSelection.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"
+#include "../support/Text.h"
 
 namespace lumbarn {
 
@@ -167,6 +169,7 @@ bool qvEclipseReader::loadSummary(SummaryLoad& load) {
   file.xSPEC.push_back(std::move(load.spec));
   file.ReadSUMMARYData(qOK);
   if (iStart != -1) AllData = false;
+  if (qOK && HorizWell) file.getHorizontalData(InFlow, Connect, MiniSteps, qOK);
   return qOK;
 }
 
@@ -270,6 +273,28 @@ void qvEclipseReader::GetStoreSUMMARYData(XYData& xyData, AttributeStores& xStor
     file.GetStoreSUMMARYData(xyData, xStore, bPointers, qDone);
   };
   fetchSummary("GetStoreSUMMARYData", fetch, vSourceData, bOnlyUsed, qOK);
+}
+
+void qvEclipseReader::getSUMMARYHorizontalData(std::int32_t iStep, bool qInflow, XYData& xyData,
+                                               ByteTable& bHeaders, SourceData& vSourceData, bool& qOK) {
+  if (!HorizWell) {  // deliberate: nothing was asked for, so nothing is missing
+    qOK = true;
+    return;
+  }
+  guarded(*session_, qOK, className, "getSUMMARYHorizontalData", [&] {
+    if (!summary_) return false;
+    bool qDone = false;
+    std::string zDate;
+    summary_->getHorizontalData(iStep, qInflow, xyData, bHeaders, zDate, qDone);
+    if (!qDone) return false;
+    fillSourceData(*summary_, vSourceData, qDone);
+    if (!qDone) return false;
+    const auto number = toInteger(ExtractAttribute(attributeIndex, bHeaders, 1));
+    vSourceData(4) = zDate;
+    vSourceData(6) = std::string(qInflow ? "Inflow" : "Connect");
+    vSourceData(8) = stepSlot(static_cast<std::int32_t>(number.value_or(0)));
+    return true;
+  });
 }
 
 void qvEclipseReader::InitSummaryKeys(bool& qOK) {

@@ -77,6 +77,11 @@ class qvEclipseReader : public ReaderOptions {
   /// The same with headers as 24 bytes of string numbers each into 14 stores.
   void GetStoreSUMMARYData(XYData& xyData, AttributeStores& xStore, ByteTable& bPointers,
                            SourceData& vSourceData, ByteTable& bOnlyUsed, bool& qOK);
+  /// One step, from 1 among those kept, of the profiles along wells that a load with `HorizWell` built:
+  /// accumulated with qInflow, else by connection. Row 1 holds the lengths, each other row one quantity:
+  /// xyData(iColumn, iRow). Without `HorizWell` it answers True and gives nothing.
+  void getSUMMARYHorizontalData(std::int32_t iStep, bool qInflow, XYData& xyData, ByteTable& bHeaders,
+                                SourceData& vSourceData, bool& qOK);
   /// All keys of the loaded summary wanted.
   void InitSummaryKeys(bool& qOK);
   void GetbOnly(ByteTable& only, bool& qSense, bool& qOK) const;

@@ -154,7 +154,8 @@ void SpecRecords::join() {
     checkCount("NUMLX", spec_.iNUMLX.size(), false);
     checkCount("NUMLY", spec_.iNUMLY.size(), false);
     checkCount("NUMLZ", spec_.iNUMLZ.size(), false);
-    if (spec_.iSTARTDAT.empty() && atEnd_) tell("STARTDAT", "record is missing", "left the rows without dates");
+    if (spec_.iSTARTDAT.empty() && atEnd_)
+      tell("STARTDAT", "record is missing", "left the rows without dates");
   }
   for (auto* array : {&spec_.iNUMS, &spec_.iNUMLX, &spec_.iNUMLY, &spec_.iNUMLZ}) array->resize(vectors, 0);
 }

@@ -66,6 +66,7 @@ bool qvEclipseSUMMARYFile::readChain() {
   qDamaged = false;
   unmatched.clear();
   rows_.clear();
+  times_.clear();
   bool qRead = false;
   auto spec = specOfNewestRun(qRead);
   xSPEC.clear();

@@ -11,6 +11,7 @@
 #include "../shapes/XYData.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "HorizontalData.h"
 #include "SummaryVector.h"
 #include "qvEclipseSPEC.h"
 #include "qvEclipseSUMMARY.h"
@@ -29,7 +30,8 @@ struct SummaryRow {
 /// can be done once.
 class qvEclipseSUMMARYFile {
  public:
-  explicit qvEclipseSUMMARYFile(Session& session = Session::process()) : session_(&session) {}
+  explicit qvEclipseSUMMARYFile(Session& session = Session::process())
+      : session_(&session), horizontal_(session) {}
 
   std::string zFileName;
   bool Formatted = false;
@@ -76,6 +78,16 @@ class qvEclipseSUMMARYFile {
   /// Source information: slots 2, 3, 4, 6, 7, 14, 23, 54, 56 and 57.
   void getFileInfo(SourceData& vSourceData, bool& qOK) const;
 
+  /// Builds the profiles along horizontal wells from the runs that are held, so before the fetch. True with
+  /// nothing built when neither table is asked for; False without a message when the connection vectors or
+  /// their lengths do not fit.
+  void getHorizontalData(bool qInflow, bool qConnect, bool qMiniSteps, bool& qOK);
+  /// One step, from 1, of a kept table, and its date: xyData(iColumn, iRow), the lengths in row 1.
+  void getHorizontalData(std::int32_t iStep, bool qInflow, XYData& xyData, ByteTable& bHeaders,
+                         std::string& zDate, bool& qOK);
+  /// Date text, "15 JUL 2003", of a row of the newest run, from 1.
+  void GetDateStamp(std::int32_t iRow, std::string& zDate, bool& qOK);
+
   void SetbOnly(const ByteTable& only, bool qSense) { bOnly = only, qOnly = qSense; }
   void setMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK);
 
@@ -105,11 +117,15 @@ class qvEclipseSUMMARYFile {
   bool takeNewest(XYData& xyData);
   template <class ReadHeaders, class Merge>
   bool fetch(XYData& xyData, ReadHeaders readHeaders, Merge merge);
+  bool getDataUsedForHorizontalWells(ByteTable& bHeaders, XYData& sData, std::vector<float>& sLengths,
+                                     std::string& zUnits);
   void prependRows(std::size_t count, const std::vector<SummaryRow>& earlier);
 
   Session* session_;
   std::vector<SummaryRow> rows_;
   std::optional<Moment> start_;
+  HorizontalData horizontal_;
+  std::vector<float> times_;  // of the newest run's rows; kept when profiles are built
 };
 
 }  // namespace lumbarn

@@ -150,7 +150,8 @@ TEST_P(EveryFraming, DamageAnywhereInTheSpecificationIsSurvived) {
   run.rows[0].values.resize(3);
   const auto spec = run.write(folder_, "RUN", form());
   const auto whole = run.spec(form());
-  for (std::size_t at = 0; at + 1 < whole.size(); ++at) {  // the last line end of a formatted file may be missing
+  for (std::size_t at = 0; at + 1 < whole.size();
+       ++at) {  // the last line end of a formatted file may be missing
     test::writeFile(spec, {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(at)});
     SummaryLoad cut(spec);
     EXPECT_FALSE(cut.run() && cut.session.diagnoses().empty()) << at;
