@@ -9,8 +9,8 @@
 
 namespace lumbarn {
 
-/// What a load dialog is told and what it gives back. It starts with the reader's settings; the dialog changes what the
-/// person chose.
+/// What a load dialog is told and what it gives back. It starts with the reader's settings; the dialog
+/// changes what the person chose.
 struct LoadDialogSettings {
   bool Unified = false;
   bool Formatted = false;
@@ -18,11 +18,11 @@ struct LoadDialogSettings {
   bool FORTRAN = true;
   std::string zOrigin;
   std::string FileName;
-  std::string zFileType;      ///< "SUMMARY"
-  bool hasLengths = false;    ///< along-well profiles can be had
+  std::string zFileType;    ///< "SUMMARY"
+  bool hasLengths = false;  ///< along-well profiles can be had
   std::int32_t iStart = -1;
   std::int32_t iEnd = -1;
-  bool Restart = false;       ///< follow the restart chain
+  bool Restart = false;  ///< follow the restart chain
   bool HorizWell = false;
   bool MiniSteps = false;
   bool InFlow = false;
@@ -30,13 +30,14 @@ struct LoadDialogSettings {
   std::vector<std::string> zFiles;  ///< files of a multiple set
 };
 
-/// A dialog through which a person chooses what to load; a host may supply one. Without it the reader takes the silent
-/// path.
+/// A dialog through which a person chooses what to load; a host may supply one. Without it the reader takes
+/// the silent path.
 class LoadDialog {
  public:
   virtual ~LoadDialog() = default;
-  /// Shows the dialog until it is closed. `spec` has the list of the file's records and its vectors; `selection` is
-  /// filled with the classes and members on offer, all chosen, and takes the choice. False when it was cancelled.
+  /// Shows the dialog until it is closed. `spec` has the list of the file's records and its vectors;
+  /// `selection` is filled with the classes and members on offer, all chosen, and takes the choice. False
+  /// when it was cancelled.
   virtual bool show(const qvEclipseSPEC& spec, ECLIPSEINFO& selection, LoadDialogSettings& settings) = 0;
 };
 

@@ -9,32 +9,32 @@
 
 namespace lumbarn {
 
-/// The options of `qvEclipseReader`, each with its default. Options of file kinds that are not read yet are carried and
-/// have no effect. Step and file ranges count from 1 for summaries; -1 leaves an end open.
+/// The options of `qvEclipseReader`, each with its default. Options of file kinds that are not read yet are
+/// carried and have no effect. Step and file ranges count from 1 for summaries; -1 leaves an end open.
 struct ReaderOptions {
-  bool LoadData = true;            ///< load data after reading the header part
+  bool LoadData = true;  ///< load data after reading the header part
   bool FullWellInfo = false;
   std::int32_t MarkerMethod = 3;
   std::int32_t FaceVisibility = 3;
-  std::string FileName;            ///< the file; for a summary its specification
-  std::string zOrigin;             ///< case label; when empty, taken from the file name
-  std::string zOnly;               ///< vectors to load, by full name or pattern, commas between; empty: all
-  std::string zExcept;             ///< vectors to leave out, likewise
+  std::string FileName;  ///< the file; for a summary its specification
+  std::string zOrigin;   ///< case label; when empty, taken from the file name
+  std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
+  std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  std::int32_t whichtype = 0;      ///< file kind code: 12 and 13 summary
-  bool Silent = false;             ///< no dialog
-  bool Formatted = true;           ///< form of the file; replaced by what recognition finds, as the next two
+  std::int32_t whichtype = 0;  ///< file kind code: 12 and 13 summary
+  bool Silent = false;         ///< no dialog
+  bool Formatted = true;       ///< form of the file; replaced by what recognition finds, as the next two
   bool UNIX = false;
   bool byteSwap = false;
-  bool Unified = false;            ///< one file for all steps; found out when no multiple files are there
-  bool NoRestart = true;           ///< do not follow the restart chain of a summary
+  bool Unified = false;   ///< one file for all steps; found out when no multiple files are there
+  bool NoRestart = true;  ///< do not follow the restart chain of a summary
   bool NoSat = true;
   bool NoPVT = true;
   bool NNC = false;
   bool CompressOnLoad = true;
   bool Coarsened = true;
   bool WellSeg = false;
-  bool AllData = true;             ///< all steps wanted
+  bool AllData = true;  ///< all steps wanted
   bool NoInactive = false;
   bool GridPrompts = false;
   bool EclipseNames = true;
@@ -48,7 +48,7 @@ struct ReaderOptions {
   std::int32_t RowLGR = 0;
   std::string RowDateFormat;
   std::int32_t FixedLength = 0;
-  std::int32_t iStart = -1;        ///< step or file range; -1 is open
+  std::int32_t iStart = -1;  ///< step or file range; -1 is open
   std::int32_t iEnd = -1;
   std::int32_t ReadPosition = -1;  ///< resume position of a unified summary, low word, counted from 1
   PositionWords ReadPosition64;    ///< the same, both words; this is the one that is used
@@ -72,17 +72,17 @@ struct ReaderOptions {
   bool ProcessPLT = true;
   bool SortedPLT = true;
   bool ScaledPLT = true;
-  bool HorizWell = false;          ///< build along-well profiles after a summary load
-  bool MiniSteps = false;          ///< profiles at every row, not only at the last of each report step
-  bool InFlow = false;             ///< profiles accumulated along the well
-  bool Connect = false;            ///< profiles by connection
+  bool HorizWell = false;  ///< build along-well profiles after a summary load
+  bool MiniSteps = false;  ///< profiles at every row, not only at the last of each report step
+  bool InFlow = false;     ///< profiles accumulated along the well
+  bool Connect = false;    ///< profiles by connection
   bool RecordScheduleDeck = false;
   bool RecordReportStepKeywords = false;
   bool PrepareBaseRun = false;
   bool RecordComments = false;
   bool AppendSchedule = false;
   bool IPRCurve = false;
-  bool SaveScratchFiles = false;   ///< hand over the scratch file of a table that memory cannot hold
+  bool SaveScratchFiles = false;  ///< hand over the scratch file of a table that memory cannot hold
   bool LoadHPGridFiles = false;
   bool SaveHPGridFiles = false;
   bool HPGAllowed = false;

@@ -23,7 +23,8 @@ std::string versionText() {
 
 }  // namespace
 
-std::string qvEclipseInfo::DLLVersion(const std::string& LOGFILE, const std::string& StartupMsg, bool qLogToFile) {
+std::string qvEclipseInfo::DLLVersion(const std::string& LOGFILE, const std::string& StartupMsg,
+                                      bool qLogToFile) {
   const std::string text = versionText();
   if (qLogToFile && !LOGFILE.empty()) {
     logFile_ = std::filesystem::path(LOGFILE).replace_extension(".txt").string();

@@ -7,9 +7,11 @@
 
 #include "../files/Extensions.h"
 #include "../files/FileSets.h"
+#include "../shapes/HeaderLayout.h"
+#include "../summary/VectorSelection.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"
-#include "../summary/VectorSelection.h"
+#include "../support/Text.h"
 
 namespace lumbarn {
 
@@ -167,10 +169,12 @@ bool qvEclipseReader::loadSummary(SummaryLoad& load) {
   file.xSPEC.push_back(std::move(load.spec));
   file.ReadSUMMARYData(qOK);
   if (iStart != -1) AllData = false;
+  if (qOK && HorizWell) file.getHorizontalData(InFlow, Connect, MiniSteps, qOK);
   return qOK;
 }
 
-/// The text options and the lists of patterns choose together; the session's text list follows the text options.
+/// The text options and the lists of patterns choose together; the session's text list follows the text
+/// options.
 void qvEclipseReader::takePatterns(qvEclipseSUMMARYFile& file) const {
   file.onlyPatterns = VectorPatterns;
   file.exceptPatterns = ExceptPatterns;
@@ -215,7 +219,8 @@ bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   return true;
 }
 
-void qvEclipseReader::fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData, bool& qOK) const {
+void qvEclipseReader::fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData,
+                                     bool& qOK) const {
   file.getFileInfo(vSourceData, qOK);
   if (!qOK) return;
   vSourceData(1) = zOrigin;
@@ -233,9 +238,10 @@ void qvEclipseReader::fillSourceData(const qvEclipseSUMMARYFile& file, SourceDat
 
 /// What both forms of fetching share.
 template <class Fetch>
-void qvEclipseReader::fetchSummary(const char* routine, Fetch fetch, SourceData& vSourceData, ByteTable& bOnlyUsed,
-                                   bool& qOK) {
-  // Deliberate: for other codes, 13 among them, nothing is handed out and the answer is True. Hosts test the code.
+void qvEclipseReader::fetchSummary(const char* routine, Fetch fetch, SourceData& vSourceData,
+                                   ByteTable& bOnlyUsed, bool& qOK) {
+  // Deliberate: for other codes, 13 among them, nothing is handed out and the answer is True. Hosts test the
+  // code.
   if (whichtype != 12) {
     qOK = true;
     return;
@@ -269,6 +275,28 @@ void qvEclipseReader::GetStoreSUMMARYData(XYData& xyData, AttributeStores& xStor
   fetchSummary("GetStoreSUMMARYData", fetch, vSourceData, bOnlyUsed, qOK);
 }
 
+void qvEclipseReader::getSUMMARYHorizontalData(std::int32_t iStep, bool qInflow, XYData& xyData,
+                                               ByteTable& bHeaders, SourceData& vSourceData, bool& qOK) {
+  if (!HorizWell) {  // deliberate: nothing was asked for, so nothing is missing
+    qOK = true;
+    return;
+  }
+  guarded(*session_, qOK, className, "getSUMMARYHorizontalData", [&] {
+    if (!summary_) return false;
+    bool qDone = false;
+    std::string zDate;
+    summary_->getHorizontalData(iStep, qInflow, xyData, bHeaders, zDate, qDone);
+    if (!qDone) return false;
+    fillSourceData(*summary_, vSourceData, qDone);
+    if (!qDone) return false;
+    const auto number = toInteger(ExtractAttribute(attributeIndex, bHeaders, 1));
+    vSourceData(4) = zDate;
+    vSourceData(6) = std::string(qInflow ? "Inflow" : "Connect");
+    vSourceData(8) = stepSlot(static_cast<std::int32_t>(number.value_or(0)));
+    return true;
+  });
+}
+
 void qvEclipseReader::InitSummaryKeys(bool& qOK) {
   qOK = summary_ != nullptr;
   if (qOK) summary_->SetKeys();
@@ -286,14 +314,12 @@ void qvEclipseReader::SetbOnly(const ByteTable& only, bool qSense, bool& qOK) {
   qOK = true;
 }
 
-void qvEclipseReader::setEclipseSequenceLimits_M(std::string_view zKind, std::int32_t& iFirst, std::int32_t& iLast,
-                                                 bool& qOK) const {
+void qvEclipseReader::setEclipseSequenceLimits_M(std::string_view zKind, std::int32_t& iFirst,
+                                                 std::int32_t& iLast, bool& qOK) const {
   setEclipseSequenceLimits(zKind, Unified, iStart, iEnd, iFirst, iLast, qOK);
 }
 
-std::int32_t qvEclipseReader::Count() const {
-  return session_->part<SelectionState>().nOnly;
-}
+std::int32_t qvEclipseReader::Count() const { return session_->part<SelectionState>().nOnly; }
 
 std::int32_t qvEclipseReader::NumberTimeSteps() const { return static_cast<std::int32_t>(Rows().size()); }
 
@@ -340,7 +366,9 @@ std::vector<Moment> qvEclipseReader::RowDates(const XYData& xyData) {
   return dates;
 }
 
-std::optional<Moment> qvEclipseReader::StartDate() const { return summary_ ? summary_->start() : std::nullopt; }
+std::optional<Moment> qvEclipseReader::StartDate() const {
+  return summary_ ? summary_->start() : std::nullopt;
+}
 
 std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
   return summary_ ? summary_->unmatched : std::vector<std::string>{};

@@ -26,15 +26,16 @@ struct FileDescriptor {
   std::int32_t iType = 0;  ///< file kind code, 0 when not known
 };
 
-/// The public object: options, a file, load operations, and fetch operations for what was loaded. Set the options
-/// (they are plain members), call `ECLReadData` or a `ReadXxxFile`, then fetch.
+/// The public object: options, a file, load operations, and fetch operations for what was loaded. Set the
+/// options (they are plain members), call `ECLReadData` or a `ReadXxxFile`, then fetch.
 ///
-/// Operations never throw. Those with qOK set it False on entry and True as their last act; results are then whole.
-/// After a failure the outputs hold nothing of use unless told otherwise, and the session's diagnoses say why: path,
-/// record and byte. All results are the caller's; a table is moved out, so it can be fetched once for each load.
+/// Operations never throw. Those with qOK set it False on entry and True as their last act; results are then
+/// whole. After a failure the outputs hold nothing of use unless told otherwise, and the session's diagnoses
+/// say why: path, record and byte. All results are the caller's; a table is moved out, so it can be fetched
+/// once for each load.
 ///
-/// One object serves one load at a time. Objects that share a session must not load at the same time; give each its own
-/// to load in parallel.
+/// One object serves one load at a time. Objects that share a session must not load at the same time; give
+/// each its own to load in parallel.
 class qvEclipseReader : public ReaderOptions {
  public:
   explicit qvEclipseReader(Session& session = Session::process());
@@ -49,14 +50,15 @@ class qvEclipseReader : public ReaderOptions {
 
   /// Reads `FileName` as what `whichtype` says. Codes with no reader leave qOK False and change nothing.
   void ECLReadData(bool& qOK);
-  /// Reads a summary: `FileName` is its specification. The data files, unified or multiple, and with `NoRestart` False
-  /// the earlier runs of the chain are found from it. A last record that is not whole, as a running simulation leaves
-  /// it, is told as a diagnosis and no failure.
+  /// Reads a summary: `FileName` is its specification. The data files, unified or multiple, and with
+  /// `NoRestart` False the earlier runs of the chain are found from it. A last record that is not whole, as a
+  /// running simulation leaves it, is told as a diagnosis and no failure.
   void ReadSummaryFile(bool& qOK);
 
   // --- Recognition
 
-  /// Tells a file's kind by its content and sets `whichtype` to it. False, and nothing set, for a file of no known kind.
+  /// Tells a file's kind by its content and sets `whichtype` to it. False, and nothing set, for a file of no
+  /// known kind.
   bool CheckifEclipse(FileDescriptor& uFileDesc);
   /// Whether a file is of the kind of a code.
   bool CheckECLIPSEFileType(const std::string& zFileName, std::int32_t iFileType);
@@ -67,19 +69,26 @@ class qvEclipseReader : public ReaderOptions {
 
   // --- Summary results
 
-  /// The table, rows by vectors: singles as in the file, in its units. One 233-byte header for each vector, the source
-  /// information, and the selection used. Works for `whichtype` 12 only: for any other it answers True and gives
-  /// nothing, as hosts know it.
-  void GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData, ByteTable& bOnlyUsed, bool& qOK);
+  /// The table, rows by vectors: singles as in the file, in its units. One 233-byte header for each vector,
+  /// the source information, and the selection used. Works for `whichtype` 12 only: for any other it answers
+  /// True and gives nothing, as hosts know it.
+  void GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData, ByteTable& bOnlyUsed,
+                      bool& qOK);
   /// The same with headers as 24 bytes of string numbers each into 14 stores.
-  void GetStoreSUMMARYData(XYData& xyData, AttributeStores& xStore, ByteTable& bPointers, SourceData& vSourceData,
-                           ByteTable& bOnlyUsed, bool& qOK);
+  void GetStoreSUMMARYData(XYData& xyData, AttributeStores& xStore, ByteTable& bPointers,
+                           SourceData& vSourceData, ByteTable& bOnlyUsed, bool& qOK);
+  /// One step, from 1 among those kept, of the profiles along wells that a load with `HorizWell` built:
+  /// accumulated with qInflow, else by connection. Row 1 holds the lengths, each other row one quantity:
+  /// xyData(iColumn, iRow). Without `HorizWell` it answers True and gives nothing.
+  void getSUMMARYHorizontalData(std::int32_t iStep, bool qInflow, XYData& xyData, ByteTable& bHeaders,
+                                SourceData& vSourceData, bool& qOK);
   /// All keys of the loaded summary wanted.
   void InitSummaryKeys(bool& qOK);
   void GetbOnly(ByteTable& only, bool& qSense, bool& qOK) const;
   void SetbOnly(const ByteTable& only, bool qSense, bool& qOK);
   /// Step limits for a record loop over `FileName`'s set, from `iStart` and `iEnd`.
-  void setEclipseSequenceLimits_M(std::string_view zKind, std::int32_t& iFirst, std::int32_t& iLast, bool& qOK) const;
+  void setEclipseSequenceLimits_M(std::string_view zKind, std::int32_t& iFirst, std::int32_t& iLast,
+                                  bool& qOK) const;
   /// Vectors in the table that was last loaded or fetched.
   std::int32_t Count() const;
   /// Rows of it.
@@ -91,12 +100,13 @@ class qvEclipseReader : public ReaderOptions {
 
   /// The vectors of a specification, dummies left out, without reading data. `FileName` is the specification.
   std::vector<SummaryVector> ListSummaryVectors(bool& qOK);
-  /// The vectors of the table that `GetSUMMARYData` gave last, one for each column, in order; `column` is the column.
+  /// The vectors of the table that `GetSUMMARYData` gave last, one for each column, in order; `column` is the
+  /// column.
   const std::vector<SummaryVector>& Vectors();
   /// The rows of the table that was loaded or fetched last: run, file and report step of each.
   const std::vector<SummaryRow>& Rows() const;
-  /// The moment of each row of a fetched table, from the start date with its time of day and the time in its first
-  /// column. Empty when the file has no start date or the table no TIME.
+  /// The moment of each row of a fetched table, from the start date with its time of day and the time in its
+  /// first column. Empty when the file has no start date or the table no TIME.
   std::vector<Moment> RowDates(const XYData& xyData);
   /// Start of the run, with its time of day.
   std::optional<Moment> StartDate() const;
@@ -116,7 +126,8 @@ class qvEclipseReader : public ReaderOptions {
   void takePatterns(qvEclipseSUMMARYFile& file) const;
   void SetOriginFromFileName();
   template <class Fetch>
-  void fetchSummary(const char* routine, Fetch fetch, SourceData& vSourceData, ByteTable& bOnlyUsed, bool& qOK);
+  void fetchSummary(const char* routine, Fetch fetch, SourceData& vSourceData, ByteTable& bOnlyUsed,
+                    bool& qOK);
   void fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData, bool& qOK) const;
 
   Session* session_;

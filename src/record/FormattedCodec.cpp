@@ -15,6 +15,13 @@ constexpr std::size_t longestToken = 80;
 
 bool isBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
 
+std::string shown(std::string_view text) {
+  text = text.substr(0, std::min<std::size_t>(text.find_first_of("\r\n"), 24));
+  std::string printable;
+  for (const char c : text) printable += c >= ' ' && c <= '~' ? c : '?';
+  return '"' + printable + '"';
+}
+
 /// Reads characters of a file in order, through the window.
 class TextScanner {
  public:
@@ -51,6 +58,15 @@ class TextScanner {
   }
 
   std::string_view rest() const { return text_.substr(at_); }
+
+  /// Tells that what stands here is not what should. In the last line of a file that has no line end it is
+  /// what a writer that was stopped leaves.
+  [[noreturn]] void fail(const char* problem, const char* expected) const {
+    const bool lastLine = rest().find('\n') == std::string_view::npos;
+    if (lastLine && position() + rest().size() >= window_->size())
+      throwCutOff(position(), expected, shown(rest()));
+    throwBadRecord(problem, position(), expected, shown(rest()));
+  }
   void take(std::size_t count) { at_ += count; }
 
  private:
@@ -72,13 +88,6 @@ class TextScanner {
   std::size_t at_ = 0;
   bool ended_ = false;
 };
-
-std::string shown(std::string_view text) {
-  text = text.substr(0, std::min<std::size_t>(text.find_first_of("\r\n"), 24));
-  std::string printable;
-  for (const char c : text) printable += c >= ' ' && c <= '~' ? c : '?';
-  return '"' + printable + '"';
-}
 
 /// The text between quotes at the start of `text`: `width` characters, or fewer from a writer that does not
 /// pad. Gives the characters taken, quotes included; 0 when there is no such text.
@@ -130,7 +139,7 @@ void takeNumber(TextScanner& scanner, std::byte* out) {
   T value{};
   const auto taken = parseNumber(scanner.rest(), value);
   if (taken == 0 || !endsNumber(scanner.rest().substr(taken))) {
-    throwBadRecord("no number", scanner.position(), "a number", shown(scanner.rest()));
+    scanner.fail("no number", "a number");
   }
   if (out) std::memcpy(out, &value, sizeof value);
   scanner.take(taken);
@@ -139,7 +148,7 @@ void takeNumber(TextScanner& scanner, std::byte* out) {
 void takeLogical(TextScanner& scanner, std::byte* out) {
   const char letter = scanner.rest()[0];
   if (letter != 'T' && letter != 'F') {
-    throwBadRecord("no logical value", scanner.position(), "T or F", shown(scanner.rest()));
+    scanner.fail("no logical value", "T or F");
   }
   const std::int32_t value = letter == 'T' ? -1 : 0;
   if (out) std::memcpy(out, &value, sizeof value);
@@ -149,7 +158,7 @@ void takeLogical(TextScanner& scanner, std::byte* out) {
 void takeText(TextScanner& scanner, std::size_t width, std::byte* out) {
   std::string_view content;
   const auto taken = quoted(scanner.rest(), width, content);
-  if (taken == 0) throwBadRecord("no text", scanner.position(), "a text in quotes", shown(scanner.rest()));
+  if (taken == 0) scanner.fail("no text", "a text in quotes");
   if (out) {
     std::memset(out, ' ', width);
     std::memcpy(out, content.data(), content.size());
@@ -163,8 +172,7 @@ void takeAll(TextScanner& scanner, std::uint64_t skip, std::uint64_t count, std:
              std::size_t outWidth, std::byte* out, Take take) {
   for (std::uint64_t i = 0; i < skip + count; ++i) {
     if (!scanner.skipBlanks(token)) {
-      throwCutOff(scanner.position(),
-                     fmt::format("{} more elements", skip + count - i), "end of file");
+      throwCutOff(scanner.position(), fmt::format("{} more elements", skip + count - i), "end of file");
     }
     const bool wanted = out && i >= skip;
     take(scanner, wanted ? out + (i - skip) * outWidth : nullptr);
@@ -239,9 +247,7 @@ bool FormattedCodec::readHeader(Window& window, std::uint64_t position, RecordHe
   if (!scanner.skipBlanks()) return false;
   const auto quote = scanner.position();
   const auto taken = parseHeader(scanner.rest(), header);
-  if (taken == 0) {
-    throwBadRecord("no record header", quote, "'KEYWORD ' count 'TYPE'", shown(scanner.rest()));
-  }
+  if (taken == 0) scanner.fail("no record header", "'KEYWORD ' count 'TYPE'");
   scanner.take(taken);
   scanner.skipLineEnd();
   header.headerAt = quote > position ? quote - 1 : quote;
@@ -261,8 +267,7 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
   const auto count = static_cast<std::uint64_t>(header.count);
   if (count > left / 2 + 1) {
-    throwCutOff(header.dataAt, fmt::format("{} elements", count),
-                   fmt::format("{} bytes", left));
+    throwCutOff(header.dataAt, fmt::format("{} elements", count), fmt::format("{} bytes", left));
   }
   const auto before = window.at(header.dataAt - std::min<std::uint64_t>(header.dataAt, 2), 2);
   layout.lineEndBytes = before.size() >= 2 && before[0] == std::byte{'\r'} ? 2 : 1;

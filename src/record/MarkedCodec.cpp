@@ -95,8 +95,7 @@ DataLayout MarkedCodec::locate(Window& window, const RecordHeader& header) const
 
   const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
   if (static_cast<std::uint64_t>(header.count) > left / static_cast<std::uint64_t>(header.width)) {
-    throwCutOff(header.dataAt, fmt::format("{} elements", header.count),
-                   fmt::format("{} bytes", left));
+    throwCutOff(header.dataAt, fmt::format("{} elements", header.count), fmt::format("{} bytes", left));
   }
   const std::uint64_t bytes = dataLength(header);
   const std::uint64_t firstBlock = std::min(bytes, blockLength(header));

@@ -38,7 +38,8 @@ void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns
   }
 }
 
-void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int32_t> vectors, XYData& table) {
+void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int32_t> vectors,
+                        XYData& table) {
   if (table.rows() != rows.size() || table.columns() != vectors.size()) throw Fault(FaultNumber::InvalidCall);
   rowsDone_ = 0;
   vectors_ = vectors;

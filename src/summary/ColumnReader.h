@@ -13,15 +13,16 @@
 
 namespace lumbarn {
 
-/// Reads columns of indexed rows: row after row from the files, a tile of rows at a time, each tile then turned into
-/// pieces of columns.
+/// Reads columns of indexed rows: row after row from the files, a tile of rows at a time, each tile then
+/// turned into pieces of columns.
 class ColumnReader {
  public:
   ColumnReader(std::span<const std::string> files, const Form& form, std::int32_t nValues, Session& session)
       : files_(files), form_(form), nValues_(nValues), session_(session) {}
 
-  /// Fills the table, rows.size() by vectors.size(); vectors are numbers from 1, ascending. Throws BadRecord at damage
-  /// that the index did not meet, with `rowsDone` whole rows in the table. Ends early when the load is cancelled.
+  /// Fills the table, rows.size() by vectors.size(); vectors are numbers from 1, ascending. Throws BadRecord
+  /// at damage that the index did not meet, with `rowsDone` whole rows in the table. Ends early when the load
+  /// is cancelled.
   void read(std::span<const RowPlace> rows, std::span<const std::int32_t> vectors, XYData& table);
   std::size_t rowsDone() const { return rowsDone_; }
 
@@ -42,7 +43,9 @@ class ColumnReader {
   std::size_t rowsDone_ = 0;
 };
 
-/// Turns `rows` rows of `columns` values into pieces of columns of the table, from row `firstRow` (from 0) on.
-void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns, std::size_t firstRow, XYData& table);
+/// Turns `rows` rows of `columns` values into pieces of columns of the table, from row `firstRow` (from 0)
+/// on.
+void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns, std::size_t firstRow,
+              XYData& table);
 
 }  // namespace lumbarn

@@ -32,7 +32,8 @@ std::vector<std::string> earlierRunCandidates(std::string_view zRoot, const std:
   if (dot != std::string::npos && dot > 0 && (slash == std::string::npos || dot > slash + 1)) {
     roots.push_back(root.substr(0, dot));
   }
-  if (slash != std::string::npos) roots.push_back(root.substr(slash + 1));  // the run has moved together with its past
+  if (slash != std::string::npos)
+    roots.push_back(root.substr(slash + 1));  // the run has moved together with its past
 
   std::vector<std::string> candidates;
   for (const auto& name : roots) {
@@ -46,8 +47,8 @@ std::vector<std::string> earlierRunCandidates(std::string_view zRoot, const std:
   return candidates;
 }
 
-std::unique_ptr<qvEclipseSPEC> findEarlierRun(std::string_view zRoot, const std::string& zLaterRun, bool qFormatted,
-                                              Session& session) {
+std::unique_ptr<qvEclipseSPEC> findEarlierRun(std::string_view zRoot, const std::string& zLaterRun,
+                                              bool qFormatted, Session& session) {
   const auto candidates = earlierRunCandidates(zRoot, zLaterRun, qFormatted);
   for (const auto& candidate : candidates) {
     std::error_code none;

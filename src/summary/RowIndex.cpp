@@ -106,7 +106,9 @@ class RowWalk {
 
 }  // namespace
 
-RowIndex indexRows(const RowIndexRequest& request, Session& session) { return RowWalk(request, session).run(); }
+RowIndex indexRows(const RowIndexRequest& request, Session& session) {
+  return RowWalk(request, session).run();
+}
 
 std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const Form& form, Session& session) {
   constexpr std::array<std::string_view, 3> firstWords{"SEQHDR", "MINISTEP", "PARAMS"};

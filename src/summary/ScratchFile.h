@@ -8,8 +8,8 @@
 
 namespace lumbarn {
 
-/// A temporary file of raw singles, in the folder for temporary files and never beside the data. Removed with the
-/// object unless it is handed over. Whatever fails throws Fault 62 with a text that says why.
+/// A temporary file of raw singles, in the folder for temporary files and never beside the data. Removed with
+/// the object unless it is handed over. Whatever fails throws Fault 62 with a text that says why.
 class ScratchFile {
  public:
   explicit ScratchFile(const std::string& prefix);

@@ -30,6 +30,19 @@ std::string restartName(RecordCursor& cursor) {
   return std::string(trim(cutAtNul(name)));
 }
 
+std::string_view attributeRecord(std::int32_t iAttribute) {
+  switch (iAttribute) {
+    case attributeVariable:
+      return "KEYWORDS";
+    case attributeMember:
+      return "WGNAMES";
+    case attributeUnits:
+      return "UNITS";
+    default:
+      return "LGRS";
+  }
+}
+
 }  // namespace
 
 bool SpecRecords::read() {
@@ -125,6 +138,10 @@ void SpecRecords::join() {
   for (const std::int32_t iAttribute : {attributeVariable, attributeMember, attributeUnits, attributeLGRS}) {
     const std::vector<std::int32_t>& numbers = pointers_[static_cast<std::size_t>(iAttribute)];
     const std::size_t count = std::min(numbers.size(), vectors);
+    if (spec_.xStore(iAttribute).count() > std::numeric_limits<std::int16_t>::max()) {
+      tell(attributeRecord(iAttribute), "record holds more different texts than a header can number",
+           "stopped");
+    }
     for (std::size_t i = 0; i < count; ++i) setPointer(spec_.xVectors[i], iAttribute, numbers[i]);
   }
   if (!haveKeywords_) {
@@ -137,6 +154,8 @@ void SpecRecords::join() {
     checkCount("NUMLX", spec_.iNUMLX.size(), false);
     checkCount("NUMLY", spec_.iNUMLY.size(), false);
     checkCount("NUMLZ", spec_.iNUMLZ.size(), false);
+    if (spec_.iSTARTDAT.empty() && atEnd_)
+      tell("STARTDAT", "record is missing", "left the rows without dates");
   }
   for (auto* array : {&spec_.iNUMS, &spec_.iNUMLX, &spec_.iNUMLY, &spec_.iNUMLZ}) array->resize(vectors, 0);
 }

@@ -18,7 +18,6 @@ namespace lumbarn {
 namespace {
 
 constexpr const char* className = "qvEclipseSPEC";
-constexpr std::int32_t fileKindCode = 12;
 constexpr std::size_t yieldInterval = 1000;
 
 /// RESTART and INIT files begin with INTEHEAD too; the second record tells them from a specification.

@@ -18,8 +18,8 @@ namespace {
 
 constexpr const char* className = "qvEclipseSUMMARY";
 
-/// Columns that are gathered at once for a scratch file: enough to make few passes over the files, little enough for a
-/// machine that has just run out of memory.
+/// Columns that are gathered at once for a scratch file: enough to make few passes over the files, little
+/// enough for a machine that has just run out of memory.
 constexpr std::size_t scratchBytes = std::size_t{64} << 20;
 
 std::uint64_t totalSize(std::span<const std::string> files) {
@@ -38,7 +38,8 @@ std::int64_t estimatedRows(std::uint64_t bytes, std::int64_t nFiles, std::int64_
   const auto files = static_cast<std::uint64_t>(std::max<std::int64_t>(nFiles, 1));
   const std::uint64_t perFile = std::max<std::uint64_t>(bytes / files, 1);
   if (nVectors < 1) return 1;
-  const double rows = static_cast<double>(perFile) * static_cast<double>(files) / (static_cast<double>(nVectors) * 4) + 1;
+  const double rows =
+      static_cast<double>(perFile) * static_cast<double>(files) / (static_cast<double>(nVectors) * 4) + 1;
   return static_cast<std::int64_t>(rows);
 }
 
@@ -102,7 +103,8 @@ bool qvEclipseSUMMARY::readRun() {
   index_ = indexRows(request, *session_);
   iPosition = index_.resume.low;
   iPositionHigh = index_.resume.high;
-  nRows = static_cast<std::int32_t>(std::min<std::size_t>(index_.rows.size(), std::numeric_limits<std::int32_t>::max()));
+  nRows = static_cast<std::int32_t>(
+      std::min<std::size_t>(index_.rows.size(), std::numeric_limits<std::int32_t>::max()));
   iSteps = stepsAfterGrowth(index_.rows, estimatedRows(totalSize(zFiles), nFiles, nSelected));
   qDamaged = index_.damaged || index_.cutOff;
   if (!index_.opened || index_.cancelled) return false;
@@ -119,8 +121,8 @@ bool qvEclipseSUMMARY::readRun() {
   return !qDamaged || AcceptDamaged || !index_.damaged;
 }
 
-/// The columns of these vectors, of the rows that can be read: damage within a row that only reading meets cuts the
-/// index there.
+/// The columns of these vectors, of the rows that can be read: damage within a row that only reading meets
+/// cuts the index there.
 XYData qvEclipseSUMMARY::readColumns(std::span<const std::int32_t> vectors) {
   XYData table(index_.rows.size(), vectors.size(), *session_);
   readInto(table, vectors);
@@ -190,8 +192,8 @@ void qvEclipseSUMMARY::GetReportSteps(std::vector<std::int32_t>& iReportSteps, b
   qOK = true;
 }
 
-/// The table by way of a file on disk, for a machine that cannot hold it twice, or at all: the host may read such a file
-/// by itself, piece by piece.
+/// The table by way of a file on disk, for a machine that cannot hold it twice, or at all: the host may read
+/// such a file by itself, piece by piece.
 void qvEclipseSUMMARY::throughScratchFile(XYData& xyData) {
   ScratchFile scratch("ES");
   writeScratchFile(scratch);
@@ -210,12 +212,14 @@ void qvEclipseSUMMARY::writeScratchFile(ScratchFile& scratch) {
     const std::int32_t header[] = {2, 2, 3, 1, 1, nRows, nSelected};
     scratch.write(std::span<const std::int32_t>(header));
   }
-  const std::size_t limit = session_->memoryLimit == 0 ? scratchBytes : std::min(scratchBytes, session_->memoryLimit);
+  const std::size_t limit =
+      session_->memoryLimit == 0 ? scratchBytes : std::min(scratchBytes, session_->memoryLimit);
   const std::size_t atOnce = std::max<std::size_t>(1, limit / sizeof(float) / std::max<std::size_t>(rows, 1));
   for (std::size_t first = 0; first < iSelected.size() && !session_->cancelled(); first += atOnce) {
     const auto part = std::span(iSelected).subspan(first, std::min(atOnce, iSelected.size() - first));
     const auto table = readColumns(part);
-    if (table.rows() != rows) throw Fault(FaultNumber::PastEnd, "the summary data changed while they were read");
+    if (table.rows() != rows)
+      throw Fault(FaultNumber::PastEnd, "the summary data changed while they were read");
     scratch.write(table.values());
   }
   scratch.finish();

@@ -14,8 +14,8 @@ namespace lumbarn {
 
 class ScratchFile;
 
-/// The data files of one run: finds its rows, reads the wanted columns of them straight into the table that is handed
-/// out. Set the members, call `getEclipseSummaryFile`, then fetch.
+/// The data files of one run: finds its rows, reads the wanted columns of them straight into the table that
+/// is handed out. Set the members, call `getEclipseSummaryFile`, then fetch.
 class qvEclipseSUMMARY {
  public:
   explicit qvEclipseSUMMARY(Session& session = Session::process()) : session_(&session) {}
@@ -31,33 +31,35 @@ class qvEclipseSUMMARY {
   std::int32_t iPosition = -1;  ///< resume position in a unified file, before and after reading
   std::int32_t iPositionHigh = -1;
   bool UseBufferedInput = usesBufferedInput(13);
-  std::int32_t nFiles = 0;          ///< multiple files to read
+  std::int32_t nFiles = 0;  ///< multiple files to read
   std::vector<std::string> zFiles;
-  std::int32_t nRows = 0;           ///< rows found
-  std::vector<std::int32_t> iSteps; ///< per row the report steps seen in its file; see `stepsAfterGrowth`
-  bool qSubset = false;             ///< not all vectors are wanted
-  std::vector<bool> qKeys;          ///< the mask
+  std::int32_t nRows = 0;            ///< rows found
+  std::vector<std::int32_t> iSteps;  ///< per row the report steps seen in its file; see `stepsAfterGrowth`
+  bool qSubset = false;              ///< not all vectors are wanted
+  std::vector<bool> qKeys;           ///< the mask
   std::int32_t nSelected = 0;
   std::vector<std::int32_t> iSelected;  ///< numbers of the wanted vectors, from 1
   std::int32_t nAllKeys = 0;
-  bool SaveScratchFile = false;     ///< hand a scratch file over instead of its content
-  std::string zScratchFile;         ///< the scratch file handed over
-  bool AcceptDamaged = false;       ///< keep the rows before damage and succeed
-  bool qDamaged = false;            ///< reading ended at damage, or a last record was not whole
+  bool SaveScratchFile = false;  ///< hand a scratch file over instead of its content
+  std::string zScratchFile;      ///< the scratch file handed over
+  bool AcceptDamaged = false;    ///< keep the rows before damage and succeed
+  bool qDamaged = false;         ///< reading ended at damage, or a last record was not whole
 
   /// Selects the vectors with True.
   void setKeyMask(const std::vector<bool>& qMask);
   void setMultList(std::int32_t n, const std::vector<std::string>& files);
 
-  /// Reads the run. A last record that is not whole ends it with success; so does damage with AcceptDamaged. The rows
-  /// before a failure stay. When the table cannot be allocated its rows are read at the fetch, through a scratch file.
+  /// Reads the run. A last record that is not whole ends it with success; so does damage with AcceptDamaged.
+  /// The rows before a failure stay. When the table cannot be allocated its rows are read at the fetch,
+  /// through a scratch file.
   void getEclipseSummaryFile(bool& qOK);
 
-  /// The table, nRows by selected vectors; moved out, so fetched once. When it could not be allocated: through a
-  /// scratch file, which with SaveScratchFile is left to the host under zScratchFile and XYData stays empty.
+  /// The table, nRows by selected vectors; moved out, so fetched once. When it could not be allocated:
+  /// through a scratch file, which with SaveScratchFile is left to the host under zScratchFile and XYData
+  /// stays empty.
   void getSummaryArray(XYData& xyData, bool& qOK);
-  /// A copy of the columns of other vectors: one True for each wanted one in qMask, which counts all vectors of the
-  /// run. Reads from the files what is not at hand.
+  /// A copy of the columns of other vectors: one True for each wanted one in qMask, which counts all vectors
+  /// of the run. Reads from the files what is not at hand.
   void getSummaryArray(XYData& xyData, const std::vector<bool>& qMask, bool& qOK);
   /// All rows of one selected vector, from 1.
   void GetColumnData(std::int32_t iVector, std::vector<float>& sValues, bool& qOK);
@@ -78,11 +80,13 @@ class qvEclipseSUMMARY {
   bool tooLarge_ = false;  // the table could not be allocated
 };
 
-/// What `iSteps` holds after rows were added one by one to a store that starts with a capacity and grows by 100: the
-/// steps are made new at each growth without keeping what they held, so earlier rows read 0. Hosts rely on it.
+/// What `iSteps` holds after rows were added one by one to a store that starts with a capacity and grows by
+/// 100: the steps are made new at each growth without keeping what they held, so earlier rows read 0. Hosts
+/// rely on it.
 std::vector<std::int32_t> stepsAfterGrowth(std::span<const RowPlace> rows, std::int64_t capacity);
 
-/// Rows for which a store is sized at its first row: the size of the files over that of a row of wanted values.
+/// Rows for which a store is sized at its first row: the size of the files over that of a row of wanted
+/// values.
 std::int64_t estimatedRows(std::uint64_t bytes, std::int64_t nFiles, std::int64_t nVectors);
 
 }  // namespace lumbarn

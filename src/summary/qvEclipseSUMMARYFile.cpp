@@ -24,8 +24,8 @@ bool sameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, none) && !none;
 }
 
-/// Whether the vectors that are kept of a run hold perforation data. Without a choice by patterns one completion vector
-/// in the file is enough, also one that was not chosen: hosts know it so.
+/// Whether the vectors that are kept of a run hold perforation data. Without a choice by patterns one
+/// completion vector in the file is enough, also one that was not chosen: hosts know it so.
 bool holdsPerforations(const qvEclipseSPEC& spec, bool byPatterns) {
   if (!spec.qPerforations || !byPatterns) return spec.qPerforations;
   return std::ranges::any_of(spec.keptVectors(),
@@ -66,6 +66,7 @@ bool qvEclipseSUMMARYFile::readChain() {
   qDamaged = false;
   unmatched.clear();
   rows_.clear();
+  times_.clear();
   bool qRead = false;
   auto spec = specOfNewestRun(qRead);
   xSPEC.clear();
@@ -152,7 +153,8 @@ void qvEclipseSUMMARYFile::applyPatterns(qvEclipseSPEC& spec, bool newest) {
   if (newest) {
     unmatched = std::move(missing);
   } else {
-    std::erase_if(unmatched, [&](const auto& pattern) { return std::ranges::find(missing, pattern) == missing.end(); });
+    std::erase_if(unmatched,
+                  [&](const auto& pattern) { return std::ranges::find(missing, pattern) == missing.end(); });
   }
 }
 
@@ -170,7 +172,8 @@ std::unique_ptr<qvEclipseSUMMARY> qvEclipseSUMMARYFile::readData(qvEclipseSPEC& 
   summary->AcceptDamaged = AcceptDamaged;
   if (newest) {
     summary->Unified = Unified;
-    summary->iPosition = iPosition;  // a position in this run's file says nothing of the files of earlier runs
+    summary->iPosition =
+        iPosition;  // a position in this run's file says nothing of the files of earlier runs
     summary->iPositionHigh = iPositionHigh;
     summary->setMultList(nMult, zMult);
   } else if (!spec.Unified) {
@@ -197,8 +200,8 @@ std::unique_ptr<qvEclipseSPEC> qvEclipseSUMMARYFile::earlierRun(const qvEclipseS
   if (later.zRestartName.empty()) return nullptr;
   auto spec = findEarlierRun(later.zRestartName, later.zFileName, later.Formatted, *session_);
   if (!spec) return nullptr;
-  const bool ring = std::ranges::any_of(
-      xSPEC, [&](const auto& run) { return sameFile(run->zFileName, spec->zFileName); });
+  const bool ring =
+      std::ranges::any_of(xSPEC, [&](const auto& run) { return sameFile(run->zFileName, spec->zFileName); });
   if (ring) {
     Diagnosis diagnosis;
     diagnosis.path = later.zFileName;
@@ -217,8 +220,8 @@ void qvEclipseSUMMARYFile::prependRows(std::size_t count, const std::vector<Summ
                earlier.begin() + static_cast<std::ptrdiff_t>(std::min(count, earlier.size())));
 }
 
-/// What all ways of fetching share: the newest run as it is, then each earlier one folded in. Each pair of objects is
-/// released as soon as its data are taken.
+/// What all ways of fetching share: the newest run as it is, then each earlier one folded in. Each pair of
+/// objects is released as soon as its data are taken.
 template <class ReadHeaders, class Merge>
 bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, Merge merge) {
   if (xSPEC.empty()) return false;
@@ -294,8 +297,8 @@ void qvEclipseSUMMARYFile::GetStoreSUMMARYData(XYData& xyData, AttributeStores& 
     };
     const auto merge = [&](XYData& earlier) {
       bool qMerged = false;
-      mergeStoreSUMMARYData(*session_, earlierStores, earlierPointers, earlier, xStore, bPointers, xyData, qPerforations,
-                            qMerged);
+      mergeStoreSUMMARYData(*session_, earlierStores, earlierPointers, earlier, xStore, bPointers, xyData,
+                            qPerforations, qMerged);
     };
     if (!fetch(xyData, readHeaders, merge)) return false;
     if (qPerforations) qPerforations = CheckStoreforPerfs(xStore, 13);
@@ -324,13 +327,16 @@ void qvEclipseSUMMARYFile::getFileInfo(SourceData& vSourceData, bool& qOK) const
 
 void qvEclipseSUMMARYFile::SetKeys() { qMask.assign(qMask.size(), true); }
 
-void qvEclipseSUMMARYFile::SetSUMMARYKeys(std::string_view zMnemonics) { SetSUMMARYKeysFromOnly(split(zMnemonics, ',')); }
+void qvEclipseSUMMARYFile::SetSUMMARYKeys(std::string_view zMnemonics) {
+  SetSUMMARYKeysFromOnly(split(zMnemonics, ','));
+}
 
 void qvEclipseSUMMARYFile::SetSUMMARYKeysFromOnly(const std::vector<std::string>& zItems) {
   const auto& list = session_->part<SelectionState>().zOnly;
   qMask.assign(list.size(), false);
   for (std::size_t i = 0; i < list.size(); ++i) {
-    qMask[i] = std::ranges::any_of(zItems, [&](const auto& item) { return equalNoCase(trim(item), trim(list[i])); });
+    qMask[i] =
+        std::ranges::any_of(zItems, [&](const auto& item) { return equalNoCase(trim(item), trim(list[i])); });
   }
 }
 

@@ -11,6 +11,7 @@
 #include "../shapes/XYData.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "HorizontalData.h"
 #include "SummaryVector.h"
 #include "qvEclipseSPEC.h"
 #include "qvEclipseSUMMARY.h"
@@ -24,11 +25,13 @@ struct SummaryRow {
   std::int32_t iStep = 0;  ///< report steps seen in that file up to the row
 };
 
-/// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it restarted from,
-/// and merges them into one table. Runs are kept newest first until they are fetched, which can be done once.
+/// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it
+/// restarted from, and merges them into one table. Runs are kept newest first until they are fetched, which
+/// can be done once.
 class qvEclipseSUMMARYFile {
  public:
-  explicit qvEclipseSUMMARYFile(Session& session = Session::process()) : session_(&session) {}
+  explicit qvEclipseSUMMARYFile(Session& session = Session::process())
+      : session_(&session), horizontal_(session) {}
 
   std::string zFileName;
   bool Formatted = false;
@@ -41,12 +44,13 @@ class qvEclipseSUMMARYFile {
   std::int32_t iEnd = -1;
   std::int32_t iPosition = -1;  ///< resume position of the newest run, before and after reading
   std::int32_t iPositionHigh = -1;
-  std::int32_t iUnits = -1;     ///< unit system of the newest run
+  std::int32_t iUnits = -1;  ///< unit system of the newest run
   bool NoRestart = false;
-  bool qPerforations = false;   ///< the vectors hold perforation data
-  std::int32_t nMult = 0;       ///< multiple files of the newest run
+  bool qPerforations = false;  ///< the vectors hold perforation data
+  std::int32_t nMult = 0;      ///< multiple files of the newest run
   std::vector<std::string> zMult;
-  std::vector<std::unique_ptr<qvEclipseSPEC>> xSPEC;  ///< may hold the facade's object for the newest run before reading
+  std::vector<std::unique_ptr<qvEclipseSPEC>>
+      xSPEC;  ///< may hold the facade's object for the newest run before reading
   std::vector<std::unique_ptr<qvEclipseSUMMARY>> xSUMMARY;
   ByteTable bOnly = emptyOnlyList();
   bool qOnly = true;
@@ -63,21 +67,33 @@ class qvEclipseSUMMARYFile {
   bool AcceptDamaged = false;               ///< take what was read before damage as a success
   bool qDamaged = false;                    ///< something of what was read is damaged or not whole
 
-  /// Reads the whole chain. False when the newest run cannot be read; an earlier run that cannot only ends the chain.
+  /// Reads the whole chain. False when the newest run cannot be read; an earlier run that cannot only ends
+  /// the chain.
   void ReadSUMMARYData(bool& qOK);
-  /// The merged table and its headers; releases the runs, so it can be called once. A chain with completion vectors
-  /// gives the rows up to the first run that has them.
+  /// The merged table and its headers; releases the runs, so it can be called once. A chain with completion
+  /// vectors gives the rows up to the first run that has them.
   void GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, bool& qOK);
   /// The same with headers as string numbers into stores.
   void GetStoreSUMMARYData(XYData& xyData, AttributeStores& xStore, ByteTable& bPointers, bool& qOK);
   /// Source information: slots 2, 3, 4, 6, 7, 14, 23, 54, 56 and 57.
   void getFileInfo(SourceData& vSourceData, bool& qOK) const;
 
+  /// Builds the profiles along horizontal wells from the runs that are held, so before the fetch. True with
+  /// nothing built when neither table is asked for; False without a message when the connection vectors or
+  /// their lengths do not fit.
+  void getHorizontalData(bool qInflow, bool qConnect, bool qMiniSteps, bool& qOK);
+  /// One step, from 1, of a kept table, and its date: xyData(iColumn, iRow), the lengths in row 1.
+  void getHorizontalData(std::int32_t iStep, bool qInflow, XYData& xyData, ByteTable& bHeaders,
+                         std::string& zDate, bool& qOK);
+  /// Date text, "15 JUL 2003", of a row of the newest run, from 1.
+  void GetDateStamp(std::int32_t iRow, std::string& zDate, bool& qOK);
+
   void SetbOnly(const ByteTable& only, bool qSense) { bOnly = only, qOnly = qSense; }
   void setMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK);
 
-  /// The key mask: all True; as given; or one entry for each item of the session's only-list, True for those that
-  /// stand in a text of comma-separated mnemonics, in the given items, or in the first 16 bytes of bOnly's entries.
+  /// The key mask: all True; as given; or one entry for each item of the session's only-list, True for those
+  /// that stand in a text of comma-separated mnemonics, in the given items, or in the first 16 bytes of
+  /// bOnly's entries.
   void SetKeys();
   void SetKeys(const std::vector<bool>& mask) { qMask = mask; }
   void SetSUMMARYKeys(std::string_view zMnemonics);
@@ -101,11 +117,15 @@ class qvEclipseSUMMARYFile {
   bool takeNewest(XYData& xyData);
   template <class ReadHeaders, class Merge>
   bool fetch(XYData& xyData, ReadHeaders readHeaders, Merge merge);
+  bool getDataUsedForHorizontalWells(ByteTable& bHeaders, XYData& sData, std::vector<float>& sLengths,
+                                     std::string& zUnits);
   void prependRows(std::size_t count, const std::vector<SummaryRow>& earlier);
 
   Session* session_;
   std::vector<SummaryRow> rows_;
   std::optional<Moment> start_;
+  HorizontalData horizontal_;
+  std::vector<float> times_;  // of the newest run's rows; kept when profiles are built
 };
 
 }  // namespace lumbarn

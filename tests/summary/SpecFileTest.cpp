@@ -65,6 +65,12 @@ SummaryBuilder everyKind() {
   return run;
 }
 
+bool readSpec(qvEclipseSPEC& spec, const std::string& path) {
+  bool qOK = false;
+  if (spec.CheckSPECFile(path)) spec.ReadEclipseSPECFile(qOK);
+  return qOK;
+}
+
 class SpecFile : public ::testing::TestWithParam<NamedForm> {
  protected:
   /// Checks and reads a specification of these bytes; reports and diagnoses go to the members.
@@ -74,10 +80,7 @@ class SpecFile : public ::testing::TestWithParam<NamedForm> {
   }
   bool read() {
     spec = qvEclipseSPEC(session);
-    bool qOK = true;
-    if (!spec.CheckSPECFile(path)) return false;
-    spec.ReadEclipseSPECFile(qOK);
-    return qOK;
+    return readSpec(spec, path);
   }
   Form form() const { return GetParam().form; }
 
@@ -313,12 +316,22 @@ TEST(SpecUnits, FirstUnitThatDecidesDoesMetricOnlyWhenNoneDoes) {
     for (const auto& unit : units) run.vectors.push_back({"FOPR", "", 0, unit});
     Session session;
     qvEclipseSPEC spec(session);
-    bool qOK = false;
-    ASSERT_TRUE(spec.CheckSPECFile(run.write(folder, "U", test::everyForm[1].form)));
-    spec.ReadEclipseSPECFile(qOK);
-    ASSERT_TRUE(qOK);
+    ASSERT_TRUE(readSpec(spec, run.write(folder, "U", test::everyForm[1].form)));
     EXPECT_EQ(spec.iUnitSystem, system) << units[1];
   }
+}
+
+TEST(SpecLimits, MoreOwnersThanAHeaderCanNumberAreRefusedWithTheReason) {
+  TemporaryFolder folder;
+  SummaryBuilder run;
+  for (int well = 0; well < 32769; ++well)
+    run.vectors.push_back({"WOPR", "W" + std::to_string(well), 0, "SM3"});
+  Session session;
+  qvEclipseSPEC spec(session);
+  EXPECT_FALSE(readSpec(spec, run.write(folder, "L", test::everyForm[1].form)));
+  EXPECT_EQ(spec.nVectors, 0);
+  ASSERT_EQ(session.diagnoses().size(), 1U);
+  EXPECT_EQ(session.diagnoses()[0].keyword, "WGNAMES");
 }
 
 TEST(SpecCells, CellNumbersRunThroughIFastest) {
@@ -362,10 +375,7 @@ TEST(SpecSamples, NamesAreThoseOfAnIndependentReader) {
     SCOPED_TRACE(file);
     Session session;
     qvEclipseSPEC spec(session);
-    bool qOK = false;
-    ASSERT_TRUE(spec.CheckSPECFile(data + file));
-    spec.ReadEclipseSPECFile(qOK);
-    ASSERT_TRUE(qOK);
+    ASSERT_TRUE(readSpec(spec, data + file));
     EXPECT_TRUE(session.diagnoses().empty());
     std::vector<std::string> names;
     for (const auto& vector : summaryVectors(spec)) names.push_back(vector.name);

@@ -1,0 +1,160 @@
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "record/RecordWriter.h"
+#include "support/SummaryBuilder.h"
+
+/// make_seeds FOLDER: writes first inputs for every fuzz target, to FOLDER/TARGET.
+
+namespace {
+
+using namespace lumbarn;
+using lumbarn::test::everyForm;
+using Bytes = std::vector<std::byte>;
+
+class Corpus {
+ public:
+  explicit Corpus(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+  /// An input of a target: bytes of its own, then the file.
+  void add(const std::string& target, std::initializer_list<int> front, const Bytes& file) const {
+    std::filesystem::create_directories(folder_ / target);
+    std::string text;
+    for (const int byte : front) text += static_cast<char>(byte);
+    text.append(reinterpret_cast<const char*>(file.data()), file.size());
+    // Named by content, so that a new run adds nothing twice.
+    const auto name = fmt::format("seed_{:016x}", std::hash<std::string>()(text));
+    std::ofstream(folder_ / target / name, std::ios::binary) << text;
+  }
+
+  /// A record file, for all targets that take one.
+  void addFile(const Bytes& file, const Form& form, int name) const {
+    if (form.formatted()) {
+      add("fuzz_records_formatted", {}, file);
+    } else {
+      const int marks = form.framing == Framing::OneByteMarks ? 1 : 0;
+      add("fuzz_records_unformatted", {marks + (form.byteSwap ? 2 : 0)}, file);
+    }
+    add("fuzz_recogniser", {name}, file);
+  }
+
+  void addSummary(const Bytes& specification, const Bytes& data) const {
+    Bytes both = specification;
+    both.insert(both.end(), data.begin(), data.end());
+    const auto length = static_cast<int>(specification.size());
+    add("fuzz_summary", {length % 256, length / 256}, both);
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+/// One record of every type, short ones and those of more than one block.
+std::vector<Bytes> recordFiles(const Form& form) {
+  std::vector<Bytes> files(3);
+  RecordWriter small(memorySink(files[0]), form);
+  small.integers("INTEHEAD", std::array{1, -100, 2147483647});
+  small.singles("PARAMS", std::array{0.0F, 1.5F, -2.5e-10F, 3.4e38F});
+  small.doubles("DOUBHEAD", std::array{0.1, -1e300, 5e-324});
+  small.logicals("LOGIHEAD", std::array{true, false, true});
+  small.texts("UNITS", std::vector<std::string>{"SM3/DAY", "", "'/ x"});
+  small.texts("NAMES", std::vector<std::string>{"A WELL WITH A LONG NAME", "B"}, 32);
+  small.message("STARTSOL");
+  small.integers("EMPTY", {});
+  small.header("ODD", 0, "NEWT");
+
+  std::vector<std::int32_t> integers(1007);
+  std::iota(integers.begin(), integers.end(), -500);
+  RecordWriter large(memorySink(files[1]), form);
+  large.singles("SWAT", std::vector<float>(1003, 0.25F));
+  large.integers("ACTNUM", integers);
+  large.texts("WGNAMES", std::vector<std::string>(107, "PRODUCER"));
+
+  RecordWriter wild(memorySink(files[2]), form);
+  wild.header("PORO", -1, "X231");
+  wild.header("PORO", 5, "REAL");
+  wild.header("WILD", std::numeric_limits<std::int32_t>::max(), "DOUB");
+  return files;
+}
+
+test::SummaryBuilder summary() {
+  test::SummaryBuilder run;
+  run.vectors = {{"TIME", ":+:+:+:+", 0, "DAYS"},
+                 {"FOPR", ":+:+:+:+", 0, "SM3/DAY"},
+                 {"WOPR", "OP_1", 1, "SM3/DAY"},
+                 {"WBHP", ":+:+:+:+", 0, "BARSA"},
+                 {"GOPR", "G1", 1, "SM3/DAY"},
+                 {"COFR", "OP_1", 123, "SM3/DAY"},
+                 {"BPR", ":+:+:+:+", 45, "BARSA"},
+                 {"RPR", ":+:+:+:+", 2, "BARSA"},
+                 {"ROFT", ":+:+:+:+", 1 + 32768 * 12, "SM3"},
+                 {"SOFR", "OP_1", 12, "SM3/DAY"},
+                 {"AAQR", ":+:+:+:+", 1, "SM3/DAY"},
+                 {"NPR", "NODE1", 0, "BARSA"},
+                 {"LWOPR", "OP_1", 1, "SM3/DAY", "LGR1", {2, 2, 1}},
+                 {"LBPR", ":+:+:+:+", 7, "BARSA", "LGR1", {2, 2, 1}}};
+  for (int row = 0; row < 4; ++row) {
+    std::vector<float> values(run.vectors.size(), static_cast<float>(row));
+    values[0] = 30.5F * static_cast<float>(row + 1);
+    run.rows.push_back({values, row != 2});
+  }
+  run.start = {1, 1, 2015, 0, 0, 0};
+  run.lengthUnit = "METRES";
+  return run;
+}
+
+Bytes example(const std::string& name) {
+  std::ifstream in(std::string(LUMBARN_EXAMPLES "/") + name, std::ios::binary);
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  if (text.empty()) fmt::print(stderr, "make_seeds: no {}\n", name);
+  const auto bytes = std::as_bytes(std::span(text));
+  return {bytes.begin(), bytes.end()};
+}
+
+void addExamples(const Corpus& corpus) {
+  const Form bigEndian{Framing::FourByteMarks, true};
+  const Form formatted{Framing::Formatted, false};
+  int name = 0;
+  for (const char* file : {"ARBOR/ARBOR.SMSPEC", "ARBOR/ARBOR.UNSMRY", "ARBORM/ARBORM.S0004",
+                           "ARBOR/ARBOR.EGRID", "HOLLIN/HOLLIN.RFT", "CEDAR/CEDAR_R2.SMSPEC"}) {
+    corpus.addFile(example(file), bigEndian, name++);
+  }
+  for (const char* file : {"ARBORF/ARBORF.FSMSPEC", "ARBORFM/ARBORFM.A0004", "ARBORF/ARBORF.FRFT"}) {
+    corpus.addFile(example(file), formatted, name++);
+  }
+  corpus.addSummary(example("ARBOR/ARBOR.SMSPEC"), example("ARBOR/ARBOR.UNSMRY"));
+  corpus.addSummary(example("ARBORF/ARBORF.FSMSPEC"), example("ARBORFM/ARBORFM.A0004"));
+  corpus.addSummary(example("CEDAR/CEDAR_R2.SMSPEC"), example("CEDAR/CEDAR_R2.UNSMRY"));
+  corpus.addSummary(example("HOLLIN/HOLLIN.SMSPEC"), example("HOLLIN/HOLLIN.UNSMRY"));
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  if (count != 2) {
+    std::fputs("usage: make_seeds FOLDER\n", stderr);
+    return 2;
+  }
+  const Corpus corpus(words[1]);
+  for (const auto& [name, form] : everyForm) {
+    for (const auto& file : recordFiles(form)) corpus.addFile(file, form, 9);
+    auto run = summary();
+    corpus.addSummary(run.spec(form), run.data(form));
+    run.intehead = 1;
+    run.nameWidth = 32;
+    run.restart = "EARLIER";
+    run.firstStep = 3;
+    corpus.addSummary(run.spec(form), run.data(form));
+  }
+  addExamples(corpus);
+  return 0;
+}

@@ -1,0 +1,211 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "shapes/HeaderLayout.h"
+#include "summary/RestartChain.h"
+#include "support/Forms.h"
+#include "support/SummaryBuilder.h"
+#include "support/SummaryLoad.h"
+
+namespace lumbarn {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using namespace lumbarn::testing;
+using test::SummaryBuilder;
+using test::TemporaryFolder;
+namespace fs = std::filesystem;
+
+/// A run of single-row report steps at the given times; the second vector is 10 times the time.
+SummaryBuilder runAt(const std::vector<float>& times, const std::string& second = "FOPR") {
+  SummaryBuilder run;
+  run.vectors = {{"TIME", ":+:+:+:+", 0, "DAYS"}, {second, ":+:+:+:+", 0, ""}};
+  for (const float time : times) run.rows.push_back({{time, time * 10}, true});
+  return run;
+}
+
+class Chains : public ::testing::Test {
+ protected:
+  Chains() {
+    fs::create_directory(folder_.file("old"));
+    first_ = runAt({1, 2, 3, 4});
+    second_ = runAt({3, 4, 5});
+    third_ = runAt({5, 6}, "FGPR");
+  }
+  /// The third run restarted from the second, that from the first; earlier ones lie where the names say.
+  std::string write(const std::string& firstRoot = "OLD.RUN", const std::string& secondName = "MID") {
+    second_.restart = firstRoot;
+    third_.restart = secondName;
+    first_.write(folder_, firstRoot, form_);
+    second_.write(folder_, "MID", form_);
+    return third_.write(folder_, "NEW", form_);
+  }
+  Form form_ = allForms[1];
+  TemporaryFolder folder_;
+  SummaryBuilder first_, second_, third_;
+};
+
+TEST_F(Chains, EarlierRunsComeInFrontAndTheirVectorsBehind) {
+  SummaryLoad load(write());
+  load.reader.NoRestart = false;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.names(), ElementsAre("TIME", "FGPR", "FOPR"));
+  EXPECT_THAT(load.column(1), ElementsAre(1, 2, 3, 4, 5, 6)) << "of rows at one time the later run's stand";
+  EXPECT_THAT(load.column(2), ElementsAre(0, 0, 0, 0, 50, 60)) << "0 where a run has no such vector";
+  EXPECT_THAT(load.column(3), ElementsAre(10, 20, 30, 40, 0, 0));
+  const auto& rows = load.reader.Rows();
+  ASSERT_EQ(rows.size(), 6U);
+  EXPECT_EQ(rows[0].iRun, 3);
+  EXPECT_EQ(rows[2].iRun, 2);
+  EXPECT_EQ(rows[5].iRun, 1);
+  EXPECT_THAT(load.session.diagnoses(), IsEmpty());
+
+  SummaryLoad alone(folder_.file("NEW.SMSPEC"));
+  ASSERT_TRUE(alone.run());
+  EXPECT_THAT(alone.column(1), ElementsAre(5, 6));
+
+  SummaryLoad chosen(folder_.file("NEW.SMSPEC"));
+  chosen.reader.NoRestart = false;
+  chosen.reader.zOnly = "FOPR";
+  ASSERT_TRUE(chosen.run());
+  EXPECT_THAT(chosen.names(), ElementsAre("TIME", "FOPR"));
+  EXPECT_THAT(chosen.reader.UnmatchedPatterns(), IsEmpty()) << "an earlier run had it";
+}
+
+TEST_F(Chains, StoresMergeToTheSameTable) {
+  SummaryLoad load(write());
+  load.reader.NoRestart = false;
+  bool qOK = false;
+  load.reader.ECLReadData(qOK);
+  AttributeStores stores;
+  ByteTable pointers;
+  load.reader.GetStoreSUMMARYData(load.table, stores, pointers, load.source, load.only, qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(pointers.entries(), 3U);
+  EXPECT_THAT(load.column(3), ElementsAre(10, 20, 30, 40, 0, 0));
+}
+
+TEST_F(Chains, AnEarlierRunOfTheOtherFormIsFollowed) {
+  const auto spec = write();
+  fs::remove(folder_.file("MID.SMSPEC"));
+  fs::remove(folder_.file("MID.UNSMRY"));
+  second_.write(folder_, "MID", allForms[0], false);
+  SummaryLoad load(spec);
+  load.reader.NoRestart = false;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.column(1), ElementsAre(1, 2, 3, 4, 5, 6));
+}
+
+TEST_F(Chains, WhereAChainBreaksItSaysWhatItLookedFor) {
+  const auto spec = write();
+  for (const char* name : {"OLD.RUN.SMSPEC", "OLD.RUN.UNSMRY"}) fs::remove(folder_.file(name));
+  SummaryLoad load(spec);
+  load.reader.NoRestart = false;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.column(1), ElementsAre(3, 4, 5, 6));
+  ASSERT_EQ(load.session.diagnoses().size(), 1U);
+  EXPECT_THAT(load.lastDiagnosis().text(),
+              HasSubstr("MID.SMSPEC: the run that this one restarted from is not found"));
+  EXPECT_THAT(load.lastDiagnosis().expected, HasSubstr("OLD.RUN.SMSPEC"));
+
+  test::writeFile(folder_.file("MID.UNSMRY"), {std::byte{1}});
+  SummaryLoad noData(spec);
+  noData.reader.NoRestart = false;
+  ASSERT_TRUE(noData.run()) << "an earlier run whose data cannot be read ends the chain";
+  EXPECT_THAT(noData.column(1), ElementsAre(5, 6));
+  EXPECT_FALSE(noData.session.diagnoses().empty());
+}
+
+TEST_F(Chains, ARunThatMovedIsFoundInTheFolderOfTheLaterOne) {
+  third_.restart = "/no/such/place/on/this/machine/MID";
+  second_.write(folder_, "MID", form_);
+  SummaryLoad load(third_.write(folder_, "NEW", form_));
+  load.reader.NoRestart = false;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.column(1), ElementsAre(3, 4, 5, 6));
+}
+
+TEST_F(Chains, ARingEnds) {
+  third_.restart = "MID";
+  second_.restart = "NEW";
+  second_.write(folder_, "MID", form_);
+  SummaryLoad load(third_.write(folder_, "NEW", form_));
+  load.reader.NoRestart = false;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.column(1), ElementsAre(3, 4, 5, 6));
+  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("leads back"));
+}
+
+TEST_F(Chains, CompletionDataTakeNoEarlierRunsUnlessTheyAreLeftOut) {
+  third_.vectors.push_back({"COFR", "P1", 5, ""});
+  for (auto& row : third_.rows) row.values.push_back(1);
+  const auto spec = write();
+  SummaryLoad load(spec);
+  load.reader.NoRestart = false;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.column(1), ElementsAre(5, 6));
+  EXPECT_TRUE(std::get<bool>(load.source(54)));
+  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("completion"));
+
+  SummaryLoad without(spec);
+  without.reader.NoRestart = false;
+  without.reader.zExcept = "COFR:*";
+  ASSERT_TRUE(without.run());
+  EXPECT_THAT(without.column(1), ElementsAre(1, 2, 3, 4, 5, 6));
+}
+
+TEST(EarlierRunCandidates, AreTriedFromTheLikeliestOn) {
+  const auto names = earlierRunCandidates("dir/A.B", "/runs/NEW.SMSPEC", false);
+  EXPECT_EQ(names.front(), "/runs/dir/A.B.SMSPEC");
+  EXPECT_EQ(names[8], "/runs/dir/A.SMSPEC");
+  EXPECT_EQ(names[16], "/runs/A.B.SMSPEC");
+  EXPECT_EQ(earlierRunCandidates("/x/A", "/runs/NEW.FSMSPEC", true).front(), "/x/A.FSMSPEC");
+  EXPECT_EQ(earlierRunCandidates("C:\\x\\A", "/runs/NEW.SMSPEC", false)[8], "/runs/A.SMSPEC");
+}
+
+TEST(Profiles, AreBuiltWithTheLoadAndHandedOutStepByStep) {
+  TemporaryFolder folder;
+  SummaryBuilder run;
+  run.lengthUnit = "METRES";
+  run.vectors = {{"TIME", ":+:+:+:+", 0, "DAYS"}};
+  for (const char* mnemonic : {"COFR", "CWFR"}) {
+    for (const std::int32_t cell : {1, 2, 3}) {
+      run.vectors.push_back(
+          {mnemonic, "P1", cell, "SM3/DAY", "", {}, 100.0F - static_cast<float>(10 * cell)});
+    }
+  }
+  for (int i = 0; i < 4; ++i) {
+    const auto t = static_cast<float>(i + 1);
+    run.rows.push_back({{t, t, 2 * t, 3 * t, 10 * t, 20 * t, 30 * t}, i % 2 == 0});
+  }
+  SummaryLoad load(run.write(folder, "RUN", allForms[1]));
+  load.reader.HorizWell = true;
+  load.reader.InFlow = true;
+  ASSERT_TRUE(load.run());
+
+  XYData profile;
+  ByteTable headers;
+  SourceData source;
+  bool qOK = false;
+  load.reader.getSUMMARYHorizontalData(2, true, profile, headers, source, qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(profile.rows(), 4U);
+  EXPECT_THAT(std::vector<float>(profile.column(1).begin(), profile.column(1).end()),
+              ElementsAre(0, 70, 80, 90));
+  EXPECT_THAT(std::vector<float>(profile.column(2).begin(), profile.column(2).end()),
+              ElementsAre(0, 12, 20, 24));
+  EXPECT_EQ(ExtractAttribute(attributeVariable, headers, 2), "WOFR");
+  EXPECT_EQ(std::get<std::string>(source(4)), "5 JAN 2015") << "the last row of the second report step";
+  EXPECT_EQ(std::get<std::int16_t>(source(8)), 2);
+  load.reader.getSUMMARYHorizontalData(3, true, profile, headers, source, qOK);
+  EXPECT_FALSE(qOK);
+  load.reader.getSUMMARYHorizontalData(1, false, profile, headers, source, qOK);
+  EXPECT_FALSE(qOK) << "that table was not asked for";
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,375 @@
+#include <filesystem>
+#include <numeric>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "shapes/HeaderLayout.h"
+#include "summary/qvEclipseSUMMARY.h"
+#include "support/Forms.h"
+#include "support/SummaryBuilder.h"
+#include "support/SummaryLoad.h"
+
+namespace lumbarn {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using namespace lumbarn::testing;
+using test::SummaryBuilder;
+using test::TemporaryFolder;
+namespace fs = std::filesystem;
+
+/// TIME and a few vectors of every kind that matters here; report steps of two rows each, times 1, 2, 3, ...
+SummaryBuilder smallRun(int nRows = 6, float firstTime = 1) {
+  SummaryBuilder run;
+  run.vectors = {{"TIME", ":+:+:+:+", 0, "DAYS"}, {"FOPR", ":+:+:+:+", 0, "SM3/DAY"},
+                 {"WOPR", "P1", 0, "SM3/DAY"},    {"WOPR", ":+:+:+:+", 0, ""},
+                 {"WOPR", "P2", 0, "SM3/DAY"},    {"BPR", ":+:+:+:+", 1, "BARSA"},
+                 {"ROFT", ":+:+:+:+", 393217, ""}};
+  for (int i = 0; i < nRows; ++i) {
+    const float time = firstTime + static_cast<float>(i);
+    run.rows.push_back({{time, time * 10, time * 100, -1, time / 4, 250 + time, 0}, i % 2 == 0});
+  }
+  return run;
+}
+
+class EveryForm : public ::testing::TestWithParam<std::tuple<Form, bool>> {
+ protected:
+  Form form() const { return std::get<0>(GetParam()); }
+  bool unified() const { return std::get<1>(GetParam()); }
+  TemporaryFolder folder_;
+};
+INSTANTIATE_TEST_SUITE_P(Summary, EveryForm,
+                         ::testing::Combine(::testing::ValuesIn(allForms), ::testing::Bool()),
+                         [](const auto& test) {
+                           const Form form = std::get<0>(test.param);
+                           return formName({form, 0}) + (std::get<1>(test.param) ? "Unified" : "Multiple");
+                         });
+
+TEST_P(EveryForm, TheTableHasTheFilesValuesAndTheHeadersSayWhatTheyAre) {
+  SummaryLoad load(smallRun().write(folder_, "RUN", form(), unified()));
+  ASSERT_TRUE(load.run());
+  EXPECT_EQ(load.reader.Unified, unified());
+  EXPECT_THAT(load.names(), ElementsAre("TIME", "FOPR", "WOPR:P1", "WOPR:P2", "BPR:1,1,1", "ROFT:1-2"));
+  EXPECT_THAT(load.column(1), ElementsAre(1, 2, 3, 4, 5, 6));
+  EXPECT_THAT(load.column(4), ElementsAre(0.25F, 0.5F, 0.75F, 1, 1.25F, 1.5F))
+      << "the dummy's column is left out";
+  EXPECT_EQ(ExtractAttribute(attributeSource, load.headers, 3), "RUN");
+  EXPECT_EQ(ExtractAttribute(attributeIndex, load.headers, 5), "1 1 1");
+  EXPECT_EQ(ExtractAttribute(attributeVerbose, load.headers, 3), "Oil production rate");
+  EXPECT_TRUE(load.session.diagnoses().empty());
+  bool qOK = true;
+  load.reader.GetSUMMARYData(load.table, load.headers, load.source, load.only, qOK);
+  EXPECT_FALSE(qOK) << "a load is fetched once";
+}
+
+TEST_P(EveryForm, StepsAreChosenByNumber) {
+  const auto spec = smallRun().write(folder_, "RUN", form(), unified());
+  SummaryLoad middle(spec);
+  middle.reader.iStart = 2;
+  middle.reader.iEnd = 3;
+  ASSERT_TRUE(middle.run());
+  EXPECT_THAT(middle.column(1), ElementsAre(3, 4, 5, 6));
+  EXPECT_FALSE(middle.reader.AllData);
+
+  SummaryLoad one(spec);
+  one.reader.iStart = 2;
+  ASSERT_TRUE(one.run());
+  EXPECT_THAT(one.column(1), ElementsAre(3, 4));
+
+  SummaryLoad beyond(spec);
+  beyond.reader.iStart = 50;
+  ASSERT_TRUE(beyond.run());
+  EXPECT_EQ(beyond.table.rows(), 0U);
+}
+
+TEST_P(EveryForm, StoresHoldTheSameHeaders) {
+  SummaryLoad load(smallRun().write(folder_, "RUN", form(), unified()));
+  bool qOK = false;
+  load.reader.ECLReadData(qOK);
+  AttributeStores stores;
+  ByteTable pointers;
+  load.reader.GetStoreSUMMARYData(load.table, stores, pointers, load.source, load.only, qOK);
+  ASSERT_TRUE(qOK);
+  std::vector<VECTORDATA> vectors;
+  setVECTORDATA(pointers, vectors, qOK);
+  ASSERT_EQ(vectors.size(), 6U);
+  EXPECT_EQ(stores(attributeMember).item(vectors[3].iMember), "P2");
+  EXPECT_EQ(stores(attributeSource).item(vectors[3].iSource), "RUN");
+  EXPECT_EQ(load.table.columns(), 6U);
+}
+
+class EveryFraming : public ::testing::TestWithParam<Form> {
+ protected:
+  Form form() const { return GetParam(); }
+  TemporaryFolder folder_;
+};
+INSTANTIATE_TEST_SUITE_P(Summary, EveryFraming, ::testing::ValuesIn(allForms), formName);
+
+/// Cuts and flips the data file everywhere. Whatever is delivered must be whole rows of the run, and whatever
+/// is not delivered must be explained with a path and, for damage inside a record, a byte.
+TEST_P(EveryFraming, DamageAnywhereInTheDataLeavesTheRowsBeforeIt) {
+  const auto run = smallRun(3);
+  const auto spec = run.write(folder_, "RUN", form());
+  const auto data = folder_.file(form().formatted() ? "RUN.FUNSMRY" : "RUN.UNSMRY");
+  const auto whole = run.data(form());
+  std::size_t rowsBefore = 0;
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
+    test::writeFile(data, {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)});
+    SummaryLoad load(spec);
+    ASSERT_TRUE(load.run()) << "a file that is cut off is what a running simulation leaves: " << size;
+    ASSERT_GE(load.table.rows(), rowsBefore) << size;
+    rowsBefore = load.table.rows();
+    for (std::size_t i = 1; i <= rowsBefore; ++i) ASSERT_EQ(load.table(i, 2), static_cast<float>(i) * 10);
+    if (load.reader.Damaged()) {
+      EXPECT_EQ(load.lastDiagnosis().path, data);
+      EXPECT_TRUE(load.lastDiagnosis().offset);
+      EXPECT_THAT(load.lastDiagnosis().action, HasSubstr("kept " + std::to_string(rowsBefore)));
+    }
+  }
+  EXPECT_EQ(rowsBefore, 3U);
+
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    auto flipped = whole;
+    flipped[at] ^= std::byte{0x84};
+    test::writeFile(data, flipped);
+    SummaryLoad load(spec);
+    load.reader.AcceptDamaged = true;
+    if (load.run()) {
+      EXPECT_LE(load.table.rows(), 3U);
+      EXPECT_EQ(load.table.rows(), load.reader.Rows().size());
+    }
+    EXPECT_FALSE(load.reader.Damaged() && load.session.diagnoses().empty()) << at;
+  }
+}
+
+TEST_P(EveryFraming, DamageAnywhereInTheSpecificationIsSurvived) {
+  auto run = smallRun(1);
+  run.vectors.resize(3);
+  run.rows[0].values.resize(3);
+  const auto spec = run.write(folder_, "RUN", form());
+  const auto whole = run.spec(form());
+  for (std::size_t at = 0; at + 1 < whole.size();
+       ++at) {  // the last line end of a formatted file may be missing
+    test::writeFile(spec, {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(at)});
+    SummaryLoad cut(spec);
+    EXPECT_FALSE(cut.run() && cut.session.diagnoses().empty()) << at;
+    auto flipped = whole;
+    flipped[at] ^= std::byte{0x84};
+    test::writeFile(spec, flipped);
+    SummaryLoad load(spec);
+    load.reader.AcceptDamaged = true;
+    EXPECT_TRUE(!load.run() || load.headers.entries() == load.table.columns()) << at;
+  }
+}
+
+class SummaryFiles : public ::testing::Test {
+ protected:
+  Form form_ = allForms[1];
+  TemporaryFolder folder_;
+};
+
+TEST_F(SummaryFiles, DamageInsideARowIsAFailureUnlessItIsAccepted) {
+  auto run = smallRun(4);
+  run.vectors.resize(2500, {"FOPR", ":+:+:+:+", 0, "SM3/DAY"});
+  for (auto& row : run.rows) row.values.resize(2500, row.values[0]);
+  const auto spec = run.write(folder_, "RUN", form_);
+  auto bytes = run.data(form_);
+  const std::size_t lastRow = bytes.size() - 2008 - 4008 - 4008;
+  bytes[lastRow + 4008 + 2] ^= std::byte{1};  // opening mark of its second block: skipping does not see it
+  test::writeFile(folder_.file("RUN.UNSMRY"), bytes);
+
+  SummaryLoad strict(spec);
+  EXPECT_FALSE(strict.run());
+  EXPECT_THAT(strict.lastDiagnosis().text(), HasSubstr("block marks disagree (PARAMS, occurrence 4, byte"));
+  SummaryLoad lenient(spec);
+  lenient.reader.AcceptDamaged = true;
+  ASSERT_TRUE(lenient.run());
+  EXPECT_THAT(lenient.column(1), ElementsAre(1, 2, 3));
+  EXPECT_THAT(lenient.column(2499), ElementsAre(1, 2, 3));
+  EXPECT_TRUE(lenient.reader.Damaged());
+}
+
+TEST_F(SummaryFiles, DataOfAnotherRunAreRefusedWithTheirPlace) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  auto other = smallRun();
+  other.vectors.push_back({"FGPR", ":+:+:+:+", 0, "SM3/DAY"});
+  for (auto& row : other.rows) row.values.push_back(1);
+  test::writeFile(folder_.file("RUN.UNSMRY"), other.data(form_));
+  SummaryLoad load(spec);
+  EXPECT_FALSE(load.run());
+  EXPECT_THAT(
+      load.lastDiagnosis().text(),
+      HasSubstr("RUN.UNSMRY: row does not fit the specification (PARAMS, occurrence 1, byte 72: expected 7 "
+                "values, found 8); kept 0 rows"));
+}
+
+TEST_F(SummaryFiles, AMissingOrEmptyDataFileAndAFolderInItsPlace) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  test::writeFile(folder_.file("RUN.UNSMRY"), {});
+  SummaryLoad empty(spec);
+  ASSERT_TRUE(empty.run()) << "a run that has just begun";
+  EXPECT_EQ(empty.table.rows(), 0U);
+  EXPECT_EQ(empty.headers.entries(), 6U);
+
+  fs::remove(folder_.file("RUN.UNSMRY"));
+  SummaryLoad missing(spec);
+  EXPECT_FALSE(missing.run());
+  EXPECT_THAT(missing.lastDiagnosis().text(), HasSubstr("RUN.UNSMRY: cannot be opened: No such file"));
+
+  fs::create_directory(folder_.file("RUN.UNSMRY"));
+  SummaryLoad blocked(spec);
+  EXPECT_FALSE(blocked.run());
+  EXPECT_THAT(blocked.lastDiagnosis().text(), HasSubstr("is a folder"));
+
+  SummaryLoad nothing(folder_.file("NONE.SMSPEC"));
+  EXPECT_FALSE(nothing.run());
+  EXPECT_THAT(nothing.lastDiagnosis().text(), HasSubstr("no such file"));
+  SummaryLoad aFolder(folder_.file(""));
+  EXPECT_FALSE(aFolder.run());
+}
+
+TEST_F(SummaryFiles, AGrowingFileIsReadOnFromItsLastStep) {
+  auto run = smallRun(4);
+  const auto spec = run.write(folder_, "RUN", form_);
+  SummaryLoad first(spec);
+  first.reader.Unified = true;
+  ASSERT_TRUE(first.run());
+  PositionWords resume{std::get<std::int32_t>(first.source(56)), std::get<std::int32_t>(first.source(57))};
+  ASSERT_TRUE(resume.isSet());
+
+  run = smallRun(8);
+  run.write(folder_, "RUN", form_);
+  SummaryLoad second(spec);
+  second.reader.Unified = true;
+  second.reader.ReadPosition64 = resume;
+  ASSERT_TRUE(second.run());
+  EXPECT_THAT(second.column(1), ElementsAre(3, 4, 5, 6, 7, 8)) << "the last step again, then the new ones";
+}
+
+TEST_F(SummaryFiles, AMultipleSetEndsWhereItsStepNumbersFallBack) {
+  const auto spec = smallRun(6).write(folder_, "RUN", form_, false);
+  const auto old = smallRun(2, 100).steps(form_);  // a leftover whose step number is 1
+  test::writeFile(folder_.file("RUN.S0004"), old[0]);
+  SummaryLoad load(spec);
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.column(1), ElementsAre(1, 2, 3, 4, 5, 6));
+}
+
+TEST_F(SummaryFiles, ATableBeyondTheMemoryLimitGoesThroughAScratchFile) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  SummaryLoad plain(spec);
+  ASSERT_TRUE(plain.run());
+
+  // Left to the host: header words, then one vector behind the other.
+  SummaryLoad kept(spec);
+  kept.session.memoryLimit = 50;
+  kept.reader.SaveScratchFiles = true;
+  ASSERT_TRUE(kept.run());
+  EXPECT_TRUE(kept.table.empty());
+  const auto scratch = kept.reader.SummaryScratchFileName();
+  ASSERT_EQ(fs::file_size(scratch), 7 * 4 + 36 * 4U);
+  std::ifstream in(scratch, std::ios::binary);
+  std::array<std::int32_t, 7> words{};
+  std::vector<float> values(36);
+  in.read(reinterpret_cast<char*>(words.data()), sizeof words);
+  in.read(reinterpret_cast<char*>(values.data()), 36 * 4);
+  EXPECT_THAT(words, ElementsAre(2, 2, 3, 1, 1, 6, 6));
+  EXPECT_TRUE(std::ranges::equal(values, plain.table.values()));
+  fs::remove(scratch);
+
+  // Read back when memory suffices by then; reported as out of memory when it does not.
+  SummaryLoad back(spec);
+  back.session.memoryLimit = 50;
+  bool qOK = false;
+  back.reader.ECLReadData(qOK);
+  ASSERT_TRUE(qOK);
+  back.session.memoryLimit = 0;
+  back.reader.GetSUMMARYData(back.table, back.headers, back.source, back.only, qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_TRUE(std::ranges::equal(back.table.values(), plain.table.values()));
+
+  SummaryLoad never(spec);
+  std::string report;
+  never.session.faultReporter = [&](std::string_view text) { report = text; };
+  never.session.memoryLimit = 50;
+  EXPECT_FALSE(never.run());
+  EXPECT_EQ(report, "Error:Out of memory (No.7) In [qvEclipseSUMMARY (Code) (getSummaryArray)] ");
+}
+
+TEST(StepsAfterGrowth, RowsBeforeAGrowthReadZero) {
+  std::vector<RowPlace> rows(250);
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].iStep = static_cast<std::int32_t>(i + 1);
+  EXPECT_THAT(stepsAfterGrowth(std::span(rows).first(3), 3), ElementsAre(1, 2, 3));
+  EXPECT_THAT(stepsAfterGrowth(std::span(rows).first(4), 3), ElementsAre(0, 0, 0, 4));
+  const auto twice = stepsAfterGrowth(rows, 100);
+  EXPECT_EQ(twice[199], 0) << "the second growth forgets the first hundred after the first growth, too";
+  EXPECT_EQ(twice[200], 201);
+}
+
+TEST_F(SummaryFiles, ClassesAndMembersAreChosenByTheByteList) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  SummaryLoad load(spec);
+  load.reader.bOnly = ByteTable(56, 2);
+  load.reader.bOnly.put(1, 1, 16, "WELLS");
+  load.reader.bOnly.put(1, 17, 40, "P?");
+  load.reader.bOnly.put(2, 1, 16, "BLOCKS");
+  load.reader.bOnly.put(2, 17, 40, "ALL");
+  load.reader.qOnly = true;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.names(), ElementsAre("TIME", "WOPR:P1", "WOPR:P2", "BPR:1,1,1"));
+  EXPECT_THAT(load.column(3), ElementsAre(0.25F, 0.5F, 0.75F, 1, 1.25F, 1.5F));
+
+  SummaryLoad except(spec);
+  except.reader.bOnly = load.reader.bOnly;
+  except.reader.qOnly = false;
+  ASSERT_TRUE(except.run());
+  EXPECT_THAT(except.names(), ElementsAre("TIME", "FOPR", "ROFT:1-2"));
+
+  SummaryLoad patterns(spec);
+  patterns.reader.zOnly = "wopr:*,NONE,BPR:1,1,1";
+  patterns.reader.zExcept = "WOPR:P1";
+  ASSERT_TRUE(patterns.run());
+  EXPECT_THAT(patterns.names(), ElementsAre("TIME", "WOPR:P2", "BPR:1,1,1"));
+  EXPECT_THAT(patterns.reader.UnmatchedPatterns(), ElementsAre("NONE"));
+}
+
+TEST_F(SummaryFiles, CancellingEndsALoad) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  SummaryLoad load(spec);
+  int yields = 0;
+  load.session.hostYield = [&] { load.session.CancelLoad = ++yields > 2; };
+  EXPECT_FALSE(load.run());
+  EXPECT_TRUE(load.session.faultReporter == nullptr);
+}
+
+TEST_F(SummaryFiles, FacadeQuirksThatHostsKnow) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  SummaryLoad load(spec);
+  bool qOK = true;
+  load.reader.whichtype = 0;
+  load.reader.ECLReadData(qOK);
+  EXPECT_FALSE(qOK);
+
+  load.reader.whichtype = 13;
+  load.reader.ECLReadData(qOK);
+  EXPECT_TRUE(qOK);
+  load.reader.GetSUMMARYData(load.table, load.headers, load.source, load.only, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_TRUE(load.table.empty()) << "code 13 loads but hands nothing out";
+  EXPECT_FALSE(load.reader.IsInitialised(12));
+  EXPECT_TRUE(load.reader.IsInitialised(13));
+  EXPECT_TRUE(load.reader.DeleteObject(12));
+  EXPECT_TRUE(load.reader.IsInitialised(13));
+  EXPECT_TRUE(load.reader.DeleteObject(13));
+  EXPECT_FALSE(load.reader.IsInitialised(13));
+
+  FileDescriptor file{spec};
+  EXPECT_TRUE(load.reader.CheckifEclipse(file));
+  EXPECT_EQ(file.iType, 12);
+  EXPECT_FALSE(load.reader.CheckECLIPSEFileType(spec, 18));
+}
+
+}  // namespace
+}  // namespace lumbarn

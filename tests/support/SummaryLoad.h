@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "reader/qvEclipseReader.h"
+
+namespace lumbarn::testing {
+
+/// A reader with a session of its own, set up for a silent summary load, and what it gave.
+struct SummaryLoad {
+  explicit SummaryLoad(const std::string& specification) {
+    reader.FileName = specification;
+    reader.whichtype = 12;
+    reader.Silent = true;
+  }
+  /// Loads and fetches.
+  bool run() {
+    bool qOK = false;
+    reader.ECLReadData(qOK);
+    if (!qOK) return false;
+    reader.GetSUMMARYData(table, headers, source, only, qOK);
+    return qOK;
+  }
+  std::vector<float> column(std::size_t iVector) const {
+    const auto values = table.column(iVector);
+    return {values.begin(), values.end()};
+  }
+  /// The columns' names, in order.
+  std::vector<std::string> names() {
+    std::vector<std::string> all;
+    for (const auto& vector : reader.Vectors()) all.push_back(vector.name);
+    return all;
+  }
+  const Diagnosis& lastDiagnosis() const { return session.diagnoses().back(); }
+
+  Session session;
+  qvEclipseReader reader{session};
+  XYData table;
+  ByteTable headers;
+  ByteTable only;
+  SourceData source;
+};
+
+}  // namespace lumbarn::testing
