@@ -16,6 +16,7 @@ using Action = std::function<ExitStatus(Console&)>;
 
 /// Each adds one subcommand with its options to the command line; `chosen` takes its action when it is
 /// called.
+void addInfo(CLI::App& app, Action& chosen);
 void addRecords(CLI::App& app, Action& chosen);
 void addCheck(CLI::App& app, Action& chosen);
 void addVectors(CLI::App& app, Action& chosen);

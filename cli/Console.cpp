@@ -1,5 +1,6 @@
 #include "Console.h"
 
+#include <algorithm>
 #include <string>
 
 #include <fmt/format.h>
@@ -38,7 +39,11 @@ void Console::say(std::string_view text) {
 }
 
 void Console::tell(const Diagnosis& diagnosis) {
-  if (++diagnoses_ <= shownDiagnoses) say(diagnosis.text());
+  std::string text = diagnosis.text();
+  if (std::ranges::count(told_, text) > 0) return;  // met again as a file is read for another purpose
+  if (++diagnoses_ > shownDiagnoses) return;
+  say(text);
+  told_.push_back(std::move(text));
 }
 
 void Console::checkCancelled() const {

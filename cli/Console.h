@@ -1,7 +1,9 @@
 #pragma once
 
 #include <ostream>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "Failure.h"
 #include "ProgressBar.h"
@@ -26,7 +28,7 @@ class Console {
 
   /// One line: "lumbarn: " and the text.
   void say(std::string_view text);
-  /// A diagnosis as a line. Beyond `shownDiagnoses` they are counted only.
+  /// A diagnosis as a line, each once. Beyond `shownDiagnoses` they are counted only.
   void tell(const Diagnosis& diagnosis);
   /// Done, or Partial when a diagnosis was told.
   ExitStatus doneStatus() const { return diagnoses_ == 0 ? Done : Partial; }
@@ -41,6 +43,7 @@ class Console {
   Session& session_;
   ProgressBar progress_;
   int diagnoses_ = 0;
+  std::vector<std::string> told_;
 };
 
 /// Control characters replaced by "?", so that what a file contains cannot steer a terminal.

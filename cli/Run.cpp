@@ -14,6 +14,7 @@ namespace lumbarn::cli {
 namespace {
 
 void addCommands(CLI::App& app, Action& chosen) {
+  addInfo(app, chosen);
   addRecords(app, chosen);
   addCheck(app, chosen);
   addVectors(app, chosen);

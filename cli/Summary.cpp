@@ -112,7 +112,7 @@ class SummaryTable {
     // Of a set with one file for each step the reader takes the first file alone when the end lies behind the
     // last.
     const auto files = run_.steps(FileKind::Summary);
-    if (!files.empty()) reader_.iEnd = std::min(reader_.iEnd, files.back()->step);
+    if (!files.empty()) reader_.iEnd = std::max(steps.first, std::min(steps.last, files.back()->step));
   }
 
   void fetch(bool& qOK) {

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <ostream>
+
+#include <nlohmann/json.hpp>
+
+#include "TableWriter.h"
+
+namespace lumbarn::cli {
+
+/// Named facts in order: numbers, texts, lists of them, groups of facts, and lists of groups.
+using Facts = nlohmann::ordered_json;
+
+/// Writes facts as one JSON object; as rows `property,value` with the names of groups in front; or for
+/// people, with one heading for each group.
+void writeFacts(const Facts& facts, Format format, std::ostream& out);
+
+}  // namespace lumbarn::cli

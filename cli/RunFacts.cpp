@@ -1,0 +1,180 @@
+#include "RunFacts.h"
+
+#include <functional>
+#include <optional>
+#include <set>
+
+#include "RecordData.h"
+#include "record/RecordCursor.h"
+#include "support/Dates.h"
+
+namespace lumbarn::cli {
+namespace {
+
+/// Calls `visit` for each record of a file, its data not read.
+void walk(const std::string& path, Console& console, const std::function<void(RecordCursor&)>& visit) {
+  std::string why;
+  const auto cursor = openRecords(path, why);
+  if (!cursor) {
+    console.tell({.path = path, .problem = why, .action = "read nothing of it"});
+    return;
+  }
+  try {
+    while (cursor->next()) {
+      console.checkCancelled();
+      showProgress(*cursor, console);
+      visit(*cursor);
+    }
+  } catch (const BadRecord& damage) {
+    Diagnosis diagnosis = damage.diagnosis();
+    diagnosis.action = "told what stands before it";
+    console.tell(diagnosis);
+  }
+}
+
+/// The first words of a record of integers; fewer when it has fewer.
+std::vector<std::int32_t> firstWords(RecordCursor& cursor, std::int64_t count) {
+  if (cursor.header().type != ElementType::Integer) return {};
+  std::vector<std::int32_t> words(static_cast<std::size_t>(std::min(count, cursor.header().count)));
+  cursor.read(std::span(words));
+  return words;
+}
+
+/// What the headers of a restart or INIT file say. Those of local grids stand between `LGR` and the next step
+/// or the end of the local grid, and say nothing of the run.
+class HeaderFacts {
+ public:
+  void visit(RecordCursor& cursor) {
+    const std::string& keyword = cursor.header().keyword;
+    if (keyword == "LGR" && cursor.header().type == ElementType::Text) {
+      const auto names = cursor.texts();
+      if (!names.empty() && localGrids_.insert(names[0]).second) localGridsInOrder_.push_back(names[0]);
+      inLocalGrid_ = true;
+    } else if (keyword == "ENDLGR" || keyword == "LGRSGONE" || keyword == "SEQNUM") {
+      inLocalGrid_ = false;
+    } else if (keyword == "INTEHEAD" && !inLocalGrid_) {
+      takeHead(firstWords(cursor, 67));
+    }
+  }
+  void addTo(Facts& facts, bool manyDates) const {
+    if (firstDate_) facts[manyDates ? "first_date" : "date"] = isoText(*firstDate_, true);
+    if (lastDate_ && manyDates) facts["last_date"] = isoText(*lastDate_, true);
+    if (head_.size() >= 11) facts["grid"] = {head_[8], head_[9], head_[10]};
+    if (head_.size() >= 12) facts["active_cells"] = head_[11];
+    if (head_.size() >= 3) facts["units"] = unitSystemName(head_[2]);
+    if (!localGridsInOrder_.empty()) facts["local_grids"] = localGridsInOrder_;
+  }
+
+ private:
+  void takeHead(const std::vector<std::int32_t>& head) {
+    if (head_.empty()) head_ = head;
+    if (head.size() < 67) return;
+    lastDate_ = makeMoment(head[66], head[65], head[64]);
+    if (!firstDate_) firstDate_ = lastDate_;
+  }
+
+  bool inLocalGrid_ = false;
+  std::vector<std::int32_t> head_;
+  std::optional<Moment> firstDate_;
+  std::optional<Moment> lastDate_;
+  std::set<std::string> localGrids_;
+  std::vector<std::string> localGridsInOrder_;
+};
+
+}  // namespace
+
+std::string_view unitSystemName(std::int32_t number) {
+  switch (number) {
+    case 1:
+      return "metric";
+    case 2:
+      return "field";
+    case 3:
+      return "lab";
+    case 4:
+      return "metric with atmospheres";
+    default:
+      return "unknown";
+  }
+}
+
+Facts restartFacts(const RunFamily& run, Console& console) {
+  HeaderFacts headers;
+  std::vector<std::int32_t> steps;
+  const RunMember* file = run.find(FileKind::Restart);
+  if (file->multiple()) {
+    for (const RunMember* step : run.steps(FileKind::Restart)) {
+      steps.push_back(step->step);
+      walk(step->path, console, [&](RecordCursor& cursor) { headers.visit(cursor); });
+    }
+  } else {
+    walk(file->path, console, [&](RecordCursor& cursor) {
+      headers.visit(cursor);
+      if (cursor.header().keyword != "SEQNUM") return;
+      for (const auto step : firstWords(cursor, 1)) steps.push_back(step);
+    });
+  }
+  Facts facts = {{"steps", steps.size()}};
+  if (!steps.empty()) facts.update({{"first_step", steps.front()}, {"last_step", steps.back()}});
+  headers.addTo(facts, true);
+  return facts;
+}
+
+Facts initFacts(const RunFamily& run, Console& console) {
+  HeaderFacts headers;
+  std::int64_t records = 0;
+  walk(run.find(FileKind::Init)->path, console, [&](RecordCursor& cursor) {
+    ++records;
+    headers.visit(cursor);
+  });
+  Facts facts = {{"records", records}};
+  headers.addTo(facts, false);
+  return facts;
+}
+
+Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
+  Facts facts = Facts::object();
+  std::vector<std::string> localGrids;
+  walk(run.find(kind)->path, console, [&](RecordCursor& cursor) {
+    const RecordHeader& header = cursor.header();
+    if (header.is("LGR", ElementType::Text)) {
+      for (const auto& name : cursor.texts()) localGrids.push_back(name);
+    } else if (header.is("GRIDUNIT", ElementType::Text) && header.count > 0) {
+      facts["length_unit"] = cursor.texts()[0];
+    } else if (header.keyword == "GRIDHEAD" && !facts.contains("grid")) {
+      const auto words = firstWords(cursor, 4);
+      if (words.size() == 4) facts["grid"] = {words[1], words[2], words[3]};
+    } else if (header.keyword == "DIMENS" && !facts.contains("grid")) {
+      const auto words = firstWords(cursor, 3);
+      if (words.size() == 3) facts["grid"] = words;
+    }
+  });
+  if (!localGrids.empty()) facts["local_grids"] = localGrids;
+  return facts;
+}
+
+Facts testFacts(const RunFamily& run, Console& console) {
+  constexpr std::size_t wellName = 1;  // place in WELLETC, from 0
+  std::int64_t tests = 0;
+  std::set<std::string> wells;
+  std::optional<Moment> first;
+  std::optional<Moment> last;
+  walk(run.find(FileKind::Rft)->path, console, [&](RecordCursor& cursor) {
+    const RecordHeader& header = cursor.header();
+    if (header.keyword == "TIME") ++tests;
+    if (header.is("WELLETC", ElementType::Text) && header.count > std::int64_t{wellName}) {
+      wells.insert(cursor.texts()[wellName]);
+    }
+    if (header.keyword != "DATE") return;
+    const auto date = firstWords(cursor, 3);
+    if (date.size() < 3) return;
+    last = makeMoment(date[2], date[1], date[0]);
+    if (!first) first = last;
+  });
+  Facts facts = {{"tests", tests}, {"wells", wells}};
+  if (first) facts["first_date"] = isoText(*first, true);
+  if (last) facts["last_date"] = isoText(*last, true);
+  return facts;
+}
+
+}  // namespace lumbarn::cli

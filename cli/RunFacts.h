@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "Console.h"
+#include "Facts.h"
+#include "files/Families.h"
+
+namespace lumbarn::cli {
+
+/// What the files of one kind of a run tell without their data being read. Damage is told by the console; the
+/// facts are then those in front of it.
+Facts summaryFacts(const RunFamily& run, Console& console);
+Facts restartFacts(const RunFamily& run, Console& console);
+Facts initFacts(const RunFamily& run, Console& console);
+Facts gridFacts(const RunFamily& run, FileKind kind, Console& console);
+Facts testFacts(const RunFamily& run, Console& console);
+
+/// A unit system by its number in a header.
+std::string_view unitSystemName(std::int32_t number);
+
+}  // namespace lumbarn::cli
