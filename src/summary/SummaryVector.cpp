@@ -41,12 +41,24 @@ void readPair(SummaryVector& vector, std::size_t dash) {
   }
 }
 
+std::optional<std::array<std::int32_t, 3>> toCell(std::string_view text) {
+  std::array<std::int32_t, 3> cell;
+  for (std::size_t n = 0; n < cell.size(); ++n) {
+    text = trim(text);
+    const auto end = n + 1 < cell.size() ? text.find(' ') : text.size();
+    if (end == std::string_view::npos) return std::nullopt;
+    const auto number = toNumber(text.substr(0, end));
+    if (!number) return std::nullopt;
+    cell[n] = *number;
+    text.remove_prefix(end);
+  }
+  return cell;
+}
+
 void readIndex(SummaryVector& vector) {
-  const std::vector<std::string> numbers = words(vector.index);
-  if (numbers.size() == 3) {
-    const auto i = toNumber(numbers[0]), j = toNumber(numbers[1]), k = toNumber(numbers[2]);
-    if (i && j && k) vector.cell = {*i, *j, *k};
-  } else if (const auto dash = vector.index.find('-', 1); dash != std::string::npos) {
+  vector.cell = toCell(vector.index);
+  if (vector.cell) return;
+  if (const auto dash = vector.index.find('-', 1); dash != std::string::npos) {
     readPair(vector, dash);
   } else {
     vector.number = toNumber(vector.index);
@@ -67,7 +79,9 @@ std::string indexName(const SummaryVector& vector) {
 std::string fullName(const SummaryVector& vector) {
   std::string name = vector.mnemonic;
   const auto append = [&name](const std::string& part) {
-    if (!part.empty()) name += ':' + part;
+    if (part.empty()) return;
+    name += ':';
+    name += part;
   };
   append(vector.lgr);
   append(vector.member);

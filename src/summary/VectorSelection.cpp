@@ -32,21 +32,22 @@ std::string onlyStarAndQuestion(std::string_view pattern) {
   return plain;
 }
 
+/// Looks names up, by comparing while they are few and then by an index over all vectors, which costs as much
+/// as many comparisons.
 class Names {
  public:
-  explicit Names(std::span<const SummaryVector> vectors) : vectors_(vectors) {
-    byName_.reserve(vectors.size());
-    for (std::size_t i = 0; i < vectors.size(); ++i) byName_.emplace(upper(vectors[i].name), i);
-  }
+  explicit Names(std::span<const SummaryVector> vectors) : vectors_(vectors) {}
 
   /// Marks the vectors of that very name; false when there are none.
-  bool markName(std::string_view name, std::vector<bool>& marks) const {
+  bool markName(std::string_view name, std::vector<bool>& marks) {
+    if (++lookUps_ <= mostCompared) return compareAll(name, marks);
+    if (byName_.empty()) index();
     const auto [first, last] = byName_.equal_range(upper(name));
     for (auto it = first; it != last; ++it) marks[it->second] = true;
     return first != last;
   }
 
-  bool markPattern(std::string_view pattern, std::vector<bool>& marks) const {
+  bool markPattern(std::string_view pattern, std::vector<bool>& marks) {
     bool any = markName(pattern, marks);
     if (pattern.find_first_of("*?") == std::string_view::npos) return any;
     const std::string plain = onlyStarAndQuestion(pattern);
@@ -59,7 +60,7 @@ class Names {
   }
 
   void markLists(std::span<const std::string> lists, std::vector<bool>& marks,
-                 std::vector<std::string>& unmatched) const {
+                 std::vector<std::string>& unmatched) {
     for (const std::string& list : lists) {
       const std::string_view whole = trim(list);
       if (whole.find(',') != std::string_view::npos && markName(whole, marks)) continue;
@@ -70,7 +71,25 @@ class Names {
   }
 
  private:
+  static constexpr int mostCompared = 16;
+
+  bool compareAll(std::string_view name, std::vector<bool>& marks) const {
+    bool any = false;
+    for (std::size_t i = 0; i < vectors_.size(); ++i) {
+      const std::string& own = vectors_[i].name;
+      if (own.size() != name.size() || !equalNoCase(own, name)) continue;
+      marks[i] = true;
+      any = true;
+    }
+    return any;
+  }
+  void index() {
+    byName_.reserve(vectors_.size());
+    for (std::size_t i = 0; i < vectors_.size(); ++i) byName_.emplace(upper(vectors_[i].name), i);
+  }
+
   std::span<const SummaryVector> vectors_;
+  int lookUps_ = 0;
   std::unordered_multimap<std::string, std::size_t> byName_;
 };
 
@@ -94,7 +113,7 @@ std::vector<std::string> splitPatterns(std::string_view list) {
 
 VectorSelection selectVectors(std::span<const SummaryVector> vectors, std::span<const std::string> only,
                               std::span<const std::string> except) {
-  const Names names(vectors);
+  Names names(vectors);
   VectorSelection selection;
   selection.mask.assign(vectors.size(), only.empty());
   names.markLists(only, selection.mask, selection.unmatched);
