@@ -1,5 +1,6 @@
 #include <cstdlib>
 #include <filesystem>
+#include <regex>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -49,6 +50,21 @@ TEST(Run, HelpGoesToStandardOutputWithAnExample) {
     const Outcome help = command({subcommand, "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  lumbarn ") + subcommand));
+  }
+}
+
+/// Every option of every subcommand is in the man page and in the completions of both shells.
+TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
+  std::string manual = content(LUMBARN_EXAMPLES "/../cli/man/lumbarn.1");
+  std::erase(manual, '\\');
+  const std::string written[] = {manual, content(LUMBARN_EXAMPLES "/../cli/completions/lumbarn.bash"),
+                                 content(LUMBARN_EXAMPLES "/../cli/completions/_lumbarn")};
+  const std::regex option("--[a-z-]+");
+  for (const char* subcommand : {"info", "records", "check", "vectors", "summary"}) {
+    const std::string help = command({subcommand, "--help"}).out;
+    for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
+      for (const auto& text : written) EXPECT_THAT(text, HasSubstr(found->str())) << subcommand;
+    }
   }
 }
 
