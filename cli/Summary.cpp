@@ -89,12 +89,18 @@ class SummaryTable {
 
   void write(Format format, std::ostream& out) const {
     const auto table = TableWriter::make(format, columns(format), out);
-    for (const std::size_t row : rows_) {
-      if (row % 256 == 0) console_.checkCancelled();
+    console_.progress().files(1);
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+      if (i % 64 == 0) {
+        console_.checkCancelled();
+        console_.progress().fraction(static_cast<double>(i) / static_cast<double>(rows_.size()));
+      }
+      const std::size_t row = rows_[i];
       if (options_.dates) dates_.empty() ? table->empty() : table->text(isoText(dates_[row], dateOnly_));
       for (const NamedVector& vector : shown_) table->number(values_.column(vector.vector->column)[row]);
     }
     table->finish();
+    console_.progress().hide();
   }
 
  private:
