@@ -61,10 +61,9 @@ std::vector<Case> recordCases(const BenchFiles& files) {
   const auto plain = files.plain;
   const auto formatted = files.formatted;
   const auto swapped = [plain] { readSwapped(plain.data); };
-  const auto text = std::make_shared<std::string>();
-  const auto parsed = [formatted, text] {
-    if (text->empty()) *text = readText(formatted.data);
-    require(parseAllNumbers(*text) == formatted.rows * (formatted.vectors + 2), "not all numbers were met");
+  const auto parsed = [formatted] {
+    static const std::string text = readText(formatted.data);
+    require(parseAllNumbers(text) == formatted.rows * (formatted.vectors + 2), "not all numbers were met");
   };
   constexpr double memory = 2e6;
   return {

@@ -166,34 +166,76 @@ void takeText(TextScanner& scanner, std::size_t width, std::byte* out) {
   scanner.take(taken);
 }
 
+/// The places at which the fields of a regular record stand, one after the other from the start of a line.
+class FieldPlaces {
+ public:
+  /// Of lines that go by no rule.
+  FieldPlaces() = default;
+  FieldPlaces(const LineShape& shape, std::uint64_t perBlock, std::uint64_t lineEnd, std::uint64_t start,
+              std::uint64_t element)
+      : shape_(shape),
+        perBlock_(perBlock),
+        lineEnd_(lineEnd),
+        end_(start + shape.fieldWidth),
+        leftOnLine_(shape.perLine),
+        leftInBlock_(perBlock - element % perBlock) {}
+
+  /// Checks where an element was found. What stands across two fields tells that a line has lost or gained
+  /// something and that others make up for its length, so that places follow from arithmetic no more.
+  void next(std::uint64_t begin, std::uint64_t end) {
+    if (end_ == 0) return;
+    if (begin + shape_.fieldWidth < end_ || end > end_) {
+      throwBadRecord("field is out of place", begin,
+                     fmt::format("a field in bytes {} to {}", end_ - shape_.fieldWidth, end_ - 1),
+                     fmt::format("bytes {} to {}", begin, end - 1));
+    }
+    end_ += shape_.fieldWidth;
+    const bool blockEnds = --leftInBlock_ == 0;
+    if (--leftOnLine_ != 0 && !blockEnds) return;
+    end_ += lineEnd_;
+    leftOnLine_ = shape_.perLine;
+    if (blockEnds) leftInBlock_ = perBlock_;
+  }
+
+ private:
+  LineShape shape_;
+  std::uint64_t perBlock_ = 0;
+  std::uint64_t lineEnd_ = 0;
+  std::uint64_t end_ = 0;  // byte offset behind the next field; 0 without a rule
+  std::uint64_t leftOnLine_ = 0;
+  std::uint64_t leftInBlock_ = 0;
+};
+
 /// Passes over `skip` elements and takes `count` to out (or passes over them too, when out is null).
 template <class Take>
-void takeAll(TextScanner& scanner, std::uint64_t skip, std::uint64_t count, std::size_t token,
-             std::size_t outWidth, std::byte* out, Take take) {
+void takeAll(TextScanner& scanner, FieldPlaces places, std::uint64_t skip, std::uint64_t count,
+             std::size_t token, std::size_t outWidth, std::byte* out, Take take) {
   for (std::uint64_t i = 0; i < skip + count; ++i) {
     if (!scanner.skipBlanks(token)) {
       throwCutOff(scanner.position(), fmt::format("{} more elements", skip + count - i), "end of file");
     }
     const bool wanted = out && i >= skip;
+    const auto begin = scanner.position();
     take(scanner, wanted ? out + (i - skip) * outWidth : nullptr);
+    places.next(begin, scanner.position());
   }
 }
 
-void scanElements(TextScanner& scanner, const RecordHeader& header, std::uint64_t skip, std::uint64_t count,
-                  std::byte* out) {
+void scanElements(TextScanner& scanner, const RecordHeader& header, const FieldPlaces& places,
+                  std::uint64_t skip, std::uint64_t count, std::byte* out) {
   const auto width = static_cast<std::size_t>(header.width);
   switch (header.type) {
     case ElementType::Integer:
     case ElementType::Short:
-      return takeAll(scanner, skip, count, longestToken, 4, out, takeNumber<std::int32_t>);
+      return takeAll(scanner, places, skip, count, longestToken, 4, out, takeNumber<std::int32_t>);
     case ElementType::Single:
-      return takeAll(scanner, skip, count, longestToken, 4, out, takeNumber<float>);
+      return takeAll(scanner, places, skip, count, longestToken, 4, out, takeNumber<float>);
     case ElementType::Double:
-      return takeAll(scanner, skip, count, longestToken, 8, out, takeNumber<double>);
+      return takeAll(scanner, places, skip, count, longestToken, 8, out, takeNumber<double>);
     case ElementType::Logical:
-      return takeAll(scanner, skip, count, 1, 4, out, takeLogical);
+      return takeAll(scanner, places, skip, count, 1, 4, out, takeLogical);
     case ElementType::Text:
-      return takeAll(scanner, skip, count, width + 2, width, out,
+      return takeAll(scanner, places, skip, count, width + 2, width, out,
                      [width](TextScanner& s, std::byte* to) { takeText(s, width, to); });
     default:
       return;
@@ -284,7 +326,7 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
 
   layout.kind = DataLayout::Kind::Scanned;
   TextScanner scanner(window, header.dataAt, left);
-  scanElements(scanner, header, 0, count, nullptr);
+  scanElements(scanner, header, {}, 0, count, nullptr);
   if (scanner.position() == window.size() && cutInsideField(window, shape.fieldWidth)) {
     throwCutOff(window.size(), "a whole last line", "end of file");
   }
@@ -297,6 +339,7 @@ void FormattedCodec::decode(Window& window, const RecordHeader& header, const Da
                             std::int64_t first, std::size_t count, std::byte* out) const {
   std::uint64_t start = header.dataAt;
   auto skip = static_cast<std::uint64_t>(first);
+  FieldPlaces places;
   if (layout.kind == DataLayout::Kind::Regular) {
     const auto shape = lineShape(header.type, header.width);
     const auto perBlock = static_cast<std::uint64_t>(elementsPerBlock(header.type));
@@ -304,10 +347,11 @@ void FormattedCodec::decode(Window& window, const RecordHeader& header, const Da
     start += skip / perBlock * blockBytes(shape, perBlock, layout.lineEndBytes) +
              blockBytes(shape, within, layout.lineEndBytes);
     skip -= skip / perBlock * perBlock + within;
+    places = {shape, perBlock, layout.lineEndBytes, start, static_cast<std::uint64_t>(first) - skip};
   }
   const auto fieldWidth = lineShape(header.type, header.width).fieldWidth + 1;
   TextScanner scanner(window, start, (skip + count) * fieldWidth);
-  scanElements(scanner, header, skip, count, out);
+  scanElements(scanner, header, places, skip, count, out);
   if (first + static_cast<std::int64_t>(count) < header.count) return;
   if (scanner.skipBlanks(1) && scanner.position() < layout.end) {
     throwBadRecord("more data than the header announces", scanner.position(),

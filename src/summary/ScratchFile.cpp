@@ -37,12 +37,12 @@ void ScratchFile::finish() {
   if (!out_.close()) fail(path_, "cannot be written");
 }
 
-void ScratchFile::read(std::span<float> values) const {
+void ScratchFile::read(std::span<float> values, std::uint64_t firstValue) const {
   std::string why;
   const InputFile in(path_, why);
   if (!in.isOpen()) fail(path_, why);
   const auto bytes = std::as_writable_bytes(values);
-  if (in.readAt(0, bytes) != bytes.size()) fail(path_, "cannot be read back");
+  if (in.readAt(firstValue * sizeof(float), bytes) != bytes.size()) fail(path_, "cannot be read back");
 }
 
 std::string ScratchFile::release() { return std::exchange(path_, {}); }

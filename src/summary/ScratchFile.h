@@ -23,8 +23,8 @@ class ScratchFile {
   void write(std::span<const std::int32_t> words);
   /// Ends writing.
   void finish();
-  /// Fills the array from the start of the file.
-  void read(std::span<float> values) const;
+  /// Fills the array from the file, beginning at a value, from 0.
+  void read(std::span<float> values, std::uint64_t firstValue = 0) const;
   /// Leaves the file to the caller.
   std::string release();
 

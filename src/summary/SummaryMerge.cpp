@@ -2,17 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "../shapes/HeaderLayout.h"
 #include "../shapes/VectorData.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
-#include "../support/System.h"
 #include "../support/Text.h"
+#include "ScratchFile.h"
 #include "SummaryMatch.h"
 
 namespace lumbarn {
@@ -72,31 +70,9 @@ MergePlan planMerge(const XYData& sOld, std::span<const std::int32_t> iNew, std:
   return plan;
 }
 
-/// Gone when it goes out of scope.
-class ScratchFile {
- public:
-  ScratchFile() : path_(makeTemporaryFile("MS")) {}
-  ScratchFile(const ScratchFile&) = delete;
-  ScratchFile& operator=(const ScratchFile&) = delete;
-  ~ScratchFile() {
-    std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove(path_, ignored);
-  }
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
-};
-
-bool refuse(Session& session, const std::string& path, std::string problem) {
-  session.diagnose(
-      Diagnosis{.path = path, .problem = std::move(problem), .action = "left the earlier run out"});
-  return false;
-}
-
-bool writeMerged(Session& session, const MergePlan& plan, OutputFile& file) {
-  constexpr std::size_t atOnce = std::size_t{1}
-                                 << 18;  // values in one write, so that short columns share one
+/// False when the load was cancelled.
+bool writeMerged(Session& session, const MergePlan& plan, ScratchFile& scratch) {
+  constexpr std::size_t atOnce = 1U << 18;  // values in one write, so that short columns share one
   std::vector<float> buffer;
   for (std::size_t column = 1; column <= plan.columns(); ++column) {
     if (column % yieldInterval == 0 && session.yield()) return false;
@@ -104,53 +80,39 @@ bool writeMerged(Session& session, const MergePlan& plan, OutputFile& file) {
     buffer.resize(end + plan.rows());
     plan.fill(column, std::span(buffer).subspan(end));
     if (buffer.size() >= atOnce || column == plan.columns()) {
-      if (!file.write(std::as_bytes(std::span(buffer)))) return false;
+      scratch.write(std::span<const float>(buffer));
       buffer.clear();
     }
   }
-  return file.close();
-}
-
-bool readValues(const InputFile& file, std::uint64_t firstValue, std::span<float> values) {
-  return file.readAt(firstValue * sizeof(float), std::as_writable_bytes(values)) == values.size_bytes();
+  scratch.finish();
+  return true;
 }
 
 /// The old main table from the file of the new one.
-void restore(const Session& session, const InputFile& file, std::size_t fileRows, std::size_t keep,
+void restore(const Session& session, const ScratchFile& scratch, std::size_t fileRows, std::size_t keep,
              std::size_t columns, XYData& sMain) {
+  sMain = XYData();
   sMain = XYData(fileRows - keep, columns, session);
+  if (sMain.empty()) return;
   for (std::size_t column = 1; column <= columns; ++column) {
-    readValues(file, (column - 1) * fileRows + keep, sMain.column(column));
+    scratch.read(sMain.column(column), (column - 1) * fileRows + keep);
   }
 }
 
 bool mergeThroughScratch(Session& session, const MergePlan& plan, XYData& sMain) {
-  const std::size_t rows = plan.rows(), columns = plan.columns();
-  const std::size_t mainColumns = sMain.columns();
+  const std::size_t rows = plan.rows(), columns = plan.columns(), mainColumns = sMain.columns();
   session.checkMemory(rows * columns * sizeof(float));  // before the old table is given up
-
-  const ScratchFile scratch;
-  std::string error = "no temporary file can be made";
-  OutputFile out;
-  if (!scratch.path().empty()) out = OutputFile(scratch.path(), error);
-  if (!out.isOpen()) return refuse(session, scratch.path(), error);
-  if (!writeMerged(session, plan, out)) {
-    return !session.cancelled() && refuse(session, scratch.path(), "scratch file cannot be written");
-  }
-  const InputFile in(scratch.path(), error);
-  if (!in.isOpen()) return refuse(session, scratch.path(), error);
-
+  ScratchFile scratch("MS");
+  if (!writeMerged(session, plan, scratch)) return false;
   sMain = XYData();
   try {
     sMain = XYData(rows, columns, session);
+    scratch.read(sMain.values());
   } catch (const Fault&) {
-    restore(session, in, rows, plan.keep, mainColumns, sMain);
+    restore(session, scratch, rows, plan.keep, mainColumns, sMain);
     throw;
   }
-  if (readValues(in, 0, sMain.values())) return true;
-  sMain = XYData();
-  restore(session, in, rows, plan.keep, mainColumns, sMain);
-  return refuse(session, scratch.path(), "scratch file cannot be read back");
+  return true;
 }
 
 bool mergeInMemory(Session& session, const MergePlan& plan, XYData& sMain) {

@@ -145,13 +145,14 @@ bool qvEclipseSUMMARYFile::selectVectorsOf(qvEclipseSPEC& spec, bool newest) {
 void qvEclipseSUMMARYFile::applyPatterns(qvEclipseSPEC& spec, bool newest) {
   if (onlyPatterns.empty() && exceptPatterns.empty()) return;
   const auto vectors = summaryVectors(spec);
-  auto [mask, missing] = selectVectors(vectors, onlyPatterns, exceptPatterns);
+  auto selection = selectVectors(vectors, onlyPatterns, exceptPatterns);
   // The first column is the time: rows are dated, and runs merged, by it.
-  if (!mask.empty() && vectors.front().column == 1) mask.front() = true;
+  if (!selection.mask.empty() && vectors.front().column == 1) selection.mask.front() = true;
   bool qOK = false;
-  spec.setKeyMask(mask, qOK);
+  spec.setKeyMask(selection.mask, qOK);
+  const auto& missing = selection.unmatched;
   if (newest) {
-    unmatched = std::move(missing);
+    unmatched = missing;
   } else {
     std::erase_if(unmatched,
                   [&](const auto& pattern) { return std::ranges::find(missing, pattern) == missing.end(); });

@@ -360,6 +360,24 @@ TEST(FormattedRecords, WhatOtherWritersPutOnTheLines) {
   EXPECT_FALSE(cursor.next());
 }
 
+TEST(FormattedRecords, LinesThatMakeUpForEachOthersLengthAreDamage) {
+  // One field too few on the first line, one too many on the second: the record ends where it should.
+  const std::string text =
+      " 'PARAMS  '           6 'REAL'\n"
+      "   0.10000000E+01   0.20000000E+01   0.30000000E+01                 \n"
+      " 0.4E+01 0.5E+01    0.60000000E+01\n";
+  auto cursor = cursorOver(bytesOf(text), {Framing::Formatted, false});
+  ASSERT_TRUE(cursor.next());
+  ASSERT_TRUE(cursor.regular());
+  try {
+    cursor.singles();
+    FAIL();
+  } catch (const BadRecord& damage) {
+    EXPECT_THAT(damage.diagnosis().text(),
+                HasSubstr("field is out of place (PARAMS, occurrence 1, byte 101"));
+  }
+}
+
 TEST(FormattedRecords, DamageNamesTheCharacterThatDoesNotFit) {
   const std::string text =
       " 'PARAMS  '           2 'REAL'\n"
