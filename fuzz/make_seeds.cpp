@@ -51,7 +51,7 @@ class Corpus {
     Bytes both = specification;
     both.insert(both.end(), data.begin(), data.end());
     const auto length = static_cast<int>(specification.size());
-    add("fuzz_summary", {length % 256, length / 256}, both);
+    for (const int options : {2, 3}) add("fuzz_summary", {options, length % 256, length / 256}, both);
   }
 
  private:

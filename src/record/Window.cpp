@@ -1,6 +1,7 @@
 #include "Window.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lumbarn {
 
@@ -12,12 +13,14 @@ constexpr std::size_t leastFetch = 256;
 }  // namespace
 
 std::span<const std::byte> Window::fetch(std::uint64_t position, std::size_t needed, std::uint64_t wanted) {
-  if (!buffer_) buffer_.reset(new std::byte[capacity]);
+  std::swap(last_, before_);
+  if (last_.has(position, needed)) return last_.from(position);
+  if (!last_.bytes) last_.bytes.reset(new std::byte[capacity]);
   const auto share = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, capacity));
   const std::size_t size = std::min(capacity, std::max(needed, wanted == 0 ? leastFetch : share));
-  start_ = position;
-  length_ = source_->readAt(position, {buffer_.get(), size});
-  return {buffer_.get(), length_};
+  last_.start = position;
+  last_.length = source_->readAt(position, {last_.bytes.get(), size});
+  return last_.from(position);
 }
 
 }  // namespace lumbarn

@@ -10,7 +10,8 @@
 namespace lumbarn {
 
 /// A buffered view of a byte source. Fetches what is asked for and a little more, so that a walk from header
-/// to header does not drag the data along.
+/// to header does not drag the data along. Keeps the last two fetches, since finding a record looks at its
+/// end before its data are read.
 class Window {
  public:
   explicit Window(const ByteSource& source) : source_(&source), size_(source.size()) {}
@@ -21,23 +22,31 @@ class Window {
   /// only when the file ends. `wanted` tells how many will be read from there in sequence, so that they come
   /// in few transfers. The view holds until the next call.
   std::span<const std::byte> at(std::uint64_t position, std::size_t needed, std::uint64_t wanted = 0) {
-    if (position >= start_ && position - start_ <= length_ && length_ - (position - start_) >= needed) {
-      const auto skip = static_cast<std::size_t>(position - start_);
-      return {buffer_.get() + skip, length_ - skip};
-    }
-    return fetch(position, needed, wanted);
+    return last_.has(position, needed) ? last_.from(position) : fetch(position, needed, wanted);
   }
 
-  static constexpr std::size_t capacity = std::size_t{256} << 10;
+  static constexpr std::size_t capacity = std::size_t{128} << 10;
 
  private:
+  struct Fetched {
+    std::unique_ptr<std::byte[]> bytes;
+    std::uint64_t start = 0;
+    std::size_t length = 0;
+
+    bool has(std::uint64_t position, std::size_t needed) const {
+      return position >= start && position - start <= length && length - (position - start) >= needed;
+    }
+    std::span<const std::byte> from(std::uint64_t position) const {
+      const auto skip = static_cast<std::size_t>(position - start);
+      return {bytes.get() + skip, length - skip};
+    }
+  };
   std::span<const std::byte> fetch(std::uint64_t position, std::size_t needed, std::uint64_t wanted);
 
   const ByteSource* source_;
   std::uint64_t size_;
-  std::unique_ptr<std::byte[]> buffer_;
-  std::uint64_t start_ = 0;
-  std::size_t length_ = 0;
+  Fetched last_;
+  Fetched before_;
 };
 
 }  // namespace lumbarn
