@@ -83,10 +83,18 @@ class RunCheck {
       check(*file);
       console_.progress().fileDone();
     }
+    checkPair(run, FileKind::SummarySpec, FileKind::Summary, "no summary data go with it");
+    checkPair(run, FileKind::Summary, FileKind::SummarySpec, "no specification goes with it");
     return status_;
   }
 
  private:
+  void checkPair(const RunFamily& run, FileKind kind, FileKind other, const char* problem) {
+    if (!run.find(kind) || run.find(other)) return;
+    report_.add({.path = run.find(kind)->path, .problem = problem});
+    if (status_ == Done) status_ = Partial;
+  }
+
   void check(const RunMember& file) {
     auto& vectors = vectors_[file.formatted ? 1 : 0];
     const FindingSink add = [this](const Diagnosis& finding) { report_.add(finding); };
@@ -112,7 +120,7 @@ class RunCheck {
 
 ExitStatus checkRun(const CheckOptions& options, Console& console) {
   const RunFamily run = findRun(options.path);
-  Output output(options.output, console.out());
+  Output output(options.output, console.out(), pathsOf(run));
   FindingReport report(options.output.format, output.stream());
   const ExitStatus status = RunCheck(console, report).check(run);
   report.finish();

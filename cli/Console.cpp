@@ -46,6 +46,10 @@ void Console::tell(const Diagnosis& diagnosis) {
   told_.push_back(std::move(text));
 }
 
+void Console::giveUp(const std::string& path, const std::string& problem) const {
+  throw Failure(Unreadable, diagnoses_ > 0 ? "" : path + ": " + problem);
+}
+
 void Console::checkCancelled() const {
   if (session_.cancelled()) throw Failure(Cancelled, "cancelled");
 }

@@ -32,6 +32,8 @@ class Console {
   void tell(const Diagnosis& diagnosis);
   /// Done, or Partial when a diagnosis was told.
   ExitStatus doneStatus() const { return diagnoses_ == 0 ? Done : Partial; }
+  /// Throws Failure for a file that cannot be read; the message is left out when diagnoses told why.
+  [[noreturn]] void giveUp(const std::string& path, const std::string& problem) const;
   /// Throws Failure when Ctrl-C was pressed.
   void checkCancelled() const;
 

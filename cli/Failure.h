@@ -14,7 +14,7 @@ enum ExitStatus : int {
   Cancelled = 130,  ///< as shells tell the end by Ctrl-C
 };
 
-/// Ends a subcommand with a message for people and an exit status.
+/// Ends a subcommand with an exit status and a message for people, which is empty when all has been said.
 class Failure : public std::runtime_error {
  public:
   Failure(ExitStatus status, const std::string& message) : std::runtime_error(message), status_(status) {}

@@ -87,7 +87,7 @@ void addContent(Facts& facts, const RunFamily& run, FileKind kind, Console& cons
 
 ExitStatus tellAbout(const InfoOptions& options, Console& console) {
   RunFamily run = findRun(options.path);
-  Output output(options.output, console.out());
+  Output output(options.output, console.out(), pathsOf(run));
   Facts facts = Facts::object();
   bool unknown = false;
   std::vector<FileKind> kinds{FileKind::SummarySpec, FileKind::Restart, FileKind::Init,

@@ -23,8 +23,10 @@ extern "C" void cancel(int signal) {
 int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
   lumbarn::Session::process();  // made here, as the handler must not make it
-  std::signal(SIGINT, cancel);
-  std::signal(SIGTERM, cancel);
+  for (const int signal : {SIGINT, SIGTERM}) {
+    // What was started to ignore it, as shells start work in the background, goes on ignoring it.
+    if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, cancel);
+  }
   const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
   const int status =
       lumbarn::cli::run(args, std::cout, std::cerr, lumbarn::Session::process(), lumbarn::stderrIsTerminal());

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <ostream>
+#include <span>
 #include <string>
 
 #include "TableWriter.h"
@@ -25,8 +26,8 @@ void addOutputOptions(CLI::App& command, OutputOptions& options);
 /// reached.
 class Output {
  public:
-  /// Throws Failure when the file cannot be written.
-  Output(const OutputOptions& options, std::ostream& standard);
+  /// Throws Failure when the file cannot be written, or is one of `inputs`.
+  Output(const OutputOptions& options, std::ostream& standard, std::span<const std::string> inputs);
   ~Output();
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;

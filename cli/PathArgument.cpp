@@ -38,9 +38,13 @@ std::string oneFile(const std::string& argument) {
   const RunFamily run = findRun(argument);
   if (const RunMember* member = run.givenMember()) return member->path;
   if (run.members.size() == 1) return run.members.front().path;
-  std::vector<std::string> files;
-  for (const RunMember& member : run.members) files.push_back(member.path);
-  askToChoose(argument + " is a run, name one of its files", files);
+  askToChoose(argument + " is a run, name one of its files", pathsOf(run));
+}
+
+std::vector<std::string> pathsOf(const RunFamily& run) {
+  std::vector<std::string> paths;
+  for (const RunMember& member : run.members) paths.push_back(member.path);
+  return paths;
 }
 
 RunMember summarySpecification(const RunFamily& run) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "files/Families.h"
 
@@ -16,6 +17,9 @@ std::string oneFile(const std::string& argument);
 
 /// The summary specification of a run. Throws Failure when it has none.
 RunMember summarySpecification(const RunFamily& run);
+
+/// The paths of a run's files.
+std::vector<std::string> pathsOf(const RunFamily& run);
 
 /// A file's name without its folder.
 std::string nameOfFile(const std::string& path);

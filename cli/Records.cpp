@@ -100,7 +100,7 @@ ExitStatus listRecords(const RecordsOptions& options, Console& console) {
   std::string why;
   const auto cursor = openRecords(path, why);
   if (!cursor) throw Failure(Unreadable, path + ": " + why);
-  Output output(options.output, console.out());
+  Output output(options.output, console.out(), std::span(&path, 1));
   const ExitStatus status = RecordList(*cursor, console, options, output.stream()).write();
   if (status != Unreadable) output.commit();
   return status;

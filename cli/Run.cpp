@@ -58,7 +58,7 @@ ExitStatus perform(const Action& action, Console& console) {
   try {
     return action(console);
   } catch (const Failure& failure) {
-    console.say(failure.what());
+    if (*failure.what() != '\0') console.say(failure.what());
     return failure.status();
   } catch (const BadRecord& damage) {
     console.tell(damage.diagnosis());

@@ -61,10 +61,10 @@ void tellUnmatched(const SummaryOptions& options, qvEclipseReader& reader, Conso
 /// A summary table, and what of it is to be shown.
 class SummaryTable {
  public:
-  SummaryTable(const SummaryOptions& options, Console& console) : options_(options), console_(console) {}
+  SummaryTable(const RunFamily& run, const SummaryOptions& options, Console& console)
+      : run_(run), options_(options), console_(console) {}
 
   void load() {
-    run_ = findRun(options_.path);
     reader_.FileName = summarySpecification(run_).path;
     reader_.whichtype = 12;
     reader_.Silent = true;
@@ -78,7 +78,7 @@ class SummaryTable {
     if (qOK) fetch(qOK);
     console_.progress().hide();
     console_.checkCancelled();
-    if (!qOK) throw Failure(Unreadable, reader_.FileName + ": nothing of the summary can be shown");
+    if (!qOK) console_.giveUp(reader_.FileName, "nothing of the summary can be read");
     tellUnmatched(options_, reader_, console_);
     chooseColumns();
     chooseRows();
@@ -89,12 +89,18 @@ class SummaryTable {
 
   void write(Format format, std::ostream& out) const {
     const auto table = TableWriter::make(format, columns(format), out);
-    for (const std::size_t row : rows_) {
-      if (row % 256 == 0) console_.checkCancelled();
+    console_.progress().files(1);
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+      if (i % 64 == 0) {
+        console_.checkCancelled();
+        console_.progress().fraction(static_cast<double>(i) / static_cast<double>(rows_.size()));
+      }
+      const std::size_t row = rows_[i];
       if (options_.dates) dates_.empty() ? table->empty() : table->text(isoText(dates_[row], dateOnly_));
       for (const NamedVector& vector : shown_) table->number(values_.column(vector.vector->column)[row]);
     }
     table->finish();
+    console_.progress().hide();
   }
 
  private:
@@ -109,10 +115,12 @@ class SummaryTable {
     const StepRange steps = parseSteps(options_.steps);
     reader_.iStart = steps.first;
     reader_.iEnd = steps.last;
-    // Of a set with one file for each step the reader takes the first file alone when the end lies behind the
-    // last.
     const auto files = run_.steps(FileKind::Summary);
-    if (!files.empty()) reader_.iEnd = std::max(steps.first, std::min(steps.last, files.back()->step));
+    if (files.empty()) return;
+    // Of a set with one file for each step the reader takes all files when the start is open, and the first
+    // file alone when the end lies behind the last.
+    if (steps.first < 0) reader_.iStart = files.front()->step;
+    reader_.iEnd = std::max(reader_.iStart, std::min(steps.last, files.back()->step));
   }
 
   void fetch(bool& qOK) {
@@ -170,9 +178,9 @@ class SummaryTable {
     return all;
   }
 
+  const RunFamily& run_;
   const SummaryOptions& options_;
   Console& console_;
-  RunFamily run_;
   qvEclipseReader reader_{console_.session()};
   XYData values_;
   std::vector<NamedVector> shown_;
@@ -182,9 +190,10 @@ class SummaryTable {
 };
 
 ExitStatus showSummary(const SummaryOptions& options, Console& console) {
-  SummaryTable table(options, console);
+  const RunFamily run = findRun(options.path);
+  Output output(options.output, console.out(), pathsOf(run));
+  SummaryTable table(run, options, console);
   table.load();
-  Output output(options.output, console.out());
   table.write(options.output.format, output.stream());
   output.commit();
   return console.doneStatus();

@@ -46,7 +46,11 @@ Facts summaryFacts(const RunFamily& run, Console& console) {
   const std::string path = summarySpecification(run).path;
   qvEclipseSPEC spec(console.session());
   bool qOK = false;
-  if (spec.CheckSPECFile(path)) spec.ReadEclipseSPECFile(qOK);
+  if (spec.CheckSPECFile(path)) {
+    spec.ReadEclipseSPECFile(qOK);
+  } else {
+    console.tell({.path = path, .problem = "is no summary specification"});
+  }
   console.checkCancelled();
   Facts facts = Facts::object();
   if (!qOK && !spec.qDamaged) return facts;

@@ -24,7 +24,7 @@ class CsvWriter final : public TableWriter {
   void put(std::size_t column, Cell cell, std::string_view value) override {
     if (column > 0) buffer_ += ',';
     if (cell == Cell::NotFinite && value.find("nan") != value.npos) return;
-    if (value.find_first_of(",\"\r\n") == value.npos) {
+    if (cell == Cell::Number || value.find_first_of(",\"\r\n") == value.npos) {
       buffer_ += value;
       return;
     }

@@ -26,12 +26,13 @@ std::array<std::string_view, 8> cells(const NamedVector& named) {
 
 ExitStatus listVectors(const VectorsOptions& options, Console& console) {
   qvEclipseReader reader(console.session());
-  reader.FileName = summarySpecification(findRun(options.path)).path;
+  const RunFamily run = findRun(options.path);
+  reader.FileName = summarySpecification(run).path;
   reader.AcceptDamaged = true;
   bool qOK = false;
   const auto vectors = reader.ListSummaryVectors(qOK);
   console.checkCancelled();
-  if (!qOK) throw Failure(Unreadable, reader.FileName + ": no vectors can be read from it");
+  if (!qOK) console.giveUp(reader.FileName, "no vectors can be read from it");
 
   const auto named = nameVectors(vectors, options.keepDuplicates, console);
   std::vector<Column> columns{{"name"},  {"mnemonic"}, {"class"}, {"member"},
@@ -41,7 +42,7 @@ ExitStatus listVectors(const VectorsOptions& options, Console& console) {
     for (std::size_t i = 0; i < row.size(); ++i)
       columns[i].width = std::max(columns[i].width, displayWidth(row[i]));
   }
-  Output output(options.output, console.out());
+  Output output(options.output, console.out(), pathsOf(run));
   const auto table = TableWriter::make(options.output.format, columns, output.stream());
   for (const NamedVector& vector : named) {
     for (const std::string_view cell : cells(vector)) table->text(cell);

@@ -8,7 +8,7 @@ namespace lumbarn {
 namespace {
 
 /// Enough for the headers and the few words around a report step; small enough that skipping stays cheap.
-constexpr std::size_t leastFetch = 1024;
+constexpr std::size_t leastFetch = 256;
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 #include "SummaryVector.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <span>
 #include <string_view>
@@ -41,23 +42,26 @@ void readPair(SummaryVector& vector, std::size_t dash) {
   }
 }
 
-std::optional<std::array<std::int32_t, 3>> toCell(std::string_view text) {
-  std::array<std::int32_t, 3> cell;
-  for (std::size_t n = 0; n < cell.size(); ++n) {
+/// The three numbers of a cell, blanks between.
+std::optional<std::array<std::int32_t, 3>> readCell(std::string_view text) {
+  std::array<std::int32_t, 3> cell{};
+  for (std::int32_t& number : cell) {
     text = trim(text);
-    const auto end = n + 1 < cell.size() ? text.find(' ') : text.size();
-    if (end == std::string_view::npos) return std::nullopt;
-    const auto number = toNumber(text.substr(0, end));
-    if (!number) return std::nullopt;
-    cell[n] = *number;
-    text.remove_prefix(end);
+    const auto word = text.substr(0, text.find(' '));
+    const auto value = toNumber(word);
+    if (!value) return std::nullopt;
+    number = *value;
+    text.remove_prefix(word.size());
   }
+  if (!trim(text).empty()) return std::nullopt;
   return cell;
 }
 
 void readIndex(SummaryVector& vector) {
-  vector.cell = toCell(vector.index);
-  if (vector.cell) return;
+  vector.number.reset();
+  vector.regionPair.reset();
+  vector.cell = readCell(vector.index);
+  if (vector.cell || vector.index.empty()) return;
   if (const auto dash = vector.index.find('-', 1); dash != std::string::npos) {
     readPair(vector, dash);
   } else {
@@ -65,50 +69,70 @@ void readIndex(SummaryVector& vector) {
   }
 }
 
-std::string indexName(const SummaryVector& vector) {
+void appendNumber(std::string& name, std::int32_t number) {
+  std::array<char, 12> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  name.append(digits.data(), end);
+}
+
+void appendIndex(std::string& name, const SummaryVector& vector) {
   if (vector.cell) {
-    const auto& [i, j, k] = *vector.cell;
-    return std::to_string(i) + ',' + std::to_string(j) + ',' + std::to_string(k);
-  }
-  if (vector.regionPair) {
-    return std::to_string(vector.regionPair->first) + '-' + std::to_string(vector.regionPair->second);
-  }
-  return vector.number ? std::to_string(*vector.number) : vector.index;
-}
-
-std::string fullName(const SummaryVector& vector) {
-  std::string name = vector.mnemonic;
-  const auto append = [&name](const std::string& part) {
-    if (part.empty()) return;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      name += axis == 0 ? ':' : ',';
+      appendNumber(name, (*vector.cell)[axis]);
+    }
+  } else if (vector.regionPair) {
     name += ':';
-    name += part;
-  };
-  append(vector.lgr);
-  append(vector.member);
-  append(indexName(vector));
-  return name;
+    appendNumber(name, vector.regionPair->first);
+    name += '-';
+    appendNumber(name, vector.regionPair->second);
+  } else if (vector.number) {
+    name += ':';
+    appendNumber(name, *vector.number);
+  } else if (!vector.index.empty()) {
+    name += ':';
+    name += vector.index;
+  }
 }
 
-/// `text` gives an attribute's text.
+void makeName(SummaryVector& vector) {
+  std::string& name = vector.name;
+  name = vector.mnemonic;
+  for (const auto* part : {&vector.lgr, &vector.member}) {
+    if (part->empty()) continue;
+    name += ':';
+    name += *part;
+  }
+  appendIndex(name, vector);
+}
+
+/// Without the note that some writers put behind a TAB.
+std::string_view mnemonicOf(std::string_view variable) {
+  return trim(variable.substr(0, variable.find('\t')));
+}
+
+/// Reads what a vector's name is made of, and its name. `text` gives an attribute's text.
+template <class Text>
+void readName(SummaryVector& vector, Text&& text) {
+  vector.mnemonic = mnemonicOf(text(attributeVariable));
+  vector.classWord = text(attributeClass);
+  const bool inLGR = vector.classWord == "LGR";
+  vector.lgr = inLGR ? text(attributeLGRName) : std::string_view();
+  vector.lgrClass = inLGR ? text(attributeLGRClass) : std::string_view();
+  const std::string_view owner = inLGR ? vector.lgrClass : vector.classWord;
+  vector.member = isOneOf(owner, classesWithMember) ? trim(text(attributeMember)) : std::string_view();
+  vector.index = isOneOf(owner, classesWithIndex) ? text(attributeIndex) : std::string_view();
+  readIndex(vector);
+  makeName(vector);
+}
+
 template <class Text>
 SummaryVector makeVector(std::size_t column, Text&& text) {
   SummaryVector vector;
   vector.column = column;
-  const std::string_view variable = text(attributeVariable);
-  vector.mnemonic = trim(variable.substr(0, variable.find('\t')));
-  vector.classWord = text(attributeClass);
-  const bool inLGR = vector.classWord == "LGR";
-  if (inLGR) {
-    vector.lgr = text(attributeLGRName);
-    vector.lgrClass = text(attributeLGRClass);
-  }
-  const std::string_view owner = inLGR ? vector.lgrClass : vector.classWord;
-  if (isOneOf(owner, classesWithMember)) vector.member = trim(text(attributeMember));
-  if (isOneOf(owner, classesWithIndex)) vector.index = text(attributeIndex);
-  if (!vector.index.empty()) readIndex(vector);
+  readName(vector, text);
   vector.units = text(attributeUnits);
   vector.description = text(attributeVerbose);
-  vector.name = fullName(vector);
   return vector;
 }
 
@@ -123,6 +147,25 @@ std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec) {
         makeVector(i + 1, [&](std::int32_t iAttribute) { return spec.text(spec.xVectors[i], iAttribute); }));
   }
   return vectors;
+}
+
+std::vector<std::string> summaryNames(const qvEclipseSPEC& spec,
+                                      const std::function<bool(std::string_view)>& wanted) {
+  std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(spec.nKeysUsed));
+  std::vector<std::optional<bool>> answers(static_cast<std::size_t>(spec.xStore(attributeVariable).count()) +
+                                           1);
+  SummaryVector vector;
+  for (std::size_t i = 0; i < spec.xVectors.size(); ++i) {
+    if (!spec.qKeyMask[i]) continue;
+    const auto text = [&](std::int32_t iAttribute) { return spec.text(spec.xVectors[i], iAttribute); };
+    auto& answer = answers[static_cast<std::size_t>(std::max<std::int32_t>(spec.xVectors[i].iVariable, 0))];
+    if (!answer) answer = wanted(mnemonicOf(text(attributeVariable)));
+    vector.name.clear();
+    if (*answer) readName(vector, text);
+    names.push_back(vector.name);
+  }
+  return names;
 }
 
 std::vector<SummaryVector> summaryVectors(const ByteTable& bHeaders) {

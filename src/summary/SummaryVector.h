@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -34,6 +36,9 @@ struct SummaryVector {
 
 /// The vectors that the specification's mask keeps, in order; these are the columns of its data.
 std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec);
+/// Their full names alone; an empty text for a vector whose mnemonic is not wanted.
+std::vector<std::string> summaryNames(const qvEclipseSPEC& spec,
+                                      const std::function<bool(std::string_view mnemonic)>& wanted);
 /// The vectors of a header array, merged ones too.
 std::vector<SummaryVector> summaryVectors(const ByteTable& bHeaders);
 

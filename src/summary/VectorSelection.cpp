@@ -1,5 +1,6 @@
 #include "VectorSelection.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <unordered_map>
 
@@ -32,27 +33,28 @@ std::string onlyStarAndQuestion(std::string_view pattern) {
   return plain;
 }
 
-/// Looks names up, by comparing while they are few and then by an index over all vectors, which costs as much
-/// as many comparisons.
 class Names {
  public:
-  explicit Names(std::span<const SummaryVector> vectors) : vectors_(vectors) {}
+  explicit Names(std::span<const std::string> names) : names_(names) {}
 
   /// Marks the vectors of that very name; false when there are none.
   bool markName(std::string_view name, std::vector<bool>& marks) {
-    if (++lookUps_ <= mostCompared) return compareAll(name, marks);
-    if (byName_.empty()) index();
-    const auto [first, last] = byName_.equal_range(upper(name));
-    for (auto it = first; it != last; ++it) marks[it->second] = true;
-    return first != last;
+    if (++lookUps_ > worthATable) return markByTable(name, marks);
+    bool any = false;
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      if (names_[i].size() != name.size() || !equalNoCase(names_[i], name)) continue;
+      marks[i] = true;
+      any = true;
+    }
+    return any;
   }
 
   bool markPattern(std::string_view pattern, std::vector<bool>& marks) {
     bool any = markName(pattern, marks);
     if (pattern.find_first_of("*?") == std::string_view::npos) return any;
     const std::string plain = onlyStarAndQuestion(pattern);
-    for (std::size_t i = 0; i < vectors_.size(); ++i) {
-      if (!matchesPattern(vectors_[i].name, plain)) continue;
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      if (!matchesPattern(names_[i], plain)) continue;
       marks[i] = true;
       any = true;
     }
@@ -71,24 +73,20 @@ class Names {
   }
 
  private:
-  static constexpr int mostCompared = 16;
+  /// A few names are found faster by looking through all than by making a table of all first.
+  static constexpr int worthATable = 32;
 
-  bool compareAll(std::string_view name, std::vector<bool>& marks) const {
-    bool any = false;
-    for (std::size_t i = 0; i < vectors_.size(); ++i) {
-      const std::string& own = vectors_[i].name;
-      if (own.size() != name.size() || !equalNoCase(own, name)) continue;
-      marks[i] = true;
-      any = true;
+  bool markByTable(std::string_view name, std::vector<bool>& marks) {
+    if (byName_.empty()) {
+      byName_.reserve(names_.size());
+      for (std::size_t i = 0; i < names_.size(); ++i) byName_.emplace(upper(names_[i]), i);
     }
-    return any;
-  }
-  void index() {
-    byName_.reserve(vectors_.size());
-    for (std::size_t i = 0; i < vectors_.size(); ++i) byName_.emplace(upper(vectors_[i].name), i);
+    const auto [first, last] = byName_.equal_range(upper(name));
+    for (auto it = first; it != last; ++it) marks[it->second] = true;
+    return first != last;
   }
 
-  std::span<const SummaryVector> vectors_;
+  std::span<const std::string> names_;
   int lookUps_ = 0;
   std::unordered_multimap<std::string, std::size_t> byName_;
 };
@@ -111,18 +109,47 @@ std::vector<std::string> splitPatterns(std::string_view list) {
   return patterns;
 }
 
-VectorSelection selectVectors(std::span<const SummaryVector> vectors, std::span<const std::string> only,
+MnemonicFilter::MnemonicFilter(std::span<const std::string> only, std::span<const std::string> except) {
+  for (const auto lists : {only, except}) {
+    for (const std::string& list : lists) {
+      add(trim(list));  // the list may be one name that holds commas
+      for (const std::string& pattern : splitPatterns(list)) add(pattern);
+    }
+  }
+}
+
+void MnemonicFilter::add(std::string_view pattern) {
+  const auto end = std::min(pattern.find_first_of("*?:"), pattern.size());
+  beginnings_.push_back({upper(pattern.substr(0, end)), end == pattern.size() || pattern[end] == ':'});
+}
+
+bool MnemonicFilter::operator()(std::string_view mnemonic) const {
+  const std::string letters = upper(mnemonic);
+  return std::ranges::any_of(beginnings_, [&](const Beginning& beginning) {
+    return beginning.whole ? letters == beginning.letters : letters.starts_with(beginning.letters);
+  });
+}
+
+VectorSelection selectVectors(std::span<const std::string> vectorNames, std::span<const std::string> only,
                               std::span<const std::string> except) {
-  Names names(vectors);
+  Names names(vectorNames);
   VectorSelection selection;
-  selection.mask.assign(vectors.size(), only.empty());
+  selection.mask.assign(vectorNames.size(), only.empty());
   names.markLists(only, selection.mask, selection.unmatched);
-  std::vector<bool> left(vectors.size(), false);
+  std::vector<bool> left(vectorNames.size(), false);
   names.markLists(except, left, selection.unmatched);
-  for (std::size_t i = 0; i < vectors.size(); ++i) {
+  for (std::size_t i = 0; i < vectorNames.size(); ++i) {
     if (left[i]) selection.mask[i] = false;
   }
   return selection;
+}
+
+VectorSelection selectVectors(std::span<const SummaryVector> vectors, std::span<const std::string> only,
+                              std::span<const std::string> except) {
+  std::vector<std::string> names;
+  names.reserve(vectors.size());
+  for (const auto& vector : vectors) names.push_back(vector.name);
+  return selectVectors(names, only, except);
 }
 
 }  // namespace lumbarn

@@ -144,10 +144,10 @@ bool qvEclipseSUMMARYFile::selectVectorsOf(qvEclipseSPEC& spec, bool newest) {
 
 void qvEclipseSUMMARYFile::applyPatterns(qvEclipseSPEC& spec, bool newest) {
   if (onlyPatterns.empty() && exceptPatterns.empty()) return;
-  const auto vectors = summaryVectors(spec);
-  auto selection = selectVectors(vectors, onlyPatterns, exceptPatterns);
+  const MnemonicFilter filter(onlyPatterns, exceptPatterns);
+  auto selection = selectVectors(summaryNames(spec, filter), onlyPatterns, exceptPatterns);
   // The first column is the time: rows are dated, and runs merged, by it.
-  if (!selection.mask.empty() && vectors.front().column == 1) selection.mask.front() = true;
+  if (!selection.mask.empty() && spec.qKeyMask.front()) selection.mask.front() = true;
   bool qOK = false;
   spec.setKeyMask(selection.mask, qOK);
   const auto& missing = selection.unmatched;

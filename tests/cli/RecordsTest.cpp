@@ -8,8 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "CommandRun.h"
-#include "files/TemporaryFolder.h"
-#include "support/Forms.h"
+#include "support/SummaryBuilder.h"
 
 namespace lumbarn::cli::testing {
 namespace {
@@ -66,18 +65,18 @@ TEST(Records, OffsetsLeadToTheHeaders) {
 }
 
 TEST(Records, ValuesThatAreNoNumbersLeaveTheOthersTheirExtremes) {
-  const TemporaryFolder folder;
+  const test::TemporaryFolder folder;
   const float none = std::numeric_limits<float>::quiet_NaN();
   const float beyond = std::numeric_limits<float>::infinity();
   std::vector<std::byte> bytes;
-  RecordWriter writer(memorySink(bytes), lumbarn::testing::allForms[1]);
+  RecordWriter writer(memorySink(bytes), test::everyForm[1].form);
   writer.singles("MIXED", std::vector{none, 2.5F, none, -1.0F});
   writer.singles("NONE", std::vector{none, none});
   writer.singles("BEYOND", std::vector{1.0F, beyond});
   writer.singles("EMPTY", {});
-  folder.add("ANY.BIN", bytes);
+  test::writeFile(folder.file("ANY.BIN"), bytes);
 
-  const auto csv = command({"records", "--stats", "--format", "csv", folder / "ANY.BIN"});
+  const auto csv = command({"records", "--stats", "--format", "csv", folder.file("ANY.BIN")});
   EXPECT_EQ(csv.out,
             "keyword,type,count,offset,min,max\r\n"
             "MIXED,REAL,4,0,-1,2.5\r\n"
@@ -85,7 +84,7 @@ TEST(Records, ValuesThatAreNoNumbersLeaveTheOthersTheirExtremes) {
             "BEYOND,REAL,2,88,1,inf\r\n"
             "EMPTY,REAL,0,128,,\r\n");
   const auto json =
-      nlohmann::json::parse(command({"records", "--stats", "--format", "json", folder / "ANY.BIN"}).out);
+      nlohmann::json::parse(command({"records", "--stats", "--format", "json", folder.file("ANY.BIN")}).out);
   ASSERT_EQ(json.size(), 4);
   EXPECT_EQ(
       json[0],
@@ -120,8 +119,8 @@ TEST(Records, DamagedFilesGiveTheirWholeRecords) {
       {"mark of a header", whole.size(), 4059, 3, 3,
        "block marks disagree (byte 4056: expected 16, found 239); listed"},
   };
-  const TemporaryFolder folder;
-  const std::string path = folder / "BAD.INIT";
+  const test::TemporaryFolder folder;
+  const std::string path = folder.file("BAD.INIT");
   for (const Damage& damage : damages) {
     SCOPED_TRACE(damage.what);
     std::string bytes = whole.substr(0, damage.keep);
@@ -141,11 +140,11 @@ TEST(Records, DamageInsideOfARecordLeavesItsNumbersOutAndGoesOn) {
       parseCsv(command({"records", "--stats", "--format", "csv", sample("HOLLIN/HOLLIN.EGRID")}).out);
   const auto zcorn = std::ranges::find_if(rows, [](const auto& row) { return row[0] == "ZCORN"; });
   bytes[std::stoul((*zcorn)[3]) + 24 + 4 + 4000 + 3] ^= 1;  // closing mark of its first block
-  const TemporaryFolder folder;
-  store(folder / "BAD.EGRID", bytes);
+  const test::TemporaryFolder folder;
+  store(folder.file("BAD.EGRID"), bytes);
 
-  EXPECT_EQ(command({"records", folder / "BAD.EGRID"}).status, 0) << "headers only";
-  const auto listed = command({"records", "--stats", "--format", "csv", folder / "BAD.EGRID"});
+  EXPECT_EQ(command({"records", folder.file("BAD.EGRID")}).status, 0) << "headers only";
+  const auto listed = command({"records", "--stats", "--format", "csv", folder.file("BAD.EGRID")});
   EXPECT_EQ(listed.status, 3);
   EXPECT_THAT(listed.err, HasSubstr("block marks disagree (ZCORN, occurrence 1, byte"));
   auto expected = rows;
@@ -155,13 +154,13 @@ TEST(Records, DamageInsideOfARecordLeavesItsNumbersOutAndGoesOn) {
 }
 
 TEST(Records, FilesThatAreNone) {
-  const TemporaryFolder folder;
-  store(folder / "EMPTY.INIT", "");
-  store(folder / "TEXT.INIT", "no records in here, only words and more words\n");
-  EXPECT_EQ(command({"records", folder / "EMPTY.INIT"}).status, 1);
-  EXPECT_EQ(command({"records", folder / "TEXT.INIT"}).err,
-            "lumbarn: " + (folder / "TEXT.INIT") + ": is no record file\n");
-  EXPECT_EQ(command({"records", folder / "NOT.THERE"}).status, 2);
+  const test::TemporaryFolder folder;
+  store(folder.file("EMPTY.INIT"), "");
+  store(folder.file("TEXT.INIT"), "no records in here, only words and more words\n");
+  EXPECT_EQ(command({"records", folder.file("EMPTY.INIT")}).status, 1);
+  EXPECT_EQ(command({"records", folder.file("TEXT.INIT")}).err,
+            "lumbarn: " + (folder.file("TEXT.INIT")) + ": is no record file\n");
+  EXPECT_EQ(command({"records", folder.file("NOT.THERE")}).status, 2);
 }
 
 }  // namespace

@@ -1,0 +1,32 @@
+# Completion of the lumbarn command for bash.
+
+_lumbarn() {
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary -h --help --version' -- "$word")
+    return
+  fi
+  case $before in
+    --format)
+      mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
+      return
+      ;;
+    --vectors | --except | --steps)
+      return
+      ;;
+  esac
+  case ${COMP_WORDS[1]} in
+    records) options+=' --stats' ;;
+    vectors) options+=' --keep-duplicates' ;;
+    summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
+  esac
+  if [[ $word == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
+  else
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+  fi
+}
+
+complete -F _lumbarn lumbarn

@@ -1,0 +1,120 @@
+#include <cstdlib>
+#include <filesystem>
+#include <regex>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "CommandRun.h"
+#include "Run.h"
+#include "support/SummaryBuilder.h"
+
+namespace lumbarn::cli::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+TEST(Run, WrongUsageSaysWhatIsMeant) {
+  const struct {
+    std::vector<std::string> args;
+    std::string message;
+  } rows[] = {
+      {{"sumary", "X"}, "unknown subcommand \"sumary\"; did you mean \"summary\"? (see \"lumbarn --help\")"},
+      {{"qqqqq"}, "unknown subcommand \"qqqqq\" (see"},
+      {{"records", "--stat", "X"},
+       "unknown option \"--stat\"; did you mean \"--stats\"? (see \"lumbarn records --help\")"},
+      {{"summary", "--report-step=1", "X"},
+       "unknown option \"--report-step=1\"; did you mean \"--report-steps\"?"},
+      {{"records", "X", "Y"}, "unknown argument \"Y\""},
+      {{"vectors"}, "PATH is required (see \"lumbarn vectors --help\")"},
+      {{"info", "--format", "xml", "X"}, "--format is table, csv or json, not \"xml\""},
+      {{"info", "NO/SUCH"}, "NO/SUCH: "},
+      {{"summary", "--steps", "5:3", sample("ARBOR")},
+       "--steps takes a range as 3:7, 3:, :7 or 3, not \"5:3\""},
+      {{"summary", "--steps", "2-3", sample("ARBOR")}, "--steps takes"},
+      {{"summary", sample("expected")}, sample("expected")},
+  };
+  for (const auto& row : rows) {
+    const Outcome run = command(row.args);
+    EXPECT_EQ(run.status, 2) << row.message;
+    EXPECT_EQ(run.out, "") << row.message;
+    EXPECT_THAT(run.err, StartsWith("lumbarn: " + row.message));
+  }
+  EXPECT_THAT(command({}).err, HasSubstr("Subcommands:"));
+}
+
+TEST(Run, HelpGoesToStandardOutputWithAnExample) {
+  EXPECT_THAT(command({"--version"}).out, ::testing::MatchesRegex("lumbarn [0-9.]+\n"));
+  for (const char* subcommand : {"info", "records", "check", "vectors", "summary"}) {
+    const Outcome help = command({subcommand, "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  lumbarn ") + subcommand));
+  }
+}
+
+/// Every option of every subcommand is in the man page and in the completions of both shells.
+TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
+  std::string manual = content(LUMBARN_EXAMPLES "/../cli/man/lumbarn.1");
+  std::erase(manual, '\\');
+  const std::string written[] = {manual, content(LUMBARN_EXAMPLES "/../cli/completions/lumbarn.bash"),
+                                 content(LUMBARN_EXAMPLES "/../cli/completions/_lumbarn")};
+  const std::regex option("--[a-z-]+");
+  for (const char* subcommand : {"info", "records", "check", "vectors", "summary"}) {
+    const std::string help = command({subcommand, "--help"}).out;
+    for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
+      for (const auto& text : written) EXPECT_THAT(text, HasSubstr(found->str())) << subcommand;
+    }
+  }
+}
+
+TEST(Run, SeveralRunsInAFolderAreListed) {
+  for (const char* subcommand : {"info", "check", "vectors", "summary", "records"}) {
+    const Outcome run = command({subcommand, sample("CEDAR")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "lumbarn: " + sample("CEDAR") +
+                           " can mean several runs, name one: " + sample("CEDAR/CEDAR, ") +
+                           sample("CEDAR/CEDAR_R1, ") + sample("CEDAR/CEDAR_R2") + "\n");
+  }
+  EXPECT_THAT(command({"records", sample("ARBOR")}).err,
+              HasSubstr("name one of its files: " + sample("ARBOR/ARBOR.DATA, ")));
+}
+
+TEST(Run, AnyMemberRootOrFolderMeansTheRun) {
+  const auto expected = command({"vectors", sample("ARBOR/ARBOR.SMSPEC")}).out;
+  for (const char* path : {"ARBOR", "ARBOR/", "ARBOR/ARBOR", "ARBOR/ARBOR.DATA", "ARBOR/ARBOR.UNRST"}) {
+    EXPECT_EQ(command({"vectors", sample(path)}).out, expected) << path;
+  }
+}
+
+/// Exit status of the real program; standard error goes to a file.
+int statusOf(const std::string& arguments, const std::string& messages) {
+  const std::string line = std::string("\"" LUMBARN_COMMAND "\" ") + arguments + " 2>" + messages;
+  const int status = std::system(line.c_str());
+  return WEXITSTATUS(status);
+}
+
+TEST(Program, ExitStatus) {
+  const test::TemporaryFolder folder;
+  const std::string messages = folder.file("messages");
+  const std::string bytes = content(sample("ARBOR/ARBOR.UNSMRY"));
+  store(folder.file("CUT.UNSMRY"), bytes.substr(0, 9000));
+  store(folder.file("CUT.SMSPEC"), content(sample("ARBOR/ARBOR.SMSPEC")));
+  const auto quoted = [](const std::string& path) { return " '" + path + "' "; };
+
+  EXPECT_EQ(statusOf("info" + quoted(sample("ARBOR")) + ">/dev/null", messages), 0);
+  EXPECT_EQ(content(messages), "") << "no progress bar without a terminal";
+  EXPECT_EQ(statusOf("summary" + quoted(folder.file("CUT")) + ">/dev/null", messages), 3);
+  EXPECT_EQ(content(messages),
+            "lumbarn: " + folder.file("CUT.UNSMRY") +
+                ": record is cut off (byte 8992: expected 24 bytes, found 8); kept 13 rows\n");
+  EXPECT_EQ(statusOf("records" + quoted(sample("ARBOR/ARBOR.DATA")) + ">/dev/null", messages), 1);
+  EXPECT_EQ(statusOf("check NOWHERE >/dev/null", messages), 2);
+  if (std::filesystem::exists("/dev/full")) {
+    EXPECT_EQ(statusOf("vectors" + quoted(sample("ARBOR")) + ">/dev/full", messages), 1);
+    EXPECT_EQ(content(messages), "lumbarn: standard output cannot be written\n");
+  }
+}
+
+}  // namespace
+}  // namespace lumbarn::cli::testing
