@@ -107,6 +107,26 @@ class EveryFraming : public ::testing::TestWithParam<Form> {
 };
 INSTANTIATE_TEST_SUITE_P(Summary, EveryFraming, ::testing::ValuesIn(allForms), formName);
 
+TEST_P(EveryFraming, FewOfManyVectorsArePickedOutOfTheirRows) {
+  // Two blocks to a row, so that what is picked is not at hand with the header of the row.
+  SummaryBuilder run;
+  run.vectors = {{"TIME", ":+:+:+:+", 0, "DAYS"}};
+  for (int w = 1; w < 1300; ++w) run.vectors.push_back({"WOPR", "P" + std::to_string(w), 0, "SM3/DAY"});
+  for (int i = 0; i < 3; ++i) {
+    std::vector<float> values(run.vectors.size());
+    std::iota(values.begin(), values.end(), 2000.0F * static_cast<float>(i));
+    run.rows.push_back({values, true});
+  }
+  SummaryLoad load(run.write(folder_, "RUN", form()));
+  load.reader.zOnly = "WOPR:P999,WOPR:P500,WOPR:P1299";
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.names(), ElementsAre("TIME", "WOPR:P500", "WOPR:P999", "WOPR:P1299"));
+  EXPECT_THAT(load.column(1), ElementsAre(0, 2000, 4000));
+  EXPECT_THAT(load.column(2), ElementsAre(500, 2500, 4500));
+  EXPECT_THAT(load.column(3), ElementsAre(999, 2999, 4999));
+  EXPECT_THAT(load.column(4), ElementsAre(1299, 3299, 5299));
+}
+
 /// Cuts and flips the data file everywhere. Whatever is delivered must be whole rows of the run, and whatever
 /// is not delivered must be explained with a path and, for damage inside a record, a byte.
 TEST_P(EveryFraming, DamageAnywhereInTheDataLeavesTheRowsBeforeIt) {
