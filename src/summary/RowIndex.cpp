@@ -65,7 +65,9 @@ class RowWalk {
       wrong.found = fmt::format("{}", header.count);
       throw BadRecord(std::move(wrong));
     }
-    index_.rows.push_back({header.dataAt, iFile, iStep_, cursor.regular()});
+    float first = 0;
+    if (header.count > 0) cursor.read(std::span(&first, 1));
+    index_.rows.push_back({header.dataAt, iFile, iStep_, cursor.regular(), first});
     if (index_.rows.size() % rowsBetweenYields == 0) session_.yield();
   }
 

@@ -19,6 +19,7 @@ struct RowPlace {
   std::int32_t iFile = 0;    ///< file of the set, from 0
   std::int32_t iStep = 0;    ///< report steps seen in that file, this one included
   bool regular = true;       ///< places in the data follow from arithmetic
+  float first = 0;           ///< the first value, nearly always the time: the walk has it at hand
 };
 
 /// What is to be indexed.
@@ -42,9 +43,9 @@ struct RowIndex {
   bool opened = true;  ///< False: a file could not be opened
 };
 
-/// Walks the files record by record without reading a value. Ends at the end of the last file, behind the
-/// last wanted step, or at the first damage, which is told as a Diagnosis; the rows before it are in the
-/// index.
+/// Walks the files record by record and reads no value of a row but the first. Ends at the end of the last
+/// file, behind the last wanted step, or at the first damage, which is told as a Diagnosis; the rows before
+/// it are in the index.
 RowIndex indexRows(const RowIndexRequest& request, Session& session);
 
 /// A cursor on one file of a set, its form taken from its own first bytes if they tell. Null with a Diagnosis
