@@ -225,7 +225,7 @@ TEST_F(SummaryFiles, AMissingOrEmptyDataFileAndAFolderInItsPlace) {
 
   SummaryLoad nothing(folder_.file("NONE.SMSPEC"));
   EXPECT_FALSE(nothing.run());
-  EXPECT_THAT(nothing.lastDiagnosis().text(), HasSubstr("no such file"));
+  EXPECT_THAT(nothing.lastDiagnosis().text(), HasSubstr("No such file"));
   SummaryLoad aFolder(folder_.file(""));
   EXPECT_FALSE(aFolder.run());
 }
