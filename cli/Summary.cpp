@@ -139,7 +139,8 @@ class SummaryTable {
     for (const NamedVector& vector : named) {
       if (wanted[static_cast<std::size_t>(vector.vector - vectors.data())]) shown_.push_back(vector);
     }
-    std::ranges::stable_partition(shown_, [](const NamedVector& vector) { return vector.name == "TIME"; });
+    std::stable_partition(shown_.begin(), shown_.end(),
+                          [](const NamedVector& vector) { return vector.name == "TIME"; });
     if (shown_.empty() && !options_.dates) throw Failure(Usage, "nothing to show: all vectors are left out");
   }
 

@@ -1,12 +1,12 @@
 #include "qvEclipseReader.h"
 
 #include <array>
-#include <filesystem>
 #include <limits>
 #include <utility>
 
 #include "../files/Extensions.h"
 #include "../files/FileSets.h"
+#include "../record/ByteSource.h"
 #include "../shapes/HeaderLayout.h"
 #include "../summary/VectorSelection.h"
 #include "../support/Diagnosis.h"
@@ -78,9 +78,8 @@ bool qvEclipseReader::readSummary() {
 void qvEclipseReader::tellNoSpecification() {
   Diagnosis diagnosis;
   diagnosis.path = FileName;
-  std::error_code none;
-  diagnosis.problem =
-      std::filesystem::exists(FileName, none) ? "is no summary specification" : "no such file";
+  const auto source = FileSource::open(FileName, diagnosis.problem);
+  if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no summary specification";
   session_->diagnose(std::move(diagnosis));
 }
 

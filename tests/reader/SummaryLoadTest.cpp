@@ -245,7 +245,7 @@ TEST_F(SummaryFiles, AMissingOrEmptyDataFileAndAFolderInItsPlace) {
 
   SummaryLoad nothing(folder_.file("NONE.SMSPEC"));
   EXPECT_FALSE(nothing.run());
-  EXPECT_THAT(nothing.lastDiagnosis().text(), HasSubstr("no such file"));
+  EXPECT_THAT(nothing.lastDiagnosis().text(), HasSubstr("No such file"));
   SummaryLoad aFolder(folder_.file(""));
   EXPECT_FALSE(aFolder.run());
 }
@@ -353,6 +353,47 @@ TEST_F(SummaryFiles, ClassesAndMembersAreChosenByTheByteList) {
   ASSERT_TRUE(patterns.run());
   EXPECT_THAT(patterns.names(), ElementsAre("TIME", "WOPR:P2", "BPR:1,1,1"));
   EXPECT_THAT(patterns.reader.UnmatchedPatterns(), ElementsAre("NONE"));
+}
+
+/// Chooses the first member of the wells, and a range of steps.
+class OneWellDialog final : public LoadDialog {
+ public:
+  bool show(const qvEclipseSPEC& spec, ECLIPSEINFO& selection, LoadDialogSettings& settings) override {
+    EXPECT_TRUE(spec.querySPECRecord("KEYWORDS"));
+    EXPECT_EQ(settings.zFileType, "SUMMARY");
+    EXPECT_FALSE(settings.hasLengths);
+    selection.qClassChosen.fill(false);
+    const auto wells = slot(getClassIndex("WELLS"));
+    selection.qClassChosen[wells] = true;
+    selection.qAllMembers = false;
+    selection.xClass[wells].qMemberChosen.assign(selection.xClass[wells].members(), false);
+    selection.xClass[wells].qMemberChosen[0] = true;
+    settings.Unified = true;
+    settings.iStart = 2;
+    settings.iEnd = 3;
+    return accept;
+  }
+  bool accept = true;
+};
+
+TEST_F(SummaryFiles, ADialogChoosesAndItsChoiceCanBeRepeatedSilently) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  OneWellDialog dialog;
+  SummaryLoad load(spec);
+  load.reader.Silent = false;
+  load.reader.setLoadDialog(&dialog);
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.names(), ElementsAre("TIME", "WOPR:P1"));
+  EXPECT_THAT(load.column(1), ElementsAre(3, 4, 5, 6));
+
+  SummaryLoad again(spec);
+  again.reader.bOnly = load.only;
+  again.reader.qOnly = load.reader.qOnly;
+  ASSERT_TRUE(again.run());
+  EXPECT_THAT(again.names(), ElementsAre("TIME", "WOPR:P1"));
+
+  dialog.accept = false;
+  EXPECT_FALSE(load.run());
 }
 
 TEST_F(SummaryFiles, CancellingEndsALoad) {
