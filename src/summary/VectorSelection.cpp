@@ -124,7 +124,8 @@ void MnemonicFilter::add(std::string_view pattern) {
 }
 
 bool MnemonicFilter::operator()(std::string_view mnemonic) const {
-  const std::string letters = upper(mnemonic);
+  // A damaged file may have a mnemonic that holds the separator; patterns are cut there too.
+  const std::string letters = upper(mnemonic.substr(0, mnemonic.find(':')));
   return std::ranges::any_of(beginnings_, [&](const Beginning& beginning) {
     return beginning.whole ? letters == beginning.letters : letters.starts_with(beginning.letters);
   });

@@ -73,5 +73,12 @@ TEST_F(VectorSelectionTest, PatternsWithoutAnyVectorAreTold) {
   EXPECT_THAT(selection.unmatched, IsEmpty()) << "TIME is there, though it was not kept anyway";
 }
 
+TEST(MnemonicFilterTest, PassesEveryMnemonicThatAPatternCanMatch) {
+  const std::vector<std::string> only{"WOPR:P1", "f*", "A:B:C"};
+  const MnemonicFilter filter(only, {});
+  for (const char* mnemonic : {"WOPR", "wopr", "FOPR", "A", "A:B"}) EXPECT_TRUE(filter(mnemonic)) << mnemonic;
+  for (const char* mnemonic : {"WOPRH", "GOPR", "AA"}) EXPECT_FALSE(filter(mnemonic)) << mnemonic;
+}
+
 }  // namespace
 }  // namespace lumbarn
