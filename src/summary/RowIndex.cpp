@@ -80,7 +80,8 @@ class RowWalk {
     bool qOK = false;
     checkSequence(request_.unified, value, request_.iFirst, request_.iLast, qInRange_, qPast, qOK);
     // In a multiple set a value that falls back belongs to an older run whose files lie in the same folder.
-    if (qPast || (value < lastValue_ && !request_.unified)) stop_ = true;
+    index_.fellBack = value < lastValue_ && !request_.unified;
+    stop_ = stop_ || qPast || index_.fellBack;
     lastValue_ = value;
   }
 

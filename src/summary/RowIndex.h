@@ -40,6 +40,7 @@ struct RowIndex {
   bool cutOff = false;  ///< the last record of the last file is not whole: a run that goes on, or was stopped
   bool damaged = false;  ///< reading ended at damage of another kind
   bool cancelled = false;
+  bool fellBack = false;    ///< ended where the sequence values of a multiple set fall back
   bool opened = true;  ///< False: a file could not be opened
 };
 

@@ -109,6 +109,7 @@ bool qvEclipseSUMMARY::readRun() {
   qDamaged = index_.damaged || index_.cutOff;
   if (!index_.opened || index_.cancelled) return false;
   if (index_.damaged && !AcceptDamaged) return false;
+  if (index_.fellBack && index_.rows.empty()) return false;
 
   try {
     sData_ = readColumns(iSelected);
