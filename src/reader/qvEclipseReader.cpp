@@ -142,8 +142,6 @@ bool qvEclipseReader::chooseByDialog(SummaryLoad& load) {
 
 bool qvEclipseReader::loadSummary(SummaryLoad& load) {
   SetOriginFromFileName();
-  headers_ = {};
-  vectors_.clear();
   summary_ = std::make_unique<qvEclipseSUMMARYFile>(*session_);
   auto& file = *summary_;
   file.zFileName = FileName;
@@ -212,8 +210,6 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const { return iType == 
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   if (iType == 13) {
     summary_.reset();
-    headers_ = {};
-    vectors_.clear();
   }
   return true;
 }
@@ -261,7 +257,6 @@ void qvEclipseReader::GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, Source
                                      ByteTable& bOnlyUsed, bool& qOK) {
   const auto fetch = [&](qvEclipseSUMMARYFile& file, bool& qDone) {
     file.GetSUMMARYData(xyData, bHeaders, qDone);
-    if (qDone) headers_ = bHeaders;
   };
   fetchSummary("GetSUMMARYData", fetch, vSourceData, bOnlyUsed, qOK);
 }
@@ -341,9 +336,9 @@ std::vector<SummaryVector> qvEclipseReader::ListSummaryVectors(bool& qOK) {
   return found;
 }
 
-const std::vector<SummaryVector>& qvEclipseReader::Vectors() {
-  if (vectors_.empty()) vectors_ = summaryVectors(headers_);
-  return vectors_;
+const std::vector<SummaryVector>& qvEclipseReader::Vectors() const {
+  static const std::vector<SummaryVector> none;
+  return summary_ ? summary_->vectors() : none;
 }
 
 const std::vector<SummaryRow>& qvEclipseReader::Rows() const {
@@ -351,7 +346,7 @@ const std::vector<SummaryRow>& qvEclipseReader::Rows() const {
   return summary_ ? summary_->rows() : none;
 }
 
-std::vector<Moment> qvEclipseReader::RowDates(const XYData& xyData) {
+std::vector<Moment> qvEclipseReader::RowDates(const XYData& xyData) const {
   constexpr double hoursPerDay = 24;
   std::vector<Moment> dates;
   const auto start = StartDate();

@@ -100,14 +100,14 @@ class qvEclipseReader : public ReaderOptions {
 
   /// The vectors of a specification, dummies left out, without reading data. `FileName` is the specification.
   std::vector<SummaryVector> ListSummaryVectors(bool& qOK);
-  /// The vectors of the table that `GetSUMMARYData` gave last, one for each column, in order; `column` is the
-  /// column.
-  const std::vector<SummaryVector>& Vectors();
+  /// The vectors of the table that was fetched last, one for each column, in order; `column` is the column.
+  /// Names are whole here, also where they are too long for the fields of a header.
+  const std::vector<SummaryVector>& Vectors() const;
   /// The rows of the table that was loaded or fetched last: run, file and report step of each.
   const std::vector<SummaryRow>& Rows() const;
   /// The moment of each row of a fetched table, from the start date with its time of day and the time in its
   /// first column. Empty when the file has no start date or the table no TIME.
-  std::vector<Moment> RowDates(const XYData& xyData);
+  std::vector<Moment> RowDates(const XYData& xyData) const;
   /// Start of the run, with its time of day.
   std::optional<Moment> StartDate() const;
   /// Patterns of the last load that no vector matched.
@@ -133,8 +133,6 @@ class qvEclipseReader : public ReaderOptions {
   Session* session_;
   LoadDialog* dialog_ = nullptr;
   std::unique_ptr<qvEclipseSUMMARYFile> summary_;
-  ByteTable headers_;                   // of the table that was fetched last
-  std::vector<SummaryVector> vectors_;  // the same, made when asked for
 };
 
 }  // namespace lumbarn

@@ -40,8 +40,8 @@ struct RowIndex {
   bool cutOff = false;  ///< the last record of the last file is not whole: a run that goes on, or was stopped
   bool damaged = false;  ///< reading ended at damage of another kind
   bool cancelled = false;
-  bool fellBack = false;    ///< ended where the sequence values of a multiple set fall back
-  bool opened = true;  ///< False: a file could not be opened
+  bool fellBack = false;  ///< ended where the sequence values of a multiple set fall back
+  bool opened = true;     ///< False: a file could not be opened
 };
 
 /// Walks the files record by record and reads no value of a row but the first. Ends at the end of the last

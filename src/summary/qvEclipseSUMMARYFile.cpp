@@ -244,6 +244,7 @@ bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, Merge 
       qPerforations = holdsPerforations(*spec, byPatterns);
       qMask = spec->getKeyMask();
       rows_ = rowsOf(*summary, 1);
+      vectors_ = summaryVectors(*spec);
       continue;
     }
     qPerforations = qPerforations || holdsPerforations(*spec, byPatterns);
@@ -252,13 +253,23 @@ bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, Merge 
       continue;
     }
     const std::size_t before = xyData.rows();
-    merge(earlier);  // a merge that fails leaves the table as it is, and the chain goes on
+    const std::size_t columns = xyData.columns();
+    const auto added = merge(earlier);  // a merge that fails leaves the table as it is, and the chain goes on
+    if (xyData.columns() > columns) appendVectors(summaryVectors(*spec), added);
     prependRows(xyData.rows() - before, rowsOf(*summary, static_cast<std::int32_t>(run) + 1));
     if (session_->cancelled()) return false;
   }
+  for (std::size_t i = 0; i < vectors_.size(); ++i) vectors_[i].column = i + 1;
   xSPEC.clear();
   xSUMMARY.clear();
   return true;
+}
+
+/// The vectors that a merge has added as columns, by their numbers in the earlier run.
+void qvEclipseSUMMARYFile::appendVectors(std::vector<SummaryVector> earlier,
+                                         std::span<const std::int32_t> added) {
+  for (const auto number : added)
+    vectors_.push_back(std::move(earlier.at(static_cast<std::size_t>(number - 1))));
 }
 
 void qvEclipseSUMMARYFile::GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, bool& qOK) {
@@ -270,8 +281,13 @@ void qvEclipseSUMMARYFile::GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, b
       return qRead;
     };
     const auto merge = [&](XYData& earlier) {
+      std::vector<std::int32_t> iNew, iMatch;
+      std::int32_t nNew = 0;
       bool qMerged = false;
+      checkSummaryList(*session_, earlierHeaders, bHeaders, iNew, nNew, iMatch, qMerged);
       mergeSUMMARYData(*session_, earlierHeaders, earlier, bHeaders, xyData, qPerforations, qMerged);
+      iNew.resize(static_cast<std::size_t>(nNew));
+      return iNew;
     };
     if (!fetch(xyData, readHeaders, merge)) return false;
     if (qPerforations) qPerforations = CheckforPerfs(bHeaders, 13);
@@ -297,9 +313,15 @@ void qvEclipseSUMMARYFile::GetStoreSUMMARYData(XYData& xyData, AttributeStores& 
       return qRead;
     };
     const auto merge = [&](XYData& earlier) {
+      std::vector<std::int32_t> iNew, iMatch;
+      std::int32_t nNew = 0;
       bool qMerged = false;
+      checkStoreSummaryList(*session_, earlierStores, earlierPointers, xStore, bPointers, iNew, nNew, iMatch,
+                            qMerged);
       mergeStoreSUMMARYData(*session_, earlierStores, earlierPointers, earlier, xStore, bPointers, xyData,
                             qPerforations, qMerged);
+      iNew.resize(static_cast<std::size_t>(nNew));
+      return iNew;
     };
     if (!fetch(xyData, readHeaders, merge)) return false;
     if (qPerforations) qPerforations = CheckStoreforPerfs(xStore, 13);

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -102,6 +104,8 @@ class qvEclipseSUMMARYFile {
 
   /// Rows of the table that was read or fetched: before the fetch those of the newest run.
   const std::vector<SummaryRow>& rows() const { return rows_; }
+  /// The vectors of the table that was fetched, one for each column, in order.
+  const std::vector<SummaryVector>& vectors() const { return vectors_; }
   /// Moment at which the newest run's time is 0, with its time of day.
   std::optional<Moment> start() const { return start_; }
   std::int32_t unitSystem() const { return iUnits; }
@@ -119,10 +123,12 @@ class qvEclipseSUMMARYFile {
   bool fetch(XYData& xyData, ReadHeaders readHeaders, Merge merge);
   bool getDataUsedForHorizontalWells(ByteTable& bHeaders, XYData& sData, std::vector<float>& sLengths,
                                      std::string& zUnits);
+  void appendVectors(std::vector<SummaryVector> earlier, std::span<const std::int32_t> added);
   void prependRows(std::size_t count, const std::vector<SummaryRow>& earlier);
 
   Session* session_;
   std::vector<SummaryRow> rows_;
+  std::vector<SummaryVector> vectors_;
   std::optional<Moment> start_;
   HorizontalData horizontal_;
   std::vector<float> times_;  // of the newest run's rows; kept when profiles are built
