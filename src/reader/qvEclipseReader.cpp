@@ -34,10 +34,19 @@ struct qvEclipseReader::SummaryLoad {
   std::vector<std::string> zFiles;
 };
 
-qvEclipseReader::qvEclipseReader(Session& session) : session_(&session) { InitEclipseReader(); }
+qvEclipseReader::qvEclipseReader(Session& session)
+    : IOMethod(session.IOMethod),
+      NullValue(session.NullValue),
+      UseNullValue(session.UseNullValue),
+      session_(&session) {
+  InitEclipseReader();
+}
 
 void qvEclipseReader::InitEclipseReader() {
   static_cast<ReaderOptions&>(*this) = ReaderOptions{};
+  IOMethod = 1;
+  NullValue = -999;
+  UseNullValue = 1;
   bool qReset = false;
   InitEclipseINFO(session_->part<SelectionState>().xInfo, qReset);
 }
@@ -227,8 +236,8 @@ void qvEclipseReader::fillSourceData(const qvEclipseSUMMARYFile& file, SourceDat
   vSourceData(13) = Formatted;
   vSourceData(27) = qOnly;
   vSourceData(32) = AllData;
-  vSourceData(34) = session_->NullValue;
-  vSourceData(35) = session_->UseNullValue;
+  vSourceData(34) = NullValue;
+  vSourceData(35) = UseNullValue;
 }
 
 /// What both forms of fetching share.

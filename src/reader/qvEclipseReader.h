@@ -40,7 +40,13 @@ class qvEclipseReader : public ReaderOptions {
  public:
   explicit qvEclipseReader(Session& session = Session::process());
 
-  /// Sets every option to its default and resets the selection of the session. What was loaded stays.
+  // Options that all readers of a session share.
+  std::int32_t& IOMethod;      ///< carried, not interpreted
+  double& NullValue;           ///< stands for "no value" in results
+  std::int32_t& UseNullValue;  ///< told to the host in the source data
+
+  /// Sets every option to its default, those that are shared among them, and resets the selection of the
+  /// session. What was loaded stays.
   void InitEclipseReader();
   Session& session() { return *session_; }
   /// Not owned; null takes the silent path always.

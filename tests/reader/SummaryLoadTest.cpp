@@ -426,6 +426,12 @@ TEST_F(SummaryFiles, FacadeQuirksThatHostsKnow) {
   EXPECT_TRUE(load.reader.DeleteObject(13));
   EXPECT_FALSE(load.reader.IsInitialised(13));
 
+  load.reader.NullValue = 0;
+  load.reader.zOnly = "FOPR";
+  qvEclipseReader(load.session).InitEclipseReader();
+  EXPECT_EQ(load.session.NullValue, -999) << "shared by all readers of a session";
+  EXPECT_EQ(load.reader.zOnly, "FOPR") << "the reader's own";
+
   FileDescriptor file{spec};
   EXPECT_TRUE(load.reader.CheckifEclipse(file));
   EXPECT_EQ(file.iType, 12);
