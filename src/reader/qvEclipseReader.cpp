@@ -322,7 +322,7 @@ void qvEclipseReader::setEclipseSequenceLimits_M(std::string_view zKind, std::in
   setEclipseSequenceLimits(zKind, Unified, iStart, iEnd, iFirst, iLast, qOK);
 }
 
-std::int32_t qvEclipseReader::Count() const { return session_->part<SelectionState>().nOnly; }
+std::int32_t qvEclipseReader::Count() const { return summary_ ? summary_->columns() : 0; }
 
 std::int32_t qvEclipseReader::NumberTimeSteps() const { return static_cast<std::int32_t>(Rows().size()); }
 

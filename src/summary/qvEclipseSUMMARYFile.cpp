@@ -67,6 +67,7 @@ bool qvEclipseSUMMARYFile::readChain() {
   unmatched.clear();
   rows_.clear();
   times_.clear();
+  vectors_.clear();
   bool qRead = false;
   auto spec = specOfNewestRun(qRead);
   xSPEC.clear();
@@ -346,6 +347,10 @@ void qvEclipseSUMMARYFile::getFileInfo(SourceData& vSourceData, bool& qOK) const
     vSourceData(57) = iPositionHigh;
     return true;
   });
+}
+
+std::int32_t qvEclipseSUMMARYFile::columns() const {
+  return xSUMMARY.empty() ? static_cast<std::int32_t>(vectors_.size()) : xSUMMARY.front()->nSelected;
 }
 
 void qvEclipseSUMMARYFile::SetKeys() { qMask.assign(qMask.size(), true); }

@@ -106,6 +106,8 @@ class qvEclipseSUMMARYFile {
   const std::vector<SummaryRow>& rows() const { return rows_; }
   /// The vectors of the table that was fetched, one for each column, in order.
   const std::vector<SummaryVector>& vectors() const { return vectors_; }
+  /// Vectors of that table; before the fetch those read of the newest run.
+  std::int32_t columns() const;
   /// Moment at which the newest run's time is 0, with its time of day.
   std::optional<Moment> start() const { return start_; }
   std::int32_t unitSystem() const { return iUnits; }

@@ -419,6 +419,8 @@ TEST_F(SummaryFiles, FacadeQuirksThatHostsKnow) {
   load.reader.GetSUMMARYData(load.table, load.headers, load.source, load.only, qOK);
   EXPECT_TRUE(qOK);
   EXPECT_TRUE(load.table.empty()) << "code 13 loads but hands nothing out";
+  EXPECT_EQ(load.reader.Count(), 6);
+  EXPECT_EQ(load.reader.NumberTimeSteps(), 6);
   EXPECT_FALSE(load.reader.IsInitialised(12));
   EXPECT_TRUE(load.reader.IsInitialised(13));
   EXPECT_TRUE(load.reader.DeleteObject(12));
