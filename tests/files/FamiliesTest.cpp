@@ -2,12 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "files/Families.h"
-#include "files/TemporaryFolder.h"
 #include "record/RecordWriter.h"
+#include "support/TemporaryFolder.h"
 
 namespace lumbarn {
 namespace {
 
+using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Names = std::vector<std::string>;
@@ -46,49 +47,42 @@ TEST(Families, AnyPathLeadsToItsRuns) {
   folder.add({"RUN.SMSPEC", "RUN.UNSMRY", "RUN.DATA", "RUN.PRT", "RUN_2.S0001", "Fall 1.5 é.INIT",
               "case.1.egrid", "DECK.DATA", "OLD.SAVE", "notes.txt", "plain"});
   const Names all{"Fall 1.5 é", "RUN", "RUN_2", "case.1"};
-  struct Row {
-    const char* path;
-    Names expected;
-  };
-  const Row rows[] = {
-      {"", all},
-      {"RUN", {"RUN"}},
-      {"RUN.", {"RUN"}},
-      {"RUN.UNSMRY", {"RUN"}},
-      {"RUN.PRT", {"RUN"}},  // a file of another kind beside the run
-      {"run", {"RUN"}},
-      {"run.smspec", {"RUN"}},
-      {"RUN.UNRST", {}},  // neither there nor a base name
-      {"RUN_2.S0001", {"RUN_2"}},
-      {"Fall 1.5 é", {"Fall 1.5 é"}},
-      {"case.1", {"case.1"}},
-      {"DECK", {"DECK"}},
-      {"OLD.SAVE", {"OLD"}},
-      {"notes.txt", {"notes"}},
-      {"plain", {"plain"}},
-      {"RU", {}},
-      {"none/RUN", {}},
-  };
-  for (const Row& row : rows) EXPECT_EQ(bases(folder / row.path), row.expected) << row.path;
-  EXPECT_EQ(bases(folder.path().string()), all) << "a folder without a separator at its end";
+  // A file of another kind beside the run means it; "RUN.UNRST" is neither there nor a base name.
+  const std::pair<const char*, Names> rows[] = {{"", all},
+                                                {"RUN", {"RUN"}},
+                                                {"RUN.", {"RUN"}},
+                                                {"RUN.UNSMRY", {"RUN"}},
+                                                {"RUN.PRT", {"RUN"}},
+                                                {"run.smspec", {"RUN"}},
+                                                {"RUN.UNRST", {}},
+                                                {"RUN_2.S0001", {"RUN_2"}},
+                                                {"Fall 1.5 é", {"Fall 1.5 é"}},
+                                                {"case.1", {"case.1"}},
+                                                {"DECK", {"DECK"}},
+                                                {"OLD.SAVE", {"OLD"}},
+                                                {"notes.txt", {"notes"}},
+                                                {"RU", {}},
+                                                {"none/RUN", {}}};
+  for (const auto& [path, expected] : rows) EXPECT_EQ(bases(folder.file(path)), expected) << path;
+  EXPECT_EQ(bases(folder.file(".")), all) << "a folder without a separator at its end";
   EXPECT_THAT(bases(""), IsEmpty());
 }
 
 TEST(Families, AFolderAndABaseNameMeanBoth) {
   const TemporaryFolder folder;
-  std::filesystem::create_directory(folder.path() / "RUN");
+  std::filesystem::create_directory(folder.file("RUN"));
   folder.add({"RUN.SMSPEC", "RUN/INNER.INIT"});
-  EXPECT_THAT(bases(folder / "RUN"), ElementsAre("INNER", "RUN"));
-  EXPECT_THAT(bases(folder / "RUN/"), ElementsAre("INNER"));
+  EXPECT_THAT(bases(folder.file("RUN")), ElementsAre("INNER", "RUN"));
+  EXPECT_THAT(bases(folder.file("RUN/")), ElementsAre("INNER"));
 }
 
 TEST(Families, MembersComeByKindFormAndStep) {
   const TemporaryFolder folder;
   folder.add({"R.X0010", "R.X0002", "R.F0001", "R.SMSPEC", "R.FSMSPEC", "R.UNRST", "R.DATA", "R.Y05",
               "R.EGRID", "r.UNSMRY", "R.X0002.bak"});
-  std::filesystem::create_directory(folder.path() / "R.INIT");
-  std::filesystem::create_symlink(folder / "nowhere", folder / "R.RFT");
-  const RunFamily family = run(folder / "R");
+  std::filesystem::create_directory(folder.file("R.INIT"));
+  std::filesystem::create_symlink(folder.file("nowhere"), folder.file("R.RFT"));
+  const RunFamily family = run(folder.file("R"));
   EXPECT_THAT(memberNames(family), ElementsAre("R.DATA", "R.SMSPEC", "R.FSMSPEC", "R.UNRST", "R.X0002",
                                                "R.X0010", "R.Y05", "R.F0001", "R.EGRID", "R.RFT"));
   EXPECT_FALSE(family.given);
@@ -114,7 +108,7 @@ TEST(Families, TheGivenFileDecidesBetweenForms) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.path);
-    const RunFamily family = run(folder / row.path);
+    const RunFamily family = run(folder.file(row.path));
     EXPECT_EQ(nameIn(family, family.find(SummarySpec)), row.spec);
     EXPECT_EQ(nameIn(family, family.find(Summary)), row.summary);
     EXPECT_EQ(nameIn(family, family.find(Restart)), row.restart);
@@ -129,9 +123,9 @@ TEST(Families, AFileWithAnUntellingNameIsAMemberByItsContent) {
   std::vector<std::byte> bytes;
   RecordWriter(memorySink(bytes), Form{Framing::Formatted, false})
       .integers("FILEHEAD", std::vector<std::int32_t>(100));
-  folder.add("case.5", bytes);
+  test::writeFile(folder.file("case.5"), bytes);
   folder.add({"case.5.INIT", "case.INIT"});
-  const RunFamily family = run(folder / "case.5");
+  const RunFamily family = run(folder.file("case.5"));
   EXPECT_EQ(family.base, "case.5") << "the name is a base name with a dot";
   ASSERT_TRUE(family.given);
   EXPECT_EQ(family.find(EGrid), family.givenMember());
@@ -141,9 +135,9 @@ TEST(Families, AFileWithAnUntellingNameIsAMemberByItsContent) {
 TEST(Families, RunsThatDifferInCaseOnlyAreKeptApart) {
   const TemporaryFolder folder;
   folder.add({"run.smspec", "RUN.SMSPEC", "Other.INIT"});
-  EXPECT_THAT(bases(folder / "run"), ElementsAre("run"));
-  EXPECT_THAT(bases(folder / "Run"), ElementsAre("RUN", "run"));
-  EXPECT_THAT(bases(folder / "other"), ElementsAre("Other"));
+  EXPECT_THAT(bases(folder.file("run")), ElementsAre("run"));
+  EXPECT_THAT(bases(folder.file("Run")), ElementsAre("RUN", "run"));
+  EXPECT_THAT(bases(folder.file("other")), ElementsAre("Other"));
 }
 
 }  // namespace

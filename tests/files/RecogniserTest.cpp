@@ -2,17 +2,16 @@
 #include <gtest/gtest.h>
 
 #include "files/Recogniser.h"
-#include "files/TemporaryFolder.h"
 #include "record/RecordWriter.h"
+#include "support/Forms.h"
+#include "support/TemporaryFolder.h"
 #include "support/Text.h"
 
 namespace lumbarn {
 namespace {
 
+using namespace test;
 using enum FileKind;
-
-constexpr Form formatted{Framing::Formatted, false};
-constexpr Form bigEndian{Framing::FourByteMarks, true};
 
 // Writes the records of a list such as "SEQNUM INTEHEAD:95 TIME:D1 ENDSOL:M": behind the keyword the type (I
 // when left out, D, S, T or M) and the count (1 when left out).
@@ -100,23 +99,21 @@ const Case cases[] = {
     {"ODD:S5", "RUN.TXT", Unknown, {}, false},
 };
 
-class RecogniserInEachForm : public testing::TestWithParam<Form> {};
+class RecogniserInEachForm : public OfForm {};
 
 TEST_P(RecogniserInEachForm, TellsTheKind) {
   for (const Case& example : cases) {
     SCOPED_TRACE(fmt::format("{} in {}", example.records, example.name));
-    const std::vector<std::byte> bytes = write(example.records, GetParam());
+    const std::vector<std::byte> bytes = write(example.records, form_);
     const Recognised result = recognise(std::make_shared<MemorySource>(bytes), example.name);
     EXPECT_EQ(nameOf(result.kind), nameOf(example.kind));
     EXPECT_EQ(result.unified, example.unified);
     EXPECT_EQ(result.byContent, example.byContent);
-    EXPECT_EQ(result.form, bytes.empty() ? std::nullopt : std::optional(GetParam()));
+    EXPECT_EQ(result.form, bytes.empty() ? std::nullopt : std::optional(form_));
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Forms, RecogniserInEachForm,
-                         testing::Values(formatted, bigEndian, Form{Framing::FourByteMarks, false},
-                                         Form{Framing::OneByteMarks, false}));
+INSTANTIATE_TEST_SUITE_P(Forms, RecogniserInEachForm, ::testing::ValuesIn(everyForm), formName);
 
 TEST(Recogniser, ACutFileGivesItsKindOrAnOpenOneAndWhy) {
   for (const Form& form : {formatted, bigEndian}) {
@@ -134,14 +131,14 @@ TEST(Recogniser, ACutFileGivesItsKindOrAnOpenOneAndWhy) {
 
 TEST(Recogniser, TellsWhatCannotBeOpened) {
   const TemporaryFolder folder;
-  const Recognised missing = recogniseFile(folder / "RUN.EGRID");
+  const Recognised missing = recogniseFile(folder.file("RUN.EGRID"));
   EXPECT_EQ(missing.kind, EGrid);
   EXPECT_FALSE(missing.byContent);
   EXPECT_FALSE(missing.problem.empty());
-  EXPECT_EQ(recogniseFile(folder / "").kind, Unknown);
+  EXPECT_EQ(recogniseFile(folder.file("")).kind, Unknown);
 
-  folder.add("odd name", write("SEQNUM INTEHEAD:95 IGRP", bigEndian));
-  EXPECT_EQ(recogniseFile(folder / "odd name").whichtype(), 11);
+  writeFile(folder.file("odd name"), write("SEQNUM INTEHEAD:95 IGRP", bigEndian));
+  EXPECT_EQ(recogniseFile(folder.file("odd name")).whichtype(), 11);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "reader/qvEclipseReader.h"
+#include "support/SummaryLoad.h"
 
 namespace lumbarn {
 namespace {
@@ -52,56 +52,37 @@ struct Sample {
   bool chain = false;
 };
 
-class SampleRuns : public ::testing::TestWithParam<Sample> {
- protected:
-  void load(const std::vector<std::string>& patterns = {}) {
-    reader_.FileName = std::string(LUMBARN_EXAMPLES "/data/") + GetParam().file;
-    reader_.whichtype = 12;
-    reader_.Silent = true;
-    reader_.NoRestart = !GetParam().chain;
-    reader_.VectorPatterns = patterns;
-    reader_.ECLReadData(qOK_);
-    ASSERT_TRUE(qOK_);
-    reader_.GetSUMMARYData(xyData_, bHeaders_, vSourceData_, bOnly_, qOK_);
-    ASSERT_TRUE(qOK_);
-  }
+using test::SummaryLoad;
+const std::string data = LUMBARN_EXAMPLES "/data/";
 
-  Session session_;
-  qvEclipseReader reader_{session_};
-  bool qOK_ = false;
-  XYData xyData_;
-  ByteTable bHeaders_;
-  ByteTable bOnly_;
-  SourceData vSourceData_;
-};
+class SampleRuns : public ::testing::TestWithParam<Sample> {};
 
-TEST_P(SampleRuns, EveryValueIsThatOfTheIndependentReaderToTheLastBit) {
-  load();
+/// Every value is that of the independent reader to the last bit, whether all or few vectors are loaded.
+TEST_P(SampleRuns, HoldWhatTheIndependentReaderFound) {
   const auto expected = expectedTable(GetParam().expected);
-  ASSERT_EQ(xyData_.rows(), expected.rows.size());
-  const auto& vectors = reader_.Vectors();
-  for (std::size_t column = 0; column < expected.names.size(); ++column) {
-    const auto found = std::ranges::find(vectors, expected.names[column], &SummaryVector::name);
-    ASSERT_NE(found, vectors.end()) << expected.names[column];
-    for (std::size_t row = 0; row < expected.rows.size(); ++row) {
-      ASSERT_EQ(xyData_(row + 1, found->column), expected.rows[row][column])
-          << found->name << " row " << row + 1;
+  for (const std::vector<std::string>& patterns :
+       {std::vector<std::string>{}, {"W*PR:PROD,W?PR:P1", "FOP?", "TIME"}}) {
+    SummaryLoad load(data + GetParam().file);
+    load.reader.NoRestart = !GetParam().chain;
+    load.reader.VectorPatterns = patterns;
+    ASSERT_TRUE(load.run());
+    EXPECT_TRUE(load.session.diagnoses().empty()) << load.lastDiagnosis().text();
+    ASSERT_EQ(load.table.rows(), expected.rows.size());
+    const auto& vectors = load.reader.Vectors();
+    EXPECT_EQ(vectors.front().name, "TIME");
+    EXPECT_GT(vectors.size(), 3U);
+    auto names = load.names();
+    std::ranges::sort(names);
+    if (patterns.empty()) {
+      EXPECT_EQ(names, expected.names);
     }
-  }
-  EXPECT_TRUE(session_.diagnoses().empty()) << session_.diagnoses().front().text();
-}
-
-TEST_P(SampleRuns, ASelectionGivesTheSameColumnsAndTheTime) {
-  load({"W*PR:PROD,W?PR:P1", "FOP?"});
-  const auto expected = expectedTable(GetParam().expected);
-  ASSERT_EQ(xyData_.rows(), expected.rows.size());
-  EXPECT_EQ(reader_.Vectors().front().name, "TIME");
-  EXPECT_GT(reader_.Vectors().size(), 3U);
-  for (const auto& vector : reader_.Vectors()) {
-    const auto column = std::ranges::find(expected.names, vector.name) - expected.names.begin();
-    for (std::size_t row = 0; row < expected.rows.size(); ++row) {
-      ASSERT_EQ(xyData_(row + 1, vector.column), expected.rows[row][static_cast<std::size_t>(column)])
-          << vector.name;
+    for (const auto& vector : vectors) {
+      const auto found = std::ranges::find(expected.names, vector.name);
+      ASSERT_NE(found, expected.names.end()) << vector.name;
+      const auto column = static_cast<std::size_t>(found - expected.names.begin());
+      for (std::size_t row = 0; row < expected.rows.size(); ++row) {
+        ASSERT_EQ(load.table(row + 1, vector.column), expected.rows[row][column]) << vector.name << row;
+      }
     }
   }
 }
@@ -114,48 +95,27 @@ INSTANTIATE_TEST_SUITE_P(Samples, SampleRuns,
 
 /// Without the file's own rounding: formatted files hold 8 digits.
 TEST(SampleRunForms, FormattedAndMultipleSetsHoldTheSameRun) {
-  std::vector<XYData> tables;
-  for (const char* file : {"ARBORM/ARBORM.SMSPEC", "ARBORF/ARBORF.FSMSPEC", "ARBORFM/ARBORFM.FSMSPEC"}) {
-    Session session;
-    qvEclipseReader reader(session);
-    reader.FileName = std::string(LUMBARN_EXAMPLES "/data/") + file;
-    reader.whichtype = 12;
-    reader.Silent = true;
-    bool qOK = false;
-    reader.ECLReadData(qOK);
-    ASSERT_TRUE(qOK) << file;
-    EXPECT_EQ(reader.Unified, std::string_view(file).find("FM") == std::string_view::npos &&
-                                  std::string_view(file).find("M/") == std::string_view::npos);
-    ByteTable headers, only;
-    SourceData source;
-    reader.GetSUMMARYData(tables.emplace_back(), headers, source, only, qOK);
-    ASSERT_TRUE(qOK) << file;
-    EXPECT_EQ(isoText(reader.RowDates(tables.back()).back()).substr(0, 4), "2016");
+  SummaryLoad multiple(data + "ARBORM/ARBORM.SMSPEC"), whole(data + "ARBORF/ARBORF.FSMSPEC"),
+      both(data + "ARBORFM/ARBORFM.FSMSPEC");
+  for (auto* load : {&multiple, &whole, &both}) {
+    ASSERT_TRUE(load->run());
+    EXPECT_EQ(load->reader.Unified, load == &whole);
+    EXPECT_EQ(isoText(load->reader.RowDates(load->table).back()).substr(0, 4), "2016");
   }
-  ASSERT_EQ(tables[1].rows(), tables[2].rows());
-  EXPECT_TRUE(std::ranges::equal(tables[1].values(), tables[2].values()));
-  ASSERT_EQ(tables[0].columns(), tables[1].columns());
+  EXPECT_EQ(whole.table.rows(), both.table.rows());
+  EXPECT_TRUE(std::ranges::equal(whole.table.values(), both.table.values()));
+  EXPECT_EQ(multiple.table.columns(), whole.table.columns());
 }
 
 TEST(SampleRunDates, TheTimeOfDayIsWhatTheDeckSays) {
-  Session session;
-  qvEclipseReader reader(session);
-  reader.FileName = LUMBARN_EXAMPLES "/data/HOLLIN/HOLLIN.SMSPEC";
-  reader.whichtype = 12;
-  reader.Silent = true;
-  bool qOK = false;
-  reader.ECLReadData(qOK);
-  XYData table;
-  ByteTable headers, only;
-  SourceData source;
-  reader.GetSUMMARYData(table, headers, source, only, qOK);
-  ASSERT_TRUE(qOK);
-  const auto dates = reader.RowDates(table);
-  ASSERT_EQ(dates.size(), table.rows());
+  SummaryLoad load(data + "HOLLIN/HOLLIN.SMSPEC");
+  ASSERT_TRUE(load.run());
+  const auto dates = load.reader.RowDates(load.table);
+  ASSERT_EQ(dates.size(), load.table.rows());
   EXPECT_EQ(isoText(dates.front()), "2001-07-02T00:00:00");
   EXPECT_EQ(isoText(dates.back()), "2003-07-15T06:30:00");
-  EXPECT_EQ(std::get<std::string>(source(4)), "1 JUL 2001");
-  EXPECT_EQ(std::get<std::int16_t>(source(7)), 1);
+  EXPECT_EQ(std::get<std::string>(load.source(4)), "1 JUL 2001");
+  EXPECT_EQ(std::get<std::int16_t>(load.source(7)), 1);
 }
 
 }  // namespace

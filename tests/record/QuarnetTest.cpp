@@ -2,27 +2,26 @@
 #include <gtest/gtest.h>
 
 #include "record/Quarnet.h"
-#include "support/Forms.h"
 #include "support/SummaryBuilder.h"
 
 namespace lumbarn {
 namespace {
 
 using ::testing::ElementsAre;
-using namespace lumbarn::testing;
+using namespace test;
 
-class QuarnetForms : public ::testing::TestWithParam<Form> {
+class QuarnetForms : public OfForm {
  protected:
   void SetUp() override {
     std::vector<std::byte> bytes;
-    RecordWriter out(memorySink(bytes), GetParam());
+    RecordWriter out(memorySink(bytes), form_);
     const bool flags[] = {true, false, true};
     out.texts("RESTART", std::array<std::string, 2>{"BASE", "RUN"});
     out.logicals("FLAGS", flags);
     out.integers("NUMS", std::vector<std::int32_t>(1500, 7));
     out.singles("PARAMS", std::array{1.5F, -2.0F});
-    test::writeFile(path_, bytes);
-    file_.setForm(GetParam());
+    writeFile(path_, bytes);
+    file_.setForm(form_);
     SetRecordLengths(file_.Formatted, lengths_);
   }
   void header(const char* keyword, std::int32_t count) {
@@ -34,7 +33,7 @@ class QuarnetForms : public ::testing::TestWithParam<Form> {
     EXPECT_EQ(n, count);
   }
 
-  test::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   std::string path_ = folder_.file("RUN.SMSPEC");
   Session session_;
   Quarnet quarnet_{session_};
@@ -42,7 +41,7 @@ class QuarnetForms : public ::testing::TestWithParam<Form> {
   RecordLengths lengths_;
   bool qOK_ = false;
 };
-INSTANTIATE_TEST_SUITE_P(Record, QuarnetForms, ::testing::ValuesIn(allForms), formName);
+INSTANTIATE_TEST_SUITE_P(Record, QuarnetForms, ::testing::ValuesIn(everyForm), formName);
 
 TEST_P(QuarnetForms, ARecordLoopReadsAndSkipsToTheEnd) {
   quarnet_.OpenRecordFile(path_, file_, qOK_);
@@ -89,22 +88,22 @@ TEST_P(QuarnetForms, ARecordLoopReadsAndSkipsToTheEnd) {
 
 TEST_P(QuarnetForms, TheKeywordStandsWhereTheFormPutsIt) {
   quarnet_.OpenRecordFile(path_, file_, qOK_);
-  const int place = GetParam().formatted() ? 3 : GetParam().framing == Framing::FourByteMarks ? 5 : 2;
+  const int place = form_.formatted() ? 3 : form_.framing == Framing::FourByteMarks ? 5 : 2;
   std::vector<std::byte> bytes;
   std::string text;
   file_.SeekByte(place);
   quarnet_.ReadRawBytes(8, file_, bytes, qOK_);
   quarnet_.BytesToText(8, bytes, text, qOK_);
   EXPECT_EQ(text, "RESTART ");
-  if (GetParam().framing != Framing::FourByteMarks) return;
-  bool qSwap = !GetParam().byteSwap;
+  if (form_.framing != Framing::FourByteMarks) return;
+  bool qSwap = !form_.byteSwap;
   file_.SeekByte(13);
   quarnet_.DetectByteOrder("SPEC", file_, qOK_, qSwap);
-  EXPECT_EQ(qSwap, GetParam().byteSwap);
+  EXPECT_EQ(qSwap, form_.byteSwap);
 }
 
 TEST(Quarnet, ScratchFilesComeBackAsTheyWere) {
-  test::TemporaryFolder folder;
+  TemporaryFolder folder;
   Session session;
   Quarnet quarnet(session);
   cFILETYPE out(session);

@@ -17,34 +17,30 @@ struct Case {
 };
 
 TEST(TextNumbers, RealsInEveryDress) {
-  const Case cases[] = {
-      {"0.10000000E+01", 14, 1.0},
-      {"0.1D+01 ", 7, 1.0},
-      {"-0.1d-1", 7, -0.01},
-      {"0.1234-101", 10, 0.1234e-101},
-      {"0.1234+101", 10, 0.1234e101},
-      {"0.5-0.25", 3, 0.5},
-      {"0.5E+00-0.25", 7, 0.5},
-      {"0.5-101.5", 3, 0.5},
-      {"0.5-1015", 3, 0.5},
-      {"+2.5E1", 6, 25.0},
-      {"7", 1, 7.0},
-      {".5", 2, 0.5},
-      {"1.D0", 4, 1.0},
-      {"1.5D", 3, 1.5},
-      {"0.17976931348623157+309", 23, 1.7976931348623157e308},
-      {"x", 0, 0},
-      {"", 0, 0},
-      {"-", 0, 0},
-      {"E+01", 0, 0},
-      {"'A'", 0, 0},
-  };
+  const Case cases[] = {{"0.10000000E+01", 14, 1.0},
+                        {"0.1D+01 ", 7, 1.0},
+                        {"-0.1d-1", 7, -0.01},
+                        {"0.1234-101", 10, 0.1234e-101},
+                        {"0.1234+101", 10, 0.1234e101},
+                        {"0.5-0.25", 3, 0.5},
+                        {"0.5E+00-0.25", 7, 0.5},
+                        {"0.5-101.5", 3, 0.5},
+                        {"0.5-1015", 3, 0.5},
+                        {"+2.5E1", 6, 25.0},
+                        {"7", 1, 7.0},
+                        {".5", 2, 0.5},
+                        {"1.D0", 4, 1.0},
+                        {"1.5D", 3, 1.5},
+                        {"0.17976931348623157+309", 23, 1.7976931348623157e308},
+                        {"x", 0, 0},
+                        {"", 0, 0},
+                        {"-", 0, 0},
+                        {"E+01", 0, 0},
+                        {"'A'", 0, 0}};
   for (const auto& [text, taken, value] : cases) {
     double result = 0;
     EXPECT_EQ(parseNumber(text, result), taken) << text;
-    if (taken != 0) {
-      EXPECT_EQ(result, value) << text;
-    }
+    EXPECT_EQ(result, value) << text;
   }
   float single = 0;
   EXPECT_EQ(parseNumber("0.16777217E+08", single), 14U);
@@ -77,12 +73,13 @@ TEST(TextNumbers, TheUsualDressOfAllSizesIsRoundedLikeAnyOther) {
   parseNumber("-0.00000000000000D+00", nothing);
   EXPECT_TRUE(std::signbit(nothing));
   float single = 0;
-  EXPECT_EQ(parseNumber("0.1234567 E+01", single), 9U);
-  EXPECT_EQ(parseNumber("0.12345678E+012", single), 15U);
-  EXPECT_EQ(parseNumber("0.12345678E+0", single), 13U);
-  EXPECT_EQ(parseNumber("0.12345678-101", single), 14U);
-  EXPECT_EQ(parseNumber("0.1234567/E+01", single), 9U);
-  EXPECT_EQ(parseNumber("0.123456:8E+01", single), 8U);
+  for (const auto& [text, taken] : {std::pair{"0.1234567 E+01", 9U},
+                                    {"0.12345678E+012", 15U},
+                                    {"0.12345678E+0", 13U},
+                                    {"0.12345678-101", 14U},
+                                    {"0.1234567/E+01", 9U},
+                                    {"0.123456:8E+01", 8U}})
+    EXPECT_EQ(parseNumber(text, single), taken) << text;
 }
 
 TEST(TextNumbers, IntegersThatDoNotFitAreRefused) {

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -15,9 +14,7 @@
 namespace lumbarn {
 namespace {
 
-using test::NamedForm;
-using test::SummaryBuilder;
-using test::TemporaryFolder;
+using namespace test;
 using ::testing::ElementsAre;
 using Vector = SummaryBuilder::Vector;
 
@@ -71,31 +68,34 @@ bool readSpec(qvEclipseSPEC& spec, const std::string& path) {
   return qOK;
 }
 
-class SpecFile : public ::testing::TestWithParam<NamedForm> {
+std::vector<std::string> namesOf(const qvEclipseSPEC& spec) {
+  std::vector<std::string> names;
+  for (const auto& vector : summaryVectors(spec)) names.push_back(vector.name);
+  return names;
+}
+
+class SpecFile : public OfForm {
  protected:
   /// Checks and reads a specification of these bytes; reports and diagnoses go to the members.
   bool read(const std::vector<std::byte>& bytes) {
-    test::writeFile(path, bytes);
+    writeFile(path, bytes);
     return read();
   }
   bool read() {
     spec = qvEclipseSPEC(session);
     return readSpec(spec, path);
   }
-  Form form() const { return GetParam().form; }
-
   TemporaryFolder folder;
   std::string path = folder.file("RUN.SMSPEC");
   Session session;
   qvEclipseSPEC spec{session};
 };
 
-INSTANTIATE_TEST_SUITE_P(Forms, SpecFile, ::testing::ValuesIn(test::everyForm),
-                         [](const auto& parameter) { return parameter.param.name; });
+INSTANTIATE_TEST_SUITE_P(Forms, SpecFile, ::testing::ValuesIn(everyForm), formName);
 
 TEST_P(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
-  ASSERT_TRUE(read(everyKind().spec(form())));
-  EXPECT_EQ(spec.Formatted, form().formatted());
+  ASSERT_TRUE(read(everyKind().spec(form_)));
+  EXPECT_EQ(spec.Formatted, form_.formatted());
   EXPECT_EQ(spec.nVectors, static_cast<std::int32_t>(kinds.size()));
   EXPECT_TRUE(spec.qPerforations);
   EXPECT_EQ(spec.iUnitSystem, 1);
@@ -117,28 +117,22 @@ TEST_P(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
     if (!kind.kept) continue;
     SCOPED_TRACE(kind.name);
     ASSERT_LE(++row, headers.entries());
-    EXPECT_EQ(field(headers, row, attributeClass), kind.classWord);
-    EXPECT_EQ(field(headers, row, attributeMember), kind.member);
-    EXPECT_EQ(field(headers, row, attributeIndex), kind.index);
-    EXPECT_EQ(field(headers, row, attributeVariable), kind.vector.mnemonic);
-    EXPECT_EQ(field(headers, row, attributeUnits), kind.vector.unit);
-    EXPECT_EQ(field(headers, row, attributeSource), "Case 1");
-    EXPECT_EQ(field(headers, row, attributeDataKind), "Summary");
-    EXPECT_EQ(field(headers, row, attributeLGRName), kind.vector.lgr);
+    const std::pair<std::int32_t, std::string> texts[] = {
+        {attributeClass, kind.classWord},   {attributeMember, kind.member},
+        {attributeIndex, kind.index},       {attributeVariable, kind.vector.mnemonic},
+        {attributeUnits, kind.vector.unit}, {attributeSource, "Case 1"},
+        {attributeDataKind, "Summary"},     {attributeLGRName, kind.vector.lgr}};
+    for (const auto& [attribute, text] : texts) EXPECT_EQ(field(headers, row, attribute), text) << attribute;
     EXPECT_EQ(vectors[row - 1].name, kind.name);
     EXPECT_EQ(vectors[row - 1].column, i + 1);
     EXPECT_EQ(fromHeaders[row - 1].name, kind.name);
   }
   EXPECT_EQ(row, headers.entries());
   EXPECT_EQ(field(headers, 2, attributeVerbose), "Oil production rate");
-  EXPECT_EQ(headers(233, 1), ' ');
-}
 
-TEST_P(SpecFile, ClassUseCountsLeaveDummiesOut) {
-  ASSERT_TRUE(read(everyKind().spec(form())));
   const AttributeStore& classes = spec.xStore(attributeClass);
   const auto uses = [&](const char* word) { return classes.useCount(classes.find(word)); };
-  EXPECT_EQ(uses("WELLS"), 1);
+  EXPECT_EQ(uses("WELLS"), 1) << "without the dummy";
   EXPECT_EQ(uses("COMPLETIONS"), 1);
   EXPECT_EQ(uses("MISCELLANEOUS"), 3);
   EXPECT_EQ(uses("SEGMENTS"), 2) << "a segment numbered 0 is masked, but its well is no dummy";
@@ -153,11 +147,9 @@ TEST_P(SpecFile, NewerWritersPutInteheadInFrontAndLongNames) {
   run.firstStep = 9;
   run.vectors = {
       {"TIME"}, {"WOPR", "A-WELL-WITH-A-LONG-NAME-NO-1"}, {"WOPR", "A-WELL-WITH-A-LONG-NAME-NO-2"}};
-  ASSERT_TRUE(read(run.spec(form())));
-  const auto vectors = summaryVectors(spec);
-  ASSERT_EQ(vectors.size(), 3U);
-  EXPECT_EQ(vectors[1].member, "A-WELL-WITH-A-LONG-NAME-NO-1");
-  EXPECT_EQ(vectors[2].member, "A-WELL-WITH-A-LONG-NAME-NO-2");
+  ASSERT_TRUE(read(run.spec(form_)));
+  EXPECT_THAT(namesOf(spec),
+              ElementsAre("TIME", "WOPR:A-WELL-WITH-A-LONG-NAME-NO-1", "WOPR:A-WELL-WITH-A-LONG-NAME-NO-2"));
   EXPECT_EQ(spec.zStartDate, "15 JUL 2003");
   ASSERT_TRUE(spec.start());
   EXPECT_EQ(isoText(*spec.start()), "2003-07-15T06:30:01.5");
@@ -168,23 +160,22 @@ TEST_P(SpecFile, NewerWritersPutInteheadInFrontAndLongNames) {
 TEST_P(SpecFile, IsToldFromOtherFilesByItsSecondRecord) {
   const auto check = [&](std::vector<const char*> keywords) {
     std::vector<std::byte> bytes;
-    RecordWriter out(memorySink(bytes), form());
+    RecordWriter out(memorySink(bytes), form_);
     for (const char* keyword : keywords) out.integers(keyword, std::vector<std::int32_t>{1, 2, 3, 4});
-    test::writeFile(folder.file("X"), bytes);
+    writeFile(folder.file("X"), bytes);
     return qvEclipseSPEC(session).CheckSPECFile(folder.file("X"));
   };
-  EXPECT_TRUE(check({"RESTART"}));
-  EXPECT_TRUE(check({"INTEHEAD", "RESTART"}));
-  EXPECT_TRUE(check({"INTEHEAD", "DIMENS"}));
-  EXPECT_FALSE(check({"INTEHEAD", "LOGIHEAD", "RESTART"}));
-  EXPECT_FALSE(check({"INTEHEAD"}));
-  EXPECT_FALSE(check({"DIMENS", "RESTART"}));
+  using Keywords = std::vector<const char*>;
+  for (const auto& yes : {Keywords{"RESTART"}, {"INTEHEAD", "RESTART"}, {"INTEHEAD", "DIMENS"}})
+    EXPECT_TRUE(check(yes)) << yes.back();
+  for (const auto& no : {Keywords{"INTEHEAD", "LOGIHEAD", "RESTART"}, {"INTEHEAD"}, {"DIMENS", "RESTART"}})
+    EXPECT_FALSE(check(no)) << no.back();
   EXPECT_FALSE(qvEclipseSPEC(session).CheckSPECFile(folder.file("")));
   EXPECT_FALSE(qvEclipseSPEC(session).CheckSPECFile(folder.file("absent")));
 }
 
 TEST_P(SpecFile, ScanFillsTheRecordListOnly) {
-  test::writeFile(path, everyKind().spec(form()));
+  writeFile(path, everyKind().spec(form_));
   ASSERT_TRUE(spec.CheckSPECFile(path));
   spec.qScanOnly = true;
   bool qOK = false;
@@ -192,8 +183,7 @@ TEST_P(SpecFile, ScanFillsTheRecordListOnly) {
   ASSERT_TRUE(qOK);
   EXPECT_THAT(spec.zRecordName, ElementsAre("RESTART", "DIMENS", "KEYWORDS", "WGNAMES", "NUMS", "LGRS",
                                             "NUMLX", "NUMLY", "NUMLZ", "LGRNAMES", "UNITS", "STARTDAT"));
-  EXPECT_TRUE(spec.querySPECRecord("lgrs"));
-  EXPECT_FALSE(spec.querySPECRecord("LENGTHS"));
+  EXPECT_TRUE(spec.querySPECRecord("lgrs") && !spec.querySPECRecord("LENGTHS"));
   ByteTable headers;
   spec.getHeaders(headers, qOK);
   EXPECT_FALSE(qOK);
@@ -201,7 +191,7 @@ TEST_P(SpecFile, ScanFillsTheRecordListOnly) {
 
 TEST_P(SpecFile, ArraysOfWrongLengthAreUsedAsFarAsTheyGo) {
   std::vector<std::byte> bytes;
-  RecordWriter out(memorySink(bytes), form());
+  RecordWriter out(memorySink(bytes), form_);
   const auto texts = [&](const char* keyword, std::vector<std::string> items) { out.texts(keyword, items); };
   texts("RESTART", {std::string(8, '\0'), "LEFTOVER"});
   out.integers("DIMENS", std::vector<std::int32_t>{99, 2000000000, 2000000000, 2000000000, 0, -7});
@@ -216,19 +206,16 @@ TEST_P(SpecFile, ArraysOfWrongLengthAreUsedAsFarAsTheyGo) {
   EXPECT_EQ(spec.iRestartStep, 0);
   EXPECT_EQ(spec.zStartDate, "1  2001");
   EXPECT_FALSE(spec.start());
-  const auto vectors = summaryVectors(spec);
-  ASSERT_EQ(vectors.size(), 4U);
-  EXPECT_EQ(vectors[1].name, "WOPR:P1");
-  EXPECT_EQ(vectors[2].name, "BPR") << "a grid of so many cells has no cell 5 that we could name";
-  EXPECT_EQ(vectors[3].name, "WOPT");
+  EXPECT_THAT(namesOf(spec), ElementsAre("TIME", "WOPR:P1", "BPR", "WOPT"))
+      << "a grid of so many cells has no cell 5 that we could name";
   std::vector<std::string> told;
   for (const Diagnosis& diagnosis : session.diagnoses()) told.push_back(diagnosis.keyword);
   EXPECT_THAT(told, ::testing::UnorderedElementsAre("KEYWORDS", "WGNAMES", "NUMS", "UNITS", "STARTDAT"));
 }
 
 TEST_P(SpecFile, EveryTruncationIsToldAndKeepsWhatIsWhole) {
-  const std::vector<std::byte> whole = everyKind().spec(form());
-  test::writeFile(path, whole);
+  const std::vector<std::byte> whole = everyKind().spec(form_);
+  writeFile(path, whole);
   std::size_t usable = 0;
   for (std::size_t size = whole.size(); size-- > 0;) {
     session.clearDiagnoses();
@@ -250,16 +237,14 @@ TEST_P(SpecFile, EveryTruncationIsToldAndKeepsWhatIsWhole) {
 }
 
 TEST_P(SpecFile, MaskIsRefinedButDummiesStayOut) {
-  ASSERT_TRUE(read(everyKind().spec(form())));
+  ASSERT_TRUE(read(everyKind().spec(form_)));
   bool qOK = false;
   const auto kept = static_cast<std::size_t>(spec.nKeysUsed);
   std::vector<bool> mask(kept, false);
   mask[0] = mask[3] = mask[kept - 1] = true;  // the fourth that is in is the fifth of the file
   spec.setKeyMask(mask, qOK);
   ASSERT_TRUE(qOK);
-  std::vector<std::string> names;
-  for (const auto& vector : summaryVectors(spec)) names.push_back(vector.name);
-  EXPECT_THAT(names, ElementsAre("TIME", "GOPR:G1", "LCOPR:LGR2:OP_1:2,2,1"));
+  EXPECT_THAT(namesOf(spec), ElementsAre("TIME", "GOPR:G1", "LCOPR:LGR2:OP_1:2,2,1"));
 
   spec.setKeyMask({true}, qOK);
   EXPECT_TRUE(qOK);
@@ -282,7 +267,7 @@ TEST_P(SpecFile, ConnectionVectorsComeWithTheirLengths) {
   SummaryBuilder run = everyKind();
   run.lengthUnit = "METRES";
   for (std::size_t i = 0; i < run.vectors.size(); ++i) run.vectors[i].length = static_cast<float>(i);
-  ASSERT_TRUE(read(run.spec(form())));
+  ASSERT_TRUE(read(run.spec(form_)));
   ByteTable headers;
   std::vector<bool> mask;
   std::vector<float> lengths;
@@ -299,7 +284,7 @@ TEST_P(SpecFile, ConnectionVectorsComeWithTheirLengths) {
   EXPECT_EQ(std::ranges::count(mask, true), 3);
 
   run.vectors = {{"TIME"}, {"FOPR"}};
-  ASSERT_TRUE(read(run.spec(form())));
+  ASSERT_TRUE(read(run.spec(form_)));
   spec.getHorizontalHeaders(headers, mask, qOK);
   EXPECT_FALSE(qOK);
 }
@@ -316,7 +301,7 @@ TEST(SpecUnits, FirstUnitThatDecidesDoesMetricOnlyWhenNoneDoes) {
     for (const auto& unit : units) run.vectors.push_back({"FOPR", "", 0, unit});
     Session session;
     qvEclipseSPEC spec(session);
-    ASSERT_TRUE(readSpec(spec, run.write(folder, "U", test::everyForm[1].form)));
+    ASSERT_TRUE(readSpec(spec, run.write(folder, "U", bigEndian)));
     EXPECT_EQ(spec.iUnitSystem, system) << units[1];
   }
 }
@@ -328,7 +313,7 @@ TEST(SpecLimits, MoreOwnersThanAHeaderCanNumberAreRefusedWithTheReason) {
     run.vectors.push_back({"WOPR", "W" + std::to_string(well), 0, "SM3"});
   Session session;
   qvEclipseSPEC spec(session);
-  EXPECT_FALSE(readSpec(spec, run.write(folder, "L", test::everyForm[1].form)));
+  EXPECT_FALSE(readSpec(spec, run.write(folder, "L", bigEndian)));
   EXPECT_EQ(spec.nVectors, 0);
   ASSERT_EQ(session.diagnoses().size(), 1U);
   EXPECT_EQ(session.diagnoses()[0].keyword, "WGNAMES");
@@ -336,52 +321,15 @@ TEST(SpecLimits, MoreOwnersThanAHeaderCanNumberAreRefusedWithTheReason) {
 
 TEST(SpecCells, CellNumbersRunThroughIFastest) {
   const std::vector<std::int32_t> dimens = {0, 10, 4, 3, 0, 0};
-  EXPECT_EQ(createVectorIndex('B', 1, dimens), "1 1 1");
-  EXPECT_EQ(createVectorIndex('C', 11, dimens), "1 2 1");
-  EXPECT_EQ(createVectorIndex('B', 120, dimens), "10 4 3");
-  EXPECT_EQ(createVectorIndex('B', 121, dimens), "");
-  EXPECT_EQ(createVectorIndex('B', 0, dimens), "");
+  const std::tuple<char, std::int32_t, const char*> rows[] = {
+      {'B', 1, "1 1 1"}, {'C', 11, "1 2 1"}, {'B', 120, "10 4 3"}, {'B', 121, ""},
+      {'B', 0, ""},      {'A', -3, "-3"},    {'W', 3, ""}};
+  for (const auto& [letter, n, index] : rows) EXPECT_EQ(createVectorIndex(letter, n, dimens), index) << n;
   EXPECT_EQ(createVectorIndex('B', 1, std::vector<std::int32_t>{0, 10, 4}), "");
-  EXPECT_EQ(createVectorIndex('A', -3, dimens), "-3");
-  EXPECT_EQ(createVectorIndex('W', 3, dimens), "");
   std::vector<std::string> cells;
   bool qOK = false;
   qvEclipseSPEC().ConvertCellIndices(std::vector<std::int32_t>{1, 0, 41}, dimens, cells, qOK);
   EXPECT_THAT(cells, ElementsAre("1 1 1", "", "1 1 2"));
-}
-
-/// Column names of a CSV file's first line, in order.
-std::vector<std::string> csvHeader(const std::string& path) {
-  std::ifstream in(path);
-  std::string line;
-  std::getline(in, line);
-  std::vector<std::string> names(1);
-  bool quoted = false;
-  if (line.ends_with('\r')) line.pop_back();
-  for (const char c : line) {
-    if (c == '"') quoted = !quoted;
-    if (c == ',' && !quoted) names.emplace_back();
-    if (c != '"' && (c != ',' || quoted)) names.back() += c;
-  }
-  return names;
-}
-
-TEST(SpecSamples, NamesAreThoseOfAnIndependentReader) {
-  const std::pair<const char*, const char*> runs[] = {{"ARBOR/ARBOR.SMSPEC", "ARBOR.summary.csv"},
-                                                      {"HOLLIN/HOLLIN.SMSPEC", "HOLLIN.summary.csv"},
-                                                      {"CEDAR/CEDAR_R2.SMSPEC", "CEDAR_R2.chain.csv"}};
-  const std::string data = LUMBARN_EXAMPLES "/data/";
-  for (const auto& [file, expected] : runs) {
-    SCOPED_TRACE(file);
-    Session session;
-    qvEclipseSPEC spec(session);
-    ASSERT_TRUE(readSpec(spec, data + file));
-    EXPECT_TRUE(session.diagnoses().empty());
-    std::vector<std::string> names;
-    for (const auto& vector : summaryVectors(spec)) names.push_back(vector.name);
-    std::ranges::sort(names);
-    EXPECT_EQ(names, csvHeader(data + "expected/" + expected));
-  }
 }
 
 }  // namespace

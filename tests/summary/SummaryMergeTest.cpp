@@ -17,7 +17,6 @@ namespace lumbarn {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 /// Headers of wells "MNEMONIC MEMBER", or of anything with a class of its own.
 ByteTable headers(std::initializer_list<std::pair<const char*, const char*>> vectors,
@@ -55,17 +54,13 @@ TEST(SummaryMatch, FirstOpenOneBehindTheLastPairElseFromTheStart) {
     std::vector<std::int32_t> iMatch, iNew;
   };
   const Row rows[] = {
-      {{"T", "A", "B"}, {"T", "A", "B"}, {1, 2, 3}, {}},
-      {{"T", "A", "B"}, {"T", "X", "B", "A"}, {1, 0, 3, 2}, {}},
       {{"T", "A", "A", "B"}, {"T", "B", "A"}, {1, 4, 2}, {3}},  // from the start: the first of two
       {{"A", "T", "A", "A"},
        {"T", "A", "A", "A"},
        {2, 3, 4, 1},
        {}},  // behind the last pair before the start
-      {{"A", "B", "A"}, {"B", "X", "A", "A", "A"}, {2, 0, 3, 1, 0}, {}},
       {{"A", "A", "A"}, {"A"}, {1}, {2, 3}},
       {{}, {"A"}, {0}, {}},
-      {{"A"}, {}, {}, {1}},
   };
   for (const Row& row : rows) {
     const TextPairs pairs = pairTexts(row.old, row.main);
@@ -103,67 +98,56 @@ TEST(SummaryMatch, AgreesWithTheLongWayRound) {
 
 class SummaryMerge : public ::testing::Test {
  protected:
+  void merge(const ByteTable& bOld, const XYData& sOld, bool qPerforations = false) {
+    mergeSUMMARYData(session, bOld, sOld, bMain, sMain, qPerforations, qOK);
+  }
   Session session;
   bool qOK = false;
+  ByteTable bMain = headers({{"TIME", ""}});
+  XYData sMain = table(session, {{3, 5}});
 };
 
 TEST_F(SummaryMerge, OldRowsComeInFrontAndNewVectorsBehind) {
-  const ByteTable bOld = headers({{"TIME", ""}, {"WGPR", "P1"}, {"WOPR", "P1"}});
-  const XYData sOld = table(session, {{1, 2, 3, 4}, {71, 72, 73, 74}, {51, 52, 53, 54}});
-  ByteTable bMain = headers({{"TIME", ""}, {"WOPR", "P1"}, {"WOPR", "P2"}});
-  XYData sMain = table(session, {{3, 5}, {60, 61}, {80, 81}});
-  mergeSUMMARYData(session, bOld, sOld, bMain, sMain, false, qOK);
+  bMain = headers({{"TIME", ""}, {"WOPR", "P1"}, {"WOPR", "P2"}});
+  sMain = table(session, {{3, 5}, {60, 61}, {80, 81}});
+  merge(headers({{"TIME", ""}, {"WGPR", "P1"}, {"WOPR", "P1"}}),
+        table(session, {{1, 2, 3, 4}, {71, 72, 73, 74}, {51, 52, 53, 54}}));
   ASSERT_TRUE(qOK);
   EXPECT_EQ(columnsOf(sMain), (Columns{{1, 2, 3, 5}, {51, 52, 60, 61}, {0, 0, 80, 81}, {71, 72, 0, 0}}));
   ASSERT_EQ(bMain.entries(), 4U);
   EXPECT_EQ(ExtractAttribute(attributeVariable, bMain, 4), "WGPR");
 }
 
-TEST_F(SummaryMerge, RunsThatAddNoRowsStillAddTheirVectors) {
+TEST_F(SummaryMerge, RunsWithoutRowsAndThoseThatAddNone) {
   const ByteTable bOld = headers({{"TIME", ""}, {"WGPR", "P1"}});
-  ByteTable bMain = headers({{"TIME", ""}});
-  XYData sMain = table(session, {{3, 5}});
-  mergeSUMMARYData(session, bOld, table(session, {{3, 4}, {71, 72}}), bMain, sMain, false, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_EQ(columnsOf(sMain), (Columns{{3, 5}, {0, 0}}));
-  EXPECT_EQ(bMain.entries(), 2U);
-
-  mergeSUMMARYData(session, headers({{"TIME", ""}}), XYData(0, 1, session), bMain, sMain, false, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_EQ(columnsOf(sMain), (Columns{{3, 5}, {0, 0}}));
-}
-
-TEST_F(SummaryMerge, AMainRunWithoutRowsTakesAllThatCameBefore) {
-  ByteTable bMain = headers({{"TIME", ""}, {"WOPR", "P1"}});
-  XYData sMain(0, 2, session);
-  mergeSUMMARYData(session, headers({{"TIME", ""}, {"WGPR", "P1"}}), table(session, {{1, 2}, {71, 72}}),
-                   bMain, sMain, false, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_EQ(columnsOf(sMain), (Columns{{1, 2}, {0, 0}, {71, 72}}));
-}
-
-TEST_F(SummaryMerge, CompletionDataTakeNoEarlierRuns) {
-  ByteTable bMain = headers({{"TIME", ""}});
-  XYData sMain = table(session, {{3}});
-  mergeSUMMARYData(session, headers({{"TIME", ""}}), table(session, {{1}}), bMain, sMain, true, qOK);
+  merge(headers({{"TIME", ""}}), table(session, {{1}}), true);
   EXPECT_TRUE(qOK);
-  EXPECT_EQ(columnsOf(sMain), (Columns{{3}}));
+  EXPECT_EQ(columnsOf(sMain), (Columns{{3, 5}})) << "completion data take no earlier runs";
+  merge(bOld, table(session, {{3, 4}, {71, 72}}));
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(columnsOf(sMain), (Columns{{3, 5}, {0, 0}})) << "no row before the first, but a vector";
+  EXPECT_EQ(bMain.entries(), 2U);
+  merge(headers({{"TIME", ""}}), XYData(0, 1, session));
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(columnsOf(sMain), (Columns{{3, 5}, {0, 0}}));
+
+  bMain = headers({{"TIME", ""}, {"WOPR", "P1"}});
+  sMain = XYData(0, 2, session);
+  merge(bOld, table(session, {{1, 2}, {71, 72}}));
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(columnsOf(sMain), (Columns{{1, 2}, {0, 0}, {71, 72}})) << "all that came before";
 }
 
 TEST_F(SummaryMerge, FailureLeavesTheMainTableAsItWas) {
-  ByteTable bMain = headers({{"TIME", ""}});
-  XYData sMain = table(session, {{3, 4}});
-  mergeSUMMARYData(session, ByteTable(200, 1), table(session, {{1}}), bMain, sMain, false, qOK);
+  merge(ByteTable(200, 1), table(session, {{1}}));
   EXPECT_FALSE(qOK) << "headers too short";
-
   const ByteTable bOld = headers({{"TIME", ""}, {"WGPR", "P1"}});
-  mergeSUMMARYData(session, bOld, table(session, {{1, 2}}), bMain, sMain, false, qOK);
+  merge(bOld, table(session, {{1, 2}}));
   EXPECT_FALSE(qOK) << "more headers than columns";
-
   session.memoryLimit = 20;
-  mergeSUMMARYData(session, bOld, table(Session::process(), {{1, 2}, {7, 8}}), bMain, sMain, false, qOK);
+  merge(bOld, table(Session::process(), {{1, 2}, {7, 8}}));
   EXPECT_FALSE(qOK) << "beyond the memory limit";
-  EXPECT_EQ(columnsOf(sMain), (Columns{{3, 4}}));
+  EXPECT_EQ(columnsOf(sMain), (Columns{{3, 5}}));
   EXPECT_EQ(bMain.entries(), 1U);
 }
 
@@ -247,10 +231,10 @@ TEST_F(SummaryMerge, StoreFormCarriesTextsOver) {
   };
   const char* const longName = "A-WELL-WITH-A-NAME-BEYOND-20";
   AttributeStores xOld, xMain;
-  ByteTable bOld, bMain;
+  ByteTable bOld;
   fill(xOld, bOld, 32, {{"WOPR", "P1"}, {"WWPR", longName}, {"TIME", ""}});
   fill(xMain, bMain, 8, {{"TIME", ""}, {"WOPR", "P1"}});
-  XYData sMain = table(session, {{5}, {60}});
+  sMain = table(session, {{5}, {60}});
   mergeStoreSUMMARYData(session, xOld, bOld, table(session, {{1}, {91}, {7}}), xMain, bMain, sMain, false,
                         qOK);
   ASSERT_TRUE(qOK);
@@ -267,8 +251,8 @@ TEST_F(SummaryMerge, StoreFormCarriesTextsOver) {
 TEST_F(SummaryMerge, LengthsAreMergedByTheirOwnValues) {
   const ByteTable bOld = headers({{"COFR", "P1"}, {"CWFR", "P1"}});
   const XYData sOld = table(session, {{1, 2}, {11, 12}});
-  ByteTable bMain = bOld;
-  XYData sMain = table(session, {{2, 3}, {22, 23}});
+  bMain = bOld;
+  sMain = table(session, {{2, 3}, {22, 23}});
   std::vector<float> lengths = {40, 40};
   mergeSUMMARYHorizData(session, bOld, sOld, std::vector<float>{40, 40}, bMain, sMain, lengths, false, qOK);
   ASSERT_TRUE(qOK);

@@ -47,14 +47,5 @@ TEST(Diagnosis, TextHasEveryCoordinateThatIsKnown) {
   EXPECT_EQ((Diagnosis{.path = "A", .problem = "no such file"}).text(), "A: no such file");
 }
 
-TEST(Session, KeepsTheMostRecentDiagnosesOnly) {
-  Session session;
-  for (std::size_t i = 0; i < Session::keptDiagnoses + 5; ++i) {
-    session.diagnose(Diagnosis{.problem = std::to_string(i)});
-  }
-  EXPECT_EQ(session.diagnoses().size(), Session::keptDiagnoses);
-  EXPECT_EQ(session.diagnoses().front().problem, "5");
-}
-
 }  // namespace
 }  // namespace lumbarn

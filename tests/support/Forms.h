@@ -9,33 +9,33 @@
 
 #include <gtest/gtest.h>
 
-#include "record/Form.h"
 #include "record/RecordCursor.h"
 #include "record/RecordWriter.h"
 
-namespace lumbarn::testing {
+namespace lumbarn::test {
 
+/// An on-disk form, with a name that goes into the name of a test.
+struct NamedForm {
+  const char* name;
+  Form form;
+};
 constexpr bool littleEndianMachine = std::endian::native == std::endian::little;
-
+inline constexpr Form formatted{Framing::Formatted, false};
+inline constexpr Form bigEndian{Framing::FourByteMarks, littleEndianMachine};  // as simulators write
 /// Every on-disk form that a record file can have.
-inline constexpr std::array<Form, 4> allForms{{
-    {Framing::Formatted, false},
-    {Framing::FourByteMarks, littleEndianMachine},   // big-endian, as simulators write
-    {Framing::FourByteMarks, !littleEndianMachine},  // little-endian
-    {Framing::OneByteMarks, false},
-}};
+inline constexpr std::array<NamedForm, 4> everyForm{
+    {{"Formatted", formatted},
+     {"BigEndian", bigEndian},
+     {"LittleEndian", {Framing::FourByteMarks, !littleEndianMachine}},
+     {"OneByteMarks", {Framing::OneByteMarks, false}}}};
 
-inline std::string formName(const ::testing::TestParamInfo<Form>& info) {
-  switch (info.param.framing) {
-    case Framing::Formatted:
-      return "Formatted";
-    case Framing::FourByteMarks:
-      return info.param.byteSwap ? "BigEndian" : "LittleEndian";
-    case Framing::OneByteMarks:
-      break;
-  }
-  return "OneByteMarks";
-}
+inline std::string formName(const ::testing::TestParamInfo<NamedForm>& info) { return info.param.name; }
+
+/// A test of one form.
+class OfForm : public ::testing::TestWithParam<NamedForm> {
+ protected:
+  const Form form_ = GetParam().form;
+};
 
 inline RecordCursor cursorOver(std::vector<std::byte> bytes, const Form& form) {
   return {std::make_shared<MemorySource>(std::move(bytes)), form, "memory"};
@@ -46,4 +46,4 @@ inline std::vector<std::byte> bytesOf(std::string_view text) {
   return {begin, begin + text.size()};
 }
 
-}  // namespace lumbarn::testing
+}  // namespace lumbarn::test

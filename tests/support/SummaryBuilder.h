@@ -3,54 +3,14 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
-#include "record/Form.h"
-#include "record/RecordWriter.h"
+#include "Forms.h"
+#include "TemporaryFolder.h"
 
 namespace lumbarn::test {
-
-/// Every on-disk form, with a name that goes into the name of a test.
-struct NamedForm {
-  const char* name;
-  Form form;
-};
-inline constexpr std::array<NamedForm, 4> everyForm{{{"Formatted", {Framing::Formatted, false}},
-                                                     {"Swapped", {Framing::FourByteMarks, true}},
-                                                     {"Native", {Framing::FourByteMarks, false}},
-                                                     {"OneByte", {Framing::OneByteMarks, false}}}};
-
-/// A folder that is gone with all it holds when it goes out of scope.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::random_device random;
-    do {
-      path_ = std::filesystem::temp_directory_path() / ("lumbarn-test-" + std::to_string(random()));
-    } while (!std::filesystem::create_directory(path_));
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
-};
-
-inline void writeFile(const std::string& path, const std::vector<std::byte>& bytes) {
-  std::ofstream out(path, std::ios::binary);
-  out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-}
 
 /// Makes the files of a whole summary run, specification and data, in any form.
 struct SummaryBuilder {

@@ -5,7 +5,7 @@
 
 #include "reader/qvEclipseReader.h"
 
-namespace lumbarn::testing {
+namespace lumbarn::test {
 
 /// A reader with a session of its own, set up for a silent summary load, and what it gave.
 struct SummaryLoad {
@@ -13,6 +13,11 @@ struct SummaryLoad {
     reader.FileName = specification;
     reader.whichtype = 12;
     reader.Silent = true;
+  }
+  /// Loads with the earlier runs; gives the times, none on failure.
+  std::vector<float> chainTimes() {
+    reader.NoRestart = false;
+    return run() ? column(1) : std::vector<float>{};
   }
   /// Loads and fetches.
   bool run() {
@@ -42,4 +47,4 @@ struct SummaryLoad {
   SourceData source;
 };
 
-}  // namespace lumbarn::testing
+}  // namespace lumbarn::test
