@@ -193,6 +193,15 @@ TEST_F(SummaryFiles, DataOfAnotherRunAreRefusedWithTheirPlace) {
                 "values, found 8); kept 0 rows"));
 }
 
+TEST_F(SummaryFiles, ALastRowWithAWildCountIsDamageNotACutFile) {
+  const auto run = smallRun();
+  const auto spec = run.write(folder_, "RUN", form_);
+  auto bytes = run.data(form_);
+  bytes[bytes.size() - 60 + 12] = std::byte{0x7F};  // first byte of the count in front of 7 values
+  writeFile(folder_.file("RUN.UNSMRY"), bytes);
+  EXPECT_FALSE(SummaryLoad(spec).run());
+}
+
 TEST_F(SummaryFiles, AMissingOrEmptyDataFileAndAFolderInItsPlace) {
   const auto spec = smallRun().write(folder_, "RUN", form_);
   writeFile(folder_.file("RUN.UNSMRY"), {});
