@@ -26,10 +26,6 @@ TEST(EclipseInfo, ClassesTakeTheirVectorsInHeaderOrder) {
   EXPECT_THAT(classOf(xInfo, "WELLS").iVectors, ElementsAre(1, 4));
   EXPECT_THAT(classOf(xInfo, "FIELD").iVectors, ElementsAre(2, 5));
   EXPECT_EQ(classOf(xInfo, "NODES").nVectors, 0);
-  std::string present;
-  for (const bool here : xInfo.qClassPresent) present += here ? '1' : '0';
-  EXPECT_EQ(present, "000100001001");
-  EXPECT_EQ(xInfo.qClassPresent, xInfo.qClassChosen);
   xInfo.qClassChosen.fill(false);
   EXPECT_EQ(maskText(xInfo), "0010011") << "vectors of no class are always kept";
 }
