@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -105,6 +107,29 @@ TEST(SampleRunForms, FormattedAndMultipleSetsHoldTheSameRun) {
   EXPECT_EQ(whole.table.rows(), both.table.rows());
   EXPECT_TRUE(std::ranges::equal(whole.table.values(), both.table.values()));
   EXPECT_EQ(multiple.table.columns(), whole.table.columns());
+}
+
+/// A thread to each session: a race would show under load as other values, or to a sanitizer.
+TEST(SampleRunSessions, LoadSideBySide) {
+  const std::string files[] = {"ARBOR/ARBOR.SMSPEC", "CEDAR/CEDAR_R2.SMSPEC", "HOLLIN/HOLLIN.SMSPEC"};
+  std::array<std::vector<float>, 6> values;
+  const auto loadOften = [&](std::size_t number) {
+    for (int round = 0; round < 10; ++round) {
+      SummaryLoad load(data + files[number % 3]);
+      load.reader.zExcept = "CO*,CW*,CG*,CPR*";
+      load.reader.NoRestart = false;
+      if (!load.run()) return;
+      values[number].assign(load.table.values().begin(), load.table.values().end());
+    }
+  };
+  {
+    std::vector<std::jthread> threads;
+    for (std::size_t i = 0; i < values.size(); ++i) threads.emplace_back(loadOften, i);
+  }
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_GT(values[i].size(), 100U);
+    EXPECT_EQ(values[i], values[i + 3]);
+  }
 }
 
 TEST(SampleRunDates, TheTimeOfDayIsWhatTheDeckSays) {
