@@ -13,6 +13,10 @@ namespace {
 
 constexpr std::size_t longestToken = 80;
 
+/// No writer needs more. Shorter than what is at hand when a number is read, so that the answer does not hang
+/// on how much of the file happens to be.
+constexpr std::size_t longestNumber = 64;
+
 bool isBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
 
 std::string shown(std::string_view text) {
@@ -138,7 +142,7 @@ template <class T>
 void takeNumber(TextScanner& scanner, std::byte* out) {
   T value{};
   const auto taken = parseNumber(scanner.rest(), value);
-  if (taken == 0 || !endsNumber(scanner.rest().substr(taken))) {
+  if (taken == 0 || taken > longestNumber || !endsNumber(scanner.rest().substr(taken))) {
     scanner.fail("no number", "a number");
   }
   if (out) std::memcpy(out, &value, sizeof value);
@@ -258,7 +262,8 @@ std::uint64_t endOfUnknown(Window& window, std::uint64_t position) {
   RecordHeader following;
   while (scanner.skipBlanks()) {
     const auto at = scanner.position();
-    if (parseHeader(scanner.rest(), following) != 0) return at == position ? at : at - 1;
+    if (parseHeader(scanner.rest().substr(0, longestToken), following) != 0)
+      return at == position ? at : at - 1;
     if (!scanner.nextLine()) break;
   }
   return window.size();
@@ -288,7 +293,7 @@ bool FormattedCodec::readHeader(Window& window, std::uint64_t position, RecordHe
   TextScanner scanner(window, position, 0);
   if (!scanner.skipBlanks()) return false;
   const auto quote = scanner.position();
-  const auto taken = parseHeader(scanner.rest(), header);
+  const auto taken = parseHeader(scanner.rest().substr(0, longestToken), header);
   if (taken == 0) scanner.fail("no record header", "'KEYWORD ' count 'TYPE'");
   scanner.take(taken);
   scanner.skipLineEnd();

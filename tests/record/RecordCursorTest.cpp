@@ -356,6 +356,21 @@ TEST(FormattedRecords, LinesThatMakeUpForEachOthersLengthAreDamage) {
   EXPECT_THAT(why.text(), HasSubstr("field is out of place (PARAMS, occurrence 1, byte 101"));
 }
 
+TEST(FormattedRecords, ANumberLongerThanAnyWriterMakesIsDamageHoweverItIsReached) {
+  const std::string text =
+      " 'PARAMS  '           3 'REAL'\n   0.5   " + std::string(90, '9') + "E+04\n 0.25\n";
+  for (const std::int64_t first : {0, 1}) {
+    auto cursor = cursorOver(bytesOf(text), formatted);
+    std::vector<float> values(2);
+    EXPECT_THROW(
+        {
+          cursor.next();
+          cursor.read(std::span<float>(values), first);
+        },
+        BadRecord);
+  }
+}
+
 TEST(FormattedRecords, DamageNamesTheCharacterThatDoesNotFit) {
   const std::string text =
       " 'PARAMS  '           2 'REAL'\n"
