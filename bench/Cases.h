@@ -5,19 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "SyntheticRun.h"
-
 namespace lumbarn::bench {
-
-/// The files that all cases read.
-struct BenchFiles {
-  explicit BenchFiles(const std::filesystem::path& folder);
-  void write() const;
-
-  SyntheticRun plain;      ///< 10,000 vectors by 3,000 rows, unformatted, big-endian
-  SyntheticRun twice;      ///< the same with 6,000 rows
-  SyntheticRun formatted;  ///< 1,000 by 1,000
-};
 
 /// One figure: the time of `body` as a ratio to that of `baseline`, and the memory that one run of it takes.
 struct Case {
@@ -30,9 +18,14 @@ struct Case {
   std::function<void()> baseline;
 };
 
-/// Cases on the record layer alone, and on the whole reader.
-std::vector<Case> recordCases(const BenchFiles& files);
-std::vector<Case> summaryCases(const BenchFiles& files);
+/// The cases on one kind of file. All their names begin with the family's name and a slash.
+struct Family {
+  std::string name;
+  std::function<void()> writeFiles;  ///< makes the files that the cases read, unless they are there
+  std::vector<Case> cases;
+};
+Family recordFamily(const std::filesystem::path& folder);
+Family summaryFamily(const std::filesystem::path& folder);
 
 /// Throws unless a case did what it was to do.
 void require(bool condition, const std::string& what);

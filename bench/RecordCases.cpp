@@ -7,6 +7,7 @@
 
 #include "Baseline.h"
 #include "Cases.h"
+#include "SyntheticRun.h"
 #include "record/RecordCursor.h"
 
 namespace lumbarn::bench {
@@ -57,7 +58,8 @@ void gatherColumns(const SyntheticRun& run, std::size_t columns) {
 
 }  // namespace
 
-std::vector<Case> recordCases(const BenchFiles& files) {
+Family recordFamily(const std::filesystem::path& folder) {
+  const SummaryFiles files(folder);
   const auto plain = files.plain;
   const auto formatted = files.formatted;
   const auto swapped = [plain] { readSwapped(plain.data); };
@@ -66,13 +68,15 @@ std::vector<Case> recordCases(const BenchFiles& files) {
     require(parseAllNumbers(text) == formatted.rows * (formatted.vectors + 2), "not all numbers were met");
   };
   constexpr double memory = 2e6;
-  return {
-      {"records/walk", "B", 0, 0, memory, [plain] { walk(plain); }, swapped},
-      {"records/rows", "B", 1.1, 0, 0, [plain] { readRows(plain); }, swapped},
-      {"records/gather1", "B", 0.10, 0, memory, [plain] { gatherColumns(plain, 1); }, swapped},
-      {"records/gather100", "B", 0.25, 0, memory, [plain] { gatherColumns(plain, 100); }, swapped},
-      {"records/formatted", "parsing", 1.3, 0, 0, [formatted] { readRows(formatted); }, parsed},
-  };
+  return {"records",
+          [files] { files.write(); },
+          {
+              {"records/walk", "B", 0, 0, memory, [plain] { walk(plain); }, swapped},
+              {"records/rows", "B", 1.1, 0, 0, [plain] { readRows(plain); }, swapped},
+              {"records/gather1", "B", 0.10, 0, memory, [plain] { gatherColumns(plain, 1); }, swapped},
+              {"records/gather100", "B", 0.25, 0, memory, [plain] { gatherColumns(plain, 100); }, swapped},
+              {"records/formatted", "parsing", 1.3, 0, 0, [formatted] { readRows(formatted); }, parsed},
+          }};
 }
 
 }  // namespace lumbarn::bench

@@ -6,6 +6,7 @@
 
 #include "Baseline.h"
 #include "Cases.h"
+#include "SyntheticRun.h"
 #include "reader/qvEclipseReader.h"
 #include "summary/qvEclipseSPEC.h"
 
@@ -47,7 +48,8 @@ void readSpecification(const SyntheticRun& run) {
 
 }  // namespace
 
-std::vector<Case> summaryCases(const BenchFiles& files) {
+Family summaryFamily(const std::filesystem::path& folder) {
+  const SummaryFiles files(folder);
   const auto plain = files.plain;
   const auto twice = files.twice;
   const auto formatted = files.formatted;
@@ -59,14 +61,16 @@ std::vector<Case> summaryCases(const BenchFiles& files) {
   const auto all = [](const SyntheticRun& run) { return [run] { load(run, "", run.vectors); }; };
   // A selection brings the time along, so it has one column more.
   const auto table = static_cast<double>(plain.vectors * plain.rows * sizeof(float));
-  return {
-      {"summary/full", "B", 1.5, 0, 1.3 * table, all(plain), swapped},
-      {"summary/one", "B", 0.10, 0, 20e6, [plain] { load(plain, "WBHP:OP-40B", 2); }, swapped},
-      {"summary/hundred", "B", 0.25, 0, 0, [plain] { load(plain, "WBHP:*A,GOPR:*", 101); }, swapped},
-      {"summary/specification", "B", 0.05, 0, 0, [plain] { readSpecification(plain); }, swapped},
-      {"summary/twice", "half", 2.4, 1.6, 0, all(twice), all(plain)},
-      {"summary/formatted", "parsing", 1.5, 0, 0, all(formatted), parsed},
-  };
+  return {"summary",
+          [files] { files.write(); },
+          {
+              {"summary/full", "B", 1.5, 0, 1.3 * table, all(plain), swapped},
+              {"summary/one", "B", 0.10, 0, 20e6, [plain] { load(plain, "WBHP:OP-40B", 2); }, swapped},
+              {"summary/hundred", "B", 0.25, 0, 0, [plain] { load(plain, "WBHP:*A,GOPR:*", 101); }, swapped},
+              {"summary/specification", "B", 0.05, 0, 0, [plain] { readSpecification(plain); }, swapped},
+              {"summary/twice", "half", 2.4, 1.6, 0, all(twice), all(plain)},
+              {"summary/formatted", "parsing", 1.5, 0, 0, all(formatted), parsed},
+          }};
 }
 
 }  // namespace lumbarn::bench

@@ -1,6 +1,7 @@
 #include "SyntheticRun.h"
 
 #include <array>
+#include <bit>
 #include <cmath>
 #include <stdexcept>
 #include <string_view>
@@ -197,6 +198,18 @@ void writeRun(const SyntheticRun& run, const Form& form) {
   if (std::filesystem::exists(run.specification) && std::filesystem::exists(run.data)) return;
   writeData(run, form);
   writeSpecification(run, form);
+}
+
+SummaryFiles::SummaryFiles(const std::filesystem::path& folder)
+    : plain(syntheticRun(folder, "PLAIN", false, 10000, 3000)),
+      twice(syntheticRun(folder, "TWICE", false, 10000, 6000)),
+      formatted(syntheticRun(folder, "FORMATTED", true, 1000, 1000)) {}
+
+void SummaryFiles::write() const {
+  const Form bigEndian{Framing::FourByteMarks, std::endian::native == std::endian::little};
+  writeRun(plain, bigEndian);
+  writeRun(twice, bigEndian);
+  writeRun(formatted, {Framing::Formatted, false});
 }
 
 }  // namespace lumbarn::bench

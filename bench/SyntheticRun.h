@@ -35,4 +35,14 @@ SyntheticRun syntheticRun(const std::filesystem::path& folder, const std::string
 /// more.
 void writeRun(const SyntheticRun& run, const Form& form);
 
+/// The runs that the cases on records and on summaries share.
+struct SummaryFiles {
+  explicit SummaryFiles(const std::filesystem::path& folder);
+  void write() const;
+
+  SyntheticRun plain;      ///< 10,000 vectors by 3,000 rows, unformatted, big-endian
+  SyntheticRun twice;      ///< the same with 6,000 rows
+  SyntheticRun formatted;  ///< 1,000 by 1,000
+};
+
 }  // namespace lumbarn::bench

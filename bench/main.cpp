@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -12,10 +11,10 @@
 
 #include "Cases.h"
 
-/// bench_summary: how the reader compares with a plain read of the same bytes.
+/// bench_lumbarn: how the reader compares with a plain read of the same bytes.
 ///
 /// Makes its files, then runs every case in a process of its own, so that none sees the memory of another:
-/// `bench_summary --case NAME --folder FOLDER`. In it, baseline and figure take turns, so that both meet the
+/// `bench_lumbarn --case NAME --folder FOLDER`. In it, baseline and figure take turns, so that both meet the
 /// same noise, and the ratio is the median over the pairs.
 
 namespace lumbarn::bench {
@@ -48,11 +47,8 @@ double peakMemory() {
   return 0;
 }
 
-std::vector<Case> allCases(const std::filesystem::path& folder) {
-  const BenchFiles files(folder);
-  auto cases = recordCases(files);
-  std::ranges::move(summaryCases(files), std::back_inserter(cases));
-  return cases;
+std::vector<Family> allFamilies(const std::filesystem::path& folder) {
+  return {recordFamily(folder), summaryFamily(folder)};
 }
 
 /// Measures one case; its counters carry what the table shows.
@@ -110,17 +106,22 @@ class TableReporter final : public benchmark::BenchmarkReporter {
   const Case& one_;
 };
 
-int runCase(const std::string& name, const std::filesystem::path& folder) {
-  const auto cases = allCases(folder);
-  const auto one = std::ranges::find(cases, name, &Case::name);
-  if (one == cases.end()) throw std::runtime_error("no such case: " + name);
-  benchmark::RegisterBenchmark(name.c_str(), [&](benchmark::State& state) { measure(state, *one); })
+int runCase(const Case& one) {
+  benchmark::RegisterBenchmark(one.name.c_str(), [&](benchmark::State& state) { measure(state, one); })
       ->UseManualTime()
       ->Unit(benchmark::kMillisecond)
       ->Iterations(pairs);
-  TableReporter reporter(*one);
+  TableReporter reporter(one);
   benchmark::RunSpecifiedBenchmarks(&reporter);
   return 0;
+}
+
+int runCase(const std::string& name, const std::filesystem::path& folder) {
+  for (const auto& family : allFamilies(folder)) {
+    const auto one = std::ranges::find(family.cases, name, &Case::name);
+    if (one != family.cases.end()) return runCase(*one);
+  }
+  throw std::runtime_error("no such case: " + name);
 }
 
 int runAll(const std::string& program, const std::string& part) {
@@ -131,16 +132,20 @@ int runAll(const std::string& program, const std::string& part) {
   std::filesystem::create_directories(folder);
   int status = 0;
   try {
-    BenchFiles(folder).write();
     printHeading();
-    for (const auto& one : allCases(folder)) {
-      if (one.name.find(part) == std::string::npos) continue;
-      const auto command =
-          fmt::format("\"{}\" --case {} --folder \"{}\"", program, one.name, folder.string());
-      if (std::system(command.c_str()) != 0) status = 1;
+    for (const auto& family : allFamilies(folder)) {
+      const auto chosen = [&](const Case& one) { return one.name.find(part) != std::string::npos; };
+      if (std::ranges::none_of(family.cases, chosen)) continue;
+      family.writeFiles();
+      for (const auto& one : family.cases) {
+        if (!chosen(one)) continue;
+        const auto command =
+            fmt::format("\"{}\" --case {} --folder \"{}\"", program, one.name, folder.string());
+        if (std::system(command.c_str()) != 0) status = 1;
+      }
     }
   } catch (const std::exception& failure) {
-    fmt::print(stderr, "bench_summary: {}\n", failure.what());
+    fmt::print(stderr, "bench_lumbarn: {}\n", failure.what());
     status = 1;
   }
   if (!kept) std::filesystem::remove_all(folder);
@@ -153,21 +158,9 @@ void require(bool condition, const std::string& what) {
   if (!condition) throw std::runtime_error(what);
 }
 
-BenchFiles::BenchFiles(const std::filesystem::path& folder)
-    : plain(syntheticRun(folder, "PLAIN", false, 10000, 3000)),
-      twice(syntheticRun(folder, "TWICE", false, 10000, 6000)),
-      formatted(syntheticRun(folder, "FORMATTED", true, 1000, 1000)) {}
-
-void BenchFiles::write() const {
-  const Form bigEndian{Framing::FourByteMarks, std::endian::native == std::endian::little};
-  writeRun(plain, bigEndian);
-  writeRun(twice, bigEndian);
-  writeRun(formatted, {Framing::Formatted, false});
-}
-
 }  // namespace lumbarn::bench
 
-/// bench_summary [PART]: all cases, or those with PART in their name.
+/// bench_lumbarn [PART]: all cases, or those with PART in their name.
 int main(int count, char** words) {
   const std::vector<std::string> arguments(words, words + count);
   if (count == 5 && arguments[1] == "--case") {
