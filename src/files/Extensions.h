@@ -26,6 +26,8 @@ enum class FileKind : std::uint8_t {
   StreamlineSpec,  ///< SLNSPEC
   Streamline,      ///< streamlines of one report step
   Rsm,             ///< summary as a text table
+  UserRft,         ///< measured well tests, a text that a user wrote
+  UserPlt,         ///< the same of measured flow along wells
 };
 
 /// The code by which hosts know the kind (`whichtype`); 0 for those that have none. An INSPEC file has the
