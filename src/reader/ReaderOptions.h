@@ -21,7 +21,7 @@ struct ReaderOptions {
   std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
   std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  std::int32_t whichtype = 0;  ///< file kind code: 12 and 13 summary
+  std::int32_t whichtype = 0;  ///< file kind code: 12 and 13 summary, 18 RFT, 76 and 77 user RFT and PLT
   bool Silent = false;         ///< no dialog
   bool Formatted = true;       ///< form of the file; replaced by what recognition finds, as the next two
   bool UNIX = false;
@@ -69,7 +69,7 @@ struct ReaderOptions {
   bool RUNSPECOnly = false;
   bool ProcessCorners = true;
   bool ProcessAll = false;
-  bool ProcessPLT = true;
+  bool ProcessPLT = true;  ///< this and the next two: kept with the tests and without effect on them
   bool SortedPLT = true;
   bool ScaledPLT = true;
   bool HorizWell = false;  ///< build along-well profiles after a summary load

@@ -58,6 +58,12 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case 12:
     case 13:
       return ReadSummaryFile(qOK);
+    case 18:
+      return ReadRFTFile(qOK);
+    case 76:
+      return ReadUserRFTFile(qOK);
+    case 77:
+      return ReadUserPLTFile(qOK);
     default:
       return;
   }
@@ -214,12 +220,23 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
   }
 }
 
-bool qvEclipseReader::IsInitialised(std::int32_t iType) const { return iType == 13 && summary_ != nullptr; }
+bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
+  switch (iType) {
+    case 13:
+      return summary_ != nullptr;
+    case 18:
+      return tests_ != nullptr;
+    case 76:
+      return userTests_ != nullptr;
+    default:
+      return false;
+  }
+}
 
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
-  if (iType == 13) {
-    summary_.reset();
-  }
+  if (iType == 13) summary_.reset();
+  if (iType == 18) tests_.reset();
+  if (iType == 76) userTests_.reset();
   return true;
 }
 

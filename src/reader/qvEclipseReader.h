@@ -15,6 +15,8 @@
 #include "../summary/qvEclipseSUMMARYFile.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "../welltests/qvEclipseRFT.h"
+#include "../welltests/qvUserRFT.h"
 #include "LoadDialog.h"
 #include "ReaderOptions.h"
 
@@ -60,6 +62,13 @@ class qvEclipseReader : public ReaderOptions {
   /// `NoRestart` False the earlier runs of the chain are found from it. A last record that is not whole, as a
   /// running simulation leaves it, is told as a diagnosis and no failure.
   void ReadSummaryFile(bool& qOK);
+  /// Reads the well tests of a simulator's RFT file. Damage ends the reading and is told as a diagnosis; what
+  /// stands before it is there, and that is no failure unless it is nothing.
+  void ReadRFTFile(bool& qOK);
+  /// Reads a text file of measured tests, RFT or PLT. Both are kept in one place, the later load. A row with
+  /// too few numbers ends the reading with a report, which is no failure.
+  void ReadUserRFTFile(bool& qOK);
+  void ReadUserPLTFile(bool& qOK);
 
   // --- Recognition
 
@@ -68,9 +77,11 @@ class qvEclipseReader : public ReaderOptions {
   bool CheckifEclipse(FileDescriptor& uFileDesc);
   /// Whether a file is of the kind of a code.
   bool CheckECLIPSEFileType(const std::string& zFileName, std::int32_t iFileType);
-  /// Whether data of a kind are held. Code 12 answers False, as 13 is the code of summary data.
+  /// Whether data of a kind are held. Code 12 answers False, as 13 is the code of summary data, and 77 does,
+  /// as 76 is the code of user tests of both kinds.
   bool IsInitialised(std::int32_t iType) const;
-  /// Releases what is held of a kind; always True. Code 12 releases nothing, 13 the summary.
+  /// Releases what is held of a kind; always True. Codes 12 and 77 release nothing, 13 the summary and 76 the
+  /// user tests.
   bool DeleteObject(std::int32_t iType);
 
   // --- Summary results
@@ -121,6 +132,50 @@ class qvEclipseReader : public ReaderOptions {
   /// Whether the last load met damage or a record that is not whole. What is fetched lies before it.
   bool Damaged() const;
 
+  // --- RFT and PLT results
+  //
+  // Tests count from 1, in the order of the file; a number out of range, and any call before a load, is a
+  // failure. Tables have a row for each connection or segment and a header for each column: class word, units
+  // as in the file, well, number of the test within the well, and name. After qOK False outputs are as they
+  // were before, but for tables of segments.
+
+  /// Which kinds of data a test of the simulator holds; all three can be True.
+  void getRFTTestInfo(std::int32_t iTest, bool& qRFT, bool& qPLT, bool& qSEG, bool& qOK);
+  /// Pressures and saturations, the depth in front. zDate is "15 JUL 2003", with " 06:30" behind it for a
+  /// test that is not at midnight; zGrid is empty for the main grid, and so is zTestOrigin always.
+  void GetRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
+                  std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zTestOrigin,
+                  bool& qOK);
+  /// Rates and pressures by connection, then the columns of the RFT table in the same order of rows.
+  void GetPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                  std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
+  /// The same of one branch, from 1.
+  void GetPLTBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                        std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                        std::int32_t iBranch = 0);
+  /// The segments of one branch, from 1; zDate without a time of day.
+  void GetBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
+                     std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                     std::int32_t iBranch = 0);
+  /// The inflow control devices that empty into one branch of the tubing, by their own numbers, from 1; zDate
+  /// without a time of day.
+  void GetICDBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
+                        std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                        std::int32_t iBranch = 0);
+  /// The name of the grid of each connection and a blank behind it, "ROOT " for the main grid.
+  void getRFTtestGrid(std::int32_t iTest, std::vector<char>& bGrids, bool& qOK);
+  // Branches of a test, 0 for a test that is not there.
+  std::int32_t NumberPLTBranches(std::int32_t iTest) const;
+  std::int32_t NumberBranches(std::int32_t iTest) const;
+  std::int32_t NumberICDBranches(std::int32_t iTest) const;
+  /// One test of a user's file, its depth column in front; zDate as in `GetRFTtest`, zOrigin as the file
+  /// says. The table is empty when the file was read as one of the other kind.
+  void getUserRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
+                      std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zTestOrigin,
+                      bool& qOK);
+  void getUserPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                      std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
+
  private:
   struct SummaryLoad;
 
@@ -136,9 +191,15 @@ class qvEclipseReader : public ReaderOptions {
                     bool& qOK);
   void fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData, bool& qOK) const;
 
+  void readUserTests(UserTestKind kind, bool& qOK);
+  template <class Source, class Ask>
+  void askTests(const std::unique_ptr<Source>& source, const char* routine, bool& qOK, Ask ask);
+
   Session* session_;
   LoadDialog* dialog_ = nullptr;
   std::unique_ptr<qvEclipseSUMMARYFile> summary_;
+  std::unique_ptr<qvEclipseRFT> tests_;
+  std::unique_ptr<qvUserRFT> userTests_;
 };
 
 }  // namespace lumbarn
