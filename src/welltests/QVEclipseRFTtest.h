@@ -9,6 +9,7 @@
 
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Fault.h"
 #include "../support/Session.h"
 #include "RecordWalk.h"
 #include "TestColumns.h"
@@ -110,33 +111,30 @@ class QVEclipseRFTtest {
  private:
   /// An array of connection indices, held apart until the table is known.
   struct IndexArray {
-    std::vector<float> values = std::vector<float>(1);
+    std::vector<float> values;  // empty: not read, and counts as one 0
     std::uint64_t headerAt = TestTable::workedOut;
   };
-  struct DerivedColumns;
 
   // Reading: TestReading.cpp.
-  void readRecord(RecordWalk& reader, std::int32_t& nTimes, bool& qEnd);
-  void readIntegers(RecordCursor& cursor);
-  void readSingles(RecordCursor& cursor);
-  void setDate(std::span<const std::int32_t> iDate);
+  void readRecord(RecordWalk& reader);
+  void setDate(RecordCursor& cursor);
   void readWELLETC(RecordCursor& cursor);
-  template <class Fill>
-  bool addArray(TestTable& table, std::string_view name, std::size_t rows, std::uint64_t headerAt, Fill fill);
+  void readIndices(RecordCursor& cursor);
+  TestTable* tableOf(std::string_view keyword);
+  std::int32_t& rowCount(const TestTable& table);
+  bool accepts(TestTable& table, std::string_view name, std::int64_t rows, std::uint64_t headerAt);
   void addRecord(RecordCursor& cursor, TestTable& table);
-  void AddRFTArray(std::string_view name, std::span<const float> data,
-                   std::uint64_t headerAt = TestTable::workedOut);
-  void AddPLTArray(std::string_view name, std::span<const float> data,
-                   std::uint64_t headerAt = TestTable::workedOut);
-  void AddSEGArray(std::string_view name, std::span<const float> data);
-  void AddRFTPLTArray(std::string_view name, std::vector<float> data, std::uint64_t headerAt);
-  void stored(TestTable& table, std::string_view name);
+  void addArray(TestTable& table, std::string_view name, std::span<const float> data,
+                std::uint64_t headerAt = TestTable::workedOut);
+  void stored(const TestTable& table, std::string_view name);
+  void tell(std::string_view keyword, std::uint64_t headerAt, std::string_view problem, std::string expected,
+            std::string found, std::string_view action) const;
 
-  // Working out: TestProcessing.cpp, PltProcessing.cpp, SegmentProcessing.cpp.
+  // Working out: TestProcessing.cpp, PltProcessing.cpp, SegmentProcessing.cpp, DeviceBranches.cpp.
   void processRecords();
   void setPointers();
   void setUNITS();
-  void processRFTPLTRecords(bool forRFT);
+  void processRFTPLTRecords(TestTable& table);
   void processRFTRecords();
   void processPLTRecords();
   void setPLTBranches(std::size_t n);
@@ -144,31 +142,29 @@ class QVEclipseRFTtest {
   void setPLTSegmentData();
   void processBRANCHData();
   void processSEGMENTData();
-  void setSegment(std::size_t i, float null);
-  void clearSparseDeviceBranches(std::span<const std::int32_t> nPerBranch,
-                                 std::span<const std::int32_t> nICD);
+  void setSegment(std::size_t i);
+  void clearSparseBranches(std::span<const std::int32_t> nOfBranch,
+                           std::span<const std::int32_t> nICDOfBranch);
   void processICDData();
   void setICDBranches(std::size_t nMost);
+  std::int32_t below(std::int32_t iSegment) const;
+  Fault noWayToTubing(std::string found, FaultNumber number = FaultNumber::Subscript) const;
 
   // Results: TestResults.cpp, TestHeaders.cpp.
-  void copySegment(XYData& xyData, std::size_t iRow, const SegmentRecord& segment, float md) const;
+  bool sorted() const;
+  std::string unitsOf(std::string_view zName) const;
   BranchRecord& branch(std::int64_t i);
-  std::int32_t branchNumberAt(std::int32_t i) const;
-  SegmentRecord& segment(std::int64_t i);
+  std::int32_t branchNumber(std::int32_t i) const;
   const SegmentRecord& segment(std::int64_t i) const;
-  void tell(std::string_view keyword, std::uint64_t headerAt, std::string_view problem,
-            std::string_view expected, std::string_view found, std::string_view action) const;
-  template <class Body>
-  void step(const char* routine, Body&& body);
 
   Session* session_;
   RecordWalk* reader_ = nullptr;  // only while reading
 
   TestTable rft_, plt_, seg_, brn_;
   TextArray welletc_;
-  std::vector<float> sWELLPLT_;            // as read; nothing uses it
-  std::vector<std::int32_t> iSort_ = {0};  // row order of the PLT table, from 1
-  std::array<IndexArray, 3> indices_;      // CONIPOS, CONJPOS, CONKPOS
+  std::vector<float> sWELLPLT_;        // as read; nothing uses it
+  std::vector<std::int32_t> iSort_;    // row order of the PLT table, from 1; empty: as they stand
+  std::array<IndexArray, 3> indices_;  // CONIPOS, CONJPOS, CONKPOS; released once they are in the tables
   std::int32_t iDepthColumn_ = 1;
   std::int32_t nConnections_ = 0;
   std::int32_t nSegments_ = 0;
@@ -194,9 +190,11 @@ class QVEclipseRFTtest {
   ColumnNumbers<PltColumn> pltColumns_;
   ColumnNumbers<SegColumn> segColumns_;
   ColumnNumbers<BrnColumn> brnColumns_;
-  std::vector<BranchRecord> branches_ = std::vector<BranchRecord>(1);
-  std::vector<SegmentRecord> segments_ = std::vector<SegmentRecord>(1);
-  std::vector<ICDBranchRecord> icdBranches_ = std::vector<ICDBranchRecord>(1);
+  // Without records of a kind, its list counts as one empty record.
+  std::vector<BranchRecord> branches_;
+  bool qImpliedBranches_ = false;  // branches behind the records have their place as number
+  std::vector<SegmentRecord> segments_;
+  std::vector<ICDBranchRecord> icdBranches_;
 };
 
 /// "STANDARD", "FRICTION" or "MULTISEG" from the text of WELLETC, in any case; "STANDARD" for any other.

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "../record/RecordCursor.h"
 
@@ -29,7 +30,9 @@ class RecordWalk {
   RecordCursor& cursor() { return cursor_; }
   const RecordHeader& header() const { return cursor_.header(); }
 
-  bool damaged = false;  ///< the file cannot be read on from here
+  bool damaged = false;               ///< the file cannot be read on from here
+  std::size_t recordsRead = 0;        ///< whole ones, by the tests
+  std::vector<std::int32_t> scratch;  ///< for integers that become singles
 
  private:
   RecordCursor cursor_;

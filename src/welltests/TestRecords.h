@@ -33,6 +33,9 @@ enum WelletcPlace : std::size_t {
   welletcVelocity = 11,
 };
 
+/// To the nearest integer, ties to even. Throws Fault 6 for a value that no 32-bit integer can stand for.
+std::int32_t rounded(float value);
+
 /// A branch of a multi-segment well.
 struct BranchRecord {
   std::int32_t iNumber = 0;  ///< stays when device branches are taken out of the list

@@ -25,10 +25,11 @@ struct TestTable {
   bool empty() const { return columns.empty(); }
   /// A new column behind those in use, its values not yet set.
   std::span<float> add(std::string_view name, std::uint64_t headerAt = workedOut);
+  /// Takes the last column back.
+  void removeLast();
   /// The first n rows of a column. Throws Fault 9 for a column or rows that are not there, so for the -1 of a
   /// name that was not found too.
   std::span<const float> column(std::int32_t iColumn, std::size_t n) const;
-  std::span<float> column(std::int32_t iColumn, std::size_t n);
   /// Number of the first column in use with exactly this name, or -1.
   std::int32_t find(std::string_view name) const;
 };

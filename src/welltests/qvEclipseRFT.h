@@ -18,8 +18,7 @@ namespace lumbarn {
 /// Reads the file whole; every answer comes from one of the tests. Tests count from 1 (`iTest`); a number out
 /// of range is fault 9 unless told otherwise. All shapes are those of `QVEclipseRFTtest`.
 ///
-/// After qOK False, outputs are what they were before, but that data may stand in XYData when only the
-/// headers failed.
+/// After qOK False, outputs are what they were before.
 class qvEclipseRFT {
  public:
   explicit qvEclipseRFT(Session& session = Session::process()) : session_(&session) {}
@@ -103,7 +102,7 @@ class qvEclipseRFT {
   const QVEclipseRFTtest& test(std::int32_t iTest) const;
 
  private:
-  struct Labels;
+  struct Answer;
   cFILETYPE setSUMMARYFileTypeProps() const;
   void SetBranch(std::int32_t iBranch, ByteTable& bHeaders, bool& qOK) const;
   bool validtestnumber(std::int32_t iTest) const { return iTest >= 1 && iTest <= NumTests(); }
