@@ -22,7 +22,7 @@ std::string dateAndTime(const qvUserRFTtest& test) {
   constexpr int minutesPerHour = 60;
   if (!std::isfinite(test.dTime)) return test.zDate;
   const double part = test.dTime - std::trunc(test.dTime);
-  const auto rounded = static_cast<int>(std::lround(part * minutesPerDay));
+  const auto rounded = static_cast<int>(std::nearbyint(part * minutesPerDay));
   const int minutes = (rounded + minutesPerDay) % minutesPerDay;  // a time below 0 counts back from midnight
   if (minutes == 0) return test.zDate;
   return fmt::format("{} {:02}:{:02}", test.zDate, minutes / minutesPerHour, minutes % minutesPerHour);
