@@ -1,10 +1,8 @@
-#include <algorithm>
-#include <array>
-
 #include "../shapes/HeaderLayout.h"
 #include "../support/Guarded.h"
 #include "../vocabulary/Segments.h"
 #include "QVEclipseRFTtest.h"
+#include "TestUnits.h"
 
 namespace lumbarn {
 
@@ -39,33 +37,6 @@ std::string_view nameInPLT(std::string_view zName) {
   return zName;
 }
 
-/// Units of PLT columns, by places of WELLETC.
-struct PltUnit {
-  std::string_view name;
-  WelletcPlace unit;
-  bool perLength = false;
-};
-constexpr auto pltUnits = std::to_array<PltUnit>({
-    {"CONDEPTH", welletcLength},
-    {"CONMD", welletcLength},
-    {"CONLENST", welletcLength},
-    {"CONLENEN", welletcLength},
-    {"CONLENTH", welletcLength},
-    {"CONBDEPTH", welletcLength},
-    {"CONPRES", welletcPressure},
-    {"CONBPRES", welletcPressure},
-    {"CONORAT", welletcLiquidRate},
-    {"CONWRAT", welletcLiquidRate},
-    {"CONOTUB", welletcLiquidRate},
-    {"CONWTUB", welletcLiquidRate},
-    {"CONVTUB", welletcLiquidRate},
-    {"CONGRAT", welletcGasRate},
-    {"CONGTUB", welletcGasRate},
-    {"CONORATS", welletcLiquidRate, true},
-    {"CONWRATS", welletcLiquidRate, true},
-    {"CONGRATS", welletcGasRate, true},
-});
-
 }  // namespace
 
 void QVEclipseRFTtest::getRFTtestHeaders(ByteTable& bHeaders, bool& qOK) const {
@@ -74,9 +45,8 @@ void QVEclipseRFTtest::getRFTtestHeaders(ByteTable& bHeaders, bool& qOK) const {
     for (std::int32_t i = 0; i < rft_.count; ++i) {
       const std::string_view zName =
           rft_.columns[static_cast<std::size_t>((iDepthColumn_ - 1 + i) % rft_.count)].name;
-      const std::string_view zUnits = zName == "DEPTH"      ? welletc_.textOf(welletcLength)
-                                      : zName == "PRESSURE" ? welletc_.textOf(welletcPressure)
-                                                            : std::string_view{};
+      const bool hasUnit = zName == "DEPTH" || zName == "PRESSURE";
+      const std::string zUnits = hasUnit ? connectionUnit(zName, welletc_) : std::string();
       putHeader(headers, static_cast<std::size_t>(i + 1), "RFT", zUnits, *this, zName);
     }
     bHeaders = std::move(headers);
@@ -84,15 +54,10 @@ void QVEclipseRFTtest::getRFTtestHeaders(ByteTable& bHeaders, bool& qOK) const {
 }
 
 std::string QVEclipseRFTtest::unitsOf(std::string_view zName) const {
+  // All are blank when there are fewer texts, those of depths too. Deliberate.
   if (welletc_.size() < welletcLiquidRate) return {};
   if (zName == "CONGOR" || zName == "CONGORTUB") return zGORUnits_;
-  const auto found = std::ranges::find(pltUnits, zName, &PltUnit::name);
-  if (found == pltUnits.end()) return {};
-  std::string zUnits(welletc_.textOf(found->unit));
-  if (!found->perLength) return zUnits;
-  const auto length = welletc_.textOf(welletcLength);
-  if (zUnits.empty() || length.empty()) return {};
-  return zUnits.append("/").append(length);
+  return connectionUnit(zName, welletc_);
 }
 
 void QVEclipseRFTtest::getPLTtestHeaders(ByteTable& bHeaders, bool& qOK, bool qBranch) const {
