@@ -46,6 +46,7 @@ void qvEclipseReader::readUserTests(UserTestKind kind, bool& qOK) {
     if (!(rft ? file->CheckRFTFile(FileName) : file->CheckPLTFile(FileName))) return false;
     bool qRead = false;
     userTests_ = std::move(file);
+    userKind_ = kind;
     rft ? userTests_->getRFTData(qRead) : userTests_->getPLTData(qRead);
     SetOriginFromFileName();
     return qRead;
@@ -139,6 +140,23 @@ void qvEclipseReader::getUserPLTtest(std::int32_t iTest, XYData& xyData, ByteTab
   askTests(userTests_, "getUserPLTtest", qOK, [&](auto& file, bool& qDone) {
     file.GetPLTtest(iTest, xyData, bHeaders, iPLTtest, zDate, zWell, zGrid, qDone);
   });
+}
+
+std::int32_t qvEclipseReader::NumberRFTTests() const { return tests_ ? tests_->NumTests() : 0; }
+
+std::int32_t qvEclipseReader::NumberUserTests() const { return userTests_ ? userTests_->NumTests() : 0; }
+
+std::vector<WellTest> qvEclipseReader::ListRFTTests(bool& qOK) const {
+  std::vector<WellTest> tests;
+  guarded(*session_, qOK, className, "ListRFTTests", [&] {
+    tests = readWellTests(FileName, *session_);
+    return !tests.empty();
+  });
+  return tests;
+}
+
+std::vector<UserTest> qvEclipseReader::ListUserTests() const {
+  return userTests_ ? userTests_->tests(userKind_) : std::vector<UserTest>{};
 }
 
 }  // namespace lumbarn

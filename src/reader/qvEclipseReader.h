@@ -15,6 +15,7 @@
 #include "../summary/qvEclipseSUMMARYFile.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "../welltests/WellTest.h"
 #include "../welltests/qvEclipseRFT.h"
 #include "../welltests/qvUserRFT.h"
 #include "LoadDialog.h"
@@ -176,6 +177,17 @@ class qvEclipseReader : public ReaderOptions {
   void getUserPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
                       std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
 
+  // --- RFT and PLT, beyond what hosts of old ask for
+
+  /// Tests held of the simulator's file and of the user's.
+  std::int32_t NumberRFTTests() const;
+  std::int32_t NumberUserTests() const;
+  /// The tests of the simulator's RFT file `FileName` as data, all arrays as they stand in it and nothing
+  /// worked out; needs no load. Tests before damage are given, the one that it stands in too.
+  std::vector<WellTest> ListRFTTests(bool& qOK) const;
+  /// The tests of the user's file that was loaded, as data.
+  std::vector<UserTest> ListUserTests() const;
+
  private:
   struct SummaryLoad;
 
@@ -200,6 +212,7 @@ class qvEclipseReader : public ReaderOptions {
   std::unique_ptr<qvEclipseSUMMARYFile> summary_;
   std::unique_ptr<qvEclipseRFT> tests_;
   std::unique_ptr<qvUserRFT> userTests_;
+  UserTestKind userKind_ = UserTestKind::Rft;  // of `userTests_`
 };
 
 }  // namespace lumbarn

@@ -16,16 +16,19 @@ namespace {
 
 constexpr const char* className = "qvUserRFT";
 
+/// Minutes since midnight at the time of a test. A time below 0 counts back from midnight.
+int minuteOfDay(double dTime) {
+  constexpr int minutesPerDay = 1440;
+  if (!std::isfinite(dTime)) return 0;
+  const auto rounded = static_cast<int>(std::nearbyint((dTime - std::trunc(dTime)) * minutesPerDay));
+  return (rounded + minutesPerDay) % minutesPerDay;
+}
+
 /// The test's date, and its time of day when that is a minute past midnight or later.
 std::string dateAndTime(const qvUserRFTtest& test) {
-  constexpr int minutesPerDay = 1440;
-  constexpr int minutesPerHour = 60;
-  if (!std::isfinite(test.dTime)) return test.zDate;
-  const double part = test.dTime - std::trunc(test.dTime);
-  const auto rounded = static_cast<int>(std::nearbyint(part * minutesPerDay));
-  const int minutes = (rounded + minutesPerDay) % minutesPerDay;  // a time below 0 counts back from midnight
+  const int minutes = minuteOfDay(test.dTime);
   if (minutes == 0) return test.zDate;
-  return fmt::format("{} {:02}:{:02}", test.zDate, minutes / minutesPerHour, minutes % minutesPerHour);
+  return fmt::format("{} {:02}:{:02}", test.zDate, minutes / 60, minutes % 60);
 }
 
 /// Why a file cannot be a user's file of tests; empty when it can.
@@ -105,6 +108,28 @@ void qvUserRFT::setRFTtestNumbers(bool& qOK) {
 const qvUserRFTtest& qvUserRFT::test(std::int32_t iTest) const {
   if (iTest < 1 || iTest > NumTests()) throw Fault(FaultNumber::Subscript);
   return *tests_[static_cast<std::size_t>(iTest - 1)];
+}
+
+std::vector<UserTest> qvUserRFT::tests(UserTestKind kind) const {
+  std::vector<UserTest> all;
+  for (const auto& test : tests_) {
+    UserTest& one = all.emplace_back(UserTest{.number = static_cast<std::int32_t>(all.size()) + 1,
+                                              .numberInWell = test->iTest,
+                                              .well = test->zWell,
+                                              .origin = test->zOrigin,
+                                              .grid = test->zGrid,
+                                              .wellType = test->zWellType,
+                                              .time = test->dTime});
+    const auto day = makeMoment(test->iYear, test->iMonth, test->iDay);
+    if (day) one.date = *day + std::chrono::minutes(minuteOfDay(test->dTime));
+    const UserTestTable& table = test->table(kind);
+    for (std::size_t i = 0; i < table.columns(); ++i) {
+      UserTestColumn& column = one.columns.emplace_back(
+          UserTestColumn{table.name(i), std::string(table.units(i)), std::vector<float>(table.rows())});
+      table.copyColumn(i, column.values);
+    }
+  }
+  return all;
 }
 
 void qvUserRFT::getTest(UserTestKind kind, std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,

@@ -8,6 +8,7 @@
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
 #include "../support/Session.h"
+#include "UserTest.h"
 #include "qvUserRFTtest.h"
 
 namespace lumbarn {
@@ -57,6 +58,8 @@ class qvUserRFT {
   // Beyond what hosts ask for.
   /// One test. Throws Fault 9 for a number that is not there.
   const qvUserRFTtest& test(std::int32_t iTest) const;
+  /// All tests of a file of the kind, as data.
+  std::vector<UserTest> tests(UserTestKind kind) const;
 
  private:
   bool checkFile(UserTestKind kind, const std::string& zFile);

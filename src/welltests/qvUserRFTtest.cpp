@@ -202,8 +202,8 @@ bool qvUserRFTtest::AddData(Lines& lines) {
     }
     if (row.numbers == table.columns()) return;
     qDamaged = true;
-    lines.tell("row has too few numbers", fmt::format("{}", table.columns()), fmt::format("{}", row.numbers),
-               "took 0 for the rest and read no further", Certainty::Certain);
+    lines.tell("row has too few numbers", fmt::format("{} numbers", table.columns()),
+               fmt::format("{}", row.numbers), "took 0 for the rest and read no further", Certainty::Certain);
     throw Fault(FaultNumber::Subscript);
   });
   return qAdded;

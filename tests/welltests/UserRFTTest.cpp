@@ -203,7 +203,7 @@ TEST(UserRFT, RowWithTooFewNumbersEndsReadingWithAReport) {
   EXPECT_EQ(told.path, file.path);
   EXPECT_THAT(told.problem, HasSubstr("line 8"));
   EXPECT_EQ(told.offset, 28);
-  EXPECT_EQ(told.expected + " " + told.found, "3 2");
+  EXPECT_EQ(told.expected + " " + told.found, "3 numbers 2");
 
   loaded = file.load("PLT\nD P\n1\n", Plt);
   EXPECT_THAT(file.reports.back(), HasSubstr("(AddPLTData)"));
