@@ -160,6 +160,8 @@ std::string_view nameOf(FileKind kind) {
   return "unknown";
 }
 
+bool isText(FileKind kind) { return kind == Deck || kind == Rsm || kind == UserRft || kind == UserPlt; }
+
 FileName::FileName(std::string_view zFile) {
   const std::size_t nameAt = zFile.find_last_of(folderSeparators()) + 1;  // npos + 1 is 0
   folder = zFile.substr(0, nameAt);
