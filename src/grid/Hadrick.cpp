@@ -102,8 +102,14 @@ void Hadrick::setPillars(std::vector<float> coord, std::vector<std::array<std::i
   const auto pillars = (static_cast<std::size_t>(Nx_) + 1) * (static_cast<std::size_t>(Ny_) + 1);
   require(coord.size() == 6 * pillars * ranges.size());
   reservoirOfLayer_.assign(static_cast<std::size_t>(Nz_), -1);
+  // Layers of the second porosity system lie where those of the first do, and ranges may tell these only.
+  const std::int32_t half = Nz_ / 2;
+  const bool repeat =
+      iDualPorosity >= 1 && std::ranges::all_of(ranges, [half](const auto& r) { return r[1] <= half; });
   for (std::int32_t k = 1; k <= Nz_; ++k) {
-    const auto found = std::ranges::find_if(ranges, [k](const auto& r) { return r[0] <= k && k <= r[1]; });
+    const std::int32_t told = repeat && k > half ? k - half : k;
+    const auto found =
+        std::ranges::find_if(ranges, [told](const auto& r) { return r[0] <= told && told <= r[1]; });
     if (found != ranges.end())
       reservoirOfLayer_[place(k)] = static_cast<std::int32_t>(found - ranges.begin());
   }
@@ -121,7 +127,7 @@ void Hadrick::setDepths(XYData zcorn, bool compressed) {
 
 void Hadrick::setCellRows(XYData rows, bool compressed) {
   const auto cells = static_cast<std::size_t>(compressed ? nActive_ : nCells());
-  require(rows.values().size() == rowItems * cells);
+  require(rows.values().size() >= rowItems * cells);
   cellRows_ = std::move(rows);
   depths_ = {};
   pillars_ = {};

@@ -137,7 +137,10 @@ class Hadrick : public GridFacts {
   // --- The arrays as they are kept
   std::span<const float> coord() const { return pillars_; }
   std::span<const float> zcorn() const { return depths_.values(); }
-  std::span<const float> cellRows() const { return cellRows_.values(); }
+  std::span<const float> cellRows() const {
+    const auto cells = static_cast<std::size_t>(compressed_ ? nActive_ : nCells());
+    return cellRows_.empty() ? cellRows_.values() : cellRows_.values().first(rowItems * cells);
+  }
   /// Active number of each cell, 0 or below when inactive; empty when all are active.
   std::span<const std::int32_t> activeNumbers() const { return numbers_; }
   std::size_t memoryUsed() const;
@@ -154,7 +157,7 @@ class Hadrick : public GridFacts {
   void setPillars(std::vector<float> coord, std::vector<std::array<std::int32_t, 2>> ranges = {});
   /// ZCORN: 8 for each cell in file order, or, compressed, 8 for each active cell in walk order.
   void setDepths(XYData zcorn, bool compressed);
-  /// Corner rows of all cells, or, compressed, of active ones.
+  /// Corner rows of all cells, or, compressed, of active ones; there may be room for more behind them.
   void setCellRows(XYData rows, bool compressed);
   void setHostCells(std::vector<std::int32_t> iHost);
   void addConnection(const GridConnection& connection) { connections_.push_back(connection); }

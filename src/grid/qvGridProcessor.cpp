@@ -1,6 +1,7 @@
 #include "qvGridProcessor.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "../support/Fault.h"
@@ -16,6 +17,8 @@ constexpr const char* className = "qvGridProcessor";
 constexpr double flatPillar = 1e-20;
 constexpr std::size_t rowItems = 24;
 constexpr std::size_t rangeRows = 6;
+/// Small enough to stay in the processor's cache; whole blocks, so that none is read twice for its marks.
+constexpr std::size_t pieceItems = 100'000;
 
 constexpr DirectionTable walk{
     {{0, 0, 0}, {0, 0, 1}, {0, 1, 0}, {0, 1, 1}, {1, 0, 0}, {1, 0, 1}, {1, 1, 0}, {1, 1, 1}}};
@@ -227,26 +230,51 @@ void getReservoirActiveCORNERSArray(const CornerCall& call, std::int32_t Nz, std
   }
 }
 
-bool processCornerPoints_Grid(RecordCursor& cursor, XYData sZCORN, Hadrick& grid, Session& session) {
+bool processCornerPoints_Grid(RecordCursor& cursor, XYData sZCORN, Hadrick& grid, Session& session,
+                              std::size_t& nNotFinite) {
+  nNotFinite = 0;
   if (sZCORN.empty()) {
     sZCORN = XYData(8, static_cast<std::size_t>(grid.nCells()), session);
-    cursor.read(sZCORN.values());
+    const auto all = sZCORN.values();
+    const auto inFile = std::min(static_cast<std::size_t>(cursor.header().count), all.size());
+    // In pieces that are still in the processor's cache when their values are looked at.
+    const std::size_t piece = cursor.form().formatted() ? inFile : pieceItems;
+    for (std::size_t at = 0; at < inFile; at += piece) {
+      const auto part = all.subspan(at, std::min(piece, inFile - at));
+      cursor.read(part, static_cast<std::int64_t>(at));
+      nNotFinite += countNotFinite(part);
+    }
+    if (inFile < all.size()) std::ranges::copy(all.first(all.size() - inFile), all.subspan(inFile).begin());
   }
   if (session.cancelled()) return false;
   grid.setDepths(std::move(sZCORN), false);
   return true;
 }
 
-bool processActiveCornerPoints_Grid(RecordCursor& cursor, Hadrick& grid, Session& session) {
+bool processActiveCornerPoints_Grid(RecordCursor& cursor, Hadrick& grid, Session& session,
+                                    std::size_t& nNotFinite) {
   // With all cells active both forms are of one size, and the file's own needs no work.
-  if (grid.allActive()) return processCornerPoints_Grid(cursor, {}, grid, session);
+  if (grid.allActive()) return processCornerPoints_Grid(cursor, {}, grid, session, nNotFinite);
   XYData packed(8, static_cast<std::size_t>(grid.nActive()), session);
-  if (!GetActiveZCORN(cursor, grid.Nx(), grid.Ny(), grid.Nz(), grid.activeNumbers(), packed.values(),
-                      session)) {
+  if (!GetActiveZCORN(cursor, grid.Nx(), grid.Ny(), grid.Nz(), grid.activeNumbers(), packed.values(), session,
+                      nNotFinite)) {
     return false;
   }
   grid.setDepths(std::move(packed), true);
   return true;
+}
+
+std::size_t countNotFinite(std::span<const float> values) {
+  constexpr std::uint32_t exponent = 0x7F800000;
+  std::size_t total = 0;
+  for (std::size_t at = 0; at < values.size(); at += pieceItems) {
+    std::uint32_t count = 0;  // 32 bits, as the values are, keep the loop wide
+    for (const float value : values.subspan(at, std::min(pieceItems, values.size() - at))) {
+      count += (std::bit_cast<std::uint32_t>(value) & exponent) == exponent ? 1U : 0U;
+    }
+    total += count;
+  }
+  return total;
 }
 
 namespace {
@@ -309,8 +337,7 @@ void getReservoirActiveCORNERSArray_Grid(const Hadrick& grid, std::int32_t iRang
 LayerBuffer::LayerBuffer(RecordCursor& cursor, std::size_t layerItems)
     : cursor_(&cursor), layerItems_(layerItems), total_(static_cast<std::size_t>(cursor.header().count)) {
   const auto block = static_cast<std::size_t>(elementsPerBlock(cursor.header().type));
-  // Small enough to stay in the processor's cache; whole blocks, so that none is read twice for its marks.
-  std::size_t items = 100 * block;
+  std::size_t items = pieceItems;
   if (layerItems > items) items = (layerItems / block + 1) * block;
   // Text has no constant-time way to a place inside a record whose lines are not as usual.
   if (cursor.form().formatted()) items = total_;
@@ -318,7 +345,7 @@ LayerBuffer::LayerBuffer(RecordCursor& cursor, std::size_t layerItems)
 }
 
 std::span<const float> LayerBuffer::layer(std::size_t k) {
-  const std::size_t first = k * layerItems_;
+  const std::size_t first = k % std::max(total_ / layerItems_, std::size_t{1}) * layerItems_;
   if (first + layerItems_ > start_ + filled_ || first < start_) {
     if (first + layerItems_ > total_) throw Fault(FaultNumber::Subscript);
     // What is left of the last read moves to the front; one read fills the rest.
@@ -326,7 +353,9 @@ std::span<const float> LayerBuffer::layer(std::size_t k) {
     std::copy_n(buffer_.begin() + static_cast<std::ptrdiff_t>(filled_ - left), left, buffer_.begin());
     start_ = first;
     filled_ = std::min(buffer_.size(), total_ - first);
-    cursor_->read(std::span(buffer_).subspan(left, filled_ - left), static_cast<std::int64_t>(first + left));
+    const auto fresh = std::span(buffer_).subspan(left, filled_ - left);
+    cursor_->read(fresh, static_cast<std::int64_t>(first + left));
+    notFinite_ += countNotFinite(fresh);
   }
   return std::span<const float>(buffer_).subspan(first - start_, layerItems_);
 }
@@ -336,7 +365,8 @@ void GetLayerZCORN(LayerBuffer& buffer, std::int32_t k, std::span<const float>& 
 }
 
 bool GetActiveZCORN(RecordCursor& cursor, std::int32_t Nx, std::int32_t Ny, std::int32_t Nz,
-                    std::span<const std::int32_t> iACTNUM, std::span<float> sPacked, Session& session) {
+                    std::span<const std::int32_t> iACTNUM, std::span<float> sPacked, Session& session,
+                    std::size_t& nNotFinite) {
   const auto nx = static_cast<std::size_t>(Nx);
   const auto plane = 4 * nx * static_cast<std::size_t>(Ny);
   LayerBuffer buffer(cursor, 2 * plane);
@@ -360,6 +390,7 @@ bool GetActiveZCORN(RecordCursor& cursor, std::int32_t Nx, std::int32_t Ny, std:
       }
     }
   }
+  nNotFinite = buffer.notFinite();
   return true;
 }
 
