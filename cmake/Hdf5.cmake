@@ -6,7 +6,7 @@ if(NOT TARGET lumbarn::hdf5)
   find_library(LUMBARN_HDF5_LIBRARY NAMES hdf5_serial hdf5 PATH_SUFFIXES hdf5/serial)
   mark_as_advanced(LUMBARN_HDF5_INCLUDE_DIR LUMBARN_HDF5_LIBRARY)
   if(LUMBARN_HDF5_INCLUDE_DIR AND LUMBARN_HDF5_LIBRARY)
-    add_library(lumbarn::hdf5 UNKNOWN IMPORTED)
+    add_library(lumbarn::hdf5 UNKNOWN IMPORTED GLOBAL)
     set_target_properties(
       lumbarn::hdf5
       PROPERTIES IMPORTED_LOCATION ${LUMBARN_HDF5_LIBRARY}

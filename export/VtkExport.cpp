@@ -189,6 +189,10 @@ std::vector<std::int64_t> Exporter::connect(Piece& piece, PointMerger& merger,
   for (std::size_t cell = 0; cell < piece.cells.size(); ++cell) {
     const auto inLayer = static_cast<std::size_t>(piece.cells[cell] - 1) % (nx * ny);
     const std::size_t node = inLayer / nx * (nx + 1) + inLayer % nx;
+    if (isNoCell(CellCorners(piece.corners.data() + 24 * cell, 24))) {
+      connectivity.insert(connectivity.end(), pointsOfCell, 0);  // of no size, at the grid's first point
+      continue;
+    }
     for (const std::size_t corner : order) {
       float* point = piece.corners.data() + 24 * cell + 3 * corner;
       if (options_.zUp) point[2] = -point[2];
@@ -231,6 +235,10 @@ void Exporter::writeGeometry() {
     for (std::size_t axis = 0; axis < 3; ++axis)
       tables[axis].append(std::span<const std::int32_t>(places[axis]));
   });
+  if (merger.count() == 0 && cells > 0) {  // none of the cells has corners
+    merger.number(0, std::array<float, 3>{}.data());
+    points.append(std::span<const float>(merger.take()));
+  }
   hdf::write<std::int64_t>(root_, "NumberOfPoints", {merger.count()});
   hdf::write<std::int64_t>(root_, "NumberOfCells", {cells});
   hdf::write<std::int64_t>(root_, "NumberOfConnectivityIds", {connectivity.rows()});

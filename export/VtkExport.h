@@ -38,7 +38,8 @@ struct VtkOptions {
 /// Writes the active cells of a grid as a VTKHDF file of type UnstructuredGrid: hexahedra that share their
 /// points, with the arrays `CELL` (number in the grid, from 1), `I`, `J`, `K` and those given. Coordinates
 /// are singles in the units and axes of the grid. The eight points of a cell are ordered such that cells have
-/// a positive volume in viewers, whatever the handedness of the grid.
+/// a positive volume in viewers, whatever the handedness of the grid. A cell
+/// without corners has no size and lies at the grid's first point.
 ///
 /// Without steps the file is of version 1.0, which viewers since VTK 9.1 read; with steps of version 2.0 (VTK
 /// 9.3): the geometry and arrays that do not change are there once, the others once for each step.

@@ -106,6 +106,10 @@ void Box::add(const Box& other) {
   high = {std::max(high.x, other.high.x), std::max(high.y, other.high.y), std::max(high.z, other.high.z)};
 }
 
+bool isNoCell(CellCorners corners) {
+  return std::ranges::all_of(corners, [](float value) { return value == 0; });
+}
+
 double cellVolume(CellCorners corners) { return volumeOf(corners.data()); }
 
 void cellVolumes(std::span<const float> corners, std::span<double> volumes) {
@@ -133,8 +137,7 @@ Box cellBox(CellCorners corners) {
     }
   }
   const bool finite = sum == 0;
-  const bool zeros = std::ranges::all_of(corners, [](float value) { return value == 0; });
-  if (!finite || zeros) return {};
+  if (!finite || isNoCell(corners)) return {};
   return {{low[0], low[1], low[2]}, {high[0], high[1], high[2]}};
 }
 

@@ -18,8 +18,11 @@ namespace lumbarn {
 ///   the points between its faces all the same. Of a cell that is inverted in part, the volume is the
 ///   difference of its parts.
 /// - A cell with a coordinate that is not finite has a volume and a centre that are not finite, an empty box,
-///   and holds no point. Nor does a row of zeros, which stands for a cell without corners; its volume is 0.
+///   and holds no point. Nor does a cell without corners; its volume is 0.
 using CellCorners = std::span<const float, 24>;
+
+/// True for a row of zeros, which stands for a cell without corners.
+bool isNoCell(CellCorners corners);
 
 struct Point {
   double x = 0;
