@@ -27,33 +27,37 @@ constexpr double triple(const Vector& a, const Vector& b, const Vector& c) {
   return a.x * (b.y * c.z - b.z * c.y) - a.y * (b.x * c.z - b.z * c.x) + a.z * (b.x * c.y - b.y * c.x);
 }
 
-/// The vector from one corner to another.
-[[gnu::always_inline]] inline Vector edge(const float* corners, int from, int to) {
-  const float* a = corners + 3 * from;
-  const float* b = corners + 3 * to;
-  return {double{b[0]} - double{a[0]}, double{b[1]} - double{a[1]}, double{b[2]} - double{a[2]}};
+/// The vector from one corner to another. `corner(n, axis)` gives a coordinate.
+template <class Corner>
+[[gnu::always_inline]] inline Vector edge(const Corner& corner, std::size_t from, std::size_t to) {
+  return {corner(to, 0) - corner(from, 0), corner(to, 1) - corner(from, 1), corner(to, 2) - corner(from, 2)};
 }
 
 /// Corners from 0, so that bits 0, 1 and 2 of the number are the directions in I, J and K. The integral of
 /// the Jacobian over the cell, brought down to three products; the face diagonals in it make each face count
 /// as the mean of its two ways to be cut in triangles, which for the volume is the bilinear face.
-[[gnu::always_inline]] inline double volumeOf(const float* corners) {
-  const Vector a = edge(corners, 1, 7);
-  const Vector b = edge(corners, 0, 6);
-  const Vector c = edge(corners, 2, 7);
-  const Vector d = edge(corners, 0, 3);
-  const Vector e = edge(corners, 0, 5);
-  const Vector f = edge(corners, 4, 7);
+template <class Corner>
+[[gnu::always_inline]] inline double volumeOf(const Corner& corner) {
+  const Vector a = edge(corner, 1, 7);
+  const Vector b = edge(corner, 0, 6);
+  const Vector c = edge(corner, 2, 7);
+  const Vector d = edge(corner, 0, 3);
+  const Vector e = edge(corner, 0, 5);
+  const Vector f = edge(corner, 4, 7);
   return (triple(a + b, c, d) + triple(b, c + e, f) + triple(a, e, f + d)) / 12;
 }
 
-[[gnu::always_inline]] inline void volumesOf(const float* corners, double* volumes, std::size_t n) {
-  for (std::size_t i = 0; i < n; ++i) volumes[i] = volumeOf(corners + 24 * i);
+[[gnu::always_inline]] inline void volumesOf(const CellBlock& block, double* volumes, std::size_t n) {
+  for (std::size_t i = 0; i < n; ++i) {
+    volumes[i] = volumeOf([&block, i ](std::size_t corner, std::size_t axis) __attribute__((always_inline)) {
+      return double{block.items[3 * corner + axis][i]};
+    });
+  }
 }
 // The same loop twice: for any machine, and for those with wide registers.
-void volumesPlain(const float* corners, double* volumes, std::size_t n) { volumesOf(corners, volumes, n); }
-LUMBARN_WIDE void volumesWide(const float* corners, double* volumes, std::size_t n) {
-  volumesOf(corners, volumes, n);
+void volumesPlain(const CellBlock& block, double* volumes, std::size_t n) { volumesOf(block, volumes, n); }
+LUMBARN_WIDE void volumesWide(const CellBlock& block, double* volumes, std::size_t n) {
+  volumesOf(block, volumes, n);
 }
 
 /// True when the ray from the origin towards +x crosses the edge, seen in the plane of x and y. Ties are
@@ -110,10 +114,25 @@ bool isNoCell(CellCorners corners) {
   return std::ranges::all_of(corners, [](float value) { return value == 0; });
 }
 
-double cellVolume(CellCorners corners) { return volumeOf(corners.data()); }
+double cellVolume(CellCorners corners) {
+  return volumeOf(
+      [corners](std::size_t corner, std::size_t axis) { return double{corners[3 * corner + axis]}; });
+}
+
+void cellVolumes(const CellBlock& block, std::span<double> volumes) {
+  (hasWide() ? volumesWide : volumesPlain)(block, volumes.data(), volumes.size());
+}
 
 void cellVolumes(std::span<const float> corners, std::span<double> volumes) {
-  (hasWide() ? volumesWide : volumesPlain)(corners.data(), volumes.data(), volumes.size());
+  CellBlock block;
+  for (std::size_t done = 0; done < volumes.size(); done += CellBlock::cells) {
+    const std::size_t count = std::min(CellBlock::cells, volumes.size() - done);
+    for (std::size_t cell = 0; cell < count; ++cell) {
+      for (std::size_t item = 0; item < 24; ++item)
+        block.items[item][cell] = corners[24 * (done + cell) + item];
+    }
+    cellVolumes(block, volumes.subspan(done, count));
+  }
 }
 
 Point cellCentre(CellCorners corners) {

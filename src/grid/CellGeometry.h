@@ -54,6 +54,15 @@ double cellVolume(CellCorners corners);
 /// They are the same to the last bit.
 void cellVolumes(std::span<const float> corners, std::span<double> volumes);
 
+/// Corners of several cells side by side, as wide registers take them: first 3 * corner + axis, both from 0,
+/// then the cell.
+struct CellBlock {
+  static constexpr std::size_t cells = 128;
+  float items[24][cells];
+};
+/// The volumes of the first `volumes.size()` cells of a block, likewise.
+void cellVolumes(const CellBlock& block, std::span<double> volumes);
+
 /// The mean of the eight corners, which simulators take as a cell's depth.
 Point cellCentre(CellCorners corners);
 

@@ -8,6 +8,7 @@
 #include "GridBlocks.h"
 #include "grid/CellGeometry.h"
 #include "grid/CellGeometryOfGrid.h"
+#include "support/Fault.h"
 
 namespace lumbarn::testing {
 namespace {
@@ -79,6 +80,27 @@ TEST(CellGeometry, VolumesAreThoseOfTheTrilinearCell) {
   std::vector<double> volumes(std::size(shapes));
   cellVolumes(rows, volumes);
   for (std::size_t i = 0; i < volumes.size(); ++i) EXPECT_EQ(volumes[i], cellVolume(shapes[i].row));
+}
+
+TEST(CellGeometry, VolumesOfARangeAreThoseOfItsCells) {
+  Hadrick grid = distortedBlock({300, 3, 4}, 0.2F, 17);
+  for (const bool coarse : {false, true}) {
+    if (coarse) grid.setCoarse({{.iCell = 1, .iBox = {1, 2, 1, 1, 1, 2}}});
+    constexpr std::int32_t first = 140;
+    std::vector<double> volumes(3000);
+    cellVolumes(grid, first, volumes);
+    Row row{};
+    for (std::size_t n = 0; n < volumes.size(); ++n) {
+      grid.corners(first + static_cast<std::int32_t>(n), row);
+      ASSERT_EQ(volumes[n], cellVolume(row)) << n;
+    }
+    volumes.resize(1);
+    cellVolumes(grid, 1, volumes);
+    grid.corners(1, row);
+    EXPECT_EQ(volumes[0], cellVolume(row));
+  }
+  std::vector<double> tooMany(3);
+  EXPECT_THROW(cellVolumes(grid, grid.nCells() - 1, tooMany), Fault);
 }
 
 TEST(CellGeometry, DamagedCellsHoldNothing) {
