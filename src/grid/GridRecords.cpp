@@ -73,29 +73,20 @@ void GridRecords::takeSizes() {
   const auto words = set_.cursor().integers();
   if (words.size() < 3) set_.fail("record is too short", 3, static_cast<std::int64_t>(words.size()));
   set_.setSize(words[0], words[1], words[2]);
-  // Each cell has two records; a grid far larger than the file has no room to be true.
   const auto cells = static_cast<std::uint64_t>(set_.current().nCells());
-  if (cells > set_.cursor().fileSize()) {
-    set_.fail("grid has more cells than the file can hold",
-              "at most " + std::to_string(set_.cursor().fileSize()), std::to_string(cells));
+  const std::uint64_t room = set_.cursor().fileSize() / (4 * rowItems);
+  if (cells > room) {
+    set_.fail("grid has more cells than the file can hold", "at most " + std::to_string(room),
+              std::to_string(cells));
   }
   compress_ = set_.options().compress;
   seen_ = 0;
+  inOrder_ = true;
   rows_ = {};
   rowCells_ = {};
   activity_ = {};
   hosts_ = {};
   coarse_ = {};
-}
-
-/// Room for the rows: of all cells, or, when that is more than the file can hold, of as many as it can.
-void GridRecords::makeRoom() {
-  constexpr std::uint64_t leastOfCell = 4 * rowItems;
-  const auto cells = static_cast<std::size_t>(set_.current().nCells());
-  const auto room = static_cast<std::size_t>(set_.cursor().fileSize() / leastOfCell) + 1;
-  if (room < cells) compress_ = true;
-  rows_ = XYData(rowItems, std::min(cells, room), set_.session());
-  if (!compress_) std::ranges::fill(rows_.values(), 0.0F);
 }
 
 /// The pair of records at the cursor, which stands on COORDS.
@@ -117,7 +108,9 @@ void GridRecords::readPair(CellRecord& cell, RecordHeader& coords) {
 void GridRecords::takeCells() {
   RecordCursor& cursor = set_.cursor();
   if (!set_.sized()) set_.fail("cell stands before the sizes of its grid", "DIMENS", "none");
-  if (rows_.empty()) makeRoom();
+  if (rows_.empty()) {
+    rows_ = XYData(rowItems, static_cast<std::size_t>(set_.current().nCells()), set_.session());
+  }
   CellRecord cell;
   RecordHeader coords;
   readPair(cell, coords);
@@ -142,7 +135,8 @@ void GridRecords::takeCell(const CellRecord& cell) {
   ++seen_;
   const auto index = static_cast<std::size_t>(number) - 1;
   const bool active = cell.active();
-  if (activity_.empty() && (!active || number != seen_)) makeActivity(seen_ - 1);
+  if (inOrder_ && number != seen_) leaveOrder();
+  if (!active && activity_.empty()) makeActivity(seen_ - 1);
   if (!activity_.empty()) activity_[index] = active ? 1 : 0;
   if (cell.count > 6 && grid.isLocal()) {
     if (hosts_.empty()) hosts_.assign(static_cast<std::size_t>(grid.nCells()), 0);
@@ -162,6 +156,14 @@ void GridRecords::takeCell(const CellRecord& cell) {
 void GridRecords::makeActivity(std::int64_t first) {
   activity_.assign(static_cast<std::size_t>(set_.current().nCells()), 0);
   std::fill_n(activity_.begin(), first, 1);
+}
+
+/// From here on a cell may stand twice and another not at all, which is then inactive and has no corners.
+void GridRecords::leaveOrder() {
+  inOrder_ = false;
+  const auto met = static_cast<std::size_t>(seen_) - 1;
+  if (activity_.empty()) makeActivity(seen_ - 1);
+  if (!compress_) std::ranges::fill(rows_.values().subspan(rowItems * met), 0.0F);
 }
 
 /// Puts the rows of active cells in the order of their numbers; of a cell that stands twice the last counts.
@@ -189,11 +191,7 @@ bool GridRecords::finish() {
   if (!set_.sized()) return true;
   Hadrick& grid = set_.current();
   if (rows_.empty()) set_.fail("grid has no corners", "COORDS and CORNERS", "none");
-  if (seen_ < grid.nCells()) {
-    set_.tell("cells of the grid are missing", std::to_string(grid.nCells()), std::to_string(seen_),
-              "took the others as inactive");
-    if (activity_.empty()) makeActivity(seen_);
-  }
+  if (seen_ < grid.nCells()) set_.fail("cells of the grid are missing", grid.nCells(), seen_);
   if (compress_) sortRows();
   const auto taken = rows_.values().first(rowItems * (compress_ ? rowCells_.size() : rows_.columns()));
   set_.tellNotFinite(countNotFinite(taken));
