@@ -1,6 +1,7 @@
 #include "GridRecords.h"
 
 #include <algorithm>
+#include <bit>
 #include <numeric>
 #include <string>
 #include <utility>
@@ -14,6 +15,16 @@ namespace {
 
 constexpr std::size_t rowItems = 24;
 constexpr std::int64_t cancelInterval = 10'000;  // cells between two looks at the cancel flag
+
+/// Whether all values of a row are numbers: an exponent of all ones carries into the bit of the sign.
+bool allFinite(const float* row) {
+  constexpr std::uint32_t exponent = 0x7F800000;
+  std::uint32_t carried = 0;
+  for (std::size_t n = 0; n < rowItems; ++n) {
+    carried |= (std::bit_cast<std::uint32_t>(row[n]) & exponent) + 0x00800000;
+  }
+  return (carried & 0x80000000) == 0;
+}
 
 }  // namespace
 
@@ -82,6 +93,8 @@ void GridRecords::takeSizes() {
   compress_ = set_.options().compress;
   seen_ = 0;
   inOrder_ = true;
+  expected_ = {1, 1, 1};
+  notFinite_ = 0;
   rows_ = {};
   rowCells_ = {};
   activity_ = {};
@@ -126,13 +139,16 @@ void GridRecords::takeCells() {
 
 void GridRecords::takeCell(const CellRecord& cell) {
   const Hadrick& grid = set_.current();
-  const auto number = grid.cellAt(cell.words[0], cell.words[1], cell.words[2]);
+  const bool expected = std::equal(expected_.begin(), expected_.end(), cell.words.begin()) && inOrder_;
+  const auto number = expected ? seen_ + 1 : grid.cellAt(cell.words[0], cell.words[1], cell.words[2]);
   if (number == 0) {
     set_.fail("cell lies outside of its grid", "a cell of the grid",
               std::to_string(cell.words[0]) + ", " + std::to_string(cell.words[1]) + ", " +
                   std::to_string(cell.words[2]));
   }
   ++seen_;
+  expected_ = {cell.words[0] + 1, cell.words[1], cell.words[2]};
+  if (cell.words[0] == grid.Nx()) expected_ = grid.placeOf(std::min(number, grid.nCells() - 1) + 1);
   const auto index = static_cast<std::size_t>(number) - 1;
   const bool active = cell.active();
   if (inOrder_ && number != seen_) leaveOrder();
@@ -149,7 +165,9 @@ void GridRecords::takeCell(const CellRecord& cell) {
     column = rowCells_.size();
   }
   if (column > rows_.columns()) set_.fail("grid has more cells than its sizes tell", grid.nCells(), seen_);
-  std::ranges::copy(cell.corners, rows_.column(column).begin());
+  float* row = rows_.values().data() + rowItems * (column - 1);
+  cell.copyCorners(row);
+  if (!allFinite(row)) notFinite_ += countNotFinite({row, rowItems});
 }
 
 /// The table of activity, when the first cells were met in order and all active.
@@ -193,8 +211,7 @@ bool GridRecords::finish() {
   if (rows_.empty()) set_.fail("grid has no corners", "COORDS and CORNERS", "none");
   if (seen_ < grid.nCells()) set_.fail("cells of the grid are missing", grid.nCells(), seen_);
   if (compress_) sortRows();
-  const auto taken = rows_.values().first(rowItems * (compress_ ? rowCells_.size() : rows_.columns()));
-  set_.tellNotFinite(countNotFinite(taken));
+  set_.tellNotFinite(std::exchange(notFinite_, 0));
   if (compress_ || !set_.options().noInactive) grid.setActive(std::exchange(activity_, {}));
   grid.setCellRows(std::exchange(rows_, {}), compress_);
   if (!hosts_.empty()) grid.setHostCells(std::exchange(hosts_, {}));
