@@ -15,11 +15,14 @@ namespace lumbarn {
 /// One cell of a GRID file: the first words of its COORDS record, and its corners.
 struct CellRecord {
   std::array<std::int32_t, 7> words{};
-  std::size_t count = 0;  ///< words that the record has, at most 7
-  std::array<float, 24> corners{};
+  std::size_t count = 0;            ///< words that the record has, at most 7
+  std::array<float, 24> corners{};  ///< when they are not raw
+  const std::byte* raw = nullptr;   ///< corners as they stand in the file
+  bool swap = false;                ///< and whether their bytes are to be turned
 
   /// A record too short to say so is that of an active cell.
   bool active() const { return count < 5 || words[4] >= 1; }
+  void copyCorners(float* row) const;
 };
 
 /// The small records of cells behind a first pair of them, in an unformatted file. All pairs have the same
@@ -30,7 +33,8 @@ class CellRecords {
   /// With the headers of a pair that the cursor has read and the place behind it.
   CellRecords(std::shared_ptr<const ByteSource> source, const Form& form, const RecordHeader& coords,
               const RecordHeader& corners, std::uint64_t end);
-  /// The next pair. False when what follows looks different; then `position` is where it begins.
+  /// The next pair; the corners it shows hold until the next call. False when what follows looks different;
+  /// then `position` is where it begins.
   bool next(CellRecord& cell);
   std::uint64_t position() const { return position_; }
   std::int64_t taken() const { return taken_; }

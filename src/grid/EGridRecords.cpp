@@ -33,7 +33,8 @@ bool EGridRecords::read() {
     }
     if (session.yield()) return false;
   }
-  // A writer that leaves ENDGRID out, or a file that ends right before it.
+  // A file may end right before ENDGRID; but without ACTNUM nobody knows what else is missing.
+  if (set_.sized() && !pending_.hasActivity) set_.fail("file ends before the grid does", "ENDGRID", "none");
   return finish();
 }
 

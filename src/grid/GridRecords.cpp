@@ -1,6 +1,7 @@
 #include "GridRecords.h"
 
 #include <algorithm>
+#include <bit>
 #include <numeric>
 #include <string>
 #include <utility>
@@ -14,6 +15,16 @@ namespace {
 
 constexpr std::size_t rowItems = 24;
 constexpr std::int64_t cancelInterval = 10'000;  // cells between two looks at the cancel flag
+
+/// Whether all values of a row are numbers: an exponent of all ones carries into the bit of the sign.
+bool allFinite(const float* row) {
+  constexpr std::uint32_t exponent = 0x7F800000;
+  std::uint32_t carried = 0;
+  for (std::size_t n = 0; n < rowItems; ++n) {
+    carried |= (std::bit_cast<std::uint32_t>(row[n]) & exponent) + 0x00800000;
+  }
+  return (carried & 0x80000000) == 0;
+}
 
 }  // namespace
 
@@ -73,29 +84,22 @@ void GridRecords::takeSizes() {
   const auto words = set_.cursor().integers();
   if (words.size() < 3) set_.fail("record is too short", 3, static_cast<std::int64_t>(words.size()));
   set_.setSize(words[0], words[1], words[2]);
-  // Each cell has two records; a grid far larger than the file has no room to be true.
   const auto cells = static_cast<std::uint64_t>(set_.current().nCells());
-  if (cells > set_.cursor().fileSize()) {
-    set_.fail("grid has more cells than the file can hold",
-              "at most " + std::to_string(set_.cursor().fileSize()), std::to_string(cells));
+  const std::uint64_t room = set_.cursor().fileSize() / (4 * rowItems);
+  if (cells > room) {
+    set_.fail("grid has more cells than the file can hold", "at most " + std::to_string(room),
+              std::to_string(cells));
   }
   compress_ = set_.options().compress;
   seen_ = 0;
+  inOrder_ = true;
+  expected_ = {1, 1, 1};
+  notFinite_ = 0;
   rows_ = {};
   rowCells_ = {};
   activity_ = {};
   hosts_ = {};
   coarse_ = {};
-}
-
-/// Room for the rows: of all cells, or, when that is more than the file can hold, of as many as it can.
-void GridRecords::makeRoom() {
-  constexpr std::uint64_t leastOfCell = 4 * rowItems;
-  const auto cells = static_cast<std::size_t>(set_.current().nCells());
-  const auto room = static_cast<std::size_t>(set_.cursor().fileSize() / leastOfCell) + 1;
-  if (room < cells) compress_ = true;
-  rows_ = XYData(rowItems, std::min(cells, room), set_.session());
-  if (!compress_) std::ranges::fill(rows_.values(), 0.0F);
 }
 
 /// The pair of records at the cursor, which stands on COORDS.
@@ -117,7 +121,9 @@ void GridRecords::readPair(CellRecord& cell, RecordHeader& coords) {
 void GridRecords::takeCells() {
   RecordCursor& cursor = set_.cursor();
   if (!set_.sized()) set_.fail("cell stands before the sizes of its grid", "DIMENS", "none");
-  if (rows_.empty()) makeRoom();
+  if (rows_.empty()) {
+    rows_ = XYData(rowItems, static_cast<std::size_t>(set_.current().nCells()), set_.session());
+  }
   CellRecord cell;
   RecordHeader coords;
   readPair(cell, coords);
@@ -133,16 +139,20 @@ void GridRecords::takeCells() {
 
 void GridRecords::takeCell(const CellRecord& cell) {
   const Hadrick& grid = set_.current();
-  const auto number = grid.cellAt(cell.words[0], cell.words[1], cell.words[2]);
+  const bool expected = std::equal(expected_.begin(), expected_.end(), cell.words.begin()) && inOrder_;
+  const auto number = expected ? seen_ + 1 : grid.cellAt(cell.words[0], cell.words[1], cell.words[2]);
   if (number == 0) {
     set_.fail("cell lies outside of its grid", "a cell of the grid",
               std::to_string(cell.words[0]) + ", " + std::to_string(cell.words[1]) + ", " +
                   std::to_string(cell.words[2]));
   }
   ++seen_;
+  expected_ = {cell.words[0] + 1, cell.words[1], cell.words[2]};
+  if (cell.words[0] == grid.Nx()) expected_ = grid.placeOf(std::min(number, grid.nCells() - 1) + 1);
   const auto index = static_cast<std::size_t>(number) - 1;
   const bool active = cell.active();
-  if (activity_.empty() && (!active || number != seen_)) makeActivity(seen_ - 1);
+  if (inOrder_ && number != seen_) leaveOrder();
+  if (!active && activity_.empty()) makeActivity(seen_ - 1);
   if (!activity_.empty()) activity_[index] = active ? 1 : 0;
   if (cell.count > 6 && grid.isLocal()) {
     if (hosts_.empty()) hosts_.assign(static_cast<std::size_t>(grid.nCells()), 0);
@@ -155,13 +165,23 @@ void GridRecords::takeCell(const CellRecord& cell) {
     column = rowCells_.size();
   }
   if (column > rows_.columns()) set_.fail("grid has more cells than its sizes tell", grid.nCells(), seen_);
-  std::ranges::copy(cell.corners, rows_.column(column).begin());
+  float* row = rows_.values().data() + rowItems * (column - 1);
+  cell.copyCorners(row);
+  if (!allFinite(row)) notFinite_ += countNotFinite({row, rowItems});
 }
 
 /// The table of activity, when the first cells were met in order and all active.
 void GridRecords::makeActivity(std::int64_t first) {
   activity_.assign(static_cast<std::size_t>(set_.current().nCells()), 0);
   std::fill_n(activity_.begin(), first, 1);
+}
+
+/// From here on a cell may stand twice and another not at all, which is then inactive and has no corners.
+void GridRecords::leaveOrder() {
+  inOrder_ = false;
+  const auto met = static_cast<std::size_t>(seen_) - 1;
+  if (activity_.empty()) makeActivity(seen_ - 1);
+  if (!compress_) std::ranges::fill(rows_.values().subspan(rowItems * met), 0.0F);
 }
 
 /// Puts the rows of active cells in the order of their numbers; of a cell that stands twice the last counts.
@@ -189,14 +209,9 @@ bool GridRecords::finish() {
   if (!set_.sized()) return true;
   Hadrick& grid = set_.current();
   if (rows_.empty()) set_.fail("grid has no corners", "COORDS and CORNERS", "none");
-  if (seen_ < grid.nCells()) {
-    set_.tell("cells of the grid are missing", std::to_string(grid.nCells()), std::to_string(seen_),
-              "took the others as inactive");
-    if (activity_.empty()) makeActivity(seen_);
-  }
+  if (seen_ < grid.nCells()) set_.fail("cells of the grid are missing", grid.nCells(), seen_);
   if (compress_) sortRows();
-  const auto taken = rows_.values().first(rowItems * (compress_ ? rowCells_.size() : rows_.columns()));
-  set_.tellNotFinite(countNotFinite(taken));
+  set_.tellNotFinite(std::exchange(notFinite_, 0));
   if (compress_ || !set_.options().noInactive) grid.setActive(std::exchange(activity_, {}));
   grid.setCellRows(std::exchange(rows_, {}), compress_);
   if (!hosts_.empty()) grid.setHostCells(std::exchange(hosts_, {}));

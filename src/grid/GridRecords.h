@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -30,8 +31,8 @@ class GridRecords {
   void takeCells();
   void takeCell(const CellRecord& cell);
   void readPair(CellRecord& cell, RecordHeader& coords);
-  void makeRoom();
   void makeActivity(std::int64_t first);
+  void leaveOrder();
   void sortRows();
   bool finish();
 
@@ -42,9 +43,12 @@ class GridRecords {
   // Of the current grid:
   bool compress_ = false;
   std::int32_t seen_ = 0;
-  XYData rows_;                         // by cell, or by active cell in the order of the file
-  std::vector<std::int32_t> rowCells_;  // when compressed: the cell of each row
-  std::vector<std::int32_t> activity_;  // made when it is needed
+  std::size_t notFinite_ = 0;
+  std::array<std::int32_t, 3> expected_{};  // place of the cell that follows in order
+  bool inOrder_ = true;                     // cells came by their numbers so far
+  XYData rows_;                             // by cell, or by active cell in the order of the file
+  std::vector<std::int32_t> rowCells_;      // when compressed: the cell of each row
+  std::vector<std::int32_t> activity_;      // made when it is needed
   std::vector<std::int32_t> hosts_;
   std::vector<std::int32_t> coarse_;
 };

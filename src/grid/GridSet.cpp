@@ -256,13 +256,14 @@ bool GridSet::cellExists(std::int32_t iGrid, std::int32_t iCell) const {
 }
 
 void GridSet::fail(std::string_view problem, std::string_view expected, std::string_view found) const {
-  throw BadRecord(Diagnosis{.path = cursor_->path(),
-                            .problem = std::string(problem),
-                            .keyword = cursor_->header().keyword,
-                            .occurrence = cursor_->occurrence(),
-                            .offset = cursor_->header().headerAt,
-                            .expected = std::string(expected),
-                            .found = std::string(found)});
+  throw BadRecord(Diagnosis{
+      .path = cursor_->path(),
+      .problem = std::string(problem),
+      .keyword = cursor_->header().keyword,
+      .occurrence = cursor_->occurrence(),
+      .offset = cursor_->header().keyword.empty() ? cursor_->fileSize() : cursor_->header().headerAt,
+      .expected = std::string(expected),
+      .found = std::string(found)});
 }
 
 void GridSet::fail(std::string_view problem, std::int64_t expected, std::int64_t found) const {

@@ -58,6 +58,7 @@ std::array<std::int32_t, 3> Hadrick::placeOf(std::int32_t iCell) const {
 
 std::int32_t Hadrick::setActive(std::vector<std::int32_t> iACTNUM) {
   require(iACTNUM.empty() || iACTNUM.size() == static_cast<std::size_t>(nCells()));
+  if (!coarse_.empty()) joinBlocks(iACTNUM);
   std::int32_t refused = 0;
   std::vector<std::int32_t> kept;  // the columns of compressed arrays that stay
   if (compressed_) {
@@ -141,25 +142,31 @@ void Hadrick::setHostCells(std::vector<std::int32_t> iHost) {
 
 void Hadrick::setCoarse(std::vector<CoarseBlock> blocks) {
   require(!compressed_);
-  std::vector<std::int32_t> activity(static_cast<std::size_t>(nCells()), 1);
-  if (!allActive()) activity = numbers_;
   for (const CoarseBlock& block : blocks) {
+    const auto& box = block.iBox;
+    require(block.iCell > 0 && block.iCell == cellAt(box[0], box[2], box[4]) && box[0] <= box[1] &&
+            box[2] <= box[3] && box[4] <= box[5] && cellAt(box[1], box[3], box[5]) > 0);
+  }
+  coarse_ = std::move(blocks);
+  std::ranges::sort(coarse_, {}, &CoarseBlock::iCell);
+  setActive(numbers_);
+}
+
+/// Leaves one cell of each block, active when one of them was.
+void Hadrick::joinBlocks(std::vector<std::int32_t>& activity) const {
+  if (activity.empty()) activity.assign(static_cast<std::size_t>(nCells()), 1);
+  for (const CoarseBlock& block : coarse_) {
     bool active = false;
-    for (std::int32_t k = block.iBox[4]; k <= block.iBox[5]; ++k) {
-      for (std::int32_t j = block.iBox[2]; j <= block.iBox[3]; ++j) {
-        for (std::int32_t i = block.iBox[0]; i <= block.iBox[1]; ++i) {
-          const auto cell = cellAt(i, j, k);
-          require(cell > 0);
-          active = active || activity[place(cell)] > 0;
-          activity[place(cell)] = 0;
+    const auto& box = block.iBox;
+    for (std::int32_t k = box[4]; k <= box[5]; ++k) {
+      for (std::int32_t j = box[2]; j <= box[3]; ++j) {
+        for (std::int32_t i = box[0]; i <= box[1]; ++i) {
+          active = std::exchange(activity[place(cellAt(i, j, k))], 0) > 0 || active;
         }
       }
     }
     activity[place(block.iCell)] = active ? 1 : 0;
   }
-  setActive(std::move(activity));
-  coarse_ = std::move(blocks);
-  std::ranges::sort(coarse_, {}, &CoarseBlock::iCell);
 }
 
 bool Hadrick::hasCorners(std::int32_t iCell) const {

@@ -162,11 +162,13 @@ class Hadrick : public GridFacts {
   void setHostCells(std::vector<std::int32_t> iHost);
   void addConnection(const GridConnection& connection) { connections_.push_back(connection); }
   void setConnections(std::vector<GridConnection> connections) { connections_ = std::move(connections); }
-  /// Makes each block one cell: active when one of its cells is. The grid must not be compressed.
+  /// Makes each block one cell: active when one of its cells is. The grid must not be compressed; a block is
+  /// Fault 9 when its box does not lie in the grid or does not begin with its cell.
   void setCoarse(std::vector<CoarseBlock> blocks);
 
  private:
   CornerSource source() const;
+  void joinBlocks(std::vector<std::int32_t>& activity) const;
   void fill(std::int32_t iFirst, std::span<float> rows, GridFrame frame, bool activeOnly) const;
   void fillPlain(std::int32_t iFirst, std::span<float> rows, GridFrame frame, bool activeOnly) const;
   void fillFromRows(std::int32_t iFirst, std::span<float> rows, const MapTransform* transform,

@@ -73,6 +73,7 @@ void qvGRIDReader::readGrids(std::shared_ptr<const ByteSource> source, bool& qOK
 
 bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   nGrids = 0;
+  qDamaged = false;
   xGrids.clear();
   ThisGridData.reset();
   cFILETYPE xFile(*session_);
@@ -83,13 +84,11 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   GridSet set(cursor, options, *session_);
   GridRecords cells(set, source);
   bool whole = false;
-  const auto keep = [&] {
+  const auto keep = [&](bool damaged) {
+    qDamaged = damaged;
     set.join();
     xGrids = std::move(set.grids);
-    nGrids = static_cast<std::int32_t>(xGrids.size());
-    GridNumber = nGrids;
-    if (nGrids > 0) ThisGridData = xGrids.back();
-    GridName = ThisGridData ? ThisGridData->zName : "";
+    setRead();
   };
   try {
     whole = FileType == egridFile ? EGridRecords(set).read() : cells.read();
@@ -101,7 +100,7 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
       diagnosis.occurrence += cells.uncounted();
     }
     diagnosis.action = "kept " + std::to_string(set.grids.size()) + " grids";
-    keep();
+    keep(true);
     throw;
   } catch (const std::exception& fault) {
     session_->diagnose(Diagnosis{.path = FileName,
@@ -109,11 +108,18 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
                                  .keyword = cursor.header().keyword,
                                  .offset = cursor.header().headerAt,
                                  .action = "kept " + std::to_string(set.grids.size()) + " grids"});
-    keep();
+    keep(true);
     throw;
   }
-  keep();
+  keep(false);
   return whole;
+}
+
+void qvGRIDReader::setRead() {
+  nGrids = static_cast<std::int32_t>(xGrids.size());
+  GridNumber = nGrids;
+  if (nGrids > 0) ThisGridData = xGrids.back();
+  GridName = ThisGridData ? ThisGridData->zName : "";
 }
 
 void qvGRIDReader::GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& cGridData, bool& qOK) {

@@ -42,6 +42,7 @@ class qvGRIDReader {
   /// False.
   bool CompressOnLoad = false;
   bool NoInactive = false;  ///< all cells of a GRID file count as active
+  bool qDamaged = false;    ///< the last read met damage; xGrids has what was whole before it
 
   /// True when the first record is DIMENS, or FILEHEAD. Sets the form and remembers the name; on False the
   /// object is as it was.
@@ -55,6 +56,8 @@ class qvGRIDReader {
   /// The same from anywhere, in the form of the flags; the name is for diagnoses.
   void readGrids(std::shared_ptr<const ByteSource> source, bool& qOK);
 
+  /// Makes the last of xGrids the current one, when they came from elsewhere.
+  void setRead();
   /// The store object of grid iGrid, from 1; qOK False when there is none of that number.
   void GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& cGridData, bool& qOK);
   /// Sets a descriptor from this object's flags.

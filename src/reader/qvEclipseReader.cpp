@@ -58,6 +58,9 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case 12:
     case 13:
       return ReadSummaryFile(qOK);
+    case 14:
+    case 23:
+      return ReadGridOrEGridFile(whichtype, qOK);
     default:
       return;
   }
@@ -207,6 +210,10 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
     case 12:
     case 13:  // the summary reader asks for the specification under both codes
       return qvEclipseSPEC(*session_).CheckSPECFile(zFileName);
+    case 14:
+      return qvGRIDReader(*session_).CheckGRIDFile(zFileName);
+    case 23:
+      return qvGRIDReader(*session_).CheckEGRIDFile(zFileName);
     case 16:
       return CheckECLIPSEFileType(zFileName, 11);
     default:
@@ -214,12 +221,14 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
   }
 }
 
-bool qvEclipseReader::IsInitialised(std::int32_t iType) const { return iType == 13 && summary_ != nullptr; }
+bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
+  // Code 23 is none of those that hosts ask for: a grid answers to 14, whichever file it came from.
+  return (iType == 13 && summary_ != nullptr) || (iType == 14 && grid_ != nullptr);
+}
 
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
-  if (iType == 13) {
-    summary_.reset();
-  }
+  if (iType == 13) summary_.reset();
+  if (iType == 14) grid_.reset();
   return true;
 }
 
@@ -377,6 +386,8 @@ std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
   return summary_ ? summary_->unmatched : std::vector<std::string>{};
 }
 
-bool qvEclipseReader::Damaged() const { return summary_ && summary_->qDamaged; }
+bool qvEclipseReader::Damaged() const {
+  return (summary_ && summary_->qDamaged) || (grid_ && grid_->qDamaged);
+}
 
 }  // namespace lumbarn
