@@ -21,6 +21,7 @@ const Golden goldens[] = {
     {"check", {"check", "ARBORM/ARBORM.X0002"}},
     {"vectors", {"vectors", "HOLLIN"}},
     {"summary", {"summary", "--dates", "--vectors", "FOP*,WBHP:P?,BPR:12,8,4", "--except", "FOPT", "HOLLIN"}},
+    {"grid", {"grid", "HOLLIN"}},
     {"info-run", {"info", "HOLLIN"}},
     {"info-summary", {"info", "CEDAR/CEDAR_R2.UNSMRY"}},
     {"info-steps", {"info", "--format", "csv", "ARBORFM/ARBORFM.F0003"}},
