@@ -27,6 +27,8 @@ struct Family {
 Family recordFamily(const std::filesystem::path& folder);
 Family summaryFamily(const std::filesystem::path& folder);
 Family wellTestFamily(const std::filesystem::path& folder);
+Family gridFamily(const std::filesystem::path& folder);
+Family gridGeometryFamily();
 
 /// Throws unless a case did what it was to do.
 void require(bool condition, const std::string& what);

@@ -22,5 +22,6 @@ void addCheck(CLI::App& app, Action& chosen);
 void addVectors(CLI::App& app, Action& chosen);
 void addSummary(CLI::App& app, Action& chosen);
 void addRft(CLI::App& app, Action& chosen);
+void addGrid(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

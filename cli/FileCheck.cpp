@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "GridCheck.h"
 #include "RecordData.h"
 #include "files/Recogniser.h"
 #include "reader/qvEclipseReader.h"
@@ -56,6 +57,8 @@ class Walk {
     try {
       readExtremes(cursor_, console_);
       for (OrderRule& rule : rules_) checkOrder(rule);
+      if (const auto wrong = grid_.check(cursor_))
+        addHere("array does not fit its grid", wrong->expected, wrong->found);
     } catch (const BadRecord& damage) {
       add(damage.diagnosis(), "went on behind the record");
     }
@@ -111,6 +114,7 @@ class Walk {
   Console& console_;
   const FindingSink& report_;
   std::int64_t records_ = 0;
+  GridCheck grid_;
   bool openMinistep_ = false;
   std::uint64_t ministepAt_ = 0;
   // Writers number report steps of a summary as they like, also with one number for all of them.

@@ -20,6 +20,7 @@ void addCommands(CLI::App& app, Action& chosen) {
   addVectors(app, chosen);
   addSummary(app, chosen);
   addRft(app, chosen);
+  addGrid(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.

@@ -1,5 +1,6 @@
 #include "RunFacts.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <set>
@@ -137,20 +138,32 @@ Facts initFacts(const RunFamily& run, Console& console) {
 Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
   Facts facts = Facts::object();
   std::vector<std::string> localGrids;
+  std::optional<std::int64_t> active;  // of the global grid
+  std::optional<std::int64_t> cells;
   walk(run.find(kind)->path, console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.is("LGR", ElementType::Text)) {
       for (const auto& name : cursor.texts()) localGrids.push_back(name);
+    } else if (header.keyword == "ACTNUM" && localGrids.empty()) {
+      active =
+          std::ranges::count_if(firstWords(cursor, header.count), [](auto number) { return number > 0; });
+    } else if (header.keyword == "COORDS" && localGrids.empty()) {
+      const auto words = firstWords(cursor, 5);  // I, J, K, number, 1 for an active cell
+      active = active.value_or(0) + (words.size() < 5 || words[4] > 0 ? 1 : 0);
     } else if (header.is("GRIDUNIT", ElementType::Text) && header.count > 0) {
       facts["length_unit"] = cursor.texts()[0];
     } else if (header.keyword == "GRIDHEAD" && !facts.contains("grid")) {
       const auto words = firstWords(cursor, 4);
-      if (words.size() == 4) facts["grid"] = {words[1], words[2], words[3]};
+      if (words.size() < 4) return;
+      facts["grid"] = {words[1], words[2], words[3]};
+      cells = std::int64_t{words[1]} * words[2] * words[3];
     } else if (header.keyword == "DIMENS" && !facts.contains("grid")) {
       const auto words = firstWords(cursor, 3);
       if (words.size() == 3) facts["grid"] = words;
     }
   });
+  if (!active) active = cells;  // ACTNUM is left out when all are
+  if (active) facts["active_cells"] = *active;
   if (!localGrids.empty()) facts["local_grids"] = localGrids;
   return facts;
 }

@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary rft -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary rft grid -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -12,7 +12,7 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
-    --vectors | --except | --steps | --test | --branch | --icd)
+    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step)
       return
       ;;
   esac
@@ -21,6 +21,7 @@ _lumbarn() {
     vectors) options+=' --keep-duplicates' ;;
     rft) options+=' --test --plt --branch --icd --segments --all' ;;
     summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
+    grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
   esac
   if [[ $word == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")

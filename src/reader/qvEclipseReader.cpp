@@ -64,6 +64,9 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
       return ReadUserRFTFile(qOK);
     case 77:
       return ReadUserPLTFile(qOK);
+    case 14:
+    case 23:
+      return ReadGridOrEGridFile(whichtype, qOK);
     default:
       return;
   }
@@ -213,6 +216,10 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
     case 12:
     case 13:  // the summary reader asks for the specification under both codes
       return qvEclipseSPEC(*session_).CheckSPECFile(zFileName);
+    case 14:
+      return qvGRIDReader(*session_).CheckGRIDFile(zFileName);
+    case 23:
+      return qvGRIDReader(*session_).CheckEGRIDFile(zFileName);
     case 16:
       return CheckECLIPSEFileType(zFileName, 11);
     default:
@@ -228,6 +235,9 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
       return tests_ != nullptr;
     case 76:
       return userTests_ != nullptr;
+    // Code 23 is none of those that hosts ask for: a grid answers to 14, whichever file it came from.
+    case 14:
+      return grid_ != nullptr;
     default:
       return false;
   }
@@ -237,6 +247,7 @@ bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   if (iType == 13) summary_.reset();
   if (iType == 18) tests_.reset();
   if (iType == 76) userTests_.reset();
+  if (iType == 14) grid_.reset();
   return true;
 }
 
@@ -394,6 +405,8 @@ std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
   return summary_ ? summary_->unmatched : std::vector<std::string>{};
 }
 
-bool qvEclipseReader::Damaged() const { return summary_ && summary_->qDamaged; }
+bool qvEclipseReader::Damaged() const {
+  return (summary_ && summary_->qDamaged) || (grid_ && grid_->qDamaged);
+}
 
 }  // namespace lumbarn

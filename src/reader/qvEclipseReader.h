@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "../files/Recogniser.h"
+#include "../grid/qvGRIDReader.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
@@ -71,6 +72,14 @@ class qvEclipseReader : public ReaderOptions {
   void ReadUserRFTFile(bool& qOK);
   void ReadUserPLTFile(bool& qOK);
 
+  /// Reads the grids of `FileName`: of a GRID file with 14, of an EGRID file with 23. Damage ends the load
+  /// with qOK False (True with `AcceptDamaged` when a grid was whole); the grids before it can be had. With
+  /// `LoadHPGridFiles` or `SaveHPGridFiles`, and a folder in `HPGFolder`, geometry is taken from or kept in a
+  /// cache file there; one that is stale or damaged is told and not used.
+  void ReadGridOrEGridFile(std::int32_t iGridType, bool& qOK);
+  void ReadGridFile(bool& qOK) { ReadGridOrEGridFile(14, qOK); }
+  void ReadEGridFile(bool& qOK) { ReadGridOrEGridFile(23, qOK); }
+
   // --- Recognition
 
   /// Tells a file's kind by its content and sets `whichtype` to it. False, and nothing set, for a file of no
@@ -113,6 +122,24 @@ class qvEclipseReader : public ReaderOptions {
   std::int32_t NumberTimeSteps() const;
   /// The scratch file handed over with `SaveScratchFiles`; empty when memory sufficed. The caller deletes it.
   std::string SummaryScratchFileName() const;
+
+  // --- Grid results
+
+  std::int32_t NumberGrids() const { return grid_ ? grid_->nGrids : 0; }
+  /// The store object of a grid, from 1: the global one, then the local ones. It is shared with this reader,
+  /// and lives as long as either needs it. qOK False for a number that there is not.
+  void GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& cGridData, bool& qOK);
+  /// The corners of all active cells of a grid: sCorners(24, nActive), a row of x, y, z of corner 1 to 8 for
+  /// each, I fastest, in the frame and units of the file; zeros for a cell in no reservoir. An array that has
+  /// the right size is filled, any other is made anew.
+  void getCorners(std::int32_t iGrid, XYData& sCorners, std::int32_t& nActive, bool& qOK);
+  /// Whether corners of a grid can be had. They are made when they are asked for, so nothing is done here.
+  void CreateCorners(std::int32_t iGrid, bool& qOK);
+  /// Replaces the activity of a grid: entries below 1 are inactive. A list with not one entry for each cell
+  /// changes nothing and succeeds. Cells whose geometry was not kept on loading stay inactive, which is told.
+  void SetACTNUM(std::int32_t iGrid, const std::vector<std::int32_t>& iACTNUM, bool& qOK);
+  /// Whether there is a cache file for `FileName` that can be used. Sets `HPGFileName` when it is empty.
+  bool HPGFileTest();
 
   // --- Summary, beyond what hosts of old ask for
 
@@ -198,6 +225,9 @@ class qvEclipseReader : public ReaderOptions {
   void tellNoSpecification();
   void takePatterns(qvEclipseSUMMARYFile& file) const;
   void SetOriginFromFileName();
+  bool readGrids(std::int32_t iGridType);
+  void SetFileProps();
+  Hadrick* gridAt(std::int32_t iGrid) const;
   template <class Fetch>
   void fetchSummary(const char* routine, Fetch fetch, SourceData& vSourceData, ByteTable& bOnlyUsed,
                     bool& qOK);
@@ -213,6 +243,7 @@ class qvEclipseReader : public ReaderOptions {
   std::unique_ptr<qvEclipseRFT> tests_;
   std::unique_ptr<qvUserRFT> userTests_;
   UserTestKind userKind_ = UserTestKind::Rft;  // of `userTests_`
+  std::unique_ptr<qvGRIDReader> grid_;
 };
 
 }  // namespace lumbarn

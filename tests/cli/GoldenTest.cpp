@@ -27,6 +27,7 @@ const Golden goldens[] = {
     {"rft-user", {"rft", "measured/rft.txt"}},
     {"rft-user-test", {"rft", "--test", "1", "measured/rft.txt"}},
     {"info-user", {"info", "--format", "json", "measured/rft.txt"}},
+    {"grid", {"grid", "HOLLIN"}},
     {"info-run", {"info", "HOLLIN"}},
     {"info-summary", {"info", "CEDAR/CEDAR_R2.UNSMRY"}},
     {"info-steps", {"info", "--format", "csv", "ARBORFM/ARBORFM.F0003"}},

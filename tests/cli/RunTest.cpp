@@ -60,7 +60,7 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
   const std::string written[] = {manual, content(LUMBARN_EXAMPLES "/../cli/completions/lumbarn.bash"),
                                  content(LUMBARN_EXAMPLES "/../cli/completions/_lumbarn")};
   const std::regex option("--[a-z-]+");
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "rft"}) {
+  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "rft", "grid"}) {
     const std::string help = command({subcommand, "--help"}).out;
     for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
       for (const auto& text : written) EXPECT_THAT(text, HasSubstr(found->str())) << subcommand;
