@@ -71,9 +71,11 @@ bool qvEclipseSEQUENCE::readStep(RecordCursor& cFile) {
   bool qMore = true;
   while (!walk.stop && qMore) {
     qMore = cFile.next() && !cFile.header().keyword.empty();
+    qAnyRecord = qAnyRecord || qMore;
     if (qMore) takeRecord(cFile, walk);
     if (session_->cancelled()) return false;
   }
+  qAtEnd = !qMore || cFile.nextPosition() >= cFile.fileSize();
   // Deliberate: only at the end of the file, so a local grid without arrays stays in all steps but the last.
   if (!qMore && iGrid > 1 && iGrid == nGrids && grid().arrays.nVectors() == 0) giveUpLastGrid();
   grid().arrays.TidyVectors();

@@ -70,6 +70,8 @@ class qvEclipseSEQUENCE {
 
   // Beyond what hosts of old ask for.
   ArraySelection* selection = nullptr;  ///< patterns of array names; not owned, null: all
+  bool qAnyRecord = false;              ///< the step has records at all
+  bool qAtEnd = false;                  ///< reading ended at the end of the file
   bool qHasSolution = false;            ///< STARTSOL or ENDSOL was met
   bool qSolutionOpen = false;           ///< STARTSOL was met and its ENDSOL was not
 
