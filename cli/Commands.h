@@ -21,5 +21,6 @@ void addRecords(CLI::App& app, Action& chosen);
 void addCheck(CLI::App& app, Action& chosen);
 void addVectors(CLI::App& app, Action& chosen);
 void addSummary(CLI::App& app, Action& chosen);
+void addWells(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

@@ -19,6 +19,7 @@ void addCommands(CLI::App& app, Action& chosen) {
   addCheck(app, chosen);
   addVectors(app, chosen);
   addSummary(app, chosen);
+  addWells(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.

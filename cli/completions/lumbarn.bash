@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary wells -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -12,13 +12,14 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
-    --vectors | --except | --steps)
+    --vectors | --except | --steps | --step | --grid)
       return
       ;;
   esac
   case ${COMP_WORDS[1]} in
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;
+    wells) options+=' --step --grid' ;;
     summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
   esac
   if [[ $word == -* ]]; then

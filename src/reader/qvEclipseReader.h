@@ -9,6 +9,7 @@
 
 #include "../files/Recogniser.h"
 #include "../restart/qvEclipseSOLUTION.h"
+#include "../restart/WellRecords.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
@@ -152,6 +153,10 @@ class qvEclipseReader : public ReaderOptions {
   std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid, std::int32_t iVector) const;
   std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid,
                                        std::string_view zName) const;
+  /// The wells of one grid of a step with their connections, as records in the order of the file; none when
+  /// the grid has no wells. Rates and numbers of connections are there after a load with `FullWellInfo` only.
+  /// qOK False when there is no such grid.
+  std::vector<WellRecord> RestartWells(std::int32_t iSeqnum, std::int32_t iGrid, bool& qOK) const;
 
   // --- Summary, beyond what hosts of old ask for
 
