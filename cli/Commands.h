@@ -23,5 +23,6 @@ void addVectors(CLI::App& app, Action& chosen);
 void addSummary(CLI::App& app, Action& chosen);
 void addRft(CLI::App& app, Action& chosen);
 void addGrid(CLI::App& app, Action& chosen);
+void addWells(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

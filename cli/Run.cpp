@@ -21,6 +21,7 @@ void addCommands(CLI::App& app, Action& chosen) {
   addSummary(app, chosen);
   addRft(app, chosen);
   addGrid(app, chosen);
+  addWells(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.

@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary rft grid -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary wells rft grid -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -20,6 +20,7 @@ _lumbarn() {
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;
     rft) options+=' --test --plt --branch --icd --segments --all' ;;
+    wells) options+=' --step --grid' ;;
     summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
   esac

@@ -21,7 +21,8 @@ struct ReaderOptions {
   std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
   std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  /// File kind code: 12 and 13 summary, 14 GRID, 18 RFT, 23 EGRID, 76 and 77 user RFT and PLT.
+  /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 18 RFT, 23 EGRID, 76 and 77 user RFT and
+  /// PLT.
   std::int32_t whichtype = 0;
   bool Silent = false;    ///< no dialog
   bool Formatted = true;  ///< form of the file; replaced by what recognition finds, as the next two
@@ -97,7 +98,8 @@ struct ReaderOptions {
   // Additions to the options that hosts know of old.
   std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both are taken together
   std::vector<std::string> ExceptPatterns;  ///< as zExcept
-  bool AcceptDamaged = false;               ///< succeed with what was read before damage; see `Damaged`
+  std::string IndexFolder;     ///< folder for index files of restart sets; empty: none is written
+  bool AcceptDamaged = false;  ///< succeed with what was read before damage; see `Damaged`
 };
 
 }  // namespace lumbarn
