@@ -39,6 +39,9 @@ class RecordCursor {
   std::uint64_t nextPosition() const { return next_; }
   /// Makes `next` look at this byte offset, from 0.
   void seek(std::uint64_t headerPosition) { next_ = headerPosition; }
+  /// Tells that all of the file will be read, in order, so that it comes in large pieces: right for files of
+  /// many small records, wrong where data are skipped.
+  void readAhead();
   std::uint64_t fileSize() const { return source_->size(); }
   const std::string& path() const { return path_; }
   const Form& form() const { return form_; }
