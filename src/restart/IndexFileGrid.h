@@ -15,9 +15,9 @@ namespace lumbarn {
 /// The arrays of one grid as an index file (RSSPEC, INSPEC) tells them, in the order of its NAME record.
 /// Arrays beside the names may be shorter or longer than these in a damaged file: they are as they stand.
 struct IndexFileGrid {
-  std::string zGrid;          ///< LGRNAME; empty: the global grid
-  std::int32_t nArrays = 0;   ///< elements of NUMBER; in an INSPEC file of NAME
-  ByteTable bNames{16, 0};    ///< each name, at most 16 characters of it
+  std::string zGrid;         ///< LGRNAME; empty: the global grid
+  std::int32_t nArrays = 0;  ///< elements of NUMBER; in an INSPEC file of NAME
+  ByteTable bNames{16, 0};   ///< each name, at most 16 characters of it
   std::vector<std::string> zTypes;
   std::vector<std::int32_t> iNumber;    ///< elements of each array
   std::vector<std::int32_t> iPointer;   ///< low part of the position

@@ -52,8 +52,9 @@ void setIndexFileTypeProps(const Reader& reader, std::int32_t kindCode, const Se
 std::unique_ptr<RecordCursor> openIndexFile(const std::string& path, const cFILETYPE& xFile,
                                             Session& session);
 
-/// The record loop of both: INTEHEAD goes to `head`, any other header goes to `reads`, which may read on from there; one of a type that index files do not have ends the loop when it has data. False when the load
-/// was cancelled. Throws BadRecord.
+/// The record loop of both: INTEHEAD goes to `head`, any other header goes to `reads`, which may read on from
+/// there; one of a type that index files do not have ends the loop when it has data. False when the load was
+/// cancelled. Throws BadRecord.
 bool readIndexFile(RecordCursor& cursor, Session& session, IndexFileHead& head,
                    const std::function<void(const RecordHeader&)>& reads);
 

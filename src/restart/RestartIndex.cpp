@@ -2,11 +2,20 @@
 
 #include <algorithm>
 
+#include "HeaderWords.h"
+
 namespace lumbarn {
 namespace {
 
 constexpr std::string_view globalGridName = "ROOT";
-constexpr std::int32_t compositional = 300;  // INTEHEAD word 95 of the simulator with active cells in word 4
+constexpr std::string_view refusedNames[] = {"SWEL",   "SGRP",   "SCON",   "SAAQ",   "SCAQ",
+                                             "RPIPE",  "IAAQ",   "IOCN",   "ICAQ",   "HIDDEN",  // in restarts
+                                             "DIFFGL", "TRANGL", "HEATGL", "DIFFLL", "TRANLL",
+                                             "HEATLL"};  // in INIT files
+
+bool isNumber(ElementType type) {
+  return type == ElementType::Integer || type == ElementType::Single || type == ElementType::Double;
+}
 
 }  // namespace
 
@@ -18,7 +27,7 @@ bool sameGrid(std::string_view a, std::string_view b) {
   return (isGlobalGrid(a) && isGlobalGrid(b)) || equalNoCase(trim(a), trim(b));
 }
 
-GridCells gridCells(std::span<const std::int32_t> intehead) {
+GridCells gridCells(const std::vector<std::int32_t>& intehead) {
   GridCells result;
   if (intehead.size() < 12) return result;
   result.units = intehead[2];
@@ -28,9 +37,10 @@ GridCells gridCells(std::span<const std::int32_t> intehead) {
     if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
   }
   result.cells = cells;
-  const bool inWord4 =
-      intehead.size() >= 96 && intehead[94] == compositional && intehead[3] > 0 && intehead[95] < 1;
-  result.active = inWord4 ? intehead[3] : intehead[11];
+  const HeaderWords word(intehead);
+  // The simulator with code 300 has its active cells in word 4, with one exception.
+  const bool inWord4 = word.isE300() && word(4) > 0 && word(96) < 1;
+  result.active = word(inWord4 ? 4 : 12);
   return result;
 }
 
@@ -58,6 +68,26 @@ bool IndexStep::hasGrid(std::string_view grid) const {
 const IndexStep* RestartIndex::find(std::int32_t number) const {
   const auto step = std::ranges::find(steps, number, &IndexStep::number);
   return step == steps.end() ? nullptr : &*step;
+}
+
+bool isRefusedArrayName(std::string_view zName) {
+  if (zName.empty() || std::ranges::find(refusedNames, zName) != std::end(refusedNames)) return true;
+  const bool flowName =
+      (zName.size() == 8 && zName.starts_with("FLO")) || (zName.size() == 6 && zName.starts_with('V'));
+  return flowName && (zName.ends_with("A+") || zName.ends_with("L+") || zName.ends_with("N+"));
+}
+
+bool isCellArray(const IndexEntry& entry, const GridCells& cells) {
+  return entry.count > 0 && (entry.count == cells.active || entry.count == cells.cells) &&
+         isNumber(typeInfo(entry.typeWord.view()).type) && !isRefusedArrayName(entry.keyword.view());
+}
+
+std::vector<const IndexEntry*> cellArrays(const IndexGroup& group) {
+  std::vector<const IndexEntry*> arrays;
+  for (const IndexEntry& entry : group.entries) {
+    if (isCellArray(entry, group.cells)) arrays.push_back(&entry);
+  }
+  return arrays;
 }
 
 }  // namespace lumbarn

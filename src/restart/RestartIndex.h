@@ -23,7 +23,9 @@ template <std::size_t width>
 class FixedText {
  public:
   FixedText() { letters_.fill(' '); }
-  FixedText(std::string_view text) : FixedText() { text.substr(0, width).copy(letters_.data(), width); }
+  explicit FixedText(std::string_view text) : FixedText() {
+    text.substr(0, width).copy(letters_.data(), width);
+  }
   std::string_view view() const { return trimRight({letters_.data(), width}); }
   bool operator==(const FixedText&) const = default;
 
@@ -54,7 +56,7 @@ struct GridCells {
   bool known() const { return cells > 0; }
   bool operator==(const GridCells&) const = default;
 };
-GridCells gridCells(std::span<const std::int32_t> intehead);
+GridCells gridCells(const std::vector<std::int32_t>& intehead);
 
 /// Records that belong to one grid and stand one behind the other. A grid may have several groups: an INIT
 /// file comes back to the global grid after each pass over the local ones.
@@ -108,8 +110,10 @@ RestartIndex walkInit(Session& session, const std::string& file);
 bool isGlobalGrid(std::string_view name);
 bool sameGrid(std::string_view a, std::string_view b);
 
-/// One value for each cell or active cell of its grid, by the rule that decides which arrays of a restart or
-/// INIT file are kept.
+/// Names of records that are as long as an array of cells only by chance, upper case: tables of wells, groups
+/// and aquifers, and flows between cells that are no neighbours.
+bool isRefusedArrayName(std::string_view zName);
+/// One number for each cell or active cell of its grid, and a name that is not refused: what hosts can show.
 bool isCellArray(const IndexEntry& entry, const GridCells& cells);
 /// The entries of a group that are cell arrays.
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);

@@ -87,9 +87,9 @@ class Builder {
 
   void setNumberAndDate() {
     const std::int32_t ofHead = stepOfHead(head_);
-    step_.number = index_.init ? -1
-                   : ofHead >= 1 ? ofHead
-                   : hasNumber_ ? seqnum_
+    step_.number = index_.init          ? -1
+                   : ofHead >= 1        ? ofHead
+                   : hasNumber_         ? seqnum_
                    : numberOfFile_ >= 0 ? numberOfFile_
                                         : ofHead;
     step_.date = dateOfHead(head_, step_.days);

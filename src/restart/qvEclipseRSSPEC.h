@@ -22,7 +22,7 @@ class qvEclipseRSSPECSequence {
   std::int32_t iDay = 0;   ///< this and the next two stay 0 when ITIME has three words or fewer
   std::int32_t iMonth = 0;
   std::int32_t iYear = 0;
-  std::vector<std::int32_t> iTime;             ///< ITIME as it stands
+  std::vector<std::int32_t> iTime;                                   ///< ITIME as it stands
   std::vector<IndexFileGrid> grids = std::vector<IndexFileGrid>(1);  ///< the global grid first
 
   /// Reads the step whose TIME record is the next one, up to the next TIME or the end of the file. Throws
