@@ -5,8 +5,8 @@
 #include "../record/RecordCursor.h"
 #include "../restart/IndexFileReading.h"
 #include "../restart/RestartIndexAgreement.h"
+#include "../shapes/VectorNames.h"
 #include "../support/Guarded.h"
-#include "../support/Text.h"
 
 namespace lumbarn {
 namespace {
@@ -19,15 +19,6 @@ bool opensPass(const RecordHeader& header) {
 }
 
 }  // namespace
-
-void CleanUpVectorNames(std::vector<std::string>& zNames, bool& qOK) {
-  for (std::string& name : zNames) {
-    std::string_view left = trim(name);
-    while (!left.empty() && (left.front() < 'A' || left.front() > 'Z')) left.remove_prefix(1);
-    name = std::string(trim(left));
-  }
-  qOK = true;
-}
 
 void RemoveUnwantedHeaders(std::vector<std::string>& zNames) {
   const auto wanted = std::ranges::find_if(zNames, [](const std::string& name) {

@@ -14,15 +14,12 @@ namespace lumbarn {
 
 class RecordCursor;
 
-/// Makes names out of what some writers put there: trims each, takes characters other than capital letters
-/// off its front, and trims it again. A name without a capital letter becomes empty; "1PORO" becomes "PORO".
-void CleanUpVectorNames(std::vector<std::string>& zNames, bool& qOK);
 /// Takes names that hold "INTEHEAD", "TABDIMS" or "TRANNNC" off the front of a list: they are no arrays that
 /// a host could show.
 void RemoveUnwantedHeaders(std::vector<std::string>& zNames);
 
 /// One pass over the grids of an INIT file, as its index tells it: the global grid, then local grids. An INIT
-/// file with local grids has several passes.
+/// file with local grids has several passes. Names go through `CleanUpVectorNames` before they are counted.
 class qvEclipseINSPEC {
  public:
   std::vector<IndexFileGrid> grids = std::vector<IndexFileGrid>(1);  ///< the global grid first

@@ -8,14 +8,14 @@ namespace lumbarn {
 namespace {
 
 constexpr std::string_view globalGridName = "ROOT";
-constexpr std::string_view refusedNames[] = {"SWEL",   "SGRP",   "SCON",   "SAAQ",   "SCAQ",
-                                             "RPIPE",  "IAAQ",   "IOCN",   "ICAQ",   "HIDDEN",  // in restarts
-                                             "DIFFGL", "TRANGL", "HEATGL", "DIFFLL", "TRANLL",
-                                             "HEATLL"};  // in INIT files
+/// Others are not kept as arrays, whatever their length.
+bool isKept(ElementType type) { return type == ElementType::Integer || type == ElementType::Single; }
 
-bool isNumber(ElementType type) {
-  return type == ElementType::Integer || type == ElementType::Single || type == ElementType::Double;
-}
+constexpr std::string_view refusedNames[] = {
+    "SEQNUM",  "INTEHEAD", "IWEL",   "ICON",   "IGRP",   "SWEL",   "SGRP",   "SCON",  // in restarts
+    "SAAQ",    "SCAQ",     "IAAQ",   "IOCN",   "ICAQ",   "RPIPE",  "HIDDEN", "TABDIMS",
+    "DIFFGL",  "TRANGL",   "HEATGL", "DIFFLL", "TRANLL", "HEATLL",  // in INIT files
+    "DIFFNNC", "TRANNNC",  "HEATNNC"};
 
 }  // namespace
 
@@ -79,7 +79,7 @@ bool isRefusedArrayName(std::string_view zName) {
 
 bool isCellArray(const IndexEntry& entry, const GridCells& cells) {
   return entry.count > 0 && (entry.count == cells.active || entry.count == cells.cells) &&
-         isNumber(typeInfo(entry.typeWord.view()).type) && !isRefusedArrayName(entry.keyword.view());
+         isKept(typeInfo(entry.typeWord.view()).type) && !isRefusedArrayName(entry.keyword.view());
 }
 
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group) {

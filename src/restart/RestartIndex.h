@@ -110,10 +110,11 @@ RestartIndex walkInit(Session& session, const std::string& file);
 bool isGlobalGrid(std::string_view name);
 bool sameGrid(std::string_view a, std::string_view b);
 
-/// Names of records that are as long as an array of cells only by chance, upper case: tables of wells, groups
-/// and aquifers, and flows between cells that are no neighbours.
+/// Names, upper case, of records that are as long as an array of cells only by chance: headers, tables of
+/// wells, groups and aquifers, and what belongs to cells that are no neighbours.
 bool isRefusedArrayName(std::string_view zName);
-/// One number for each cell or active cell of its grid, and a name that is not refused: what hosts can show.
+/// An integer or a single for each cell or active cell of its grid, and a name that is not refused: the
+/// arrays that are kept of a restart or INIT file when all are wanted.
 bool isCellArray(const IndexEntry& entry, const GridCells& cells);
 /// The entries of a group that are cell arrays.
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);
