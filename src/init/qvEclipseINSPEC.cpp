@@ -134,6 +134,7 @@ RestartIndex indexOfInit(Session& session, const std::string& file, const std::s
     index.init = true;
     index.header = reader.head.iHeader;
     IndexStep& step = index.steps.emplace_back();
+    step.date = dateOfHead(reader.head.iHeader, 0);
     for (const auto& pass : reader.passes) {
       if (!addGroups(pass.grids, lowBits, step, problem)) return false;
     }

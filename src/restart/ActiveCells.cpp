@@ -41,7 +41,8 @@ std::optional<ActiveCells> ofPoreVolumes(RecordCursor& cursor, const Session& se
   visitGrid(cursor, session, grid, [&](RecordCursor& at) {
     if (!at.header().is("PORV", ElementType::Single) || at.header().count != cells.cells) return false;
     session.checkMemory(static_cast<std::size_t>(cells.cells) * sizeof(float));
-    result = ActiveCells::fromPoreVolumes(at.singles(), cells.active);
+    // Without the limit: pore volumes of more cells than are active do not tell which these are.
+    result = ActiveCells::fromPoreVolumes(at.singles(), cells.cells);
     return true;
   });
   return result;

@@ -40,7 +40,7 @@ class ActiveCells {
 };
 
 /// Which cells of a grid are active: from PORV of the run's INIT file, else from ACTNUM of its EGRID file;
-/// empty names are passed over. Nothing when neither tells, or none that has `cells.active` active cells.
+/// empty names are passed over. Nothing when neither tells of just `cells.active` active cells.
 /// Only that one array is read. Damage is told as a diagnosis.
 std::optional<ActiveCells> findActiveCells(Session& session, const std::string& initFile,
                                            const std::string& egridFile, std::string_view grid,

@@ -69,7 +69,7 @@ struct IndexGroup {
 /// A report step, or the whole of an INIT file.
 struct IndexStep {
   std::int32_t number = -1;
-  double days = 0;             ///< report time, DOUBHEAD word 1
+  double days = 0;             ///< report time, DOUBHEAD word 1; 0 for an INIT file
   std::optional<Moment> date;  ///< with the time of day, as far as the headers tell it
   std::size_t file = 0;        ///< which of the index's files
   std::uint64_t position = 0;  ///< byte offset, from 0, of the step's first record

@@ -37,7 +37,8 @@ class Builder {
       beginGroup("");
     } else if (header.is("INTEHEAD", ElementType::Integer)) {
       takeHead(headWords(cursor));
-    } else if (header.is("DOUBHEAD", ElementType::Double) && header.count > 0 && step_.groups.size() == 1) {
+    } else if (header.is("DOUBHEAD", ElementType::Double) && header.count > 0 && step_.groups.size() == 1 &&
+               !index_.init) {
       cursor.read(std::span(&step_.days, 1));
     }
     if (header.count > 0) {
