@@ -24,5 +24,7 @@ void addSummary(CLI::App& app, Action& chosen);
 void addRft(CLI::App& app, Action& chosen);
 void addGrid(CLI::App& app, Action& chosen);
 void addWells(CLI::App& app, Action& chosen);
+void addRestart(CLI::App& app, Action& chosen);
+void addIndex(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

@@ -22,6 +22,8 @@ void addCommands(CLI::App& app, Action& chosen) {
   addRft(app, chosen);
   addGrid(app, chosen);
   addWells(app, chosen);
+  addRestart(app, chosen);
+  addIndex(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.

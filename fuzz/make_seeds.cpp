@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include "record/RecordWriter.h"
+#include "support/RestartBuilder.h"
 #include "support/SummaryBuilder.h"
 #include "support/WellTestBuilder.h"
 
@@ -113,6 +114,20 @@ test::SummaryBuilder summary() {
   return run;
 }
 
+test::RestartBuilder restart() {
+  test::RestartBuilder run;
+  test::RestartBuilder::Grid grid;
+  grid.arrays = {{"PRESSURE", {200, 201, 202, 203}},
+                 {"SWAT", {0.25F, 0.5F, 0.75F, 1}},
+                 {"SGAS", {0, 0, 0.5F, 0}},
+                 {"FIPNUM", {1, 1, 2, 2}, true}};
+  grid.wells = {{"P1", {{1, 1, 1}, {1, 2, 1}}, {{7, 1}}}, {"I1", {}, {{7, 3}}}};
+  test::RestartBuilder::Grid local{"FINE", {2, 1, 1}, 2, {{"PRESSURE", {1, 2}}}, {}};
+  run.steps = {{1, 10.25, {1, 2, 2020}, {grid, local}}, {2, 20, {1, 3, 2020}, {grid, local}}};
+  run.headerWords = 96;
+  return run;
+}
+
 Bytes example(const std::string& name) {
   std::ifstream in(std::string(LUMBARN_EXAMPLES "/") + name, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(in), {}};
@@ -132,6 +147,7 @@ void addExamples(const Corpus& corpus) {
   for (const char* file : {"ARBORF/ARBORF.FSMSPEC", "ARBORFM/ARBORFM.A0004", "ARBORF/ARBORF.FRFT"}) {
     corpus.addFile(example(file), formatted, name++);
   }
+  corpus.add("fuzz_restart", {6}, example("ARBORM/ARBORM.X0003"));
   corpus.addSummary(example("ARBOR/ARBOR.SMSPEC"), example("ARBOR/ARBOR.UNSMRY"));
   corpus.addSummary(example("ARBORF/ARBORF.FSMSPEC"), example("ARBORFM/ARBORFM.A0004"));
   corpus.addSummary(example("CEDAR/CEDAR_R2.SMSPEC"), example("CEDAR/CEDAR_R2.UNSMRY"));
@@ -209,6 +225,8 @@ int main(int count, char** words) {
     run.restart = "EARLIER";
     run.firstStep = 3;
     corpus.addSummary(run.spec(form), run.data(form));
+    for (const int options : {0, 3}) corpus.add("fuzz_restart", {options}, restart().bytes(form));
+    corpus.add("fuzz_restart", {6}, restart().bytes(form, restart().steps[0]));
   }
   addExamples(corpus);
   addWellTests(corpus);

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "../files/Families.h"
 #include "../files/FileSets.h"
 #include "../record/ByteSource.h"
+#include "../restart/IndexFile.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"
@@ -51,6 +53,7 @@ void fillChoice(const qvEclipseSOLUTION& all, ECLIPSEINFO& selection, LoadDialog
 struct qvEclipseReader::SolutionLoad {
   std::unique_ptr<qvEclipseSOLUTION> set;
   std::vector<std::int32_t> iRestartList{-1};
+  bool qWriteIndex = false;  ///< asked for by the dialog
 };
 
 void qvEclipseReader::ReadSolutionFile(bool& qOK) {
@@ -127,6 +130,7 @@ bool qvEclipseReader::chooseSteps(SolutionLoad& load) {
   iStart = settings.iStart;
   iEnd = settings.iEnd;
   zOrigin = settings.zOrigin;
+  load.qWriteIndex = settings.writeIndex;
   if (settings.iRestartList != allSteps && !settings.iRestartList.empty()) {
     load.iRestartList = settings.iRestartList;
   }
@@ -154,7 +158,25 @@ bool qvEclipseReader::loadSolution(SolutionLoad& load) {
   set.AcceptDamaged = AcceptDamaged;
   set.getSOLUTIONData(qOK);
   if (iStart != -1) AllData = false;
+  if (qOK && (load.qWriteIndex || !IndexFolder.empty())) qOK = writeRestartIndex(set);
   return qOK;
+}
+
+/// Writes the index of the files that were read, never beside them unless the host names their folder.
+bool qvEclipseReader::writeRestartIndex(const qvEclipseSOLUTION& set) {
+  if (IndexFolder.empty()) {
+    Diagnosis diagnosis;
+    diagnosis.path = set.FileName;
+    diagnosis.problem = "no folder is named for the index";
+    diagnosis.action = "no index was written";
+    session_->diagnose(std::move(diagnosis));
+    return true;
+  }
+  bool qWritten = false;
+  const auto name = lumbarn::FileName(set.FileName).base + (Formatted ? ".FRSSPEC" : ".RSSPEC");
+  const auto path = (std::filesystem::path(IndexFolder) / name).string();
+  WriteEclipseRsspecFile(walkRestart(*session_, set.zMultList), path, qWritten, *session_);
+  return qWritten;
 }
 
 /// What all fetches of a step have in common.

@@ -297,6 +297,7 @@ class qvEclipseReader : public ReaderOptions {
   bool listRestartFiles(qvEclipseSOLUTION& set);
   bool chooseSteps(SolutionLoad& load);
   bool loadSolution(SolutionLoad& load);
+  bool writeRestartIndex(const qvEclipseSOLUTION& set);
   template <class Fetch>
   void fetchStep(const char* routine, bool& qOK, Fetch fetch);
 

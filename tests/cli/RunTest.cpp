@@ -44,9 +44,12 @@ TEST(Run, WrongUsageSaysWhatIsMeant) {
   EXPECT_THAT(command({}).err, HasSubstr("Subcommands:"));
 }
 
+constexpr const char* subcommands[] = {"info",    "records", "check", "vectors", "summary",
+                                       "restart", "wells",   "grid",  "rft",     "index"};
+
 TEST(Run, HelpGoesToStandardOutputWithAnExample) {
   EXPECT_THAT(command({"--version"}).out, ::testing::MatchesRegex("lumbarn [0-9.]+\n"));
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "wells", "rft", "grid"}) {
+  for (const char* subcommand : subcommands) {
     const Outcome help = command({subcommand, "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  lumbarn ") + subcommand));
@@ -60,7 +63,7 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
   const std::string written[] = {manual, content(LUMBARN_EXAMPLES "/../cli/completions/lumbarn.bash"),
                                  content(LUMBARN_EXAMPLES "/../cli/completions/_lumbarn")};
   const std::regex option("--[a-z-]+");
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "wells", "rft", "grid"}) {
+  for (const char* subcommand : subcommands) {
     const std::string help = command({subcommand, "--help"}).out;
     for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
       for (const auto& text : written) EXPECT_THAT(text, HasSubstr(found->str())) << subcommand;
@@ -69,54 +72,52 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
 }
 
 TEST(Run, SeveralRunsInAFolderAreListed) {
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "wells", "rft", "grid"}) {
-    for (const char* subcommand :
-         {"info", "records", "check", "vectors", "summary", "wells", "rft", "grid"}) {
-      const Outcome run = command({subcommand, sample("CEDAR")});
-      EXPECT_EQ(run.status, 2);
-      EXPECT_EQ(run.err, "lumbarn: " + sample("CEDAR") +
-                             " can mean several runs, name one: " + sample("CEDAR/CEDAR, ") +
-                             sample("CEDAR/CEDAR_R1, ") + sample("CEDAR/CEDAR_R2") + "\n");
-    }
-    EXPECT_THAT(command({"records", sample("ARBOR")}).err,
-                HasSubstr("name one of its files: " + sample("ARBOR/ARBOR.DATA, ")));
+  for (const char* subcommand : {"info", "check", "vectors", "summary", "wells", "rft", "grid", "restart"}) {
+    const Outcome run = command({subcommand, sample("CEDAR")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "lumbarn: " + sample("CEDAR") +
+                           " can mean several runs, name one: " + sample("CEDAR/CEDAR, ") +
+                           sample("CEDAR/CEDAR_R1, ") + sample("CEDAR/CEDAR_R2") + "\n");
   }
+  EXPECT_THAT(command({"records", sample("ARBOR")}).err,
+              HasSubstr("name one of its files: " + sample("ARBOR/ARBOR.DATA, ")));
+}
 
-  TEST(Run, AnyMemberRootOrFolderMeansTheRun) {
-    const auto expected = command({"vectors", sample("ARBOR/ARBOR.SMSPEC")}).out;
-    for (const char* path : {"ARBOR", "ARBOR/", "ARBOR/ARBOR", "ARBOR/ARBOR.DATA", "ARBOR/ARBOR.UNRST"}) {
-      EXPECT_EQ(command({"vectors", sample(path)}).out, expected) << path;
-    }
+TEST(Run, AnyMemberRootOrFolderMeansTheRun) {
+  const auto expected = command({"vectors", sample("ARBOR/ARBOR.SMSPEC")}).out;
+  for (const char* path : {"ARBOR", "ARBOR/", "ARBOR/ARBOR", "ARBOR/ARBOR.DATA", "ARBOR/ARBOR.UNRST"}) {
+    EXPECT_EQ(command({"vectors", sample(path)}).out, expected) << path;
   }
+}
 
-  /// Exit status of the real program; standard error goes to a file.
-  int statusOf(const std::string& arguments, const std::string& messages) {
-    const std::string line = std::string("\"" LUMBARN_COMMAND "\" ") + arguments + " 2>" + messages;
-    const int status = std::system(line.c_str());
-    return WEXITSTATUS(status);
+/// Exit status of the real program; standard error goes to a file.
+int statusOf(const std::string& arguments, const std::string& messages) {
+  const std::string line = std::string("\"" LUMBARN_COMMAND "\" ") + arguments + " 2>" + messages;
+  const int status = std::system(line.c_str());
+  return WEXITSTATUS(status);
+}
+
+TEST(Program, ExitStatus) {
+  const test::TemporaryFolder folder;
+  const std::string messages = folder.file("messages");
+  const std::string bytes = content(sample("ARBOR/ARBOR.UNSMRY"));
+  store(folder.file("CUT.UNSMRY"), bytes.substr(0, 9000));
+  store(folder.file("CUT.SMSPEC"), content(sample("ARBOR/ARBOR.SMSPEC")));
+  const auto quoted = [](const std::string& path) { return " '" + path + "' "; };
+
+  EXPECT_EQ(statusOf("info" + quoted(sample("ARBOR")) + ">/dev/null", messages), 0);
+  EXPECT_EQ(content(messages), "") << "no progress bar without a terminal";
+  EXPECT_EQ(statusOf("summary" + quoted(folder.file("CUT")) + ">/dev/null", messages), 3);
+  EXPECT_EQ(content(messages),
+            "lumbarn: " + folder.file("CUT.UNSMRY") +
+                ": record is cut off (byte 8992: expected 24 bytes, found 8); kept 13 rows\n");
+  EXPECT_EQ(statusOf("records" + quoted(sample("ARBOR/ARBOR.DATA")) + ">/dev/null", messages), 1);
+  EXPECT_EQ(statusOf("check NOWHERE >/dev/null", messages), 2);
+  if (std::filesystem::exists("/dev/full")) {
+    EXPECT_EQ(statusOf("vectors" + quoted(sample("ARBOR")) + ">/dev/full", messages), 1);
+    EXPECT_EQ(content(messages), "lumbarn: standard output cannot be written\n");
   }
-
-  TEST(Program, ExitStatus) {
-    const test::TemporaryFolder folder;
-    const std::string messages = folder.file("messages");
-    const std::string bytes = content(sample("ARBOR/ARBOR.UNSMRY"));
-    store(folder.file("CUT.UNSMRY"), bytes.substr(0, 9000));
-    store(folder.file("CUT.SMSPEC"), content(sample("ARBOR/ARBOR.SMSPEC")));
-    const auto quoted = [](const std::string& path) { return " '" + path + "' "; };
-
-    EXPECT_EQ(statusOf("info" + quoted(sample("ARBOR")) + ">/dev/null", messages), 0);
-    EXPECT_EQ(content(messages), "") << "no progress bar without a terminal";
-    EXPECT_EQ(statusOf("summary" + quoted(folder.file("CUT")) + ">/dev/null", messages), 3);
-    EXPECT_EQ(content(messages),
-              "lumbarn: " + folder.file("CUT.UNSMRY") +
-                  ": record is cut off (byte 8992: expected 24 bytes, found 8); kept 13 rows\n");
-    EXPECT_EQ(statusOf("records" + quoted(sample("ARBOR/ARBOR.DATA")) + ">/dev/null", messages), 1);
-    EXPECT_EQ(statusOf("check NOWHERE >/dev/null", messages), 2);
-    if (std::filesystem::exists("/dev/full")) {
-      EXPECT_EQ(statusOf("vectors" + quoted(sample("ARBOR")) + ">/dev/full", messages), 1);
-      EXPECT_EQ(content(messages), "lumbarn: standard output cannot be written\n");
-    }
-  }
+}
 
 }  // namespace
 }  // namespace lumbarn::cli::testing
