@@ -4,6 +4,9 @@
 #include <fstream>
 #include <string>
 #include <vector>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
@@ -107,8 +110,17 @@ void writeTests(const TestFile& file) {
   std::filesystem::rename(part, file.path);
 }
 
+/// Keeps the allocator from learning from thousands of tests that go that large blocks are better kept: the
+/// baseline's buffer would then be used memory, and B is with a new one.
+void keepLargeBlocksNew() {
+#if defined(__GLIBC__)
+  mallopt(M_MMAP_THRESHOLD, 128 << 10);
+#endif
+}
+
 /// All tests as a host loads them.
 void load(const TestFile& file) {
+  keepLargeBlocksNew();
   Session session;
   qvEclipseRFT rft(session);
   bool qOK = rft.CheckRFTFile(file.path.string());
