@@ -110,25 +110,27 @@ void writeTests(const TestFile& file) {
   std::filesystem::rename(part, file.path);
 }
 
-/// Keeps the allocator from learning from thousands of tests that go that large blocks are better kept: the
-/// baseline's buffer would then be used memory, and B is with a new one.
-void keepLargeBlocksNew() {
+/// Hands what the tests took back to the system, at the cost of the case: the allocator would give it to the
+/// baseline's buffer, and B is with new memory.
+void giveMemoryBack() {
 #if defined(__GLIBC__)
-  mallopt(M_MMAP_THRESHOLD, 128 << 10);
+  malloc_trim(0);
 #endif
 }
 
 /// All tests as a host loads them.
 void load(const TestFile& file) {
-  keepLargeBlocksNew();
-  Session session;
-  qvEclipseRFT rft(session);
-  bool qOK = rft.CheckRFTFile(file.path.string());
-  if (qOK) rft.getRFTData(qOK);
-  require(qOK && session.diagnoses().empty(), "no clean load");
-  require(rft.NumTests() == file.tests, fmt::format("{} tests", rft.NumTests()));
-  require(rft.test(file.tests).qPLT() == file.plt, "last test is another");
-  benchmark::DoNotOptimize(rft.test(file.tests).rftTable().values.data());
+  {
+    Session session;
+    qvEclipseRFT rft(session);
+    bool qOK = rft.CheckRFTFile(file.path.string());
+    if (qOK) rft.getRFTData(qOK);
+    require(qOK && session.diagnoses().empty(), "no clean load");
+    require(rft.NumTests() == file.tests, fmt::format("{} tests", rft.NumTests()));
+    require(rft.test(file.tests).qPLT() == file.plt, "last test is another");
+    benchmark::DoNotOptimize(rft.test(file.tests).rftTable().values.data());
+  }
+  giveMemoryBack();
 }
 
 /// All tests as data, one after the other.
