@@ -32,4 +32,7 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
 std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
                                                const FindingSink& report);
 
+/// Reports what does not fit together in a grid file: arrays and sizes, parents, host cells, connections.
+void checkGrid(const RunMember& file, Session& session, const FindingSink& report);
+
 }  // namespace lumbarn::cli
