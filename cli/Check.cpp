@@ -42,7 +42,7 @@ class FindingReport {
   }
   void file(const std::string& path, const FileCheck& check) {
     if (table_) return;
-    out_ << fmt::format("{}: {} record{}, {}\n", printable(path), check.records,
+    out_ << fmt::format("{}: {} {}{}, {}\n", printable(path), check.records, check.unit,
                         check.records == 1 ? "" : "s",
                         check.findings == 0   ? "clean"
                         : check.findings == 1 ? "1 finding"
@@ -58,7 +58,8 @@ class FindingReport {
   std::unique_ptr<TableWriter> table_;
 };
 
-/// The files of a run that consist of records. A file whose name tells nothing counts when it was asked for.
+/// The files of a run that consist of records, or of tests. A file whose name tells nothing counts when it
+/// was asked for.
 std::vector<const RunMember*> recordFiles(const RunFamily& run) {
   std::vector<const RunMember*> files;
   for (const RunMember& member : run.members) {
@@ -100,11 +101,16 @@ class RunCheck {
     const FindingSink add = [this](const Diagnosis& finding) { report_.add(finding); };
     FileCheck result =
         checkFile(file, file.kind == FileKind::Summary ? vectors : std::nullopt, console_, add);
-    if (file.kind == FileKind::SummarySpec && result.findings == 0) {
-      vectors = checkSpecification(file, console_.session(), [&](const Diagnosis& finding) {
-        ++result.findings;
-        report_.add(finding);
-      });
+    const FindingSink count = [&](const Diagnosis& finding) {
+      ++result.findings;
+      report_.add(finding);
+    };
+    if (result.findings == 0) {
+      if (file.kind == FileKind::SummarySpec) vectors = checkSpecification(file, console_.session(), count);
+      if (file.kind == FileKind::Save) checkSave(file, console_.session(), count);
+      if (file.kind == FileKind::Rft && result.unit == std::string_view("record")) {
+        checkWellTests(file.path, FileKind::Rft, console_.session(), count);
+      }
     }
     if ((file.kind == FileKind::EGrid || file.kind == FileKind::Grid) && result.findings == 0) {
       checkGrid(file, console_.session(), [&](const Diagnosis& finding) {

@@ -9,8 +9,11 @@
 #include "RecordData.h"
 #include "files/Recogniser.h"
 #include "grid/qvGRIDReader.h"
+#include "reader/qvEclipseReader.h"
+#include "restart/qvEclipseSAVE.h"
 #include "summary/RestartChain.h"
 #include "summary/qvEclipseSPEC.h"
+#include "support/Text.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -125,13 +128,20 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
     ++result.findings;
     report(std::move(finding));
   };
+  const Recognised recognised = recogniseFile(file.path);
+  if (recognised.kind == FileKind::UserRft || recognised.kind == FileKind::UserPlt) {
+    const auto tests = checkWellTests(file.path, recognised.kind, console.session(), count);
+    result.readable = tests.has_value();
+    result.records = tests.value_or(0);
+    result.unit = "test";
+    return result;
+  }
   std::string why;
   const auto cursor = openRecords(file.path, why);
   if (!cursor) {
     count({.path = file.path, .problem = why, .action = "read nothing of it"});
     return result;
   }
-  const Recognised recognised = recogniseFile(file.path);
   if (recognised.byContent && file.kind != FileKind::Unknown && recognised.kind != file.kind) {
     count({.path = file.path,
            .problem = "content is not what the name says",
@@ -157,6 +167,20 @@ void checkGrid(const RunMember& file, Session& session, const FindingSink& repor
   session.diagnosisSink = shown;
 }
 
+void checkSave(const RunMember& file, Session& session, const FindingSink& report) {
+  // What is wrong is reported as a finding; the fault report of the same would only repeat it.
+  const auto reporter = std::exchange(session.faultReporter, {});
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  qvEclipseSAVE save(session);
+  bool qOK = false;
+  if (save.CheckSAVEFile(file.path)) {
+    save.SetMultList(1, {file.path}, qOK);
+    save.getSAVEData(qOK);
+  }
+  session.diagnosisSink = shown;
+  session.faultReporter = reporter;
+}
+
 std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
                                                const FindingSink& report) {
   const auto shown = std::exchange(session.diagnosisSink, report);
@@ -168,6 +192,27 @@ std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& s
   session.diagnosisSink = shown;
   if (!qOK) return std::nullopt;
   return spec.nVectors;
+}
+
+std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
+                                           const FindingSink& report) {
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  // What a fault of a test has cost is a finding too.
+  const auto said = std::exchange(session.faultReporter, nullptr);
+  if (kind == FileKind::Rft) {
+    session.faultReporter = [&](std::string_view text) {
+      report({.path = path, .problem = std::string(trim(text)), .action = "left out what depends on it"});
+    };
+  }
+  qvEclipseReader reader(session);
+  reader.FileName = path;
+  reader.whichtype = whichtypeOf(kind);
+  bool qOK = false;
+  reader.ECLReadData(qOK);
+  session.faultReporter = said;
+  session.diagnosisSink = shown;
+  if (!qOK) return std::nullopt;
+  return kind == FileKind::Rft ? reader.NumberRFTTests() : reader.NumberUserTests();
 }
 
 }  // namespace lumbarn::cli

@@ -19,7 +19,11 @@ void addCommands(CLI::App& app, Action& chosen) {
   addCheck(app, chosen);
   addVectors(app, chosen);
   addSummary(app, chosen);
+  addRft(app, chosen);
   addGrid(app, chosen);
+  addWells(app, chosen);
+  addRestart(app, chosen);
+  addIndex(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.

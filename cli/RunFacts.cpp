@@ -6,6 +6,8 @@
 #include <set>
 
 #include "RecordData.h"
+#include "WellTestFile.h"
+#include "files/Recogniser.h"
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
 
@@ -170,12 +172,15 @@ Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
 }
 
 Facts testFacts(const RunFamily& run, Console& console) {
+  RunMember file = *run.find(FileKind::Rft);
+  file.kind = recogniseFile(file.path).kind;
+  if (isText(file.kind)) return userTestFacts(file, console);
   constexpr std::size_t wellName = 1;  // place in WELLETC, from 0
   std::int64_t tests = 0;
   std::set<std::string> wells;
   std::optional<Moment> first;
   std::optional<Moment> last;
-  walk(run.find(FileKind::Rft)->path, console, [&](RecordCursor& cursor) {
+  walk(file.path, console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.keyword == "TIME") ++tests;
     if (header.is("WELLETC", ElementType::Text) && header.count > std::int64_t{wellName}) {
@@ -188,6 +193,25 @@ Facts testFacts(const RunFamily& run, Console& console) {
     if (!first) first = last;
   });
   Facts facts = {{"tests", tests}, {"wells", wells}};
+  if (first) facts["first_date"] = isoText(*first, true);
+  if (last) facts["last_date"] = isoText(*last, true);
+  return facts;
+}
+
+Facts userTestFacts(const RunMember& file, Console& console) {
+  const auto tests = WellTestFile::open(file.path, file.kind, console);
+  std::set<std::string> wells;
+  std::optional<Moment> first;
+  std::optional<Moment> last;
+  std::size_t rows = 0;
+  for (const TestSummary& test : tests->tests()) {
+    wells.insert(test.well);
+    rows += test.rows;
+    if (!test.date) continue;
+    first = first ? std::min(first, test.date) : test.date;
+    last = std::max(last, test.date);
+  }
+  Facts facts = {{"tests", tests->tests().size()}, {"wells", wells}, {"rows", rows}};
   if (first) facts["first_date"] = isoText(*first, true);
   if (last) facts["last_date"] = isoText(*last, true);
   return facts;

@@ -21,9 +21,11 @@ struct ReaderOptions {
   std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
   std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  std::int32_t whichtype = 0;  ///< file kind code: 12 and 13 summary, 14 GRID, 23 EGRID
-  bool Silent = false;         ///< no dialog
-  bool Formatted = true;       ///< form of the file; replaced by what recognition finds, as the next two
+  /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 18 RFT, 23 EGRID, 76 and 77 user RFT and
+  /// PLT.
+  std::int32_t whichtype = 0;
+  bool Silent = false;    ///< no dialog
+  bool Formatted = true;  ///< form of the file; replaced by what recognition finds, as the next two
   bool UNIX = false;
   bool byteSwap = false;
   bool Unified = false;   ///< one file for all steps; found out when no multiple files are there
@@ -69,7 +71,7 @@ struct ReaderOptions {
   bool RUNSPECOnly = false;
   bool ProcessCorners = true;
   bool ProcessAll = false;
-  bool ProcessPLT = true;
+  bool ProcessPLT = true;  ///< this and the next two: kept with the tests and without effect on them
   bool SortedPLT = true;
   bool ScaledPLT = true;
   bool HorizWell = false;  ///< build along-well profiles after a summary load
@@ -96,7 +98,8 @@ struct ReaderOptions {
   // Additions to the options that hosts know of old.
   std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both are taken together
   std::vector<std::string> ExceptPatterns;  ///< as zExcept
-  bool AcceptDamaged = false;               ///< succeed with what was read before damage; see `Damaged`
+  std::string IndexFolder;     ///< folder for index files of restart sets; empty: none is written
+  bool AcceptDamaged = false;  ///< succeed with what was read before damage; see `Damaged`
 };
 
 }  // namespace lumbarn

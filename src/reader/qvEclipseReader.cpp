@@ -19,6 +19,8 @@ namespace {
 
 constexpr const char* className = "qvEclipseReader";
 
+bool isRestartCode(std::int32_t code) { return code == 11 || code == 16; }
+
 /// Step numbers stand in slots of 16 bits; beyond them the slot widens rather than lie.
 Variant stepSlot(std::int32_t step) {
   if (std::in_range<std::int16_t>(step)) return static_cast<std::int16_t>(step);
@@ -58,9 +60,18 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case 12:
     case 13:
       return ReadSummaryFile(qOK);
+    case 18:
+      return ReadRFTFile(qOK);
+    case 76:
+      return ReadUserRFTFile(qOK);
+    case 77:
+      return ReadUserPLTFile(qOK);
     case 14:
     case 23:
       return ReadGridOrEGridFile(whichtype, qOK);
+    case 11:
+    case 16:
+      return ReadSolutionFile(qOK);
     default:
       return;
   }
@@ -214,21 +225,37 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
       return qvGRIDReader(*session_).CheckGRIDFile(zFileName);
     case 23:
       return qvGRIDReader(*session_).CheckEGRIDFile(zFileName);
+    case 11:
     case 16:
-      return CheckECLIPSEFileType(zFileName, 11);
+      return qvEclipseSOLUTION(*session_).CheckRESTARTFile(zFileName);
     default:
       return iFileType >= 11 && iFileType <= 154 && recogniseFile(zFileName).whichtype() == iFileType;
   }
 }
 
 bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
-  // Code 23 is none of those that hosts ask for: a grid answers to 14, whichever file it came from.
-  return (iType == 13 && summary_ != nullptr) || (iType == 14 && grid_ != nullptr);
+  switch (iType) {
+    case 11:
+      return solution_ != nullptr;
+    case 13:
+      return summary_ != nullptr;
+    case 14:  // whichever file the grid came from; code 23 is none of those that hosts ask for
+      return grid_ != nullptr;
+    case 18:
+      return tests_ != nullptr;
+    case 76:
+      return userTests_ != nullptr;
+    default:
+      return false;
+  }
 }
 
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
+  if (iType == 11) solution_.reset();
   if (iType == 13) summary_.reset();
   if (iType == 14) grid_.reset();
+  if (iType == 18) tests_.reset();
+  if (iType == 76) userTests_.reset();
   return true;
 }
 
@@ -383,11 +410,15 @@ std::optional<Moment> qvEclipseReader::StartDate() const {
 }
 
 std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
+  if (isRestartCode(whichtype))
+    return solution_ ? solution_->selection.unmatched() : std::vector<std::string>{};
   return summary_ ? summary_->unmatched : std::vector<std::string>{};
 }
 
 bool qvEclipseReader::Damaged() const {
-  return (summary_ && summary_->qDamaged) || (grid_ && grid_->qDamaged);
+  if (isRestartCode(whichtype)) return solution_ && solution_->qDamaged;
+  if (whichtype == 14 || whichtype == 23) return grid_ && grid_->qDamaged;
+  return summary_ && summary_->qDamaged;
 }
 
 }  // namespace lumbarn

@@ -2,12 +2,15 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "../files/Recogniser.h"
 #include "../grid/qvGRIDReader.h"
+#include "../restart/WellRecords.h"
+#include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
@@ -16,6 +19,9 @@
 #include "../summary/qvEclipseSUMMARYFile.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "../welltests/WellTest.h"
+#include "../welltests/qvEclipseRFT.h"
+#include "../welltests/qvUserRFT.h"
 #include "LoadDialog.h"
 #include "ReaderOptions.h"
 
@@ -61,6 +67,13 @@ class qvEclipseReader : public ReaderOptions {
   /// `NoRestart` False the earlier runs of the chain are found from it. A last record that is not whole, as a
   /// running simulation leaves it, is told as a diagnosis and no failure.
   void ReadSummaryFile(bool& qOK);
+  /// Reads the well tests of a simulator's RFT file. Damage ends the reading and is told as a diagnosis; what
+  /// stands before it is there, and that is no failure unless it is nothing.
+  void ReadRFTFile(bool& qOK);
+  /// Reads a text file of measured tests, RFT or PLT. Both are kept in one place, the later load. A row with
+  /// too few numbers ends the reading with a report, which is no failure.
+  void ReadUserRFTFile(bool& qOK);
+  void ReadUserPLTFile(bool& qOK);
 
   /// Reads the grids of `FileName`: of a GRID file with 14, of an EGRID file with 23. Damage ends the load
   /// with qOK False (True with `AcceptDamaged` when a grid was whole); the grids before it can be had. With
@@ -70,6 +83,13 @@ class qvEclipseReader : public ReaderOptions {
   void ReadGridFile(bool& qOK) { ReadGridOrEGridFile(14, qOK); }
   void ReadEGridFile(bool& qOK) { ReadGridOrEGridFile(23, qOK); }
 
+  /// Reads a restart set: `FileName` is its unified file, any of its multiple files, which then all count, or
+  /// its index. Steps and arrays are those of `iStart`, `iEnd`, `bOnly`, `zOnly`, `zExcept` and the pattern
+  /// lists, which hold names of arrays here. With `LoadData` False no values are read, only their places.
+  /// A last step that is not whole is left out, told as a diagnosis, and no failure; damage is one unless
+  /// `AcceptDamaged`, and the steps before it can be fetched.
+  void ReadSolutionFile(bool& qOK);
+
   // --- Recognition
 
   /// Tells a file's kind by its content and sets `whichtype` to it. False, and nothing set, for a file of no
@@ -77,9 +97,11 @@ class qvEclipseReader : public ReaderOptions {
   bool CheckifEclipse(FileDescriptor& uFileDesc);
   /// Whether a file is of the kind of a code.
   bool CheckECLIPSEFileType(const std::string& zFileName, std::int32_t iFileType);
-  /// Whether data of a kind are held. Code 12 answers False, as 13 is the code of summary data.
+  /// Whether data of a kind are held. Code 12 answers False, as 13 is the code of summary data, and 77 does,
+  /// as 76 is the code of user tests of both kinds.
   bool IsInitialised(std::int32_t iType) const;
-  /// Releases what is held of a kind; always True. Code 12 releases nothing, 13 the summary.
+  /// Releases what is held of a kind; always True. Codes 12 and 77 release nothing, 13 the summary and 76 the
+  /// user tests.
   bool DeleteObject(std::int32_t iType);
 
   // --- Summary results
@@ -128,6 +150,51 @@ class qvEclipseReader : public ReaderOptions {
   void SetACTNUM(std::int32_t iGrid, const std::vector<std::int32_t>& iACTNUM, bool& qOK);
   /// Whether there is a cache file for `FileName` that can be used. Sets `HPGFileName` when it is empty.
   bool HPGFileTest();
+  // --- Restart results. Steps count from 1 in the order read; `iGridNumber` is the grid, 1 the global one.
+
+  /// One step: values of the active cells, nActive by arrays, in the file's units, a 233-byte header for each
+  /// array, source information, and a row of 55 items for each well and connection; nMarkers is the number of
+  /// rows. Without values (`LoadData` False) xyData is one row. qOK False for a grid without arrays. Results
+  /// are copies, so a step can be fetched again; `RestartValues` copies nothing.
+  void GetRESTARTSEQUENCE(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData,
+                          MarkerTable& vMarkers, std::int32_t& nMarkers, bool& qOK);
+  /// The same with the markers as one block of bytes.
+  void GetRESTARTSEQUENCEb(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData,
+                           std::vector<std::byte>& bMarkers, std::int32_t& nMarkers, bool& qOK);
+  /// The same with the places of the arrays, 5 rows by arrays (see `ArrayTable::iFOD`); qFOD True when the
+  /// values are to be fetched from there.
+  void GetRESTARTSEQUENCEFOD(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders,
+                             SourceData& vSourceData, MarkerTable& vMarkers, std::int32_t& nMarkers,
+                             ColumnTable<std::int32_t>& iFOD, bool& qFOD, bool& qOK);
+  void GetRESTARTSEQUENCEFODb(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders,
+                              SourceData& vSourceData, std::vector<std::byte>& bMarkers,
+                              std::int32_t& nMarkers, ColumnTable<std::int32_t>& iFOD, bool& qFOD, bool& qOK);
+  /// Drops the arrays and wells of one step; its date and size stay.
+  void DeleteRESTARTSEQUENCE(std::int32_t iSeqnum, bool& qOK);
+  /// Slots 1, 2, 3 of vSourceData take the size of the step's global grid; -1 and qOK False without the step.
+  void GetRESTARTSEQUENCENxNyNz(std::int32_t iSeqnum, SourceData& vSourceData, bool& qOK);
+  /// What a host needs to open the file for the places above.
+  void getEclipseFODInfo(FileTypeSettings& qFileTypeSettings, bool& qOK);
+  /// PVT table number of a well of the last step, by its number from 1, or with -1 by its name; an unknown
+  /// name means the last well. -1 and qOK False when there is none.
+  std::int32_t getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex = -1);
+
+  // --- Restart, beyond what hosts of old ask for
+
+  /// The steps held: number, days, date, grids, file.
+  std::vector<RestartStep> RestartSteps() const;
+  /// One grid of a step, with its arrays' names, units and places, and its wells; null when there is none.
+  /// Holds until the next load or release.
+  const RESTARTGRID* RestartGrid(std::int32_t iSeqnum, std::int32_t iGrid) const;
+  /// The values of one array where they lie, by its place from 1 or by its name; empty when there is none or
+  /// no values are held. Holds as long as the grid.
+  std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid, std::int32_t iVector) const;
+  std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid,
+                                       std::string_view zName) const;
+  /// The wells of one grid of a step with their connections, as records in the order of the file; none when
+  /// the grid has no wells. Rates and numbers of connections are there after a load with `FullWellInfo` only.
+  /// qOK False when there is no such grid.
+  std::vector<WellRecord> RestartWells(std::int32_t iSeqnum, std::int32_t iGrid, bool& qOK) const;
 
   // --- Summary, beyond what hosts of old ask for
 
@@ -143,10 +210,65 @@ class qvEclipseReader : public ReaderOptions {
   std::vector<Moment> RowDates(const XYData& xyData) const;
   /// Start of the run, with its time of day.
   std::optional<Moment> StartDate() const;
-  /// Patterns of the last load that no vector matched.
+  /// Patterns of the last load that no vector or array matched.
   std::vector<std::string> UnmatchedPatterns() const;
   /// Whether the last load met damage or a record that is not whole. What is fetched lies before it.
   bool Damaged() const;
+
+  // --- RFT and PLT results
+  //
+  // Tests count from 1, in the order of the file; a number out of range, and any call before a load, is a
+  // failure. Tables have a row for each connection or segment and a header for each column: class word, units
+  // as in the file, well, number of the test within the well, and name. After qOK False outputs are as they
+  // were before, but for tables of segments.
+
+  /// Which kinds of data a test of the simulator holds; all three can be True.
+  void getRFTTestInfo(std::int32_t iTest, bool& qRFT, bool& qPLT, bool& qSEG, bool& qOK);
+  /// Pressures and saturations, the depth in front. zDate is "15 JUL 2003", with " 06:30" behind it for a
+  /// test that is not at midnight; zGrid is empty for the main grid, and so is zTestOrigin always.
+  void GetRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
+                  std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zTestOrigin,
+                  bool& qOK);
+  /// Rates and pressures by connection, then the columns of the RFT table in the same order of rows.
+  void GetPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                  std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
+  /// The same of one branch, from 1.
+  void GetPLTBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                        std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                        std::int32_t iBranch = 0);
+  /// The segments of one branch, from 1; zDate without a time of day.
+  void GetBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
+                     std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                     std::int32_t iBranch = 0);
+  /// The inflow control devices that empty into one branch of the tubing, by their own numbers, from 1; zDate
+  /// without a time of day.
+  void GetICDBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
+                        std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                        std::int32_t iBranch = 0);
+  /// The name of the grid of each connection and a blank behind it, "ROOT " for the main grid.
+  void getRFTtestGrid(std::int32_t iTest, std::vector<char>& bGrids, bool& qOK);
+  // Branches of a test, 0 for a test that is not there.
+  std::int32_t NumberPLTBranches(std::int32_t iTest) const;
+  std::int32_t NumberBranches(std::int32_t iTest) const;
+  std::int32_t NumberICDBranches(std::int32_t iTest) const;
+  /// One test of a user's file, its depth column in front; zDate as in `GetRFTtest`, zOrigin as the file
+  /// says. The table is empty when the file was read as one of the other kind.
+  void getUserRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
+                      std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zTestOrigin,
+                      bool& qOK);
+  void getUserPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                      std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
+
+  // --- RFT and PLT, beyond what hosts of old ask for
+
+  /// Tests held of the simulator's file and of the user's.
+  std::int32_t NumberRFTTests() const;
+  std::int32_t NumberUserTests() const;
+  /// The tests of the simulator's RFT file `FileName` as data, all arrays as they stand in it and nothing
+  /// worked out; needs no load. Tests before damage are given, the one that it stands in too.
+  std::vector<WellTest> ListRFTTests(bool& qOK) const;
+  /// The tests of the user's file that was loaded, as data.
+  std::vector<UserTest> ListUserTests() const;
 
  private:
   struct SummaryLoad;
@@ -166,10 +288,27 @@ class qvEclipseReader : public ReaderOptions {
                     bool& qOK);
   void fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData, bool& qOK) const;
 
+  void readUserTests(UserTestKind kind, bool& qOK);
+  template <class Source, class Ask>
+  void askTests(const std::unique_ptr<Source>& source, const char* routine, bool& qOK, Ask ask);
+  struct SolutionLoad;
+  bool readSolution();
+  void tellNoRestart(const std::string& path);
+  bool listRestartFiles(qvEclipseSOLUTION& set);
+  bool chooseSteps(SolutionLoad& load);
+  bool loadSolution(SolutionLoad& load);
+  bool writeRestartIndex(const qvEclipseSOLUTION& set);
+  template <class Fetch>
+  void fetchStep(const char* routine, bool& qOK, Fetch fetch);
+
   Session* session_;
   LoadDialog* dialog_ = nullptr;
   std::unique_ptr<qvEclipseSUMMARYFile> summary_;
+  std::unique_ptr<qvEclipseRFT> tests_;
+  std::unique_ptr<qvUserRFT> userTests_;
+  UserTestKind userKind_ = UserTestKind::Rft;  // of `userTests_`
   std::unique_ptr<qvGRIDReader> grid_;
+  std::unique_ptr<qvEclipseSOLUTION> solution_;
 };
 
 }  // namespace lumbarn

@@ -27,6 +27,8 @@ RecordCursor::~RecordCursor() = default;
 RecordCursor::RecordCursor(RecordCursor&&) noexcept = default;
 RecordCursor& RecordCursor::operator=(RecordCursor&&) noexcept = default;
 
+void RecordCursor::readAhead() { window_->readAhead(); }
+
 /// Adds this cursor's coordinates to whatever damage the body meets.
 template <class Body>
 auto RecordCursor::located(Body&& body) {
@@ -56,6 +58,16 @@ bool RecordCursor::next() {
     next_ = layout_->end;
     return true;
   });
+}
+
+void RecordCursor::unread() {
+  --met_[header_.keyword];
+  next_ = header_.headerAt;
+}
+
+void RecordCursor::goBack(Mark mark) {
+  next_ = mark.next;
+  met_ = std::move(mark.met);
 }
 
 bool RecordCursor::readHeader(std::uint64_t position) {
