@@ -112,6 +112,13 @@ class RunCheck {
         checkWellTests(file.path, FileKind::Rft, console_.session(), count);
       }
     }
+    if ((file.kind == FileKind::EGrid || file.kind == FileKind::Grid) && result.findings == 0) {
+      checkGrid(file, console_.session(), [&](const Diagnosis& finding) {
+        ++result.findings;
+        report_.add(finding);
+      });
+      console_.checkCancelled();
+    }
     if (result.findings > 0 && status_ == Done) status_ = Partial;
     if (!result.readable) status_ = Unreadable;
     console_.progress().hide();
