@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include "record/RecordWriter.h"
+#include "support/GridBuilder.h"
 #include "support/SummaryBuilder.h"
 
 /// make_seeds FOLDER: writes first inputs for every fuzz target, to FOLDER/TARGET.
@@ -112,6 +113,28 @@ test::SummaryBuilder summary() {
   return run;
 }
 
+/// Grids with all there can be: inactive cells, a local grid, two reservoirs, coarsening, connections, two
+/// porosity systems, angles.
+std::vector<test::GridBuilder> grids() {
+  std::vector<test::GridBuilder> all(4);
+  all[0].grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1};
+  all[0].grids[0].nnc1 = {1, 2};
+  all[0].grids[0].nnc2 = {7, 12};
+  all[0].grids.push_back(
+      {.size = {2, 2, 1}, .name = "INNER", .hosts = {1, 2, 5, 3}, .nncl = {4}, .nncg = {11}});
+  all[0].mapAxes = {0, 1000, 0, 0, 1000, 0};
+  all[0].mapUnit = "METRES";
+  all[1].grids[0].reservoirs = {{1, 1}, {2, 2}};
+  all[1].grids[0].coarse = {1, 1, 0, 0, 0, 0, 1, 1, 0, 2, 2, 2};
+  all[2].dualPorosity = 1;
+  all[2].grids[0].halfDepths = true;
+  all[2].grids[0].activity = {1, 2, 3, 0, 3, 3};
+  all[3].grids[0].size = {2, 4, 1};
+  all[3].grids[0].angles = 4;
+  all[3].grids[0].activity = {1, 0, 0, 1};
+  return all;
+}
+
 Bytes example(const std::string& name) {
   std::ifstream in(std::string(LUMBARN_EXAMPLES "/") + name, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(in), {}};
@@ -130,6 +153,9 @@ void addExamples(const Corpus& corpus) {
   }
   for (const char* file : {"ARBORF/ARBORF.FSMSPEC", "ARBORFM/ARBORFM.A0004", "ARBORF/ARBORF.FRFT"}) {
     corpus.addFile(example(file), formatted, name++);
+  }
+  for (const char* file : {"HOLLIN/HOLLIN.EGRID", "ARBOR/ARBOR.EGRID", "ARBORF/ARBORF.FEGRID"}) {
+    corpus.add("fuzz_grid", {0}, example(file));
   }
   corpus.addSummary(example("ARBOR/ARBOR.SMSPEC"), example("ARBOR/ARBOR.UNSMRY"));
   corpus.addSummary(example("ARBORF/ARBORF.FSMSPEC"), example("ARBORFM/ARBORFM.A0004"));
@@ -154,6 +180,10 @@ int main(int count, char** words) {
     run.restart = "EARLIER";
     run.firstStep = 3;
     corpus.addSummary(run.spec(form), run.data(form));
+    for (const auto& grid : grids()) {
+      corpus.add("fuzz_grid", {0}, grid.egrid(form));
+      if (grid.dualPorosity == 0 && grid.grids[0].angles == 0) corpus.add("fuzz_grid", {0}, grid.grid(form));
+    }
   }
   addExamples(corpus);
   return 0;
