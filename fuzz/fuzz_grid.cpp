@@ -92,7 +92,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* bytes, std::size_t 
                                                unsigned seed) {
   if (size < 2 || seed % 2 == 0) return LLVMFuzzerMutate(bytes, size, room);
   const auto changed = fuzz::mutateRecords(fuzz::bytesOf({bytes + 1, size - 1}), seed / 2);
-  if (changed.size() + 1 > room) return size;
+  if (changed.empty() || changed.size() + 1 > room) return size;
   std::memcpy(bytes + 1, changed.data(), changed.size());
   return changed.size() + 1;
 }

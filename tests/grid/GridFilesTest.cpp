@@ -222,6 +222,18 @@ TEST(EGridFiles, ACoarsenedBlockIsOneCellWithItsOuterCorners) {
   EXPECT_EQ(load.grid().nActive(), 23);
 }
 
+TEST(EGridFiles, TheNextGridEndsOneThatHasNoEnd) {
+  GridBuilder builder;
+  builder.endGrid = false;
+  builder.grids.push_back({.size = {2, 2, 1}, .activity = {1, 1, 0, 1}, .name = "LOCAL"});
+  GridLoad load(true);
+  ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian)) << load.lastDiagnosis().text();
+  ASSERT_EQ(load.reader.nGrids, 2);
+  EXPECT_EQ(load.grid(1).zName, "LOCAL");
+  expectCorners(load.grid(1), builder, builder.grids[1]);
+  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("end of the grid is not told"));
+}
+
 TEST(EGridFiles, MapAxesTurnScaleAndMove) {
   GridBuilder builder;
   builder.lean = 0;

@@ -35,6 +35,7 @@ struct GridBuilder {
   std::int32_t fileType = 0;                  ///< word 5 of FILEHEAD
   std::int32_t dualPorosity = 0;              ///< word 6
   std::array<std::int32_t, 3> headSize = {};  ///< when set, what the last GRIDHEAD says instead
+  bool endGrid = true;
   float lean = 1;
   std::vector<float> mapAxes = {};
   std::vector<std::string> gridUnit = {"METRES", ""};
@@ -135,7 +136,7 @@ struct GridBuilder {
     if (!grid.activity.empty()) out.integers("ACTNUM", grid.activity);
     if (!grid.coarse.empty()) out.integers("CORSNUM", grid.coarse);
     if (!grid.hosts.empty()) out.integers("HOSTNUM", grid.hosts);
-    out.integers("ENDGRID", {});
+    if (endGrid) out.integers("ENDGRID", {});
     if (!grid.name.empty()) out.integers("ENDLGR", {});
   }
   void writeGrid(RecordWriter& out, const Grid& grid) const {
