@@ -80,7 +80,7 @@ class RunCheck {
     if (files.empty()) throw Failure(Usage, run.folder + run.base + ": has no record files");
     console_.progress().files(static_cast<int>(files.size()));
     for (const RunMember* file : files) {
-      check(*file);
+      check(run, *file);
       console_.progress().fileDone();
     }
     checkPair(run, FileKind::SummarySpec, FileKind::Summary, "no summary data go with it");
@@ -95,7 +95,7 @@ class RunCheck {
     if (status_ == Done) status_ = Partial;
   }
 
-  void check(const RunMember& file) {
+  void check(const RunFamily& run, const RunMember& file) {
     auto& vectors = vectors_[file.formatted ? 1 : 0];
     const FindingSink add = [this](const Diagnosis& finding) { report_.add(finding); };
     FileCheck result =
@@ -107,6 +107,12 @@ class RunCheck {
     if (file.kind == FileKind::SummarySpec && result.findings == 0)
       vectors = checkSpecification(file, console_.session(), count);
     if (file.kind == FileKind::Save && result.findings == 0) checkSave(file, console_.session(), count);
+    if ((file.kind == FileKind::Rsspec || file.kind == FileKind::Inspec) && result.findings == 0) {
+      checkIndex(run, file, console_.session(), [&](const Diagnosis& finding) {
+        ++result.findings;
+        report_.add(finding);
+      });
+    }
     if (result.findings > 0 && status_ == Done) status_ = Partial;
     if (!result.readable) status_ = Unreadable;
     console_.progress().hide();

@@ -7,7 +7,10 @@
 #include <fmt/format.h>
 
 #include "RecordData.h"
+#include "RunIndex.h"
 #include "files/Recogniser.h"
+#include "init/qvEclipseINSPEC.h"
+#include "restart/RestartIndexAgreement.h"
 #include "restart/qvEclipseSAVE.h"
 #include "summary/RestartChain.h"
 #include "summary/qvEclipseSPEC.h"
@@ -170,6 +173,18 @@ std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& s
   session.diagnosisSink = shown;
   if (!qOK) return std::nullopt;
   return spec.nVectors;
+}
+
+void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {
+  const bool init = file.kind == FileKind::Inspec;
+  if (!run.find(init ? FileKind::Init : FileKind::Restart)) return;
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  if (init) {
+    indexOfInit(session, run.find(FileKind::Init)->path, file.path);
+  } else {
+    indexOfRestart(session, restartFiles(run), file.path);
+  }
+  session.diagnosisSink = shown;
 }
 
 }  // namespace lumbarn::cli

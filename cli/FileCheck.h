@@ -35,4 +35,7 @@ void checkSave(const RunMember& file, Session& session, const FindingSink& repor
 std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
                                                const FindingSink& report);
 
+/// Reports why an index file (RSSPEC, INSPEC) is not that of the run's restart or INIT file, if it has one.
+void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report);
+
 }  // namespace lumbarn::cli

@@ -11,6 +11,8 @@
 #include <fmt/format.h>
 
 #include "record/RecordWriter.h"
+#include "restart/IndexFile.h"
+#include "support/IndexedRun.h"
 #include "support/SummaryBuilder.h"
 
 /// make_seeds FOLDER: writes first inputs for every fuzz target, to FOLDER/TARGET.
@@ -137,6 +139,26 @@ void addExamples(const Corpus& corpus) {
   corpus.addSummary(example("HOLLIN/HOLLIN.SMSPEC"), example("HOLLIN/HOLLIN.UNSMRY"));
 }
 
+/// The indexes of the run whose data the target has.
+void addIndexes(const Corpus& corpus) {
+  const test::TemporaryFolder folder;
+  const test::IndexedRun run;
+  const std::string target = folder.file("INDEX");
+  const auto addWritten = [&](int kind) {
+    std::ifstream in(target, std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(in), {});
+    corpus.add("fuzz_index", {kind}, test::bytesOf(text));
+  };
+  Session session;
+  bool qOK = false;
+  WriteEclipseRsspecFile(walkRestart(session, run.writeRestart(folder, "R", test::bigEndian, true)), target,
+                         qOK, session);
+  addWritten(0);
+  test::writeFile(folder.file("R.INIT"), run.init(test::bigEndian));
+  WriteEclipseInspecFile(walkInit(session, folder.file("R.INIT")), target, qOK, session);
+  addWritten(1);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -156,5 +178,6 @@ int main(int count, char** words) {
     corpus.addSummary(run.spec(form), run.data(form));
   }
   addExamples(corpus);
+  addIndexes(corpus);
   return 0;
 }

@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart index -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -12,11 +12,13 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
-    --vectors | --except | --steps)
+    --vectors | --except | --steps | --step | --array | --grid)
       return
       ;;
   esac
   case ${COMP_WORDS[1]} in
+    restart) options+=' --step --array --grid --ijk --all' ;;
+    index) options='--into --replace -h --help' ;;
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;
     summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
