@@ -23,7 +23,6 @@ const Golden goldens[] = {
     {"summary", {"summary", "--dates", "--vectors", "FOP*,WBHP:P?,BPR:12,8,4", "--except", "FOPT", "HOLLIN"}},
     {"restart", {"restart", "ARBORM"}},
     {"restart-rows", {"restart", "--step", "3", "--format", "csv", "ARBORF"}},
-    {"restart-values", {"restart", "--step", "13", "--array", "S*,PRESSURE", "--ijk", "HOLLIN"}},
     {"info-run", {"info", "HOLLIN"}},
     {"info-summary", {"info", "CEDAR/CEDAR_R2.UNSMRY"}},
     {"info-steps", {"info", "--format", "csv", "ARBORFM/ARBORFM.F0003"}},
