@@ -44,5 +44,7 @@ void checkGrid(const RunMember& file, Session& session, const FindingSink& repor
 /// if it can be read.
 std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
                                            const FindingSink& report);
+/// Reports why an index file (RSSPEC, INSPEC) is not that of the run's restart or INIT file, if it has one.
+void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report);
 
 }  // namespace lumbarn::cli

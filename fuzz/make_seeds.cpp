@@ -11,7 +11,9 @@
 #include <fmt/format.h>
 
 #include "record/RecordWriter.h"
+#include "restart/IndexFile.h"
 #include "support/GridBuilder.h"
+#include "support/IndexedRun.h"
 #include "support/RestartBuilder.h"
 #include "support/SummaryBuilder.h"
 #include "support/WellTestBuilder.h"
@@ -234,6 +236,26 @@ void addWellTests(const Corpus& corpus) {
   }
 }
 
+/// The indexes of the run whose data the target has.
+void addIndexes(const Corpus& corpus) {
+  const test::TemporaryFolder folder;
+  const test::IndexedRun run;
+  const std::string target = folder.file("INDEX");
+  const auto addWritten = [&](int kind) {
+    std::ifstream in(target, std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(in), {});
+    corpus.add("fuzz_index", {kind}, test::bytesOf(text));
+  };
+  Session session;
+  bool qOK = false;
+  WriteEclipseRsspecFile(walkRestart(session, run.writeRestart(folder, "R", test::bigEndian, true)), target,
+                         qOK, session);
+  addWritten(0);
+  test::writeFile(folder.file("R.INIT"), run.init(test::bigEndian));
+  WriteEclipseInspecFile(walkInit(session, folder.file("R.INIT")), target, qOK, session);
+  addWritten(1);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -260,5 +282,6 @@ int main(int count, char** words) {
   }
   addExamples(corpus);
   addWellTests(corpus);
+  addIndexes(corpus);
   return 0;
 }
