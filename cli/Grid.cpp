@@ -189,7 +189,7 @@ void addGrid(CLI::App& app, Action& chosen) {
   addOutputOptions(*command, options->output);
   command->footer(
       "Arrays of the restart file are exported for all its steps, which viewers of VTK 9.3 and later read;\n"
-      "with --step any since 9.1 can read the file. Examples:\n  lumbarn grid RUN\n"
+      "with --step any since 9.1 can read the file. Example:\n  lumbarn grid RUN\n"
       "  lumbarn grid --vtk run.vtkhdf --array PORO --array PRESSURE --z-up RUN");
   command->callback(
       [options, &chosen] { chosen = [options](Console& console) { return showGrid(*options, console); }; });

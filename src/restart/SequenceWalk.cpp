@@ -108,6 +108,10 @@ void qvEclipseSEQUENCE::takeRecord(RecordCursor& cFile, Walk& walk) {
     qHasSolution = true;
     qSolutionOpen = header.keyword == "STARTSOL";
     qHasEnd = !qSolutionOpen;
+  } else if (header.keyword == "LGR") {
+    qHasEnd = false;  // of this grid, again
+  } else if (header.keyword == "ENDLGR") {
+    qHasEnd = true;
   }
   if (!isUsual(header)) {
     throw BadRecord(recordDiagnosis(cFile, "record of a type that restart files do not have",
