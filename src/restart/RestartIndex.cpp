@@ -14,7 +14,7 @@ bool isKept(ElementType type) { return type == ElementType::Integer || type == E
 constexpr std::string_view refusedNames[] = {
     "SEQNUM",  "INTEHEAD", "IWEL",   "ICON",   "IGRP",   "SWEL",   "SGRP",   "SCON",  // in restarts
     "SAAQ",    "SCAQ",     "IAAQ",   "IOCN",   "ICAQ",   "RPIPE",  "HIDDEN", "TABDIMS",
-    "DIFFGL",  "TRANGL",   "HEATGL", "DIFFLL", "TRANLL", "HEATLL",  // in INIT files
+    "ENDLGR",  "DIFFGL",   "TRANGL", "HEATGL", "DIFFLL", "TRANLL", "HEATLL",  // in INIT files
     "DIFFNNC", "TRANNNC",  "HEATNNC"};
 
 }  // namespace
