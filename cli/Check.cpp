@@ -100,12 +100,13 @@ class RunCheck {
     const FindingSink add = [this](const Diagnosis& finding) { report_.add(finding); };
     FileCheck result =
         checkFile(file, file.kind == FileKind::Summary ? vectors : std::nullopt, console_, add);
-    if (file.kind == FileKind::SummarySpec && result.findings == 0) {
-      vectors = checkSpecification(file, console_.session(), [&](const Diagnosis& finding) {
-        ++result.findings;
-        report_.add(finding);
-      });
-    }
+    const FindingSink count = [&](const Diagnosis& finding) {
+      ++result.findings;
+      report_.add(finding);
+    };
+    if (file.kind == FileKind::SummarySpec && result.findings == 0)
+      vectors = checkSpecification(file, console_.session(), count);
+    if (file.kind == FileKind::Save && result.findings == 0) checkSave(file, console_.session(), count);
     if (result.findings > 0 && status_ == Done) status_ = Partial;
     if (!result.readable) status_ = Unreadable;
     console_.progress().hide();

@@ -8,6 +8,7 @@
 
 #include "RecordData.h"
 #include "files/Recogniser.h"
+#include "restart/qvEclipseSAVE.h"
 #include "summary/RestartChain.h"
 #include "summary/qvEclipseSPEC.h"
 
@@ -142,6 +143,20 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
   result.records = walk.records();
   result.readable = result.records > 0;
   return result;
+}
+
+void checkSave(const RunMember& file, Session& session, const FindingSink& report) {
+  // What is wrong is reported as a finding; the fault report of the same would only repeat it.
+  const auto reporter = std::exchange(session.faultReporter, {});
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  qvEclipseSAVE save(session);
+  bool qOK = false;
+  if (save.CheckSAVEFile(file.path)) {
+    save.SetMultList(1, {file.path}, qOK);
+    save.getSAVEData(qOK);
+  }
+  session.diagnosisSink = shown;
+  session.faultReporter = reporter;
 }
 
 std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,

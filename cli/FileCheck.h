@@ -27,6 +27,9 @@ struct FileCheck {
 FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, Console& console,
                     const FindingSink& report);
 
+/// Reports what keeps a save file whose records are whole from telling its steps.
+void checkSave(const RunMember& file, Session& session, const FindingSink& report);
+
 /// Reports what does not fit together in a summary specification, and a run that it names as the one it
 /// restarted from but that cannot be found. Gives the count of its vectors, if it can be read.
 std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,

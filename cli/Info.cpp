@@ -77,6 +77,9 @@ void addContent(Facts& facts, const RunFamily& run, FileKind kind, Console& cons
     case FileKind::Grid:
       facts["grid"] = gridFacts(run, kind, console);
       break;
+    case FileKind::Save:
+      facts["save"] = saveFacts(run, console);
+      break;
     case FileKind::Rft:
       facts["well_tests"] = testFacts(run, console);
       break;
@@ -90,8 +93,8 @@ ExitStatus tellAbout(const InfoOptions& options, Console& console) {
   Output output(options.output, console.out(), pathsOf(run));
   Facts facts = Facts::object();
   bool unknown = false;
-  std::vector<FileKind> kinds{FileKind::SummarySpec, FileKind::Restart, FileKind::Init,
-                              FileKind::EGrid,       FileKind::Grid,    FileKind::Rft};
+  std::vector<FileKind> kinds{FileKind::SummarySpec, FileKind::Restart, FileKind::Init, FileKind::EGrid,
+                              FileKind::Grid,        FileKind::Rft,     FileKind::Save};
   if (run.given) {
     RunMember& file = run.members[*run.given];
     const Recognised recognised = recogniseFile(file.path);

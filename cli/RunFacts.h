@@ -15,6 +15,7 @@ Facts summaryFacts(const RunFamily& run, Console& console);
 Facts restartFacts(const RunFamily& run, Console& console);
 Facts initFacts(const RunFamily& run, Console& console);
 Facts gridFacts(const RunFamily& run, FileKind kind, Console& console);
+Facts saveFacts(const RunFamily& run, Console& console);
 Facts testFacts(const RunFamily& run, Console& console);
 
 /// A unit system by its number in a header.

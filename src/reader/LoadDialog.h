@@ -18,7 +18,7 @@ struct LoadDialogSettings {
   bool FORTRAN = true;
   std::string zOrigin;
   std::string FileName;
-  std::string zFileType;    ///< "SUMMARY"
+  std::string zFileType;    ///< "SUMMARY", "SOLUTION"
   bool hasLengths = false;  ///< along-well profiles can be had
   std::int32_t iStart = -1;
   std::int32_t iEnd = -1;
@@ -27,7 +27,9 @@ struct LoadDialogSettings {
   bool MiniSteps = false;
   bool InFlow = false;
   bool Connect = false;
-  std::vector<std::string> zFiles;  ///< files of a multiple set
+  std::vector<std::string> zFiles;         ///< files of a multiple set
+  std::vector<std::int32_t> iRestartList;  ///< report steps of a restart set, all of them; takes the choice
+  bool writeIndex = false;                 ///< write an index of the restart set
 };
 
 /// A dialog through which a person chooses what to load; a host may supply one. Without it the reader takes
@@ -39,6 +41,13 @@ class LoadDialog {
   /// `selection` is filled with the classes and members on offer, all chosen, and takes the choice. False
   /// when it was cancelled.
   virtual bool show(const qvEclipseSPEC& spec, ECLIPSEINFO& selection, LoadDialogSettings& settings) = 0;
+  /// The same for files of arrays: `selection` has the names of the solution vectors on offer, all chosen,
+  /// and takes the choice. A dialog that does not know such files takes them as they are.
+  virtual bool showArrays(ECLIPSEINFO& selection, LoadDialogSettings& settings) {
+    (void)selection;
+    (void)settings;
+    return true;
+  }
 };
 
 }  // namespace lumbarn

@@ -21,7 +21,7 @@ struct ReaderOptions {
   std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
   std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  std::int32_t whichtype = 0;  ///< file kind code: 12 and 13 summary
+  std::int32_t whichtype = 0;  ///< file kind code: 11 and 16 restart, 12 and 13 summary
   bool Silent = false;         ///< no dialog
   bool Formatted = true;       ///< form of the file; replaced by what recognition finds, as the next two
   bool UNIX = false;
@@ -92,7 +92,8 @@ struct ReaderOptions {
   // Additions to the options that hosts know of old.
   std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both are taken together
   std::vector<std::string> ExceptPatterns;  ///< as zExcept
-  bool AcceptDamaged = false;               ///< succeed with what was read before damage; see `Damaged`
+  std::string IndexFolder;     ///< folder for index files of restart sets; empty: none is written
+  bool AcceptDamaged = false;  ///< succeed with what was read before damage; see `Damaged`
 };
 
 }  // namespace lumbarn

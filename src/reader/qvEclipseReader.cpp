@@ -19,6 +19,8 @@ namespace {
 
 constexpr const char* className = "qvEclipseReader";
 
+bool isRestartCode(std::int32_t code) { return code == 11 || code == 16; }
+
 /// Step numbers stand in slots of 16 bits; beyond them the slot widens rather than lie.
 Variant stepSlot(std::int32_t step) {
   if (std::in_range<std::int16_t>(step)) return static_cast<std::int16_t>(step);
@@ -58,6 +60,9 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case 12:
     case 13:
       return ReadSummaryFile(qOK);
+    case 11:
+    case 16:
+      return ReadSolutionFile(qOK);
     default:
       return;
   }
@@ -207,19 +212,28 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
     case 12:
     case 13:  // the summary reader asks for the specification under both codes
       return qvEclipseSPEC(*session_).CheckSPECFile(zFileName);
+    case 11:
     case 16:
-      return CheckECLIPSEFileType(zFileName, 11);
+      return qvEclipseSOLUTION(*session_).CheckRESTARTFile(zFileName);
     default:
       return iFileType >= 11 && iFileType <= 154 && recogniseFile(zFileName).whichtype() == iFileType;
   }
 }
 
-bool qvEclipseReader::IsInitialised(std::int32_t iType) const { return iType == 13 && summary_ != nullptr; }
+bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
+  switch (iType) {
+    case 11:
+      return solution_ != nullptr;
+    case 13:
+      return summary_ != nullptr;
+    default:
+      return false;
+  }
+}
 
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
-  if (iType == 13) {
-    summary_.reset();
-  }
+  if (iType == 11) solution_.reset();
+  if (iType == 13) summary_.reset();
   return true;
 }
 
@@ -374,9 +388,14 @@ std::optional<Moment> qvEclipseReader::StartDate() const {
 }
 
 std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
+  if (isRestartCode(whichtype))
+    return solution_ ? solution_->selection.unmatched() : std::vector<std::string>{};
   return summary_ ? summary_->unmatched : std::vector<std::string>{};
 }
 
-bool qvEclipseReader::Damaged() const { return summary_ && summary_->qDamaged; }
+bool qvEclipseReader::Damaged() const {
+  if (isRestartCode(whichtype)) return solution_ && solution_->qDamaged;
+  return summary_ && summary_->qDamaged;
+}
 
 }  // namespace lumbarn

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "../files/Recogniser.h"
+#include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
@@ -61,6 +63,13 @@ class qvEclipseReader : public ReaderOptions {
   /// running simulation leaves it, is told as a diagnosis and no failure.
   void ReadSummaryFile(bool& qOK);
 
+  /// Reads a restart set: `FileName` is its unified file, any of its multiple files, which then all count, or
+  /// its index. Steps and arrays are those of `iStart`, `iEnd`, `bOnly`, `zOnly`, `zExcept` and the pattern
+  /// lists, which hold names of arrays here. With `LoadData` False no values are read, only their places.
+  /// A last step that is not whole is left out, told as a diagnosis, and no failure; damage is one unless
+  /// `AcceptDamaged`, and the steps before it can be fetched.
+  void ReadSolutionFile(bool& qOK);
+
   // --- Recognition
 
   /// Tells a file's kind by its content and sets `whichtype` to it. False, and nothing set, for a file of no
@@ -102,6 +111,48 @@ class qvEclipseReader : public ReaderOptions {
   /// The scratch file handed over with `SaveScratchFiles`; empty when memory sufficed. The caller deletes it.
   std::string SummaryScratchFileName() const;
 
+  // --- Restart results. Steps count from 1 in the order read; `iGridNumber` is the grid, 1 the global one.
+
+  /// One step: values of the active cells, nActive by arrays, in the file's units, a 233-byte header for each
+  /// array, source information, and a row of 55 items for each well and connection; nMarkers is the number of
+  /// rows. Without values (`LoadData` False) xyData is one row. qOK False for a grid without arrays. Results
+  /// are copies, so a step can be fetched again; `RestartValues` copies nothing.
+  void GetRESTARTSEQUENCE(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData,
+                          MarkerTable& vMarkers, std::int32_t& nMarkers, bool& qOK);
+  /// The same with the markers as one block of bytes.
+  void GetRESTARTSEQUENCEb(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData,
+                           std::vector<std::byte>& bMarkers, std::int32_t& nMarkers, bool& qOK);
+  /// The same with the places of the arrays, 5 rows by arrays (see `ArrayTable::iFOD`); qFOD True when the
+  /// values are to be fetched from there.
+  void GetRESTARTSEQUENCEFOD(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders,
+                             SourceData& vSourceData, MarkerTable& vMarkers, std::int32_t& nMarkers,
+                             ColumnTable<std::int32_t>& iFOD, bool& qFOD, bool& qOK);
+  void GetRESTARTSEQUENCEFODb(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders,
+                              SourceData& vSourceData, std::vector<std::byte>& bMarkers,
+                              std::int32_t& nMarkers, ColumnTable<std::int32_t>& iFOD, bool& qFOD, bool& qOK);
+  /// Drops the arrays and wells of one step; its date and size stay.
+  void DeleteRESTARTSEQUENCE(std::int32_t iSeqnum, bool& qOK);
+  /// Slots 1, 2, 3 of vSourceData take the size of the step's global grid; -1 and qOK False without the step.
+  void GetRESTARTSEQUENCENxNyNz(std::int32_t iSeqnum, SourceData& vSourceData, bool& qOK);
+  /// What a host needs to open the file for the places above.
+  void getEclipseFODInfo(FileTypeSettings& qFileTypeSettings, bool& qOK);
+  /// PVT table number of a well of the last step, by its number from 1, or with -1 by its name; an unknown
+  /// name means the last well. -1 and qOK False when there is none.
+  std::int32_t getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex = -1);
+
+  // --- Restart, beyond what hosts of old ask for
+
+  /// The steps held: number, days, date, grids, file.
+  std::vector<RestartStep> RestartSteps() const;
+  /// One grid of a step, with its arrays' names, units and places, and its wells; null when there is none.
+  /// Holds until the next load or release.
+  const RESTARTGRID* RestartGrid(std::int32_t iSeqnum, std::int32_t iGrid) const;
+  /// The values of one array where they lie, by its place from 1 or by its name; empty when there is none or
+  /// no values are held. Holds as long as the grid.
+  std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid, std::int32_t iVector) const;
+  std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid,
+                                       std::string_view zName) const;
+
   // --- Summary, beyond what hosts of old ask for
 
   /// The vectors of a specification, dummies left out, without reading data. `FileName` is the specification.
@@ -116,7 +167,7 @@ class qvEclipseReader : public ReaderOptions {
   std::vector<Moment> RowDates(const XYData& xyData) const;
   /// Start of the run, with its time of day.
   std::optional<Moment> StartDate() const;
-  /// Patterns of the last load that no vector matched.
+  /// Patterns of the last load that no vector or array matched.
   std::vector<std::string> UnmatchedPatterns() const;
   /// Whether the last load met damage or a record that is not whole. What is fetched lies before it.
   bool Damaged() const;
@@ -136,9 +187,19 @@ class qvEclipseReader : public ReaderOptions {
                     bool& qOK);
   void fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData, bool& qOK) const;
 
+  struct SolutionLoad;
+  bool readSolution();
+  void tellNoRestart(const std::string& path);
+  bool listRestartFiles(qvEclipseSOLUTION& set);
+  bool chooseSteps(SolutionLoad& load);
+  bool loadSolution(SolutionLoad& load);
+  template <class Fetch>
+  void fetchStep(const char* routine, bool& qOK, Fetch fetch);
+
   Session* session_;
   LoadDialog* dialog_ = nullptr;
   std::unique_ptr<qvEclipseSUMMARYFile> summary_;
+  std::unique_ptr<qvEclipseSOLUTION> solution_;
 };
 
 }  // namespace lumbarn

@@ -58,6 +58,16 @@ bool RecordCursor::next() {
   });
 }
 
+void RecordCursor::unread() {
+  --met_[header_.keyword];
+  next_ = header_.headerAt;
+}
+
+void RecordCursor::goBack(Mark mark) {
+  next_ = mark.next;
+  met_ = std::move(mark.met);
+}
+
 bool RecordCursor::readHeader(std::uint64_t position) {
   if (!codec_->readHeader(*window_, position, header_)) return false;
   if (header_.typeWord != "X231") return true;

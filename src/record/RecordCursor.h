@@ -39,6 +39,15 @@ class RecordCursor {
   std::uint64_t nextPosition() const { return next_; }
   /// Makes `next` look at this byte offset, from 0.
   void seek(std::uint64_t headerPosition) { next_ = headerPosition; }
+  /// Makes `next` find the current record once more, as if it had not been met.
+  void unread();
+  /// Where the cursor stands and what it has met, to come back to after a look ahead.
+  struct Mark {
+    std::uint64_t next = 0;
+    std::unordered_map<std::string, std::int64_t> met;
+  };
+  Mark mark() const { return {next_, met_}; }
+  void goBack(Mark mark);
   std::uint64_t fileSize() const { return source_->size(); }
   const std::string& path() const { return path_; }
   const Form& form() const { return form_; }

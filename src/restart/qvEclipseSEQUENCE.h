@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
@@ -68,6 +70,8 @@ class qvEclipseSEQUENCE {
 
   // Beyond what hosts of old ask for.
   ArraySelection* selection = nullptr;  ///< patterns of array names; not owned, null: all
+  bool qAnyRecord = false;              ///< the step has records at all
+  bool qAtEnd = false;                  ///< reading ended at the end of the file
   bool qHasSolution = false;            ///< STARTSOL or ENDSOL was met
   bool qSolutionOpen = false;           ///< STARTSOL was met and its ENDSOL was not
 
@@ -108,7 +112,7 @@ class qvEclipseSEQUENCE {
   std::vector<float> GetVectorArrayMax() const;
   std::vector<double> GetVectorTime() const;
 
-  // --- Wells: WellRecords.cpp
+  // --- Wells: StepWells.cpp. A record that does not fit gives qOK False and no table.
 
   void processIWEL(std::span<const std::int32_t> words, bool& qOK);
   void processSWEL(std::span<const float> words, bool& qOK);
@@ -157,21 +161,25 @@ class qvEclipseSEQUENCE {
  private:
   struct Walk;
 
-  bool takeRecord(RecordCursor& cFile, Walk& walk);
-  bool takeInteger(RecordCursor& cFile, Walk& walk);
+  std::vector<std::string> listArrays(RecordCursor& cFile, bool& qUsual) const;
+  void takeRecord(RecordCursor& cFile, Walk& walk);
+  void takeInteger(RecordCursor& cFile, Walk& walk);
   void takeSingle(RecordCursor& cFile, Walk& walk);
   void takeDouble(RecordCursor& cFile, Walk& walk);
-  void takeText(RecordCursor& cFile, Walk& walk);
+  void takeText(RecordCursor& cFile);
+  void takeLogicals(RecordCursor& cFile);
+  void takeStepNumber(RecordCursor& cFile, Walk& walk);
   void takeHeader(RecordCursor& cFile, Walk& walk);
   void takeArray(RecordCursor& cFile);
-  void startGrid(RecordCursor& cFile);
-  void giveUpEmptyGrid();
-  void dropRecord(RecordCursor& cFile, bool qKept);
+  void stopBehindHeaders(Walk& walk) const;
+  void giveUpLastGrid();
+  void tellDropped(const RecordCursor& cFile);
   void deriveSaturation();
   std::vector<std::int32_t> rowOfFOD(std::size_t iRow) const;
   std::int32_t dimension(std::int32_t number, std::int32_t RESTARTGRID::*field, bool& qOK) const;
 
   Session* session_;
+  std::map<std::string, std::int32_t, std::less<>> gridOf_{{"ROOT", 1}};
 };
 
 }  // namespace lumbarn

@@ -23,6 +23,18 @@ namespace lumbarn {
 /// bytes swapped, and whether the I/O method is 8.
 using FileTypeSettings = std::array<bool, 5>;
 
+/// What tells one step from another.
+struct RestartStep {
+  std::int32_t iSeqnum = 0;  ///< report step number
+  double dTime = 0;          ///< days
+  std::int32_t iDay = -1;
+  std::int32_t iMonth = -1;
+  std::int32_t iYear = -1;
+  std::string zDate;  ///< with the time of day when there is one: "15 JUL 2003 6:30"
+  std::int32_t nGrids = 1;
+  std::string FileName;
+};
+
 /// One restart file set of a run: one unified file, or one file for each report step. Set the members, let
 /// `CheckRESTARTFile` look at the file, call `getSOLUTIONData`, then fetch the steps that were kept by their
 /// place, from 1.
@@ -108,13 +120,14 @@ class qvEclipseSOLUTION {
   /// Date of the last step read.
   void getRESTARTDate(std::int32_t& iDay, std::int32_t& iMonth, std::int32_t& iYear) const;
 
+  /// The steps kept, in the order read.
+  std::vector<RestartStep> steps() const;
   /// The form of the set's files.
   Form form() const;
 
  private:
   struct Load;
 
-  bool readSet();
   bool prepare(Load& load);
   bool applyStepList(Load& load);
   bool readEntries(Load& load);
@@ -122,12 +135,20 @@ class qvEclipseSOLUTION {
   bool readOneStep(Load& load, RecordCursor& cursor, std::size_t entry);
   void addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step);
   std::size_t firstCapacity(const Load& load, const RecordCursor& cursor) const;
-  bool endAtDamage(Load& load, const RecordCursor& cursor, Diagnosis diagnosis);
-  template <class Markers>
-  void fetch(const char* routine, std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders,
-             SourceData& vSourceData, std::int32_t& nMarkers, bool& qOK, Markers markers);
+  bool endAtDamage(Load& load, std::size_t entry, Diagnosis diagnosis);
+  qvEclipseSEQUENCE& select(std::int32_t iSeqnum);
+  bool fetchStep(const qvEclipseSEQUENCE& from, XYData& xyData, ByteTable& bHeaders,
+                 SourceData& vSourceData) const;
+  void takePlaces(const qvEclipseSEQUENCE& from, ColumnTable<std::int32_t>& iFOD, bool& qFOD) const;
+  void takeMarkers(const qvEclipseSEQUENCE& from, MarkerTable& vMarkers, std::int32_t& nMarkers,
+                   SourceData& vSourceData) const;
+  void takeMarkers(qvEclipseSEQUENCE& from, std::vector<std::byte>& bMarkers, std::int32_t& nMarkers,
+                   SourceData& vSourceData) const;
+  void fillSourceData(const qvEclipseSEQUENCE& from, SourceData& vSourceData) const;
+  void fillExtended(const qvEclipseSEQUENCE& from, SourceData& vSourceData) const;
 
   Session* session_;
+  bool checkedUnified_ = false;  // CheckRESTARTFile found a unified file
   std::vector<std::unique_ptr<qvEclipseSEQUENCE>> xSEQ_;
   std::int32_t nSequences_ = 0;
   std::size_t nSequencesMax_ = 1;

@@ -1,0 +1,270 @@
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "../support/Diagnosis.h"
+#include "../support/Fault.h"
+#include "../support/Guarded.h"
+#include "../support/Text.h"
+#include "ArrayUnits.h"
+#include "qvEclipseSEQUENCE.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr const char* className = "qvEclipseSEQUENCE";
+
+Diagnosis recordDiagnosis(const RecordCursor& cFile, std::string problem, std::string expected,
+                          std::string found) {
+  const RecordHeader& header = cFile.header();
+  Diagnosis diagnosis;
+  diagnosis.path = cFile.path();
+  diagnosis.problem = std::move(problem);
+  diagnosis.keyword = header.keyword;
+  diagnosis.occurrence = cFile.occurrence();
+  diagnosis.offset = header.headerAt;
+  diagnosis.expected = std::move(expected);
+  diagnosis.found = std::move(found);
+  return diagnosis;
+}
+
+bool hasData(const RecordHeader& header) { return header.count > 0; }
+
+/// Types that restart files are made of; a record of another type without data says nothing.
+bool isUsual(const RecordHeader& header) {
+  switch (header.type) {
+    case ElementType::Integer:
+    case ElementType::Single:
+    case ElementType::Double:
+    case ElementType::Text:
+    case ElementType::Logical:
+      return true;
+    default:
+      return !hasData(header);
+  }
+}
+
+}  // namespace
+
+/// What the walk over the records of one step knows.
+struct qvEclipseSEQUENCE::Walk {
+  bool keep = true;  ///< arrays of this step are wanted
+  bool seenHeader = false;
+  bool seenTime = false;
+  bool firstTime = true;
+  bool stop = false;
+  int stepNumbers = 0;
+};
+
+void qvEclipseSEQUENCE::getEclipseSEQUENCE(RecordCursor& cFile, bool& qOK) {
+  guarded(*session_, qOK, className, "getEclipseSEQUENCE", [&] { return readStep(cFile); });
+}
+
+bool qvEclipseSEQUENCE::readStep(RecordCursor& cFile) {
+  Walk walk;
+  walk.keep = !ReadOnlyHeader;
+  grid().Origin = Origin;
+  grid().iSeqnum = iSeqnum;
+  bool qMore = true;
+  while (!walk.stop && qMore) {
+    qMore = cFile.next() && !cFile.header().keyword.empty();
+    qAnyRecord = qAnyRecord || qMore;
+    if (qMore) takeRecord(cFile, walk);
+    if (session_->cancelled()) return false;
+  }
+  qAtEnd = !qMore || cFile.nextPosition() >= cFile.fileSize();
+  // Deliberate: only at the end of the file, so a local grid without arrays stays in all steps but the last.
+  if (!qMore && iGrid > 1 && iGrid == nGrids && grid().arrays.nVectors() == 0) giveUpLastGrid();
+  grid().arrays.TidyVectors();
+  return true;
+}
+
+void qvEclipseSEQUENCE::giveUpLastGrid() {
+  gridOf_.erase(tGrids.back().GridName);
+  tGrids.pop_back();
+  iGrid = --nGrids;
+}
+
+void qvEclipseSEQUENCE::takeRecord(RecordCursor& cFile, Walk& walk) {
+  const RecordHeader& header = cFile.header();
+  if (header.keyword == "STARTSOL" || header.keyword == "ENDSOL") {
+    qHasSolution = true;
+    qSolutionOpen = header.keyword == "STARTSOL";
+  }
+  if (!isUsual(header)) {
+    throw BadRecord(recordDiagnosis(cFile, "record of a type that restart files do not have",
+                                    "INTE, REAL, DOUB, CHAR or LOGI", header.typeWord));
+  }
+  switch (header.type) {
+    case ElementType::Integer:
+      return takeInteger(cFile, walk);
+    case ElementType::Single:
+      return takeSingle(cFile, walk);
+    case ElementType::Double:
+      return takeDouble(cFile, walk);
+    case ElementType::Text:
+      return takeText(cFile);
+    case ElementType::Logical:
+      if (header.keyword != "LOGIHEAD") return;
+      return takeLogicals(cFile);
+    default:
+      return;
+  }
+}
+
+void qvEclipseSEQUENCE::takeInteger(RecordCursor& cFile, Walk& walk) {
+  const std::string& name = cFile.header().keyword;
+  if (name == "SEQNUM") return takeStepNumber(cFile, walk);
+  if (name == "INTEHEAD") return takeHeader(cFile, walk);
+  bool qKept = true;
+  if (name == "IWEL") {
+    processIWEL(cFile.integers(), qKept);
+  } else if (name == "ICON") {
+    // A step of a multiple set is held even when it lies outside of the limits, and answers for its wells.
+    if (!walk.keep && (Unified || ReadOnlyHeader)) return;
+    processICON(cFile.integers(), qKept);
+  } else if (walk.keep && name != "IGRP") {
+    takeArray(cFile);
+  }
+  if (!qKept) tellDropped(cFile);
+}
+
+void qvEclipseSEQUENCE::takeSingle(RecordCursor& cFile, Walk& walk) {
+  if (!walk.keep) return;
+  const std::string& name = cFile.header().keyword;
+  bool qKept = true;
+  if (name == "SCON") {
+    if (qMarkers) processSCON(cFile.singles(), qKept);
+  } else if (name == "SWEL") {
+    if (qMarkers) processSWEL(cFile.singles(), qKept);
+  } else {
+    takeArray(cFile);
+  }
+  if (!qKept) tellDropped(cFile);
+}
+
+void qvEclipseSEQUENCE::takeDouble(RecordCursor& cFile, Walk& walk) {
+  const RecordHeader& header = cFile.header();
+  if (header.keyword == "DOUBHEAD") {
+    double time = 0;
+    const std::span<double> words(&time, hasData(header) ? 1 : 0);
+    cFile.read(words);
+    processDBLEHEAD(words);
+    walk.seenTime = true;
+    stopBehindHeaders(walk);
+  } else if (header.keyword == "XWEL" && walk.keep && qMarkers) {
+    bool qKept = true;
+    processXWEL(cFile.doubles(), qKept);
+    if (!qKept) tellDropped(cFile);
+  }
+}
+
+void qvEclipseSEQUENCE::takeText(RecordCursor& cFile) {
+  const std::string& name = cFile.header().keyword;
+  bool qKept = true;
+  if (name == "ZWEL") {
+    processZWEL(cFile.texts(), qKept);
+  } else if (name == "ZGRP") {
+    processZGRP(cFile.texts(), qKept);
+  } else if (name == "LGR") {
+    const auto names = cFile.texts();
+    grid().arrays.TidyVectors();
+    AddLGRGrid(names.empty() ? std::string_view() : names.front());
+  }
+  if (!qKept) tellDropped(cFile);
+}
+
+void qvEclipseSEQUENCE::takeLogicals(RecordCursor& cFile) {
+  std::array<std::int16_t, 15> words{};
+  const auto count = std::min<std::int64_t>(cFile.header().count, words.size());
+  const auto first = std::span(words).first(static_cast<std::size_t>(count));
+  cFile.readLogicals(first);
+  processLOGIHEAD(first);
+}
+
+void qvEclipseSEQUENCE::takeStepNumber(RecordCursor& cFile, Walk& walk) {
+  walk.keep = !ReadOnlyHeader;
+  if (++walk.stepNumbers > 1) {
+    cFile.unread();
+    walk.stop = true;
+    return;
+  }
+  if (hasData(cFile.header())) cFile.read(std::span(&grid().iSeqnum, 1));
+}
+
+void qvEclipseSEQUENCE::takeHeader(RecordCursor& cFile, Walk& walk) {
+  iHeader = cFile.integers();
+  qHaveHeader = walk.seenHeader = true;
+  try {
+    processINTEHEAD(HeaderWords(iHeader));
+  } catch (const Fault& fault) {
+    auto diagnosis = recordDiagnosis(cFile, "cell count cannot be", "a product below 2^31",
+                                     fmt::format("{} x {} x {}", grid().Nx, grid().Ny, grid().Nz));
+    diagnosis.action = fault.what();
+    session_->diagnose(std::move(diagnosis));
+    throw;
+  }
+  if (iSeqnum < 1 && grid().iSeqnum >= 0) iSeqnum = grid().iSeqnum;
+  if (iStart >= 0 && iSeqnum < iStart) walk.keep = false;
+  if (iEnd >= 0 && iSeqnum > iEnd) {
+    qPastEnd = true;
+    walk.keep = false;
+  }
+  stopBehindHeaders(walk);
+  if (!walk.keep || !walk.firstTime) return;
+  walk.firstTime = false;
+  bool qUsual = false;
+  const auto nVectors = static_cast<std::int32_t>(listArrays(cFile, qUsual).size());
+  if (nVectors > 0) nVectorEstimate = nVectors;
+}
+
+void qvEclipseSEQUENCE::stopBehindHeaders(Walk& walk) const {
+  if (ReadOnlyHeader && !Unified && walk.seenHeader && walk.seenTime) walk.stop = true;
+}
+
+void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile) {
+  const RecordHeader& header = cFile.header();
+  if (!checkIfRESTARTArray(header)) return;
+  // An array whose length is not that of the first is left out without a word, as hosts know it.
+  grid().arrays.add(cFile, arrayUnit(header.keyword, grid().iUnits), {LoadData, nVectorEstimate}, *session_);
+}
+
+void qvEclipseSEQUENCE::tellDropped(const RecordCursor& cFile) {
+  auto diagnosis = recordDiagnosis(
+      cFile, "well record does not fit the header",
+      fmt::format("whole blocks for {} wells of up to {} connections", grid().nWells, grid().nCWMAX),
+      fmt::format("{} words", cFile.header().count));
+  diagnosis.action = "left out";
+  session_->diagnose(std::move(diagnosis));
+}
+
+/// The arrays of the global grid that will be kept, by a look ahead at the headers of the step.
+std::vector<std::string> qvEclipseSEQUENCE::listArrays(RecordCursor& cFile, bool& qUsual) const {
+  const auto start = cFile.mark();
+  std::vector<std::string> names;
+  qUsual = true;
+  while (qUsual && cFile.next()) {
+    const RecordHeader& header = cFile.header();
+    if (header.keyword.empty() || header.keyword == "SEQNUM" || header.keyword == "LGR") break;
+    qUsual = isUsual(header);
+    if (checkIfRESTARTArray(header)) names.push_back(header.keyword);
+  }
+  cFile.goBack(start);
+  return names;
+}
+
+void qvEclipseSEQUENCE::GetINITVectorList(RecordCursor& cFile, std::int32_t& nVectors,
+                                          std::vector<std::string>& zVectors, bool& qOK, bool qList) {
+  guarded(*session_, qOK, className, "GetINITVectorList", [&] {
+    bool qUsual = false;
+    auto names = listArrays(cFile, qUsual);
+    nVectors = static_cast<std::int32_t>(names.size());
+    if (qList) zVectors = std::move(names);
+    return qUsual;
+  });
+}
+
+}  // namespace lumbarn

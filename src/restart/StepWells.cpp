@@ -1,0 +1,315 @@
+#include "StepWells.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "../support/Guarded.h"
+#include "../support/Text.h"
+#include "qvEclipseSEQUENCE.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr const char* className = "qvEclipseSEQUENCE";
+constexpr float notStored = -32768;
+
+using WordToColumn = std::pair<std::size_t, std::size_t>;  // word of the block, column of the table
+
+constexpr WordToColumn iwelColumns[] = {{1, 1},  {2, 2}, {7, 3},  {11, 4}, {5, 5},  {23, 6},
+                                        {12, 7}, {8, 8}, {13, 9}, {6, 11}, {9, 12}, {25, 15}};
+constexpr WordToColumn swelColumns[] = {{1, 1}, {2, 2}, {3, 3}, {4, 4},  {5, 5},
+                                        {6, 6}, {7, 7}, {9, 8}, {10, 9}, {17, 11}};
+constexpr WordToColumn swelColumns2[] = {{1, 1},   {2, 3},   {3, 2},  {34, 9},
+                                         {34, 11}, {55, 10}, {70, 8}, {69, 7}};
+constexpr WordToColumn xwelColumns2[] = {{76, 4}, {78, 5}, {77, 6}, {81, 12}, {83, 13}, {82, 14}};
+constexpr WordToColumn xwelColumns[] = {{1, 1}, {2, 2}, {3, 3}, {4, 4},  {5, 5},
+                                        {6, 6}, {7, 7}, {8, 9}, {30, 10}};
+constexpr WordToColumn iconColumns[] = {{2, 1},  {3, 2}, {4, 3},  {6, 4}, {5, 5},
+                                        {14, 6}, {7, 7}, {10, 8}, {1, 9}};
+constexpr WordToColumn iconWithoutMarkers[] = {{1, 9}, {2, 1}, {3, 2}, {4, 3}, {5, 5}, {6, 4}};
+constexpr WordToColumn iconShort[] = {{2, 1}, {3, 2}, {4, 3}, {5, 5}, {6, 4}};
+constexpr WordToColumn sconColumns[] = {{1, 1}, {2, 2},  {3, 3},  {4, 4},   {5, 5},   {6, 6},
+                                        {7, 7}, {13, 8}, {14, 9}, {15, 10}, {21, 11}, {22, 12}};
+
+/// The words that a block has, of those that a table takes: worked out once for a record.
+std::vector<WordToColumn> wordsInside(std::span<const WordToColumn> columns, std::int32_t nWords) {
+  std::vector<WordToColumn> inside;
+  const auto has = [&](const WordToColumn& one) { return std::cmp_less_equal(one.first, nWords); };
+  std::ranges::copy_if(columns, std::back_inserter(inside), has);
+  return inside;
+}
+
+/// Whether a record holds whole blocks, and one for each of `nBlocks`.
+bool holdsBlocks(std::size_t words, std::int32_t nWords, std::int64_t nBlocks) {
+  const auto perBlock = static_cast<std::size_t>(nWords);
+  return words % perBlock == 0 && std::cmp_greater_equal(words / perBlock, nBlocks);
+}
+
+/// Whether a record is to be looked at, and what comes of it when not: nothing to do is no failure; a wrong
+/// shape sets the word count to 0 for the rest of the step, which tells all others that there are no such
+/// data.
+std::optional<bool> outcomeWithoutTable(std::size_t words, std::int32_t& nWords, std::int64_t nBlocks) {
+  if (nBlocks < 1 || nWords < 1) return true;
+  if (holdsBlocks(words, nWords, nBlocks)) return std::nullopt;
+  nWords = 0;
+  return false;
+}
+
+float toSingle(double value) {
+  constexpr double most = std::numeric_limits<float>::max();
+  if (std::abs(value) <= most || std::isnan(value)) return static_cast<float>(value);
+  return std::copysign(std::numeric_limits<float>::infinity(), static_cast<float>(value > 0 ? 1 : -1));
+}
+
+std::size_t size(std::int32_t count) { return static_cast<std::size_t>(std::max(count, 0)); }
+
+/// Connections of each well and where their rows begin.
+struct WellConnections {
+  std::int32_t first = 0;
+  std::int32_t count = 0;
+};
+
+WellConnections connectionsOf(const RESTARTGRID& grid, std::size_t iWell) {
+  if (!grid.qIWEL || iWell > grid.iWELL.rows()) return {};
+  return {grid.iWELL(iWell, 10), grid.iWELL(iWell, 5)};
+}
+
+/// A well cannot have more connections than it has slots, nor all of them more than the record.
+bool connectionsFit(const RESTARTGRID& grid) {
+  if (!grid.qIWEL) return true;
+  for (std::size_t i = 1; i <= grid.iWELL.rows(); ++i) {
+    if (grid.iWELL(i, 5) > grid.nCWMAX) return false;
+  }
+  return true;
+}
+
+/// Picks the words of every connection out of its slot. A record holds nCWMAX slots for each well, used or
+/// not. Each well's connections lie one behind the other in a table of nConnections rows; without any count
+/// of connections the table has a plane for each well and a row for each slot.
+template <class T>
+ColumnTable<T> connectionTable(const RESTARTGRID& grid, std::span<const T> words, std::int32_t nWords,
+                               std::size_t columns, std::span<const WordToColumn> taken) {
+  const auto slots = size(grid.nCWMAX);
+  const auto perSlot = size(nWords);
+  const bool planes = grid.nConnections < 1;
+  auto table = planes ? ColumnTable<T>::threeDimensional(size(grid.nWells), slots, columns)
+                      : ColumnTable<T>(size(grid.nConnections), columns);
+  for (std::size_t well = 1; well <= size(grid.nWells); ++well) {
+    const auto [first, count] = connectionsOf(grid, well);
+    if (count < 1) continue;
+    const auto block = words.subspan((well - 1) * slots * perSlot, slots * perSlot);
+    for (std::size_t k = 1; k <= (planes ? slots : size(count)); ++k) {
+      const auto slot = block.subspan((k - 1) * perSlot, perSlot);
+      for (const auto& [word, column] : taken) {
+        T& to = planes ? table(well, k, column) : table(size(first) - 1 + k, column);
+        to = slot[word - 1];
+      }
+    }
+  }
+  return table;
+}
+
+}  // namespace
+
+std::int32_t EclipseWellPhase(std::int32_t iType, std::int32_t iControl) {
+  switch (iType) {
+    case 1:
+      return iControl >= 1 && iControl <= 4 ? iControl : 1;
+    case 4:
+      return 3;
+    case 11:
+      return 2;
+    case 13:
+      return 1;
+    default:
+      return -1;
+  }
+}
+
+std::int32_t EclipseToQVWellType(std::int32_t iType) {
+  constexpr std::int32_t types[] = {4, 6, 2, 1};
+  return iType >= 1 && iType <= 4 ? types[iType - 1] : -1;
+}
+
+void qvEclipseSEQUENCE::processIWEL(std::span<const std::int32_t> words, bool& qOK) {
+  guarded(*session_, qOK, className, "processIWEL", [&] {
+    RESTARTGRID& to = grid();
+    if (const auto outcome = outcomeWithoutTable(words.size(), to.nIWELZ, to.nWells)) return *outcome;
+    const auto perWell = size(to.nIWELZ);
+    const auto taken = wordsInside(iwelColumns, to.nIWELZ);
+    ColumnTable<std::int32_t> table(size(to.nWells), 15);
+    std::int64_t connections = 0;
+    for (std::size_t i = 1; i <= table.rows(); ++i) {
+      const auto block = words.subspan((i - 1) * perWell, perWell);
+      for (const auto& [word, column] : taken) table(i, column) = block[word - 1];
+      std::int32_t phase = EclipseWellPhase(table(i, 3), table(i, 12));
+      // Deliberate: a block that is too short for the word gives what the table held before.
+      if (phase == -1) phase = perWell >= 16 ? block[15] : 0;
+      table(i, 14) = phase;
+      table(i, 5) = std::max(table(i, 5), 0);
+      table(i, 10) = static_cast<std::int32_t>(connections + 1);
+      connections += table(i, 5);
+      if (connections >= std::numeric_limits<std::int32_t>::max()) {
+        to.nIWELZ = 0;
+        return false;
+      }
+    }
+    to.nConnections = static_cast<std::int32_t>(connections);
+    to.iWELL = std::move(table);
+    to.qIWEL = true;
+    return true;
+  });
+}
+
+void qvEclipseSEQUENCE::processSWEL(std::span<const float> words, bool& qOK) {
+  guarded(*session_, qOK, className, "processSWEL", [&] {
+    RESTARTGRID& to = grid();
+    if (const auto outcome = outcomeWithoutTable(words.size(), to.nSWELZ, to.nWells)) return *outcome;
+    const auto rows = size(to.nWells);
+    if (!to.qSWEL || to.sWELL.rows() != rows) {
+      to.sWELL = ColumnTable<float>(rows, 15, notStored);
+      to.sWELL2 = ColumnTable<float>(rows, 14, notStored);
+    }
+    const auto taken = wordsInside(swelColumns, to.nSWELZ);
+    const auto taken2 = wordsInside(swelColumns2, to.nSWELZ);
+    for (std::size_t i = 1; i <= rows; ++i) {
+      const auto block = words.subspan((i - 1) * size(to.nSWELZ), size(to.nSWELZ));
+      for (const auto& [word, column] : taken) to.sWELL(i, column) = block[word - 1];
+      for (const auto& [word, column] : taken2) to.sWELL2(i, column) = block[word - 1];
+    }
+    to.qSWEL = true;
+    return true;
+  });
+}
+
+void qvEclipseSEQUENCE::processXWEL(std::span<const double> words, bool& qOK) {
+  guarded(*session_, qOK, className, "processXWEL", [&] {
+    constexpr double most = 1e36;
+    RESTARTGRID& to = grid();
+    if (const auto outcome = outcomeWithoutTable(words.size(), to.nXWELZ, to.nWells)) return *outcome;
+    const auto rows = size(to.nWells);
+    to.dWELL = ColumnTable<double>(rows, 11);
+    if (to.sWELL2.rows() != rows) to.sWELL2 = ColumnTable<float>(rows, 14);
+    const auto taken = wordsInside(xwelColumns, to.nXWELZ);
+    const auto taken2 = wordsInside(xwelColumns2, to.nXWELZ);
+    for (std::size_t i = 1; i <= rows; ++i) {
+      const auto block = words.subspan((i - 1) * size(to.nXWELZ), size(to.nXWELZ));
+      for (const auto& [word, column] : taken) {
+        if (block[word - 1] >= -most && block[word - 1] <= most) to.dWELL(i, column) = block[word - 1];
+      }
+      for (const auto& [word, column] : taken2) to.sWELL2(i, column) = toSingle(block[word - 1]);
+    }
+    to.qXWEL = true;
+    return true;
+  });
+}
+
+void qvEclipseSEQUENCE::processZWEL(std::span<const std::string> words, bool& qOK) {
+  guarded(*session_, qOK, className, "processZWEL", [&] {
+    RESTARTGRID& to = grid();
+    if (const auto outcome = outcomeWithoutTable(words.size(), to.nZWELZ, to.nWells)) return *outcome;
+    const auto perWell = size(to.nZWELZ);
+    to.zWELL = ColumnTable<std::string>(size(to.nWells), 2);
+    for (std::size_t i = 1; i <= to.zWELL.rows(); ++i) {
+      for (std::size_t j = 1; j <= std::min<std::size_t>(perWell, 2); ++j) {
+        to.zWELL(i, j) = trim(words[(i - 1) * perWell + j - 1]);
+      }
+    }
+    to.qZWEL = true;
+    return true;
+  });
+}
+
+void qvEclipseSEQUENCE::processZGRP(std::span<const std::string> words, bool& qOK) {
+  guarded(*session_, qOK, className, "processZGRP", [&] {
+    RESTARTGRID& to = grid();
+    if (to.nGroups < 1 || to.nZGRPZ < 1) return true;
+    const auto perGroup = size(to.nZGRPZ);
+    if (words.size() % perGroup != 0) {
+      to.nZGRPZ = 0;
+      return false;
+    }
+    to.zGROUP = ColumnTable<std::string>(words.size() / perGroup, 1);
+    const auto named = std::min(to.zGROUP.rows(), size(to.nGroups));
+    for (std::size_t i = 1; i <= named; ++i) to.zGROUP(i, 1) = trim(words[(i - 1) * perGroup]);
+    to.qZGRP = true;
+    return true;
+  });
+}
+
+void qvEclipseSEQUENCE::processICON(std::span<const std::int32_t> words, bool& qOK) {
+  guarded(*session_, qOK, className, "processICON", [&] {
+    RESTARTGRID& to = grid();
+    // Deliberate, as hosts know it: a slot of one word is no data here, while in SCON a single slot for each
+    // well is none.
+    if (to.nWells < 1 || to.nICONZ <= 1 || to.nCWMAX < 1) return true;
+    const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
+    if (const auto outcome = outcomeWithoutTable(words.size(), to.nICONZ, slots)) return *outcome;
+    if (!connectionsFit(to)) {
+      to.nICONZ = 0;
+      return false;
+    }
+    // Deliberate: without markers a slot of six words or more gives the cell and two words, and of a shorter
+    // one the first word is taken too.
+    std::span<const WordToColumn> columns = iconColumns;
+    if (!qMarkers) columns = to.nICONZ >= 6 ? std::span<const WordToColumn>(iconShort) : iconWithoutMarkers;
+    to.iCONN = connectionTable(to, words, to.nICONZ, 9, wordsInside(columns, to.nICONZ));
+    to.nCWMax = to.nCWMAX;
+    to.qICON = true;
+    return true;
+  });
+}
+
+void qvEclipseSEQUENCE::processSCON(std::span<const float> words, bool& qOK) {
+  guarded(*session_, qOK, className, "processSCON", [&] {
+    RESTARTGRID& to = grid();
+    if (to.nWells < 1 || to.nSCONZ < 1 || to.nCWMAX <= 1) return true;  // deliberate, see processICON
+    const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
+    if (const auto outcome = outcomeWithoutTable(words.size(), to.nSCONZ, slots)) return *outcome;
+    if (!connectionsFit(to)) {
+      to.nSCONZ = 0;
+      return false;
+    }
+    to.sCONN = connectionTable(to, words, to.nSCONZ, 15, wordsInside(sconColumns, to.nSCONZ));
+    to.nCWMax = to.nCWMAX;
+    to.qSCON = true;
+    return true;
+  });
+}
+
+bool qvEclipseSEQUENCE::checkWellData(bool& qOK) const {
+  bool qValid = false;
+  guarded(*session_, qOK, className, "checkWellData", [&] {
+    const RESTARTGRID& from = grid();
+    qValid = from.nIWELZ >= 1 && from.nICONZ >= 1 && from.nZWELZ >= 1;
+  });
+  return qValid;
+}
+
+std::int32_t qvEclipseSEQUENCE::getWellPVTNum(std::string_view zWell, bool& qOK,
+                                              std::int32_t iWellIndex) const {
+  std::int32_t number = -1;
+  guarded(*session_, qOK, className, "getWellPVTNum", [&] {
+    const RESTARTGRID& from = grid();
+    const auto wells = static_cast<std::int32_t>(from.iWELL.rows());
+    if (iWellIndex == -1) {
+      if (trim(zWell).empty()) return false;
+      // Deliberate, as hosts know it: a name that no well has means the last well.
+      iWellIndex = std::min(wells, 1);
+      while (iWellIndex < wells &&
+             !(from.qZWEL && equalNoCase(from.zWELL(size(iWellIndex), 1), trim(zWell)))) {
+        ++iWellIndex;
+      }
+    }
+    if (iWellIndex < 1 || iWellIndex > wells) return false;
+    number = from.iWELL(size(iWellIndex), 9);
+    return true;
+  });
+  return number;
+}
+
+}  // namespace lumbarn

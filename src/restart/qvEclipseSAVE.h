@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../record/Form.h"
+#include "../record/cFILETYPE.h"
+#include "../support/Session.h"
+#include "qvEclipseSAVESequence.h"
+
+namespace lumbarn {
+
+/// The save files of one run, for a fast restart: one unified file, or a file for each report step. Tells
+/// which steps there are, with dates and times, and which simulator wrote them. Arrays are skipped, so a load
+/// takes a time that goes by the number of records, not by their bytes.
+class qvEclipseSAVE {
+ public:
+  explicit qvEclipseSAVE(Session& session = Session::process()) : session_(&session) {}
+
+  // What to read and how. `CheckSAVEFile` sets all but the limits.
+  std::string FileName;
+  bool Formatted = false;
+  bool UNIX = true;
+  bool FORTRAN = true;
+  bool byteSwap = true;
+  bool Unified = false;    ///< one file for all steps
+  bool qSaveHead = false;  ///< the file opens with SAVEHEAD, so it holds one step
+  std::int32_t iStart = -1;
+  std::int32_t iEnd = -1;  ///< steps wanted, both ends included; -1 is open
+  std::int32_t nMultList = 0;
+  std::vector<std::string> zMultList;  ///< the files of a multiple set; after a load the files really used
+
+  // What was read.
+  std::vector<qvEclipseSAVESequence> xSEQ;  ///< the steps kept, in the order read; one empty one for none
+  std::int32_t NumSequences = 0;            ///< how many
+
+  /// True when the first record is INITIAL, SAVEHEAD, STATIC or DYNAMIC. Sets name and form. Nothing in a
+  /// save file tells whether it is one of a set, so `Unified` goes by the name: False for RUN.V0003 and the
+  /// like, True for any other.
+  bool CheckSAVEFile(std::string_view zFile);
+  /// The files of a multiple set. Without a list a load looks for the files beside `FileName`.
+  void SetMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK);
+  void setSAVEFileTypeProps(cFILETYPE& cFile) const;
+
+  /// Walks the files. The unified file is that of the run of `FileName`; a name that is none of a run's is
+  /// read as it stands. qOK False when a file cannot be opened, is damaged, or the load is cancelled; the
+  /// steps before stay. A file that is not there gives no steps (a unified one with a diagnosis), and a step
+  /// that is cut off, as a running simulation leaves it, is left out with a diagnosis and is no failure.
+  void getSAVEData(bool& qOK);
+  /// Adds a step behind the last.
+  void addSEQUENCE(qvEclipseSAVESequence xStep);
+
+  /// Report step and time in days of each step. With none, one element, -32768 in both, and nSteps 0.
+  void GetRestartRecordTimesAndSteps(std::vector<std::int32_t>& iSteps, std::vector<double>& dTimes,
+                                     std::int32_t& nSteps, bool& qOK) const;
+  /// Simulator and version by the first step; -1 in both with no steps.
+  void getSimulatorVersionInfo(std::int32_t& iProgram, std::int32_t& iVersion) const;
+
+ private:
+  struct Limits;
+
+  bool load();
+  bool findFiles();
+  bool readFile(const std::string& zFile, const Limits& limits, bool& qStop);
+  bool readStep(RecordCursor& cursor, std::int32_t iFile, const Limits& limits, bool& qStop);
+  void tellProgress(const RecordCursor& cursor) const;
+
+  Session* session_;
+};
+
+}  // namespace lumbarn

@@ -1,0 +1,330 @@
+#include "qvEclipseSEQUENCE.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "../shapes/HeaderLayout.h"
+#include "../shapes/OnlyList.h"
+#include "../support/Dates.h"
+#include "../support/Diagnosis.h"
+#include "../support/Fault.h"
+#include "../support/Guarded.h"
+#include "../support/Text.h"
+#include "../vocabulary/Mnemonics.h"
+#include "ArrayUnits.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr const char* className = "qvEclipseSEQUENCE";
+constexpr float noValue = -999;
+
+bool isAnyOf(std::string_view name, std::initializer_list<std::string_view> names) {
+  return std::ranges::find(names, name) != names.end();
+}
+
+/// Names that stand for flows across faces of cells, "FLOOILI+" or "VOILI+", and records of other tables
+/// whose length can happen to be a grid's.
+bool isNoSolution(std::string_view name) {
+  const bool face = name.ends_with("A+") || name.ends_with("L+") || name.ends_with("N+");
+  if (face &&
+      ((name.size() == 8 && name.starts_with("FLO")) || (name.size() == 6 && name.starts_with('V')))) {
+    return true;
+  }
+  return isAnyOf(name,
+                 {"", "SWEL", "SGRP", "SCON", "SAAQ", "SCAQ", "RPIPE", "IAAQ", "IOCN", "ICAQ", "HIDDEN",
+                  // Some writers give the end of a local grid one word, as many as a grid of one cell has.
+                  "ENDLGR"});
+}
+
+/// "15 JUL 2003", without padding; the month is missing when there is none of that number.
+std::string dateText(const RESTARTGRID& grid) {
+  return fmt::format("{} {} {}", grid.iDay, monthName(grid.iMonth), grid.iYear);
+}
+
+/// Hour and minute of a time in days, to the nearest second, as a time of 6:30 in days is no round number.
+std::pair<int, int> timeOfDay(double days) {
+  constexpr double secondsPerDay = 86400;
+  if (!std::isfinite(days)) return {0, 0};
+  const double seconds = std::fmod(std::round((days - std::floor(days)) * secondsPerDay), secondsPerDay);
+  const int minutes = static_cast<int>(seconds / 60);
+  return {minutes / 60, minutes % 60};
+}
+
+/// Smallest and largest value that is one.
+std::pair<float, float> range(std::span<const float> values) {
+  float least = noValue;
+  float most = noValue;
+  for (const float value : values) {
+    if (value == noValue || std::isnan(value)) continue;
+    if (least == noValue || value < least) least = value;
+    if (most == noValue || value > most) most = value;
+  }
+  return {least, most};
+}
+
+}  // namespace
+
+RESTARTGRID& qvEclipseSEQUENCE::grid(std::int32_t number) {
+  return const_cast<RESTARTGRID&>(std::as_const(*this).grid(number));
+}
+
+const RESTARTGRID& qvEclipseSEQUENCE::grid(std::int32_t number) const {
+  if (number < 1 || number > nGrids) throw Fault(FaultNumber::Subscript);
+  return tGrids[static_cast<std::size_t>(number) - 1];
+}
+
+bool qvEclipseSEQUENCE::checkIfRESTARTArray(const RecordHeader& header) const {
+  if (header.type != ElementType::Integer && header.type != ElementType::Single) return false;
+  const RESTARTGRID& current = grid();
+  if (header.count != current.nActive && header.count != current.nCells) return false;
+  if (isNoSolution(header.keyword)) return false;
+  return checkEclipseONLYList(*session_, header.keyword) &&
+         (!selection || selection->chooses(header.keyword));
+}
+
+void qvEclipseSEQUENCE::processINTEHEAD(const HeaderWords& words) {
+  RESTARTGRID& to = grid();
+  // Without the word, the number that the SEQNUM record or the file's name gives stands.
+  iSeqnum = words(69);
+  for (const auto& [word, field] : std::initializer_list<std::pair<std::size_t, std::int32_t*>>{
+           {3, &to.iUnits},   {9, &to.Nx},      {10, &to.Ny},     {11, &to.Nz},      {12, &to.nActive},
+           {15, &to.iPhases}, {17, &to.nWells}, {18, &to.nCWMAX}, {19, &to.nGroups}, {21, &to.iWord21},
+           {25, &to.nIWELZ},  {26, &to.nSWELZ}, {27, &to.nXWELZ}, {28, &to.nZWELZ},  {33, &to.nICONZ},
+           {34, &to.nSCONZ},  {35, &to.nXCONZ}, {37, &to.nIGRPZ}, {38, &to.nSGRPZ},  {39, &to.nXGRPZ},
+           {40, &to.nZGRPZ},  {65, &to.iDay},   {66, &to.iMonth}, {67, &to.iYear},   {95, &to.iProgram}}) {
+    words.take(word, *field);
+  }
+  for (std::size_t i = 0; i < std::size(to.iAquiferSizes); ++i) words.take(41 + i, to.iAquiferSizes[i]);
+  to.nWellsHeader = to.nWells;
+  to.nCells = cellCount(to.Nx, to.Ny, to.Nz);
+  to.qE100 = !words.isE300();
+  to.zDate = dateText(to);
+  iDay = to.iDay;
+  iMonth = to.iMonth;
+  iYear = to.iYear;
+  qHaveWells = to.nWells >= 1;
+  qHaveGroups = to.nGroups >= 1;
+  const std::int32_t sizes[] = {to.nIWELZ, to.nSWELZ, to.nXWELZ, to.nZWELZ, to.nICONZ, to.nSCONZ, to.nXCONZ};
+  to.qWellDataValid = to.iProgram > 0 && std::ranges::all_of(sizes, [](auto size) { return size >= 1; });
+}
+
+void qvEclipseSEQUENCE::processLOGIHEAD(std::span<const std::int16_t> words) {
+  if (iGrid != 1) {
+    grid().qLogi15 = grid(1).qLogi15;
+  } else if (words.size() > 14) {
+    grid().qLogi15 = words[14] != 0;
+  }
+}
+
+void qvEclipseSEQUENCE::processDBLEHEAD(std::span<const double> words) {
+  if (words.empty()) return;
+  dTime = words[0];
+  sFraction = std::isfinite(dTime) ? static_cast<float>(dTime - std::trunc(dTime)) : 0;
+  RESTARTGRID& to = grid();
+  to.dTime = dTime;
+  const auto [hour, minute] = timeOfDay(dTime);
+  if (hour > 0 || minute >= 1) to.zDate = fmt::format("{} {}:{}", dateText(to), hour, minute);
+}
+
+void qvEclipseSEQUENCE::AddLGRGrid(std::string_view zName) {
+  const std::string name(trim(zName));
+  if (const auto known = gridOf_.find(name); known != gridOf_.end()) {
+    iGrid = known->second;
+    return;
+  }
+  RESTARTGRID added;
+  added.GridName = name;
+  added.iSeqnum = grid(1).iSeqnum;
+  added.Origin = Origin;
+  tGrids.push_back(std::move(added));
+  iGrid = ++nGrids;
+  gridOf_.emplace(name, iGrid);
+}
+
+void qvEclipseSEQUENCE::getSEQUENCEData(XYData& xyData, bool& qOK) const {
+  guarded(*session_, qOK, className, "getSEQUENCEData", [&] {
+    const RESTARTGRID& from = grid();
+    const auto columns = static_cast<std::size_t>(from.arrays.nVectors());
+    if (columns == 0) return false;
+    if (!from.arrays.hasValues()) {
+      XYData none(1, columns, *session_);
+      std::ranges::fill(none.values(), 0.0F);
+      none(1, 1) = -1;
+      xyData = std::move(none);
+      return true;
+    }
+    const auto rows = static_cast<std::size_t>(std::max(from.nActive, 0));
+    // Deliberate, as hosts know it: the table has one row for each active cell and takes its values from the
+    // start of the block, so arrays of all cells run on from column to column. `ArrayTable::column` has each
+    // array as it is.
+    const auto all = from.arrays.values();
+    if (rows * columns > all.size()) throw Fault(FaultNumber::Subscript);
+    XYData copy(rows, columns, *session_);
+    std::ranges::copy(all.first(rows * columns), copy.values().begin());
+    xyData = std::move(copy);
+    return true;
+  });
+}
+
+void qvEclipseSEQUENCE::getSEQUENCEHeaders(ByteTable& bHeaders, bool& qOK) const {
+  guarded(*session_, qOK, className, "getSEQUENCEHeaders", [&] {
+    const RESTARTGRID& from = grid();
+    ByteTable headers(headerWidth, from.arrays.arrays().size());
+    std::size_t i = 0;
+    for (const KeptArray& array : from.arrays.arrays()) {
+      ++i;
+      setAttribute(attributeDataKind, headers, i, "SOLUTION");
+      setAttribute(attributeSource, headers, i, trim(from.Origin));
+      setAttribute(attributeIndex, headers, i, fmt::format("{}", iSeqnum));
+      if (nGrids > 1) setAttribute(attributeLGRName, headers, i, from.GridName);
+      setAttribute(attributeUnits, headers, i, array.unit);
+      setAttribute(attributeVariable, headers, i, array.name);
+      std::string number;
+      setAttribute(attributeVerbose, headers, i, getEclipseLongDescription("SOLUTION", array.name, number));
+    }
+    bHeaders = std::move(headers);
+  });
+}
+
+void qvEclipseSEQUENCE::getSEQUENCEFODInfo(ColumnTable<std::int32_t>& iFOD, bool& qOK) const {
+  guarded(*session_, qOK, className, "getSEQUENCEFODInfo", [&] { iFOD = grid().arrays.iFOD(); });
+}
+
+void qvEclipseSEQUENCE::DeleteSEQUENCEData(bool& qOK) {
+  guarded(*session_, qOK, className, "DeleteSEQUENCEData", [&] {
+    RESTARTGRID& from = grid();
+    from.arrays.clear();
+    from.nActive = 0;
+    from.qIWEL = from.qSWEL = from.qXWEL = from.qZWEL = from.qZGRP = from.qICON = from.qSCON = false;
+    from.iWELL = {};
+    from.sWELL = {};
+    from.sWELL2 = {};
+    from.dWELL = {};
+    from.zWELL = {};
+    from.zGROUP = {};
+    from.iCONN = {};
+    from.sCONN = {};
+  });
+}
+
+void qvEclipseSEQUENCE::GetINTEHEAD(std::vector<std::int32_t>& words, bool& qOK) const {
+  qOK = qHaveHeader;
+  if (qOK) words = iHeader;
+}
+
+void qvEclipseSEQUENCE::getRESTARTDate(std::int32_t& day, std::int32_t& month, std::int32_t& year) const {
+  day = iDay;
+  month = iMonth;
+  year = iYear;
+}
+
+std::int32_t qvEclipseSEQUENCE::dimension(std::int32_t number, std::int32_t RESTARTGRID::*field,
+                                          bool& qOK) const {
+  qOK = number >= 1 && number <= nGrids;
+  return qOK ? grid(number).*field : -1;
+}
+
+std::int32_t qvEclipseSEQUENCE::Nx(std::int32_t number, bool& qOK) const {
+  return dimension(number, &RESTARTGRID::Nx, qOK);
+}
+
+std::int32_t qvEclipseSEQUENCE::Ny(std::int32_t number, bool& qOK) const {
+  return dimension(number, &RESTARTGRID::Ny, qOK);
+}
+
+std::int32_t qvEclipseSEQUENCE::Nz(std::int32_t number, bool& qOK) const {
+  return dimension(number, &RESTARTGRID::Nz, qOK);
+}
+
+void qvEclipseSEQUENCE::GetVectorDetails(VectorDetails& details, bool& qOK) const {
+  guarded(*session_, qOK, className, "GetVectorDetails", [&] {
+    details = {GetVectorNames(),    GetVectorNumber(), GetVectorType(),     GetVectorPointer(),
+               GetVectorPointerB(), GetVectorTime(),   GetVectorArrayMin(), GetVectorArrayMax()};
+  });
+}
+
+std::vector<std::string> qvEclipseSEQUENCE::GetVectorNames() const {
+  std::vector<std::string> names;
+  for (const KeptArray& array : grid().arrays.arrays()) names.push_back(array.name);
+  return names;
+}
+
+std::vector<std::int32_t> qvEclipseSEQUENCE::rowOfFOD(std::size_t iRow) const {
+  const auto table = grid().arrays.iFOD();
+  std::vector<std::int32_t> row;
+  for (std::size_t i = 1; i <= table.columns(); ++i) row.push_back(table(iRow, i));
+  return row;
+}
+
+std::vector<float> qvEclipseSEQUENCE::GetVectorArrayMin() const {
+  const ArrayTable& arrays = grid().arrays;
+  if (!arrays.hasValues()) return {-1.0F};
+  std::vector<float> least;
+  for (std::int32_t i = 1; i <= arrays.nVectors(); ++i) least.push_back(range(arrays.column(i)).first);
+  return least;
+}
+
+std::vector<float> qvEclipseSEQUENCE::GetVectorArrayMax() const {
+  const ArrayTable& arrays = grid().arrays;
+  if (!arrays.hasValues()) return {-1.0F};
+  std::vector<float> most;
+  for (std::int32_t i = 1; i <= arrays.nVectors(); ++i) most.push_back(range(arrays.column(i)).second);
+  return most;
+}
+
+std::vector<double> qvEclipseSEQUENCE::GetVectorTime() const {
+  return std::vector<double>(grid().arrays.arrays().size(), grid().dTime);
+}
+
+void qvEclipseSEQUENCE::addDerivedData(bool& qOK) {
+  guarded(*session_, qOK, className, "addDerivedData", [&] {
+    for (iGrid = 1; iGrid < nGrids; ++iGrid) deriveSaturation();
+    deriveSaturation();
+  });
+}
+
+/// The saturation that is missing is what the others leave, by the phases of the run.
+void qvEclipseSEQUENCE::deriveSaturation() {
+  ArrayTable& arrays = grid().arrays;
+  const std::int32_t water = arrays.find("SWAT");
+  const std::int32_t gas = arrays.find("SGAS");
+  std::string_view name = "SOIL";
+  bool possible = false;
+  switch (grid().iPhases) {
+    case 3:
+      possible = water > 0;
+      break;
+    case 5:
+      possible = gas > 0;
+      break;
+    case 7:
+      possible = water > 0 && gas > 0;
+      break;
+    case 6:
+      possible = (water > 0) != (gas > 0);
+      name = water > 0 ? "SGAS" : "SWAT";
+      break;
+    default:
+      break;
+  }
+  if (!possible || arrays.find(name) > 0 || (selection && !selection->choosesDerived(name))) return;
+  const std::int32_t first = grid().iPhases == 5 || (grid().iPhases == 6 && gas > 0) ? gas : water;
+  const std::int32_t second = grid().iPhases == 7 ? gas : 0;
+  if (!arrays.addDerived(name, "", grid().nActive, {LoadData, nVectorEstimate}, *session_)) return;
+  if (!arrays.hasValues()) return;
+  const auto out = arrays.column(arrays.nVectors());
+  const auto one = std::as_const(arrays).column(first);
+  const auto other = second > 0 ? std::as_const(arrays).column(second) : std::span<const float>();
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    float left = 1.0F - one[i];
+    if (!other.empty()) left -= other[i];
+    out[i] = std::clamp(left, 0.0F, 1.0F);
+  }
+}
+
+}  // namespace lumbarn
