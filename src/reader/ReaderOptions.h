@@ -21,7 +21,7 @@ struct ReaderOptions {
   std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
   std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  std::int32_t whichtype = 0;  ///< file kind code: 11 and 16 restart, 12 and 13 summary
+  std::int32_t whichtype = 0;  ///< file kind code: 11 and 16 restart, 12 and 13 summary, 15 INIT
   bool Silent = false;         ///< no dialog
   bool Formatted = true;       ///< form of the file; replaced by what recognition finds, as the next two
   bool UNIX = false;
@@ -65,7 +65,7 @@ struct ReaderOptions {
   bool ImportALLOC = false;
   bool LoadAllALLOC = false;
   bool AllocationsOnly = false;
-  bool InitTables = true;
+  bool InitTables = true;  ///< read the simulation tables of an INIT file
   bool RUNSPECOnly = false;
   bool ProcessCorners = true;
   bool ProcessAll = false;

@@ -19,6 +19,7 @@ namespace {
 
 constexpr const char* className = "qvEclipseReader";
 
+constexpr std::int32_t initCode = 15;
 bool isRestartCode(std::int32_t code) { return code == 11 || code == 16; }
 
 /// Step numbers stand in slots of 16 bits; beyond them the slot widens rather than lie.
@@ -63,6 +64,8 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case 11:
     case 16:
       return ReadSolutionFile(qOK);
+    case initCode:
+      return ReadINITFile(qOK);
     default:
       return;
   }
@@ -226,6 +229,8 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
       return solution_ != nullptr;
     case 13:
       return summary_ != nullptr;
+    case initCode:
+      return init_ != nullptr;
     default:
       return false;
   }
@@ -234,6 +239,7 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   if (iType == 11) solution_.reset();
   if (iType == 13) summary_.reset();
+  if (iType == initCode) init_.reset();
   return true;
 }
 
@@ -390,11 +396,13 @@ std::optional<Moment> qvEclipseReader::StartDate() const {
 std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
   if (isRestartCode(whichtype))
     return solution_ ? solution_->selection.unmatched() : std::vector<std::string>{};
+  if (whichtype == initCode) return init_ ? init_->selection.unmatched() : std::vector<std::string>{};
   return summary_ ? summary_->unmatched : std::vector<std::string>{};
 }
 
 bool qvEclipseReader::Damaged() const {
   if (isRestartCode(whichtype)) return solution_ && solution_->qDamaged;
+  if (whichtype == initCode) return init_ && init_->qDamaged;
   return summary_ && summary_->qDamaged;
 }
 
