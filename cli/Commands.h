@@ -21,5 +21,7 @@ void addRecords(CLI::App& app, Action& chosen);
 void addCheck(CLI::App& app, Action& chosen);
 void addVectors(CLI::App& app, Action& chosen);
 void addSummary(CLI::App& app, Action& chosen);
+void addInit(CLI::App& app, Action& chosen);
+void addTables(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

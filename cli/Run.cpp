@@ -19,6 +19,8 @@ void addCommands(CLI::App& app, Action& chosen) {
   addCheck(app, chosen);
   addVectors(app, chosen);
   addSummary(app, chosen);
+  addInit(app, chosen);
+  addTables(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.

@@ -36,8 +36,8 @@ struct NamedColumns {
 };
 
 constexpr auto columnTables = std::to_array<NamedColumns>({
-    {"SWFN", 3, {{{"SW", "", None}, {"KRW", "", None}, {"PCOW", "", Pressure}}}},
-    {"SGFN", 3, {{{"SG", "", None}, {"KRG", "", None}, {"PCOG", "", Pressure}}}},
+    {"SWFN", 3, {{{"SW", "", None}, {"KRW", "", None}, {"PCOW", "", Capillary}}}},
+    {"SGFN", 3, {{{"SG", "", None}, {"KRG", "", None}, {"PCOG", "", Capillary}}}},
     {"SOF2", 2, {{{"SO", "", None}, {"KRO", "", None}}}},
     {"SOF3", 3, {{{"SO", "", None}, {"KROW", "", None}, {"KROG", "", None}}}},
     {"PVTO", 3, {{{"P", "", Pressure}, {"BO", "1/BO", LiquidVolume}, {"MUO", "1/(BO*MUO)", Viscosity}}}},
@@ -65,9 +65,9 @@ constexpr auto columnTables = std::to_array<NamedColumns>({
      {{{"DEPTH", "", Length},
        {"P", "", Pressure},
        {"WOC", "", Length},
-       {"PCOW", "", Pressure},
+       {"PCOW", "", Capillary},
        {"GOC", "", Length},
-       {"PCOG", "", Pressure},
+       {"PCOG", "", Capillary},
        {"RSTYPE", "", None},
        {"RVTYPE", "", None},
        {"ACCURACY", "", None},
@@ -80,6 +80,7 @@ struct UnitRow {
 };
 constexpr auto units = std::to_array<UnitRow>({
     {Pressure, {"BARSA", "PSIA", "ATMA", "ATMA"}},
+    {Capillary, {"BARS", "PSI", "ATM", "ATM"}},
     {Length, {"M", "FT", "CM", "M"}},
     {Density, {"KG/M3", "LB/FT3", "GM/CC", "KG/M3"}},
     {Viscosity, {"CP", "CP", "CP", "CP"}},

@@ -31,6 +31,7 @@ struct TableColumn {
   enum class Quantity : std::uint8_t {
     None,
     Pressure,
+    Capillary,  ///< difference of pressures
     Length,
     Density,
     Viscosity,

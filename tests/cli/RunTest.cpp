@@ -46,7 +46,7 @@ TEST(Run, WrongUsageSaysWhatIsMeant) {
 
 TEST(Run, HelpGoesToStandardOutputWithAnExample) {
   EXPECT_THAT(command({"--version"}).out, ::testing::MatchesRegex("lumbarn [0-9.]+\n"));
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary"}) {
+  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "init", "tables"}) {
     const Outcome help = command({subcommand, "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  lumbarn ") + subcommand));
@@ -60,7 +60,7 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
   const std::string written[] = {manual, content(LUMBARN_EXAMPLES "/../cli/completions/lumbarn.bash"),
                                  content(LUMBARN_EXAMPLES "/../cli/completions/_lumbarn")};
   const std::regex option("--[a-z-]+");
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary"}) {
+  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "init", "tables"}) {
     const std::string help = command({subcommand, "--help"}).out;
     for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
       for (const auto& text : written) EXPECT_THAT(text, HasSubstr(found->str())) << subcommand;
@@ -69,7 +69,7 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
 }
 
 TEST(Run, SeveralRunsInAFolderAreListed) {
-  for (const char* subcommand : {"info", "check", "vectors", "summary", "records"}) {
+  for (const char* subcommand : {"info", "check", "vectors", "summary", "init", "tables", "records"}) {
     const Outcome run = command({subcommand, sample("CEDAR")});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.err, "lumbarn: " + sample("CEDAR") +
