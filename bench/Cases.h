@@ -26,6 +26,7 @@ struct Family {
 };
 Family recordFamily(const std::filesystem::path& folder);
 Family summaryFamily(const std::filesystem::path& folder);
+Family initFamily(const std::filesystem::path& folder);
 
 /// Throws unless a case did what it was to do.
 void require(bool condition, const std::string& what);

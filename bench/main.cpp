@@ -48,7 +48,7 @@ double peakMemory() {
 }
 
 std::vector<Family> allFamilies(const std::filesystem::path& folder) {
-  return {recordFamily(folder), summaryFamily(folder)};
+  return {recordFamily(folder), summaryFamily(folder), initFamily(folder)};
 }
 
 /// Measures one case; its counters carry what the table shows.
