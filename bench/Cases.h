@@ -26,6 +26,11 @@ struct Family {
 };
 Family recordFamily(const std::filesystem::path& folder);
 Family summaryFamily(const std::filesystem::path& folder);
+Family wellTestFamily(const std::filesystem::path& folder);
+Family gridFamily(const std::filesystem::path& folder);
+Family gridGeometryFamily();
+Family restartFamily(const std::filesystem::path& folder);
+Family indexFamily(const std::filesystem::path& folder);
 Family initFamily(const std::filesystem::path& folder);
 
 /// Throws unless a case did what it was to do.

@@ -48,7 +48,10 @@ double peakMemory() {
 }
 
 std::vector<Family> allFamilies(const std::filesystem::path& folder) {
-  return {recordFamily(folder), summaryFamily(folder), initFamily(folder)};
+  return {
+      recordFamily(folder), summaryFamily(folder), restartFamily(folder), indexFamily(folder),
+      initFamily(folder),   gridFamily(folder),    gridGeometryFamily(),  wellTestFamily(folder),
+  };
 }
 
 /// Measures one case; its counters carry what the table shows.

@@ -42,7 +42,7 @@ class FindingReport {
   }
   void file(const std::string& path, const FileCheck& check) {
     if (table_) return;
-    out_ << fmt::format("{}: {} record{}, {}\n", printable(path), check.records,
+    out_ << fmt::format("{}: {} {}{}, {}\n", printable(path), check.records, check.unit,
                         check.records == 1 ? "" : "s",
                         check.findings == 0   ? "clean"
                         : check.findings == 1 ? "1 finding"
@@ -58,7 +58,8 @@ class FindingReport {
   std::unique_ptr<TableWriter> table_;
 };
 
-/// The files of a run that consist of records. A file whose name tells nothing counts when it was asked for.
+/// The files of a run that consist of records, or of tests. A file whose name tells nothing counts when it
+/// was asked for.
 std::vector<const RunMember*> recordFiles(const RunFamily& run) {
   std::vector<const RunMember*> files;
   for (const RunMember& member : run.members) {
@@ -104,9 +105,13 @@ class RunCheck {
       ++result.findings;
       report_.add(finding);
     };
-    if (file.kind == FileKind::SummarySpec && result.findings == 0)
-      vectors = checkSpecification(file, console_.session(), count);
-    if (file.kind == FileKind::Save && result.findings == 0) checkSave(file, console_.session(), count);
+    if (result.findings == 0) {
+      if (file.kind == FileKind::SummarySpec) vectors = checkSpecification(file, console_.session(), count);
+      if (file.kind == FileKind::Save) checkSave(file, console_.session(), count);
+      if (file.kind == FileKind::Rft && result.unit == std::string_view("record")) {
+        checkWellTests(file.path, FileKind::Rft, console_.session(), count);
+      }
+    }
     if (result.findings > 0 && status_ == Done) status_ = Partial;
     if (!result.readable) status_ = Unreadable;
     console_.progress().hide();

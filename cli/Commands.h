@@ -21,6 +21,11 @@ void addRecords(CLI::App& app, Action& chosen);
 void addCheck(CLI::App& app, Action& chosen);
 void addVectors(CLI::App& app, Action& chosen);
 void addSummary(CLI::App& app, Action& chosen);
+void addRft(CLI::App& app, Action& chosen);
+void addGrid(CLI::App& app, Action& chosen);
+void addWells(CLI::App& app, Action& chosen);
+void addRestart(CLI::App& app, Action& chosen);
+void addIndex(CLI::App& app, Action& chosen);
 void addInit(CLI::App& app, Action& chosen);
 void addTables(CLI::App& app, Action& chosen);
 

@@ -6,11 +6,14 @@
 
 #include <fmt/format.h>
 
+#include "GridCheck.h"
 #include "RecordData.h"
 #include "files/Recogniser.h"
+#include "reader/qvEclipseReader.h"
 #include "restart/qvEclipseSAVE.h"
 #include "summary/RestartChain.h"
 #include "summary/qvEclipseSPEC.h"
+#include "support/Text.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -55,6 +58,8 @@ class Walk {
     try {
       readExtremes(cursor_, console_);
       for (OrderRule& rule : rules_) checkOrder(rule);
+      if (const auto wrong = grid_.check(cursor_))
+        addHere("array does not fit its grid", wrong->expected, wrong->found);
     } catch (const BadRecord& damage) {
       add(damage.diagnosis(), "went on behind the record");
     }
@@ -110,6 +115,7 @@ class Walk {
   Console& console_;
   const FindingSink& report_;
   std::int64_t records_ = 0;
+  GridCheck grid_;
   bool openMinistep_ = false;
   std::uint64_t ministepAt_ = 0;
   // Writers number report steps of a summary as they like, also with one number for all of them.
@@ -125,13 +131,20 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
     ++result.findings;
     report(std::move(finding));
   };
+  const Recognised recognised = recogniseFile(file.path);
+  if (recognised.kind == FileKind::UserRft || recognised.kind == FileKind::UserPlt) {
+    const auto tests = checkWellTests(file.path, recognised.kind, console.session(), count);
+    result.readable = tests.has_value();
+    result.records = tests.value_or(0);
+    result.unit = "test";
+    return result;
+  }
   std::string why;
   const auto cursor = openRecords(file.path, why);
   if (!cursor) {
     count({.path = file.path, .problem = why, .action = "read nothing of it"});
     return result;
   }
-  const Recognised recognised = recogniseFile(file.path);
   if (recognised.byContent && file.kind != FileKind::Unknown && recognised.kind != file.kind) {
     count({.path = file.path,
            .problem = "content is not what the name says",
@@ -170,6 +183,27 @@ std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& s
   session.diagnosisSink = shown;
   if (!qOK) return std::nullopt;
   return spec.nVectors;
+}
+
+std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
+                                           const FindingSink& report) {
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  // What a fault of a test has cost is a finding too.
+  const auto said = std::exchange(session.faultReporter, nullptr);
+  if (kind == FileKind::Rft) {
+    session.faultReporter = [&](std::string_view text) {
+      report({.path = path, .problem = std::string(trim(text)), .action = "left out what depends on it"});
+    };
+  }
+  qvEclipseReader reader(session);
+  reader.FileName = path;
+  reader.whichtype = whichtypeOf(kind);
+  bool qOK = false;
+  reader.ECLReadData(qOK);
+  session.faultReporter = said;
+  session.diagnosisSink = shown;
+  if (!qOK) return std::nullopt;
+  return kind == FileKind::Rft ? reader.NumberRFTTests() : reader.NumberUserTests();
 }
 
 }  // namespace lumbarn::cli

@@ -17,6 +17,7 @@ using FindingSink = std::function<void(Diagnosis)>;
 struct FileCheck {
   bool readable = false;     ///< it is a record file, and its first record is whole
   std::int64_t records = 0;  ///< whole ones
+  const char* unit = "record";
   std::int64_t findings = 0;
 };
 
@@ -24,6 +25,7 @@ struct FileCheck {
 /// record's data lets the walk go on behind it, damage to the headers ends it. Also reports numbers that
 /// should rise and do not: `SEQNUM` of a restart, `SEQHDR` and `MINISTEP` of a summary; rows of a summary
 /// that are not whole or have not `vectors` values. Throws Failure when cancelled.
+/// A text of well tests is read as such, and its tests are counted.
 FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, Console& console,
                     const FindingSink& report);
 
@@ -34,5 +36,10 @@ void checkSave(const RunMember& file, Session& session, const FindingSink& repor
 /// restarted from but that cannot be found. Gives the count of its vectors, if it can be read.
 std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
                                                const FindingSink& report);
+
+/// Loads a file of well tests as kind says, and reports what of it makes no sense. Gives the count of tests,
+/// if it can be read.
+std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
+                                           const FindingSink& report);
 
 }  // namespace lumbarn::cli

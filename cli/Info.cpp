@@ -49,13 +49,12 @@ Facts familyFacts(const RunFamily& run) {
       set["bytes"] = set["bytes"].get<std::uintmax_t>() + bytesOf(member.path);
       continue;
     }
-    files.push_back(
-        {{"kind", nameOf(member.kind)},
-         {"form", member.kind == FileKind::Deck || member.formatted ? "formatted" : "unformatted"},
-         {"files", 1},
-         {"first", name},
-         {"last", ""},
-         {"bytes", bytesOf(member.path)}});
+    files.push_back({{"kind", nameOf(member.kind)},
+                     {"form", isText(member.kind) || member.formatted ? "formatted" : "unformatted"},
+                     {"files", 1},
+                     {"first", name},
+                     {"last", ""},
+                     {"bytes", bytesOf(member.path)}});
   }
   return files;
 }
@@ -83,6 +82,10 @@ void addContent(Facts& facts, const RunFamily& run, FileKind kind, Console& cons
     case FileKind::Rft:
       facts["well_tests"] = testFacts(run, console);
       break;
+    case FileKind::UserRft:
+    case FileKind::UserPlt:
+      facts["well_tests"] = userTestFacts(*run.find(kind), console);
+      break;
     default:
       break;
   }
@@ -100,8 +103,7 @@ ExitStatus tellAbout(const InfoOptions& options, Console& console) {
     const Recognised recognised = recogniseFile(file.path);
     addFile(facts, file, recognised);
     unknown = recognised.kind == FileKind::Unknown;
-    const bool text = recognised.kind == FileKind::Deck || recognised.kind == FileKind::Rsm;
-    if (!text && !recognised.problem.empty())
+    if (!isText(recognised.kind) && !recognised.problem.empty())
       console.tell({.path = file.path, .problem = recognised.problem});
     file.kind = recognised.kind;
     kinds = {file.kind == FileKind::Summary ? FileKind::SummarySpec : file.kind};

@@ -53,6 +53,14 @@ void addOutputOptions(CLI::App& command, OutputOptions& options) {
       ->option_text("FILE");
 }
 
+void refuseInputs(const std::string& file, std::span<const std::string> inputs) {
+  std::error_code unknown;
+  for (const std::string& input : inputs) {
+    if (fs::equivalent(toPath(file), toPath(input), unknown))
+      throw Failure(Usage, input + ": is an input, not replaced");
+  }
+}
+
 Output::Output(const OutputOptions& options, std::ostream& standard, std::span<const std::string> inputs)
     : standard_(standard) {
   if (options.file.empty()) return;
@@ -60,10 +68,7 @@ Output::Output(const OutputOptions& options, std::ostream& standard, std::span<c
   std::error_code unknown;
   const fs::path real = fs::weakly_canonical(target_, unknown);  // a link stays, what it points to is written
   if (!unknown) target_ = real;
-  for (const std::string& input : inputs) {
-    if (fs::equivalent(target_, toPath(input), unknown))
-      throw Failure(Usage, input + ": is an input, not replaced");
-  }
+  refuseInputs(options.file, inputs);
   const fs::file_status status = fs::status(target_, unknown);
   if (fs::is_directory(status)) throw Failure(Usage, target_.string() + ": is a folder");
   // A pipe or a device cannot be replaced by a file of that name.

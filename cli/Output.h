@@ -21,6 +21,9 @@ struct OutputOptions {
 /// `--format` and `-o`.
 void addOutputOptions(CLI::App& command, OutputOptions& options);
 
+/// Throws Failure when a file to be written is one of `inputs`.
+void refuseInputs(const std::string& file, std::span<const std::string> inputs);
+
 /// Where a subcommand's data go: standard output, or a file that appears under its name once it is complete.
 /// Until then it has a temporary name in the same folder, and nothing of it stays behind unless `commit` is
 /// reached.

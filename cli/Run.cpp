@@ -19,6 +19,11 @@ void addCommands(CLI::App& app, Action& chosen) {
   addCheck(app, chosen);
   addVectors(app, chosen);
   addSummary(app, chosen);
+  addRft(app, chosen);
+  addGrid(app, chosen);
+  addWells(app, chosen);
+  addRestart(app, chosen);
+  addIndex(app, chosen);
   addInit(app, chosen);
   addTables(app, chosen);
 }

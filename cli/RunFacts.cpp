@@ -1,10 +1,13 @@
 #include "RunFacts.h"
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <set>
 
 #include "RecordData.h"
+#include "WellTestFile.h"
+#include "files/Recogniser.h"
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
 
@@ -135,31 +138,46 @@ Facts initFacts(const RunFamily& run, Console& console) {
 Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
   Facts facts = Facts::object();
   std::vector<std::string> localGrids;
+  std::optional<std::int64_t> active;  // of the global grid
+  std::optional<std::int64_t> cells;
   walk(run.find(kind)->path, console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.is("LGR", ElementType::Text)) {
       for (const auto& name : cursor.texts()) localGrids.push_back(name);
+    } else if (header.keyword == "ACTNUM" && localGrids.empty()) {
+      active =
+          std::ranges::count_if(firstWords(cursor, header.count), [](auto number) { return number > 0; });
+    } else if (header.keyword == "COORDS" && localGrids.empty()) {
+      const auto words = firstWords(cursor, 5);  // I, J, K, number, 1 for an active cell
+      active = active.value_or(0) + (words.size() < 5 || words[4] > 0 ? 1 : 0);
     } else if (header.is("GRIDUNIT", ElementType::Text) && header.count > 0) {
       facts["length_unit"] = cursor.texts()[0];
     } else if (header.keyword == "GRIDHEAD" && !facts.contains("grid")) {
       const auto words = firstWords(cursor, 4);
-      if (words.size() == 4) facts["grid"] = {words[1], words[2], words[3]};
+      if (words.size() < 4) return;
+      facts["grid"] = {words[1], words[2], words[3]};
+      cells = std::int64_t{words[1]} * words[2] * words[3];
     } else if (header.keyword == "DIMENS" && !facts.contains("grid")) {
       const auto words = firstWords(cursor, 3);
       if (words.size() == 3) facts["grid"] = words;
     }
   });
+  if (!active) active = cells;  // ACTNUM is left out when all are
+  if (active) facts["active_cells"] = *active;
   if (!localGrids.empty()) facts["local_grids"] = localGrids;
   return facts;
 }
 
 Facts testFacts(const RunFamily& run, Console& console) {
+  RunMember file = *run.find(FileKind::Rft);
+  file.kind = recogniseFile(file.path).kind;
+  if (isText(file.kind)) return userTestFacts(file, console);
   constexpr std::size_t wellName = 1;  // place in WELLETC, from 0
   std::int64_t tests = 0;
   std::set<std::string> wells;
   std::optional<Moment> first;
   std::optional<Moment> last;
-  walk(run.find(FileKind::Rft)->path, console, [&](RecordCursor& cursor) {
+  walk(file.path, console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.keyword == "TIME") ++tests;
     if (header.is("WELLETC", ElementType::Text) && header.count > std::int64_t{wellName}) {
@@ -172,6 +190,25 @@ Facts testFacts(const RunFamily& run, Console& console) {
     if (!first) first = last;
   });
   Facts facts = {{"tests", tests}, {"wells", wells}};
+  if (first) facts["first_date"] = isoText(*first, true);
+  if (last) facts["last_date"] = isoText(*last, true);
+  return facts;
+}
+
+Facts userTestFacts(const RunMember& file, Console& console) {
+  const auto tests = WellTestFile::open(file.path, file.kind, console);
+  std::set<std::string> wells;
+  std::optional<Moment> first;
+  std::optional<Moment> last;
+  std::size_t rows = 0;
+  for (const TestSummary& test : tests->tests()) {
+    wells.insert(test.well);
+    rows += test.rows;
+    if (!test.date) continue;
+    first = first ? std::min(first, test.date) : test.date;
+    last = std::max(last, test.date);
+  }
+  Facts facts = {{"tests", tests->tests().size()}, {"wells", wells}, {"rows", rows}};
   if (first) facts["first_date"] = isoText(*first, true);
   if (last) facts["last_date"] = isoText(*last, true);
   return facts;

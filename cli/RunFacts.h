@@ -17,6 +17,8 @@ Facts initFacts(const RunFamily& run, Console& console);
 Facts gridFacts(const RunFamily& run, FileKind kind, Console& console);
 Facts saveFacts(const RunFamily& run, Console& console);
 Facts testFacts(const RunFamily& run, Console& console);
+/// Of a text of tests all is read.
+Facts userTestFacts(const RunMember& file, Console& console);
 
 /// A unit system by its number in a header.
 std::string_view unitSystemName(std::int32_t number);

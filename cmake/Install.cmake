@@ -10,6 +10,20 @@ install(
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   INCLUDES
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(TARGET lumbarn_vtk)
+  install(
+    TARGETS lumbarn_vtk
+    EXPORT lumbarnTargets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES ${PROJECT_SOURCE_DIR}/export/VtkExport.h
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn/export)
+  install(FILES ${PROJECT_SOURCE_DIR}/cmake/Hdf5.cmake DESTINATION ${lumbarn_package_dir})
+  if(BUILD_SHARED_LIBS)
+    set_target_properties(lumbarn_vtk PROPERTIES INSTALL_RPATH "\$ORIGIN")
+  endif()
+endif()
 install(
   DIRECTORY ${PROJECT_SOURCE_DIR}/src/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn

@@ -12,7 +12,9 @@
 
 #include "record/RecordWriter.h"
 #include "support/InitBuilder.h"
+#include "support/RestartBuilder.h"
 #include "support/SummaryBuilder.h"
+#include "support/WellTestBuilder.h"
 
 /// make_seeds FOLDER: writes first inputs for every fuzz target, to FOLDER/TARGET.
 
@@ -117,6 +119,20 @@ test::SummaryBuilder summary() {
   return run;
 }
 
+test::RestartBuilder restart() {
+  test::RestartBuilder run;
+  test::RestartBuilder::Grid grid;
+  grid.arrays = {{"PRESSURE", {200, 201, 202, 203}},
+                 {"SWAT", {0.25F, 0.5F, 0.75F, 1}},
+                 {"SGAS", {0, 0, 0.5F, 0}},
+                 {"FIPNUM", {1, 1, 2, 2}, true}};
+  grid.wells = {{"P1", {{1, 1, 1}, {1, 2, 1}}, {{7, 1}}}, {"I1", {}, {{7, 3}}}};
+  test::RestartBuilder::Grid local{"FINE", {2, 1, 1}, 2, {{"PRESSURE", {1, 2}}}, {}};
+  run.steps = {{1, 10.25, {1, 2, 2020}, {grid, local}}, {2, 20, {1, 3, 2020}, {grid, local}}};
+  run.headerWords = 96;
+  return run;
+}
+
 Bytes example(const std::string& name) {
   std::ifstream in(std::string(LUMBARN_EXAMPLES "/") + name, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(in), {}};
@@ -136,12 +152,67 @@ void addExamples(const Corpus& corpus) {
   for (const char* file : {"ARBORF/ARBORF.FSMSPEC", "ARBORFM/ARBORFM.A0004", "ARBORF/ARBORF.FRFT"}) {
     corpus.addFile(example(file), formatted, name++);
   }
+  corpus.add("fuzz_restart", {6}, example("ARBORM/ARBORM.X0003"));
   for (const char* file : {"ARBOR/ARBOR.INIT", "HOLLIN/HOLLIN.INIT", "ARBORF/ARBORF.FINIT"})
     corpus.addInit(example(file));
   corpus.addSummary(example("ARBOR/ARBOR.SMSPEC"), example("ARBOR/ARBOR.UNSMRY"));
   corpus.addSummary(example("ARBORF/ARBORF.FSMSPEC"), example("ARBORFM/ARBORFM.A0004"));
   corpus.addSummary(example("CEDAR/CEDAR_R2.SMSPEC"), example("CEDAR/CEDAR_R2.UNSMRY"));
   corpus.addSummary(example("HOLLIN/HOLLIN.SMSPEC"), example("HOLLIN/HOLLIN.UNSMRY"));
+}
+
+/// A well of all kinds of data: connections, segments with devices, branches.
+Bytes wellTests(const Form& form) {
+  using Singles = test::WellTestBuilder::Singles;
+  using Integers = test::WellTestBuilder::Integers;
+  test::WellTestBuilder file;
+  file.tests = {{.arrays = {{"CONIPOS", Integers{1, 2}},
+                            {"CONJPOS", Integers{1, 1}},
+                            {"CONKPOS", Integers{1, 1}},
+                            {"DEPTH", Singles{1000, 1010}},
+                            {"PRESSURE", Singles{100, 101}},
+                            {"SWAT", Singles{0.25F, 0.5F}}},
+                 .grid = "LGR1"},
+                {.arrays = {{"CONLENST", Singles{20, 0, 10}},
+                            {"CONLENEN", Singles{30, 10, 20}},
+                            {"CONORAT", Singles{1, 2, 3}},
+                            {"CONWRAT", Singles{1, 0, 3}},
+                            {"CONGRAT", Singles{10, 20, 30}},
+                            {"CONOTUB", Singles{1, 2, 3}},
+                            {"CONWTUB", Singles{1, 2, 3}},
+                            {"CONGTUB", Singles{1, 2, 3}},
+                            {"CONSEGNO", Integers{1, 2, 3}},
+                            {"CONBRNO", Integers{1, 2, 2}},
+                            {"SEGBRNO", Integers{1, 1, 2, 2}},
+                            {"SEGNXT", Integers{0, 1, 2, 2}},
+                            {"SEGLENST", Singles{0, 10, 20, 30}},
+                            {"SEGLENEN", Singles{10, 20, 20.1F, 30.1F}},
+                            {"SEGORAT", Singles{1, 2, 3, 4}},
+                            {"BRNST", Integers{1, 3}},
+                            {"BRNEN", Integers{2, 4}}},
+                 .time = 10.25F}};
+  return file.bytes(form);
+}
+
+Bytes text(std::string_view text) {
+  const auto bytes = std::as_bytes(std::span(text));
+  return {bytes.begin(), bytes.end()};
+}
+
+void addWellTests(const Corpus& corpus) {
+  for (const auto& [name, form] : everyForm) corpus.add("fuzz_welltests", {}, wellTests(form));
+  for (const char* file : {"HOLLIN/HOLLIN.RFT", "ARBORF/ARBORF.FRFT"})
+    corpus.add("fuzz_welltests", {}, example(file));
+  for (const int kind : {0, 1}) {
+    corpus.add("fuzz_usertests", {kind}, example("measured/rft.txt"));
+    for (const char* words :
+         {"PLT\r\nWELLNAME P\r\nLENGTH Q\r\n1 2\r\n3\r\n", "RFT\nDATEFORMAT YY\nDATE 1990-2-3\nTIME 1.5\nD\n",
+          "RFT\nGRIDNAME L\nDATE 1ST JAN, 90 FORMAT MM\nMD\n1E5 2\n",
+          "\xEF\xBB\xBF"
+          "1 2\rTVD X\r-.5 N/A"}) {
+      corpus.add("fuzz_usertests", {kind}, text(words));
+    }
+  }
 }
 
 /// A run with every simulation table, small, two of those with an outer index.
@@ -176,7 +247,10 @@ int main(int count, char** words) {
     run.restart = "EARLIER";
     run.firstStep = 3;
     corpus.addSummary(run.spec(form), run.data(form));
+    for (const int options : {0, 3}) corpus.add("fuzz_restart", {options}, restart().bytes(form));
+    corpus.add("fuzz_restart", {6}, restart().bytes(form, restart().steps[0]));
   }
   addExamples(corpus);
+  addWellTests(corpus);
   return 0;
 }

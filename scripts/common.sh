@@ -11,6 +11,7 @@ build_packages=(
   libcli11-dev
   libfast-float-dev
   libfmt-dev
+  libhdf5-dev # the export of grids
   ninja-build
   nlohmann-json3-dev
 )
@@ -24,6 +25,7 @@ test_packages=(
   libgtest-dev
   llvm-14 # llvm-symbolizer: function names in what the sanitizers report
   python3
+  python3-vtk9 # reads exported grids back; the largest by far: 50 MB to fetch, 245 MB on the disk
 )
 tidy_packages=("${test_packages[@]}" clang-tidy-14 clang-tools-14)
 

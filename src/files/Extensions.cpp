@@ -106,6 +106,10 @@ std::int32_t whichtypeOf(FileKind kind) {
       return 25;
     case Rsspec:
       return 28;
+    case UserRft:
+      return 76;
+    case UserPlt:
+      return 77;
     case Streamline:
     case StreamlineSpec:
       return 152;
@@ -148,9 +152,15 @@ std::string_view nameOf(FileKind kind) {
       return "streamlines";
     case Rsm:
       return "summary text table";
+    case UserRft:
+      return "user RFT";
+    case UserPlt:
+      return "user PLT";
   }
   return "unknown";
 }
+
+bool isText(FileKind kind) { return kind == Deck || kind == Rsm || kind == UserRft || kind == UserPlt; }
 
 FileName::FileName(std::string_view zFile) {
   const std::size_t nameAt = zFile.find_last_of(folderSeparators()) + 1;  // npos + 1 is 0

@@ -26,6 +26,8 @@ enum class FileKind : std::uint8_t {
   StreamlineSpec,  ///< SLNSPEC
   Streamline,      ///< streamlines of one report step
   Rsm,             ///< summary as a text table
+  UserRft,         ///< measured well tests, a text that a user wrote
+  UserPlt,         ///< the same of measured flow along wells
 };
 
 /// The code by which hosts know the kind (`whichtype`); 0 for those that have none. An INSPEC file has the
@@ -33,6 +35,8 @@ enum class FileKind : std::uint8_t {
 std::int32_t whichtypeOf(FileKind kind);
 /// The kind in words: "summary specification".
 std::string_view nameOf(FileKind kind);
+/// Whether files of the kind are texts that people write or read, not records.
+bool isText(FileKind kind);
 
 /// A file name in its parts. The extension is what stands behind the last dot of the name, so that a base
 /// name may have dots, blanks and any other characters in it.

@@ -5,8 +5,11 @@
 #include <string_view>
 #include <utility>
 
+#include "../record/LineReader.h"
 #include "../record/RecordCursor.h"
 #include "../support/Diagnosis.h"
+#include "../support/Text.h"
+#include "UserTestWords.h"
 
 namespace lumbarn {
 namespace {
@@ -190,7 +193,35 @@ void gather(const std::shared_ptr<const ByteSource>& source, const std::string& 
   }
 }
 
+std::vector<std::byte> front(const ByteSource& source) {
+  constexpr std::uint64_t textLookedAt = 16384;
+  std::vector<std::byte> bytes(static_cast<std::size_t>(std::min(textLookedAt, source.size())));
+  bytes.resize(source.readAt(0, bytes));
+  return bytes;
+}
+
+/// The kind of a text of well tests: commands of one may stand before the word that opens it.
+FileKind userTestKind(const ByteSource& source) {
+  if (!looksLikeText(source)) return Unknown;
+  LineReader reader(std::make_shared<MemorySource>(front(source)), "");
+  while (reader.next()) {
+    const std::string line = upper(trim(reader.line()));
+    if (checkIfCommentLine(line)) continue;
+    const auto word = words(line).front();
+    if (word == openingWord(UserTestKind::Rft)) return UserRft;
+    if (word == openingWord(UserTestKind::Plt)) return UserPlt;
+    const auto command = userTestWord(UserTestKind::Rft, word);
+    if (!command || command->command == UserTestCommand::Open) return Unknown;
+  }
+  return Unknown;
+}
+
 }  // namespace
+
+bool looksLikeText(const ByteSource& source) {
+  const auto bytes = front(source);
+  return std::ranges::find(bytes, std::byte{0}) == bytes.end();
+}
 
 Recognised recognise(std::shared_ptr<const ByteSource> source, const std::string& name) {
   const ExtensionMeaning byName = meaningOf(FileName(name).extension);
@@ -198,10 +229,12 @@ Recognised recognise(std::shared_ptr<const ByteSource> source, const std::string
   Evidence evidence(byName.kind);
   try {
     gather(source, name, evidence, result);
+    result.kind = result.form ? Unknown : userTestKind(*source);
+    if (result.kind != Unknown) result.problem.clear();
   } catch (const std::exception& failure) {
     result.problem = failure.what();
   }
-  result.kind = evidence.kind();
+  if (result.kind == Unknown) result.kind = evidence.kind();
   result.byContent = result.kind != Unknown;
   if (result.byContent) {
     result.unified = isUnified(result.kind, evidence, byName);

@@ -17,7 +17,7 @@ struct Recognised {
   std::optional<Form> form;     ///< of a record file; nothing when no record header was found in it
   std::optional<bool> unified;  ///< of summary, restart and save data: one file for all steps; of
                                 ///< streamlines: False
-  bool byContent = false;       ///< the records tell the kind; False: only the file's name does
+  bool byContent = false;       ///< the content tells the kind; False: only the file's name does
   std::string problem;          ///< what kept the file from being read this far, if anything did
 
   std::int32_t whichtype() const { return whichtypeOf(kind); }
@@ -29,12 +29,17 @@ struct Recognised {
 /// contradict does not count. No file makes it fail: one that is short, damaged or not there gives what can
 /// be told, which may be `Unknown`.
 ///
-/// At most some hundred record headers are read, and no data. A restart file is unified when a step number
-/// record (`SEQNUM`) stands in front, behind foreign arrays at most. Summary data are unified when a second
-/// report step is met; with one step only, the name decides, and without a telling name they count as
-/// unified, as they read the same.
+/// A text without records is one of measured well tests when the word RFT or PLT opens one of the commands
+/// that stand in its first lines, behind comments and before any other line.
+///
+/// At most some hundred record headers are read, and no data; of a text some thousand characters. A restart
+/// file is unified when a step number record (`SEQNUM`) stands in front, behind foreign arrays at most.
+/// Summary data are unified when a second report step is met; with one step only, the name decides, and
+/// without a telling name they count as unified, as they read the same.
 Recognised recogniseFile(const std::string& path);
 /// The same for bytes from anywhere; `name` is the file's name or path, or empty.
 Recognised recognise(std::shared_ptr<const ByteSource> source, const std::string& name);
+/// Whether the bytes in front can be those of a text of single bytes: there is no character 0 among them.
+bool looksLikeText(const ByteSource& source);
 
 }  // namespace lumbarn

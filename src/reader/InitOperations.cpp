@@ -4,6 +4,8 @@
 #include "../files/Extensions.h"
 #include "../init/qvEclipseINIT.h"
 #include "../record/ByteSource.h"
+#include "../restart/IndexFile.h"
+#include "../restart/RestartIndex.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"
@@ -53,12 +55,16 @@ bool qvEclipseReader::readInit() {
   Formatted = file->Formatted;
   UNIX = file->UNIX;
   byteSwap = file->byteSwap;
-  if (!Silent && dialog_ && !chooseInitArrays()) return false;
+  bool qWriteIndex = !IndexFolder.empty();
+  if (!Silent && dialog_ && !chooseInitArrays(qWriteIndex)) return false;
   if (session_->yield()) return false;
   prepareInit(*file);
   init_ = std::move(file);
   bool qOK = false;
   init_->getEclipseINITArrays(qOK);
+  if (qOK && qWriteIndex && hasIndexFolder(FileName)) {
+    WriteEclipseInspecFile(walkInit(*session_, FileName), indexPath(FileName, "INSPEC"), qOK, *session_);
+  }
   return qOK;
 }
 
@@ -71,7 +77,7 @@ void qvEclipseReader::tellNoInit(const std::string& path) {
   session_->diagnose(std::move(diagnosis));
 }
 
-bool qvEclipseReader::chooseInitArrays() {
+bool qvEclipseReader::chooseInitArrays(bool& qWriteIndex) {
   qvEclipseINIT offer(*session_);
   bool qOK = false;
   offer.CheckINITFile(FileName);
@@ -96,6 +102,7 @@ bool qvEclipseReader::chooseInitArrays() {
   if (!dialog_->showArrays(shared, settings)) return false;
   CreateOnlyList(initCode, shared, bOnly, qOnly, qOK);
   zOrigin = settings.zOrigin;
+  qWriteIndex = qWriteIndex || settings.writeIndex;
   return qOK;
 }
 

@@ -21,9 +21,11 @@ struct ReaderOptions {
   std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
   std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  std::int32_t whichtype = 0;  ///< file kind code: 11 and 16 restart, 12 and 13 summary, 15 INIT
-  bool Silent = false;         ///< no dialog
-  bool Formatted = true;       ///< form of the file; replaced by what recognition finds, as the next two
+  /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 15 INIT, 18 RFT, 23 EGRID, 76 and 77 user
+  /// RFT and PLT.
+  std::int32_t whichtype = 0;
+  bool Silent = false;    ///< no dialog
+  bool Formatted = true;  ///< form of the file; replaced by what recognition finds, as the next two
   bool UNIX = false;
   bool byteSwap = false;
   bool Unified = false;   ///< one file for all steps; found out when no multiple files are there
@@ -31,11 +33,11 @@ struct ReaderOptions {
   bool NoSat = true;
   bool NoPVT = true;
   bool NNC = false;
-  bool CompressOnLoad = true;
-  bool Coarsened = true;
+  bool CompressOnLoad = true;  ///< keep geometry of active cells only; unformatted files
+  bool Coarsened = true;       ///< make blocks of coarsened cells one cell
   bool WellSeg = false;
-  bool AllData = true;  ///< all steps wanted
-  bool NoInactive = false;
+  bool AllData = true;      ///< all steps wanted
+  bool NoInactive = false;  ///< all cells of a GRID file count as active
   bool GridPrompts = false;
   bool EclipseNames = true;
   bool MergeRows = true;
@@ -69,7 +71,7 @@ struct ReaderOptions {
   bool RUNSPECOnly = false;
   bool ProcessCorners = true;
   bool ProcessAll = false;
-  bool ProcessPLT = true;
+  bool ProcessPLT = true;  ///< this and the next two: kept with the tests and without effect on them
   bool SortedPLT = true;
   bool ScaledPLT = true;
   bool HorizWell = false;  ///< build along-well profiles after a summary load
@@ -83,16 +85,21 @@ struct ReaderOptions {
   bool AppendSchedule = false;
   bool IPRCurve = false;
   bool SaveScratchFiles = false;  ///< hand over the scratch file of a table that memory cannot hold
-  bool LoadHPGridFiles = false;
-  bool SaveHPGridFiles = false;
+  bool LoadHPGridFiles = false;   ///< take grids from the cache in HPGFolder, when it is that of the file
+  bool SaveHPGridFiles = false;   ///< keep grids that were read there
   bool HPGAllowed = false;
+  std::string HPGFolder;      ///< folder for cached grid geometry; empty: none is read or written
+  std::string HPGFileName;    ///< the cache file of a grid; empty: in HPGFolder, by the name of the grid file
+  std::string GILFFileName;   ///< carried for the host
+  std::string HPGChosenFile;  ///< the cache file that the last grid load took its data from; empty: none
   ByteTable bOnly = emptyOnlyList();  ///< selection by class and member, 56 bytes an entry
   bool qOnly = false;                 ///< bOnly says what to load; False: what to leave out
 
   // Additions to the options that hosts know of old.
   std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both are taken together
   std::vector<std::string> ExceptPatterns;  ///< as zExcept
-  std::string IndexFolder;     ///< folder for index files of restart sets; empty: none is written
+  std::string
+      IndexFolder;  ///< folder for index files of what is loaded (restart sets, INIT); empty: none is written
   bool AcceptDamaged = false;  ///< succeed with what was read before damage; see `Damaged`
 };
 

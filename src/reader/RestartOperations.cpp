@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "../files/Families.h"
 #include "../files/FileSets.h"
 #include "../record/ByteSource.h"
+#include "../restart/IndexFile.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"
@@ -51,6 +53,7 @@ void fillChoice(const qvEclipseSOLUTION& all, ECLIPSEINFO& selection, LoadDialog
 struct qvEclipseReader::SolutionLoad {
   std::unique_ptr<qvEclipseSOLUTION> set;
   std::vector<std::int32_t> iRestartList{-1};
+  bool qWriteIndex = false;  ///< asked for by the dialog
 };
 
 void qvEclipseReader::ReadSolutionFile(bool& qOK) {
@@ -127,6 +130,7 @@ bool qvEclipseReader::chooseSteps(SolutionLoad& load) {
   iStart = settings.iStart;
   iEnd = settings.iEnd;
   zOrigin = settings.zOrigin;
+  load.qWriteIndex = settings.writeIndex;
   if (settings.iRestartList != allSteps && !settings.iRestartList.empty()) {
     load.iRestartList = settings.iRestartList;
   }
@@ -154,7 +158,33 @@ bool qvEclipseReader::loadSolution(SolutionLoad& load) {
   set.AcceptDamaged = AcceptDamaged;
   set.getSOLUTIONData(qOK);
   if (iStart != -1) AllData = false;
+  if (qOK && (load.qWriteIndex || !IndexFolder.empty())) qOK = writeRestartIndex(set);
   return qOK;
+}
+
+/// Index files are never written beside the data unless the host names their folder.
+bool qvEclipseReader::hasIndexFolder(const std::string& path) const {
+  if (!IndexFolder.empty()) return true;
+  Diagnosis diagnosis;
+  diagnosis.path = path;
+  diagnosis.problem = "no folder is named for the index";
+  diagnosis.action = "no index was written";
+  session_->diagnose(std::move(diagnosis));
+  return false;
+}
+
+std::string qvEclipseReader::indexPath(const std::string& path, std::string_view kind) const {
+  const auto name = lumbarn::FileName(path).base + (Formatted ? ".F" : ".") + std::string(kind);
+  return (std::filesystem::path(IndexFolder) / name).string();
+}
+
+/// Writes the index of the files that were read.
+bool qvEclipseReader::writeRestartIndex(const qvEclipseSOLUTION& set) {
+  if (!hasIndexFolder(set.FileName)) return true;
+  bool qWritten = false;
+  WriteEclipseRsspecFile(walkRestart(*session_, set.zMultList), indexPath(set.FileName, "RSSPEC"), qWritten,
+                         *session_);
+  return qWritten;
 }
 
 /// What all fetches of a step have in common.

@@ -61,6 +61,15 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case 12:
     case 13:
       return ReadSummaryFile(qOK);
+    case 18:
+      return ReadRFTFile(qOK);
+    case 76:
+      return ReadUserRFTFile(qOK);
+    case 77:
+      return ReadUserPLTFile(qOK);
+    case 14:
+    case 23:
+      return ReadGridOrEGridFile(whichtype, qOK);
     case 11:
     case 16:
       return ReadSolutionFile(qOK);
@@ -215,6 +224,10 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
     case 12:
     case 13:  // the summary reader asks for the specification under both codes
       return qvEclipseSPEC(*session_).CheckSPECFile(zFileName);
+    case 14:
+      return qvGRIDReader(*session_).CheckGRIDFile(zFileName);
+    case 23:
+      return qvGRIDReader(*session_).CheckEGRIDFile(zFileName);
     case 11:
     case 16:
       return qvEclipseSOLUTION(*session_).CheckRESTARTFile(zFileName);
@@ -229,6 +242,12 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
       return solution_ != nullptr;
     case 13:
       return summary_ != nullptr;
+    case 14:  // whichever file the grid came from; code 23 is none of those that hosts ask for
+      return grid_ != nullptr;
+    case 18:
+      return tests_ != nullptr;
+    case 76:
+      return userTests_ != nullptr;
     case initCode:
       return init_ != nullptr;
     default:
@@ -239,6 +258,9 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   if (iType == 11) solution_.reset();
   if (iType == 13) summary_.reset();
+  if (iType == 14) grid_.reset();
+  if (iType == 18) tests_.reset();
+  if (iType == 76) userTests_.reset();
   if (iType == initCode) init_.reset();
   return true;
 }
@@ -402,6 +424,7 @@ std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
 
 bool qvEclipseReader::Damaged() const {
   if (isRestartCode(whichtype)) return solution_ && solution_->qDamaged;
+  if (whichtype == 14 || whichtype == 23) return grid_ && grid_->qDamaged;
   if (whichtype == initCode) return init_ && init_->qDamaged;
   return summary_ && summary_->qDamaged;
 }

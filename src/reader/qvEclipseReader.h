@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "../files/Recogniser.h"
+#include "../grid/qvGRIDReader.h"
 #include "../init/qvEclipseINIT.h"
+#include "../restart/WellRecords.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
@@ -19,6 +21,9 @@
 #include "../summary/qvEclipseSUMMARYFile.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "../welltests/WellTest.h"
+#include "../welltests/qvEclipseRFT.h"
+#include "../welltests/qvUserRFT.h"
 #include "LoadDialog.h"
 #include "ReaderOptions.h"
 
@@ -64,6 +69,21 @@ class qvEclipseReader : public ReaderOptions {
   /// `NoRestart` False the earlier runs of the chain are found from it. A last record that is not whole, as a
   /// running simulation leaves it, is told as a diagnosis and no failure.
   void ReadSummaryFile(bool& qOK);
+  /// Reads the well tests of a simulator's RFT file. Damage ends the reading and is told as a diagnosis; what
+  /// stands before it is there, and that is no failure unless it is nothing.
+  void ReadRFTFile(bool& qOK);
+  /// Reads a text file of measured tests, RFT or PLT. Both are kept in one place, the later load. A row with
+  /// too few numbers ends the reading with a report, which is no failure.
+  void ReadUserRFTFile(bool& qOK);
+  void ReadUserPLTFile(bool& qOK);
+
+  /// Reads the grids of `FileName`: of a GRID file with 14, of an EGRID file with 23. Damage ends the load
+  /// with qOK False (True with `AcceptDamaged` when a grid was whole); the grids before it can be had. With
+  /// `LoadHPGridFiles` or `SaveHPGridFiles`, and a folder in `HPGFolder`, geometry is taken from or kept in a
+  /// cache file there; one that is stale or damaged is told and not used.
+  void ReadGridOrEGridFile(std::int32_t iGridType, bool& qOK);
+  void ReadGridFile(bool& qOK) { ReadGridOrEGridFile(14, qOK); }
+  void ReadEGridFile(bool& qOK) { ReadGridOrEGridFile(23, qOK); }
 
   /// Reads a restart set: `FileName` is its unified file, any of its multiple files, which then all count, or
   /// its index. Steps and arrays are those of `iStart`, `iEnd`, `bOnly`, `zOnly`, `zExcept` and the pattern
@@ -85,9 +105,11 @@ class qvEclipseReader : public ReaderOptions {
   bool CheckifEclipse(FileDescriptor& uFileDesc);
   /// Whether a file is of the kind of a code.
   bool CheckECLIPSEFileType(const std::string& zFileName, std::int32_t iFileType);
-  /// Whether data of a kind are held. Code 12 answers False, as 13 is the code of summary data.
+  /// Whether data of a kind are held. Code 12 answers False, as 13 is the code of summary data, and 77 does,
+  /// as 76 is the code of user tests of both kinds.
   bool IsInitialised(std::int32_t iType) const;
-  /// Releases what is held of a kind; always True. Code 12 releases nothing, 13 the summary.
+  /// Releases what is held of a kind; always True. Codes 12 and 77 release nothing, 13 the summary and 76 the
+  /// user tests.
   bool DeleteObject(std::int32_t iType);
 
   // --- Summary results
@@ -119,6 +141,23 @@ class qvEclipseReader : public ReaderOptions {
   /// The scratch file handed over with `SaveScratchFiles`; empty when memory sufficed. The caller deletes it.
   std::string SummaryScratchFileName() const;
 
+  // --- Grid results
+
+  std::int32_t NumberGrids() const { return grid_ ? grid_->nGrids : 0; }
+  /// The store object of a grid, from 1: the global one, then the local ones. It is shared with this reader,
+  /// and lives as long as either needs it. qOK False for a number that there is not.
+  void GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& cGridData, bool& qOK);
+  /// The corners of all active cells of a grid: sCorners(24, nActive), a row of x, y, z of corner 1 to 8 for
+  /// each, I fastest, in the frame and units of the file; zeros for a cell in no reservoir. An array that has
+  /// the right size is filled, any other is made anew.
+  void getCorners(std::int32_t iGrid, XYData& sCorners, std::int32_t& nActive, bool& qOK);
+  /// Whether corners of a grid can be had. They are made when they are asked for, so nothing is done here.
+  void CreateCorners(std::int32_t iGrid, bool& qOK);
+  /// Replaces the activity of a grid: entries below 1 are inactive. A list with not one entry for each cell
+  /// changes nothing and succeeds. Cells whose geometry was not kept on loading stay inactive, which is told.
+  void SetACTNUM(std::int32_t iGrid, const std::vector<std::int32_t>& iACTNUM, bool& qOK);
+  /// Whether there is a cache file for `FileName` that can be used. Sets `HPGFileName` when it is empty.
+  bool HPGFileTest();
   // --- Restart results. Steps count from 1 in the order read; `iGridNumber` is the grid, 1 the global one.
 
   /// One step: values of the active cells, nActive by arrays, in the file's units, a 233-byte header for each
@@ -160,6 +199,10 @@ class qvEclipseReader : public ReaderOptions {
   std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid, std::int32_t iVector) const;
   std::span<const float> RestartValues(std::int32_t iSeqnum, std::int32_t iGrid,
                                        std::string_view zName) const;
+  /// The wells of one grid of a step with their connections, as records in the order of the file; none when
+  /// the grid has no wells. Rates and numbers of connections are there after a load with `FullWellInfo` only.
+  /// qOK False when there is no such grid.
+  std::vector<WellRecord> RestartWells(std::int32_t iSeqnum, std::int32_t iGrid, bool& qOK) const;
 
   // --- INIT results, of the grid `iGridNumber`, 1 the global one
 
@@ -262,6 +305,61 @@ class qvEclipseReader : public ReaderOptions {
   /// Whether the last load met damage or a record that is not whole. What is fetched lies before it.
   bool Damaged() const;
 
+  // --- RFT and PLT results
+  //
+  // Tests count from 1, in the order of the file; a number out of range, and any call before a load, is a
+  // failure. Tables have a row for each connection or segment and a header for each column: class word, units
+  // as in the file, well, number of the test within the well, and name. After qOK False outputs are as they
+  // were before, but for tables of segments.
+
+  /// Which kinds of data a test of the simulator holds; all three can be True.
+  void getRFTTestInfo(std::int32_t iTest, bool& qRFT, bool& qPLT, bool& qSEG, bool& qOK);
+  /// Pressures and saturations, the depth in front. zDate is "15 JUL 2003", with " 06:30" behind it for a
+  /// test that is not at midnight; zGrid is empty for the main grid, and so is zTestOrigin always.
+  void GetRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
+                  std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zTestOrigin,
+                  bool& qOK);
+  /// Rates and pressures by connection, then the columns of the RFT table in the same order of rows.
+  void GetPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                  std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
+  /// The same of one branch, from 1.
+  void GetPLTBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                        std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                        std::int32_t iBranch = 0);
+  /// The segments of one branch, from 1; zDate without a time of day.
+  void GetBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
+                     std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                     std::int32_t iBranch = 0);
+  /// The inflow control devices that empty into one branch of the tubing, by their own numbers, from 1; zDate
+  /// without a time of day.
+  void GetICDBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
+                        std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
+                        std::int32_t iBranch = 0);
+  /// The name of the grid of each connection and a blank behind it, "ROOT " for the main grid.
+  void getRFTtestGrid(std::int32_t iTest, std::vector<char>& bGrids, bool& qOK);
+  // Branches of a test, 0 for a test that is not there.
+  std::int32_t NumberPLTBranches(std::int32_t iTest) const;
+  std::int32_t NumberBranches(std::int32_t iTest) const;
+  std::int32_t NumberICDBranches(std::int32_t iTest) const;
+  /// One test of a user's file, its depth column in front; zDate as in `GetRFTtest`, zOrigin as the file
+  /// says. The table is empty when the file was read as one of the other kind.
+  void getUserRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
+                      std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zTestOrigin,
+                      bool& qOK);
+  void getUserPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                      std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
+
+  // --- RFT and PLT, beyond what hosts of old ask for
+
+  /// Tests held of the simulator's file and of the user's.
+  std::int32_t NumberRFTTests() const;
+  std::int32_t NumberUserTests() const;
+  /// The tests of the simulator's RFT file `FileName` as data, all arrays as they stand in it and nothing
+  /// worked out; needs no load. Tests before damage are given, the one that it stands in too.
+  std::vector<WellTest> ListRFTTests(bool& qOK) const;
+  /// The tests of the user's file that was loaded, as data.
+  std::vector<UserTest> ListUserTests() const;
+
  private:
   struct SummaryLoad;
 
@@ -272,23 +370,32 @@ class qvEclipseReader : public ReaderOptions {
   void tellNoSpecification();
   void takePatterns(qvEclipseSUMMARYFile& file) const;
   void SetOriginFromFileName();
+  bool readGrids(std::int32_t iGridType);
+  void SetFileProps();
+  Hadrick* gridAt(std::int32_t iGrid) const;
   template <class Fetch>
   void fetchSummary(const char* routine, Fetch fetch, SourceData& vSourceData, ByteTable& bOnlyUsed,
                     bool& qOK);
   void fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData, bool& qOK) const;
 
+  void readUserTests(UserTestKind kind, bool& qOK);
+  template <class Source, class Ask>
+  void askTests(const std::unique_ptr<Source>& source, const char* routine, bool& qOK, Ask ask);
   struct SolutionLoad;
   bool readSolution();
   void tellNoRestart(const std::string& path);
   bool listRestartFiles(qvEclipseSOLUTION& set);
   bool chooseSteps(SolutionLoad& load);
   bool loadSolution(SolutionLoad& load);
+  bool hasIndexFolder(const std::string& path) const;
+  std::string indexPath(const std::string& path, std::string_view kind) const;
+  bool writeRestartIndex(const qvEclipseSOLUTION& set);
   template <class Fetch>
   void fetchStep(const char* routine, bool& qOK, Fetch fetch);
 
   bool readInit();
   void tellNoInit(const std::string& path);
-  bool chooseInitArrays();
+  bool chooseInitArrays(bool& qWriteIndex);
   void prepareInit(qvEclipseINIT& file);
   template <class Fetch>
   void fetchInit(const char* routine, bool& qOK, Fetch fetch);
@@ -298,6 +405,10 @@ class qvEclipseReader : public ReaderOptions {
   Session* session_;
   LoadDialog* dialog_ = nullptr;
   std::unique_ptr<qvEclipseSUMMARYFile> summary_;
+  std::unique_ptr<qvEclipseRFT> tests_;
+  std::unique_ptr<qvUserRFT> userTests_;
+  UserTestKind userKind_ = UserTestKind::Rft;  // of `userTests_`
+  std::unique_ptr<qvGRIDReader> grid_;
   std::unique_ptr<qvEclipseSOLUTION> solution_;
   std::unique_ptr<qvEclipseINIT> init_;
 };

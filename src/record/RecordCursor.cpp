@@ -27,6 +27,8 @@ RecordCursor::~RecordCursor() = default;
 RecordCursor::RecordCursor(RecordCursor&&) noexcept = default;
 RecordCursor& RecordCursor::operator=(RecordCursor&&) noexcept = default;
 
+void RecordCursor::readAhead() { window_->readAhead(); }
+
 /// Adds this cursor's coordinates to whatever damage the body meets.
 template <class Body>
 auto RecordCursor::located(Body&& body) {

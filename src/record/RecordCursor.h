@@ -39,6 +39,9 @@ class RecordCursor {
   std::uint64_t nextPosition() const { return next_; }
   /// Makes `next` look at this byte offset, from 0.
   void seek(std::uint64_t headerPosition) { next_ = headerPosition; }
+  /// Tells that all of the file will be read, in order, so that it comes in large pieces: right for files of
+  /// many small records, wrong where data are skipped.
+  void readAhead();
   /// Makes `next` find the current record once more, as if it had not been met.
   void unread();
   /// Where the cursor stands and what it has met, to come back to after a look ahead.

@@ -25,6 +25,9 @@ class Window {
     return last_.has(position, needed) ? last_.from(position) : fetch(position, needed, wanted);
   }
 
+  /// Fetches as much as there is room for each time, for a file that is read from end to end in small pieces.
+  void readAhead() { ahead_ = true; }
+
   static constexpr std::size_t capacity = std::size_t{128} << 10;
 
  private:
@@ -45,6 +48,7 @@ class Window {
 
   const ByteSource* source_;
   std::uint64_t size_;
+  bool ahead_ = false;
   Fetched last_;
   Fetched before_;
 };

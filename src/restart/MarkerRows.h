@@ -6,6 +6,7 @@
 
 #include "../support/Fault.h"
 #include "RestartGrid.h"
+#include "StepWells.h"
 
 namespace lumbarn {
 
@@ -13,29 +14,12 @@ namespace lumbarn {
 enum class MarkerKind : std::int32_t { Well = 1, Perf = 2 };
 constexpr const char* nameOf(MarkerKind kind) { return kind == MarkerKind::Well ? "WELL" : "PERF"; }
 
-/// The host's number for the well type in IWEL word 7: a producer 4, an injector of oil 6, of water 2, of gas
-/// 1, anything else -1.
-constexpr std::int32_t EclipseToQVWellType(std::int32_t iType) {
-  switch (iType) {
-    case 1:
-      return 4;
-    case 2:
-      return 6;
-    case 3:
-      return 2;
-    case 4:
-      return 1;
-    default:
-      return -1;
-  }
-}
-
 /// The connections of a well, as far as the step has its connection table. Connection k is a row of a table
 /// of two dimensions, or row k of the well's plane in one of three.
-class WellConnections {
+class ConnectionRows {
  public:
   /// `iWell` from 1. Throws Fault 9 when the well has more connections than the table holds.
-  WellConnections(const RESTARTGRID& grid, std::size_t iWell)
+  ConnectionRows(const RESTARTGRID& grid, std::size_t iWell)
       : qPlanes_(grid.iCONN.qThreeDimensional()), iWell_(iWell) {
     const std::int32_t count = grid.iWELL(iWell, 5);
     if (!grid.qICON || grid.iCONN.empty() || count < 1) return;
@@ -77,7 +61,7 @@ class MarkerRows {
   void visit() {
     for (std::size_t iWell = 1; iWell <= grid_.iWELL.rows(); ++iWell) {
       well(iWell);
-      const WellConnections connections(grid_, iWell);
+      const ConnectionRows connections(grid_, iWell);
       for (std::size_t k = 1; k <= connections.count(); ++k) connection(connections, iWell, k);
     }
   }
@@ -102,7 +86,7 @@ class MarkerRows {
     sink_.single(54, grid_.sWELL2(iWell, 8));
   }
 
-  void connection(const WellConnections& connections, std::size_t iWell, std::size_t k) {
+  void connection(const ConnectionRows& connections, std::size_t iWell, std::size_t k) {
     const auto integer = [&](std::size_t iItem, std::size_t iColumn) {
       sink_.integer(iItem, connections.value(grid_.iCONN, k, iColumn));
     };

@@ -70,7 +70,7 @@ bool qvEclipseSEQUENCE::readStep(RecordCursor& cFile) {
   grid().iSeqnum = iSeqnum;
   bool qMore = true;
   while (!walk.stop && qMore) {
-    qMore = cFile.next() && !cFile.header().keyword.empty();
+    qMore = nextRecord(cFile);
     qAnyRecord = qAnyRecord || qMore;
     if (qMore) takeRecord(cFile, walk);
     if (session_->cancelled()) return false;
@@ -80,6 +80,20 @@ bool qvEclipseSEQUENCE::readStep(RecordCursor& cFile) {
   if (!qMore && iGrid > 1 && iGrid == nGrids && grid().arrays.nVectors() == 0) giveUpLastGrid();
   grid().arrays.TidyVectors();
   return true;
+}
+
+/// False at the end of the file. A step that its ENDSOL closes is whole even when the record behind it cannot
+/// be read, unless that belongs to a local grid of the step.
+bool qvEclipseSEQUENCE::nextRecord(RecordCursor& cFile) {
+  try {
+    return cFile.next() && !cFile.header().keyword.empty();
+  } catch (BadRecord& damage) {
+    const std::string& name = cFile.header().keyword;
+    const bool closed = qHasEnd && !qSolutionOpen && nGrids >= nGridsExpected;
+    if (!qHaveHeader || !(name == "SEQNUM" || (closed && name.empty()))) throw;
+    damageBehind = std::move(damage.diagnosis());
+    return false;
+  }
 }
 
 void qvEclipseSEQUENCE::giveUpLastGrid() {
@@ -93,6 +107,7 @@ void qvEclipseSEQUENCE::takeRecord(RecordCursor& cFile, Walk& walk) {
   if (header.keyword == "STARTSOL" || header.keyword == "ENDSOL") {
     qHasSolution = true;
     qSolutionOpen = header.keyword == "STARTSOL";
+    qHasEnd = !qSolutionOpen;
   }
   if (!isUsual(header)) {
     throw BadRecord(recordDiagnosis(cFile, "record of a type that restart files do not have",
@@ -214,6 +229,7 @@ void qvEclipseSEQUENCE::takeHeader(RecordCursor& cFile, Walk& walk) {
     walk.keep = false;
   }
   stopBehindHeaders(walk);
+  qWanted = qWanted || walk.keep;
   if (!walk.keep || !walk.firstTime) return;
   walk.firstTime = false;
   bool qUsual = false;
@@ -227,6 +243,9 @@ void qvEclipseSEQUENCE::stopBehindHeaders(Walk& walk) const {
 
 void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile) {
   const RecordHeader& header = cFile.header();
+  const RESTARTGRID& to = grid();
+  qHasSolution =
+      qHasSolution || (hasData(header) && (header.count == to.nActive || header.count == to.nCells));
   if (!checkIfRESTARTArray(header)) return;
   // An array whose length is not that of the first is left out without a word, as hosts know it.
   grid().arrays.add(cFile, arrayUnit(header.keyword, grid().iUnits), {LoadData, nVectorEstimate}, *session_);
@@ -246,11 +265,15 @@ std::vector<std::string> qvEclipseSEQUENCE::listArrays(RecordCursor& cFile, bool
   const auto start = cFile.mark();
   std::vector<std::string> names;
   qUsual = true;
-  while (qUsual && cFile.next()) {
-    const RecordHeader& header = cFile.header();
-    if (header.keyword.empty() || header.keyword == "SEQNUM" || header.keyword == "LGR") break;
-    qUsual = isUsual(header);
-    if (checkIfRESTARTArray(header)) names.push_back(header.keyword);
+  try {
+    while (qUsual && cFile.next()) {
+      const RecordHeader& header = cFile.header();
+      if (header.keyword.empty() || header.keyword == "SEQNUM" || header.keyword == "LGR") break;
+      qUsual = isUsual(header);
+      if (checkIfRESTARTArray(header)) names.push_back(header.keyword);
+    }
+  } catch (const BadRecord&) {
+    qUsual = false;  // the walk itself will meet it, and tell, if it lies in this step
   }
   cFile.goBack(start);
   return names;

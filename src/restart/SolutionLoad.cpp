@@ -29,9 +29,9 @@ void tell(Session& session, const std::string& path, std::string problem, std::s
 }
 
 /// Throws when a file ends inside a step: its solution is open, or is missing though the step before had one.
-/// The writer ends every step with ENDSOL, so nothing else tells that such a step is whole.
+/// Nothing else tells that a step which ends between two records is whole.
 void requireWhole(const qvEclipseSEQUENCE& step, const RecordCursor& cursor, bool qSolutionExpected) {
-  const bool missing = !step.qHaveHeader || (qSolutionExpected && !step.qHasSolution);
+  const bool missing = !step.qHaveHeader || (qSolutionExpected && step.qWanted && !step.qHasSolution);
   if (!missing && !step.qSolutionOpen) return;
   Diagnosis diagnosis;
   diagnosis.path = cursor.path();
@@ -52,7 +52,7 @@ struct qvEclipseSOLUTION::Load {
   std::vector<std::int32_t> iSteps;  ///< number of each entry as the names or the list tell it
   std::size_t expected = 0;          ///< steps of a multiple set
   bool qSized = false;               ///< the capacity of the step table is known
-  bool qSolutionExpected = false;    ///< the step before had STARTSOL
+  bool qSolutionExpected = false;    ///< the step before had one, or there is none before
   bool qAtEnd = false;               ///< the unified file has no more records
   bool stop = false;
 };
@@ -89,9 +89,11 @@ bool qvEclipseSOLUTION::prepare(Load& load) {
     if (checkedUnified_ || !qDone) unified = FileName;
     SetMultList(1, {unified}, qDone);
     load.iSteps = {1};
+    load.qSolutionExpected = true;
     return true;
   }
   load.expected = zMultList.size();
+  load.qSolutionExpected = zMultList.size() == 1;
   if (qList) return applyStepList(load);
   for (const auto& file : zMultList) load.iSteps.push_back(GetNumericPartOfFileName(file));
   return true;
@@ -162,18 +164,21 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   step->LoadData = LoadData;
   step->FileName = cursor.path();
   step->iSeqnum = entry < load.iSteps.size() ? load.iSteps[entry] : -1;
-  step->iStart = iStart;
-  step->iEnd = iEnd;
+  // The working limits, where there are such: an end below the start counts as the start.
+  step->iStart = Unified ? load.jStart : iStart;
+  step->iEnd = Unified ? load.jEnd : iEnd;
   step->Unified = Unified;
   step->ReadOnlyHeader = ReadOnlyHeader;
   step->qMarkers = qMarkers;
   step->Origin = Origin;
   step->selection = &selection;
+  step->nGridsExpected = std::max(nGrids, 1);
   if (!step->readStep(cursor)) return false;
   load.qAtEnd = step->qAtEnd;
   if (!step->qAnyRecord) return true;  // blank lines behind the last record
-  if (step->qAtEnd) requireWhole(*step, cursor, load.qSolutionExpected);
-  load.qSolutionExpected = step->qHasSolution;
+  const auto behind = step->damageBehind;
+  if (step->qAtEnd && !behind) requireWhole(*step, cursor, load.qSolutionExpected);
+  if (step->qWanted) load.qSolutionExpected = step->qHasSolution;
 
   step->getRESTARTDate(iDay_, iMonth_, iYear_);
   iLastStep = step->iSeqnum;
@@ -185,7 +190,14 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   checkSequence(Unified, step->iSeqnum, load.jStart, load.jEnd, qUse, qPast, qDone);
   checkForExit(Unified, step->iSeqnum, load.jEnd, load.stop, qDone);
   load.stop = load.stop || step->qPastEnd;
-  if (!qUse) return true;
+  if (qUse && !keepStep(load, cursor, std::move(step))) return false;
+  if (behind) throw BadRecord(*behind);
+  return !session_->yield();
+}
+
+bool qvEclipseSOLUTION::keepStep(Load& load, const RecordCursor& cursor,
+                                 std::unique_ptr<qvEclipseSEQUENCE> step) {
+  bool qDone = false;
   step->addDerivedData(qDone);
   if (!qDone) return false;
   step->selection = nullptr;
@@ -195,7 +207,7 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
     load.qSized = true;
   }
   addSEQUENCE(std::move(step));
-  return !session_->yield();
+  return true;
 }
 
 /// Steps to expect, by the size of the first.

@@ -66,11 +66,9 @@ void qvEclipseSAVE::getSAVEData(bool& qOK) {
   guarded(*session_, qOK, className, "getSAVEData", [&] {
     xSEQ.clear();
     NumSequences = 0;
-    bool qWhole = false;
-    guarded(*session_, qWhole, className, "getSAVEData", [&] { return load(); });
-    if (xSEQ.empty()) xSEQ.emplace_back(*session_);
-    return qWhole;
+    return load();
   });
+  if (xSEQ.empty()) xSEQ.emplace_back(*session_);
 }
 
 bool qvEclipseSAVE::load() {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,6 +13,7 @@
 #include "../record/RecordCursor.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Diagnosis.h"
 #include "../support/Session.h"
 #include "ArraySelection.h"
 #include "HeaderWords.h"
@@ -72,8 +74,13 @@ class qvEclipseSEQUENCE {
   ArraySelection* selection = nullptr;  ///< patterns of array names; not owned, null: all
   bool qAnyRecord = false;              ///< the step has records at all
   bool qAtEnd = false;                  ///< reading ended at the end of the file
-  bool qHasSolution = false;            ///< STARTSOL or ENDSOL was met
+  bool qWanted = false;                 ///< arrays of the step were looked for
+  bool qHasSolution = false;            ///< STARTSOL, ENDSOL or an array as long as its grid was met
+  bool qHasEnd = false;                 ///< the last of the two was ENDSOL
   bool qSolutionOpen = false;           ///< STARTSOL was met and its ENDSOL was not
+
+  std::int32_t nGridsExpected = 1;        ///< as many as the step before had
+  std::optional<Diagnosis> damageBehind;  ///< the step is whole, but what follows it cannot be read
 
   /// Reads the records of one step from where the cursor stands. In a unified file it ends in front of the
   /// next SEQNUM. qOK False for damage, which is told as a diagnosis, for a cell count that overflows, and
@@ -172,6 +179,7 @@ class qvEclipseSEQUENCE {
   void takeHeader(RecordCursor& cFile, Walk& walk);
   void takeArray(RecordCursor& cFile);
   void stopBehindHeaders(Walk& walk) const;
+  bool nextRecord(RecordCursor& cFile);
   void giveUpLastGrid();
   void tellDropped(const RecordCursor& cFile);
   void deriveSaturation();

@@ -133,6 +133,7 @@ class qvEclipseSOLUTION {
   bool readEntries(Load& load);
   bool readFile(Load& load, std::size_t entry);
   bool readOneStep(Load& load, RecordCursor& cursor, std::size_t entry);
+  bool keepStep(Load& load, const RecordCursor& cursor, std::unique_ptr<qvEclipseSEQUENCE> step);
   void addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step);
   std::size_t firstCapacity(const Load& load, const RecordCursor& cursor) const;
   bool endAtDamage(Load& load, std::size_t entry, Diagnosis diagnosis);

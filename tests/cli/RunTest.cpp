@@ -44,9 +44,12 @@ TEST(Run, WrongUsageSaysWhatIsMeant) {
   EXPECT_THAT(command({}).err, HasSubstr("Subcommands:"));
 }
 
+constexpr const char* subcommands[] = {"info",  "records", "check", "vectors", "summary", "restart",
+                                       "wells", "grid",    "rft",   "index",   "init",    "tables"};
+
 TEST(Run, HelpGoesToStandardOutputWithAnExample) {
   EXPECT_THAT(command({"--version"}).out, ::testing::MatchesRegex("lumbarn [0-9.]+\n"));
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "init", "tables"}) {
+  for (const char* subcommand : subcommands) {
     const Outcome help = command({subcommand, "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.out, HasSubstr(std::string("Example:\n  lumbarn ") + subcommand));
@@ -60,7 +63,7 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
   const std::string written[] = {manual, content(LUMBARN_EXAMPLES "/../cli/completions/lumbarn.bash"),
                                  content(LUMBARN_EXAMPLES "/../cli/completions/_lumbarn")};
   const std::regex option("--[a-z-]+");
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "init", "tables"}) {
+  for (const char* subcommand : subcommands) {
     const std::string help = command({subcommand, "--help"}).out;
     for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
       for (const auto& text : written) EXPECT_THAT(text, HasSubstr(found->str())) << subcommand;
@@ -69,7 +72,8 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
 }
 
 TEST(Run, SeveralRunsInAFolderAreListed) {
-  for (const char* subcommand : {"info", "check", "vectors", "summary", "init", "tables", "records"}) {
+  for (const char* subcommand :
+       {"info", "check", "vectors", "summary", "wells", "rft", "grid", "restart", "init", "tables"}) {
     const Outcome run = command({subcommand, sample("CEDAR")});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.err, "lumbarn: " + sample("CEDAR") +

@@ -129,6 +129,22 @@ TEST(Recogniser, ACutFileGivesItsKindOrAnOpenOneAndWhy) {
   }
 }
 
+TEST(Recogniser, TellsTextsOfTestsByTheirFirstLines) {
+  const auto kindOf = [](std::string_view text, const char* name) {
+    return recognise(std::make_shared<MemorySource>(bytesOf(text)), name);
+  };
+  for (const char* name : {"", "P1.RFT", "P1.DATA", "P1.TXT"}) {
+    EXPECT_EQ(kindOf("-- a\r\n\r\n  rft\tP1\r\n", name).kind, UserRft) << name;
+    EXPECT_EQ(kindOf("ORIGIN X\nDATE1 JAN 1990\nPLT", name).whichtype(), 77) << name;
+  }
+  EXPECT_EQ(kindOf("RFT\n", "").problem, "");
+  EXPECT_TRUE(kindOf("RFT\n", "").byContent);
+  for (const char* text : {"-- RFT\n", "RFTPLT\n", "DEPTH\nRFT\n", "WELLNAME P1\nDEPTH\nRFT", "RFT1\n", ""}) {
+    EXPECT_EQ(kindOf(text, "P1.TXT").kind, Unknown) << text;
+  }
+  EXPECT_EQ(kindOf(std::string_view("RFT\n\0", 5), "").kind, Unknown);
+}
+
 TEST(Recogniser, TellsWhatCannotBeOpened) {
   const TemporaryFolder folder;
   const Recognised missing = recogniseFile(folder.file("RUN.EGRID"));

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "init/qvEclipseINSPEC.h"
 #include "reader/qvEclipseReader.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Forms.h"
@@ -118,6 +119,20 @@ TEST_F(InitOperations, FindTheFileOfAnIndex) {
   load();
   EXPECT_FALSE(qOK_);
   EXPECT_THAT(session_.diagnoses().back().text(), testing::HasSubstr("NONE.INIT"));
+}
+
+TEST_F(InitOperations, WriteTheIndexWhereTheHostNamesAFolder) {
+  reader_.IndexFolder = folder_.file("");
+  load();
+  EXPECT_TRUE(qOK_);
+  qvEclipseINSPECFile index(session_);
+  index.CheckINSPECFile(folder_.file("CASE.INSPEC"), qOK_);
+  ASSERT_TRUE(qOK_);
+  index.getINSPECData(qOK_);
+  std::vector<std::string> names;
+  ASSERT_NE(index.GetINSPEC(1), nullptr);
+  index.GetINSPEC(1)->GetINITNames("RING", names, qOK_);
+  EXPECT_THAT(names, testing::IsSupersetOf({"PORV", "DR", "DTHETA", "PERMR"}));
 }
 
 TEST_F(InitOperations, HandOverTablesAsTheyStandAndAsTheyAreMeant) {

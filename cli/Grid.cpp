@@ -1,0 +1,198 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "Commands.h"
+#include "GridArrays.h"
+#include "Output.h"
+#include "PathArgument.h"
+#include "Suggestion.h"
+#include "grid/CellGeometryOfGrid.h"
+#include "grid/qvGRIDReader.h"
+#include "support/Text.h"
+
+namespace lumbarn::cli {
+namespace {
+
+struct GridOptions {
+  std::string path;
+  std::string grid;
+  bool corners = false;
+  std::string vtk;
+  std::vector<std::string> arrays;
+  std::optional<std::int32_t> step;
+  bool zUp = false;
+  OutputOptions output;
+};
+
+using Grids = std::vector<std::shared_ptr<Hadrick>>;
+
+/// The grids of a run; of a damaged file those that are whole.
+Grids readGrids(const RunFamily& run, Console& console) {
+  const RunMember* file = run.find(FileKind::EGrid);
+  if (!file || (run.givenMember() && run.givenMember()->kind == FileKind::Grid)) {
+    const RunMember* older = run.find(FileKind::Grid);
+    if (older) file = older;
+  }
+  if (!file)
+    throw Failure(Usage, fmt::format("{}{}: has no grid file (EGRID or GRID)", run.folder, run.base));
+  qvGRIDReader reader(console.session());
+  bool qOK = false;
+  if (file->kind == FileKind::EGrid && reader.CheckEGRIDFile(file->path)) {
+    reader.ReadEclipseEGridFile(qOK);
+  } else if (file->kind == FileKind::Grid && reader.CheckGRIDFile(file->path)) {
+    reader.ReadEclipseGridFile(qOK);
+  }
+  console.progress().hide();
+  console.checkCancelled();
+  if (reader.xGrids.empty()) console.giveUp(file->path, "no grid can be read from it");
+  return reader.xGrids;
+}
+
+/// The grid of a name, or the global one. Throws Failure.
+const Hadrick& choose(const Grids& grids, const std::string& name) {
+  if (name.empty()) return *grids.front();
+  std::vector<std::string> names;
+  for (const auto& grid : grids) {
+    if (equalNoCase(grid->zName, name)) return *grid;
+    names.push_back(grid->zName);
+  }
+  const std::string better = closest(name, names);
+  throw Failure(Usage, fmt::format("no grid \"{}\" is there{}", name,
+                                   better.empty() ? "" : fmt::format("; did you mean \"{}\"?", better)));
+}
+
+std::string axesText(const Hadrick& grid) {
+  if (!grid.dMapAxes) return "";
+  return fmt::format("{}", fmt::join(*grid.dMapAxes, " "));
+}
+
+void listGrids(const Grids& grids, const GridOptions& options, std::ostream& out) {
+  std::vector<Column> columns{
+      {"name"},           {"parent"},         {"type"},           {"nx", true},
+      {"ny", true},       {"nz", true},       {"active", true},   {"connections", true},
+      {"units"},          {"x_min", true, 9}, {"x_max", true, 9}, {"y_min", true, 9},
+      {"y_max", true, 9}, {"z_min", true, 9}, {"z_max", true, 9}, {"map_axes"}};
+  for (const auto& grid : grids) {
+    columns[0].width = std::max(columns[0].width, displayWidth(grid->zName));
+    columns[1].width = std::max(columns[1].width, displayWidth(grid->zParent));
+    columns[2].width = std::string_view("corner points").size();
+    columns[8].width = std::max(columns[8].width, displayWidth(grid->zGridUnit));
+    columns[15].width = std::max(columns[15].width, axesText(*grid).size());
+  }
+  const auto table = TableWriter::make(options.output.format, columns, out);
+  for (const auto& grid : grids) {
+    if (!options.grid.empty() && !equalNoCase(options.grid, grid->zName)) continue;
+    table->text(grid->zName);
+    table->text(grid->zParent);
+    table->text(grid->iGridType == 3 ? "radial" : "corner points");
+    for (const std::int32_t number : {grid->Nx(), grid->Ny(), grid->Nz(), grid->nActive()})
+      table->number(number);
+    table->number(grid->connections().size());
+    table->text(grid->zGridUnit);
+    const Box box = gridExtent(*grid);
+    for (const double end : {box.low.x, box.high.x, box.low.y, box.high.y, box.low.z, box.high.z})
+      box.empty() ? table->empty() : table->number(static_cast<float>(end));  // as corners are given
+    table->text(axesText(*grid));
+  }
+  table->finish();
+}
+
+void listCorners(const Hadrick& grid, Format format, Console& console, std::ostream& out) {
+  std::vector<Column> columns{{"i", true, 4}, {"j", true, 4}, {"k", true, 4}};
+  for (int corner = 1; corner <= 8; ++corner) {
+    for (const char axis : {'x', 'y', 'z'}) columns.push_back({fmt::format("{}{}", axis, corner), true, 9});
+  }
+  const auto table = TableWriter::make(format, columns, out);
+  forEachCell(grid, CellChoice::Active, [&](std::int32_t iCell, CellCorners corners) {
+    if (iCell % 256 == 0) {
+      console.checkCancelled();
+      console.progress().fraction(static_cast<double>(iCell) / static_cast<double>(grid.nCells()));
+    }
+    for (const std::int32_t place : grid.placeOf(iCell)) table->number(place);
+    for (const float coordinate : corners) table->number(coordinate);
+  });
+  table->finish();
+  console.progress().hide();
+}
+
+void exportGrid(const Hadrick& grid, const RunFamily& run, const GridOptions& options, Console& console) {
+#ifdef LUMBARN_WITH_HDF5
+  const auto inputs = pathsOf(run);
+  refuseInputs(options.vtk, inputs);
+  std::vector<CellArray> arrays;
+  VtkOptions how{.zUp = options.zUp};
+  std::optional<GridArrays> source;
+  if (!options.arrays.empty()) {
+    source.emplace(run, grid, options.step, console);
+    for (const std::string& name : options.arrays) arrays.push_back(source->array(upper(name)));
+    if (std::ranges::any_of(arrays, &CellArray::changes)) how.times = source->times();
+  }
+  bool qOK = false;
+  exportVtk(grid, arrays, how, options.vtk, console.session(), qOK);
+  console.progress().hide();
+  console.checkCancelled();
+  if (!qOK) console.giveUp(options.vtk, "was not written");
+#else
+  (void)grid, (void)run, (void)console;
+  throw Failure(Usage, options.vtk + ": not written: this command was built without HDF5");
+#endif
+}
+
+ExitStatus showGrid(const GridOptions& options, Console& console) {
+  if (options.corners && !options.vtk.empty())
+    throw Failure(Usage, "--corners and --vtk cannot be given together");
+  if (options.vtk.empty() && (!options.arrays.empty() || options.step || options.zUp))
+    throw Failure(Usage, "--array, --step and --z-up go with --vtk");
+  const RunFamily run = findRun(options.path);
+  const Grids grids = readGrids(run, console);
+  const Hadrick& grid = choose(grids, options.grid);
+  if (!options.vtk.empty()) {
+    exportGrid(grid, run, options, console);
+    return console.doneStatus();
+  }
+  Output output(options.output, console.out(), pathsOf(run));
+  if (options.corners) {
+    listCorners(grid, options.output.format, console, output.stream());
+  } else {
+    listGrids(grids, options, output.stream());
+  }
+  output.commit();
+  return console.doneStatus();
+}
+
+}  // namespace
+
+void addGrid(CLI::App& app, Action& chosen) {
+  auto options = std::make_shared<GridOptions>();
+  CLI::App* command = app.add_subcommand("grid", "List the grids of a run, their corners, or export them");
+  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
+      ->required()
+      ->option_text(" ");
+  command->add_option("--grid", options->grid, "A local grid, in place of the global one (ROOT)")
+      ->option_text("NAME");
+  command->add_flag("--corners", options->corners, "Show the eight corners of each active cell");
+  command->add_option("--vtk", options->vtk, "Write the active cells to a VTKHDF file, for ParaView")
+      ->option_text("FILE");
+  command
+      ->add_option("--array", options->arrays,
+                   "Export an array of the INIT or the restart file too, as PORO or PRESSURE")
+      ->allow_extra_args(false)
+      ->delimiter(',')
+      ->option_text("NAME");
+  command->add_option("--step", options->step, "Export restart arrays as they are at one report step")
+      ->option_text("N");
+  command->add_flag("--z-up", options->zUp, "Export heights in place of depths");
+  addOutputOptions(*command, options->output);
+  command->footer(
+      "Arrays of the restart file are exported for all its steps, which viewers of VTK 9.3 and later read;\n"
+      "with --step any since 9.1 can read the file. Examples:\n  lumbarn grid RUN\n"
+      "  lumbarn grid --vtk run.vtkhdf --array PORO --array PRESSURE --z-up RUN");
+  command->callback(
+      [options, &chosen] { chosen = [options](Console& console) { return showGrid(*options, console); }; });
+}
+
+}  // namespace lumbarn::cli

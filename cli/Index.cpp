@@ -1,0 +1,100 @@
+#include <filesystem>
+#include <memory>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "Commands.h"
+#include "PathArgument.h"
+#include "RunIndex.h"
+#include "files/Folder.h"
+#include "restart/IndexFile.h"
+#include "support/Text.h"
+
+namespace lumbarn::cli {
+namespace {
+
+struct IndexOptions {
+  std::string path;
+  std::string folder;
+  bool replace = false;
+};
+
+/// Where the index of a file goes: the run's name, with the extension in the form and case of the file's.
+std::string targetOf(const RestartIndex& index, const RunFamily& run, const IndexOptions& options) {
+  const std::string_view separators = folderSeparators();
+  const bool ended = separators.find(options.folder.back()) != separators.npos;
+  const bool upperCase = isUpperCase(FileName(index.files.front()).extension);
+  const std::string extension =
+      fmt::format("{}{}", index.form.formatted() ? "f" : "", index.init ? "inspec" : "rsspec");
+  const std::string path = fmt::format("{}{}{}.{}", options.folder, ended ? "" : "/", run.base,
+                                       upperCase ? upper(extension) : extension);
+  if (isFile(path) && !options.replace)
+    throw Failure(Usage, fmt::format("{}: is there already; --replace writes it anew", path));
+  return path;
+}
+
+void write(const RestartIndex& index, const std::string& target, Console& console) {
+  bool qOK = false;
+  (index.init ? WriteEclipseInspecFile : WriteEclipseRsspecFile)(index, target, qOK, console.session());
+  console.progress().hide();
+  console.checkCancelled();
+  if (!qOK) console.giveUp(target, "cannot be written");
+  std::size_t records = 0;
+  for (const IndexStep& step : index.steps) {
+    for (const IndexGroup& group : step.groups) records += group.entries.size();
+  }
+  console.out() << fmt::format("{}: {}{} records\n", printable(target),
+                               index.init ? "" : fmt::format("{} steps, ", index.steps.size()), records);
+}
+
+/// The walked indexes of what the run has; those that are there already do not count.
+std::vector<RestartIndex> walkAll(const RunFamily& run, Console& console) {
+  std::vector<RestartIndex> indexes;
+  if (run.find(FileKind::Restart)) indexes.push_back(walkRestart(console.session(), restartFiles(run)));
+  if (const RunMember* init = run.find(FileKind::Init))
+    indexes.push_back(walkInit(console.session(), init->path));
+  console.progress().hide();
+  console.checkCancelled();
+  if (indexes.empty())
+    throw Failure(Usage, fmt::format("{}{}: has no restart files and no INIT file", run.folder, run.base));
+  return indexes;
+}
+
+ExitStatus writeIndexes(const IndexOptions& options, Console& console) {
+  const RunFamily run = findRun(options.path);
+  if (!isFolder(options.folder)) throw Failure(Usage, options.folder + ": is no folder");
+  const auto indexes = walkAll(run, console);
+  std::vector<std::string> targets;
+  for (const RestartIndex& index : indexes) targets.push_back(targetOf(index, run, options));
+  bool all = true;
+  for (std::size_t i = 0; i < indexes.size(); ++i) {
+    all = all && indexes[i].whole;
+    if (indexes[i].whole) write(indexes[i], targets[i], console);
+  }
+  if (!all) throw Failure(Partial, "no index was written of what could not be read to its end");
+  return console.doneStatus();
+}
+
+}  // namespace
+
+void addIndex(CLI::App& app, Action& chosen) {
+  auto options = std::make_shared<IndexOptions>();
+  CLI::App* command = app.add_subcommand(
+      "index", "Write index files (RSSPEC, INSPEC) of a run's restart and INIT files to a folder");
+  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
+      ->required()
+      ->option_text(" ");
+  command->add_option("--into", options->folder, "The folder to write to; may be the run's own")
+      ->required()
+      ->option_text("FOLDER");
+  command->add_flag("--replace", options->replace, "Write index files anew that are there already");
+  command->footer(
+      "Programs list a run faster with an index beside it. An index tells the range of every array, so all\n"
+      "data are read once. Example:\n  lumbarn index --into . RUN");
+  command->callback([options, &chosen] {
+    chosen = [options](Console& console) { return writeIndexes(*options, console); };
+  });
+}
+
+}  // namespace lumbarn::cli

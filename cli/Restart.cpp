@@ -1,0 +1,187 @@
+#include <algorithm>
+#include <memory>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "ArrayValues.h"
+#include "Commands.h"
+#include "Numbers.h"
+#include "Output.h"
+#include "PathArgument.h"
+#include "RunIndex.h"
+#include "restart/ArrayUnits.h"
+
+namespace lumbarn::cli {
+namespace {
+
+struct RestartOptions {
+  std::string path;
+  std::optional<std::int32_t> step;
+  ArrayOptions arrays;
+  OutputOptions output;
+};
+
+/// One array of a step, in words.
+struct ArrayRow {
+  std::string grid, array, type, unit;
+  std::int64_t count;
+  bool operator==(const ArrayRow&) const = default;
+};
+
+std::vector<ArrayRow> arraysOf(const IndexStep& step, const std::string& onlyGrid) {
+  std::vector<ArrayRow> rows;
+  for (const IndexGroup& group : step.groups) {
+    if (!onlyGrid.empty() && !sameGrid(group.grid, onlyGrid)) continue;
+    for (const IndexEntry* entry : cellArrays(group)) {
+      rows.push_back({shownGrid(group.grid), std::string(entry->keyword.view()),
+                      std::string(entry->typeWord.view()),
+                      std::string(arrayUnit(entry->keyword.view(), group.cells.units)), entry->count});
+    }
+  }
+  return rows;
+}
+
+template <class Number>
+void widen(Column& column, Number value) {
+  column.width = std::max(column.width, NumberText(value).view().size());
+}
+
+/// For people: a table of the steps, then for each list of arrays once what it holds and which steps have it.
+void writeReadable(const RestartIndex& index, std::span<const IndexStep* const> steps,
+                   const std::string& grid, std::ostream& out) {
+  const StepDates dates(index, true);
+  std::vector<Column> columns{{"step", true}, {"date"}, {"days", true}};
+  for (const IndexStep* step : steps) {
+    widen(columns[0], step->number);
+    columns[1].width = std::max(columns[1].width, dates(*step).size());
+    widen(columns[2], step->days);
+  }
+  const auto table = TableWriter::make(Format::Table, columns, out);
+  for (const IndexStep* step : steps) {
+    table->number(step->number);
+    table->text(dates(*step));
+    table->number(step->days);
+  }
+  table->finish();
+
+  std::vector<std::pair<std::vector<ArrayRow>, std::vector<std::int32_t>>> lists;
+  for (const IndexStep* step : steps) {
+    auto arrays = arraysOf(*step, grid);
+    auto list = std::ranges::find(lists, arrays, [](const auto& one) { return one.first; });
+    if (list == lists.end()) list = lists.insert(list, {std::move(arrays), {}});
+    list->second.push_back(step->number);
+  }
+  for (const auto& [arrays, numbers] : lists) {
+    out << fmt::format("\n{} of {}\n", arrays.empty() ? "no arrays" : "arrays",
+                       lists.size() == 1 && numbers.size() > 1
+                           ? "all steps"
+                           : fmt::format("step{} {}", numbers.size() > 1 ? "s" : "", stepsText(numbers)));
+    if (arrays.empty()) continue;
+    const bool local = std::ranges::any_of(arrays, [](const ArrayRow& row) { return row.grid != "ROOT"; });
+    std::vector<Column> titles{{"array", false, 8}, {"type"}, {"count", true}, {"unit"}};
+    if (local) titles.insert(titles.begin(), {"grid", false, 8});
+    for (const ArrayRow& row : arrays) widen(titles[local ? 3 : 2], row.count);
+    const auto list = TableWriter::make(Format::Table, titles, out);
+    for (const ArrayRow& row : arrays) {
+      if (local) list->text(row.grid);
+      list->text(row.array);
+      list->text(row.type);
+      list->number(row.count);
+      list->text(row.unit);
+    }
+    list->finish();
+  }
+}
+
+/// For programs: a row for each array of each step; one without an array for a step that has none.
+void writeRows(const RestartIndex& index, std::span<const IndexStep* const> steps, const std::string& grid,
+               Format format, std::ostream& out) {
+  const StepDates dates(index, false);
+  const auto table = TableWriter::make(
+      format,
+      {{"step", true}, {"date"}, {"days", true}, {"grid"}, {"array"}, {"type"}, {"count", true}, {"unit"}},
+      out);
+  for (const IndexStep* step : steps) {
+    const auto writeStep = [&] {
+      table->number(step->number);
+      step->date ? table->text(dates(*step)) : table->empty();
+      table->number(step->days);
+    };
+    const auto arrays = arraysOf(*step, grid);
+    for (const ArrayRow& row : arrays) {
+      writeStep();
+      for (const auto* text : {&row.grid, &row.array, &row.type}) table->text(*text);
+      table->number(row.count);
+      table->text(row.unit);
+    }
+    if (!arrays.empty()) continue;
+    writeStep();
+    for (int i = 0; i < 5; ++i) table->empty();
+  }
+  table->finish();
+}
+
+/// The step that was asked for. Throws Failure, with the steps that there are.
+const IndexStep& stepOf(const RestartIndex& index, std::int32_t number) {
+  if (const IndexStep* step = index.find(number)) return *step;
+  std::vector<std::int32_t> numbers;
+  for (const IndexStep& step : index.steps) numbers.push_back(step.number);
+  throw Failure(Usage, fmt::format("{} has no report step {}; it has {}", index.files.front(), number,
+                                   stepsText(numbers)));
+}
+
+ExitStatus showRestart(const RestartOptions& options, Console& console) {
+  const bool values = !options.arrays.names.empty();
+  if (values && !options.step) throw Failure(Usage, "--array needs --step N: the report step to show");
+  if (!values && (options.arrays.all || options.arrays.ijk)) {
+    throw Failure(Usage, fmt::format("{} goes with --array", options.arrays.all ? "--all" : "--ijk"));
+  }
+  const RunFamily run = findRun(options.path);
+  Output output(options.output, console.out(), pathsOf(run));
+  ArrayReader reader(restartIndex(run, console), console.session());
+  const RestartIndex& index = reader.index();
+  std::vector<const IndexStep*> steps;
+  for (const IndexStep& step : index.steps) steps.push_back(&step);
+  if (options.step) steps = {&stepOf(index, *options.step)};
+  const Format format = options.output.format;
+  if (values) {
+    ArrayValues(reader, *steps.front(), run, options.arrays, console).write(format, output.stream());
+  } else if (format == Format::Table) {
+    writeReadable(index, steps, options.arrays.grid, output.stream());
+  } else {
+    writeRows(index, steps, options.arrays.grid, format, output.stream());
+  }
+  output.commit();
+  return console.doneStatus();
+}
+
+}  // namespace
+
+void addRestart(CLI::App& app, Action& chosen) {
+  auto options = std::make_shared<RestartOptions>();
+  CLI::App* command =
+      app.add_subcommand("restart", "List the steps and arrays of a restart, or show values of arrays");
+  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
+      ->required()
+      ->option_text(" ");
+  command->add_option("--step", options->step, "The report step to list or show")->option_text("N");
+  command->add_option("--array", options->arrays.names, "Arrays to show, as PRESSURE,SWAT or S*")
+      ->allow_extra_args(false)
+      ->option_text("NAMES");
+  command
+      ->add_option("--grid", options->arrays.grid, "The local grid to list or show; ROOT is the global one")
+      ->option_text("LGR");
+  command->add_flag("--ijk", options->arrays.ijk, "Show the numbers i, j, k of each cell in front");
+  command->add_flag("--all", options->arrays.all,
+                    "Show all cells in natural order, inactive ones as -999, instead of the active cells");
+  addOutputOptions(*command, options->output);
+  command->footer(
+      "Names are separated by commas; options may be repeated. Example:\n"
+      "  lumbarn restart --step 5 --array PRESSURE,SWAT --ijk --format csv -o step5.csv RUN");
+  command->callback([options, &chosen] {
+    chosen = [options](Console& console) { return showRestart(*options, console); };
+  });
+}
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,76 @@
+#include "RunIndex.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "Failure.h"
+#include "init/qvEclipseINSPEC.h"
+#include "restart/RestartIndexAgreement.h"
+
+namespace lumbarn::cli {
+namespace {
+
+std::string pathOf(const RunMember* member) { return member ? member->path : std::string(); }
+
+const RestartIndex& checked(const RestartIndex& index, Console& console) {
+  console.progress().hide();
+  console.checkCancelled();
+  if (index.steps.empty()) console.giveUp(index.files.front(), "nothing of it can be read");
+  return index;
+}
+
+}  // namespace
+
+std::vector<std::string> restartFiles(const RunFamily& run) {
+  const RunMember* file = run.find(FileKind::Restart);
+  if (!file) throw Failure(Usage, fmt::format("{}{}: has no restart files", run.folder, run.base));
+  if (!file->multiple()) return {file->path};
+  std::vector<std::string> files;
+  for (const RunMember* step : run.steps(FileKind::Restart)) files.push_back(step->path);
+  return files;
+}
+
+RestartIndex restartIndex(const RunFamily& run, Console& console) {
+  const auto files = restartFiles(run);
+  return checked(indexOfRestart(console.session(), files, pathOf(run.find(FileKind::Rsspec))), console);
+}
+
+RestartIndex initIndex(const RunFamily& run, Console& console) {
+  const RunMember* file = run.find(FileKind::Init);
+  if (!file) throw Failure(Usage, fmt::format("{}{}: has no INIT file", run.folder, run.base));
+  return checked(indexOfInit(console.session(), file->path, pathOf(run.find(FileKind::Inspec))), console);
+}
+
+std::string shownGrid(const std::string& grid) { return grid.empty() ? "ROOT" : grid; }
+
+std::string stepsText(const std::vector<std::int32_t>& steps) {
+  std::string text;
+  for (std::size_t i = 0; i < steps.size();) {
+    std::size_t last = i;
+    while (last + 1 < steps.size() && steps[last + 1] == steps[last] + 1) ++last;
+    text += fmt::format("{}{}", text.empty() ? "" : ", ", steps[i]);
+    if (last > i) text += fmt::format("{}{}", last > i + 1 ? ":" : ", ", steps[last]);
+    i = last + 1;
+  }
+  return text;
+}
+
+std::string listText(const std::vector<std::string>& names) {
+  constexpr std::size_t shown = 12;
+  std::string text;
+  for (std::size_t i = 0; i < names.size() && i < shown; ++i) text += (i == 0 ? "" : ", ") + names[i];
+  if (names.size() > shown) text += fmt::format(" and {} others", names.size() - shown);
+  return text;
+}
+
+StepDates::StepDates(const RestartIndex& index, bool forPeople)
+    : dateOnly_(forPeople && std::ranges::all_of(index.steps, [](const IndexStep& step) {
+                  return !step.date || *step.date == std::chrono::floor<std::chrono::days>(*step.date);
+                })) {}
+
+std::string StepDates::operator()(const IndexStep& step) const {
+  return step.date ? isoText(*step.date, dateOnly_) : "";
+}
+
+}  // namespace lumbarn::cli

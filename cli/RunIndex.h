@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Console.h"
+#include "files/Families.h"
+#include "restart/RestartIndex.h"
+
+namespace lumbarn::cli {
+
+/// The files of a run's restart set in order of step: one unified file, or one for each step. Throws Failure
+/// when it has none.
+std::vector<std::string> restartFiles(const RunFamily& run);
+
+/// What stands where in a run's restart set, or in its INIT file; by the index file beside it when there is
+/// one that agrees. Throws Failure when the run has no such files, when nothing can be read, and when
+/// cancelled.
+RestartIndex restartIndex(const RunFamily& run, Console& console);
+RestartIndex initIndex(const RunFamily& run, Console& console);
+
+/// The name by which people know a grid: ROOT is the global one.
+std::string shownGrid(const std::string& grid);
+/// Report steps as people write them: "0:3, 5".
+std::string stepsText(const std::vector<std::int32_t>& steps);
+/// "A, B, C and 12 others".
+std::string listText(const std::vector<std::string>& names);
+
+/// The dates of steps: without time of day when all are at midnight, for people.
+class StepDates {
+ public:
+  StepDates(const RestartIndex& index, bool forPeople);
+  std::string operator()(const IndexStep& step) const;
+
+ private:
+  bool dateOnly_;
+};
+
+}  // namespace lumbarn::cli

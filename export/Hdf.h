@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstdint>
+#include <hdf5.h>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lumbarn::hdf {
+
+/// What an HDF5 file needs to be written piece by piece. Whatever HDF5 refuses ends in BadRecord, with the
+/// object that was to be written as expected, and HDF5's own words as found.
+
+/// An open HDF5 object. Move-only; closes itself.
+class Handle {
+ public:
+  using Close = herr_t (*)(hid_t);
+
+  Handle() = default;
+  /// Takes what an HDF5 call returned; throws when that was a failure.
+  Handle(hid_t id, Close closer, std::string_view what);
+  Handle(Handle&& other) noexcept : id_(std::exchange(other.id_, H5I_INVALID_HID)), close_(other.close_) {}
+  Handle& operator=(Handle&& other) noexcept;
+  ~Handle() { reset(); }
+
+  hid_t id() const { return id_; }
+  void reset();
+  /// Closes, and throws when HDF5 could not write what it still kept.
+  void close(std::string_view what);
+
+ private:
+  hid_t id_ = H5I_INVALID_HID;
+  Close close_ = nullptr;
+};
+
+/// Keeps HDF5 from printing its errors on standard error while this lives.
+class Quiet {
+ public:
+  Quiet();
+  ~Quiet();
+  Quiet(const Quiet&) = delete;
+  Quiet& operator=(const Quiet&) = delete;
+
+ private:
+  H5E_auto2_t function_ = nullptr;
+  void* data_ = nullptr;
+};
+
+/// The type of a number, in memory and in the file.
+template <class Number>
+hid_t typeOf();
+
+Handle createFile(const std::string& path);
+Handle createGroup(const Handle& parent, const std::string& name);
+
+void setText(const Handle& object, const char* name, std::string_view text);
+void setNumbers(const Handle& object, const char* name, std::span<const std::int64_t> numbers);
+void setNumber(const Handle& object, const char* name, std::int64_t number);
+
+/// A dataset of rows, written from its first row on.
+class Table {
+ public:
+  Table() = default;
+  /// `rows`: how many there will be, when it is known. `components`: numbers in each row; with 1 the dataset
+  /// has one dimension, unless `twoDimensional`.
+  Table(const Handle& parent, const std::string& name, hid_t type, std::int64_t rows,
+        std::int64_t components = 1, bool twoDimensional = false);
+  /// A table that grows.
+  static Table growing(const Handle& parent, const std::string& name, hid_t type, std::int64_t components);
+
+  /// Writes the next rows.
+  template <class Number>
+  void append(std::span<const Number> numbers) {
+    append(typeOf<Number>(), numbers.data(), numbers.size());
+  }
+  std::int64_t rows() const { return written_; }
+
+ private:
+  void append(hid_t type, const void* numbers, std::size_t count);
+
+  std::string name_;
+  Handle dataset_;
+  std::int64_t components_ = 1;
+  bool twoDimensional_ = false;
+  bool grows_ = false;
+  std::int64_t written_ = 0;
+};
+
+/// A whole dataset at once.
+template <class Number>
+void write(const Handle& parent, const std::string& name, const std::vector<Number>& numbers,
+           bool twoDimensional = false) {
+  Table(parent, name, typeOf<Number>(), static_cast<std::int64_t>(numbers.size()), 1, twoDimensional)
+      .append(std::span<const Number>(numbers));
+}
+
+}  // namespace lumbarn::hdf

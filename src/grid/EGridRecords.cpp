@@ -1,0 +1,249 @@
+#include "EGridRecords.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+
+#include "../support/Text.h"
+#include "qvGridProcessor.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr std::size_t rangeRows = 6;
+constexpr double flatPillar = 1e-20;
+
+/// A word of a header record, from 1; 0 where the record ends before it.
+std::int32_t word(const std::vector<std::int32_t>& words, std::size_t n) {
+  return n <= words.size() ? words[n - 1] : 0;
+}
+
+}  // namespace
+
+bool EGridRecords::read() {
+  RecordCursor& cursor = set_.cursor();
+  Session& session = set_.session();
+  while (cursor.next()) {
+    if (!take()) return false;
+    if (session.Container) {
+      session.Container->fraction(static_cast<double>(cursor.header().dataAt) /
+                                  static_cast<double>(cursor.fileSize()));
+    }
+    if (session.yield()) return false;
+  }
+  // A file may end right before ENDGRID; but without ACTNUM nobody knows what else is missing.
+  if (set_.sized() && !pending_.hasActivity) set_.fail("file ends before the grid does", "ENDGRID", "none");
+  return finish();
+}
+
+/// One record. False when the load is cancelled.
+bool EGridRecords::take() {
+  const RecordHeader& header = set_.cursor().header();
+  const auto& keyword = header.keyword;
+  if (keyword == "ENDGRID") return ProcessEGridCorners();
+  if (header.is("LGR", ElementType::Text)) {
+    if (!finish()) return false;
+    set_.takeLgr();
+    pending_ = {};
+    return true;
+  }
+  if (header.is("GRIDHEAD", ElementType::Integer)) {
+    if (!finish()) return false;
+    takeGridHead();
+    return true;
+  }
+  if (header.is("FILEHEAD", ElementType::Integer)) takeFileHead();
+  if (header.is("LGRPARNT", ElementType::Text)) takeLocalParent();
+  if (header.is("COORD", ElementType::Single)) takeCoord();
+  if (header.is("COORDSYS", ElementType::Integer)) pending_.coordSystem = set_.cursor().integers();
+  if (header.is("ZCORN", ElementType::Single)) takeZcorn();
+  if (header.is("ACTNUM", ElementType::Integer)) {
+    pending_.activity = cellArray();
+    pending_.hasActivity = true;
+  }
+  const bool coarsening = keyword == "CORSNUM" || keyword == "COARSNUM";
+  if (coarsening && header.type == ElementType::Integer) pending_.coarse = cellArray();
+  if (header.is("HOSTNUM", ElementType::Integer)) pending_.hosts = cellArray();
+  set_.takeShared();
+  return true;
+}
+
+void EGridRecords::takeFileHead() {
+  const auto words = set_.cursor().integers();
+  if (word(words, 5) != 0) {
+    set_.fail("file holds no corner point grid", "0 in word 5", std::to_string(word(words, 5)));
+  }
+  dualPorosity_ = word(words, 6);
+}
+
+void EGridRecords::takeGridHead() {
+  const auto words = set_.cursor().integers();
+  if (words.size() < 4) set_.fail("record is too short", 4, static_cast<std::int64_t>(words.size()));
+  const bool dual = dualPorosity_ >= 1;
+  set_.setSize(words[1], words[2], dual ? 2 * static_cast<std::int64_t>(words[3]) : words[3]);
+  Hadrick& grid = set_.current();
+  grid.iDualPorosity = dualPorosity_;
+  grid.nTheta = std::max(word(words, 27), 0);
+  grid.iGridType = word(words, 27) < 1 ? 2 : 3;
+  auto& index = grid.iIndex;
+  const std::array<std::array<std::size_t, 2>, 6> kept{
+      {{2, 28}, {3, 29}, {4, 30}, {7, 31}, {6, 32}, {5, 33}}};
+  for (const auto& [to, from] : kept) index[to - 1] = word(words, from);
+  if (dual && index[4] >= 1) {
+    const auto both = static_cast<std::int64_t>(index[4]) + index[3];
+    index[4] = static_cast<std::int32_t>(std::clamp<std::int64_t>(both, INT32_MIN, INT32_MAX));
+  }
+  index[8] = grid.Nx();
+  index[9] = grid.Ny();
+  index[10] = grid.Nz();
+  pending_ = {};
+  pending_.nReservoirs = std::max(word(words, 25), 1);
+}
+
+void EGridRecords::needSizes() const {
+  if (!set_.sized()) set_.fail("array stands before the sizes of its grid", "GRIDHEAD", "none");
+}
+
+void EGridRecords::takeCoord() {
+  needSizes();
+  const Hadrick& grid = set_.current();
+  const auto count = set_.cursor().header().count;
+  const std::int64_t pillars = (grid.Nx() + std::int64_t{1}) * (grid.Ny() + std::int64_t{1});
+  if (count % (6 * pillars) != 0 || count / (6 * pillars) != pending_.nReservoirs) {
+    set_.fail(
+        "record does not go with the sizes of the grid",
+        std::to_string(6 * pillars) + " for each of " + std::to_string(pending_.nReservoirs) + " reservoirs",
+        std::to_string(count));
+  }
+  pending_.coord = set_.cursor().singles();
+  set_.tellNotFinite(countNotFinite(pending_.coord));
+  std::int64_t flat = 0;
+  for (std::size_t p = 0; p < pending_.coord.size(); p += 6) {
+    const double height = static_cast<double>(pending_.coord[p + 5]) - pending_.coord[p + 2];
+    if (!(std::abs(height) > flatPillar)) ++flat;
+  }
+  if (flat > 0) {
+    set_.tell("pillars have no height", "top and bottom at two depths", std::to_string(flat) + " pillars",
+              "took the top point for all depths");
+  }
+}
+
+/// The depths are fetched at the end of the grid, when it is known which are wanted.
+void EGridRecords::takeZcorn() {
+  needSizes();
+  const Hadrick& grid = set_.current();
+  const RecordHeader& header = set_.cursor().header();
+  const std::int64_t whole = 8 * static_cast<std::int64_t>(grid.nCells());
+  const bool half = dualPorosity_ >= 1 && header.count == whole / 2;
+  if (header.count != whole && !half) {
+    set_.fail("record does not go with the sizes of the grid", whole, header.count);
+  }
+  pending_.zcorn = header;
+}
+
+void EGridRecords::takeLocalParent() {
+  const auto words = set_.cursor().texts();
+  const auto name = words.empty() ? std::string_view() : trim(words.front());
+  set_.current().zParent = name.empty() ? "ROOT" : std::string(name);
+}
+
+/// An array with one integer for each cell: of a radial grid perhaps for fewer angles, with two porosity
+/// systems perhaps for one.
+std::vector<std::int32_t> EGridRecords::cellArray() {
+  needSizes();
+  const Hadrick& grid = set_.current();
+  const auto count = set_.cursor().header().count;
+  const std::int64_t cells = grid.nCells();
+  const bool both = dualPorosity_ >= 1 && count * 2 == cells;
+  const std::int32_t Nz = both ? grid.Nz() / 2 : grid.Nz();
+  const std::int64_t perAngle = static_cast<std::int64_t>(grid.Nx()) * Nz;
+  const std::int64_t wanted = both ? cells / 2 : cells;
+  if (count == wanted) return both ? bothPorosities(set_.cursor().integers()) : set_.cursor().integers();
+  if (grid.nTheta >= 1 && count > 0 && count < wanted && count % perAngle == 0) {
+    const auto values = set_.cursor().integers();
+    std::vector<std::int32_t> spread;
+    bool qOK = false;
+    ProcessRADIALNUMTHETA<std::int32_t>(grid.Nx(), grid.Ny(), Nz, static_cast<std::int32_t>(count / perAngle),
+                                        values.size(), values, spread, qOK);
+    if (qOK) return spread;
+  }
+  set_.fail("record does not go with the sizes of the grid", cells, count);
+}
+
+/// Values above 1 tell the systems apart: 1 the first, 2 the second, 3 both. Where there are none of them,
+/// writers mean both systems by 1.
+std::vector<std::int32_t> EGridRecords::bothPorosities(std::vector<std::int32_t> values) {
+  const std::size_t half = values.size();
+  const bool actnum = set_.cursor().header().keyword == "ACTNUM";
+  const bool bits = actnum && std::ranges::any_of(values, [](std::int32_t v) { return v > 1; });
+  values.resize(2 * half);
+  for (std::size_t n = 0; n < half; ++n) {
+    const std::int32_t value = values[n];
+    values[n] = bits ? value & 1 : value;
+    values[n + half] = bits ? (value & 2) >> 1 : value;
+  }
+  return values;
+}
+
+/// First and last layer of each reservoir.
+std::vector<std::array<std::int32_t, 2>> EGridRecords::ranges() const {
+  const Hadrick& grid = set_.current();
+  const auto count = static_cast<std::size_t>(pending_.nReservoirs);
+  const auto& words = pending_.coordSystem;
+  std::vector<std::array<std::int32_t, 2>> found;
+  for (std::size_t r = 0; r < count && rangeRows * r + 1 < words.size(); ++r) {
+    found.push_back({words[rangeRows * r], words[rangeRows * r + 1]});
+  }
+  const bool sound = found.size() == count && std::ranges::all_of(found, [&](const auto& range) {
+                       return range[0] >= 1 && range[0] <= range[1] && range[1] <= grid.Nz();
+                     });
+  if (sound) return found;
+  if (count > 1)
+    set_.fail("layers of the reservoirs are not told", "COORDSYS for each of " + std::to_string(count),
+              std::to_string(found.size()));
+  if (!words.empty()) {
+    set_.tell("layers of the reservoir are not those of the grid", "layers 1 to " + std::to_string(grid.Nz()),
+              "others in COORDSYS", "took all layers");
+  }
+  return {{1, grid.Nz()}};
+}
+
+bool EGridRecords::ProcessEGridCorners() {
+  if (!set_.sized()) return true;  // ENDGRID of a grid that has been finished
+  if (pending_.coord.empty()) set_.fail("grid has no pillars", "COORD", "none");
+  if (!pending_.zcorn) set_.fail("grid has no depths", "ZCORN", "none");
+  RecordCursor& cursor = set_.cursor();
+  Hadrick& grid = set_.current();
+  if (pending_.hasActivity) grid.setActive(std::move(pending_.activity));
+  grid.setPillars(std::move(pending_.coord), ranges());
+  const bool coarse = set_.options().coarsened && !pending_.coarse.empty();
+  auto blocks = coarse ? set_.coarseBlocks(pending_.coarse) : std::vector<CoarseBlock>{};
+
+  const auto resume = cursor.nextPosition();
+  cursor.setCurrent(*pending_.zcorn);
+  // The corners of a coarsened cell are those of cells that do not count, so that all depths must stay.
+  const bool compress = set_.options().compress && blocks.empty();
+  std::size_t nNotFinite = 0;
+  const bool read = compress ? processActiveCornerPoints_Grid(cursor, grid, set_.session(), nNotFinite)
+                             : processCornerPoints_Grid(cursor, {}, grid, set_.session(), nNotFinite);
+  if (!read) return false;
+  set_.tellNotFinite(nNotFinite);
+  cursor.seek(resume);
+  if (!blocks.empty()) grid.setCoarse(std::move(blocks));
+  if (!pending_.hosts.empty()) grid.setHostCells(std::move(pending_.hosts));
+  set_.complete();
+  pending_ = {};
+  return true;
+}
+
+/// A grid whose end was not told.
+bool EGridRecords::finish() {
+  if (!set_.sized()) return true;
+  set_.tell("end of the grid is not told", "ENDGRID", set_.cursor().header().keyword,
+            "took what stands before", pending_.hasActivity ? Certainty::Likely : Certainty::Guess);
+  return ProcessEGridCorners();
+}
+
+}  // namespace lumbarn

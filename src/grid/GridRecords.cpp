@@ -1,0 +1,228 @@
+#include "GridRecords.h"
+
+#include <algorithm>
+#include <bit>
+#include <numeric>
+#include <string>
+#include <utility>
+
+#include "../support/Text.h"
+#include "qvGridProcessor.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr std::size_t rowItems = 24;
+constexpr std::int64_t cancelInterval = 10'000;  // cells between two looks at the cancel flag
+
+/// Whether all values of a row are numbers: an exponent of all ones carries into the bit of the sign.
+bool allFinite(const float* row) {
+  constexpr std::uint32_t exponent = 0x7F800000;
+  std::uint32_t carried = 0;
+  for (std::size_t n = 0; n < rowItems; ++n) {
+    carried |= (std::bit_cast<std::uint32_t>(row[n]) & exponent) + 0x00800000;
+  }
+  return (carried & 0x80000000) == 0;
+}
+
+}  // namespace
+
+bool GridRecords::read() {
+  RecordCursor& cursor = set_.cursor();
+  Session& session = set_.session();
+  while (!stopped_ && cursor.next()) {
+    if (!take()) return false;
+    if (session.Container) {
+      session.Container->fraction(static_cast<double>(cursor.nextPosition()) /
+                                  static_cast<double>(cursor.fileSize()));
+    }
+    if (session.yield()) return false;
+  }
+  return stopped_ || finish();
+}
+
+bool GridRecords::take() {
+  RecordCursor& cursor = set_.cursor();
+  const RecordHeader& header = cursor.header();
+  if (header.is("COORDS", ElementType::Integer)) {
+    takeCells();
+    return !set_.session().cancelled();
+  }
+  if (header.is("LGR", ElementType::Text)) {
+    if (!finish()) return false;
+    if (!stopped_) set_.takeLgr();
+    return true;
+  }
+  if (header.is("DIMENS", ElementType::Integer)) {
+    if (!finish()) return false;
+    if (!stopped_) takeSizes();
+    return true;
+  }
+  Hadrick& grid = set_.current();
+  if (header.is("RADIAL", ElementType::Text)) {
+    const auto words = cursor.texts();
+    grid.iGridType = !words.empty() && trim(words.front()) == "TRUE" ? 3 : 2;
+  }
+  if (header.is("BOXORIG", ElementType::Integer)) {
+    const auto words = cursor.integers();
+    std::copy_n(words.begin(), std::min(words.size(), grid.iBoxOrigin.size()), grid.iBoxOrigin.begin());
+  }
+  if (header.is("LGRILG", ElementType::Integer)) {
+    const auto words = cursor.integers();
+    if (!words.empty()) grid.iLocalNumber = words[0];
+    if (words.size() > 1 && words[1] >= 0 && words[1] < INT32_MAX) grid.iParent = words[1] + 1;
+  }
+  const bool coarsening = header.keyword == "CORSNUM" || header.keyword == "COARSNUM";
+  if (coarsening && header.type == ElementType::Integer && header.count == grid.nCells())
+    coarse_ = cursor.integers();
+  set_.takeShared();
+  return true;
+}
+
+void GridRecords::takeSizes() {
+  const auto words = set_.cursor().integers();
+  if (words.size() < 3) set_.fail("record is too short", 3, static_cast<std::int64_t>(words.size()));
+  set_.setSize(words[0], words[1], words[2]);
+  const auto cells = static_cast<std::uint64_t>(set_.current().nCells());
+  const std::uint64_t room = set_.cursor().fileSize() / (4 * rowItems);
+  if (cells > room) {
+    set_.fail("grid has more cells than the file can hold", "at most " + std::to_string(room),
+              std::to_string(cells));
+  }
+  compress_ = set_.options().compress;
+  seen_ = 0;
+  inOrder_ = true;
+  expected_ = {1, 1, 1};
+  notFinite_ = 0;
+  rows_ = {};
+  rowCells_ = {};
+  activity_ = {};
+  hosts_ = {};
+  coarse_ = {};
+}
+
+/// The pair of records at the cursor, which stands on COORDS.
+void GridRecords::readPair(CellRecord& cell, RecordHeader& coords) {
+  RecordCursor& cursor = set_.cursor();
+  coords = cursor.header();
+  if (coords.count < 3) set_.fail("record is too short", 3, coords.count);
+  cell.count = std::min(static_cast<std::size_t>(coords.count), cell.words.size());
+  cursor.read(std::span(cell.words).first(cell.count));
+  if (!cursor.next()) set_.fail("corners of a cell are missing", "CORNERS", "end of the file");
+  const RecordHeader& header = cursor.header();
+  if (!header.is("CORNERS", ElementType::Single) || header.count != static_cast<std::int64_t>(rowItems)) {
+    set_.fail("corners of a cell are missing", "CORNERS with 24 values",
+              header.keyword + " with " + std::to_string(header.count));
+  }
+  cursor.read(std::span<float>(cell.corners));
+}
+
+void GridRecords::takeCells() {
+  RecordCursor& cursor = set_.cursor();
+  if (!set_.sized()) set_.fail("cell stands before the sizes of its grid", "DIMENS", "none");
+  if (rows_.empty()) {
+    rows_ = XYData(rowItems, static_cast<std::size_t>(set_.current().nCells()), set_.session());
+  }
+  CellRecord cell;
+  RecordHeader coords;
+  readPair(cell, coords);
+  takeCell(cell);
+  CellRecords more(source_, cursor.form(), coords, cursor.header(), cursor.nextPosition());
+  while (seen_ < set_.current().nCells() && more.next(cell)) {
+    takeCell(cell);
+    if (more.taken() % cancelInterval == 0 && set_.session().cancelled()) break;
+  }
+  uncounted_ += more.taken();
+  cursor.seek(more.position());
+}
+
+void GridRecords::takeCell(const CellRecord& cell) {
+  const Hadrick& grid = set_.current();
+  const bool expected = std::equal(expected_.begin(), expected_.end(), cell.words.begin()) && inOrder_;
+  const auto number = expected ? seen_ + 1 : grid.cellAt(cell.words[0], cell.words[1], cell.words[2]);
+  if (number == 0) {
+    set_.fail("cell lies outside of its grid", "a cell of the grid",
+              std::to_string(cell.words[0]) + ", " + std::to_string(cell.words[1]) + ", " +
+                  std::to_string(cell.words[2]));
+  }
+  ++seen_;
+  expected_ = {cell.words[0] + 1, cell.words[1], cell.words[2]};
+  if (cell.words[0] == grid.Nx()) expected_ = grid.placeOf(std::min(number, grid.nCells() - 1) + 1);
+  const auto index = static_cast<std::size_t>(number) - 1;
+  const bool active = cell.active();
+  if (inOrder_ && number != seen_) leaveOrder();
+  if (!active && activity_.empty()) makeActivity(seen_ - 1);
+  if (!activity_.empty()) activity_[index] = active ? 1 : 0;
+  if (cell.count > 6 && grid.isLocal()) {
+    if (hosts_.empty()) hosts_.assign(static_cast<std::size_t>(grid.nCells()), 0);
+    hosts_[index] = cell.words[5];
+  }
+  if (compress_ && !active) return;
+  std::size_t column = index + 1;
+  if (compress_) {
+    rowCells_.push_back(number);
+    column = rowCells_.size();
+  }
+  if (column > rows_.columns()) set_.fail("grid has more cells than its sizes tell", grid.nCells(), seen_);
+  float* row = rows_.values().data() + rowItems * (column - 1);
+  cell.copyCorners(row);
+  if (!allFinite(row)) notFinite_ += countNotFinite({row, rowItems});
+}
+
+/// The table of activity, when the first cells were met in order and all active.
+void GridRecords::makeActivity(std::int64_t first) {
+  activity_.assign(static_cast<std::size_t>(set_.current().nCells()), 0);
+  std::fill_n(activity_.begin(), first, 1);
+}
+
+/// From here on a cell may stand twice and another not at all, which is then inactive and has no corners.
+void GridRecords::leaveOrder() {
+  inOrder_ = false;
+  const auto met = static_cast<std::size_t>(seen_) - 1;
+  if (activity_.empty()) makeActivity(seen_ - 1);
+  if (!compress_) std::ranges::fill(rows_.values().subspan(rowItems * met), 0.0F);
+}
+
+/// Puts the rows of active cells in the order of their numbers; of a cell that stands twice the last counts.
+void GridRecords::sortRows() {
+  if (std::ranges::is_sorted(rowCells_, std::less_equal<>())) return;
+  std::vector<std::size_t> order(rowCells_.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::stable_sort(order, {}, [this](std::size_t n) { return rowCells_[n]; });
+  std::vector<std::size_t> last;
+  for (const std::size_t n : order) {
+    if (!last.empty() && rowCells_[last.back()] == rowCells_[n]) last.pop_back();
+    last.push_back(n);
+  }
+  XYData sorted(rowItems, last.size(), set_.session());
+  std::vector<std::int32_t> cells;
+  for (const std::size_t n : last) {
+    cells.push_back(rowCells_[n]);
+    std::ranges::copy(rows_.column(n + 1), sorted.column(cells.size()).begin());
+  }
+  rows_ = std::move(sorted);
+  rowCells_ = std::move(cells);
+}
+
+bool GridRecords::finish() {
+  if (!set_.sized()) return true;
+  Hadrick& grid = set_.current();
+  if (rows_.empty()) set_.fail("grid has no corners", "COORDS and CORNERS", "none");
+  if (seen_ < grid.nCells()) set_.fail("cells of the grid are missing", grid.nCells(), seen_);
+  if (compress_) sortRows();
+  set_.tellNotFinite(std::exchange(notFinite_, 0));
+  if (compress_ || !set_.options().noInactive) grid.setActive(std::exchange(activity_, {}));
+  grid.setCellRows(std::exchange(rows_, {}), compress_);
+  if (!hosts_.empty()) grid.setHostCells(std::exchange(hosts_, {}));
+  const bool coarse = set_.options().coarsened && !coarse_.empty() && !compress_;
+  if (coarse) grid.setCoarse(set_.coarseBlocks(coarse_));
+  if (grid.nActive() == 0 && !compress_) {
+    set_.tell("grid has no active cell", "one at least", "none", "stopped");
+    stopped_ = true;
+  }
+  set_.complete();
+  return true;
+}
+
+}  // namespace lumbarn

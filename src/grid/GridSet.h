@@ -1,0 +1,99 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../record/RecordCursor.h"
+#include "../support/Diagnosis.h"
+#include "Hadrick.h"
+
+namespace lumbarn {
+
+/// How a grid file is read.
+struct GridReadOptions {
+  std::string zFolder;
+  bool byteSwap = false;
+  bool compress = false;    ///< keep active cells only
+  bool noInactive = false;  ///< all cells of a GRID file count as active
+  bool coarsened = true;    ///< make blocks of coarsened cells one cell
+};
+
+/// The grids of a file while they are read: what both kinds of grid file have in common.
+class GridSet {
+ public:
+  GridSet(RecordCursor& cursor, const GridReadOptions& options, Session& session);
+
+  /// Whole grids, in the order of the file.
+  std::vector<std::shared_ptr<Hadrick>> grids;
+
+  Hadrick& current() { return *current_; }
+  /// A new current grid; one that is not complete is dropped.
+  void start(std::string_view zName);
+  /// Sets the sizes of the current grid, by which other arrays are measured. Ends the read (BadRecord) when
+  /// no grid can have them.
+  void setSize(std::int64_t nx, std::int64_t ny, std::int64_t nz);
+  bool sized() const { return current_->Nx() > 0; }
+  /// The current grid is whole.
+  void complete();
+
+  /// Records that stand in both kinds of file: MAPAXES, MAPUNITS, GRIDUNIT and those of connections. False
+  /// when the cursor's record is none of them.
+  bool takeShared();
+  /// Names the current grid and its parent from an LGR record.
+  void takeLgr();
+  /// The blocks of an array that has a number for each cell: cells of one number above 0 form a block, which
+  /// must be a whole box.
+  std::vector<CoarseBlock> coarseBlocks(std::span<const std::int32_t> numbers) const;
+
+  /// After the last record: units, axes, parents and connections, for which all grids must be known. Each
+  /// thing that does not hold is told once and left out.
+  void join();
+
+  /// Ends the read with a fact about the cursor's record.
+  [[noreturn]] void fail(std::string_view problem, std::string_view expected, std::string_view found) const;
+  [[noreturn]] void fail(std::string_view problem, std::int64_t expected, std::int64_t found) const;
+  /// Tells an irregularity that does not end the read.
+  void tell(std::string_view problem, std::string_view expected, std::string_view found,
+            std::string_view action, Certainty certainty = Certainty::Likely) const;
+  /// Tells how many values of the current record are no numbers, if any are.
+  void tellNotFinite(std::size_t count) const;
+
+  RecordCursor& cursor() { return *cursor_; }
+  Session& session() { return *session_; }
+  const GridReadOptions& options() const { return *options_; }
+
+ private:
+  struct PairRecord {
+    std::string_view first, second;
+    GridConnection::Kind kind;
+  };
+  void takeMapAxes();
+  void takeConnections(const PairRecord& record, bool second);
+  void joinParents();
+  void joinHosts();
+  void joinConnections();
+  std::int32_t parentNumber(std::size_t n) const;
+  bool cellExists(std::int32_t iGrid, std::int32_t iCell) const;
+  void tellGrid(const Hadrick& grid, std::string_view keyword, std::string_view problem,
+                std::string_view expected, std::string_view found, std::string_view action) const;
+
+  RecordCursor* cursor_;
+  const GridReadOptions* options_;
+  Session* session_;
+  std::shared_ptr<Hadrick> current_;
+  std::optional<std::array<double, 6>> mapAxes_;
+  std::vector<std::string> gridUnit_;
+  std::string mapUnit_;
+  std::vector<std::int32_t> firstCells_;  // of the pair record whose second part is to come
+  std::string firstKeyword_;
+  std::array<std::int32_t, 2> connected_{1, 1};  // grids that the next connections join
+  std::vector<GridConnection> connections_;
+};
+
+}  // namespace lumbarn

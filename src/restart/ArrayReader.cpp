@@ -1,0 +1,230 @@
+#include "ArrayReader.h"
+
+#include <algorithm>
+#include <type_traits>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "../record/cFILETYPE.h"
+#include "../support/Fault.h"
+#include "../support/Guarded.h"
+#include "../support/Text.h"
+
+namespace lumbarn {
+namespace {
+
+constexpr const char* className = "ArrayReader";
+
+/// Ends an operation with qOK False and nothing to report.
+struct Cancelled {};
+
+std::string gridKey(std::string_view grid) { return isGlobalGrid(grid) ? "" : upper(trim(grid)); }
+
+/// Decodes straight into the array where the types are the same, a piece at a time otherwise.
+template <class Stored, class Number>
+void readAs(RecordCursor& cursor, const Session& session, std::int64_t first, std::span<Number> values) {
+  constexpr std::size_t pieceElements = std::size_t{1} << 16;
+  std::vector<Stored> piece(std::is_same_v<Stored, Number> ? 0 : std::min(values.size(), pieceElements));
+  for (std::size_t done = 0; done < values.size();) {
+    if (session.cancelled()) throw Cancelled();
+    const auto out = values.subspan(done, std::min(values.size() - done, pieceElements));
+    const std::int64_t from = first + static_cast<std::int64_t>(done);
+    if constexpr (std::is_same_v<Stored, Number>) {
+      cursor.read(out, from);
+    } else {
+      const auto in = std::span(piece).first(out.size());
+      cursor.read(in, from);
+      std::ranges::transform(in, out.begin(), [](Stored value) { return static_cast<Number>(value); });
+    }
+    done += out.size();
+  }
+}
+
+template <class Number>
+void readNumbers(RecordCursor& cursor, const Session& session, std::int64_t first, std::span<Number> values) {
+  switch (cursor.header().type) {
+    case ElementType::Integer:
+    case ElementType::Short:
+      return readAs<std::int32_t>(cursor, session, first, values);
+    case ElementType::Double:
+      return readAs<double>(cursor, session, first, values);
+    default:
+      return readAs<float>(cursor, session, first, values);  // a fault for what is no number
+  }
+}
+
+/// The header that a fetch-on-demand column stands for.
+RecordHeader headerOf(FetchColumn column) {
+  RecordHeader header;
+  switch (column[1]) {
+    case 2:
+      header.typeWord = "INTE";
+      break;
+    case 3:
+    case 11:
+      header.typeWord = "REAL";
+      break;
+    default:
+      throw Fault(FaultNumber::InvalidCall, fmt::format("array of kind {} is in no file", column[1]));
+  }
+  const TypeInfo info = typeInfo(header.typeWord);
+  header.type = info.type;
+  header.width = info.width;
+  header.count = column[0];
+  const std::uint64_t position = fromWords({column[2], column[3]});
+  if (position == 0 || header.count < 0) throw Fault(FaultNumber::InvalidCall);
+  header.dataAt = position - 1;
+  header.headerAt = header.dataAt;
+  return header;
+}
+
+Form formOf(const std::array<bool, 5>& qFileTypeSettings, Session& session) {
+  cFILETYPE xFile(session);
+  xFile.Formatted = qFileTypeSettings[1];
+  xFile.UNIX = qFileTypeSettings[2];
+  xFile.byteSwap = qFileTypeSettings[3];
+  return xFile.form();
+}
+
+}  // namespace
+
+ArrayReader::~ArrayReader() = default;
+
+void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>& qFileTypeSettings,
+                              FetchColumn column, std::int64_t first, std::span<float> values, bool& qOK) {
+  guarded(*session_, qOK, className, "readFetched", [&] {
+    const RecordHeader header = headerOf(column);
+    const Form form = formOf(qFileTypeSettings, *session_);
+    if (!cursor_ || cursor_->path() != file || !(cursor_->form() == form)) {
+      std::string why;
+      std::shared_ptr<const ByteSource> source = FileSource::open(file, why);
+      if (!source) throw BadRecord({.path = file, .problem = why});
+      cursor_ = std::make_unique<RecordCursor>(std::move(source), form, file);
+    }
+    if (header.dataAt > cursor_->fileSize()) {
+      throw BadRecord({.path = file,
+                       .problem = "array stands behind the end of the file",
+                       .offset = header.dataAt,
+                       .found = fmt::format("{} bytes", cursor_->fileSize())});
+    }
+    cursor_->setCurrent(header);
+    readNumbers(*cursor_, *session_, first, values);
+  });
+}
+
+ArrayReader::Found ArrayReader::find(std::int32_t step, std::string_view name, std::string_view grid) const {
+  const IndexStep* found = index_.init && !index_.steps.empty() ? &index_.steps.front() : index_.find(step);
+  const std::string path = index_.files.empty() ? "" : index_.files.front();
+  if (!found) {
+    throw BadRecord({.path = path, .problem = fmt::format("has no report step {}", step)});
+  }
+  const IndexEntry* entry = found->find(name, grid);
+  if (!entry) {
+    throw BadRecord({.path = index_.files[found->file],
+                     .problem = fmt::format("has no array {}{} in step {}", upper(trim(name)),
+                                            isGlobalGrid(grid) ? "" : fmt::format(" of grid {}", trim(grid)),
+                                            found->number)});
+  }
+  return {found, entry, found->cellsOf(grid)};
+}
+
+RecordCursor& ArrayReader::moveTo(const Found& array) {
+  const std::string& path = index_.files[array.step->file];
+  if (!cursor_ || cursor_->path() != path) {
+    std::string why;
+    cursor_ = openRecords(path, why);
+    if (!cursor_) throw BadRecord({.path = path, .problem = why});
+  }
+  cursor_->seek(array.entry->position);
+  const bool there = cursor_->next();
+  const RecordHeader& header = cursor_->header();
+  if (!there || header.keyword != array.entry->keyword.view() || header.count != array.entry->count ||
+      header.typeWord != array.entry->typeWord.view()) {
+    throw BadRecord({.path = path,
+                     .problem = "record is not where its index says",
+                     .offset = array.entry->position,
+                     .expected = fmt::format("{} of {} {}", array.entry->keyword.view(), array.entry->count,
+                                             array.entry->typeWord.view()),
+                     .found = fmt::format("{} of {} {}", header.keyword, header.count, header.typeWord)});
+  }
+  return *cursor_;
+}
+
+template <class Number>
+void ArrayReader::readByName(std::int32_t step, std::string_view name, std::string_view grid,
+                             std::int64_t first, std::span<Number> values, bool& qOK) {
+  guarded(*session_, qOK, className, "read",
+          [&] { readNumbers(moveTo(find(step, name, grid)), *session_, first, values); });
+}
+
+void ArrayReader::read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
+                       std::span<double> values, bool& qOK) {
+  readByName(step, name, grid, first, values, qOK);
+}
+
+void ArrayReader::read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
+                       std::span<float> values, bool& qOK) {
+  readByName(step, name, grid, first, values, qOK);
+}
+
+void ArrayReader::setActiveCells(std::string_view grid, ActiveCells cells) {
+  activeCells_.insert_or_assign(gridKey(grid), std::move(cells));
+}
+
+const ActiveCells& ArrayReader::activeCellsOf(std::string_view grid, const Found& array) const {
+  const auto cells = activeCells_.find(gridKey(grid));
+  const bool fits = cells != activeCells_.end() && cells->second.cells() == array.cells.cells &&
+                    cells->second.active() == array.cells.active;
+  if (!fits) {
+    throw BadRecord({.path = index_.files[array.step->file],
+                     .problem = "it is not known which cells are active",
+                     .keyword = std::string(array.entry->keyword.view()),
+                     .offset = array.entry->position});
+  }
+  return cells->second;
+}
+
+void ArrayReader::readCells(std::int32_t step, std::string_view name, std::string_view grid,
+                            std::int64_t first, std::span<double> values, bool& qOK) {
+  guarded(*session_, qOK, className, "readCells", [&] {
+    const Found array = find(step, name, grid);
+    if (!isCellArray(*array.entry, array.cells)) {
+      throw BadRecord({.path = index_.files[array.step->file],
+                       .problem = "array has no values for cells",
+                       .keyword = std::string(array.entry->keyword.view()),
+                       .offset = array.entry->position});
+    }
+    const auto count = static_cast<std::int64_t>(values.size());
+    if (first < 0 || first > array.cells.cells || count > array.cells.cells - first) {
+      throw Fault(FaultNumber::Subscript);
+    }
+    RecordCursor& cursor = moveTo(array);
+    if (array.entry->count == array.cells.cells) return readNumbers(cursor, *session_, first, values);
+    // The values of the active cells in the range lie next to each other: they are read to its front and
+    // moved to their places from behind.
+    const auto& iA2N = activeCellsOf(grid, array).iA2N();
+    const auto from = std::ranges::upper_bound(iA2N, first);
+    const auto to = std::ranges::upper_bound(iA2N, first + count);
+    auto left = static_cast<std::size_t>(to - from);
+    readNumbers(cursor, *session_, from - iA2N.begin(), values.first(left));
+    for (std::int64_t cell = count; cell-- > 0;) {
+      const bool active = left > 0 && *(from + static_cast<std::ptrdiff_t>(left) - 1) == first + cell + 1;
+      values[static_cast<std::size_t>(cell)] = active ? values[--left] : session_->NullValue;
+    }
+  });
+}
+
+void ArrayReader::readCell(std::int32_t step, std::string_view name, std::string_view grid, std::int32_t i,
+                           std::int32_t j, std::int32_t k, double& value, bool& qOK) {
+  std::int64_t cell = -1;
+  guarded(*session_, qOK, className, "readCell", [&] {
+    const auto [nx, ny, nz] = find(step, name, grid).cells.size;
+    const auto inside = [](std::int32_t at, std::int32_t size) { return at >= 1 && at <= size; };
+    if (!inside(i, nx) || !inside(j, ny) || !inside(k, nz)) throw Fault(FaultNumber::Subscript);
+    cell = (static_cast<std::int64_t>(k - 1) * ny + (j - 1)) * nx + (i - 1);
+  });
+  if (qOK) readCells(step, name, grid, cell, std::span(&value, 1), qOK);
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,102 @@
+#include "IndexFileGrid.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "../support/Text.h"
+
+namespace lumbarn {
+namespace {
+
+constexpr std::size_t nameWidth = 16;
+
+std::uint64_t positionOf(std::int32_t low, std::int32_t high, int lowBits) {
+  return (std::uint64_t{static_cast<std::uint32_t>(high)} << lowBits) + static_cast<std::uint32_t>(low);
+}
+
+}  // namespace
+
+std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB) {
+  return positionOf(iPointer, iPointerB, 32);
+}
+
+bool IndexFileGrid::take(RecordCursor& cursor) {
+  const RecordHeader& header = cursor.header();
+  if (header.is("NUMBER", ElementType::Integer)) {
+    iNumber = cursor.integers();
+    nArrays = static_cast<std::int32_t>(iNumber.size());
+  } else if (header.is("POINTER", ElementType::Integer)) {
+    iPointer = cursor.integers();
+  } else if (header.is("POINTERB", ElementType::Integer)) {
+    iPointerB = cursor.integers();
+  } else if (header.is("ARRAYMIN", ElementType::Single)) {
+    sMin = cursor.singles();
+  } else if (header.is("ARRAYMAX", ElementType::Single)) {
+    sMax = cursor.singles();
+  } else if (header.is("TYPE", ElementType::Text)) {
+    zTypes = cursor.texts();
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void IndexFileGrid::setNames(const std::vector<std::string>& names) {
+  bNames = ByteTable(nameWidth, names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) bNames.put(i + 1, 1, nameWidth, names[i]);
+}
+
+std::vector<std::string> IndexFileGrid::names() const {
+  std::vector<std::string> names;
+  names.reserve(bNames.entries());
+  for (std::size_t i = 1; i <= bNames.entries(); ++i) names.emplace_back(bNames.get(i, 1, nameWidth));
+  return names;
+}
+
+std::vector<std::uint64_t> IndexFileGrid::positions(std::string_view name) const {
+  std::vector<std::uint64_t> found;
+  const std::size_t count = std::min({bNames.entries(), iPointer.size(), iPointerB.size()});
+  for (std::size_t i = 0; i < count; ++i) {
+    if (equalNoCase(bNames.get(i + 1, 1, nameWidth), trim(name).substr(0, nameWidth)))
+      found.push_back(lumbarn::positionOf(iPointer[i], iPointerB[i]));
+  }
+  return found;
+}
+
+std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid) {
+  const auto grid =
+      std::ranges::find_if(grids, [&](const IndexFileGrid& one) { return sameGrid(one.zGrid, zGrid); });
+  return grid == grids.end() ? 0 : static_cast<std::int32_t>(grid - grids.begin()) + 1;
+}
+
+void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names) {
+  for (const std::string& name : more) {
+    if (std::ranges::find(names, name) == names.end()) names.push_back(name);
+  }
+}
+
+bool toGroup(const IndexFileGrid& grid, int lowBits, IndexGroup& group, std::string& problem) {
+  const std::size_t count = grid.zNames.size();
+  if (grid.zTypes.size() != count || grid.iNumber.size() != count || grid.iPointer.size() != count ||
+      grid.iPointerB.size() != count) {
+    problem = fmt::format("{} names with {} types, {} numbers, {} and {} pointers", count, grid.zTypes.size(),
+                          grid.iNumber.size(), grid.iPointer.size(), grid.iPointerB.size());
+    return false;
+  }
+  const bool ranges = grid.sMin.size() == count && grid.sMax.size() == count;
+  group.grid = grid.zGrid;
+  group.entries.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    auto& entry = group.entries.emplace_back(
+        IndexEntry{FixedText<8>(grid.zNames[i]), FixedText<4>(grid.zTypes[i]), grid.iNumber[i],
+                   positionOf(grid.iPointer[i], grid.iPointerB[i], lowBits)});
+    if (ranges) {
+      entry.minimum = grid.sMin[i];
+      entry.maximum = grid.sMax[i];
+    }
+  }
+  return true;
+}
+
+}  // namespace lumbarn

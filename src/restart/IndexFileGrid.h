@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../record/RecordCursor.h"
+#include "../shapes/ByteTable.h"
+#include "RestartIndex.h"
+
+namespace lumbarn {
+
+/// The arrays of one grid as an index file (RSSPEC, INSPEC) tells them, in the order of its NAME record.
+/// Arrays beside the names may be shorter or longer than these in a damaged file: they are as they stand.
+struct IndexFileGrid {
+  std::string zGrid;         ///< LGRNAME; empty: the global grid
+  std::int32_t nArrays = 0;  ///< elements of NUMBER; in an INSPEC file of NAME
+  ByteTable bNames{16, 0};   ///< each name, at most 16 characters of it
+  std::vector<std::string> zTypes;
+  std::vector<std::int32_t> iNumber;    ///< elements of each array
+  std::vector<std::int32_t> iPointer;   ///< low part of the position
+  std::vector<std::int32_t> iPointerB;  ///< high part
+  std::vector<float> sMin;
+  std::vector<float> sMax;
+  std::vector<std::string> zNames;  ///< whole and as in the file
+
+  /// Reads the current record when it is TYPE, NUMBER, POINTER, POINTERB, ARRAYMIN or ARRAYMAX. False for any
+  /// other.
+  bool take(RecordCursor& cursor);
+  /// Copies names into `bNames`, cut at 16 characters.
+  void setNames(const std::vector<std::string>& names);
+  std::vector<std::string> names() const;  ///< those of `bNames`, trimmed
+  /// Byte offsets, from 0, of the header records of the arrays of that name. A name may stand more than once.
+  std::vector<std::uint64_t> positions(std::string_view name) const;
+};
+
+/// The low part is taken as unsigned, with the high part above its 32 bits.
+std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB);
+
+/// The number, from 1, of the grid of that name; an empty one means the global grid. 0 when there is none.
+std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid);
+
+/// The names in order, each once.
+void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names);
+
+/// The entries that a grid of an index file tells of. False with `problem` set when its arrays do not fit
+/// together. With `lowBits` 31 the high part counts from bit 31 on: there are writers that keep the low part
+/// from being negative.
+bool toGroup(const IndexFileGrid& grid, int lowBits, IndexGroup& group, std::string& problem);
+
+}  // namespace lumbarn

@@ -1,0 +1,93 @@
+#include "RestartIndex.h"
+
+#include <algorithm>
+
+#include "HeaderWords.h"
+
+namespace lumbarn {
+namespace {
+
+constexpr std::string_view globalGridName = "ROOT";
+/// Others are not kept as arrays, whatever their length.
+bool isKept(ElementType type) { return type == ElementType::Integer || type == ElementType::Single; }
+
+constexpr std::string_view refusedNames[] = {
+    "SEQNUM",  "INTEHEAD", "IWEL",   "ICON",   "IGRP",   "SWEL",   "SGRP",   "SCON",  // in restarts
+    "SAAQ",    "SCAQ",     "IAAQ",   "IOCN",   "ICAQ",   "RPIPE",  "HIDDEN", "TABDIMS",
+    "DIFFGL",  "TRANGL",   "HEATGL", "DIFFLL", "TRANLL", "HEATLL",  // in INIT files
+    "DIFFNNC", "TRANNNC",  "HEATNNC"};
+
+}  // namespace
+
+bool isGlobalGrid(std::string_view name) {
+  return trim(name).empty() || equalNoCase(trim(name), globalGridName);
+}
+
+bool sameGrid(std::string_view a, std::string_view b) {
+  return (isGlobalGrid(a) && isGlobalGrid(b)) || equalNoCase(trim(a), trim(b));
+}
+
+GridCells gridCells(const std::vector<std::int32_t>& intehead) {
+  GridCells result;
+  if (intehead.size() < 12) return result;
+  result.units = intehead[2];
+  std::copy_n(intehead.begin() + 8, 3, result.size.begin());
+  std::int64_t cells = 1;
+  for (const std::int64_t length : result.size) {
+    if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
+  }
+  result.cells = cells;
+  const HeaderWords word(intehead);
+  // The simulator with code 300 has its active cells in word 4, with one exception.
+  const bool inWord4 = word.isE300() && word(4) > 0 && word(96) < 1;
+  result.active = word(inWord4 ? 4 : 12);
+  return result;
+}
+
+const IndexEntry* IndexStep::find(std::string_view name, std::string_view grid) const {
+  const FixedText<8> wanted = FixedText<8>(upper(trim(name)));
+  for (const IndexGroup& group : groups) {
+    if (!sameGrid(group.grid, grid)) continue;
+    const auto entry = std::ranges::find(group.entries, wanted, &IndexEntry::keyword);
+    if (entry != group.entries.end() && trim(name).size() <= 8) return &*entry;
+  }
+  return nullptr;
+}
+
+GridCells IndexStep::cellsOf(std::string_view grid) const {
+  for (const IndexGroup& group : groups) {
+    if (group.cells.known() && sameGrid(group.grid, grid)) return group.cells;
+  }
+  return {};
+}
+
+bool IndexStep::hasGrid(std::string_view grid) const {
+  return std::ranges::any_of(groups, [&](const IndexGroup& group) { return sameGrid(group.grid, grid); });
+}
+
+const IndexStep* RestartIndex::find(std::int32_t number) const {
+  const auto step = std::ranges::find(steps, number, &IndexStep::number);
+  return step == steps.end() ? nullptr : &*step;
+}
+
+bool isRefusedArrayName(std::string_view zName) {
+  if (zName.empty() || std::ranges::find(refusedNames, zName) != std::end(refusedNames)) return true;
+  const bool flowName =
+      (zName.size() == 8 && zName.starts_with("FLO")) || (zName.size() == 6 && zName.starts_with('V'));
+  return flowName && (zName.ends_with("A+") || zName.ends_with("L+") || zName.ends_with("N+"));
+}
+
+bool isCellArray(const IndexEntry& entry, const GridCells& cells) {
+  return entry.count > 0 && (entry.count == cells.active || entry.count == cells.cells) &&
+         isKept(typeInfo(entry.typeWord.view()).type) && !isRefusedArrayName(entry.keyword.view());
+}
+
+std::vector<const IndexEntry*> cellArrays(const IndexGroup& group) {
+  std::vector<const IndexEntry*> arrays;
+  for (const IndexEntry& entry : group.entries) {
+    if (isCellArray(entry, group.cells)) arrays.push_back(&entry);
+  }
+  return arrays;
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,122 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../record/Form.h"
+#include "../record/RecordHeader.h"
+#include "../support/Dates.h"
+#include "../support/Session.h"
+#include "../support/Text.h"
+
+namespace lumbarn {
+
+/// A text of at most `width` characters, padded with blanks, that takes no memory of its own: an index has
+/// one entry for each record of a run.
+template <std::size_t width>
+class FixedText {
+ public:
+  FixedText() { letters_.fill(' '); }
+  explicit FixedText(std::string_view text) : FixedText() {
+    text.substr(0, width).copy(letters_.data(), width);
+  }
+  std::string_view view() const { return trimRight({letters_.data(), width}); }
+  bool operator==(const FixedText&) const = default;
+
+ private:
+  std::array<char, width> letters_;
+};
+
+/// One record with data.
+struct IndexEntry {
+  FixedText<8> keyword;
+  FixedText<4> typeWord;       ///< as in the file: "REAL", "C032"
+  std::int64_t count = 0;      ///< elements
+  std::uint64_t position = 0;  ///< byte offset, from 0, of the header record
+  /// Smallest and largest value; not numbers when they are not known. 0 for texts and logicals.
+  float minimum = std::numeric_limits<float>::quiet_NaN();
+  float maximum = std::numeric_limits<float>::quiet_NaN();
+
+  bool hasRange() const { return minimum <= maximum; }
+};
+
+/// What a header tells of a grid's cells; zeros when no header was met.
+struct GridCells {
+  std::array<std::int32_t, 3> size{};
+  std::int64_t cells = 0;  ///< product of the three; 0 when it is beyond 64 bits or a size is below 1
+  std::int64_t active = 0;
+  std::int32_t units = 0;  ///< 1 metric, 2 field, 3 lab
+
+  bool known() const { return cells > 0; }
+  bool operator==(const GridCells&) const = default;
+};
+GridCells gridCells(const std::vector<std::int32_t>& intehead);
+
+/// Records that belong to one grid and stand one behind the other. A grid may have several groups: an INIT
+/// file comes back to the global grid after each pass over the local ones.
+struct IndexGroup {
+  std::string grid;  ///< empty: the global grid
+  GridCells cells;
+  std::vector<IndexEntry> entries;  ///< in file order
+};
+
+/// A report step, or the whole of an INIT file.
+struct IndexStep {
+  std::int32_t number = -1;
+  double days = 0;             ///< report time, DOUBHEAD word 1; 0 for an INIT file
+  std::optional<Moment> date;  ///< with the time of day, as far as the headers tell it
+  std::size_t file = 0;        ///< which of the index's files
+  std::uint64_t position = 0;  ///< byte offset, from 0, of the step's first record
+  std::vector<IndexGroup> groups;
+
+  /// The first record of that name in a grid, upper and lower case alike; null when there is none. The empty
+  /// name and "ROOT" mean the global grid.
+  const IndexEntry* find(std::string_view name, std::string_view grid = {}) const;
+  /// Cells of a grid; unknown when the step has no such grid.
+  GridCells cellsOf(std::string_view grid) const;
+  bool hasGrid(std::string_view grid) const;
+};
+
+/// What stands where in a restart set (one unified file, or one file for each step) or in an INIT file (one
+/// step without a number). Neutral: the same whether it was read from an index file or made by walking.
+struct RestartIndex {
+  std::vector<std::string> files;
+  Form form;                         ///< of the first file
+  std::vector<std::int32_t> header;  ///< the first INTEHEAD of the global grid
+  std::vector<IndexStep> steps;
+  bool unified = true;    ///< all steps in one file
+  bool init = false;      ///< of an INIT file
+  bool whole = true;      ///< False: reading ended before the end, and a diagnosis says why, or was cancelled
+  bool fromFile = false;  ///< read from an index file and found to agree
+
+  /// The step of that number; null when there is none.
+  const IndexStep* find(std::int32_t number) const;
+};
+
+/// Makes the index of a restart set by walking from header to header. The time goes with the number of
+/// records, not with their size. Files that are not there end it as damage does: with the steps before, a
+/// diagnosis, and `whole` False. So does a cancel, without a diagnosis.
+RestartIndex walkRestart(Session& session, std::span<const std::string> files);
+/// The same for an INIT file: one step.
+RestartIndex walkInit(Session& session, const std::string& file);
+
+/// The empty name or "ROOT", by which hosts know the global grid.
+bool isGlobalGrid(std::string_view name);
+bool sameGrid(std::string_view a, std::string_view b);
+
+/// Names, upper case, of records that are as long as an array of cells only by chance: headers, tables of
+/// wells, groups and aquifers, and what belongs to cells that are no neighbours.
+bool isRefusedArrayName(std::string_view zName);
+/// An integer or a single for each cell or active cell of its grid, and a name that is not refused: the
+/// arrays that are kept of a restart or INIT file when all are wanted.
+bool isCellArray(const IndexEntry& entry, const GridCells& cells);
+/// The entries of a group that are cell arrays.
+std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);
+
+}  // namespace lumbarn

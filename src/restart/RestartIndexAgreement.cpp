@@ -1,0 +1,312 @@
+#include "RestartIndexAgreement.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "../files/Extensions.h"
+#include "../record/FormattedCodec.h"
+#include "../record/RecordCursor.h"
+#include "RestartIndexHeads.h"
+#include "qvEclipseRSSPEC.h"
+
+namespace lumbarn {
+namespace {
+
+/// An index that is not one of its files; the text says why.
+struct Disagreement : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+template <class... Values>
+void require(bool holds, fmt::format_string<const Values&...> text, const Values&... values) {
+  if (!holds) throw Disagreement(fmt::format(text, values...));
+}
+
+/// All entries of a step in file order.
+template <class Visit>
+void forEachEntry(const IndexStep& step, Visit visit) {
+  for (const IndexGroup& group : step.groups) {
+    for (const IndexEntry& entry : group.entries) visit(entry);
+  }
+}
+
+bool usesHighWord(const RestartIndex& index) {
+  bool uses = false;
+  for (const IndexStep& step : index.steps)
+    forEachEntry(step, [&](const IndexEntry& entry) { uses = uses || entry.position >> 32 != 0; });
+  return uses;
+}
+
+std::string dayText(const std::optional<Moment>& date) { return date ? isoText(*date, true) : "no date"; }
+
+/// The fewest bytes that a record can take in a file, header and all.
+std::uint64_t leastBytes(const IndexEntry& entry, const Form& form) {
+  const auto count = static_cast<std::uint64_t>(entry.count);
+  const auto [type, width] = typeInfo(entry.typeWord.view());
+  if (form.formatted()) {
+    constexpr std::uint64_t headerLine = 1 + 10 + 12 + 7;
+    return headerLine + (width > 0 ? count * lineShape(type, width).fieldWidth : 0);
+  }
+  const std::uint64_t marks = form.framing == Framing::FourByteMarks ? 8 : 2;
+  return 16 + marks + (count > 0 && width > 0 ? count * static_cast<std::uint64_t>(width) + marks : 0);
+}
+
+bool isStepNumber(const RecordHeader& header) {
+  return header.is("SEQNUM", ElementType::Integer) && header.count > 0;
+}
+
+/// Compares an index with one of its files.
+class FileAgreement {
+ public:
+  FileAgreement(RestartIndex& index, std::size_t file) : index_(index), file_(file) {
+    std::string why;
+    cursor_ = openRecords(index.files[file], why);
+    require(cursor_ != nullptr, "{}: {}", index.files[file], why);
+    for (IndexStep& step : index.steps) {
+      if (step.file == file) steps_.push_back(&step);
+    }
+  }
+
+  void check() {
+    if (file_ == 0) index_.form = cursor_->form();
+    checkPositions();
+    for (std::size_t i = 0; i < steps_.size(); ++i) {
+      checkStart(i == 0 ? nullptr : steps_[i - 1], *steps_[i]);
+    }
+    if (steps_.empty()) return;
+    checkTail(*steps_.back());
+    for (IndexStep* step : {steps_.front(), steps_.back()}) checkHeads(*step);
+    fillCells();
+  }
+
+ private:
+  static const IndexEntry& first(const IndexStep& step) { return step.groups.front().entries.front(); }
+  static const IndexEntry& last(const IndexStep& step) { return step.groups.back().entries.back(); }
+
+  void checkPositions() {
+    std::uint64_t least = 0;
+    const std::uint64_t size = cursor_->fileSize();
+    for (const IndexStep* step : steps_) {
+      require(!step->groups.empty(), "step {} has no arrays", step->number);
+      forEachEntry(*step, [&](const IndexEntry& entry) {
+        require(entry.count >= 0, "{} of step {} has {} elements", entry.keyword.view(), step->number,
+                entry.count);
+        require(entry.position >= least, "{} of step {} at byte {} lies inside of the record before it",
+                entry.keyword.view(), step->number, entry.position);
+        const std::uint64_t bytes = leastBytes(entry, cursor_->form());
+        require(entry.position <= size && bytes <= size - entry.position,
+                "{} of step {} at byte {} ends behind the file's {} bytes", entry.keyword.view(),
+                step->number, entry.position, size);
+        least = entry.position + bytes;
+      });
+    }
+  }
+
+  /// Moves to an entry's record, which must be what the index says.
+  void moveTo(const IndexEntry& entry) {
+    cursor_->seek(entry.position);
+    const bool there = cursor_->next();
+    const RecordHeader& header = cursor_->header();
+    // Names of an index may have lost what makes them none.
+    const bool same = there && header.keyword == entry.keyword.view() &&
+                      header.typeWord == entry.typeWord.view() && header.count == entry.count;
+    require(same, "byte {} has {} of {} {} where {} of {} {} is indexed", entry.position, header.keyword,
+            header.count, header.typeWord, entry.keyword.view(), entry.count, entry.typeWord.view());
+  }
+
+  /// From the last record of the step before, or the start of the file, the headers must lead to the first of
+  /// this step, through one report step number at most.
+  void checkStart(const IndexStep* before, IndexStep& step) {
+    constexpr int recordsBetween = 64;
+    if (before) {
+      moveTo(last(*before));
+    } else {
+      cursor_->seek(0);
+    }
+    step.position = cursor_->nextPosition();
+    int numbers = 0;
+    for (int i = 0; cursor_->nextPosition() < first(step).position && i < recordsBetween; ++i) {
+      if (!cursor_->next()) break;
+      if (isStepNumber(cursor_->header())) {
+        step.position = cursor_->header().headerAt;
+        ++numbers;
+      }
+    }
+    require(cursor_->nextPosition() == first(step).position, "byte {} is no start of a record that follows",
+            first(step).position);
+    moveTo(first(step));
+    if (isStepNumber(cursor_->header())) {
+      step.position = first(step).position;
+      ++numbers;
+    }
+    require(numbers <= 1 && (!before || numbers == 1 || index_.init),
+            "{} report steps stand where the index has step {}", numbers, step.number);
+  }
+
+  void checkTail(const IndexStep& step) {
+    moveTo(last(step));
+    while (cursor_->next()) {
+      require(!isStepNumber(cursor_->header()), "a report step at byte {} is not indexed",
+              cursor_->header().headerAt);
+      require(!index_.init || cursor_->header().count == 0, "{} at byte {} is not indexed",
+              cursor_->header().keyword, cursor_->header().headerAt);
+    }
+  }
+
+  /// Number, date and time of a step as its own headers tell them, if they are indexed.
+  void checkHeads(const IndexStep& step) {
+    if (const IndexEntry* entry = step.find("INTEHEAD")) {
+      moveTo(*entry);
+      const auto head = headWords(*cursor_);
+      const GridCells cells = gridCells(head);
+      require(cells == gridCells(index_.header), "the grid has other cells than the index says");
+      if (index_.init) return;
+      const std::int32_t number = stepOfHead(head);
+      require(number < 1 || number == step.number, "step {} is step {} in the index", number, step.number);
+      const auto date = dateOfHead(head, step.days);
+      require(!date || !step.date || dayText(date) == dayText(step.date), "step {} is of {}, not of {}",
+              step.number, dayText(date), dayText(step.date));
+      // What stands behind the year in an index of another writer need not be the time of day.
+      if (date != step.date) forgetTimesOfDay();
+    }
+    if (const IndexEntry* entry = step.find("DOUBHEAD"); entry && entry->count > 0 && !index_.init) {
+      moveTo(*entry);
+      double days = 0;
+      cursor_->read(std::span(&days, 1));
+      const double rounding = 1e-6 * std::max(1.0, std::abs(days));
+      require(std::abs(days - step.days) <= rounding, "step {} is at {} days, not at {}", step.number, days,
+              step.days);
+    }
+  }
+
+  void forgetTimesOfDay() {
+    for (IndexStep& step : index_.steps) {
+      if (step.date) step.date = std::chrono::floor<std::chrono::days>(*step.date);
+    }
+  }
+
+  /// A local grid's cells stand in its INTEHEAD, one of which is read for each grid of the file.
+  void fillCells() {
+    std::map<std::string, GridCells, std::less<>> known{{"", gridCells(index_.header)}};
+    for (IndexStep* step : steps_) {
+      for (IndexGroup& group : step->groups) {
+        auto grid = known.find(group.grid);
+        if (grid == known.end()) {
+          const IndexEntry* entry = step->find("INTEHEAD", group.grid);
+          require(entry != nullptr, "the size of the grid {} is not indexed", group.grid);
+          moveTo(*entry);
+          grid = known.emplace(group.grid, gridCells(headWords(*cursor_))).first;
+        }
+        group.cells = grid->second;
+      }
+    }
+  }
+
+  RestartIndex& index_;
+  std::size_t file_;
+  std::unique_ptr<RecordCursor> cursor_;
+  std::vector<IndexStep*> steps_;
+};
+
+/// Gives each step its file: in a multiple set the one with its number in the name.
+void matchFiles(RestartIndex& index) {
+  require(!index.steps.empty(), "the index has no steps");
+  if (index.init || index.unified) return;
+  require(index.steps.size() == index.files.size(), "the index has {} steps, the set {} files",
+          index.steps.size(), index.files.size());
+  for (std::size_t i = 0; i < index.files.size(); ++i) {
+    const std::int32_t number = GetNumericPartOfFileName(index.files[i]);
+    require(index.steps[i].number == number, "the index has step {} where the set has {}",
+            index.steps[i].number, number);
+    index.steps[i].file = i;
+  }
+}
+
+bool isSet(std::span<const std::string> files) {
+  return files.size() > 1 || (!files.empty() && GetNumericPartOfFileName(files[0]) >= 0);
+}
+
+/// The words behind the year are the time of day: hour, minute, microseconds of the minute.
+std::optional<Moment> dateOf(const qvEclipseRSSPECSequence& step) {
+  constexpr std::size_t wordsWithTime = 7;
+  if (step.iTime.size() >= wordsWithTime) {
+    const auto date =
+        makeMoment(step.iYear, step.iMonth, step.iDay, step.iTime[4], step.iTime[5], step.iTime[6]);
+    if (date) return date;
+  }
+  return makeMoment(step.iYear, step.iMonth, step.iDay);
+}
+
+}  // namespace
+
+std::string disagreement(RestartIndex& index) {
+  try {
+    matchFiles(index);
+    for (std::size_t file = 0; file < index.files.size(); ++file) FileAgreement(index, file).check();
+  } catch (const Disagreement& found) {
+    return found.what();
+  } catch (const BadRecord& damage) {
+    return damage.diagnosis().text();
+  }
+  return {};
+}
+
+bool addGroups(const std::vector<IndexFileGrid>& grids, int lowBits, IndexStep& step, std::string& problem) {
+  for (const IndexFileGrid& grid : grids) {
+    if (grid.zNames.empty()) continue;
+    if (!toGroup(grid, lowBits, step.groups.emplace_back(), problem)) return false;
+  }
+  return true;
+}
+
+RestartIndex agreeingIndex(Session& session, const std::string& indexFile, bool qRead,
+                           const IndexConversion& convert, const std::function<RestartIndex()>& walk) {
+  std::string problem = "it cannot be read";
+  std::string secondProblem;
+  for (const int lowBits : {32, 31}) {
+    if (!qRead) break;
+    RestartIndex index;
+    std::string& why = lowBits == 32 ? problem : secondProblem;
+    why.clear();
+    if (convert(lowBits, index, why)) why = disagreement(index);
+    index.fromFile = why.empty();
+    if (index.fromFile) return index;
+    if (!usesHighWord(index)) break;
+  }
+  if (session.cancelled()) return walk();
+  session.diagnose({.path = indexFile,
+                    .problem = "index does not agree with the files that it indexes",
+                    .found = problem,
+                    .action = "walked the files"});
+  return walk();
+}
+
+RestartIndex indexOfRestart(Session& session, std::span<const std::string> files, const std::string& rsspec) {
+  const auto walk = [&] { return walkRestart(session, files); };
+  if (rsspec.empty()) return walk();
+  qvEclipseRSSPEC reader(session);
+  bool qOK = false;
+  reader.CheckRESTARTFile(rsspec, qOK);
+  if (qOK) reader.getRSSPECData(qOK);
+  const auto convert = [&](int lowBits, RestartIndex& index, std::string& problem) {
+    index.files.assign(files.begin(), files.end());
+    index.unified = !isSet(files);
+    index.header = reader.head.iHeader;
+    for (const auto& step : reader.steps) {
+      IndexStep& made = index.steps.emplace_back();
+      made.number = step.iStep;
+      made.days = step.dTime;
+      made.date = dateOf(step);
+      if (!addGroups(step.grids, lowBits, made, problem)) return false;
+    }
+    return true;
+  };
+  return agreeingIndex(session, rsspec, qOK, convert, walk);
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "IndexFileGrid.h"
+#include "RestartIndex.h"
+
+namespace lumbarn {
+
+/// Whether an index that was read from a file is one of the files that it names, as far as can be told
+/// without walking them. Empty when it is; otherwise why not. Fills in what the files tell and the index does
+/// not: form, and the cells of each grid.
+///
+/// All positions must rise, leave room for the records between them, and lie inside the file. At the start of
+/// the file, between steps and behind the last of them the headers are read: the records there must be those
+/// that the index tells, with no report step between or behind them that it does not know. The headers of the
+/// first and the last step must tell the step number, date and time that the index has. This takes a few
+/// small reads for each step, however many records it has.
+///
+/// A position in the middle of a step that is wrong by less than a record is found when the record is read.
+std::string disagreement(RestartIndex& index);
+
+/// Adds the groups of an index file's grids to a step; grids without arrays are left out.
+bool addGroups(const std::vector<IndexFileGrid>& grids, int lowBits, IndexStep& step, std::string& problem);
+
+/// Makes an index of what an index file holds, for positions whose low part has that many bits. False with
+/// `problem` set when the file's arrays do not fit together.
+using IndexConversion = std::function<bool(int lowBits, RestartIndex& index, std::string& problem)>;
+
+/// The index file's content when it was read (`qRead`) and agrees with its files; otherwise a diagnosis and
+/// what `walk` gives.
+RestartIndex agreeingIndex(Session& session, const std::string& indexFile, bool qRead,
+                           const IndexConversion& convert, const std::function<RestartIndex()>& walk);
+
+/// What stands where in a restart set: by its index when `rsspec` is not empty and the index agrees with the
+/// files, by walking otherwise. An index that does not agree is told as a diagnosis.
+RestartIndex indexOfRestart(Session& session, std::span<const std::string> files, const std::string& rsspec);
+
+}  // namespace lumbarn

@@ -1,0 +1,62 @@
+#include "RestartIndexHeads.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+#include "../support/Text.h"
+
+namespace lumbarn {
+namespace {
+
+// Words of INTEHEAD, from 0.
+constexpr std::size_t dayWord = 64;
+constexpr std::size_t stepWord = 68;
+constexpr std::size_t hourWord = 206;
+constexpr std::size_t microsecondsWord = 410;
+constexpr std::int64_t knownWords = 411;
+
+}  // namespace
+
+std::vector<std::int32_t> headWords(RecordCursor& cursor) {
+  std::vector<std::int32_t> words(
+      static_cast<std::size_t>(std::min<std::int64_t>(cursor.header().count, knownWords)));
+  cursor.read(std::span(words));
+  return words;
+}
+
+std::int32_t firstInteger(RecordCursor& cursor) {
+  std::int32_t value = 0;
+  cursor.read(std::span(&value, 1));
+  return value;
+}
+
+std::string firstText(RecordCursor& cursor) {
+  std::string text(static_cast<std::size_t>(cursor.header().width), ' ');
+  cursor.readText(text);
+  return std::string(trim(trimRight(text)));
+}
+
+std::int32_t stepOfHead(std::span<const std::int32_t> intehead) {
+  return intehead.size() > stepWord ? intehead[stepWord] : -1;
+}
+
+std::optional<Moment> dateOfHead(std::span<const std::int32_t> intehead, double days) {
+  if (intehead.size() < dayWord + 3) return std::nullopt;
+  const auto* word = intehead.data() + dayWord;
+  if (intehead.size() > hourWord + 1) {
+    const auto microseconds = intehead.size() > microsecondsWord ? intehead[microsecondsWord] : 0;
+    const auto date =
+        makeMoment(word[2], word[1], word[0], intehead[hourWord], intehead[hourWord + 1], microseconds);
+    if (date) return date;
+  }
+  const auto day = makeMoment(word[2], word[1], word[0]);
+  const double fraction = days - std::floor(days);
+  if (!day || !(fraction > 0)) return day;
+  constexpr double minutesPerDay = 24 * 60;
+  constexpr double rounding = 1e-4;  // a time of 6.5 hours may be a little below 390 minutes
+  const auto minute = static_cast<int>(std::min(fraction * minutesPerDay + rounding, minutesPerDay - 1));
+  return *day + std::chrono::minutes(minute);
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../record/cFILETYPE.h"
+#include "../support/Session.h"
+#include "IndexFileGrid.h"
+
+namespace lumbarn {
+
+class RecordCursor;
+
+/// One report step of an index of a restart set.
+class qvEclipseRSSPECSequence {
+ public:
+  double dTime = 0;        ///< days
+  std::int32_t iStep = 0;  ///< report step number
+  std::int32_t iDay = 0;   ///< this and the next two stay 0 when ITIME has three words or fewer
+  std::int32_t iMonth = 0;
+  std::int32_t iYear = 0;
+  std::vector<std::int32_t> iTime;                                   ///< ITIME as it stands
+  std::vector<IndexFileGrid> grids = std::vector<IndexFileGrid>(1);  ///< the global grid first
+
+  /// Reads the step whose TIME record is the next one, up to the next TIME or the end of the file. Throws
+  /// BadRecord. What was read before stays.
+  void getEclipseSEQUENCE(RecordCursor& cursor);
+
+  /// Names of one grid's arrays, in order. qOK False with none when there is no such grid.
+  void GetSolutionNames(std::string_view zGrid, std::vector<std::string>& zNames, bool& qOK) const;
+  /// Byte offsets in the restart file, from 0, of the header records of a grid's arrays of one name; mostly
+  /// one. qOK False with none when there is no such grid or array. The low word of a position (POINTER) is
+  /// taken as unsigned and the high one (POINTERB) as the bits above its 32.
+  void GetPointersToSolutionNames(std::string_view zGrid, std::string_view zName,
+                                  std::vector<std::uint64_t>& positions, bool& qOK) const;
+  /// Number of a grid, from 1; an empty name means the global grid. 0 when there is none of that name.
+  std::int32_t GridIndex(std::string_view zGrid) const { return indexOfGrid(grids, zGrid); }
+};
+
+/// The header words that an index file repeats from the files that it indexes.
+struct IndexFileHead {
+  std::vector<std::int32_t> iHeader;  ///< INTEHEAD as it stands
+  std::int32_t iProgram = 0;          ///< word 95
+  std::int32_t Nx = 0;                ///< words 9, 10, 11
+  std::int32_t Ny = 0;
+  std::int32_t Nz = 0;
+  std::int32_t nActive = 0;  ///< word 12
+  std::int32_t iUnits = 0;   ///< word 3
+  std::int32_t iPhases = 0;  ///< word 15
+  std::int32_t iDay = 0;     ///< words 65, 66, 67
+  std::int32_t iMonth = 0;
+  std::int32_t iYear = 0;
+
+  /// A header with fewer words leaves the rest as it was.
+  void processINTEHEAD(std::vector<std::int32_t> words);
+};
+
+/// The index of a restart set: which arrays each report step has, with type, size, place and range. Only the
+/// index file is read; whether it agrees with the restart files is for `indexOfRestart` to find out.
+///
+/// Steps count from 1. Arrays that stand beside the names are used as far as they go.
+class qvEclipseRSSPEC {
+ public:
+  explicit qvEclipseRSSPEC(Session& session = Session::process()) : session_(&session) {}
+
+  std::string FileName;
+  bool Formatted = false;  ///< form of the file; set by `CheckRESTARTFile`, as the next three
+  bool UNIX = true;
+  bool FORTRAN = true;
+  bool byteSwap = true;
+  IndexFileHead head;
+  std::vector<qvEclipseRSSPECSequence> steps;
+
+  /// Probes for INTEHEAD as the first keyword. Success keeps the name and the form.
+  void CheckRESTARTFile(std::string_view zFile, bool& qOK);
+  /// Reads the whole file, whose name and form `CheckRESTARTFile` found. qOK False when it is damaged, with a
+  /// diagnosis, or the load was cancelled; the steps read until then stay, the last one as far as it came.
+  void getRSSPECData(bool& qOK);
+  void setRSSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const;
+  void addSEQUENCE(qvEclipseRSSPECSequence step) { steps.push_back(std::move(step)); }
+
+  /// Names of all arrays of a step, whatever the grid, each once.
+  void GetVectors(std::int32_t iSequence, std::vector<std::string>& zVectors, bool& qOK) const;
+  /// The same of all steps.
+  void GetListofAllSolutionVectors(std::vector<std::string>& zVectors, bool& qOK) const;
+  /// Date of each step as "15 JUL 2003"; empty for a step without one.
+  void GetDates(std::vector<std::string>& zDates, bool& qOK) const;
+  /// Report step numbers of all steps.
+  void GetSequences(std::vector<std::int32_t>& iSequences, bool& qOK) const;
+  /// Grids of the file: those with different names, the global grid among them. 0 without steps.
+  std::int32_t GetNumberOfGrids() const;
+
+ private:
+  Session* session_;
+};
+
+}  // namespace lumbarn

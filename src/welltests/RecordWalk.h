@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "../record/RecordCursor.h"
+
+namespace lumbarn {
+
+/// The records of one file in order, with one step back: where a test ends is known only from the record that
+/// begins the next.
+class RecordWalk {
+ public:
+  explicit RecordWalk(RecordCursor cursor) : cursor_(std::move(cursor)) {}
+
+  /// Moves to the next record. False at the end of the file. Throws BadRecord.
+  bool next() {
+    const bool there = more();
+    ahead_ = false;
+    return there;
+  }
+  /// The current record becomes the next one again.
+  void stepBack() { ahead_ = true; }
+  /// True when another record follows; it is looked at already, so the current one is to be done with.
+  bool more() { return ahead_ = ahead_ || cursor_.next(); }
+  /// Moves on until the next record is a TIME of singles. False when there is none.
+  bool skipToTest();
+
+  RecordCursor& cursor() { return cursor_; }
+  const RecordHeader& header() const { return cursor_.header(); }
+
+  bool damaged = false;               ///< the file cannot be read on from here
+  std::size_t recordsRead = 0;        ///< whole ones, by the tests
+  std::vector<std::int32_t> scratch;  ///< for integers that become singles
+
+ private:
+  RecordCursor cursor_;
+  bool ahead_ = false;
+};
+
+/// A walk over a file in a known form. Null, with the reason in `why`, when it cannot be opened. The file is
+/// read in order through a buffer of its own, as tests are many and their records small.
+std::unique_ptr<RecordWalk> openWalk(const std::string& path, const Form& form, std::string& why);
+/// The same with the form found by content.
+std::unique_ptr<RecordWalk> openWalk(const std::string& path, std::string& why);
+
+}  // namespace lumbarn

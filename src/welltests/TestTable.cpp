@@ -1,0 +1,47 @@
+#include "TestTable.h"
+
+#include "../support/Fault.h"
+
+namespace lumbarn {
+
+std::span<float> TestTable::add(std::string_view name, std::uint64_t headerAt) {
+  // Tables have about this many columns. Large ones grow as they need, lest a lone array that a damaged file
+  // announces takes many times its size.
+  constexpr std::size_t usualColumns = 12;
+  constexpr std::size_t smallTable = 4096;
+  const auto place = static_cast<std::size_t>(count);
+  if (columns.empty()) {
+    columns.reserve(usualColumns);
+    if (rows <= smallTable) values.reserve(usualColumns * rows);
+  }
+  if (place == columns.size()) {
+    values.resize((place + 1) * rows);
+    columns.emplace_back();
+  }
+  columns[place].name = name;
+  columns[place].headerAt = headerAt;
+  ++count;
+  return std::span(values).subspan(place * rows, rows);
+}
+
+void TestTable::removeLast() {
+  columns.pop_back();
+  values.resize(columns.size() * rows);
+  --count;
+}
+
+std::span<const float> TestTable::column(std::int32_t iColumn, std::size_t n) const {
+  if (iColumn < 1 || static_cast<std::size_t>(iColumn) > columns.size() || n > rows) {
+    throw Fault(FaultNumber::Subscript);
+  }
+  return std::span(values).subspan((static_cast<std::size_t>(iColumn) - 1) * rows, n);
+}
+
+std::int32_t TestTable::find(std::string_view name) const {
+  for (std::int32_t i = 0; i < count; ++i) {
+    if (columns[static_cast<std::size_t>(i)].name == name) return i + 1;
+  }
+  return -1;
+}
+
+}  // namespace lumbarn

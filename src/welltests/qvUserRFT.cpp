@@ -1,0 +1,170 @@
+#include "qvUserRFT.h"
+
+#include <cmath>
+#include <unordered_map>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "../files/Recogniser.h"
+#include "../support/Fault.h"
+#include "../support/Guarded.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr const char* className = "qvUserRFT";
+
+/// Minutes since midnight at the time of a test. A time below 0 counts back from midnight.
+int minuteOfDay(double dTime) {
+  constexpr int minutesPerDay = 1440;
+  if (!std::isfinite(dTime)) return 0;
+  const auto rounded = static_cast<int>(std::nearbyint((dTime - std::trunc(dTime)) * minutesPerDay));
+  return (rounded + minutesPerDay) % minutesPerDay;
+}
+
+/// The test's date, and its time of day when that is a minute past midnight or later.
+std::string dateAndTime(const qvUserRFTtest& test) {
+  const int minutes = minuteOfDay(test.dTime);
+  if (minutes == 0) return test.zDate;
+  return fmt::format("{} {:02}:{:02}", test.zDate, minutes / 60, minutes % 60);
+}
+
+/// Why a file cannot be a user's file of tests; empty when it can.
+std::string whyNot(UserTestKind kind, const std::string& path) {
+  std::string problem;
+  const auto source = FileSource::open(path, problem);
+  if (!source) return problem;
+  if (source->size() == 0) return "file is empty";
+  const auto recognised = recogniseFile(path);
+  if (recognised.form) return "is a record file, no text of tests";
+  if (!looksLikeText(*source)) return "is no text";
+  const auto other = kind == UserTestKind::Rft ? FileKind::UserPlt : FileKind::UserRft;
+  if (recognised.kind == other) return fmt::format("is a {} file", nameOf(other));
+  return "";
+}
+
+}  // namespace
+
+bool qvUserRFT::checkFile(UserTestKind kind, const std::string& zFile) {
+  std::string why = whyNot(kind, zFile);
+  if (why.empty()) {
+    FileName = zFile;
+    return true;
+  }
+  session_->diagnose({.path = zFile, .problem = std::move(why)});
+  return false;
+}
+
+void qvUserRFT::getData(UserTestKind kind, bool& qOK) {
+  const char* routine = kind == UserTestKind::Rft ? "getRFTData" : "getPLTData";
+  guarded(*session_, qOK, className, routine, [&] {
+    qDamaged = false;
+    Diagnosis diagnosis{.path = FileName};
+    std::shared_ptr<const ByteSource> source = FileSource::open(FileName, diagnosis.problem);
+    if (!source) {
+      session_->diagnose(std::move(diagnosis));
+      return false;
+    }
+    LineReader reader(std::move(source), FileName);
+    if (!readTests(kind, reader)) return false;
+    bool qNumbered = false;
+    setRFTtestNumbers(qNumbered);
+    return qNumbered;
+  });
+}
+
+/// The first test is there whatever the file holds; its end asks for a next one unless the file ends.
+bool qvUserRFT::readTests(UserTestKind kind, LineReader& reader) {
+  bool qTest = false;
+  do {
+    auto test = std::make_shared<qvUserRFTtest>(*session_);
+    kind == UserTestKind::Rft ? test->getUserRFTtest(reader, qTest) : test->getUserPLTtest(reader, qTest);
+    qDamaged = test->qDamaged;
+    bool qAdded = false;
+    addRFTtest(std::move(test), qAdded);
+    if (!qAdded || session_->cancelled() || (!qTest && !qDamaged)) return false;
+    if (session_->Container) {
+      session_->Container->fraction(static_cast<double>(reader.position()) /
+                                    static_cast<double>(reader.size()));
+    }
+  } while (qTest && !reader.atEnd());
+  return true;
+}
+
+void qvUserRFT::addRFTtest(std::shared_ptr<qvUserRFTtest> xRFTtest, bool& qOK) {
+  guarded(*session_, qOK, className, "addRFTtest", [&] { tests_.push_back(std::move(xRFTtest)); });
+}
+
+void qvUserRFT::setRFTtestNumbers(bool& qOK) {
+  guarded(*session_, qOK, className, "setRFTtestNumbers", [&] {
+    std::unordered_map<std::string_view, std::int32_t> testsOfWell;
+    for (const auto& test : tests_) test->iTest = ++testsOfWell[test->zWell];
+    return !tests_.empty();
+  });
+}
+
+const qvUserRFTtest& qvUserRFT::test(std::int32_t iTest) const {
+  if (iTest < 1 || iTest > NumTests()) throw Fault(FaultNumber::Subscript);
+  return *tests_[static_cast<std::size_t>(iTest - 1)];
+}
+
+std::vector<UserTest> qvUserRFT::tests(UserTestKind kind) const {
+  std::vector<UserTest> all;
+  for (const auto& test : tests_) {
+    UserTest& one = all.emplace_back(UserTest{.number = static_cast<std::int32_t>(all.size()) + 1,
+                                              .numberInWell = test->iTest,
+                                              .well = test->zWell,
+                                              .origin = test->zOrigin,
+                                              .grid = test->zGrid,
+                                              .wellType = test->zWellType,
+                                              .time = test->dTime});
+    const auto day = makeMoment(test->iYear, test->iMonth, test->iDay);
+    if (day) one.date = *day + std::chrono::minutes(minuteOfDay(test->dTime));
+    const UserTestTable& table = test->table(kind);
+    for (std::size_t i = 0; i < table.columns(); ++i) {
+      UserTestColumn& column = one.columns.emplace_back(
+          UserTestColumn{table.name(i), std::string(table.units(i)), std::vector<float>(table.rows())});
+      table.copyColumn(i, column.values);
+    }
+  }
+  return all;
+}
+
+void qvUserRFT::getTest(UserTestKind kind, std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,
+                        std::int32_t& iNumber, std::string& zDate, std::string& zWell, std::string& zGrid,
+                        std::string& zOrigin, bool& qOK) {
+  const bool rft = kind == UserTestKind::Rft;
+  guarded(*session_, qOK, className, rft ? "GetRFTtest" : "GetPLTtest", [&] {
+    const qvUserRFTtest& asked = test(iTest);
+    XYData data;
+    ByteTable headers;
+    bool qDone = false;
+    rft ? asked.getRFTtestData(data, qDone) : asked.getPLTtestData(data, qDone);
+    if (qDone) rft ? asked.getRFTtestHeaders(headers, qDone) : asked.getPLTtestHeaders(headers, qDone);
+    if (!qDone) return false;
+    xyData = std::move(data);
+    bHeaders = std::move(headers);
+    iNumber = asked.iTest;
+    zDate = dateAndTime(asked);
+    zWell = asked.zWell;
+    zGrid = asked.zGrid;
+    zOrigin = asked.zOrigin;
+    return true;
+  });
+}
+
+void qvUserRFT::GetRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
+                           std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zOrigin,
+                           bool& qOK) {
+  getTest(UserTestKind::Rft, iTest, xyData, bHeaders, iRFTtest, zDate, zWell, zGrid, zOrigin, qOK);
+}
+
+void qvUserRFT::GetPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
+                           std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK) {
+  std::string zOrigin;
+  getTest(UserTestKind::Plt, iTest, xyData, bHeaders, iPLTtest, zDate, zWell, zGrid, zOrigin, qOK);
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,171 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "record/cFILETYPE.h"
+#include "restart/ArrayReader.h"
+#include "support/IndexedRun.h"
+
+namespace lumbarn {
+namespace {
+
+using namespace test;
+using ::testing::ElementsAre;
+
+class ArrayReading : public OfForm {
+ protected:
+  ArrayReading()
+      : files_(run_.writeRestart(folder_, "R", form_, true)),
+        reader_(walkRestart(session_, files_), session_) {
+    session_.faultReporter = [this](std::string_view) { ++faults_; };
+    writeFile(folder_.file("R.INIT"), run_.init(form_));
+    cells_ = reader_.index().steps[0].cellsOf("");
+  }
+  void tellActiveCells() {
+    const auto active = findActiveCells(session_, folder_.file("R.INIT"), "", "", cells_);
+    ASSERT_TRUE(active);
+    reader_.setActiveCells("", *active);
+  }
+
+  TemporaryFolder folder_;
+  IndexedRun run_;
+  Session session_;
+  std::vector<std::string> files_;
+  ArrayReader reader_;
+  GridCells cells_;
+  int faults_ = 0;
+  bool qOK_ = false;
+};
+INSTANTIATE_TEST_SUITE_P(Forms, ArrayReading, ::testing::ValuesIn(everyForm), formName);
+
+TEST_P(ArrayReading, ByNameAsItStands) {
+  std::vector<double> values(3);
+  const struct {
+    std::int32_t step;
+    const char *name, *grid;
+    std::int64_t first;
+    std::vector<double> expected;
+  } rows[] = {{2, "PRESSURE", "", 6, {206, 207, 208}},
+              {5, "pressure", "near well", 1, {2501, 2502, 2503}},
+              {1, "REGION", "ROOT", 6, {7, 8, 16777217}},
+              {1, "PRESSURE", "LGR1", 0, {1100, 1101, 1102}}};
+  for (const auto& row : rows) {
+    reader_.read(row.step, row.name, row.grid, row.first, std::span(values), qOK_);
+    EXPECT_TRUE(qOK_) << row.name;
+    EXPECT_EQ(values, row.expected) << row.name;
+  }
+  const struct {
+    std::int32_t step;
+    const char *name, *grid;
+    std::int64_t first;
+    std::size_t told;
+  } failures[] = {{3, "PRESSURE", "", 0, 1},  {1, "FOO", "", 0, 1},  {1, "PRESSURE", "LGR9", 0, 1},
+                  {1, "PRESSURE", "", 7, 0},  {1, "ZWEL", "", 0, 0}, {1, "PRESSURE", "", -1, 0},
+                  {1, "PRESSUREXX", "", 0, 1}};
+  for (const auto& row : failures) {
+    session_.clearDiagnoses();
+    faults_ = 0;
+    reader_.read(row.step, row.name, row.grid, row.first, std::span(values), qOK_);
+    EXPECT_FALSE(qOK_) << row.name;
+    EXPECT_EQ(session_.diagnoses().size(), row.told) << row.name;
+    EXPECT_EQ(faults_, row.told == 0 ? 1 : 0) << row.name;
+  }
+}
+
+TEST_P(ArrayReading, ByCellWithInactiveOnes) {
+  std::vector<double> values(12);
+  reader_.readCells(2, "PRESSURE", "", 0, values, qOK_);
+  EXPECT_FALSE(qOK_) << "it is not known yet which cells are active";
+  EXPECT_EQ(session_.diagnoses().size(), 1U);
+  tellActiveCells();
+  reader_.readCells(2, "PRESSURE", "", 0, values, qOK_);
+  ASSERT_TRUE(qOK_);
+  EXPECT_THAT(values, ElementsAre(200, 201, -999, 202, 203, 204, -999, 205, 206, 207, 208, -999));
+  session_.NullValue = 0;
+  values.resize(4);
+  reader_.readCells(2, "REGION", "ROOT", 5, values, qOK_);
+  EXPECT_THAT(values, ElementsAre(5, 0, 6, 7));
+  reader_.readCells(2, "FULL", "", 8, values, qOK_);
+  EXPECT_THAT(values, ElementsAre(208, 209, 210, 211));
+  reader_.readCells(2, "PRESSURE", "LGR1", 0, values, qOK_);
+  EXPECT_TRUE(qOK_) << "all of its cells are active";
+  double value = 1;
+  reader_.readCell(5, "PRESSURE", "", 2, 2, 2, value, qOK_);
+  EXPECT_EQ(value, 508);
+  reader_.readCell(5, "PRESSURE", "", 3, 1, 1, value, qOK_);
+  EXPECT_EQ(value, 0);
+  EXPECT_EQ(faults_, 0);
+  reader_.readCell(5, "PRESSURE", "", 4, 1, 1, value, qOK_);
+  EXPECT_FALSE(qOK_);
+  reader_.readCells(2, "PRESSURE", "", 9, values, qOK_);
+  EXPECT_FALSE(qOK_);
+  reader_.readCells(2, "ICON", "", 0, values, qOK_);
+  EXPECT_FALSE(qOK_) << "no array of cells";
+}
+
+TEST_P(ArrayReading, ByFetchColumn) {
+  RecordCursor cursor = cursorOver(run_.step(2, form_, true), form_);
+  while (cursor.next() && cursor.header().keyword != "REGION") {
+  }
+  // Step 2 stands behind step 1, and positions count from 1.
+  const auto at = toWords(run_.step(1, form_, true).size() + cursor.header().dataAt + 1);
+  cFILETYPE xFile(session_);
+  xFile.setForm(form_);
+  const std::array settings{true, xFile.Formatted, xFile.UNIX, xFile.byteSwap, false};
+  const auto fetch = [&](std::array<std::int32_t, 5> column, std::int64_t first) {
+    std::vector<float> values(2);
+    reader_.readFetched(files_[0], settings, column, first, values, qOK_);
+    return values;
+  };
+  EXPECT_THAT(fetch({9, 2, at.low, at.high, 1}, 7), ElementsAre(8, 16777216)) << "as singles hold it";
+  EXPECT_TRUE(qOK_);
+  for (const std::array<std::int32_t, 5> wrong : {std::array{9, 19, 9, 9, 1},
+                                                  {1, 2, at.low, at.high, 1},
+                                                  {9, 2, at.low + 1, at.high, 1},
+                                                  {9, 2, at.low, 7, 1},
+                                                  {-1, 2, at.low, at.high, 1},
+                                                  {2147483647, 3, at.low, at.high, 1}}) {
+    // A formatted file has no marks: a count that is too small reads, and a place in the blanks of a field
+    // too.
+    if (form_.formatted() && (wrong[2] == at.low + 1)) continue;
+    fetch(wrong, 0);
+    EXPECT_FALSE(qOK_) << wrong[0] << " " << wrong[1] << " " << wrong[2];
+  }
+}
+
+TEST_P(ArrayReading, ActiveCellsFromPoreVolumesOrActnum) {
+  std::vector<std::byte> bytes;
+  RecordWriter out(memorySink(bytes), form_);
+  out.integers("FILEHEAD", std::array{0});
+  out.integers("ACTNUM", std::array{1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 3, 0});
+  out.message("ENDGRID");
+  out.texts("LGR", std::array<std::string, 1>{"LGR1"});
+  out.integers("ACTNUM", std::array{1, 0, 1, 1});
+  writeFile(folder_.file("R.EGRID"), bytes);
+  const auto find = [&](const char* init, const char* egrid, const char* grid, GridCells cells) {
+    const auto path = [&](const char* name) { return *name ? folder_.file(name) : std::string(); };
+    const auto found = findActiveCells(session_, path(init), path(egrid), grid, cells);
+    return found ? found->iA2N() : std::vector<std::int32_t>();
+  };
+  const std::vector<std::int32_t> expected{1, 2, 4, 5, 6, 8, 9, 10, 11};
+  EXPECT_EQ(find("R.INIT", "", "", cells_), expected);
+  EXPECT_EQ(find("", "R.EGRID", "ROOT", cells_), expected);
+  const GridCells local{{2, 2, 1}, 4, 3, 1};
+  EXPECT_THAT(find("R.INIT", "R.EGRID", "LGR1", local), ElementsAre(1, 3, 4)) << "PORV has a fourth cell";
+  EXPECT_TRUE(session_.diagnoses().empty());
+  GridCells other = cells_;
+  other.active = 7;
+  EXPECT_TRUE(find("", "R.EGRID", "", other).empty());
+  EXPECT_TRUE(find("absent", "", "", cells_).empty());
+  EXPECT_EQ(session_.diagnoses().size(), 1U);
+
+  const ActiveCells cells = ActiveCells::fromPoreVolumes(std::array{0.0F, 2.0F, -1.0F, 1.0F, 1.0F}, 2);
+  EXPECT_THAT(cells.iA2N(), ElementsAre(2, 4)) << "no more than there are";
+  EXPECT_EQ(cells.activeOf(4), 2);
+  EXPECT_EQ(cells.activeOf(5), 0);
+  EXPECT_EQ(cells.cellOf(1), 2);
+  EXPECT_THROW(cells.cellOf(3), std::exception);
+  EXPECT_THROW(cells.activeOf(6), std::exception);
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,339 @@
+#include <filesystem>
+#include <functional>
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "init/qvEclipseINSPEC.h"
+#include "restart/IndexFile.h"
+#include "restart/RestartIndexAgreement.h"
+#include "support/IndexedRun.h"
+
+namespace lumbarn {
+namespace {
+
+using namespace test;
+using ::testing::HasSubstr;
+
+/// All that an index tells but for the ranges, in words, so that two can be compared and the difference read.
+std::string textOf(const RestartIndex& index) {
+  std::string text = index.form.description();
+  for (const IndexStep& step : index.steps) {
+    text += fmt::format("\nstep {} file {} at {} days {} {}", step.number, step.file, step.position,
+                        step.days, step.date ? isoText(*step.date) : "-");
+    for (const IndexGroup& group : step.groups) {
+      text += fmt::format("\n  grid \"{}\" {}x{}x{} {}", group.grid, group.cells.size[0], group.cells.size[1],
+                          group.cells.size[2], group.cells.active);
+      for (const IndexEntry& entry : group.entries)
+        text += fmt::format("\n    {} {} {} {}", entry.keyword.view(), entry.typeWord.view(), entry.count,
+                            entry.position);
+    }
+  }
+  return text;
+}
+
+/// Writes the index of what was walked, and reads it back through the check of agreement.
+struct RoundTrip {
+  Session session;
+  RestartIndex walked;
+  RestartIndex read;
+
+  void run(const std::vector<std::string>& files, const std::string& target, bool init) {
+    session.faultReporter = [](std::string_view text) { FAIL() << text; };
+    walked = init ? walkInit(session, files[0]) : walkRestart(session, files);
+    ASSERT_TRUE(walked.whole && !walked.steps.empty());
+    bool qOK = false;
+    (init ? WriteEclipseInspecFile : WriteEclipseRsspecFile)(walked, target, qOK, session);
+    ASSERT_TRUE(qOK);
+    read = init ? indexOfInit(session, files[0], target) : indexOfRestart(session, files, target);
+    EXPECT_TRUE(read.fromFile);
+    for (const auto& diagnosis : session.diagnoses()) ADD_FAILURE() << diagnosis.text();
+    EXPECT_EQ(textOf(read), textOf(walked));
+    EXPECT_EQ(read.header, walked.header);
+  }
+};
+
+class IndexOfForm : public OfForm {
+ protected:
+  TemporaryFolder folder_;
+  IndexedRun run_;
+};
+INSTANTIATE_TEST_SUITE_P(Forms, IndexOfForm, ::testing::ValuesIn(everyForm), formName);
+
+TEST_P(IndexOfForm, OfARestartSaysWhatAWalkSays) {
+  for (const bool unified : {true, false}) {
+    SCOPED_TRACE(unified);
+    RoundTrip trip;
+    trip.run(run_.writeRestart(folder_, unified ? "U" : "M", form_, unified), folder_.file("R.RSSPEC"),
+             false);
+    if (HasFatalFailure()) return;
+    ASSERT_EQ(trip.read.steps.size(), 3U);
+    const IndexStep& step = trip.read.steps[2];
+    EXPECT_EQ(step.number, 5);
+    EXPECT_EQ(step.days, 5.25);
+    EXPECT_EQ(isoText(*step.date), "2003-07-06T06:30:01.5");
+    ASSERT_EQ(step.groups.size(), 3U);
+    EXPECT_EQ(cellArrays(step.groups[0]).size(), 3U) << "the length of ICON is that of the grid by chance";
+    EXPECT_EQ(step.groups[2].grid, "NEAR WELL");
+    const struct {
+      const char *name, *grid;
+      float minimum, maximum;
+    } ranges[] = {{"PRESSURE", "", 500, 508},
+                  {"pressure", "near well", 2500, 2503},
+                  {"REGION", "ROOT", 1, 16777216},
+                  {"DOUBHEAD", "", -std::numeric_limits<float>::max(), 5.25},
+                  {"ZWEL", "", 0, 0}};
+    for (const auto& [name, grid, minimum, maximum] : ranges) {
+      const IndexEntry* entry = step.find(name, grid);
+      ASSERT_TRUE(entry) << name;
+      EXPECT_EQ(entry->minimum, minimum) << name;
+      EXPECT_EQ(entry->maximum, maximum) << name;
+    }
+  }
+}
+
+TEST_P(IndexOfForm, OfAnInitFileKeepsThePasses) {
+  writeFile(folder_.file("R.INIT"), run_.init(form_));
+  RoundTrip trip;
+  trip.run({folder_.file("R.INIT")}, folder_.file("R.INSPEC"), true);
+  if (HasFatalFailure()) return;
+  std::vector<std::string> grids;
+  for (const auto& group : trip.read.steps[0].groups) grids.push_back(group.grid);
+  EXPECT_THAT(grids, ::testing::ElementsAre("", "LGR1", "NEAR WELL", "", "LGR1", "NEAR WELL", ""));
+  EXPECT_EQ(trip.read.steps[0].groups[4].cells.active, 4) << "from the header of the first pass";
+}
+
+TEST(IndexOfSamples, SaysWhatAWalkSays) {
+  const TemporaryFolder folder;
+  const std::string data = LUMBARN_EXAMPLES "/data/";
+  const auto steps = [&](const std::string& stem) {
+    std::vector<std::string> files;
+    for (int i = 0; i <= 5; ++i) files.push_back(data + stem + std::to_string(i));
+    return files;
+  };
+  const std::vector<std::string> sets[] = {{data + "ARBOR/ARBOR.UNRST"},    {data + "ARBORF/ARBORF.FUNRST"},
+                                           {data + "CEDAR/CEDAR_R2.UNRST"}, {data + "HOLLIN/HOLLIN.UNRST"},
+                                           steps("ARBORM/ARBORM.X000"),     steps("ARBORFM/ARBORFM.F000")};
+  for (const auto& files : sets) RoundTrip().run(files, folder.file("R.RSSPEC"), false);
+  for (const char* name : {"ARBOR/ARBOR.INIT", "ARBORF/ARBORF.FINIT", "HOLLIN/HOLLIN.INIT"})
+    RoundTrip().run({data + name}, folder.file("R.INSPEC"), true);
+}
+
+/// One fault that makes an index another one than that of its files.
+struct Fault1 {
+  const char* name;
+  std::function<void(RestartIndex&)> change;
+  const char* told;
+};
+void PrintTo(const Fault1& fault, std::ostream* out) { *out << fault.name; }
+
+IndexEntry& entryOf(RestartIndex& index, std::size_t step, std::size_t group, std::size_t entry) {
+  return index.steps[step].groups[group].entries[entry];
+}
+
+const Fault1 faults[] = {
+    {"LastStepMissing", [](auto& index) { index.steps.pop_back(); }, "is not indexed"},
+    {"MiddleStepMissing", [](auto& index) { index.steps.erase(index.steps.begin() + 1); }, "step"},
+    {"FirstStepMissing", [](auto& index) { index.steps.erase(index.steps.begin()); }, "step"},
+    {"NoSteps", [](auto& index) { index.steps.clear(); }, "no steps"},
+    {"StepTwice", [](auto& index) { index.steps.push_back(index.steps.back()); }, "inside of the record"},
+    {"StepsSwapped", [](auto& index) { std::swap(index.steps[0], index.steps[1]); }, ""},
+    {"BehindTheEnd", [](auto& index) { entryOf(index, 2, 2, 3).position += 1U << 20; }, "behind the file"},
+    {"FarBehindTheEnd", [](auto& index) { entryOf(index, 2, 2, 3).position = ~std::uint64_t{8}; }, "behind"},
+    {"InTheMiddleOfARecord", [](auto& index) { entryOf(index, 1, 0, 1).position += 8; }, "inside of"},
+    {"LastInTheMiddle", [](auto& index) { entryOf(index, 1, 2, 3).position -= 4; }, ""},
+    {"FirstInTheMiddle", [](auto& index) { entryOf(index, 1, 0, 0).position += 4; }, ""},
+    {"NotRising",
+     [](auto& index) { std::swap(entryOf(index, 0, 0, 3).position, entryOf(index, 0, 0, 4).position); },
+     "inside of"},
+    {"OtherCount", [](auto& index) { entryOf(index, 2, 2, 3).count = 3; }, "PRESSURE of 4 REAL where"},
+    {"HugeCount", [](auto& index) { entryOf(index, 1, 1, 1).count = 2147483647; }, ""},
+    {"OtherName", [](auto& index) { entryOf(index, 0, 0, 0).keyword = FixedText<8>("OTHER"); }, "OTHER"},
+    {"OtherNumber", [](auto& index) { index.steps[2].number = 6; }, "6"},
+    {"OtherDate", [](auto& index) { *index.steps[0].date += std::chrono::days(1); }, "2003-07-03"},
+    {"OtherTime", [](auto& index) { index.steps[2].days += 1; }, "6.25"},
+    {"OtherGrid", [](auto& index) { index.header[11] = 8; }, "other cells"},
+    {"LocalGridWithoutHeader",
+     [](auto& index) {
+       for (auto& step : index.steps) step.groups[1].entries.erase(step.groups[1].entries.begin() + 1);
+     },
+     "size of the grid LGR1"},
+};
+
+class IndexDisagreement : public ::testing::TestWithParam<Fault1> {};
+INSTANTIATE_TEST_SUITE_P(Faults, IndexDisagreement, ::testing::ValuesIn(faults),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_P(IndexDisagreement, IsToldAndTheFilesAreWalked) {
+  const TemporaryFolder folder;
+  for (const bool unified : {true, false}) {
+    Session session;
+    const auto files = IndexedRun().writeRestart(folder, "R", bigEndian, unified);
+    const RestartIndex walked = walkRestart(session, files);
+    RestartIndex wrong = walked;
+    for (auto& step : wrong.steps) {
+      for (auto& group : step.groups) {
+        for (auto& entry : group.entries) entry.minimum = entry.maximum = 0;
+      }
+    }
+    GetParam().change(wrong);
+    bool qOK = false;
+    WriteEclipseRsspecFile(wrong, folder.file("R.RSSPEC"), qOK, session);
+    ASSERT_TRUE(qOK);
+    const RestartIndex read = indexOfRestart(session, files, folder.file("R.RSSPEC"));
+    EXPECT_FALSE(read.fromFile) << unified;
+    EXPECT_EQ(textOf(read), textOf(walked));
+    ASSERT_EQ(session.diagnoses().size(), 1U);
+    EXPECT_EQ(session.diagnoses()[0].path, folder.file("R.RSSPEC"));
+    EXPECT_THAT(session.diagnoses()[0].found, HasSubstr(unified ? GetParam().told : ""));
+  }
+}
+
+TEST(IndexAgreement, EndsWhereTheDataChange) {
+  const TemporaryFolder folder;
+  const auto files = IndexedRun().writeRestart(folder, "R", bigEndian, true);
+  const std::string target = folder.file("R.RSSPEC");
+  RoundTrip().run(files, target, false);
+  const auto agrees = [&] {
+    Session session;
+    return indexOfRestart(session, files, target).fromFile;
+  };
+  EXPECT_TRUE(agrees());
+  const auto size = std::filesystem::file_size(files[0]);
+  std::filesystem::resize_file(files[0], size - 30);
+  EXPECT_FALSE(agrees());
+  IndexedRun longer;
+  longer.steps = {1, 2, 5, 6};
+  longer.writeRestart(folder, "R", bigEndian, true);
+  EXPECT_FALSE(agrees());
+  longer.localGrids = {"LGR1"};
+  longer.steps = {1, 2, 5};
+  longer.writeRestart(folder, "R", bigEndian, true);
+  EXPECT_FALSE(agrees());
+}
+
+/// A file whose second array ends behind 4 GB; all of its data is a hole.
+std::string writeLargeRestart(const TemporaryFolder& folder) {
+  constexpr std::uint32_t count = 1200000000;
+  const std::string path = folder.file("LARGE.UNRST");
+  const auto end = [] {
+    std::vector<std::byte> bytes;
+    RecordWriter(memorySink(bytes), bigEndian).singles("SWAT", std::array{0.5F, 0.25F});
+    return bytes;
+  }();
+  std::vector<std::byte> start;
+  RecordWriter out(memorySink(start), bigEndian);
+  out.integers("SEQNUM", std::array{3});
+  out.integers("INTEHEAD", IndexedRun::head({1, 1, 1}, 1, 3));
+  out.header("PRESSURE", count, "REAL");
+  const char mark[] = {0, 0, 0x0F,
+                       static_cast<char>(0xA0)};  // 4000, before the first block and behind the last
+  std::ofstream file(path, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(start.data()), static_cast<std::streamsize>(start.size()));
+  file.write(mark, 4);
+  file.seekp(static_cast<std::streamoff>(start.size() + 4ULL * count + 8ULL * (count / 1000) - 4));
+  file.write(mark, 4);
+  file.write(reinterpret_cast<const char*>(end.data()), static_cast<std::streamsize>(end.size()));
+  return path;
+}
+
+TEST(IndexPositions, BeyondFourGigabytesWithWordsOf32Or31Bits) {
+  const TemporaryFolder folder;
+  const std::vector<std::string> files{writeLargeRestart(folder)};
+  Session session;
+  RestartIndex walked = walkRestart(session, files);
+  ASSERT_TRUE(walked.whole);
+  const auto& entries = walked.steps[0].groups[0].entries;
+  ASSERT_EQ(entries.size(), 4U);
+  ASSERT_GT(entries[3].position, std::uint64_t{1} << 32);
+  for (auto& entry : walked.steps[0].groups[0].entries) entry.minimum = entry.maximum = 0;
+  for (const int lowBits : {32, 31}) {
+    RestartIndex written = walked;
+    for (auto& entry : written.steps[0].groups[0].entries) {
+      const auto low = entry.position & ((std::uint64_t{1} << lowBits) - 1);
+      entry.position = (entry.position >> lowBits << 32) | low;
+    }
+    bool qOK = false;
+    WriteEclipseRsspecFile(written, folder.file("R.RSSPEC"), qOK, session);
+    ASSERT_TRUE(qOK);
+    const RestartIndex read = indexOfRestart(session, files, folder.file("R.RSSPEC"));
+    EXPECT_TRUE(read.fromFile) << lowBits;
+    EXPECT_EQ(textOf(read), textOf(walked)) << lowBits;
+  }
+}
+
+/// Truncations and flips in bytes of every place in a word: the steps are those of the files, by the index or
+/// by a walk.
+TEST(IndexDamage, NeverLeadsToOtherSteps) {
+  const TemporaryFolder folder;
+  IndexedRun run;
+  run.steps = {1, 2};
+  const auto files = run.writeRestart(folder, "R", bigEndian, true);
+  writeFile(folder.file("R.INIT"), run.init(bigEndian));
+  const std::string rsspec = folder.file("R.RSSPEC");
+  const std::string inspec = folder.file("R.INSPEC");
+  RoundTrip restart;
+  RoundTrip init;
+  restart.run(files, rsspec, false);
+  init.run({folder.file("R.INIT")}, inspec, true);
+  if (HasFatalFailure()) return;
+  for (const bool isInit : {false, true}) {
+    const std::string& path = isInit ? inspec : rsspec;
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    const auto check = [&](const std::string& damaged) {
+      writeFile(path, bytesOf(damaged));
+      Session session;
+      const RestartIndex read =
+          isInit ? indexOfInit(session, folder.file("R.INIT"), path) : indexOfRestart(session, files, path);
+      const RestartIndex& whole = isInit ? init.walked : restart.walked;
+      EXPECT_TRUE(read.whole);
+      EXPECT_EQ(read.fromFile, session.diagnoses().empty());
+      ASSERT_EQ(read.steps.size(), whole.steps.size());
+      for (std::size_t i = 0; i < whole.steps.size(); ++i) {
+        EXPECT_EQ(read.steps[i].number, whole.steps[i].number);
+        EXPECT_EQ(read.steps[i].position, whole.steps[i].position);
+      }
+    };
+    for (std::size_t size = 0; size < bytes.size(); size += 7) check(bytes.substr(0, size));
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+      std::string flipped = bytes;
+      flipped[at] = static_cast<char>(flipped[at] ^ (1 << at % 8));
+      check(flipped);
+      if (HasFatalFailure()) FAIL() << path << " byte " << at;
+    }
+  }
+}
+
+TEST(IndexWriter, LeavesNothingBehindWhenItCannotFinish) {
+  const TemporaryFolder folder;
+  const auto files = IndexedRun().writeRestart(folder, "R", bigEndian, true);
+  const std::string target = folder.file("R.RSSPEC");
+  writeFile(target, bytesOf("as before"));
+  const auto entries = [&] {
+    return std::distance(std::filesystem::directory_iterator(folder.file("")),
+                         std::filesystem::directory_iterator());
+  };
+  const auto before = entries();
+  const auto write = [&](const std::string& path, const std::function<void(RestartIndex&, Session&)>& spoil) {
+    Session session;
+    RestartIndex index = walkRestart(session, files);
+    spoil(index, session);
+    bool qOK = true;
+    WriteEclipseRsspecFile(index, path, qOK, session);
+    EXPECT_FALSE(qOK);
+    EXPECT_EQ(entries(), before);
+    EXPECT_EQ(std::filesystem::file_size(target), 9U);
+    return session.diagnoses().size();
+  };
+  EXPECT_EQ(write(target, [](auto&, auto& session) { session.CancelLoad = true; }), 0U);
+  EXPECT_EQ(write(target, [](auto& index, auto&) { index.whole = false; }), 1U);
+  EXPECT_EQ(write(target, [](auto& index, auto&) { entryOf(index, 2, 1, 3).position += 4; }), 1U);
+  EXPECT_EQ(write(target, [](auto& index, auto&) { entryOf(index, 2, 1, 3).count = std::int64_t{1} << 31; }),
+            1U);
+  EXPECT_EQ(write(folder.file("nowhere/R.RSSPEC"), [](auto&, auto&) {}), 1U);
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,183 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "restart/StepWells.h"
+#include "support/RestartBuilder.h"
+#include "support/RestartLoad.h"
+
+namespace lumbarn {
+namespace {
+
+using test::RestartBuilder;
+using test::RestartLoad;
+using ::testing::Each;
+using ::testing::ElementsAre;
+
+/// P1 with two connections, OBS with none, I1 with one.
+RestartBuilder threeWells() {
+  RestartBuilder run;
+  run.steps = {{1, 1.0, {1, 1, 2020}}};
+  auto& grid = run.steps[0].grids[0];
+  grid.arrays = {{"PRESSURE", {1, 2, 3, 4}}};
+  grid.wells = {{"P1", {{1, 1, 1}, {1, 2, 1}}, {{7, 1}, {9, 3}, {13, 5}, {11, 1}}},
+                {"OBS", {}, {{5, -7}, {7, 9}, {13, 6}, {16, 4}}},
+                {" I1", {{2, 2, 1}}, {{7, 4}, {13, 7}}}};
+  return run;
+}
+
+class WellTables : public test::OfForm {
+ protected:
+  test::TemporaryFolder folder_;
+};
+INSTANTIATE_TEST_SUITE_P(Forms, WellTables, ::testing::ValuesIn(test::everyForm), test::formName);
+
+template <class T>
+std::vector<T> row(const ColumnTable<T>& table, std::size_t iRow) {
+  std::vector<T> all;
+  for (std::size_t i = 1; i <= table.columns(); ++i) all.push_back(table(iRow, i));
+  return all;
+}
+
+/// Values of RestartBuilder::blockWord: 1000 times the block and the word.
+TEST_P(WellTables, WordsGoToTheirColumns) {
+  RestartLoad loaded(threeWells().write(folder_, "RUN", form_));
+  loaded.reader.FullWellInfo = true;
+  ASSERT_TRUE(loaded.run());
+  const auto& grid = *loaded.reader.RestartGrid(1, 1);
+  EXPECT_THAT(row(grid.iWELL, 1), ElementsAre(1, 1, 1, 1, 2, 0, 0, 0, 5, 1, 0, 3, 0, 3, 0));
+  EXPECT_THAT(row(grid.iWELL, 2), ElementsAre(0, 0, 9, 0, 0, 0, 0, 0, 6, 3, 0, 0, 0, 4, 0))
+      << "no connections, and the phase of word 16";
+  EXPECT_THAT(row(grid.iWELL, 3), ElementsAre(2, 2, 4, 0, 1, 0, 0, 0, 7, 3, 0, 0, 0, 3, 0));
+  constexpr float none = -32768;
+  EXPECT_THAT(row(grid.sWELL, 2), ElementsAre(2001, 2002, 2003, 2004, 2005, 2006, 2007, 2009, 2010, none,
+                                              2017, none, none, none, none));
+  EXPECT_THAT(row(grid.sWELL2, 1), ElementsAre(1001, 1003, 1002, 1076, 1078, 1077, 1069, 1070, 1034, 1055,
+                                               1034, 1081, 1083, 1082));
+  EXPECT_THAT(row(grid.dWELL, 1), ElementsAre(1001, 1002, 1003, 1004, 1005, 1006, 1007, 0, 1008, 1030, 0));
+  EXPECT_EQ(grid.zWELL(3, 1), "I1");
+  EXPECT_EQ(grid.zGROUP(1, 1), "FIELD");
+  // Slots of P1 are blocks 1 and 2 of SCON, that of I1 is block 7.
+  EXPECT_THAT(row(grid.iCONN, 2), ElementsAre(1, 2, 1, 10206, 10205, 10214, 10207, 10210, 10201));
+  EXPECT_THAT(row(grid.iCONN, 3), ElementsAre(2, 2, 1, 30106, 30105, 30114, 30107, 30110, 30101));
+  EXPECT_THAT(row(grid.sCONN, 3),
+              ElementsAre(7001, 7002, 7003, 7004, 7005, 7006, 7007, 7013, 7014, 7015, 7021, 7022, 0, 0, 0));
+
+  loaded.reader.FullWellInfo = false;
+  ASSERT_TRUE(loaded.run());
+  const auto& few = *loaded.reader.RestartGrid(1, 1);
+  EXPECT_THAT(row(few.iCONN, 3), ElementsAre(2, 2, 1, 30106, 30105, 0, 0, 0, 0));
+  EXPECT_FALSE(few.qSWEL || few.qXWEL || few.qSCON);
+}
+
+TEST_P(WellTables, BlocksShorterThanTheirWords) {
+  auto run = threeWells();
+  run.nIWELZ = 12, run.nSWELZ = 10, run.nXWELZ = 7, run.nZWELZ = 1, run.nICONZ = 5, run.nSCONZ = 13;
+  RestartLoad loaded(run.write(folder_, "RUN", form_));
+  for (const bool qFull : {true, false}) {
+    loaded.reader.FullWellInfo = qFull;
+    ASSERT_TRUE(loaded.run());
+    const auto& grid = *loaded.reader.RestartGrid(1, 1);
+    EXPECT_THAT(row(grid.iWELL, 2), ElementsAre(0, 0, 9, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 0, 0));
+    EXPECT_THAT(row(grid.iCONN, 1), ElementsAre(1, 1, 1, 0, 10105, 0, 0, 0, 10101));
+    if (!qFull) continue;
+    EXPECT_EQ(grid.sWELL2(1, 9), -32768);
+    EXPECT_EQ(grid.sCONN(1, 8), 1013);
+    EXPECT_EQ(grid.sCONN(1, 9), 0);
+  }
+}
+
+TEST_P(WellTables, OneSlotForEachWellHasNoFlows) {
+  auto run = threeWells();
+  run.nCWMAX = 1;
+  run.steps[0].grids[0].wells[0].connections.pop_back();
+  RestartLoad loaded(run.write(folder_, "RUN", form_));
+  loaded.reader.FullWellInfo = true;
+  ASSERT_TRUE(loaded.run());
+  EXPECT_TRUE(loaded.reader.RestartGrid(1, 1)->qICON);
+  EXPECT_FALSE(loaded.reader.RestartGrid(1, 1)->qSCON);
+}
+
+struct LieCase {
+  std::size_t headWord;
+  std::int32_t value;
+  std::int32_t RESTARTGRID::*words;
+  bool RESTARTGRID::*flag;
+};
+
+/// Counts that the records do not bear out: the table is left out, and all else is read.
+TEST_P(WellTables, RecordsThatDoNotFitAreLeftOut) {
+  constexpr std::int32_t most = 2147483647;
+  for (const auto& [word, value, words, flag] : {LieCase{25, 7, &RESTARTGRID::nIWELZ, &RESTARTGRID::qIWEL},
+                                                 LieCase{17, most, &RESTARTGRID::nIWELZ, &RESTARTGRID::qIWEL},
+                                                 LieCase{17, 4, &RESTARTGRID::nZWELZ, &RESTARTGRID::qZWEL},
+                                                 LieCase{26, 74, &RESTARTGRID::nSWELZ, &RESTARTGRID::qSWEL},
+                                                 LieCase{27, 91, &RESTARTGRID::nXWELZ, &RESTARTGRID::qXWEL},
+                                                 LieCase{33, 7, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
+                                                 LieCase{18, most, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
+                                                 LieCase{18, 1, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
+                                                 LieCase{34, 7, &RESTARTGRID::nSCONZ, &RESTARTGRID::qSCON}}) {
+    auto run = threeWells();
+    run.head = {{word, value}};
+    RestartLoad loaded(run.write(folder_, "RUN", form_));
+    loaded.reader.FullWellInfo = true;
+    ASSERT_TRUE(loaded.run()) << word;
+    const auto& grid = *loaded.reader.RestartGrid(1, 1);
+    EXPECT_EQ(grid.*words, 0) << word;
+    EXPECT_FALSE(grid.*flag) << word;
+    EXPECT_EQ(loaded.session.diagnoses().front().problem, "well record does not fit the header");
+    EXPECT_EQ(loaded.values("PRESSURE").size(), 4U);
+  }
+}
+
+TEST(WellSteps, ConnectionsWithoutCountsHaveAPlaneForEachWell) {
+  qvEclipseSEQUENCE step;
+  auto& grid = step.grid();
+  grid.nWells = 2, grid.nICONZ = 2, grid.nCWMAX = 3;
+  bool qOK = false;
+  step.processICON(std::vector<std::int32_t>(12, 1), qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_TRUE(grid.iCONN.qThreeDimensional());
+  EXPECT_THAT((std::vector{grid.iCONN.planes(), grid.iCONN.rows(), grid.iCONN.columns()}),
+              ElementsAre(2, 3, 9));
+  EXPECT_THAT(grid.iCONN.values(), Each(0)) << "no well has connections that are known";
+}
+
+TEST(WellSteps, ValuesThatAreNoneStayZero) {
+  qvEclipseSEQUENCE step;
+  auto& grid = step.grid();
+  grid.nWells = 1, grid.nXWELZ = 3;
+  bool qOK = false;
+  step.processXWEL(std::vector{1e36, -1e37, 1e37}, qOK);
+  EXPECT_THAT(row(grid.dWELL, 1), ElementsAre(1e36, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+}
+
+TEST(WellSteps, PhasesAndTypes) {
+  for (const auto& [type, control, phase] :
+       {std::array{1, 1, 1}, std::array{1, 4, 4}, std::array{1, 5, 1}, std::array{4, 2, 3},
+        std::array{11, 1, 2}, std::array{13, 1, 1}, std::array{2, 1, -1}}) {
+    EXPECT_EQ(EclipseWellPhase(type, control), phase) << type;
+  }
+  for (const auto& [type, host] : {std::pair{1, 4}, {2, 6}, {3, 2}, {4, 1}, {0, -1}, {5, -1}}) {
+    EXPECT_EQ(EclipseToQVWellType(type), host);
+  }
+}
+
+TEST_P(WellTables, PVTNumbersGoByNameOrNumber) {
+  RestartLoad loaded(threeWells().write(folder_, "RUN", form_));
+  ASSERT_TRUE(loaded.run());
+  struct Row {
+    const char* name;
+    std::int32_t index;
+    std::int32_t number;
+  };
+  for (const auto& [name, index, number] :
+       {Row{"P1", -1, 5}, Row{" OBS ", -1, 6}, Row{"I1", -1, 7}, Row{"NONE", -1, 7}, Row{"", 2, 6},
+        Row{"", 4, -1}, Row{"", -1, -1}}) {
+    bool qOK = false;
+    EXPECT_EQ(loaded.reader.getWellPVTNum(name, qOK, index), number) << name;
+    EXPECT_EQ(qOK, number > 0);
+  }
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,273 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "shapes/HeaderLayout.h"
+#include "support/Dates.h"
+#include "support/Forms.h"
+#include "support/TemporaryFolder.h"
+#include "support/Text.h"
+#include "welltests/qvUserRFT.h"
+
+namespace lumbarn {
+namespace {
+
+using namespace test;
+using enum UserTestKind;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+/// Loads texts in a session whose today is 15 July 2003.
+class UserFile {
+ public:
+  UserFile() {
+    session.now = [] { return *makeMoment(2003, 7, 15, 12); };
+    session.faultReporter = [this](std::string_view text) { reports.emplace_back(text); };
+  }
+  qvUserRFT load(std::string_view text, UserTestKind kind = Rft, bool qExpected = true) {
+    writeFile(path, bytesOf(text));
+    qvUserRFT file(session);
+    file.FileName = path;
+    bool qOK = !qExpected;
+    kind == Rft ? file.getRFTData(qOK) : file.getPLTData(qOK);
+    EXPECT_EQ(qOK, qExpected);
+    return file;
+  }
+  /// Tests as "WELL#NUMBER GRID date: NAME/UNIT NAME/UNIT = row; row", "|" between them, from what hosts get.
+  std::string shown(qvUserRFT& file, UserTestKind kind = Rft) const {
+    std::string all;
+    for (std::int32_t iTest = 1; iTest <= file.NumTests(); ++iTest) {
+      XYData values;
+      ByteTable headers;
+      std::int32_t iNumber = 0;
+      std::string zDate, zWell, zGrid, zOrigin;
+      bool qOK = false;
+      kind == Rft ? file.GetRFTtest(iTest, values, headers, iNumber, zDate, zWell, zGrid, zOrigin, qOK)
+                  : file.GetPLTtest(iTest, values, headers, iNumber, zDate, zWell, zGrid, qOK);
+      EXPECT_TRUE(qOK);
+      all += fmt::format("{}{}#{} {}:", iTest == 1 ? "" : " | ", zWell, iNumber, zDate);
+      for (std::size_t i = 1; i <= headers.entries(); ++i) {
+        const auto units = ExtractAttribute(attributeUnits, headers, i);
+        all += " " + ExtractAttribute(attributeVariable, headers, i) + (units.empty() ? "" : "/" + units);
+      }
+      for (std::size_t row = 1; row <= values.rows(); ++row) {
+        all += row == 1 ? " =" : ";";
+        for (std::size_t i = 1; i <= values.columns(); ++i) all += fmt::format(" {}", values(row, i));
+      }
+    }
+    return all;
+  }
+
+  TemporaryFolder folder;
+  const std::string path = folder.file("measured.txt");
+  Session session;
+  std::vector<std::string> reports;
+};
+
+struct Example {
+  UserTestKind kind;
+  const char *text, *shown;
+};
+
+const Example examples[] = {
+    // The layout, and what may stand around it.
+    {Rft, "RFT\nWELLNAME P1\nDATE 1 JAN 1990\nDEPTH PRESSURE\nFT PSIA\n5000 3000\n5100.5 3.1E3\n",
+     "P1#1 1 JAN 1990: DEPTH/FT PRESSURE/PSIA = 5000 3000; 5100.5 3100"},
+    {Rft,
+     "\xEF\xBB\xBFrft\r\n-- by hand\r\n\tWellname\tp1\r\n\r\n--qv\r\n \t depth\tpressure \r\n1\t-2.5\r\n  -- "
+     "x",
+     "P1#1 : DEPTH PRESSURE = 1 -2.5"},
+    {Rft, "RFT\rWELLNAME P\xE9\rDEPTH\r1D1", "P\xE9#1 : DEPTH = 10"},
+    {Rft, "", "#1 :"},
+    // Tests follow each other and are counted well by well.
+    {Rft, "RFT\nWELLNAME A\nD\n1\nRFT\nWELLNAME B\nD\n2\nWELLNAME A\nD\n3\n",
+     "A#1 : D = 1 | B#1 : D = 2 | A#2 : D = 3"},
+    {Rft, "RFT\nRFT P1\nWELLNAME\nTIME 10.5\nDEPTH", "#1  12:00: DEPTH"},
+    // A file without a command is one test; numbers in front of the names are none of it.
+    {Rft, "1 2 3\nDEPTH SWAT\n5 0.5\n", "#1 : DEPTH SWAT = 5 0.5"},
+    {Rft, "1 2 3\n", "#1 :"},
+    // Words and numbers as they look: units that begin with a digit are a row, later words nothing.
+    {Rft, "D K\nM 1/M\n1 2\nWORDS\n3 4 5", "#1 : D/M K/1/M = 1 2; 3 4"},
+    {Rft, "K D\n1/M FT\nX\n3 4", "#1 : K/X D = 1 0; 3 4"},
+    {Rft, "D P S\nFT\n1 NAN ***\n-.5 +5 1E", "#1 : D/FT P S = 1 0 0; -0.5 5 1"},
+    // GRIDNAME is a line of column names; it ends the commands, so that DATE opens the next test.
+    {Rft, "RFT\nGRIDNAME LGR1\nDATE 1 JAN 1990\nD\n1", "#1 : GRIDNAME LGR1 | #2 1 JAN 1990: D = 1"},
+    // Commands without a blank behind the word.
+    {Rft, "RFT1\nWELLNAMEP1 P2\nTIME1.25\nDATE1 JAN 1990\nD", "P1#1 1 JAN 1990 06:00: D"},
+    // The depth column comes first, those before it last.
+    {Rft, "A MD DEPTH TVD DEPTH B\nU1 U2 U3\n1 2 3 4 5 6",
+     "#1 : DEPTH B A/U1 MD/U2 DEPTH/U3 TVD = 5 6 1 2 3 4"},
+    {Rft, "A TVD MDEPTH MD\n1 2 3 4", "#1 : MDEPTH MD A TVD = 3 4 1 2"},
+    {Rft, "A TVD WTVD\n1 2 3", "#1 : TVD WTVD A = 2 3 1"},
+    {Plt, "PLT\nDEPTH LENGTH Q\n1 2 3", "#1 : LENGTH Q DEPTH = 2 3 1"},
+    {Plt, "LENGTH CONLEN Q\n1 2 3", "#1 : CONLEN Q LENGTH = 2 3 1"},
+    {Plt, "Q MD DEPTH\n1 2 3", "#1 : MD DEPTH Q = 2 3 1"},
+    {Plt, "Q WTVD\n1 2\nPLT\nQ\nRFT\n3", "#1 : WTVD Q = 2 1 | #2 : Q/RFT = 3"},
+};
+
+TEST(UserRFT, ReadsWhatLinesSay) {
+  UserFile file;
+  for (const Example& example : examples) {
+    SCOPED_TRACE(example.text);
+    auto loaded = file.load(example.text, example.kind);
+    EXPECT_EQ(file.shown(loaded, example.kind), example.shown);
+    EXPECT_FALSE(loaded.qDamaged);
+  }
+  EXPECT_THAT(file.reports, ElementsAre());
+}
+
+TEST(UserRFT, FillsHeadersAndNames) {
+  UserFile file;
+  auto loaded = file.load(
+      "PLT\nORIGIN Wireline\nWELLTYPE STANDARD\nDATE 2 FEB 1990\nWELLNAME P1\nQ LENGTH\nX FT\n1 2", Plt);
+  XYData values;
+  ByteTable headers;
+  std::string zDate, zWell, zGrid, zOrigin;
+  std::int32_t iTest = 0;
+  bool qOK = false;
+  loaded.GetPLTtest(1, values, headers, iTest, zDate, zWell, zGrid, qOK);
+  ASSERT_TRUE(qOK);
+  std::string expected(headerWidth, ' ');
+  const auto put = [&](std::size_t firstByte, std::string_view text) {
+    expected.replace(firstByte - 1, text.size(), text);
+  };
+  put(33, "PLT");
+  put(41, "FT");
+  put(73, "P1");
+  put(145, "1");
+  put(161, "LENGTH");
+  put(177, "LENGTH");
+  EXPECT_EQ(std::string(headers.entry(1).begin(), headers.entry(1).end()), expected);
+  EXPECT_EQ(loaded.test(1).zWellType, "STANDARD");
+  EXPECT_EQ(loaded.test(1).iMonth, 2);
+
+  // The other kind has its own, empty table; its call tells the origin.
+  loaded.GetRFTtest(1, values, headers, iTest, zDate, zWell, zGrid, zOrigin, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_EQ(values.columns() + headers.entries(), 0);
+  EXPECT_EQ(zOrigin, "WIRELINE");
+}
+
+struct DateExample {
+  const char *commands, *date;
+  bool told = false;
+};
+
+const DateExample dates[] = {
+    {"DATE 1ST JAN, 1990", "1 JAN 1990"},
+    {"DATE 01/01/1990", "1 JAN 1990"},
+    {"DATE 22ND-AUGUST-1990", "22 AUG 1990"},
+    {"DATE 3RD / july / 90", "3 JUL 1990"},
+    {"DATE 4th Feb 04", "4 FEB 2004"},
+    {"DATEFORMAT MM-DD-YYYY\nDATE 02/03/1990", "3 FEB 1990"},
+    {"DATEFORMAT YYYY MM DD\nDATE 1990-2-3", "3 FEB 1990"},
+    {"DATEFORMATMM-DD\nDATE 02/03/1990", "3 FEB 1990"},
+    {"DATE 02/03/1990\nDATEFORMAT MM-DD-YYYY", "2 MAR 1990"},
+    {"DATE 02 03 1990 FORMAT MM-DD-YYYY", "3 FEB 1990"},
+    {"DATEFORMAT MM\nDATE 02 03 1990 FORMAT DD-MM-YYYY\nTIME 0.99999", "2 MAR 1990"},
+    {"DATE 29 FEB 2000\nTIME 3.0003", "29 FEB 2000"},
+    {"DATE 29 FEB 2000\nTIME 3.0007", "29 FEB 2000 00:01"},
+    // Impossible ones give the day of today.
+    {"DATE 99/99/1990", "15 JUL 2003", true},
+    {"DATE 29 FEB 1900", "15 JUL 2003", true},
+    {"DATE JAN 1 1990", "15 JUL 2003", true},
+    {"DATE 1 JAN 1990 FORMAT", "15 JUL 2003", true},
+    {"DATES 1 JAN 1990", "15 JUL 2003", true},
+    {"DATE", "15 JUL 2003", true},
+    {"DATE 1 1 99999999999999999999", "15 JUL 2003", true},
+    {"DATE 1 JAN 1990\nTIME NOON", "1 JAN 1990", true},
+    {"DATE 1 JAN 1990\nTIME 1E999", "1 JAN 1990"},
+};
+
+TEST(UserRFT, ReadsDates) {
+  UserFile file;
+  for (const DateExample& example : dates) {
+    SCOPED_TRACE(example.commands);
+    file.session.clearDiagnoses();
+    auto loaded = file.load(example.commands);
+    EXPECT_EQ(file.shown(loaded), fmt::format("#1 {}:", example.date));
+    EXPECT_EQ(file.session.diagnoses().size(), example.told ? 1 : 0);
+  }
+}
+
+TEST(UserRFT, RowWithTooFewNumbersEndsReadingWithAReport) {
+  UserFile file;
+  auto loaded = file.load("RFT\nD\n1\nPLT\nRFT\nD P S\n1 2 3\n4 5\n6 7 8\nRFT\nD\n9\n");
+  EXPECT_EQ(file.shown(loaded), "#1 : D/PLT = 1 | #2 : D P S = 1 2 3; 4 5 0");
+  EXPECT_TRUE(loaded.qDamaged);
+  EXPECT_THAT(file.reports,
+              ElementsAre("Error:Subscript out of range (No.9) In [qvUserRFTtest (Code) (AddRFTData)] "));
+  ASSERT_EQ(file.session.diagnoses().size(), 1);
+  const Diagnosis& told = file.session.diagnoses().front();
+  EXPECT_EQ(told.path, file.path);
+  EXPECT_THAT(told.problem, HasSubstr("line 8"));
+  EXPECT_EQ(told.offset, 28);
+  EXPECT_EQ(told.expected + " " + told.found, "3 numbers 2");
+
+  loaded = file.load("PLT\nD P\n1\n", Plt);
+  EXPECT_THAT(file.reports.back(), HasSubstr("(AddPLTData)"));
+}
+
+TEST(UserRFT, TellsWhatItTookOtherwise) {
+  UserFile file;
+  const auto told = [&](std::string_view text) {
+    file.session.clearDiagnoses();
+    file.load(text);
+    std::string all;
+    for (const Diagnosis& diagnosis : file.session.diagnoses())
+      all += fmt::format("{}@{} ", diagnosis.problem, *diagnosis.offset);
+    return all;
+  };
+  EXPECT_EQ(told("RFT\nGRIDNAME X\n"), "line 2: GRIDNAME counts as a line of column names@4 ");
+  EXPECT_EQ(told("D P\r\nM\r\n1 N/A\r\nN/A 1\r\n2 N/A\r\nN/A\r\n"),
+            "line 3: not a number@8 line 4: words among the rows@15 ");
+}
+
+TEST(UserRFT, CancelLeavesTestsWithoutNumbers) {
+  UserFile file;
+  std::string text;
+  for (int i = 0; i < 5; ++i) text += "RFT\nDATE X\nD\n1\n";
+  file.session.diagnosisSink = [&](const Diagnosis&) { file.session.CancelLoad = true; };
+  const auto loaded = file.load(text, Rft, false);
+  EXPECT_EQ(loaded.NumTests(), 1);
+  EXPECT_EQ(loaded.test(1).iTest, 0);
+}
+
+// Every front part of a file reads, gives the tests that are whole in it, and takes what a cut number says.
+TEST(UserRFT, CutFilesGiveWhatIsThere) {
+  UserFile file;
+  const std::string text = "RFT\nWELLNAME A\nD P\nFT PSI\n10 20\n30 40\nRFT\nDATE 1 JAN 1990\nD\n5\n";
+  const std::string first = "A#1 : D/FT P/PSI = 10 20; 30 40";
+  for (std::size_t size = 0; size <= text.size(); ++size) {
+    auto loaded = file.load(text.substr(0, size));
+    const auto shown = file.shown(loaded);
+    if (size >= 38) {
+      EXPECT_EQ(shown.substr(0, first.size()), first) << size;
+    }
+    EXPECT_EQ(loaded.NumTests(), size < 41 ? 1 : 2) << size;
+  }
+}
+
+TEST(UserRFT, ChecksFiles) {
+  UserFile file;
+  const auto check = [&](std::string_view text) {
+    writeFile(file.path, bytesOf(text));
+    qvUserRFT checked(file.session);
+    const bool rft = checked.CheckRFTFile(file.path);
+    EXPECT_EQ(checked.FileName, rft ? file.path : "");
+    return fmt::format("{} {}", rft, checked.CheckPLTFile(file.path));
+  };
+  EXPECT_EQ(check("-- x\nORIGIN Y\nRFT\n"), "true false");
+  EXPECT_EQ(check("plt\n"), "false true");
+  EXPECT_EQ(check("DEPTH\n1\n"), "true true");
+  EXPECT_EQ(check(""), "false false");
+  EXPECT_EQ(check(std::string("RFT\0\n", 5)), "false false");
+  EXPECT_EQ(check(" 'TIME    '           1 'REAL'\n   0.10000000E+01\n"), "false false");
+  qvUserRFT missing(file.session);
+  EXPECT_FALSE(missing.CheckRFTFile(file.folder.file("none")));
+  EXPECT_THAT(file.session.diagnoses().back().problem, HasSubstr("No such file"));
+}
+
+}  // namespace
+}  // namespace lumbarn

@@ -1,0 +1,125 @@
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "support/WellTestLoad.h"
+#include "welltests/WellTest.h"
+
+namespace lumbarn {
+namespace {
+
+using test::WellTestBuilder;
+using test::WellTestLoad;
+using Singles = std::vector<float>;
+using Integers = std::vector<std::int32_t>;
+
+WellTestBuilder smallFile() {
+  const WellTestBuilder::Test one{.arrays = {{"CONIPOS", Integers{1, 2}},
+                                             {"DEPTH", Singles{20, 10}},
+                                             {"SWAT", Singles{0.25F, 0}},
+                                             {"CONLENST", Singles{4, 1}},
+                                             {"CONLENEN", Singles{8, 3}},
+                                             {"CONORAT", Singles{1, 2}},
+                                             {"CONWRAT", Singles{1, 2}},
+                                             {"CONOTUB", Singles{1, 2}},
+                                             {"CONWTUB", Singles{1, 2}},
+                                             {"CONBRNO", Integers{1, 2}},
+                                             {"CONSEGNO", Integers{2, 1}},
+                                             {"SEGNXT", Integers{0, 1, 1}},
+                                             {"SEGBRNO", Integers{1, 1, 2}},
+                                             {"SEGLENST", Singles{0, 1, 2}},
+                                             {"SEGLENEN", Singles{1, 2, 2.1F}},
+                                             {"BRNST", Integers{1, 3}},
+                                             {"BRNEN", Integers{2, 3}}}};
+  return {{one, one, one}};
+}
+
+/// Asks for all that a host can ask for. What comes is of no interest; that all comes back is.
+void askForAll(WellTestLoad& run) {
+  for (std::int32_t i = 1; i <= run.file.NumTests(); ++i) {
+    run.rft(i);
+    run.plt(i);
+    for (std::int32_t b = 1; b <= 3; ++b) {
+      run.pltBranch(i, b);
+      run.branch(i, b);
+      run.icdBranch(i, b);
+    }
+    std::vector<char> bGrids;
+    bool qOK = false;
+    run.file.getRFTtestGrid(i, bGrids, qOK);
+  }
+}
+
+class DamagedTests : public test::OfForm {
+ protected:
+  const std::vector<std::byte> whole_ = smallFile().bytes(form_);
+
+  /// Loads bytes, in the form that the file was written in, whatever they look like now.
+  void load(WellTestLoad& run, std::span<const std::byte> bytes) const {
+    run.file.FileName = run.folder.file("DAMAGED.RFT");
+    run.file.Formatted = form_.formatted();
+    run.file.UNIX = form_.framing != Framing::OneByteMarks;
+    run.file.byteSwap = form_.byteSwap;
+    test::writeFile(run.file.FileName, bytes);
+    run.file.getRFTData(run.loaded);
+    EXPECT_TRUE(!run.file.qDamaged || run.lastDiagnosis().offset);
+    askForAll(run);
+    for (const WellTest& one : readWellTests(run.file.FileName, run.session)) topologyOf(one);
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Forms, DamagedTests, ::testing::ValuesIn(test::everyForm), test::formName);
+
+TEST_P(DamagedTests, CutOffAtAnyByteKeepTheTestsBefore) {
+  std::set<std::uint64_t> ends;  // of records: cut there, the file is whole as far as anyone can tell
+  for (RecordCursor cursor = test::cursorOver(whole_, form_); cursor.next();)
+    ends.insert(cursor.nextPosition());
+  const std::size_t one = whole_.size() / 3;
+  for (std::size_t size = 1; size < whole_.size(); ++size) {
+    WellTestLoad run;
+    SCOPED_TRACE(size);
+    load(run, std::span(whole_).first(size));
+    if (!form_.formatted()) {
+      ASSERT_EQ(run.file.qDamaged, !ends.contains(size));
+    }
+    for (std::size_t i = 1; i * one < size; ++i) {
+      ASSERT_TRUE(run.rft(static_cast<std::int32_t>(i)));
+      // Cut in the header behind it, a test may have lost a record or not.
+      if ((i + 1) * one < size) {
+        EXPECT_EQ(run.column("SOIL"), (Singles{0.75F, 1}));
+      }
+    }
+  }
+}
+
+TEST_P(DamagedTests, WithAnyByteChangedAreReadWithoutHarm) {
+  std::vector<std::byte> bytes = whole_;
+  const std::size_t one = whole_.size() / 3;
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    for (const std::byte flip : {std::byte{0x01}, std::byte{0x80}, std::byte{0xFF}}) {
+      bytes[at] ^= flip;
+      SCOPED_TRACE(at);
+      WellTestLoad run;
+      load(run, bytes);
+      bytes[at] ^= flip;
+      EXPECT_TRUE(at < 2 * one || run.rft(1));
+    }
+  }
+}
+
+TEST(DamagedTestFile, CutInTheNextTimeLeavesTheTestWorkedOut) {
+  const auto bytes = smallFile().bytes(test::bigEndian);
+  WellTestLoad run;
+  test::writeFile(run.folder.file("CUT.RFT"), std::span(bytes).first(bytes.size() / 3 + 24 + 5));
+  ASSERT_TRUE(run.load(run.folder.file("CUT.RFT")));
+  EXPECT_EQ(run.file.NumTests(), 1);
+  EXPECT_TRUE(run.plt(1));
+  EXPECT_EQ(run.column("CONMD"), (Singles{2, 6}));
+  EXPECT_TRUE(run.file.qDamaged);
+  EXPECT_EQ(run.lastDiagnosis().keyword, "TIME");
+  const auto tests = readWellTests(run.folder.file("CUT.RFT"), run.session);
+  ASSERT_EQ(tests.size(), 1U);
+  EXPECT_TRUE(tests[0].complete);
+}
+
+}  // namespace
+}  // namespace lumbarn

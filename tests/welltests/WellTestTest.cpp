@@ -1,0 +1,99 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/WellTestBuilder.h"
+#include "welltests/WellTest.h"
+
+namespace lumbarn {
+namespace {
+
+using test::WellTestBuilder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Singles = std::vector<float>;
+using Integers = std::vector<std::int32_t>;
+using Texts = std::vector<std::string>;
+
+class WellTestRecords : public test::OfForm {};
+INSTANTIATE_TEST_SUITE_P(Forms, WellTestRecords, ::testing::ValuesIn(test::everyForm), test::formName);
+
+std::vector<std::string> namesOf(const std::vector<WellTestColumn>& columns) {
+  std::vector<std::string> names;
+  for (const auto& column : columns) names.push_back(column.name);
+  return names;
+}
+
+TEST_P(WellTestRecords, HoldEveryArrayOfTheFile) {
+  const test::TemporaryFolder folder;
+  WellTestBuilder builder;
+  builder.tests = {{.well = "A", .arrays = {{"DEPTH", Singles{1}}}, .time = 10.27F},
+                   {.well = "B",
+                    .arrays = {{"CONIPOS", Integers{16777217, 2}},
+                               {"HOSTGRID", Texts{"", " LG1"}},
+                               {"SOIL", Singles{0.5F, 0.25F}},
+                               {"CONPRES", Singles{1, 2, 3}},
+                               {"SEGPRES", Singles{1, 2, 3}},
+                               {"ILBRNO", Integers{1, 2, 3}},
+                               {"BRNST", Integers{1, 2, 3, 4}},
+                               {"WELLPLT", Singles{1, 2, 3, 4, 5}}},
+                    .grid = "LG2",
+                    .date = {31, 2, 2015}},
+                   {.well = "A", .arrays = {}}};
+  Session session;
+  const auto tests = readWellTests(builder.write(folder, form_), session);
+  ASSERT_EQ(tests.size(), 3U);
+  EXPECT_EQ(isoText(*tests[0].date), "2015-01-11T06:28:48");  // the plainest with the same float
+  EXPECT_FALSE(tests[1].date);
+  EXPECT_EQ(tests[2].numberInWell, 2);
+
+  const WellTest& one = tests[1];
+  EXPECT_EQ(one.well + "," + one.grid + "," + one.wellType, "B,LG2,MULTISEG");
+  EXPECT_THAT(namesOf(one.connections.columns), ElementsAre("CONIPOS", "HOSTGRID", "SOIL"));
+  EXPECT_THAT(namesOf(one.segments.columns), ElementsAre("SEGPRES", "ILBRNO"));
+  EXPECT_THAT(namesOf(one.branches.columns), ElementsAre("BRNST"));
+  EXPECT_THAT(namesOf(one.others), ElementsAre("CONPRES", "WELLPLT"));
+  EXPECT_EQ(std::get<Integers>(one.connections.columns[0].values)[0], 16777217);  // no single has it
+  EXPECT_EQ(std::get<Texts>(one.connections.find("HOSTGRID")->values)[1], "LG1");
+  EXPECT_EQ(one.units.velocity + "," + one.unit("SEGCORTS") + "," + one.unit("CONOTUB") + "," +
+                one.unit("HOSTGRID"),
+            "M/SEC,SM3/DAY/METRES,SM3/DAY,");
+  ASSERT_EQ(session.diagnoses().size(), 1U);
+  EXPECT_EQ(session.diagnoses()[0].keyword, "CONPRES");
+  EXPECT_EQ(session.diagnoses()[0].offset, one.others[0].headerAt);
+}
+
+WellTopology topology(Integers next, Integers branch) {
+  WellTest test;
+  test.segments.columns = {{"SEGNXT", std::move(next)}, {"SEGBRNO", std::move(branch)}};
+  return topologyOf(test);
+}
+
+TEST(WellTopologies, AreOrderedAgainstTheFlow) {
+  // 1 <- 4 <- 2 is the stem, 3 and 5 a lateral at 4 whose numbers run down the well, 6 one at 5.
+  const WellTopology well = topology({0, 4, 5, 1, 4, 5}, {1, 1, 7, 1, 7, 3});
+  struct Row {
+    std::int32_t number, outletBranch, outletSegment;
+    Integers segments;
+  };
+  const Row rows[] = {{1, 0, 0, {1, 4, 2}}, {3, 7, 5, {6}}, {7, 1, 4, {5, 3}}};
+  ASSERT_EQ(well.branches.size(), std::size(rows));
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    EXPECT_EQ(well.branches[i].number, rows[i].number);
+    EXPECT_EQ(well.branches[i].outletBranch, rows[i].outletBranch);
+    EXPECT_EQ(well.branches[i].outletSegment, rows[i].outletSegment);
+    EXPECT_EQ(well.branches[i].segments, rows[i].segments);
+  }
+  EXPECT_THAT(well.undrained, IsEmpty());
+}
+
+TEST(WellTopologies, RingsAndSegmentsThatLeadNowhereAreTold) {
+  const WellTopology well = topology({0, 3, 2, 2, 99, -1, 7}, {1, 2, 2, 2, 1, 1, 1});
+  EXPECT_THAT(well.undrained, ElementsAre(2, 3, 4, 7));
+  EXPECT_THAT(well.astray, ElementsAre(5));
+  ASSERT_EQ(well.branches.size(), 1U);
+  EXPECT_THAT(well.branches[0].segments, ElementsAre(1, 5, 6));
+  EXPECT_THAT(topology({0, 1}, {1}).branches, IsEmpty());
+}
+
+}  // namespace
+}  // namespace lumbarn
