@@ -5,6 +5,7 @@
 
 #include "Commands.h"
 #include "FileCheck.h"
+#include "InitFile.h"
 #include "Output.h"
 #include "PathArgument.h"
 
@@ -107,6 +108,7 @@ class RunCheck {
     };
     if (result.findings == 0) {
       if (file.kind == FileKind::SummarySpec) vectors = checkSpecification(file, console_.session(), count);
+      if (file.kind == FileKind::Init) checkInit(file.path, console_.session(), count);
       if (file.kind == FileKind::Save) checkSave(file, console_.session(), count);
       if (file.kind == FileKind::Rft && result.unit == std::string_view("record")) {
         checkWellTests(file.path, FileKind::Rft, console_.session(), count);

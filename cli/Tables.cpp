@@ -90,28 +90,14 @@ PhysicalTable tableOf(const qvEclipseReader& reader, const TablesOptions& option
   throw Failure(Usage, fmt::format("no table \"{}\"; it has {}", options.table, fmt::join(names, ", ")));
 }
 
-/// Tables whose words are likely not in use are told by the note beside them, which is no reason to call the
-/// work done in part.
-void openTables(qvEclipseReader& reader, const RunFamily& run, Console& console) {
-  auto& sink = console.session().diagnosisSink;
-  const auto tell = sink;
-  sink = [tell](const Diagnosis& diagnosis) {
-    if (tell && (diagnosis.keyword != "TABDIMS" || diagnosis.certainty != Certainty::Guess)) tell(diagnosis);
-  };
-  try {
-    openInit(reader, run, true, console);
-  } catch (const Failure&) {
-    sink = tell;
-    throw;
-  }
-  sink = tell;
-}
-
 ExitStatus showTables(const TablesOptions& options, Console& console) {
   const RunFamily run = findRun(options.path);
   Output output(options.output, console.out(), pathsOf(run));
   qvEclipseReader reader(console.session());
-  openTables(reader, run, console);
+  {
+    const DiagnosesWithoutLeftovers diagnoses(console.session(), console.session().diagnosisSink);
+    openInit(reader, run, true, console);
+  }
   if (reader.Init()->xTAB.nTables() == 0) console.say("the INIT file has no simulation tables");
   if (options.table.empty()) {
     writeList(reader, options.output.format, output.stream());

@@ -49,6 +49,17 @@ TEST_F(InitCommand, ShowsValuesWithTheirCells) {
   EXPECT_THAT(rows({"init", "--nnc", "--array", "TRAN*"})[2], ElementsAre("2", "0.25"));
 }
 
+TEST_F(InitCommand, CheckFindsWhatDoesNotFit) {
+  EXPECT_EQ(run({"check"}).status, 0);
+  EXPECT_EQ(command({"check", sample("ARBOR/ARBOR.INIT")}).status, 0) << "words left at 1 are no finding";
+  test::InitBuilder file(test::bigEndian);
+  file.head({.Nx = 3, .Ny = 2, .nActive = 4}).singles("PORV", {1, 1, 1, 0, 0, 0});
+  test::writeFile(folder.file("CASE.INIT"), file.bytes());
+  const auto found = run({"check"});
+  EXPECT_EQ(found.status, 3);
+  EXPECT_THAT(found.out, HasSubstr("pore volumes disagree with the active cells of grid ROOT (PORV"));
+}
+
 TEST_F(InitCommand, SaysWhatIsWrong) {
   const struct {
     std::vector<std::string> args;
