@@ -82,7 +82,7 @@ class RunCheck {
     if (files.empty()) throw Failure(Usage, run.folder + run.base + ": has no record files");
     console_.progress().files(static_cast<int>(files.size()));
     for (const RunMember* file : files) {
-      check(*file);
+      check(run, *file);
       console_.progress().fileDone();
     }
     checkPair(run, FileKind::SummarySpec, FileKind::Summary, "no summary data go with it");
@@ -97,27 +97,52 @@ class RunCheck {
     if (status_ == Done) status_ = Partial;
   }
 
-  void check(const RunMember& file) {
+  void check(const RunFamily& run, const RunMember& file) {
     auto& vectors = vectors_[file.formatted ? 1 : 0];
     const FindingSink add = [this](const Diagnosis& finding) { report_.add(finding); };
     FileCheck result =
         checkFile(file, file.kind == FileKind::Summary ? vectors : std::nullopt, console_, add);
-    const FindingSink count = [&](const Diagnosis& finding) {
-      ++result.findings;
-      report_.add(finding);
-    };
     if (result.findings == 0) {
-      if (file.kind == FileKind::SummarySpec) vectors = checkSpecification(file, console_.session(), count);
-      if (file.kind == FileKind::Init) checkInit(file.path, console_.session(), count);
-      if (file.kind == FileKind::Save) checkSave(file, console_.session(), count);
-      if (file.kind == FileKind::Rft && result.unit == std::string_view("record")) {
-        checkWellTests(file.path, FileKind::Rft, console_.session(), count);
-      }
+      checkContent(run, file, result, vectors, [&](const Diagnosis& finding) {
+        ++result.findings;
+        report_.add(finding);
+      });
     }
+    console_.checkCancelled();
     if (result.findings > 0 && status_ == Done) status_ = Partial;
     if (!result.readable) status_ = Unreadable;
     console_.progress().hide();
     report_.file(file.path, result);
+  }
+
+  /// What the records of a sound file say: whether it fits together.
+  void checkContent(const RunFamily& run, const RunMember& file, const FileCheck& result,
+                    std::optional<std::int64_t>& vectors, const FindingSink& report) {
+    Session& session = console_.session();
+    switch (file.kind) {
+      case FileKind::SummarySpec:
+        vectors = checkSpecification(file, session, report);
+        break;
+      case FileKind::Save:
+        checkSave(file, session, report);
+        break;
+      case FileKind::Init:
+        checkInit(file.path, session, report);
+        break;
+      case FileKind::Grid:
+      case FileKind::EGrid:
+        checkGrid(file, session, report);
+        break;
+      case FileKind::Rsspec:
+      case FileKind::Inspec:
+        checkIndex(run, file, session, report);
+        break;
+      case FileKind::Rft:
+        if (result.unit == std::string_view("record")) checkWellTests(file.path, file.kind, session, report);
+        break;
+      default:
+        break;
+    }
   }
 
   Console& console_;

@@ -6,10 +6,13 @@
 
 #include <fmt/format.h>
 
-#include "GridCheck.h"
 #include "RecordData.h"
+#include "RunIndex.h"
 #include "files/Recogniser.h"
+#include "grid/qvGRIDReader.h"
+#include "init/qvEclipseINSPEC.h"
 #include "reader/qvEclipseReader.h"
+#include "restart/RestartIndexAgreement.h"
 #include "restart/qvEclipseSAVE.h"
 #include "summary/RestartChain.h"
 #include "summary/qvEclipseSPEC.h"
@@ -58,8 +61,6 @@ class Walk {
     try {
       readExtremes(cursor_, console_);
       for (OrderRule& rule : rules_) checkOrder(rule);
-      if (const auto wrong = grid_.check(cursor_))
-        addHere("array does not fit its grid", wrong->expected, wrong->found);
     } catch (const BadRecord& damage) {
       add(damage.diagnosis(), "went on behind the record");
     }
@@ -115,7 +116,6 @@ class Walk {
   Console& console_;
   const FindingSink& report_;
   std::int64_t records_ = 0;
-  GridCheck grid_;
   bool openMinistep_ = false;
   std::uint64_t ministepAt_ = 0;
   // Writers number report steps of a summary as they like, also with one number for all of them.
@@ -156,6 +156,18 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
   result.records = walk.records();
   result.readable = result.records > 0;
   return result;
+}
+
+void checkGrid(const RunMember& file, Session& session, const FindingSink& report) {
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  qvGRIDReader reader(session);
+  bool qOK = false;
+  if (file.kind == FileKind::EGrid && reader.CheckEGRIDFile(file.path)) {
+    reader.ReadEclipseEGridFile(qOK);
+  } else if (file.kind == FileKind::Grid && reader.CheckGRIDFile(file.path)) {
+    reader.ReadEclipseGridFile(qOK);
+  }
+  session.diagnosisSink = shown;
 }
 
 void checkSave(const RunMember& file, Session& session, const FindingSink& report) {
@@ -204,6 +216,16 @@ std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kin
   session.diagnosisSink = shown;
   if (!qOK) return std::nullopt;
   return kind == FileKind::Rft ? reader.NumberRFTTests() : reader.NumberUserTests();
-}
+  void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {
+    const bool init = file.kind == FileKind::Inspec;
+    if (!run.find(init ? FileKind::Init : FileKind::Restart)) return;
+    const auto shown = std::exchange(session.diagnosisSink, report);
+    if (init) {
+      indexOfInit(session, run.find(FileKind::Init)->path, file.path);
+    } else {
+      indexOfRestart(session, restartFiles(run), file.path);
+    }
+    session.diagnosisSink = shown;
+  }
 
 }  // namespace lumbarn::cli

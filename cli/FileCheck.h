@@ -37,9 +37,14 @@ void checkSave(const RunMember& file, Session& session, const FindingSink& repor
 std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
                                                const FindingSink& report);
 
+/// Reports what does not fit together in a grid file: arrays and sizes, parents, host cells, connections.
+void checkGrid(const RunMember& file, Session& session, const FindingSink& report);
+
 /// Loads a file of well tests as kind says, and reports what of it makes no sense. Gives the count of tests,
 /// if it can be read.
 std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
                                            const FindingSink& report);
+/// Reports why an index file (RSSPEC, INSPEC) is not that of the run's restart or INIT file, if it has one.
+void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report);
 
 }  // namespace lumbarn::cli

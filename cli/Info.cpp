@@ -72,6 +72,12 @@ void addContent(Facts& facts, const RunFamily& run, FileKind kind, Console& cons
     case FileKind::Init:
       facts["init"] = initFacts(run, console);
       break;
+    case FileKind::Rsspec:
+      facts["restart_index"] = indexFacts(run, kind, console);
+      break;
+    case FileKind::Inspec:
+      facts["init_index"] = indexFacts(run, kind, console);
+      break;
     case FileKind::EGrid:
     case FileKind::Grid:
       facts["grid"] = gridFacts(run, kind, console);

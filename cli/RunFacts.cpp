@@ -142,11 +142,14 @@ Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
   std::vector<std::string> localGrids;
   std::optional<std::int64_t> active;  // of the global grid
   std::optional<std::int64_t> cells;
+  bool told = false;
   walk(run.find(kind)->path, console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.is("LGR", ElementType::Text)) {
       for (const auto& name : cursor.texts()) localGrids.push_back(name);
     } else if (header.keyword == "ACTNUM" && localGrids.empty()) {
+      told = true;
+      if (header.count != cells) return;  // of one of two porosity systems, or of a part of a radial grid
       active =
           std::ranges::count_if(firstWords(cursor, header.count), [](auto number) { return number > 0; });
     } else if (header.keyword == "COORDS" && localGrids.empty()) {
@@ -164,7 +167,7 @@ Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
       if (words.size() == 3) facts["grid"] = words;
     }
   });
-  if (!active) active = cells;  // ACTNUM is left out when all are
+  if (!told && !active) active = cells;  // ACTNUM is left out when all are
   if (active) facts["active_cells"] = *active;
   if (!localGrids.empty()) facts["local_grids"] = localGrids;
   return facts;

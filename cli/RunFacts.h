@@ -14,6 +14,8 @@ namespace lumbarn::cli {
 Facts summaryFacts(const RunFamily& run, Console& console);
 Facts restartFacts(const RunFamily& run, Console& console);
 Facts initFacts(const RunFamily& run, Console& console);
+/// Of an index of either kind, and whether it is that of the run's files.
+Facts indexFacts(const RunFamily& run, FileKind kind, Console& console);
 Facts gridFacts(const RunFamily& run, FileKind kind, Console& console);
 Facts saveFacts(const RunFamily& run, Console& console);
 Facts testFacts(const RunFamily& run, Console& console);

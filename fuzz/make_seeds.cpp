@@ -11,6 +11,9 @@
 #include <fmt/format.h>
 
 #include "record/RecordWriter.h"
+#include "restart/IndexFile.h"
+#include "support/GridBuilder.h"
+#include "support/IndexedRun.h"
 #include "support/InitBuilder.h"
 #include "support/RestartBuilder.h"
 #include "support/SummaryBuilder.h"
@@ -133,6 +136,28 @@ test::RestartBuilder restart() {
   return run;
 }
 
+/// Grids with all there can be: inactive cells, a local grid, two reservoirs, coarsening, connections, two
+/// porosity systems, angles.
+std::vector<test::GridBuilder> grids() {
+  std::vector<test::GridBuilder> all(4);
+  all[0].grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1};
+  all[0].grids[0].nnc1 = {1, 2};
+  all[0].grids[0].nnc2 = {7, 12};
+  all[0].grids.push_back(
+      {.size = {2, 2, 1}, .name = "INNER", .hosts = {1, 2, 5, 3}, .nncl = {4}, .nncg = {11}});
+  all[0].mapAxes = {0, 1000, 0, 0, 1000, 0};
+  all[0].mapUnit = "METRES";
+  all[1].grids[0].reservoirs = {{1, 1}, {2, 2}};
+  all[1].grids[0].coarse = {1, 1, 0, 0, 0, 0, 1, 1, 0, 2, 2, 2};
+  all[2].dualPorosity = 1;
+  all[2].grids[0].halfDepths = true;
+  all[2].grids[0].activity = {1, 2, 3, 0, 3, 3};
+  all[3].grids[0].size = {2, 4, 1};
+  all[3].grids[0].angles = 4;
+  all[3].grids[0].activity = {1, 0, 0, 1};
+  return all;
+}
+
 Bytes example(const std::string& name) {
   std::ifstream in(std::string(LUMBARN_EXAMPLES "/") + name, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(in), {}};
@@ -153,6 +178,9 @@ void addExamples(const Corpus& corpus) {
     corpus.addFile(example(file), formatted, name++);
   }
   corpus.add("fuzz_restart", {6}, example("ARBORM/ARBORM.X0003"));
+  for (const char* file : {"HOLLIN/HOLLIN.EGRID", "ARBOR/ARBOR.EGRID", "ARBORF/ARBORF.FEGRID"}) {
+    corpus.add("fuzz_grid", {0}, example(file));
+  }
   for (const char* file : {"ARBOR/ARBOR.INIT", "HOLLIN/HOLLIN.INIT", "ARBORF/ARBORF.FINIT"})
     corpus.addInit(example(file));
   corpus.addSummary(example("ARBOR/ARBOR.SMSPEC"), example("ARBOR/ARBOR.UNSMRY"));
@@ -215,6 +243,26 @@ void addWellTests(const Corpus& corpus) {
   }
 }
 
+/// The indexes of the run whose data the target has.
+void addIndexes(const Corpus& corpus) {
+  const test::TemporaryFolder folder;
+  const test::IndexedRun run;
+  const std::string target = folder.file("INDEX");
+  const auto addWritten = [&](int kind) {
+    std::ifstream in(target, std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(in), {});
+    corpus.add("fuzz_index", {kind}, test::bytesOf(text));
+  };
+  Session session;
+  bool qOK = false;
+  WriteEclipseRsspecFile(walkRestart(session, run.writeRestart(folder, "R", test::bigEndian, true)), target,
+                         qOK, session);
+  addWritten(0);
+  test::writeFile(folder.file("R.INIT"), run.init(test::bigEndian));
+  WriteEclipseInspecFile(walkInit(session, folder.file("R.INIT")), target, qOK, session);
+  addWritten(1);
+}
+
 /// A run with every simulation table, small, two of those with an outer index.
 Bytes allTables(const Form& form) {
   test::InitBuilder file(form);
@@ -249,8 +297,13 @@ int main(int count, char** words) {
     corpus.addSummary(run.spec(form), run.data(form));
     for (const int options : {0, 3}) corpus.add("fuzz_restart", {options}, restart().bytes(form));
     corpus.add("fuzz_restart", {6}, restart().bytes(form, restart().steps[0]));
+    for (const auto& grid : grids()) {
+      corpus.add("fuzz_grid", {0}, grid.egrid(form));
+      if (grid.dualPorosity == 0 && grid.grids[0].angles == 0) corpus.add("fuzz_grid", {0}, grid.grid(form));
+    }
   }
   addExamples(corpus);
   addWellTests(corpus);
+  addIndexes(corpus);
   return 0;
 }

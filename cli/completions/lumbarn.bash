@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary wells rft grid init tables -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft init tables -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -17,6 +17,8 @@ _lumbarn() {
       ;;
   esac
   case ${COMP_WORDS[1]} in
+    restart) options+=' --step --array --grid --ijk --all' ;;
+    index) options='--into --replace -h --help' ;;
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;
     rft) options+=' --test --plt --branch --icd --segments --all' ;;

@@ -222,6 +222,7 @@ bool EGridRecords::ProcessEGridCorners() {
   auto blocks = coarse ? set_.coarseBlocks(pending_.coarse) : std::vector<CoarseBlock>{};
 
   const auto resume = cursor.nextPosition();
+  const RecordHeader here = cursor.header();
   cursor.setCurrent(*pending_.zcorn);
   // The corners of a coarsened cell are those of cells that do not count, so that all depths must stay.
   const bool compress = set_.options().compress && blocks.empty();
@@ -230,6 +231,8 @@ bool EGridRecords::ProcessEGridCorners() {
                              : processCornerPoints_Grid(cursor, {}, grid, set_.session(), nNotFinite);
   if (!read) return false;
   set_.tellNotFinite(nNotFinite);
+  // The record that ended the grid may be the first of the next one, and is still to be taken.
+  if (!here.keyword.empty()) cursor.setCurrent(here);
   cursor.seek(resume);
   if (!blocks.empty()) grid.setCoarse(std::move(blocks));
   if (!pending_.hosts.empty()) grid.setHostCells(std::move(pending_.hosts));

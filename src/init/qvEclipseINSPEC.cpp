@@ -42,8 +42,8 @@ void qvEclipseINSPEC::getEclipseINSPEC(RecordCursor& cursor) {
     IndexFileGrid& grid = grids.back();
     if (name) {
       named = true;
-      grid.zNames = cursor.texts();
-      auto zClean = grid.zNames;
+      grid.takeNames(cursor);
+      auto zClean = cursor.texts();
       bool qClean = false;
       CleanUpVectorNames(zClean, qClean);
       grid.setNames(zClean);

@@ -15,6 +15,16 @@ std::uint64_t positionOf(std::int32_t low, std::int32_t high, int lowBits) {
   return (std::uint64_t{static_cast<std::uint32_t>(high)} << lowBits) + static_cast<std::uint32_t>(low);
 }
 
+/// Calls `visit` with each text of the current record as it stands, without a string for each: an index has
+/// as many names as a run has records.
+template <class Visit>
+void forEachText(RecordCursor& cursor, Visit visit) {
+  const auto width = static_cast<std::size_t>(cursor.header().width);
+  std::string all(static_cast<std::size_t>(cursor.header().count) * width, ' ');
+  cursor.readText(all);
+  for (std::size_t at = 0; at < all.size(); at += width) visit(std::string_view(all).substr(at, width));
+}
+
 }  // namespace
 
 std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB) {
@@ -35,11 +45,23 @@ bool IndexFileGrid::take(RecordCursor& cursor) {
   } else if (header.is("ARRAYMAX", ElementType::Single)) {
     sMax = cursor.singles();
   } else if (header.is("TYPE", ElementType::Text)) {
-    zTypes = cursor.texts();
+    zTypes.clear();
+    forEachText(cursor, [&](std::string_view text) { zTypes.emplace_back(text); });
   } else {
     return false;
   }
   return true;
+}
+
+void IndexFileGrid::takeNames(RecordCursor& cursor) {
+  const auto count = static_cast<std::size_t>(cursor.header().count);
+  bNames = ByteTable(nameWidth, count);
+  keywords.clear();
+  keywords.reserve(count);
+  forEachText(cursor, [&](std::string_view text) {
+    keywords.emplace_back(text);
+    bNames.put(keywords.size(), 1, nameWidth, text);
+  });
 }
 
 void IndexFileGrid::setNames(const std::vector<std::string>& names) {
@@ -77,7 +99,7 @@ void addNewNames(const std::vector<std::string>& more, std::vector<std::string>&
 }
 
 bool toGroup(const IndexFileGrid& grid, int lowBits, IndexGroup& group, std::string& problem) {
-  const std::size_t count = grid.zNames.size();
+  const std::size_t count = grid.keywords.size();
   if (grid.zTypes.size() != count || grid.iNumber.size() != count || grid.iPointer.size() != count ||
       grid.iPointerB.size() != count) {
     problem = fmt::format("{} names with {} types, {} numbers, {} and {} pointers", count, grid.zTypes.size(),
@@ -89,7 +111,7 @@ bool toGroup(const IndexFileGrid& grid, int lowBits, IndexGroup& group, std::str
   group.entries.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
     auto& entry = group.entries.emplace_back(
-        IndexEntry{FixedText<8>(grid.zNames[i]), FixedText<4>(grid.zTypes[i]), grid.iNumber[i],
+        IndexEntry{grid.keywords[i], FixedText<4>(grid.zTypes[i].whole()), grid.iNumber[i],
                    positionOf(grid.iPointer[i], grid.iPointerB[i], lowBits)});
     if (ranges) {
       entry.minimum = grid.sMin[i];

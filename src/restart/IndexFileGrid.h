@@ -18,17 +18,19 @@ struct IndexFileGrid {
   std::string zGrid;         ///< LGRNAME; empty: the global grid
   std::int32_t nArrays = 0;  ///< elements of NUMBER; in an INSPEC file of NAME
   ByteTable bNames{16, 0};   ///< each name, at most 16 characters of it
-  std::vector<std::string> zTypes;
+  std::vector<FixedText<8>> zTypes;
   std::vector<std::int32_t> iNumber;    ///< elements of each array
   std::vector<std::int32_t> iPointer;   ///< low part of the position
   std::vector<std::int32_t> iPointerB;  ///< high part
   std::vector<float> sMin;
   std::vector<float> sMax;
-  std::vector<std::string> zNames;  ///< whole and as in the file
+  std::vector<FixedText<8>> keywords;  ///< the names as the records have them
 
   /// Reads the current record when it is TYPE, NUMBER, POINTER, POINTERB, ARRAYMIN or ARRAYMAX. False for any
   /// other.
   bool take(RecordCursor& cursor);
+  /// Reads the current record, which is NAME.
+  void takeNames(RecordCursor& cursor);
   /// Copies names into `bNames`, cut at 16 characters.
   void setNames(const std::vector<std::string>& names);
   std::vector<std::string> names() const;  ///< those of `bNames`, trimmed

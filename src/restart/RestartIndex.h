@@ -26,7 +26,8 @@ class FixedText {
   explicit FixedText(std::string_view text) : FixedText() {
     text.substr(0, width).copy(letters_.data(), width);
   }
-  std::string_view view() const { return trimRight({letters_.data(), width}); }
+  std::string_view view() const { return trimRight(whole()); }
+  std::string_view whole() const { return {letters_.data(), width}; }  ///< with the blanks behind it
   bool operator==(const FixedText&) const = default;
 
  private:

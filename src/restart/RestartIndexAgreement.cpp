@@ -119,12 +119,31 @@ class FileAgreement {
             header.count, header.typeWord, entry.keyword.view(), entry.count, entry.typeWord.view());
   }
 
+  /// Moves behind an entry's record. Where its end follows from its length, a header that stands there tells
+  /// enough, and spares a look at its start, which may be far away.
+  void moveBehind(const IndexEntry& entry) {
+    const auto [type, width] = typeInfo(entry.typeWord.view());
+    if (cursor_->form().framing == Framing::FourByteMarks && width > 0) {
+      const auto count = static_cast<std::uint64_t>(entry.count);
+      const auto perBlock = static_cast<std::uint64_t>(elementsPerBlock(type));
+      const std::uint64_t end = entry.position + 24 + count * static_cast<std::uint64_t>(width) +
+                                8 * ((count + perBlock - 1) / perBlock);
+      cursor_->seek(end);
+      try {
+        if (cursor_->next()) return cursor_->seek(end);
+      } catch (const BadRecord&) {
+        // Blocks of an unusual length, or no such record: its header tells.
+      }
+    }
+    moveTo(entry);
+  }
+
   /// From the last record of the step before, or the start of the file, the headers must lead to the first of
   /// this step, through one report step number at most.
   void checkStart(const IndexStep* before, IndexStep& step) {
     constexpr int recordsBetween = 64;
     if (before) {
-      moveTo(last(*before));
+      moveBehind(last(*before));
     } else {
       cursor_->seek(0);
     }
@@ -258,7 +277,7 @@ std::string disagreement(RestartIndex& index) {
 
 bool addGroups(const std::vector<IndexFileGrid>& grids, int lowBits, IndexStep& step, std::string& problem) {
   for (const IndexFileGrid& grid : grids) {
-    if (grid.zNames.empty()) continue;
+    if (grid.keywords.empty()) continue;
     if (!toGroup(grid, lowBits, step.groups.emplace_back(), problem)) return false;
   }
   return true;

@@ -39,8 +39,7 @@ void qvEclipseRSSPECSequence::getEclipseSEQUENCE(RecordCursor& cursor) {
         iYear = iTime[3];
       }
     } else if (header.is("NAME", ElementType::Text)) {
-      grids.back().zNames = cursor.texts();
-      grids.back().setNames(grids.back().zNames);
+      grids.back().takeNames(cursor);
     } else if (header.is("LGRNAME", ElementType::Text)) {
       grids.emplace_back().zGrid = header.count > 0 ? firstText(cursor) : "";
     } else {

@@ -109,12 +109,6 @@ class QVEclipseRFTtest {
   const TestTable& branchTable() const { return brn_; }
 
  private:
-  /// An array of connection indices, held apart until the table is known.
-  struct IndexArray {
-    std::vector<float> values;  // empty: not read, and counts as one 0
-    std::uint64_t headerAt = TestTable::workedOut;
-  };
-
   // Reading: TestReading.cpp.
   void readRecord(RecordWalk& reader);
   void setDate(RecordCursor& cursor);
@@ -162,9 +156,8 @@ class QVEclipseRFTtest {
 
   TestTable rft_, plt_, seg_, brn_;
   TextArray welletc_;
-  std::vector<float> sWELLPLT_;        // as read; nothing uses it
-  std::vector<std::int32_t> iSort_;    // row order of the PLT table, from 1; empty: as they stand
-  std::array<IndexArray, 3> indices_;  // CONIPOS, CONJPOS, CONKPOS; released once they are in the tables
+  std::vector<float> sWELLPLT_;      // as read; nothing uses it
+  std::vector<std::int32_t> iSort_;  // row order of the PLT table, from 1; empty: as they stand
   std::int32_t iDepthColumn_ = 1;
   std::int32_t nConnections_ = 0;
   std::int32_t nSegments_ = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,9 +31,18 @@ class RecordWalk {
   RecordCursor& cursor() { return cursor_; }
   const RecordHeader& header() const { return cursor_.header(); }
 
-  bool damaged = false;               ///< the file cannot be read on from here
-  std::size_t recordsRead = 0;        ///< whole ones, by the tests
-  std::vector<std::int32_t> scratch;  ///< for integers that become singles
+  bool damaged = false;         ///< the file cannot be read on from here
+  std::size_t recordsRead = 0;  ///< whole ones, by the tests
+
+  // Room that the tests use one after the other.
+  /// An array of connection indices, held apart until the table that it goes into is known.
+  struct IndexArray {
+    std::vector<float> values;  ///< empty: not read, and counts as one 0
+    std::uint64_t headerAt = 0;
+  };
+  std::array<IndexArray, 3> indices;  ///< CONIPOS, CONJPOS, CONKPOS
+  std::vector<std::int32_t> integers;
+  std::vector<float> singles;
 
  private:
   RecordCursor cursor_;

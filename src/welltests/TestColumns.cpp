@@ -7,8 +7,18 @@ namespace lumbarn {
 
 namespace {
 
+/// The first eight letters as one number, so that names are told apart without comparing texts.
+constexpr std::uint64_t keyOf(std::string_view name) {
+  std::uint64_t key = 0;
+  for (std::size_t i = 0; i < 8; ++i) {
+    key = key << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+  }
+  return key;
+}
+
 template <class Column>
 struct NamedColumn {
+  std::uint64_t key;
   std::string_view name;
   Column column;
 };
@@ -18,8 +28,8 @@ template <class Column, std::size_t n>
 constexpr auto byName(const std::array<std::string_view, n>& names) {
   static_assert(n == static_cast<std::size_t>(Column::Count));
   std::array<NamedColumn<Column>, n> table{};
-  for (std::size_t i = 0; i < n; ++i) table[i] = {names[i], static_cast<Column>(i)};
-  std::ranges::sort(table, {}, &NamedColumn<Column>::name);
+  for (std::size_t i = 0; i < n; ++i) table[i] = {keyOf(names[i]), names[i], static_cast<Column>(i)};
+  std::ranges::sort(table, {}, &NamedColumn<Column>::key);
   return table;
 }
 
@@ -53,7 +63,7 @@ void ColumnNumbers<Column>::set(const TestTable& table) {
   for (std::int32_t i = 0; i < table.count; ++i) {
     const std::string_view name = table.columns[static_cast<std::size_t>(i)].name;
     const auto& names = namesOf<Column>();
-    const auto found = std::ranges::lower_bound(names, name, {}, &NamedColumn<Column>::name);
+    const auto found = std::ranges::lower_bound(names, keyOf(name), {}, &NamedColumn<Column>::key);
     if (found == names.end() || found->name != name) continue;
     auto& number = numbers_[static_cast<std::size_t>(found->column)];
     if (number < 0) number = i + 1;

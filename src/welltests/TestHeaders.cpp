@@ -27,7 +27,7 @@ std::string_view nameInPLT(std::string_view zName) {
   struct Renamed {
     std::string_view from, to;
   };
-  for (const auto& [from, to] : {Renamed{"DEPTH", "CONBDEPTH"},
+  for (const auto& [from, to] : {Renamed{"DEPTH", "CONBDEPH"},
                                  {"PRESSURE", "CONBPRES"},
                                  {"SWAT", "CONBSWAT"},
                                  {"SGAS", "CONBSGAS"},

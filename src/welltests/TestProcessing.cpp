@@ -22,7 +22,6 @@ void QVEclipseRFTtest::processRecords() {
   processBRANCHData();
   processSEGMENTData();
   processICDData();
-  indices_ = {};
 }
 
 void QVEclipseRFTtest::setPointers() {
@@ -46,8 +45,8 @@ void QVEclipseRFTtest::processRFTPLTRecords(TestTable& table) {
   if (!qIndices_) return;
   constexpr std::string_view names[] = {"CONIPOS", "CONJPOS", "CONKPOS"};
   constexpr float notRead = 0;
-  for (std::size_t axis = 0; axis < indices_.size(); ++axis) {
-    const IndexArray& array = indices_[axis];
+  for (std::size_t axis = 0; axis < reader_->indices.size(); ++axis) {
+    const RecordWalk::IndexArray& array = reader_->indices[axis];
     const auto values =
         array.values.empty() ? std::span<const float>(&notRead, 1) : std::span<const float>(array.values);
     addArray(table, names[axis], values, array.headerAt);
@@ -60,7 +59,8 @@ void QVEclipseRFTtest::processRFTRecords() {
     processRFTPLTRecords(rft_);
     if (!qRFT_ || nConnections_ == 0 || rft_.find("DEPTH") < 0) return;
     const auto n = static_cast<std::size_t>(nConnections_);
-    std::vector<float> values(n);
+    std::vector<float>& values = reader_->singles;
+    values.resize(n);
     if (rft_.find("SOIL") < 0) {
       values.assign(n, 1);
       for (const std::string_view phase : {"SGAS", "SWAT"}) {  // in this order, for the last bit

@@ -46,6 +46,7 @@ std::string_view getWellType(std::string_view zText) {
 
 void QVEclipseRFTtest::getEclipseRFTtest(RecordWalk& reader, bool& qOK) {
   reader_ = &reader;
+  for (auto& array : reader.indices) array.values.clear();
   bool whole = false;  // the record in hand has been read; what fails is the way to the next
   guarded(*session_, qOK, className, "getEclipseRFTtest", [&] {
     std::int32_t nTimes = 0;
@@ -138,13 +139,12 @@ void QVEclipseRFTtest::readIndices(RecordCursor& cursor) {
   const std::size_t axis = isAny(header.keyword, {"CONIPOS", "I"})   ? 0
                            : isAny(header.keyword, {"CONJPOS", "J"}) ? 1
                                                                      : 2;
-  auto& whole = reader_->scratch;
+  auto& whole = reader_->integers;
   whole.resize(static_cast<std::size_t>(header.count));
   cursor.read(std::span<std::int32_t>(whole));
-  indices_[axis].values.resize(whole.size());
-  std::ranges::transform(whole, indices_[axis].values.begin(),
-                         [](std::int32_t value) { return static_cast<float>(value); });
-  indices_[axis].headerAt = header.headerAt;
+  auto& [values, headerAt] = reader_->indices[axis];
+  values.assign(whole.begin(), whole.end());
+  headerAt = header.headerAt;
   qIndices_ = true;
 }
 
@@ -190,7 +190,7 @@ void QVEclipseRFTtest::addRecord(RecordCursor& cursor, TestTable& table) {
     if (header.type == ElementType::Single) {
       cursor.read(column);
     } else {
-      auto& whole = reader_->scratch;
+      auto& whole = reader_->integers;
       whole.resize(column.size());
       cursor.read(std::span<std::int32_t>(whole));
       std::ranges::transform(whole, column.begin(),

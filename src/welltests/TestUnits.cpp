@@ -21,7 +21,7 @@ constexpr auto columnUnits = std::to_array<ColumnUnit>({
     {"CONLENST", welletcLength},
     {"CONLENEN", welletcLength},
     {"CONLENTH", welletcLength},
-    {"CONBDEPTH", welletcLength},
+    {"CONBDEPH", welletcLength},
     {"CONPRES", welletcPressure},
     {"CONBPRES", welletcPressure},
     {"CONORAT", welletcLiquidRate},

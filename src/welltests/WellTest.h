@@ -85,8 +85,8 @@ struct WellTopology {
   std::vector<WellBranch> branches;     ///< by number
   std::vector<std::int32_t> undrained;  ///< segments from which no flow comes to the well head: those in
                                         ///< rings and those that flow into rings
-  std::vector<std::int32_t> astray;  ///< segments that flow into one that is not there; they count as if
-                                     ///< they flowed to the well head
+  std::vector<std::int32_t> astray;     ///< segments that flow into one that is not there; they count as if
+                                        ///< they flowed to the well head
 };
 /// From the arrays SEGNXT and SEGBRNO; nothing when the test has not both. Linear in the number of segments.
 WellTopology topologyOf(const WellTest& test);

@@ -32,6 +32,8 @@ const Golden goldens[] = {
     {"wells-last", {"wells", "HOLLIN"}},
     {"wells-rows", {"wells", "--format", "csv", "ARBORFM"}},
     {"wells-object", {"wells", "--format", "json", "--step", "3", "HOLLIN/HOLLIN.UNRST"}},
+    {"restart", {"restart", "ARBORM"}},
+    {"restart-rows", {"restart", "--step", "3", "--format", "csv", "ARBORF"}},
     {"init", {"init", "HOLLIN"}},
     {"init-nnc", {"init", "--nnc", "HOLLIN"}},
     {"init-flags", {"init", "--flags", "--format", "csv", "ARBORF"}},

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "CommandRun.h"
+#include "support/GridBuilder.h"
 #include "support/TemporaryFolder.h"
 
 namespace lumbarn::cli::testing {
@@ -67,6 +68,19 @@ TEST(Grid, ADamagedRestartGivesTheStepsBeforeTheDamage) {
 #else
   EXPECT_EQ(run.status, 2);
 #endif
+}
+
+TEST(Grid, CheckTellsWhatDoesNotFitTheSizes) {
+  const test::TemporaryFolder folder;
+  test::GridBuilder run;
+  run.grids[0].activity = {1, 1, 0};
+  test::writeFile(folder.file("RUN.EGRID"), run.egrid(Form{}));
+  const Outcome checked = command({"check", "--format", "csv", folder.file("RUN.EGRID")});
+  EXPECT_EQ(checked.status, 3);
+  const auto rows = parseCsv(checked.out);
+  ASSERT_EQ(rows.size(), 2) << checked.out;
+  EXPECT_EQ(rows[1][2], "ACTNUM");
+  EXPECT_THAT(rows[1][5], HasSubstr("12"));
 }
 
 }  // namespace

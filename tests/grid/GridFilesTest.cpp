@@ -12,10 +12,8 @@ namespace lumbarn::test {
 
 namespace {
 
-using ::testing::AnyOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 using Connection = GridConnection;
 
@@ -141,6 +139,239 @@ TEST_P(GridFiles, DamageAnywhereIsToldAndNeverMore) {
     tryOut(std::move(flipped), size);
   }
   EXPECT_EQ(most, 2);
+}
+
+TEST(EGridFiles, TwoPorositySystemsDoubleTheLayers) {
+  for (const bool half : {false, true}) {
+    for (const bool compress : {false, true}) {
+      GridBuilder builder;
+      builder.dualPorosity = 1;
+      builder.grids[0].size = {3, 2, 4};
+      builder.grids[0].halfDepths = half;
+      builder.grids[0].activity = {1, 2, 3, 0, 1, 1, 3, 3, 3, 3, 3, 3};  // of the upper half, both by bits
+      GridLoad load(true, compress);
+      ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian)) << load.lastDiagnosis().text();
+      const Hadrick& grid = load.grid();
+      EXPECT_EQ(grid.Nz(), 4);
+      EXPECT_EQ(grid.iDualPorosity, 1);
+      EXPECT_EQ(grid.nActive(), 10 + 8);
+      EXPECT_EQ(grid.activeOf(2), 0);
+      EXPECT_EQ(grid.activeOf(12 + 2), 11) << "a cell of the second system alone";
+      const float top = GridBuilder::top(1, half ? 0 : 2);
+      EXPECT_EQ(cornersOf(grid, 12 + 2)[2], top) << "the second system lies where the first does";
+    }
+  }
+}
+
+TEST(EGridFiles, EachReservoirHasPillarsOfItsOwn) {
+  for (const bool compress : {false, true}) {
+    GridBuilder builder;
+    builder.grids[0].size = {3, 2, 4};
+    builder.grids[0].reservoirs = {{1, 1}, {3, 4}};
+    builder.grids[0].activity = std::vector<std::int32_t>(24, 1);
+    builder.grids[0].activity[7] = 0;
+    GridLoad load(true, compress);
+    ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian));
+    const Hadrick& grid = load.grid();
+    const float lean = (GridBuilder::top(0, 2) - 900) / 10;
+    EXPECT_EQ(cornersOf(grid, 13)[0], 10000 + lean);
+    EXPECT_FALSE(grid.hasCorners(9)) << "a layer between the reservoirs";
+    EXPECT_EQ(activeRows(grid)[24 * 7 + 2], 0);
+  }
+}
+
+TEST(EGridFiles, RadialActivityIsSpreadOverTheAngles) {
+  GridBuilder builder;
+  builder.grids[0].size = {2, 4, 1};
+  builder.grids[0].angles = 4;
+  builder.grids[0].activity = {1, 0, 0, 1};  // two angles of two radii
+  GridLoad load(true);
+  ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian));
+  EXPECT_THAT(load.grid().activeNumbers(), ElementsAre(1, 0, 2, 0, 0, 3, 0, 4));
+}
+
+TEST(EGridFiles, ACoarsenedBlockIsOneCellWithItsOuterCorners) {
+  GridBuilder builder;
+  builder.grids[0].size = {4, 3, 2};
+  auto& coarse = builder.grids[0].coarse;
+  coarse.assign(24, 0);
+  for (const std::size_t cell : {1, 2, 5, 6, 13, 14, 17, 18}) coarse[cell] = 9;  // 2..3, 1..2, 1..2
+  for (const std::size_t cell : {8, 11}) coarse[cell] = 4;                       // no box
+  builder.grids[0].activity.assign(24, 1);
+  builder.grids[0].activity[1] = 0;
+  GridLoad load(true, true);
+  ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian));
+  const Hadrick& grid = load.grid();
+  EXPECT_THAT(grid.coarseBlocks(), ElementsAre(CoarseBlock{2, {2, 3, 1, 2, 1, 2}}));
+  EXPECT_EQ(grid.nActive(), 24 - 7) << "the first cell stands for all, as one of them is active";
+  EXPECT_EQ(grid.activeOf(2), 2);
+  EXPECT_EQ(grid.activeOf(3), 0);
+  const auto row = cornersOf(grid, 2);
+  for (int n = 0; n < 8; ++n) {
+    const auto expected = builder.corner(builder.grids[0], 1 + (n & 1), n >> 1 & 1, n >> 2, n);
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      EXPECT_EQ(row[3 * static_cast<std::size_t>(n) + axis], static_cast<float>(expected[axis])) << n;
+    }
+  }
+  const auto rows = activeRows(grid);
+  EXPECT_TRUE(std::ranges::equal(row, std::span(rows).subspan(24, 24)));
+  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("no box"));
+
+  load.reader.Coarsened = false;
+  ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian));
+  EXPECT_EQ(load.grid().nActive(), 23);
+}
+
+TEST(EGridFiles, TheNextGridEndsOneThatHasNoEnd) {
+  GridBuilder builder;
+  builder.endGrid = false;
+  builder.grids.push_back({.size = {2, 2, 1}, .activity = {1, 1, 0, 1}, .name = "LOCAL"});
+  GridLoad load(true);
+  ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian)) << load.lastDiagnosis().text();
+  ASSERT_EQ(load.reader.nGrids, 2);
+  EXPECT_EQ(load.grid(1).zName, "LOCAL");
+  expectCorners(load.grid(1), builder, builder.grids[1]);
+  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("end of the grid is not told"));
+}
+
+TEST(EGridFiles, MapAxesTurnScaleAndMove) {
+  GridBuilder builder;
+  builder.lean = 0;
+  builder.mapAxes = {1000, 2000, 3000, 2000, 3000, 5000};  // Y goes west, X goes north
+  builder.gridUnit = {"FEET", ""};
+  builder.mapUnit = "METRES";
+  GridLoad load(true);
+  ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian));
+  const auto row = cornersOf(load.grid(), 1, GridFrame::Map);
+  const std::span far = std::span(row).subspan(9, 3);  // corner 4: 100 along X, 50 along Y
+  EXPECT_THAT(far, ElementsAre(3000 - 15.24F, 2000 + 30.48F, 1000));
+  builder.gridUnit = {"FEET", "MAP"};
+  ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian));
+  EXPECT_EQ(cornersOf(load.grid(), 1, GridFrame::Map)[9], 100) << "relative to the map already";
+}
+
+/// What does not hold is told. `grids` is how many are given out nevertheless.
+struct BadCase {
+  const char* name;
+  void (*spoil)(GridBuilder&);
+  bool reads;
+  std::int32_t grids;
+  const char* problem;
+};
+
+class BadGrids : public ::testing::TestWithParam<BadCase> {};
+
+void addLocal(GridBuilder& b, const char* name, const char* parent) {
+  b.grids.push_back({.size = {1, 1, 1}, .name = name, .parent = parent});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, BadGrids,
+    ::testing::Values(
+        BadCase{"Unstructured", [](auto& b) { b.fileType = 1; }, false, 0, "no corner point grid"},
+        BadCase{"SizesOverflow",
+                [](auto& b) {
+                  addLocal(b, "L", "");
+                  b.headSize = {65536, 65536, 65536};
+                },
+                false, 1, "more cells than can be numbered"},
+        BadCase{"SizesTooLarge",
+                [](auto& b) {
+                  addLocal(b, "L", "");
+                  b.headSize = {1000, 1000, 1000};
+                },
+                false, 1, "does not go with the sizes"},
+        BadCase{"NoCells",
+                [](auto& b) {
+                  addLocal(b, "L", "");
+                  b.headSize = {0, 2, 2};
+                },
+                false, 1, "grid has no cells"},
+        BadCase{"ActivityTooShort",
+                [](auto& b) {
+                  b.grids[0].activity = {1, 1};
+                },
+                false, 0, "does not go with the sizes"},
+        BadCase{"Ring",
+                [](auto& b) {
+                  addLocal(b, "A", "B");
+                  addLocal(b, "B", "A");
+                },
+                true, 3, "ring"},
+        BadCase{"OwnParent", [](auto& b) { addLocal(b, "A", "A"); }, true, 2, "parent grid does not exist"},
+        BadCase{"NoParent", [](auto& b) { addLocal(b, "A", "NONE"); }, true, 2, "parent grid does not exist"},
+        BadCase{"NoHost",
+                [](auto& b) {
+                  addLocal(b, "A", "");
+                  b.grids[1].hosts = {13};
+                },
+                true, 2, "host cells do not exist"},
+        BadCase{"NoConnected",
+                [](auto& b) {
+                  b.grids[0].nnc1 = {1, 13};
+                  b.grids[0].nnc2 = {2, 1};
+                },
+                true, 1, "connections to cells that do not exist"},
+        BadCase{"OneEnd",
+                [](auto& b) {
+                  b.grids[0].nnc1 = {1, 3};
+                  b.grids[0].nnc2 = {2};
+                },
+                true, 1, "one end only"},
+        BadCase{"NotFinite", [](auto& b) { b.lean = nan; }, true, 1, "not finite"},
+        BadCase{"ReservoirsUntold",
+                [](auto& b) {
+                  b.grids[0].reservoirs = {{1, 1}, {2, 9}};
+                },
+                false, 0, "layers of the reservoirs"}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_P(BadGrids, AreToldAndDoNoHarm) {
+  GridBuilder builder;
+  GetParam().spoil(builder);
+  GridLoad load(true);
+  EXPECT_EQ(load.read(builder.egrid(bigEndian), bigEndian), GetParam().reads);
+  EXPECT_EQ(load.reader.nGrids, GetParam().grids);
+  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr(GetParam().problem));
+  for (const auto& grid : load.reader.xGrids) {
+    activeRows(*grid);
+    std::int32_t steps = 0;
+    for (auto g = grid->iParent; g > 0 && steps < 9; ++steps)
+      g = load.grid(static_cast<std::size_t>(g) - 1).iParent;
+    EXPECT_LE(steps, 2) << "all ways end at the global grid";
+  }
+}
+
+TEST(OldGridFiles, CellsOutOfOrderAndShortRecordsAreRead) {
+  const std::array<std::int32_t, 3> size = {2, 1, 1};
+  for (const bool compress : {false, true}) {
+    std::vector<std::byte> bytes;
+    RecordWriter out(memorySink(bytes), bigEndian);
+    out.integers("DIMENS", size);
+    for (const std::int32_t i : {2, 1}) {
+      out.integers("COORDS", std::array{i, 1, 1, i});  // four words: active
+      out.singles("CORNERS", std::vector<float>(24, static_cast<float>(i)));
+    }
+    GridLoad load(false, compress);
+    ASSERT_TRUE(load.read(bytes, bigEndian)) << load.lastDiagnosis().text();
+    EXPECT_EQ(load.grid().nActive(), 2);
+    EXPECT_EQ(cornersOf(load.grid(), 1)[5], 1);
+    EXPECT_EQ(activeRows(load.grid())[24], 2);
+  }
+}
+
+TEST(OldGridFiles, AGridWithoutActiveCellsEndsTheRead) {
+  GridBuilder builder;
+  builder.grids[0].activity.assign(12, 0);
+  builder.grids.push_back({.name = "LOCAL"});
+  GridLoad load(false);
+  EXPECT_TRUE(load.read(builder.grid(bigEndian), bigEndian));
+  EXPECT_EQ(load.reader.nGrids, 1);
+  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("no active cell"));
+  load.reader.NoInactive = true;
+  EXPECT_TRUE(load.read(builder.grid(bigEndian), bigEndian));
+  EXPECT_EQ(load.grid().nActive(), 12);
+  EXPECT_EQ(load.reader.nGrids, 2);
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ TEST(PointLocator, FindsWhatASearchOfAllCellsFinds) {
     int hits = 0;
     for (const CellChoice choice : {CellChoice::Active, CellChoice::All}) {
       const PointLocator locator(grid, choice);
-      for (int n = 0; n < 400; ++n) {
+      for (int n = 0; n < 150; ++n) {
         const Point point{between(box.low.x, box.high.x), between(box.low.y, box.high.y),
                           between(box.low.z, box.high.z)};
         const std::int32_t found = locator.find(point);
@@ -55,12 +55,13 @@ TEST(PointLocator, FindsWhatASearchOfAllCellsFinds) {
         hits += found > 0;
       }
       // A centre may lie outside of a cell that is bent enough, but the search says the same.
-      forEachCell(grid, choice, [&](std::int32_t, CellCorners corners) {
+      forEachCell(grid, choice, [&](std::int32_t iCell, CellCorners corners) {
+        if (iCell % 5 > 0) return;
         const Point centre = cellCentre(corners);
         ASSERT_EQ(locator.find(centre), searched(grid, choice, centre)) << block.name;
       });
     }
-    EXPECT_GT(hits, 100) << block.name;
+    EXPECT_GT(hits, 40) << block.name;
   }
 }
 

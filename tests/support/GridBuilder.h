@@ -32,8 +32,10 @@ struct GridBuilder {
     }
   };
   std::vector<Grid> grids = {Grid{}};
-  std::int32_t fileType = 0;      ///< word 5 of FILEHEAD
-  std::int32_t dualPorosity = 0;  ///< word 6
+  std::int32_t fileType = 0;                  ///< word 5 of FILEHEAD
+  std::int32_t dualPorosity = 0;              ///< word 6
+  std::array<std::int32_t, 3> headSize = {};  ///< when set, what the last GRIDHEAD says instead
+  bool endGrid = true;
   float lean = 1;
   std::vector<float> mapAxes = {};
   std::vector<std::string> gridUnit = {"METRES", ""};
@@ -117,6 +119,9 @@ struct GridBuilder {
     std::vector<std::int32_t> head(40, 0);
     head[0] = 1;
     for (std::size_t n = 0; n < 3; ++n) head[n + 1] = grid.size[n];
+    if (headSize != std::array<std::int32_t, 3>{} && &grid == &grids.back()) {
+      for (std::size_t n = 0; n < 3; ++n) head[n + 1] = headSize[n];
+    }
     if (dualPorosity > 0) head[3] /= 2;
     head[24] = static_cast<std::int32_t>(grid.reservoirs.size());
     head[26] = grid.angles;
@@ -131,7 +136,7 @@ struct GridBuilder {
     if (!grid.activity.empty()) out.integers("ACTNUM", grid.activity);
     if (!grid.coarse.empty()) out.integers("CORSNUM", grid.coarse);
     if (!grid.hosts.empty()) out.integers("HOSTNUM", grid.hosts);
-    out.integers("ENDGRID", {});
+    if (endGrid) out.integers("ENDGRID", {});
     if (!grid.name.empty()) out.integers("ENDLGR", {});
   }
   void writeGrid(RecordWriter& out, const Grid& grid) const {

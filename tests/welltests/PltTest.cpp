@@ -45,7 +45,7 @@ TEST_P(Plt, GoesByMeasuredDepthWithWhatIsWorkedOut) {
   EXPECT_THAT(run.names(), ElementsAre("CONMD", "CONLENST", "CONLENEN", "CONLENTH", "CONORAT", "CONWRAT",
                                        "CONGRAT", "CONOTUB", "CONWTUB", "CONGTUB", "CONBRNO", "CONSEGNO",
                                        "CONPRES", "CONIPOS", "CONJPOS", "CONKPOS", "CONORATS", "CONWRATS",
-                                       "CONGRATS", "CONWCUT", "CONWCUTUB", "CONGOR", "CONGORTUB", "CONBDEPTH",
+                                       "CONGRATS", "CONWCUT", "CONWCUTUB", "CONGOR", "CONGORTUB", "CONBDEPH",
                                        "CONIPOS", "CONJPOS", "CONKPOS", "CONBSOIL", "COMPLETION"));
   struct Row {
     const char* name;
@@ -64,7 +64,7 @@ TEST_P(Plt, GoesByMeasuredDepthWithWhatIsWorkedOut) {
       {"CONWCUTUB", {0.5F, 0, 0, 0.75F}, ""},
       {"CONGOR", {5, 0, 7.F / 5.F, 100}, "SM3/SM3"},
       {"CONGORTUB", {4, 0, 2, 8}, "SM3/SM3"},
-      {"CONBDEPTH", {100, 400, 200, 300}, "METRES"},
+      {"CONBDEPH", {100, 400, 200, 300}, "METRES"},
       {"COMPLETION", {2, 4, 3, 1}, ""},
   };
   for (const Row& row : rows) {
@@ -84,7 +84,7 @@ TEST_P(Plt, BranchHasItsRowsOfBothTables) {
   EXPECT_FALSE(run.pltBranch(1, 3));
   ASSERT_TRUE(run.pltBranch(1, 2));
   EXPECT_EQ(run.column("CONMD"), (Singles{20, 35}));
-  EXPECT_EQ(run.column("CONBDEPTH"), (Singles{200, 300}));
+  EXPECT_EQ(run.column("CONBDEPH"), (Singles{200, 300}));
   EXPECT_EQ(run.fields(attributeDataKind)[28], "PLTBRAN");
   EXPECT_EQ(run.fields(attributeLGRName)[28], "2");
 }
@@ -94,7 +94,7 @@ TEST(PltOrder, BranchInTheOrderOfTheFileTakesTheFirstRftRows) {
   WellTestLoad run({{{.arrays = arrays}}});
   ASSERT_TRUE(run.pltBranch(1, 1));
   EXPECT_EQ(run.column("CONORAT"), (Singles{20, 0}));
-  EXPECT_EQ(run.column("CONBDEPTH"), (Singles{300, 100}));  // not those of connections 2 and 4
+  EXPECT_EQ(run.column("CONBDEPH"), (Singles{300, 100}));  // not those of connections 2 and 4
 }
 
 TEST(PltOrder, WithoutBothLengthsTheTableStaysAsTheFileHasIt) {
@@ -142,7 +142,7 @@ TEST(PltFaults, WithoutTubingRatesNothingIsReformedButTheOrderIs) {
   EXPECT_THAT(run.faults, ElementsAre(subscriptFaultIn("processPLTRecords")));
   ASSERT_TRUE(run.plt(1));
   EXPECT_EQ(run.column("CONORAT"), (Singles{10, 20, 5, 0}));
-  EXPECT_EQ(run.column("CONBDEPTH"), (Singles{100, 400, 200, 300}));
+  EXPECT_EQ(run.column("CONBDEPH"), (Singles{100, 400, 200, 300}));
   ASSERT_TRUE(run.plt(2));
   EXPECT_EQ(run.column("CONMD"), (Singles{15, 15, 20, 35}));
 }
@@ -174,7 +174,7 @@ TEST(PltOptions, OfTheFileReachNoTestAndOfATestDo) {
   readWith(run, [](QVEclipseRFTtest& one) { one.SortedPLT = false; });
   ASSERT_TRUE(run.plt(3));
   EXPECT_EQ(run.column("CONMD"), (Singles{35, 15, 20, 15}));
-  EXPECT_EQ(run.column("CONBDEPTH"), (Singles{300, 100, 200, 400}));
+  EXPECT_EQ(run.column("CONBDEPH"), (Singles{300, 100, 200, 400}));
   EXPECT_THAT(run.faults, IsEmpty());
 
   // The scaled columns are asked for all the same: the new table with as many columns as the file's had.

@@ -1,0 +1,72 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "CommandRun.h"
+#include "support/IndexedRun.h"
+
+namespace lumbarn::cli::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+struct RestartCommand : ::testing::Test {
+  RestartCommand() {
+    run_.writeRestart(folder_, "R", test::bigEndian, true);
+    test::writeFile(folder_.file("R.INIT"), run_.init(test::bigEndian));
+  }
+  Outcome restart(std::vector<std::string> args) {
+    args.insert(args.begin(), {"restart", "--format", "csv"});
+    args.push_back(folder_.file("R"));
+    return command(args);
+  }
+  test::TemporaryFolder folder_;
+  test::IndexedRun run_;
+};
+
+TEST_F(RestartCommand, ShowsActiveCellsOrAllWithTheirNumbers) {
+  const auto active = parseCsv(restart({"--step", "2", "--array", "region,FULL", "--ijk"}).out);
+  ASSERT_EQ(active.size(), 10U);
+  EXPECT_EQ(active[0], (std::vector<std::string>{"i", "j", "k", "REGION", "FULL"}));
+  EXPECT_EQ(active[3], (std::vector<std::string>{"1", "2", "1", "3", "203"}));
+  EXPECT_EQ(active[9], (std::vector<std::string>{"2", "2", "2", "16777217", "210"}));
+  const auto all = parseCsv(restart({"--step", "2", "--array", "PRESSURE", "--all"}).out);
+  ASSERT_EQ(all.size(), 13U);
+  EXPECT_EQ(all[3][0], "-999");
+  EXPECT_EQ(all[4][0], "202");
+  EXPECT_EQ(parseCsv(restart({"--step", "5", "--array", "P*", "--grid", "near well"}).out)[1][0], "2500");
+}
+
+TEST_F(RestartCommand, SaysWhatThereIs) {
+  const std::pair<std::vector<std::string>, const char*> rows[] = {
+      {{"--step", "3"}, "has no report step 3; it has 1, 2, 5"},
+      {{"--step", "2", "--array", "PRESURE"}, "did you mean \"PRESSURE\"?"},
+      {{"--step", "2", "--array", "X"}, "it has PRESSURE, REGION, FULL"},
+      {{"--step", "2", "--array", "X", "--grid", "Y"}, "it has ROOT, LGR1, NEAR WELL"},
+      {{"--step", "2", "--array", "ZWEL"}, "holds no numbers but CHAR"},
+      {{"--step", "2", "--array", "ICON", "--ijk"}, "it cannot be shown with --ijk"},
+      {{"--array", "PRESSURE"}, "--array needs --step N"}};
+  for (const auto& [args, message] : rows) {
+    const Outcome run = restart(args);
+    EXPECT_EQ(run.status, 2) << message;
+    EXPECT_THAT(run.err, HasSubstr(message));
+  }
+}
+
+TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
+  const std::string walked = restart({}).out;
+  EXPECT_EQ(command({"index", folder_.file("R"), "--into", folder_.file("nowhere")}).status, 2);
+  const Outcome written = command({"index", folder_.file("R"), "--into", folder_.file("")});
+  EXPECT_EQ(written.status, 0) << written.err;
+  EXPECT_THAT(written.out, HasSubstr("R.RSSPEC: 3 steps, "));
+  EXPECT_THAT(written.out, HasSubstr("R.INSPEC: "));
+  EXPECT_EQ(restart({}).out, walked);
+  EXPECT_THAT(command({"index", folder_.file("R"), "--into", folder_.file("")}).err, HasSubstr("--replace"));
+  EXPECT_EQ(command({"check", folder_.file("R")}).status, 0);
+  run_.steps = {1, 2};
+  run_.writeRestart(folder_, "R", test::bigEndian, true);
+  EXPECT_THAT(restart({}).err, HasSubstr("index does not agree"));
+  EXPECT_EQ(command({"check", folder_.file("R")}).status, 3);
+}
+
+}  // namespace
+}  // namespace lumbarn::cli::testing

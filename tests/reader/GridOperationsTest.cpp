@@ -1,0 +1,324 @@
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <numeric>
+#include <sstream>
+
+#include <gmock/gmock.h>
+
+#include "grid/GridLoad.h"
+#include "reader/qvEclipseReader.h"
+#include "record/RecordCursor.h"
+#include "support/GridBuilder.h"
+#include "support/TemporaryFolder.h"
+
+namespace lumbarn::test {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+/// A reader with a session of its own that loads a grid file.
+struct HostGrid {
+  Session session;
+  qvEclipseReader reader{session};
+
+  explicit HostGrid(const std::string& path, std::int32_t kind = 23) {
+    reader.FileName = path;
+    reader.whichtype = kind;
+  }
+  bool run() {
+    bool qOK = false;
+    reader.ECLReadData(qOK);
+    return qOK;
+  }
+  std::shared_ptr<Hadrick> grid(std::int32_t n = 1) {
+    std::shared_ptr<Hadrick> found;
+    bool qOK = false;
+    reader.GetGRIDData(n, found, qOK);
+    return found;
+  }
+  std::string problem() const {
+    return session.diagnoses().empty() ? "" : session.diagnoses().back().problem;
+  }
+};
+
+const std::string examples = LUMBARN_EXAMPLES "/data/";
+
+std::vector<float> singlesOf(const std::string& path, const std::string& keyword) {
+  std::string why;
+  const auto cursor = openRecords(path, why);
+  while (cursor && cursor->next()) {
+    if (cursor->header().is(keyword, ElementType::Single)) return cursor->singles();
+  }
+  return {};
+}
+
+/// Volume between eight corners: the Jacobian of the trilinear map, by Gauss' rule of two points on each
+/// axis, which is exact for it.
+double volumeOf(std::span<const float> row) {
+  double volume = 0;
+  const double place = 0.5 / std::sqrt(3.0);
+  for (int g = 0; g < 8; ++g) {
+    const double at[3] = {0.5 + ((g & 1) ? place : -place), 0.5 + ((g & 2) ? place : -place),
+                          0.5 + ((g & 4) ? place : -place)};
+    double jacobian[3][3] = {};
+    for (int n = 0; n < 8; ++n) {
+      for (int axis = 0; axis < 3; ++axis) {
+        double weight = 1;
+        for (int other = 0; other < 3; ++other) {
+          const bool high = (n >> other & 1) != 0;
+          if (other == axis) {
+            weight *= high ? 1 : -1;
+          } else {
+            weight *= high ? at[other] : 1 - at[other];
+          }
+        }
+        for (int c = 0; c < 3; ++c) {
+          jacobian[c][axis] += weight * (static_cast<double>(row[static_cast<std::size_t>(3 * n + c)]) -
+                                         row[static_cast<std::size_t>(c)]);
+        }
+      }
+    }
+    const auto& m = jacobian;
+    volume += (m[0][0] * (m[1][1] * m[2][2] - m[1][2] * m[2][1]) -
+               m[0][1] * (m[1][0] * m[2][2] - m[1][2] * m[2][0]) +
+               m[0][2] * (m[1][0] * m[2][1] - m[1][1] * m[2][0])) /
+              8;
+  }
+  return std::abs(volume);
+}
+
+struct Sample {
+  const char* name;
+  const char* grid;
+  const char* init;
+  double volumeUnit;  // of PORV in cubic units of length
+};
+
+class GridSamples : public ::testing::TestWithParam<Sample> {};
+INSTANTIATE_TEST_SUITE_P(Runs, GridSamples,
+                         ::testing::Values(Sample{"HOLLIN", "HOLLIN/HOLLIN.EGRID", "HOLLIN/HOLLIN.INIT", 1},
+                                           Sample{"ARBOR", "ARBOR/ARBOR.EGRID", "ARBOR/ARBOR.INIT", 5.614583},
+                                           Sample{"ARBORF", "ARBORF/ARBORF.FEGRID", "ARBORF/ARBORF.FINIT",
+                                                  5.614583}),
+                         [](const auto& test) { return test.param.name; });
+
+/// The same grid with its first pillar at the origin, which is exact. Singles near 6,000,000 are half a unit
+/// apart: rows of corners there say where a cell lies, but not its volume to a thousandth.
+Hadrick movedToOrigin(const Hadrick& grid, Session& session) {
+  Hadrick moved(session);
+  moved.setSize(grid.Nx(), grid.Ny(), grid.Nz());
+  moved.setActive({grid.activeNumbers().begin(), grid.activeNumbers().end()});
+  std::vector<float> coord(grid.coord().begin(), grid.coord().end());
+  for (std::size_t n = 0; n < coord.size(); n += 3) {
+    coord[n] -= grid.coord()[0];
+    coord[n + 1] -= grid.coord()[1];
+  }
+  moved.setPillars(std::move(coord));
+  XYData depths(8, grid.zcorn().size() / 8, session);
+  std::ranges::copy(grid.zcorn(), depths.values().begin());
+  moved.setDepths(std::move(depths), false);
+  return moved;
+}
+
+TEST_P(GridSamples, CornersBoundTheVolumesOfTheSimulator) {
+  const auto init = examples + GetParam().init;
+  const auto porv = singlesOf(init, "PORV");
+  const auto poro = singlesOf(init, "PORO");
+  const auto ntg = singlesOf(init, "NTG");
+  std::vector<float> rows[2];
+  for (const bool compress : {false, true}) {
+    HostGrid host(examples + GetParam().grid);
+    host.reader.CompressOnLoad = compress;
+    ASSERT_TRUE(host.run()) << host.problem();
+    EXPECT_TRUE(host.session.diagnoses().empty()) << host.problem();
+    XYData corners;
+    std::int32_t nActive = 0;
+    bool qOK = false;
+    host.reader.getCorners(1, corners, nActive, qOK);
+    ASSERT_TRUE(qOK);
+    ASSERT_EQ(static_cast<std::size_t>(nActive), poro.size());
+    rows[compress ? 1 : 0].assign(corners.values().begin(), corners.values().end());
+    if (compress) continue;
+    const auto grid = host.grid();
+    const auto near = activeRows(movedToOrigin(*grid, host.session));
+    for (std::size_t n = 0; n < poro.size(); ++n) {
+      const auto cell = static_cast<std::size_t>(grid->cellOf(static_cast<std::int32_t>(n) + 1));
+      const double bulk = static_cast<double>(porv.at(cell - 1)) * GetParam().volumeUnit /
+                          (static_cast<double>(poro[n]) * ntg.at(n));
+      EXPECT_NEAR(volumeOf(std::span(near).subspan(24 * n, 24)) / bulk, 1, 1e-3) << "active cell " << n + 1;
+    }
+    for (std::size_t n = 0; n < near.size(); ++n) {
+      const double origin = n % 3 == 2 ? 0 : static_cast<double>(grid->coord()[n % 3]);
+      EXPECT_NEAR(corners.values()[n], near[n] + origin, 0.2501) << "item " << n;
+    }
+  }
+  EXPECT_EQ(rows[0], rows[1]) << "compressed or not";
+}
+
+TEST_P(GridSamples, ArraysAreThoseOfTheIndependentReader) {
+  const std::string name = std::string(GetParam().grid).substr(std::string(GetParam().grid).find('/') + 1);
+  std::ifstream table(examples + "expected/" + name + ".records.csv");
+  HostGrid host(examples + GetParam().grid);
+  host.reader.CompressOnLoad = false;
+  ASSERT_TRUE(host.run());
+  const auto grid = host.grid();
+  std::map<std::string, std::array<double, 4>> held;  // count, least, greatest, sum
+  const auto hold = [&](const std::string& keyword, const auto& values) {
+    auto& facts = held[keyword];
+    facts = {0, 1e300, -1e300, 0};
+    for (const double value : values) {
+      facts = {facts[0] + 1, std::min(facts[1], value), std::max(facts[2], value), facts[3] + value};
+    }
+  };
+  hold("COORD", grid->coord());
+  hold("ZCORN", grid->zcorn());
+  std::vector<std::int32_t> active;
+  std::vector<std::int32_t> ends[2];
+  for (std::int32_t cell = 1; cell <= grid->nCells(); ++cell)
+    active.push_back(grid->activeOf(cell) > 0 ? 1 : 0);
+  for (const auto& connection : grid->connections()) {
+    ends[0].push_back(connection.iCell1);
+    ends[1].push_back(connection.iCell2);
+  }
+  hold("ACTNUM", active);
+  hold("NNC1", ends[0]);
+  hold("NNC2", ends[1]);
+  int compared = 0;
+  for (std::string line; std::getline(table, line);) {
+    std::replace(line.begin(), line.end(), ',', ' ');
+    std::istringstream words(line);
+    std::string keyword;
+    std::string type;
+    std::array<double, 4> facts{};
+    words >> keyword >> type;
+    if (!held.contains(keyword)) continue;
+    for (auto& fact : facts) words >> fact;
+    for (std::size_t n = 0; n < 4; ++n)
+      EXPECT_NEAR(held[keyword][n], facts[n], 1e-8 * std::abs(facts[n])) << line;
+    ++compared;
+  }
+  EXPECT_GE(compared, 3);
+}
+
+/// A small run on disk, with 9 of 12 cells active and a local grid.
+struct SmallRun {
+  TemporaryFolder folder;
+  GridBuilder builder;
+  std::string path;
+
+  SmallRun() : path(folder.file("RUN.EGRID")) {
+    builder.grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1};
+    builder.grids[0].nnc1 = {1};
+    builder.grids[0].nnc2 = {7};
+    builder.grids.push_back({.size = {2, 2, 1}, .name = "INNER", .hosts = {1, 2, 5, 3}});
+    writeFile(path, builder.egrid(bigEndian));
+  }
+};
+
+TEST(GridOperations, AnswerForWhatIsHeld) {
+  const SmallRun run;
+  HostGrid host(run.path);
+  bool qOK = true;
+  XYData corners;
+  std::int32_t nActive = 0;
+  host.reader.getCorners(1, corners, nActive, qOK);
+  EXPECT_FALSE(qOK) << "nothing is loaded";
+  host.reader.ReadGridFile(qOK);
+  EXPECT_FALSE(qOK) << "it is no GRID file";
+  EXPECT_THAT(host.problem(), HasSubstr("no grid file of this kind"));
+  EXPECT_FALSE(host.reader.IsInitialised(14));
+  ASSERT_TRUE(host.run());
+  EXPECT_EQ(host.reader.zOrigin, "RUN");
+  EXPECT_TRUE(host.reader.IsInitialised(14));
+  EXPECT_EQ(host.reader.NumberGrids(), 2);
+  host.reader.CreateCorners(2, qOK);
+  EXPECT_TRUE(qOK);
+  host.reader.CreateCorners(3, qOK);
+  EXPECT_FALSE(qOK);
+  EXPECT_FALSE(host.grid(3));
+  host.reader.DeleteObject(14);
+  EXPECT_EQ(host.reader.NumberGrids(), 0);
+}
+
+TEST(GridOperations, SetACTNUMReplacesTheActivityOfWhatWasKept) {
+  const SmallRun run;
+  for (const bool compress : {false, true}) {
+    HostGrid host(run.path);
+    host.reader.CompressOnLoad = compress;
+    ASSERT_TRUE(host.run());
+    const auto before = activeRows(*host.grid());
+    bool qOK = false;
+    host.reader.SetACTNUM(1, {1, 1}, qOK);
+    EXPECT_TRUE(qOK) << "another length is no failure";
+    EXPECT_EQ(host.grid()->nActive(), 9);
+    host.reader.SetACTNUM(1, {0, 1, 0, 5, 0, 0, 0, 0, 0, 0, 0, -3}, qOK);
+    EXPECT_TRUE(qOK);
+    EXPECT_EQ(host.grid()->nActive(), compress ? 1 : 2);
+    EXPECT_EQ(host.grid()->activeOf(2), compress ? 0 : 1) << "its geometry was not kept";
+    EXPECT_EQ(host.problem().empty(), !compress);
+    const auto after = activeRows(*host.grid());
+    EXPECT_TRUE(std::equal(after.end() - 24, after.end(), before.begin() + 48)) << "cell 4 was the third";
+  }
+}
+
+TEST(GridCache, GivesTheSameGridsUntilTheFileOrTheCacheChanges) {
+  const SmallRun run;
+  const auto cached = run.folder.file("HPGRUN.gfile");
+  std::filesystem::remove(cached);
+  HostGrid first(run.path);
+  first.reader.SaveHPGridFiles = true;
+  ASSERT_TRUE(first.run());
+  EXPECT_FALSE(std::filesystem::exists(cached)) << "no folder is named";
+  first.reader.HPGFolder = run.folder.file("");
+  ASSERT_TRUE(first.run()) << first.problem();
+  ASSERT_TRUE(std::filesystem::exists(cached));
+
+  const auto load = [&](bool compress = true) {
+    auto host = std::make_unique<HostGrid>(run.path);
+    host->reader.HPGFolder = run.folder.file("");
+    host->reader.LoadHPGridFiles = true;
+    host->reader.CompressOnLoad = compress;
+    EXPECT_TRUE(host->run()) << host->problem();
+    EXPECT_EQ(host->reader.NumberGrids(), 2);
+    return host;
+  };
+  const auto again = load();
+  EXPECT_TRUE(again->reader.HPGFileTest());
+  EXPECT_EQ(std::filesystem::path(again->reader.HPGChosenFile).filename(), "HPGRUN.gfile");
+  for (const std::int32_t n : {1, 2}) {
+    EXPECT_EQ(activeRows(*again->grid(n)), activeRows(*first.grid(n)));
+    EXPECT_THAT(again->grid(n)->connections(), ::testing::ElementsAreArray(first.grid(n)->connections()));
+    EXPECT_EQ(again->grid(n)->zName, first.grid(n)->zName);
+  }
+  EXPECT_THAT(again->grid(2)->hostCells(), ElementsAre(1, 2, 5, 3));
+  EXPECT_THAT(load(false)->problem(), HasSubstr("not that of the file and the options"));
+
+  std::vector<std::byte> whole(std::filesystem::file_size(cached));
+  std::ifstream(cached, std::ios::binary)
+      .read(reinterpret_cast<char*>(whole.data()), static_cast<std::streamsize>(whole.size()));
+  for (std::size_t at = 0; at < whole.size(); at += 37) {
+    auto bad = whole;
+    bad[at] ^= std::byte{4};
+    if (at % 2 == 1) bad.resize(at);
+    writeFile(cached, bad);
+    const auto host = load();
+    EXPECT_TRUE(host->reader.HPGChosenFile.empty()) << "byte " << at;
+    EXPECT_THAT(host->problem(), HasSubstr("cache")) << "byte " << at;
+  }
+
+  writeFile(cached, whole);
+  auto changed = run.builder;
+  changed.lean = 2;
+  const auto time = std::filesystem::last_write_time(run.path);
+  writeFile(run.path, changed.egrid(bigEndian));
+  std::filesystem::last_write_time(run.path, time);  // same size, same time: the sum tells
+  EXPECT_THAT(load()->problem(), HasSubstr("not that of the file"));
+}
+
+}  // namespace
+
+}  // namespace lumbarn::test
