@@ -216,16 +216,18 @@ std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kin
   session.diagnosisSink = shown;
   if (!qOK) return std::nullopt;
   return kind == FileKind::Rft ? reader.NumberRFTTests() : reader.NumberUserTests();
-  void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {
-    const bool init = file.kind == FileKind::Inspec;
-    if (!run.find(init ? FileKind::Init : FileKind::Restart)) return;
-    const auto shown = std::exchange(session.diagnosisSink, report);
-    if (init) {
-      indexOfInit(session, run.find(FileKind::Init)->path, file.path);
-    } else {
-      indexOfRestart(session, restartFiles(run), file.path);
-    }
-    session.diagnosisSink = shown;
+}
+
+void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {
+  const bool init = file.kind == FileKind::Inspec;
+  if (!run.find(init ? FileKind::Init : FileKind::Restart)) return;
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  if (init) {
+    indexOfInit(session, run.find(FileKind::Init)->path, file.path);
+  } else {
+    indexOfRestart(session, restartFiles(run), file.path);
   }
+  session.diagnosisSink = shown;
+}
 
 }  // namespace lumbarn::cli
