@@ -31,6 +31,7 @@ Family gridFamily(const std::filesystem::path& folder);
 Family gridGeometryFamily();
 Family restartFamily(const std::filesystem::path& folder);
 Family indexFamily(const std::filesystem::path& folder);
+Family initFamily(const std::filesystem::path& folder);
 
 /// Throws unless a case did what it was to do.
 void require(bool condition, const std::string& what);

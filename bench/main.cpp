@@ -49,8 +49,8 @@ double peakMemory() {
 
 std::vector<Family> allFamilies(const std::filesystem::path& folder) {
   return {
-      recordFamily(folder), summaryFamily(folder), restartFamily(folder),  indexFamily(folder),
-      gridFamily(folder),   gridGeometryFamily(),  wellTestFamily(folder),
+      recordFamily(folder), summaryFamily(folder), restartFamily(folder), indexFamily(folder),
+      initFamily(folder),   gridFamily(folder),    gridGeometryFamily(),  wellTestFamily(folder),
   };
 }
 

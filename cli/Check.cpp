@@ -5,6 +5,7 @@
 
 #include "Commands.h"
 #include "FileCheck.h"
+#include "InitFile.h"
 #include "Output.h"
 #include "PathArgument.h"
 
@@ -124,6 +125,9 @@ class RunCheck {
         break;
       case FileKind::Save:
         checkSave(file, session, report);
+        break;
+      case FileKind::Init:
+        checkInit(file.path, session, report);
         break;
       case FileKind::Grid:
       case FileKind::EGrid:

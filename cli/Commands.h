@@ -26,5 +26,7 @@ void addGrid(CLI::App& app, Action& chosen);
 void addWells(CLI::App& app, Action& chosen);
 void addRestart(CLI::App& app, Action& chosen);
 void addIndex(CLI::App& app, Action& chosen);
+void addInit(CLI::App& app, Action& chosen);
+void addTables(CLI::App& app, Action& chosen);
 
 }  // namespace lumbarn::cli

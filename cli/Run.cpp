@@ -24,6 +24,8 @@ void addCommands(CLI::App& app, Action& chosen) {
   addWells(app, chosen);
   addRestart(app, chosen);
   addIndex(app, chosen);
+  addInit(app, chosen);
+  addTables(app, chosen);
 }
 
 /// The subcommand that was given, or the command itself.

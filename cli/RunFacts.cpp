@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 
+#include "InitFile.h"
 #include "RecordData.h"
 #include "WellTestFile.h"
 #include "files/Recogniser.h"
@@ -132,6 +133,7 @@ Facts initFacts(const RunFamily& run, Console& console) {
   });
   Facts facts = {{"records", records}};
   headers.addTo(facts, false);
+  addInitContent(facts, run.find(FileKind::Init)->path, console);
   return facts;
 }
 

@@ -14,6 +14,7 @@
 #include "restart/IndexFile.h"
 #include "support/GridBuilder.h"
 #include "support/IndexedRun.h"
+#include "support/InitBuilder.h"
 #include "support/RestartBuilder.h"
 #include "support/SummaryBuilder.h"
 #include "support/WellTestBuilder.h"
@@ -57,6 +58,10 @@ class Corpus {
     both.insert(both.end(), data.begin(), data.end());
     const auto length = static_cast<int>(specification.size());
     for (const int options : {2, 3}) add("fuzz_summary", {options, length % 256, length / 256}, both);
+  }
+
+  void addInit(const Bytes& file) const {
+    for (const int options : {2, 3, 7}) add("fuzz_init", {options}, file);
   }
 
  private:
@@ -176,6 +181,8 @@ void addExamples(const Corpus& corpus) {
   for (const char* file : {"HOLLIN/HOLLIN.EGRID", "ARBOR/ARBOR.EGRID", "ARBORF/ARBORF.FEGRID"}) {
     corpus.add("fuzz_grid", {0}, example(file));
   }
+  for (const char* file : {"ARBOR/ARBOR.INIT", "HOLLIN/HOLLIN.INIT", "ARBORF/ARBORF.FINIT"})
+    corpus.addInit(example(file));
   corpus.addSummary(example("ARBOR/ARBOR.SMSPEC"), example("ARBOR/ARBOR.UNSMRY"));
   corpus.addSummary(example("ARBORF/ARBORF.FSMSPEC"), example("ARBORFM/ARBORFM.A0004"));
   corpus.addSummary(example("CEDAR/CEDAR_R2.SMSPEC"), example("CEDAR/CEDAR_R2.UNSMRY"));
@@ -256,6 +263,19 @@ void addIndexes(const Corpus& corpus) {
   addWritten(1);
 }
 
+/// A run with every simulation table, small, two of those with an outer index.
+Bytes allTables(const Form& form) {
+  test::InitBuilder file(form);
+  std::vector<std::int32_t> dims(48, 1);
+  for (const std::size_t rows : {4U, 8U, 9U, 15U, 16U, 21U, 24U, 28U, 33U, 36U}) dims[rows] = 2;
+  std::vector<double> tab(60);
+  std::iota(tab.begin(), tab.end(), 1);
+  tab[7] = tab[13] = 2e20;
+  file.head({}).flags({1, 2, 8}).singles("PORV", {1, 2, 3, 4});
+  file.integers("TABDIMS", dims).doubles("TAB", tab);
+  return file.bytes();
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -266,6 +286,8 @@ int main(int count, char** words) {
   const Corpus corpus(words[1]);
   for (const auto& [name, form] : everyForm) {
     for (const auto& file : recordFiles(form)) corpus.addFile(file, form, 9);
+    corpus.addInit(test::twoLocalGrids(form));
+    corpus.addInit(allTables(form));
     auto run = summary();
     corpus.addSummary(run.spec(form), run.data(form));
     run.intehead = 1;

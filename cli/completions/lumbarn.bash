@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft init tables -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -12,7 +12,7 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
-    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step)
+    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --table | --number)
       return
       ;;
   esac
@@ -25,6 +25,8 @@ _lumbarn() {
     wells) options+=' --step --grid' ;;
     summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
+    init) options+=' --array --grid --ijk --all --flags --nnc' ;;
+    tables) options+=' --table --number' ;;
   esac
   if [[ $word == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")

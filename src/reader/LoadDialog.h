@@ -18,7 +18,7 @@ struct LoadDialogSettings {
   bool FORTRAN = true;
   std::string zOrigin;
   std::string FileName;
-  std::string zFileType;    ///< "SUMMARY", "SOLUTION"
+  std::string zFileType;    ///< "SUMMARY", "SOLUTION", "INIT"
   bool hasLengths = false;  ///< along-well profiles can be had
   std::int32_t iStart = -1;
   std::int32_t iEnd = -1;

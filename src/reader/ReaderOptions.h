@@ -21,8 +21,8 @@ struct ReaderOptions {
   std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
   std::string zExcept;   ///< vectors to leave out, likewise
   std::int32_t nOnly = 0;
-  /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 18 RFT, 23 EGRID, 76 and 77 user RFT and
-  /// PLT.
+  /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 15 INIT, 18 RFT, 23 EGRID, 76 and 77 user
+  /// RFT and PLT.
   std::int32_t whichtype = 0;
   bool Silent = false;    ///< no dialog
   bool Formatted = true;  ///< form of the file; replaced by what recognition finds, as the next two
@@ -67,7 +67,7 @@ struct ReaderOptions {
   bool ImportALLOC = false;
   bool LoadAllALLOC = false;
   bool AllocationsOnly = false;
-  bool InitTables = true;
+  bool InitTables = true;  ///< read the simulation tables of an INIT file
   bool RUNSPECOnly = false;
   bool ProcessCorners = true;
   bool ProcessAll = false;
@@ -98,7 +98,8 @@ struct ReaderOptions {
   // Additions to the options that hosts know of old.
   std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both are taken together
   std::vector<std::string> ExceptPatterns;  ///< as zExcept
-  std::string IndexFolder;     ///< folder for index files of restart sets; empty: none is written
+  std::string
+      IndexFolder;  ///< folder for index files of what is loaded (restart sets, INIT); empty: none is written
   bool AcceptDamaged = false;  ///< succeed with what was read before damage; see `Damaged`
 };
 

@@ -162,20 +162,28 @@ bool qvEclipseReader::loadSolution(SolutionLoad& load) {
   return qOK;
 }
 
-/// Writes the index of the files that were read, never beside them unless the host names their folder.
+/// Index files are never written beside the data unless the host names their folder.
+bool qvEclipseReader::hasIndexFolder(const std::string& path) const {
+  if (!IndexFolder.empty()) return true;
+  Diagnosis diagnosis;
+  diagnosis.path = path;
+  diagnosis.problem = "no folder is named for the index";
+  diagnosis.action = "no index was written";
+  session_->diagnose(std::move(diagnosis));
+  return false;
+}
+
+std::string qvEclipseReader::indexPath(const std::string& path, std::string_view kind) const {
+  const auto name = lumbarn::FileName(path).base + (Formatted ? ".F" : ".") + std::string(kind);
+  return (std::filesystem::path(IndexFolder) / name).string();
+}
+
+/// Writes the index of the files that were read.
 bool qvEclipseReader::writeRestartIndex(const qvEclipseSOLUTION& set) {
-  if (IndexFolder.empty()) {
-    Diagnosis diagnosis;
-    diagnosis.path = set.FileName;
-    diagnosis.problem = "no folder is named for the index";
-    diagnosis.action = "no index was written";
-    session_->diagnose(std::move(diagnosis));
-    return true;
-  }
+  if (!hasIndexFolder(set.FileName)) return true;
   bool qWritten = false;
-  const auto name = lumbarn::FileName(set.FileName).base + (Formatted ? ".FRSSPEC" : ".RSSPEC");
-  const auto path = (std::filesystem::path(IndexFolder) / name).string();
-  WriteEclipseRsspecFile(walkRestart(*session_, set.zMultList), path, qWritten, *session_);
+  WriteEclipseRsspecFile(walkRestart(*session_, set.zMultList), indexPath(set.FileName, "RSSPEC"), qWritten,
+                         *session_);
   return qWritten;
 }
 

@@ -19,6 +19,7 @@ namespace {
 
 constexpr const char* className = "qvEclipseReader";
 
+constexpr std::int32_t initCode = 15;
 bool isRestartCode(std::int32_t code) { return code == 11 || code == 16; }
 
 /// Step numbers stand in slots of 16 bits; beyond them the slot widens rather than lie.
@@ -72,6 +73,8 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case 11:
     case 16:
       return ReadSolutionFile(qOK);
+    case initCode:
+      return ReadINITFile(qOK);
     default:
       return;
   }
@@ -245,6 +248,8 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
       return tests_ != nullptr;
     case 76:
       return userTests_ != nullptr;
+    case initCode:
+      return init_ != nullptr;
     default:
       return false;
   }
@@ -256,6 +261,7 @@ bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   if (iType == 14) grid_.reset();
   if (iType == 18) tests_.reset();
   if (iType == 76) userTests_.reset();
+  if (iType == initCode) init_.reset();
   return true;
 }
 
@@ -412,12 +418,14 @@ std::optional<Moment> qvEclipseReader::StartDate() const {
 std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
   if (isRestartCode(whichtype))
     return solution_ ? solution_->selection.unmatched() : std::vector<std::string>{};
+  if (whichtype == initCode) return init_ ? init_->selection.unmatched() : std::vector<std::string>{};
   return summary_ ? summary_->unmatched : std::vector<std::string>{};
 }
 
 bool qvEclipseReader::Damaged() const {
   if (isRestartCode(whichtype)) return solution_ && solution_->qDamaged;
   if (whichtype == 14 || whichtype == 23) return grid_ && grid_->qDamaged;
+  if (whichtype == initCode) return init_ && init_->qDamaged;
   return summary_ && summary_->qDamaged;
 }
 

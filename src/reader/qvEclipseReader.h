@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -9,6 +10,7 @@
 
 #include "../files/Recogniser.h"
 #include "../grid/qvGRIDReader.h"
+#include "../init/qvEclipseINIT.h"
 #include "../restart/WellRecords.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
@@ -89,6 +91,12 @@ class qvEclipseReader : public ReaderOptions {
   /// A last step that is not whole is left out, told as a diagnosis, and no failure; damage is one unless
   /// `AcceptDamaged`, and the steps before it can be fetched.
   void ReadSolutionFile(bool& qOK);
+
+  /// Reads an INIT file, or the one that goes with an index named by `FileName`: the static arrays of every
+  /// grid that `bOnly`, `zOnly`, `zExcept` and the pattern lists choose, and with `InitTables` the simulation
+  /// tables. With `LoadData` False no values are read, only their places. Damage is a failure unless
+  /// `AcceptDamaged`; what stands before it can be fetched either way.
+  void ReadINITFile(bool& qOK);
 
   // --- Recognition
 
@@ -196,6 +204,88 @@ class qvEclipseReader : public ReaderOptions {
   /// qOK False when there is no such grid.
   std::vector<WellRecord> RestartWells(std::int32_t iSeqnum, std::int32_t iGrid, bool& qOK) const;
 
+  // --- INIT results, of the grid `iGridNumber`, 1 the global one
+
+  /// The arrays: values of the active cells, nActive by arrays, in the file's units, a 233-byte header for
+  /// each, source information (slots 64 to 66: size of the grid), and the selection used. The table is moved
+  /// out; a second call reads the file again. Without values (`LoadData` False) xyData is one row. qOK False
+  /// for a grid without arrays.
+  void GetINITData(XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData, ByteTable& bOnlyUsed,
+                   bool& qOK);
+  /// The same with the places of the arrays (see `qvEclipseINIT::GetINITFODPointers`) and what a host needs
+  /// to open the file for them; qFOD True when the values are to be fetched from there.
+  void getINITDataFOD(XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData, ByteTable& bOnlyUsed,
+                      ColumnTable<std::int32_t>& iFOD, std::array<bool, 5>& qFileTypeSettings, bool& qFOD,
+                      bool& qOK);
+  /// Connection arrays of a kind: 1 within the grid, 2 between a local grid and the global one, 3 between
+  /// local grids. Connections by arrays; qOK False, with the outputs as they were, when there are none.
+  void GetINITNNCData(std::int32_t iType, XYData& xyData, ByteTable& bHeaders, bool& qOK);
+  /// -1 each and qOK False for a grid that is none.
+  void GetINITNxNyNz(std::int32_t& Nx, std::int32_t& Ny, std::int32_t& Nz, bool& qOK);
+  /// Cell number, from 1, of each active cell, as the pore volumes tell. qOK False without pore volumes.
+  void GetINITA2N(std::vector<std::int32_t>& iA2N, bool& qOK);
+  /// One simulation table as a plain table of singles, rows by columns, with a header for each column: as it
+  /// stands in the file, reciprocals and all. `GetINITPhysicalTable` gives it as it is meant.
+  void GetINITTableData(std::string_view zTable, std::int32_t iTable, XYData& xyData, ByteTable& bHeaders,
+                        SourceData& vSourceData, bool& qOK);
+  /// See `qvEclipseDTAB::getTable`.
+  void getTable(std::string_view zTable, std::int32_t iTable, std::vector<float>& dTable,
+                std::vector<std::int32_t>& iDimens, std::int32_t& nDims, bool& qOK, bool qDefault = true);
+  void GetTableTypes(std::vector<std::string>& zTables, std::int32_t& nTables, bool& qOK) const;
+  /// Tables of a name; 0 for one that is not there.
+  std::int32_t NumberTables(std::string_view zTable) const;
+  /// Whether the INIT file has simulation tables and all of them could be taken.
+  bool IsINITTableData() const;
+  void DeleteInitData(bool& qOK);
+  /// The scratch file handed over with `SaveScratchFiles`; empty when memory sufficed. The caller deletes it.
+  std::string InitScratchFileName() const;
+
+  // --- Model flags, of the INIT file that is held; False and 0 without one
+
+  bool Oil() const { return modelFlag(&ModelFlags::Oil); }
+  bool Water() const { return modelFlag(&ModelFlags::Water); }
+  bool Gas() const { return modelFlag(&ModelFlags::Gas); }
+  bool DissolvedGas() const { return modelFlag(&ModelFlags::DissolvedGas); }
+  bool VapourisedOil() const { return modelFlag(&ModelFlags::VapourisedOil); }
+  bool Brine() const { return modelFlag(&ModelFlags::Brine); }
+  bool Polymer() const { return modelFlag(&ModelFlags::Polymer); }
+  bool Solvent() const { return modelFlag(&ModelFlags::Solvent); }
+  bool Surfactant() const { return modelFlag(&ModelFlags::Surfactant); }
+  bool Foam() const { return modelFlag(&ModelFlags::Foam); }
+  bool Temperature() const { return modelFlag(&ModelFlags::Temperature); }
+  bool DualPorosity() const { return modelFlag(&ModelFlags::DualPorosity); }
+  bool DualPermeability() const { return modelFlag(&ModelFlags::DualPermeability); }
+  bool Miscible() const { return modelFlag(&ModelFlags::Miscible); }
+  bool Hysteresis() const { return modelFlag(&ModelFlags::Hysteresis); }
+  bool EndPointScaling() const { return modelFlag(&ModelFlags::EndPointScaling); }
+  bool DirectionalEndScale() const { return modelFlag(&ModelFlags::DirectionalEndScale); }
+  bool ReversibleEndScale() const { return modelFlag(&ModelFlags::ReversibleEndScale); }
+  bool AlternativeEndScale() const { return modelFlag(&ModelFlags::AlternativeEndScale); }
+  bool DirectionalKR() const { return modelFlag(&ModelFlags::DirectionalKR); }
+  bool ReversibleKR() const { return modelFlag(&ModelFlags::ReversibleKR); }
+  bool RockCompaction() const { return modelFlag(&ModelFlags::RockCompaction); }
+  bool ReversibleRockCompaction() const { return modelFlag(&ModelFlags::ReversibleRockCompaction); }
+  bool Stone() const { return modelFlag(&ModelFlags::Stone); }
+  bool Sudation() const { return modelFlag(&ModelFlags::Sudation); }
+  bool CoalBedMethane() const { return modelFlag(&ModelFlags::CoalBedMethane); }
+  bool CompressedVE() const { return modelFlag(&ModelFlags::CompressedVE); }
+  bool VerticalEquilibrium() const { return modelFlag(&ModelFlags::VerticalEquilibrium); }
+  bool NewTransmissibility() const { return modelFlag(&ModelFlags::NewTransmissibility); }
+  bool APITracking() const { return modelFlag(&ModelFlags::APITracking); }
+  std::int32_t NumberPhases() const;
+  std::int32_t Units() const;  ///< 1 metric, 2 field, 3 laboratory, 4 metric with atmospheres
+
+  // --- INIT, beyond what hosts of old ask for
+
+  /// The file itself, with all its grids; null when none is held. Holds until the next load or release.
+  qvEclipseINIT* Init() { return init_.get(); }
+  const qvEclipseINIT* Init() const { return init_.get(); }
+  /// One array by its name, without regard to case: the values of active cells, or with qAllCells those of
+  /// all cells in natural order, `NullValue` in those that are not active.
+  void GetINITArray(std::string_view zName, bool qAllCells, std::vector<float>& sValues, bool& qOK);
+  /// One simulation table with named columns, units and physical values.
+  PhysicalTable GetINITPhysicalTable(std::string_view zTable, std::int32_t iTable, bool& qOK) const;
+
   // --- Summary, beyond what hosts of old ask for
 
   /// The vectors of a specification, dummies left out, without reading data. `FileName` is the specification.
@@ -297,9 +387,20 @@ class qvEclipseReader : public ReaderOptions {
   bool listRestartFiles(qvEclipseSOLUTION& set);
   bool chooseSteps(SolutionLoad& load);
   bool loadSolution(SolutionLoad& load);
+  bool hasIndexFolder(const std::string& path) const;
+  std::string indexPath(const std::string& path, std::string_view kind) const;
   bool writeRestartIndex(const qvEclipseSOLUTION& set);
   template <class Fetch>
   void fetchStep(const char* routine, bool& qOK, Fetch fetch);
+
+  bool readInit();
+  void tellNoInit(const std::string& path);
+  bool chooseInitArrays(bool& qWriteIndex);
+  void prepareInit(qvEclipseINIT& file);
+  template <class Fetch>
+  void fetchInit(const char* routine, bool& qOK, Fetch fetch);
+  bool fillInitSource(SourceData& vSourceData) const;
+  bool modelFlag(bool ModelFlags::*flag) const;
 
   Session* session_;
   LoadDialog* dialog_ = nullptr;
@@ -309,6 +410,7 @@ class qvEclipseReader : public ReaderOptions {
   UserTestKind userKind_ = UserTestKind::Rft;  // of `userTests_`
   std::unique_ptr<qvGRIDReader> grid_;
   std::unique_ptr<qvEclipseSOLUTION> solution_;
+  std::unique_ptr<qvEclipseINIT> init_;
 };
 
 }  // namespace lumbarn

@@ -18,7 +18,8 @@ namespace lumbarn {
 enum class ArrayKind : std::int32_t {
   Integer = 2,
   Single = 3,
-  Derived = 19,  ///< worked out from others; has no place in the file
+  Compressed = 11,  ///< singles of all cells in the file, of which those of active cells are kept
+  Derived = 19,     ///< worked out from others; has no place in the file
 };
 
 /// One array that is kept.

@@ -44,8 +44,8 @@ TEST(Run, WrongUsageSaysWhatIsMeant) {
   EXPECT_THAT(command({}).err, HasSubstr("Subcommands:"));
 }
 
-constexpr const char* subcommands[] = {"info",    "records", "check", "vectors", "summary",
-                                       "restart", "wells",   "grid",  "rft",     "index"};
+constexpr const char* subcommands[] = {"info",  "records", "check", "vectors", "summary", "restart",
+                                       "wells", "grid",    "rft",   "index",   "init",    "tables"};
 
 TEST(Run, HelpGoesToStandardOutputWithAnExample) {
   EXPECT_THAT(command({"--version"}).out, ::testing::MatchesRegex("lumbarn [0-9.]+\n"));
@@ -72,7 +72,8 @@ TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
 }
 
 TEST(Run, SeveralRunsInAFolderAreListed) {
-  for (const char* subcommand : {"info", "check", "vectors", "summary", "wells", "rft", "grid", "restart"}) {
+  for (const char* subcommand :
+       {"info", "check", "vectors", "summary", "wells", "rft", "grid", "restart", "init", "tables"}) {
     const Outcome run = command({subcommand, sample("CEDAR")});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.err, "lumbarn: " + sample("CEDAR") +

@@ -1,0 +1,333 @@
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <optional>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "Commands.h"
+#include "InitFile.h"
+#include "Numbers.h"
+#include "Output.h"
+#include "PathArgument.h"
+#include "Suggestion.h"
+#include "restart/ArrayUnits.h"
+#include "support/Text.h"
+
+namespace lumbarn::cli {
+namespace {
+
+struct InitOptions {
+  std::string path;
+  std::vector<std::string> arrays;
+  std::string grid;
+  bool ijk = false;
+  bool all = false;
+  bool flags = false;
+  bool nnc = false;
+  OutputOptions output;
+};
+
+struct Range {
+  float least = 0;
+  float most = 0;
+};
+/// Values that are not numbers do not count.
+std::optional<Range> rangeOf(std::span<const float> values) {
+  std::optional<Range> range;
+  for (const float value : values) {
+    if (std::isnan(value)) continue;
+    if (!range) range = Range{value, value};
+    range->least = std::min(range->least, value);
+    range->most = std::max(range->most, value);
+  }
+  return range;
+}
+
+/// One line of a list of arrays.
+struct ListedArray {
+  std::string grid, kind, name, type;
+  std::int64_t count = 0;
+  std::string unit;
+  std::optional<Range> range;
+};
+
+constexpr const char* kindNames[] = {"within the grid", "local to global", "local to local"};
+
+/// An INIT file, and what of it is to be shown.
+class InitListing {
+ public:
+  InitListing(const RunFamily& run, const InitOptions& options, Console& console)
+      : options_(options), console_(console) {
+    openInit(reader_, run, false, console);
+  }
+
+  void write(Format format, std::ostream& out) {
+    if (options_.flags) return writeFlags(format, out);
+    const bool values = !options_.arrays.empty();
+    if (options_.nnc)
+      return values ? writeConnections(format, out) : writeList(connectionArrays(), format, out);
+    values ? writeValues(format, out) : writeList(cellArrays(), format, out);
+  }
+
+ private:
+  qvEclipseINIT& init() { return *reader_.Init(); }
+
+  std::vector<std::int32_t> grids() {
+    if (!options_.grid.empty()) return {gridNumber(init(), options_.grid)};
+    std::vector<std::int32_t> all;
+    for (std::int32_t grid = 1; grid <= init().nGrids(); ++grid) all.push_back(grid);
+    return all;
+  }
+
+  void writeFlags(Format format, std::ostream& out) {
+    const auto table = TableWriter::make(format, {{"flag", false, 24}, {"value"}}, out);
+    const auto& flags = init().grid(gridNumber(init(), options_.grid)).flags;
+    for (const auto& [name, flag] : namedFlags()) {
+      table->text(name);
+      table->text(flags.*flag ? "true" : "false");
+    }
+    table->finish();
+  }
+
+  /// One array at a time, so that the whole file need not fit into memory.
+  std::vector<ListedArray> cellArrays() {
+    std::vector<ListedArray> list;
+    std::vector<float> values;
+    for (const auto grid : grids()) {
+      const auto& arrays = init().grid(grid).arrays;
+      console_.progress().files(1);
+      for (std::size_t i = 0; i < arrays.size(); ++i) {
+        console_.checkCancelled();
+        console_.progress().fraction(static_cast<double>(i) / static_cast<double>(arrays.size()));
+        bool qOK = false;
+        init().GetArray(grid, static_cast<std::int32_t>(i) + 1, false, values, qOK);
+        const auto& array = arrays[i];
+        list.push_back({init().GridName(grid), "", array.name, array.header.typeWord, array.header.count,
+                        array.unit, qOK ? rangeOf(values) : std::nullopt});
+      }
+    }
+    console_.progress().hide();
+    return list;
+  }
+
+  std::vector<ListedArray> connectionArrays() {
+    std::vector<ListedArray> list;
+    for (const auto grid : grids()) {
+      init().iGrid = grid;
+      for (std::int32_t kind = 1; kind <= 3; ++kind) {
+        XYData values;
+        bool qOK = false;
+        init().GetNNCData(kind, values, qOK);
+        const auto& record = init().grid(grid).xNNC[static_cast<std::size_t>(kind) - 1];
+        for (std::size_t i = 0; i < record.zArrays.size(); ++i) {
+          list.push_back({init().GridName(grid), kindNames[kind - 1], record.zArrays[i], "REAL",
+                          record.nItems, std::string(arrayUnit(record.zArrays[i], init().grid(grid).iUnits)),
+                          qOK ? rangeOf(values.column(i + 1)) : std::nullopt});
+        }
+      }
+    }
+    return list;
+  }
+
+  void writeList(const std::vector<ListedArray>& list, Format format, std::ostream& out) {
+    if (list.empty())
+      console_.say(options_.nnc ? "the file has no connection arrays" : "the file has no arrays");
+    // For people the grid is left out where there is only one.
+    const bool grid = format != Format::Table || std::ranges::any_of(list, [&](const ListedArray& array) {
+                        return array.grid != list.front().grid;
+                      });
+    std::vector<Column> columns;
+    if (grid) columns.push_back({"grid", false, 8});
+    if (options_.nnc) columns.push_back({"kind", false, 15});
+    for (const auto& column :
+         {Column{"array", false, 8}, {"type"}, {"count", true}, {"unit"}, {"min", true}, {"max", true}})
+      columns.push_back(column);
+    const auto widen = [&](std::size_t fromEnd, const auto& value) {
+      auto& width = columns[columns.size() - fromEnd].width;
+      width = std::max(width, NumberText(value).view().size());
+    };
+    for (const auto& array : list) {
+      auto& unit = columns[columns.size() - 3].width;
+      unit = std::max(unit, array.unit.size());
+      widen(4, array.count);
+      if (array.range) widen(2, array.range->least);
+      if (array.range) widen(1, array.range->most);
+    }
+    const auto table = TableWriter::make(format, columns, out);
+    for (const auto& array : list) {
+      if (grid) table->text(array.grid);
+      if (options_.nnc) table->text(array.kind);
+      table->text(array.name);
+      table->text(array.type);
+      table->number(array.count);
+      table->text(array.unit);
+      array.range ? table->number(array.range->least) : table->empty();
+      array.range ? table->number(array.range->most) : table->empty();
+    }
+    table->finish();
+  }
+
+  /// Places, from 1, of the arrays that the patterns choose. Throws Failure when there are none.
+  std::vector<std::int32_t> choose(const std::vector<std::string>& names) {
+    ArraySelection selection(options_.arrays, {});
+    std::vector<std::int32_t> chosen;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      if (selection.choosesDerived(names[i])) chosen.push_back(static_cast<std::int32_t>(i) + 1);
+    }
+    for (const auto& pattern : selection.unmatched()) {
+      const auto better = closest(upper(pattern), names);
+      console_.say(fmt::format("no array matches \"{}\"{}", pattern,
+                               better.empty() ? "" : fmt::format("; did you mean \"{}\"?", better)));
+    }
+    if (chosen.empty())
+      throw Failure(Usage, fmt::format("nothing to show; \"lumbarn init {}{}\" lists the names",
+                                       options_.nnc ? "--nnc " : "", options_.path));
+    return chosen;
+  }
+
+  void writeValues(Format format, std::ostream& out) {
+    const auto number = gridNumber(init(), options_.grid);
+    const auto& grid = init().grid(number);
+    std::vector<std::string> names;
+    for (const auto& array : grid.arrays) names.push_back(array.name);
+    std::vector<Column> columns;
+    std::vector<std::vector<float>> values;
+    for (const auto place : choose(names)) {
+      const auto& array = grid.arrays[static_cast<std::size_t>(place) - 1];
+      bool qOK = false;
+      init().GetArray(number, place, options_.all, values.emplace_back(), qOK);
+      console_.checkCancelled();
+      if (!qOK) console_.giveUp(reader_.FileName, "the values of " + array.name + " cannot be had");
+      columns.push_back({array.name, true, 0, array.unit});
+    }
+    std::vector<std::int32_t> cells;
+    if (options_.ijk) {
+      cells = cellNumbers(number);
+      columns.insert(columns.begin(), {{"I", true}, {"J", true}, {"K", true}});
+    }
+    writeColumns(columns, values, cells, grid, format, out);
+  }
+
+  std::vector<std::int32_t> cellNumbers(std::int32_t number) {
+    const auto& grid = init().grid(number);
+    std::vector<std::int32_t> cells;
+    bool qOK = false;
+    if (!options_.all && grid.nActive != grid.nCells) {
+      init().GetA2N(cells, qOK, number);
+      if (!qOK) console_.giveUp(reader_.FileName, "it does not tell which cells are active");
+      return cells;
+    }
+    for (std::int32_t cell = 1; cell <= grid.nCells; ++cell) cells.push_back(cell);
+    return cells;
+  }
+
+  void writeColumns(std::vector<Column> columns, const std::vector<std::vector<float>>& values,
+                    const std::vector<std::int32_t>& cells, const GRIDINFO& grid, Format format,
+                    std::ostream& out) {
+    const std::size_t first = columns.size() - values.size();
+    for (std::size_t c = 0; format == Format::Table && c < values.size(); ++c) {
+      auto& width = columns[first + c].width;
+      for (const float value : values[c]) width = std::max(width, NumberText(value).view().size());
+    }
+    const auto table = TableWriter::make(format, columns, out);
+    for (std::size_t row = 0; row < values.front().size(); ++row) {
+      if (row % 4096 == 0) console_.checkCancelled();
+      if (options_.ijk) {
+        const std::int32_t cell = row < cells.size() ? cells[row] - 1 : 0;
+        const std::int32_t layer = grid.Nx * grid.Ny;
+        table->number(cell % grid.Nx + 1);
+        table->number(cell % layer / grid.Nx + 1);
+        table->number(cell / layer + 1);
+      }
+      for (const auto& column : values) table->number(column[row]);
+    }
+    table->finish();
+  }
+
+  void writeConnections(Format format, std::ostream& out) {
+    const auto number = gridNumber(init(), options_.grid);
+    const auto& grid = init().grid(number);
+    std::vector<std::string> names;
+    for (const auto& record : grid.xNNC)
+      names.insert(names.end(), record.zArrays.begin(), record.zArrays.end());
+    const auto chosen = choose(names);
+    std::vector<Column> columns{{"connection", true}};
+    std::vector<std::vector<float>> values;
+    std::int32_t before = 0;
+    init().iGrid = number;
+    for (std::int32_t kind = 1; kind <= 3; ++kind) {
+      XYData data;
+      bool qOK = false;
+      init().GetNNCData(kind, data, qOK);
+      const auto& record = grid.xNNC[static_cast<std::size_t>(kind) - 1];
+      for (std::int32_t i = 1; i <= record.nArrays; ++i) {
+        if (std::ranges::find(chosen, before + i) == chosen.end() || !qOK) continue;
+        const auto column = data.column(static_cast<std::size_t>(i));
+        values.emplace_back(column.begin(), column.end());
+        const auto& name = record.zArrays[static_cast<std::size_t>(i) - 1];
+        columns.push_back({name, true, 0, std::string(arrayUnit(name, grid.iUnits))});
+      }
+      before += record.nArrays;
+    }
+    std::size_t rows = 0;
+    for (const auto& column : values) rows = std::max(rows, column.size());
+    const auto table = TableWriter::make(format, columns, out);
+    for (std::size_t row = 0; row < rows; ++row) {
+      table->number(row + 1);
+      for (const auto& column : values) row < column.size() ? table->number(column[row]) : table->empty();
+    }
+    table->finish();
+  }
+
+  const InitOptions& options_;
+  Console& console_;
+  qvEclipseReader reader_{console_.session()};
+};
+
+ExitStatus showInit(const InitOptions& options, Console& console) {
+  const bool values = !options.arrays.empty();
+  if (!values && (options.all || options.ijk))
+    throw Failure(Usage, fmt::format("{} goes with --array", options.all ? "--all" : "--ijk"));
+  if (options.nnc && (options.all || options.ijk))
+    throw Failure(
+        Usage, fmt::format("{} goes with arrays of cells, not with --nnc", options.all ? "--all" : "--ijk"));
+  if (options.flags && (options.nnc || values))
+    throw Failure(Usage, fmt::format("--flags goes without {}", options.nnc ? "--nnc" : "--array"));
+  const RunFamily run = findRun(options.path);
+  Output output(options.output, console.out(), pathsOf(run));
+  InitListing(run, options, console).write(options.output.format, output.stream());
+  output.commit();
+  return console.doneStatus();
+}
+
+}  // namespace
+
+void addInit(CLI::App& app, Action& chosen) {
+  auto options = std::make_shared<InitOptions>();
+  CLI::App* command = app.add_subcommand(
+      "init", "List the static arrays of a run, or show values, model flags or connections");
+  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
+      ->required()
+      ->option_text(" ");
+  command->add_option("--array", options->arrays, "Arrays to show, as PORO,NTG or PERM*")
+      ->allow_extra_args(false)
+      ->option_text("NAMES");
+  command->add_option("--grid", options->grid, "The local grid to list or show; ROOT is the global one")
+      ->option_text("LGR");
+  command->add_flag("--ijk", options->ijk, "Show the numbers i, j, k of each cell in front");
+  command->add_flag("--all", options->all,
+                    "Show all cells in natural order, inactive ones as -999, instead of the active cells");
+  command->add_flag("--flags", options->flags, "Show what the run models");
+  command->add_flag("--nnc", options->nnc,
+                    "List the connection arrays by kind, or with --array show their values");
+  addOutputOptions(*command, options->output);
+  command->footer(
+      "Names are separated by commas; options may be repeated. Example:\n"
+      "  lumbarn init --array PORO,PERMX --ijk --format csv -o rock.csv RUN");
+  command->callback(
+      [options, &chosen] { chosen = [options](Console& console) { return showInit(*options, console); }; });
+}
+
+}  // namespace lumbarn::cli

@@ -1,0 +1,92 @@
+#include "InitFile.h"
+
+#include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "support/Text.h"
+
+namespace lumbarn::cli {
+
+DiagnosesWithoutLeftovers::DiagnosesWithoutLeftovers(Session& session, FindingSink report)
+    : session_(session), before_(session.diagnosisSink) {
+  session.diagnosisSink = [report = std::move(report)](const Diagnosis& diagnosis) {
+    const bool leftover = diagnosis.keyword == "TABDIMS" && diagnosis.certainty == Certainty::Guess;
+    if (report && !leftover) report(diagnosis);
+  };
+}
+
+void checkInit(const std::string& path, Session& session, const FindingSink& report) {
+  const DiagnosesWithoutLeftovers diagnoses(session, report);
+  qvEclipseINIT init(session);
+  init.LoadData = false;
+  bool qOK = init.CheckINITFile(path);
+  if (qOK) init.getEclipseINITArrays(qOK);
+  std::vector<float> values;
+  for (std::int32_t grid = 1; qOK && grid <= init.nGrids(); ++grid) {
+    for (std::int32_t array = 1; array <= init.grid(grid).nVectors(); ++array) {
+      if (session.cancelled()) return;
+      bool qFits = false;
+      // Only arrays of all cells can turn out not to fit.
+      const auto count = init.grid(grid).arrays[static_cast<std::size_t>(array) - 1].header.count;
+      if (count != init.grid(grid).nActive) init.GetArray(grid, array, false, values, qFits);
+    }
+  }
+}
+
+void addInitContent(Facts& facts, const std::string& path, Console& console) {
+  const DiagnosesWithoutLeftovers diagnoses(console.session(), console.session().diagnosisSink);
+  qvEclipseINIT init(console.session());
+  init.LoadData = false;
+  init.AcceptDamaged = true;
+  bool qOK = init.CheckINITFile(path);
+  if (qOK) init.getEclipseINITArrays(qOK);
+  console.checkCancelled();
+  if (!qOK) return;
+  const auto& flags = init.grid(1).flags;
+  Facts phases = Facts::array();
+  if (flags.Oil) phases.push_back("oil");
+  if (flags.Water) phases.push_back("water");
+  if (flags.Gas) phases.push_back("gas");
+  facts["phases"] = phases;
+  std::int64_t arrays = 0, connections = 0;
+  for (std::int32_t grid = 1; grid <= init.nGrids(); ++grid) {
+    arrays += init.grid(grid).nVectors();
+    for (const auto& record : init.grid(grid).xNNC) connections += record.nItems;
+  }
+  facts["arrays"] = arrays;
+  facts["nnc"] = connections;
+  Facts tables = Facts::array();
+  for (const auto& table : init.xTAB.tables()) {
+    if (init.xTAB.overlaps(table.zTable).empty()) tables.push_back(table.zTable);
+  }
+  facts["tables"] = tables;
+}
+
+void openInit(qvEclipseReader& reader, const RunFamily& run, bool tables, Console& console) {
+  const RunMember* file = run.find(FileKind::Init);
+  if (!file) throw Failure(Usage, run.folder + run.base + ": has no INIT file");
+  reader.FileName = file->path;
+  reader.whichtype = 15;
+  reader.Silent = true;
+  reader.LoadData = false;
+  reader.AcceptDamaged = true;
+  reader.InitTables = tables;
+  bool qOK = false;
+  reader.ECLReadData(qOK);
+  console.checkCancelled();
+  if (!qOK || !reader.Init()) console.giveUp(file->path, "nothing of it can be read");
+}
+
+std::int32_t gridNumber(const qvEclipseINIT& init, const std::string& name) {
+  if (name.empty()) return 1;
+  std::vector<std::string> names;
+  for (std::int32_t grid = 1; grid <= init.nGrids(); ++grid) {
+    if (equalNoCase(init.GridName(grid), name)) return grid;
+    names.push_back(init.GridName(grid));
+  }
+  throw Failure(Usage, fmt::format("no grid \"{}\"; it has {}", name, fmt::join(names, ", ")));
+}
+
+}  // namespace lumbarn::cli

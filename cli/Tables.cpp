@@ -1,0 +1,134 @@
+#include <algorithm>
+#include <memory>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "Commands.h"
+#include "InitFile.h"
+#include "Numbers.h"
+#include "Output.h"
+#include "PathArgument.h"
+#include "support/Text.h"
+
+namespace lumbarn::cli {
+namespace {
+
+struct TablesOptions {
+  std::string path;
+  std::string table;
+  std::int32_t number = 1;
+  OutputOptions output;
+};
+
+/// The values are doubles made from reciprocals, so their last digits are noise: shown are those of a single,
+/// in which decks are read.
+float shown(double value) { return static_cast<float>(value); }
+
+std::string note(const PhysicalTable& table) {
+  return table.overlaps.empty() ? "" : "in place of " + table.overlaps + ": likely not in use";
+}
+
+void writeList(const qvEclipseReader& reader, Format format, std::ostream& out) {
+  std::vector<std::string> names;
+  std::int32_t count = 0;
+  bool qOK = false;
+  reader.GetTableTypes(names, count, qOK);
+  std::vector<Column> columns{
+      {"table", false, 8}, {"number", true, 6}, {"rows", true, 4}, {"note"}, {"columns"}};
+  std::vector<PhysicalTable> tables;
+  std::vector<std::string> titles;
+  for (const auto& name : names) {
+    for (std::int32_t i = 1; i <= reader.NumberTables(name); ++i) {
+      tables.push_back(reader.GetINITPhysicalTable(name, i, qOK));
+      std::vector<std::string> titlesOfOne;
+      for (const auto& column : tables.back().columns)
+        titlesOfOne.push_back(column.units.empty() ? column.name
+                                                   : fmt::format("{} ({})", column.name, column.units));
+      titles.push_back(fmt::format("{}", fmt::join(titlesOfOne, ", ")));
+      columns[3].width = std::max(columns[3].width, note(tables.back()).size());
+    }
+  }
+  const auto table = TableWriter::make(format, columns, out);
+  for (std::size_t i = 0; i < tables.size(); ++i) {
+    table->text(tables[i].name);
+    table->number(tables[i].number);
+    table->number(tables[i].rows());
+    table->text(note(tables[i]));
+    table->text(titles[i]);
+  }
+  table->finish();
+}
+
+void writeTable(const PhysicalTable& physical, double null, Format format, std::ostream& out) {
+  std::vector<Column> columns;
+  for (const auto& column : physical.columns) {
+    auto& title = columns.emplace_back(Column{column.name, true, 0, column.units});
+    for (const double value : column.values)
+      title.width = std::max(title.width, NumberText(shown(value)).view().size());
+  }
+  const auto table = TableWriter::make(format, columns, out);
+  for (std::size_t row = 0; row < physical.rows(); ++row) {
+    for (const auto& column : physical.columns)
+      column.values[row] == null ? table->empty() : table->number(shown(column.values[row]));
+  }
+  table->finish();
+}
+
+/// The table that was asked for. Throws Failure, with the tables that there are.
+PhysicalTable tableOf(const qvEclipseReader& reader, const TablesOptions& options) {
+  bool qOK = false;
+  auto table = reader.GetINITPhysicalTable(options.table, options.number, qOK);
+  if (qOK) return table;
+  if (const auto count = reader.NumberTables(options.table); count > 0)
+    throw Failure(Usage,
+                  fmt::format("no table {} of {}; it has {}", options.number, upper(options.table), count));
+  std::vector<std::string> names;
+  std::int32_t nNames = 0;
+  reader.GetTableTypes(names, nNames, qOK);
+  throw Failure(Usage, fmt::format("no table \"{}\"; it has {}", options.table, fmt::join(names, ", ")));
+}
+
+ExitStatus showTables(const TablesOptions& options, Console& console) {
+  const RunFamily run = findRun(options.path);
+  Output output(options.output, console.out(), pathsOf(run));
+  qvEclipseReader reader(console.session());
+  {
+    const DiagnosesWithoutLeftovers diagnoses(console.session(), console.session().diagnosisSink);
+    openInit(reader, run, true, console);
+  }
+  if (reader.Init()->xTAB.nTables() == 0) console.say("the INIT file has no simulation tables");
+  if (options.table.empty()) {
+    writeList(reader, options.output.format, output.stream());
+  } else {
+    const auto table = tableOf(reader, options);
+    if (!table.overlaps.empty()) console.say(fmt::format("{}: {}", table.name, note(table)));
+    writeTable(table, console.session().NullValue, options.output.format, output.stream());
+  }
+  output.commit();
+  return console.doneStatus();
+}
+
+}  // namespace
+
+void addTables(CLI::App& app, Action& chosen) {
+  auto options = std::make_shared<TablesOptions>();
+  CLI::App* command =
+      app.add_subcommand("tables", "List the simulation tables of a run's INIT file, or show one");
+  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
+      ->required()
+      ->option_text(" ");
+  command->add_option("--table", options->table, "The table to show, as PVTO")->option_text("NAME");
+  command
+      ->add_option("--number", options->number,
+                   "Which one, from 1, where there are several; the first if not given")
+      ->option_text("N");
+  addOutputOptions(*command, options->output);
+  command->footer(
+      "Values are as a deck has them, in the units of the run. Example:\n  lumbarn tables --table PVTO RUN");
+  command->callback(
+      [options, &chosen] { chosen = [options](Console& console) { return showTables(*options, console); }; });
+}
+
+}  // namespace lumbarn::cli

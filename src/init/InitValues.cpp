@@ -1,0 +1,241 @@
+// The values of an INIT file: from their records into columns, all cells compressed to the active ones.
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "../record/Quarnet.h"
+#include "../support/Fault.h"
+#include "../support/Guarded.h"
+#include "../support/System.h"
+#include "qvEclipseINIT.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr const char* className = "qvEclipseINIT";
+
+/// Elements that are decoded at once when they do not go to their place as they are.
+constexpr std::size_t atOnce = std::size_t{1} << 14;
+
+/// Hands the elements of the cursor's record, of integers or singles, to take(first, values) as singles.
+template <class Take>
+void inParts(RecordCursor& cursor, Take take) {
+  const auto count = static_cast<std::size_t>(cursor.header().count);
+  const bool integers = cursor.header().type == ElementType::Integer;
+  std::vector<float> values(std::min(count, atOnce));
+  std::vector<std::int32_t> whole(integers ? values.size() : 0);
+  for (std::size_t first = 0; first < count; first += atOnce) {
+    const auto part = std::span(values).first(std::min(atOnce, count - first));
+    if (integers) {
+      const auto words = std::span(whole).first(part.size());
+      cursor.read(words, static_cast<std::int64_t>(first));
+      std::ranges::transform(words, part.begin(), [](std::int32_t word) { return static_cast<float>(word); });
+    } else {
+      cursor.read(part, static_cast<std::int64_t>(first));
+    }
+    take(first, part);
+  }
+}
+
+/// The values of active cells out of those of all cells, in the order of the cells.
+void readCompressed(RecordCursor& cursor, std::span<const std::int32_t> iA2N, std::span<float> column) {
+  std::size_t done = 0;
+  inParts(cursor, [&](std::size_t first, std::span<const float> part) {
+    for (; done < column.size(); ++done) {
+      const auto place = static_cast<std::size_t>(iA2N[done]) - 1 - first;
+      if (place >= part.size()) break;
+      column[done] = part[place];
+    }
+  });
+}
+
+// Layout of a scratch file, as for every table that hosts take over: number of dimensions, two words that
+// they take as fixed, lower bounds, upper bounds, then the values.
+constexpr std::int32_t scratchWords = 7;
+
+}  // namespace
+
+qvEclipseINIT::~qvEclipseINIT() {
+  std::error_code ignored;
+  for (const auto& grid : tGrids_) {
+    if (!SaveScratchFile && !grid.zScratchFile.empty()) std::filesystem::remove(grid.zScratchFile, ignored);
+  }
+}
+
+void qvEclipseINIT::tellDropped(const KeptArray& array, const GRIDINFO& grid, std::string why) const {
+  Diagnosis diagnosis;
+  diagnosis.path = FileName;
+  diagnosis.keyword = array.name;
+  diagnosis.offset = array.header.headerAt;
+  diagnosis.problem = std::move(why);
+  diagnosis.expected = fmt::format("{} values for grid {}", grid.nActive, grid.GridName);
+  diagnosis.found = fmt::format("{}", array.header.count);
+  diagnosis.action = "dropped the array";
+  session_->diagnose(std::move(diagnosis));
+}
+
+/// The table of active cells from PORV, the cursor being anywhere; with a column, its values too, as they are
+/// at hand.
+void qvEclipseINIT::CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn) {
+  const auto nActive = static_cast<std::size_t>(std::max(grid.nActive, 0));
+  ActiveFromPoreVolume active;
+  active.iA2N.reserve(std::min(nActive, static_cast<std::size_t>(grid.PORV->count)));
+  std::size_t count = 0;
+  cursor.setCurrent(*grid.PORV);
+  inParts(cursor, [&](std::size_t first, std::span<const float> part) {
+    for (std::size_t i = 0; i < part.size(); ++i) {
+      if (!(part[i] > 0)) continue;
+      if (count < nActive) active.iA2N.push_back(static_cast<std::int32_t>(first + i + 1));
+      if (count < porvColumn.size()) porvColumn[count] = part[i];
+      ++count;
+    }
+  });
+  active.agrees = count >= nActive;
+  if (count != nActive) {
+    Diagnosis diagnosis;
+    diagnosis.path = FileName;
+    diagnosis.keyword = "PORV";
+    diagnosis.offset = grid.PORV->headerAt;
+    diagnosis.problem = fmt::format("pore volumes disagree with the active cells of grid {}", grid.GridName);
+    diagnosis.expected = fmt::format("{} cells with pore volume", nActive);
+    diagnosis.found = fmt::format("{}", count);
+    diagnosis.action = active.agrees ? "took the first ones as active" : "cells are not numbered by them";
+    diagnosis.certainty = Certainty::Guess;
+    session_->diagnose(std::move(diagnosis));
+    if (!active.agrees) active.iA2N.resize(std::min(nActive, static_cast<std::size_t>(grid.PORV->count)));
+  }
+  grid.active = std::move(active);
+}
+
+/// Null when the file does not tell which cells are active.
+const ActiveFromPoreVolume* qvEclipseINIT::activeOf(RecordCursor& cursor, GRIDINFO& grid) {
+  if (!grid.active) {
+    if (!grid.PORV || grid.PORV->count != grid.nCells) return nullptr;
+    CreateINIT_A2N(cursor, grid);
+  }
+  return &*grid.active;
+}
+
+/// The values of active cells into a column of that length. False when they are not to be had.
+bool qvEclipseINIT::readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptArray& array,
+                              std::span<float> column) {
+  if (std::cmp_equal(array.header.count, column.size())) {
+    cursor.setCurrent(array.header);
+    if (array.header.type == ElementType::Single) {
+      cursor.read(column);
+    } else {
+      inParts(cursor, [&](std::size_t first, std::span<const float> part) {
+        std::ranges::copy(part, column.begin() + static_cast<std::ptrdiff_t>(first));
+      });
+    }
+    return true;
+  }
+  if (array.header.count != grid.nCells) return false;
+  if (!grid.active && grid.PORV && grid.PORV->headerAt == array.header.headerAt) {
+    CreateINIT_A2N(cursor, grid, column);
+    return grid.active->agrees;
+  }
+  const auto* active = activeOf(cursor, grid);
+  if (!active || !active->agrees) return false;
+  cursor.setCurrent(array.header);
+  readCompressed(cursor, active->iA2N, column);
+  return true;
+}
+
+/// Arrays that turn out not to fit, or whose values are damaged, are dropped on the way. False when it was
+/// cancelled.
+bool qvEclipseINIT::readColumns(RecordCursor& cursor, GRIDINFO& grid) {
+  for (std::size_t i = 0; i < grid.arrays.size();) {
+    if (session_->yield()) return false;
+    const auto& array = grid.arrays[i];
+    bool kept = false;
+    try {
+      kept = readArray(cursor, grid, array, grid.sData.column(i + 1));
+      if (!kept) tellDropped(array, grid, "array does not fit its grid");
+    } catch (BadRecord& damage) {
+      endAtDamage(std::move(damage.diagnosis()), "dropped the array");
+    }
+    if (session_->Container && cursor.fileSize() > 0) {
+      session_->Container->fraction(static_cast<double>(array.header.headerAt) /
+                                    static_cast<double>(cursor.fileSize()));
+    }
+    if (kept) {
+      ++i;
+    } else {
+      grid.arrays.erase(grid.arrays.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+  }
+  return true;
+}
+
+/// An array is never shorter than its column here, so the block is no larger than what the file holds.
+bool qvEclipseINIT::loadValues(RecordCursor& cursor, GRIDINFO& grid) {
+  std::erase_if(grid.arrays, [&](const KeptArray& array) {
+    const bool unfit = grid.nActive < 0 || array.header.count < grid.nActive;
+    if (unfit) tellDropped(array, grid, "array does not fit its grid");
+    return unfit;
+  });
+  if (grid.arrays.empty()) return true;
+  try {
+    grid.sData = XYData(static_cast<std::size_t>(grid.nActive), grid.arrays.size(), *session_);
+  } catch (const Fault& fault) {
+    if (fault.number() != FaultNumber::OutOfMemory) throw;
+    loadThroughScratch(cursor, grid);
+    return true;
+  }
+  return readColumns(cursor, grid);
+}
+
+/// One column at a time to a scratch file in place of memory.
+void qvEclipseINIT::loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid) {
+  grid.zScratchFile = makeTemporaryFile("EI");
+  Quarnet quarnet(*session_);
+  cFILETYPE cFile(*session_);
+  cFile.Formatted = cFile.FORTRAN = cFile.byteSwap = false;
+  bool qDone = false;
+  quarnet.CreateRecordFile(grid.zScratchFile, cFile, qDone);
+  const std::int32_t words[scratchWords] = {2, 2, 3, 1, 1, grid.nActive, grid.nVectors()};
+  if (qDone) quarnet.WriteRawIntegers(scratchWords, words, cFile, qDone);
+  XYData column(static_cast<std::size_t>(grid.nActive), 1, *session_);
+  for (const auto& array : grid.arrays) {
+    if (qDone && !readArray(cursor, grid, array, column.values()))
+      std::ranges::fill(column.values(), static_cast<float>(session_->NullValue));
+    if (qDone) quarnet.WriteRawSingles(grid.nActive, column.values(), cFile, qDone);
+  }
+  bool qClosed = false;
+  quarnet.CloseRecordFile(cFile, qClosed);
+  if (!qDone || !qClosed) throw Fault(FaultNumber::OutOfMemory, "the scratch file cannot be written");
+}
+
+void qvEclipseINIT::getINITDataFromScratchFile(XYData& xyData, bool& qOK) {
+  guarded(*session_, qOK, className, "getINITDataFromScratchFile", [&] {
+    auto* held = find(iGrid);
+    if (!held || held->zScratchFile.empty()) return false;
+    XYData values(static_cast<std::size_t>(held->nActive), held->arrays.size(), *session_);
+    Quarnet quarnet(*session_);
+    cFILETYPE cFile(*session_);
+    cFile.Formatted = cFile.FORTRAN = cFile.byteSwap = false;
+    bool qDone = false, qClosed = false;
+    quarnet.OpenRecordFile(held->zScratchFile, cFile, qDone);
+    cFile.SeekByte(1 + scratchWords * static_cast<std::int32_t>(sizeof(std::int32_t)));
+    if (qDone)
+      quarnet.ReadRawSingles(static_cast<std::int64_t>(values.values().size()), values.values(), cFile,
+                             qDone);
+    quarnet.CloseRecordFile(cFile, qClosed);
+    if (!qDone) return false;
+    std::error_code ignored;
+    std::filesystem::remove(std::exchange(held->zScratchFile, {}), ignored);
+    xyData = std::move(values);
+    return true;
+  });
+}
+
+std::string qvEclipseINIT::zScratchFile() const {
+  return iGrid >= 1 && iGrid <= nGrids() ? grid().zScratchFile : std::string();
+}
+
+}  // namespace lumbarn

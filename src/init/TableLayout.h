@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace lumbarn {
+
+constexpr int tableDimsWords = 48;  ///< words of TABDIMS that have a meaning here
+
+/// Which words of TABDIMS, from 1, tell where a table stands in TAB and how large it is. 0: the table has no
+/// such word; it then has one row.
+struct TableLayout {
+  std::string_view name;
+  std::string_view parent;  ///< the table whose outer index this one holds
+  int startWord = 0;
+  int outerWord = 0;  ///< values of the outer index
+  int rowsWord = 0;
+  int tablesWord = 0;
+};
+const TableLayout* tableLayout(std::string_view zTable);
+
+/// Columns that are taken of a table. TAB may hold more behind them: slopes of the columns before.
+std::int32_t GRAFTableColumns(std::string_view zTable);
+
+/// One column as TAB holds it and as a person knows it.
+struct TableColumn {
+  std::string_view name;  ///< "BO"; empty for a column that is not shown
+  std::string_view raw;   ///< what TAB holds, when that is something else: "1/BO"
+  enum class Quantity : std::uint8_t {
+    None,
+    Pressure,
+    Capillary,  ///< difference of pressures
+    Length,
+    Density,
+    Viscosity,
+    Compressibility,
+    LiquidVolume,
+    GasVolume,
+    GasInOil,
+    OilInGas
+  } quantity = Quantity::None;
+};
+/// The columns of a table, `GRAFTableColumns` of them.
+std::span<const TableColumn> tableColumns(std::string_view zTable);
+/// Units by system: 1 metric, 2 field, 3 laboratory, 4 metric with atmospheres. Empty for a number without
+/// dimension and in any other system.
+std::string_view tableUnit(TableColumn::Quantity quantity, std::int32_t iUnits);
+
+/// "PVTG" names "PGAS", "PVTO" and "PVCO" name "RS": the table that holds the values of the outer index.
+/// Empty for others.
+std::string_view relatedTable(std::string_view zTable);
+
+}  // namespace lumbarn
