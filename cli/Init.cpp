@@ -205,7 +205,7 @@ class InitListing {
     std::vector<std::int32_t> cells;
     if (options_.ijk) {
       cells = cellNumbers(number);
-      columns.insert(columns.begin(), {{"I", true}, {"J", true}, {"K", true}});
+      columns.insert(columns.begin(), {{"i", true}, {"j", true}, {"k", true}});
     }
     writeColumns(columns, values, cells, grid, format, out);
   }

@@ -38,7 +38,7 @@ TEST_F(InitCommand, ListsEveryGrid) {
 
 TEST_F(InitCommand, ShowsValuesWithTheirCells) {
   EXPECT_THAT(rows({"init", "--array", "PORO,DEPTH", "--ijk"}),
-              ElementsAre(ElementsAre("I", "J", "K", "DEPTH", "PORO"), ElementsAre("1", "1", "1", "1", "5"),
+              ElementsAre(ElementsAre("i", "j", "k", "DEPTH", "PORO"), ElementsAre("1", "1", "1", "1", "5"),
                           ElementsAre("3", "1", "1", "3", "6"), ElementsAre("1", "2", "1", "4", "7"),
                           ElementsAre("3", "2", "1", "6", "8")));
   const auto all = rows({"init", "--array", "poro", "--ijk", "--all"});

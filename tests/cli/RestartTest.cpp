@@ -61,7 +61,8 @@ TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
   EXPECT_THAT(written.out, HasSubstr("R.INSPEC: "));
   EXPECT_EQ(restart({}).out, walked);
   EXPECT_THAT(command({"index", folder_.file("R"), "--into", folder_.file("")}).err, HasSubstr("--replace"));
-  EXPECT_EQ(command({"check", folder_.file("R")}).status, 0);
+  const Outcome checked = command({"check", folder_.file("R")});
+  EXPECT_EQ(checked.status, 0) << checked.out;
   run_.steps = {1, 2};
   run_.writeRestart(folder_, "R", test::bigEndian, true);
   EXPECT_THAT(restart({}).err, HasSubstr("index does not agree"));
