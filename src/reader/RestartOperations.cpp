@@ -17,14 +17,18 @@ namespace {
 
 constexpr const char* className = "qvEclipseReader";
 
+bool isRestartIndex(const std::string& zFile) {
+  return meaningOf(FileName(zFile).extension).kind == FileKind::Rsspec;
+}
+
 /// The file that a restart load reads: a restart index leads to the set that it is the index of, any other
-/// file is itself.
+/// file is itself. Empty when the index stands alone.
 std::string restartFileOf(const std::string& zFile) {
-  if (meaningOf(FileName(zFile).extension).kind != FileKind::Rsspec) return zFile;
+  if (!isRestartIndex(zFile)) return zFile;
   std::string why;
   const auto runs = findRuns(zFile, why);
   const RunMember* found = runs.empty() ? nullptr : runs.front().find(FileKind::Restart);
-  return found ? found->path : zFile;
+  return found ? found->path : std::string();
 }
 
 /// The names of all arrays of a set, in order of first appearance, and the numbers of its steps.
@@ -62,10 +66,12 @@ void qvEclipseReader::ReadSolutionFile(bool& qOK) {
 
 bool qvEclipseReader::readSolution() {
   if (session_->yield()) return false;
+  rsspec_.reset();
+  if (isRestartIndex(FileName)) readRestartIndex();
   SolutionLoad load;
   load.set = std::make_unique<qvEclipseSOLUTION>(*session_);
   const std::string path = restartFileOf(FileName);
-  if (!load.set->CheckRESTARTFile(path)) {
+  if (path.empty() || !load.set->CheckRESTARTFile(path)) {
     tellNoRestart(path);
     return false;
   }
@@ -78,12 +84,25 @@ bool qvEclipseReader::readSolution() {
   return loadSolution(load);
 }
 
+/// An index that cannot be read takes nothing from the files that it is the index of.
+void qvEclipseReader::readRestartIndex() {
+  auto index = std::make_unique<qvEclipseRSSPEC>(*session_);
+  bool qOK = false;
+  index->CheckRESTARTFile(FileName, qOK);
+  if (qOK) index->getRSSPECData(qOK);
+  if (qOK) rsspec_ = std::move(index);
+}
+
 /// A check that says no ends a load without a message; the diagnosis is for whoever wants to know.
 void qvEclipseReader::tellNoRestart(const std::string& path) {
   Diagnosis diagnosis;
-  diagnosis.path = path;
-  const auto source = FileSource::open(path, diagnosis.problem);
-  if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no restart file";
+  diagnosis.path = path.empty() ? FileName : path;
+  const auto source = FileSource::open(diagnosis.path, diagnosis.problem);
+  if (path.empty()) {
+    diagnosis.problem = "is an index; no restart files go with it";
+  } else if (source) {
+    diagnosis.problem = source->size() == 0 ? "file is empty" : "is no restart file";
+  }
   session_->diagnose(std::move(diagnosis));
 }
 

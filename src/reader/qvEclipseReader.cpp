@@ -246,6 +246,8 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
       return grid_ != nullptr;
     case 18:
       return tests_ != nullptr;
+    case 28:
+      return rsspec_ != nullptr;
     case 76:
       return userTests_ != nullptr;
     case initCode:
@@ -260,6 +262,7 @@ bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   if (iType == 13) summary_.reset();
   if (iType == 14) grid_.reset();
   if (iType == 18) tests_.reset();
+  if (iType == 28) rsspec_.reset();
   if (iType == 76) userTests_.reset();
   if (iType == initCode) init_.reset();
   return true;

@@ -12,6 +12,7 @@
 #include "../grid/qvGRIDReader.h"
 #include "../init/qvEclipseINIT.h"
 #include "../restart/WellRecords.h"
+#include "../restart/qvEclipseRSSPEC.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
@@ -189,6 +190,9 @@ class qvEclipseReader : public ReaderOptions {
 
   // --- Restart, beyond what hosts of old ask for
 
+  /// What the index says, after a load by the name of one; null else. It is held under code 28, also when
+  /// the files that it is the index of cannot be read.
+  const qvEclipseRSSPEC* RestartIndexFile() const { return rsspec_.get(); }
   /// The steps held: number, days, date, grids, file.
   std::vector<RestartStep> RestartSteps() const;
   /// One grid of a step, with its arrays' names, units and places, and its wells; null when there is none.
@@ -383,6 +387,7 @@ class qvEclipseReader : public ReaderOptions {
   void askTests(const std::unique_ptr<Source>& source, const char* routine, bool& qOK, Ask ask);
   struct SolutionLoad;
   bool readSolution();
+  void readRestartIndex();
   void tellNoRestart(const std::string& path);
   bool listRestartFiles(qvEclipseSOLUTION& set);
   bool chooseSteps(SolutionLoad& load);
@@ -410,6 +415,7 @@ class qvEclipseReader : public ReaderOptions {
   UserTestKind userKind_ = UserTestKind::Rft;  // of `userTests_`
   std::unique_ptr<qvGRIDReader> grid_;
   std::unique_ptr<qvEclipseSOLUTION> solution_;
+  std::unique_ptr<qvEclipseRSSPEC> rsspec_;
   std::unique_ptr<qvEclipseINIT> init_;
 };
 

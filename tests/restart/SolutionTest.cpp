@@ -326,5 +326,34 @@ TEST(RestartFiles, OthersAreRefused) {
   }
 }
 
+/// A load writes the index of its set where the host names a folder; the name of the index leads back to
+/// both.
+TEST(Solution, AnIndexIsWrittenAndLeadsToItsSet) {
+  const TemporaryFolder folder;
+  RestartBuilder run;
+  run.steps = {{.number = 1, .grids = {{.arrays = {{"SWAT", {0, 0, 0, 1}}}}}},
+               {.number = 4, .grids = {{.arrays = {{"SWAT", {0, 0, 1, 1}}}}}}};
+  RestartLoad load(run.write(folder, "RUN", test::bigEndian));
+  load.reader.IndexFolder = folder.file("");
+  ASSERT_TRUE(load.run());
+  EXPECT_FALSE(load.reader.IsInitialised(28));
+
+  load.reader.IndexFolder.clear();
+  load.reader.FileName = folder.file("RUN.RSSPEC");
+  ASSERT_TRUE(load.run()) << load.lastDiagnosis().text();
+  EXPECT_THAT(load.steps(), ElementsAre(1, 4));
+  ASSERT_TRUE(load.reader.IsInitialised(28));
+  std::vector<std::int32_t> indexed;
+  bool qOK = false;
+  load.reader.RestartIndexFile()->GetSequences(indexed, qOK);
+  EXPECT_EQ(indexed, load.steps());
+
+  std::filesystem::remove(folder.file("RUN.UNRST"));
+  EXPECT_FALSE(load.run());
+  EXPECT_TRUE(load.reader.IsInitialised(28));
+  load.reader.DeleteObject(28);
+  EXPECT_FALSE(load.reader.IsInitialised(28));
+}
+
 }  // namespace
 }  // namespace lumbarn
