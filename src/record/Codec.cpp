@@ -25,8 +25,10 @@ bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_
   const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
   const auto wordLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); };
   if (!std::ranges::all_of(keyword, printable)) return false;
-  header.keyword = upper(trim(keyword));
-  header.typeWord = upper(typeWord);
+  header.keyword = trim(keyword);
+  for (char& c : header.keyword) c = upperLetter(c);
+  header.typeWord = typeWord;
+  for (char& c : header.typeWord) c = upperLetter(c);
   if (header.typeWord.size() != 4 || !std::ranges::all_of(header.typeWord, wordLetter)) return false;
   const auto [type, width] = typeInfo(header.typeWord);
   header.type = type;

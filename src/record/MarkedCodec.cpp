@@ -46,22 +46,32 @@ std::uint64_t piecesOf(std::uint64_t bytes) {
   throwCutOff(offset, fmt::format("{} bytes", expected), fmt::format("{}", found));
 }
 
+[[noreturn]] void throwMarksDisagree(std::uint64_t position, std::uint32_t expected, std::uint32_t found) {
+  throwBadRecord("block marks disagree", position, fmt::format("{}", expected), fmt::format("{}", found));
+}
+
 }  // namespace
 
 std::uint32_t MarkedCodec::readMark(Window& window, std::uint64_t position, std::uint64_t wanted) const {
   const auto size = static_cast<std::size_t>(markBytes_);
   const auto bytes = window.at(position, size, wanted);
   if (bytes.size() < size) throwTooShort(position, size, bytes.size());
-  return markBytes_ == 1 ? std::to_integer<std::uint32_t>(bytes[0])
-                         : loadWord<std::uint32_t>(bytes.data(), swap_);
+  return loadMark(bytes.data());
+}
+
+std::uint32_t MarkedCodec::loadMark(const std::byte* from) const {
+  return markBytes_ == 1 ? std::to_integer<std::uint32_t>(*from) : loadWord<std::uint32_t>(from, swap_);
+}
+
+/// A mark that is at hand and stands at this position of the file.
+void MarkedCodec::checkMark(const std::byte* at, std::uint64_t position, std::uint32_t expected) const {
+  if (const auto found = loadMark(at); found != expected) throwMarksDisagree(position, expected, found);
 }
 
 void MarkedCodec::checkMark(Window& window, std::uint64_t position, std::uint32_t expected,
                             std::uint64_t wanted) const {
   const auto found = readMark(window, position, wanted);
-  if (found != expected) {
-    throwBadRecord("block marks disagree", position, fmt::format("{}", expected), fmt::format("{}", found));
-  }
+  if (found != expected) throwMarksDisagree(position, expected, found);
 }
 
 /// A length as a mark of this file can hold it.
@@ -75,8 +85,8 @@ bool MarkedCodec::readHeader(Window& window, std::uint64_t position, RecordHeade
   const std::size_t whole = headerBytes + 2 * mark;
   const auto bytes = window.at(position, whole);
   if (bytes.size() < whole) throwTooShort(position, whole, bytes.size());
-  checkMark(window, position, headerBytes);
-  checkMark(window, position + mark + headerBytes, headerBytes);
+  checkMark(bytes.data(), position, headerBytes);
+  checkMark(bytes.data() + mark + headerBytes, position + mark + headerBytes, headerBytes);
   const auto* body = bytes.data() + mark;
   if (!setHeaderWords(header, letters(body, 8), letters(body + 12, 4))) {
     throwBadRecord("no record header", position + mark, "keyword and type", "other bytes");
@@ -221,8 +231,27 @@ void MarkedCodec::convert(ElementType type, const std::byte* in, std::size_t cou
   }
 }
 
+/// Decodes the whole data of a record of one block when they are at hand with both marks, as for nearly all
+/// records of a file that has many. False, with nothing done, when they are not.
+bool MarkedCodec::decodeSmall(Window& window, const RecordHeader& header, const DataLayout& layout,
+                              std::size_t count, std::byte* out) const {
+  const auto mark = static_cast<std::size_t>(markBytes_);
+  const auto data = static_cast<std::size_t>(dataLength(header));
+  const std::size_t whole = data + 2 * mark;
+  if (layout.kind != DataLayout::Kind::Regular || data > blockLength(header) || whole > Window::capacity)
+    return false;
+  const auto bytes = window.at(header.dataAt, whole, whole);
+  if (bytes.size() < whole) return false;
+  checkMark(bytes.data(), header.dataAt, shortened(data));
+  convert(header.type, bytes.data() + mark, header.type == ElementType::Text ? data : count, out);
+  checkMark(bytes.data() + mark + data, header.dataAt + mark + data, shortened(data));
+  return true;
+}
+
 void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataLayout& layout,
                          std::int64_t first, std::size_t count, std::byte* out) const {
+  const bool isWhole = first == 0 && count == static_cast<std::size_t>(header.count);
+  if (isWhole && decodeSmall(window, header, layout, count, out)) return;
   const bool text = header.type == ElementType::Text;  // may be cut anywhere, so it goes by the byte
   const auto width = static_cast<std::uint64_t>(header.width);
   const std::uint64_t unit = text ? 1 : width;

@@ -32,11 +32,15 @@ class MarkedCodec final : public Codec {
   };
   Piece pieceAt(const RecordHeader& header, const DataLayout& layout, std::uint64_t byte) const;
   std::uint32_t readMark(Window& window, std::uint64_t position, std::uint64_t wanted = 0) const;
+  std::uint32_t loadMark(const std::byte* from) const;
+  void checkMark(const std::byte* at, std::uint64_t position, std::uint32_t expected) const;
   void checkMark(Window& window, std::uint64_t position, std::uint32_t expected,
                  std::uint64_t wanted = 0) const;
   std::uint32_t shortened(std::uint64_t bytes) const;
   DataLayout walkBlocks(Window& window, const RecordHeader& header) const;
   DataLayout walkUnknown(Window& window, const RecordHeader& header) const;
+  bool decodeSmall(Window& window, const RecordHeader& header, const DataLayout& layout, std::size_t count,
+                   std::byte* out) const;
   void convert(ElementType type, const std::byte* in, std::size_t count, std::byte* out) const;
 
   int markBytes_;

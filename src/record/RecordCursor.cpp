@@ -45,7 +45,7 @@ auto RecordCursor::located(Body&& body) {
 
 bool RecordCursor::next() {
   const std::uint64_t position = next_;
-  header_ = {};
+  header_.clear();
   occurrence_ = 0;
   return located([&] {
     if (!readHeader(position)) return false;

@@ -4,11 +4,11 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "ByteSource.h"
 #include "Form.h"
+#include "KeywordCounts.h"
 #include "RecordHeader.h"
 
 namespace lumbarn {
@@ -47,7 +47,7 @@ class RecordCursor {
   /// Where the cursor stands and what it has met, to come back to after a look ahead.
   struct Mark {
     std::uint64_t next = 0;
-    std::unordered_map<std::string, std::int64_t> met;
+    KeywordCounts met;
   };
   Mark mark() const { return {next_, met_}; }
   void goBack(Mark mark);
@@ -98,7 +98,7 @@ class RecordCursor {
   RecordHeader header_;
   std::uint64_t next_ = 0;
   std::int64_t occurrence_ = 0;
-  std::unordered_map<std::string, std::int64_t> met_;
+  KeywordCounts met_;
 };
 
 /// A cursor on a file, its form found by content. On failure null, with the reason in `why`.

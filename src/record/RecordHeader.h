@@ -28,6 +28,15 @@ struct RecordHeader {
   std::uint64_t headerAt = 0;  ///< byte offset of the header record, from 0; of the X231 one if any
   std::uint64_t dataAt = 0;    ///< byte offset of what follows the header record, from 0
 
+  /// As new, but with the room that the texts have.
+  void clear() {
+    keyword.clear();
+    typeWord.clear();
+    type = ElementType::None;
+    count = 0;
+    width = 0;
+    headerAt = dataAt = 0;
+  }
   bool is(std::string_view name, ElementType ofType) const { return type == ofType && keyword == name; }
 };
 

@@ -10,6 +10,9 @@ namespace {
 /// Enough for the headers and the few words around a report step; small enough that skipping stays cheap.
 constexpr std::size_t leastFetch = 256;
 
+/// A full block of numbers with its marks: one that lies across the end of a fetch is whole in the next.
+constexpr std::size_t overlap = 8192;
+
 }  // namespace
 
 std::span<const std::byte> Window::fetch(std::uint64_t position, std::size_t needed, std::uint64_t wanted) {
@@ -19,8 +22,12 @@ std::span<const std::byte> Window::fetch(std::uint64_t position, std::size_t nee
   const auto share = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, capacity));
   const std::size_t useful = ahead_ ? capacity : wanted == 0 ? leastFetch : share;
   const std::size_t size = std::min(capacity, std::max(needed, useful));
-  last_.start = position;
-  last_.length = source_->readAt(position, {last_.bytes.get(), size});
+  // The end of a record is looked at before its data. So that these need no fetch of their own, a file that
+  // is read in order is taken up again a little before the end of the fetch before.
+  const std::uint64_t end = before_.start + before_.length;
+  const bool follows = ahead_ && position >= end && position - end + needed <= capacity / 2;
+  last_.start = follows ? end - std::min(before_.length, overlap) : position;
+  last_.length = source_->readAt(last_.start, {last_.bytes.get(), size});
   return last_.from(position);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -39,8 +40,8 @@ class Window {
     bool has(std::uint64_t position, std::size_t needed) const {
       return position >= start && position - start <= length && length - (position - start) >= needed;
     }
-    std::span<const std::byte> from(std::uint64_t position) const {
-      const auto skip = static_cast<std::size_t>(position - start);
+    std::span<const std::byte> from(std::uint64_t position) const {  // empty when the file ended before
+      const auto skip = static_cast<std::size_t>(std::min<std::uint64_t>(position - start, length));
       return {bytes.get() + skip, length - skip};
     }
   };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -119,13 +120,24 @@ std::string makeTemporaryFile(const std::string& prefix) {
 
 void* allocateLarge(std::size_t bytes) {
   if (bytes < largePage) return ::operator new(bytes, std::align_val_t(64));
-  void* memory = ::operator new(bytes, std::align_val_t(largePage));
-  ::madvise(memory, bytes, MADV_HUGEPAGE);  // advice only: without large pages this is merely slower
-  return memory;
+  // Mapped here and not by way of the allocator: that would keep what is given back, with the advice on it,
+  // for whatever the host asks for next.
+  if (bytes > std::size_t{PTRDIFF_MAX}) throw std::bad_alloc();
+  const auto length = (bytes + largePage - 1) / largePage * largePage;
+  void* const mapped =
+      ::mmap(nullptr, length + largePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (mapped == MAP_FAILED) throw std::bad_alloc();
+  auto* const start = static_cast<std::byte*>(mapped);
+  const std::size_t before = (largePage - reinterpret_cast<std::uintptr_t>(start) % largePage) % largePage;
+  if (before > 0) ::munmap(start, before);
+  ::munmap(start + before + length, largePage - before);
+  ::madvise(start + before, length, MADV_HUGEPAGE);  // without large pages this is merely slower
+  return start + before;
 }
 
 void freeLarge(void* memory, std::size_t bytes) noexcept {
-  ::operator delete(memory, std::align_val_t(bytes < largePage ? 64 : largePage));
+  if (bytes < largePage) return ::operator delete(memory, std::align_val_t(64));
+  ::munmap(memory, (bytes + largePage - 1) / largePage * largePage);
 }
 
 std::string thisModulePath() {

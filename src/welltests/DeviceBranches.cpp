@@ -26,11 +26,11 @@ void QVEclipseRFTtest::processICDData() {
   bool qOK = false;
   guarded(*session_, qOK, className, "processICDData", [&] {
     if (nBranches_ < 1 || !qICD_ || !ProcessICD) return;
-    const auto others = std::stable_partition(branches_.begin(), branches_.end(),
-                                              [](const BranchRecord& record) { return !record.qICD; });
-    const auto nFlagged = static_cast<std::size_t>(branches_.end() - others);
+    const auto firstFlagged = std::stable_partition(branches_.begin(), branches_.end(),
+                                                    [](const BranchRecord& record) { return !record.qICD; });
+    const auto nFlagged = static_cast<std::size_t>(branches_.end() - firstFlagged);
     if (nFlagged == 0) return;
-    branches_.erase(others, branches_.end());
+    branches_.erase(firstFlagged, branches_.end());
     nBranches_ = static_cast<std::int32_t>(branches_.size());
     // This holds for a test without PLT branches too. Deliberate.
     nPLTBranches_ = nBranches_;

@@ -32,7 +32,7 @@ class Refiller {
   Refiller(TestTable& table, std::span<const std::int32_t> order) : table_(table), order_(order) {}
 
   std::span<float> next(std::string_view name, std::uint64_t headerAt = TestTable::workedOut) {
-    table_.columns[done_] = {std::string(name), headerAt};
+    table_.columns[done_] = {ColumnName(name), headerAt};
     return std::span(table_.values).subspan(done_++ * table_.rows, table_.rows);
   }
   void ordered(std::string_view name, std::span<const float> from,
@@ -114,7 +114,7 @@ void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
 
   const std::int32_t iStart = pltColumns_[PltColumn::CONLENST];
   const std::int32_t iEnd = pltColumns_[PltColumn::CONLENEN];
-  TestTable table;
+  TestTable table;  // in memory that is given back: the test has room for the columns of it that count
   table.rows = n;
   table.columns.resize(static_cast<std::size_t>(m) + 2 + oil + water + gas + 2 * (oil && water) +
                        2 * (oil && gas));

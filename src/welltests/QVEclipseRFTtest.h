@@ -28,7 +28,15 @@ namespace lumbarn {
 /// through the session; data that are left out are told as a Diagnosis with the record's place.
 class QVEclipseRFTtest {
  public:
-  explicit QVEclipseRFTtest(Session& session = Session::process()) : session_(&session) {}
+  /// The tables and texts of the file lie in `memory`, which must outlive the test.
+  explicit QVEclipseRFTtest(Session& session = Session::process(),
+                            TestTable::Memory* memory = std::pmr::get_default_resource())
+      : session_(&session),
+        rft_(10, memory),
+        plt_(28, memory),
+        seg_(28, memory),
+        brn_(4, memory),
+        welletc_{std::pmr::string(memory)} {}
 
   // Options of the PLT arithmetic. Nothing in the system ever changes those of a test, see `qvEclipseRFT`.
   bool ProcessPLT = true;  ///< re-form the PLT table at all
@@ -85,7 +93,7 @@ class QVEclipseRFTtest {
   std::int32_t nPLTBranches() const { return nPLTBranches_; }
   std::int32_t nICDBranches() const { return nICDBranches_; }
   std::int32_t nICDSegments() const { return nICDSegments_; }
-  const std::string& dateText() const { return zDate_; }  ///< "15 JUL 2003"
+  std::string dateText() const;  ///< "15 JUL 2003"; empty without a date
   std::int32_t day() const { return iDay_; }
   std::int32_t month() const { return iMonth_; }
   std::int32_t year() const { return iYear_; }
@@ -165,7 +173,7 @@ class QVEclipseRFTtest {
   std::int32_t nPLTBranches_ = 0;
   std::int32_t nICDBranches_ = 0;
   std::int32_t nICDSegments_ = 0;
-  std::string zDate_;
+  bool qDate_ = false;  // a date was read
   std::int32_t iDay_ = 0;
   std::int32_t iMonth_ = 0;
   std::int32_t iYear_ = 0;

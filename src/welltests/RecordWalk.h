@@ -50,7 +50,7 @@ class RecordWalk {
 };
 
 /// A walk over a file in a known form. Null, with the reason in `why`, when it cannot be opened. The file is
-/// read in order through a buffer of its own, as tests are many and their records small.
+/// read in order and in large pieces, as tests are many and their records small.
 std::unique_ptr<RecordWalk> openWalk(const std::string& path, const Form& form, std::string& why);
 /// The same with the form found by content.
 std::unique_ptr<RecordWalk> openWalk(const std::string& path, std::string& why);

@@ -15,8 +15,10 @@ namespace {
 
 constexpr const char* className = "QVEclipseRFTtest";
 
+/// The length first: every record of a file is asked for its name.
 bool isAny(std::string_view zName, std::initializer_list<std::string_view> names) {
-  return std::ranges::any_of(names, [&](std::string_view name) { return equalNoCase(name, zName); });
+  return std::ranges::any_of(
+      names, [&](std::string_view name) { return name.size() == zName.size() && equalNoCase(name, zName); });
 }
 
 bool beginsWith(std::string_view zName, std::string_view letters) {
@@ -88,25 +90,26 @@ void QVEclipseRFTtest::getEclipseRFTtest(RecordWalk& reader, bool& qOK) {
 void QVEclipseRFTtest::readRecord(RecordWalk& reader) {
   RecordCursor& cursor = reader.cursor();
   const RecordHeader& header = cursor.header();
+  const std::string_view keyword = header.keyword;
   switch (header.type) {
     case ElementType::Integer:
-      if (header.keyword == "DATE") return setDate(cursor);
-      if (checkRFTPLTArray(header.keyword)) return readIndices(cursor);
+      if (keyword == "DATE") return setDate(cursor);
+      if (checkRFTPLTArray(keyword)) return readIndices(cursor);
       break;
     case ElementType::Single:
-      if (header.keyword == "TIME") return cursor.read(std::span(&sTime_, 1));
-      if (header.keyword == "WELLPLT") {
+      if (keyword == "TIME") return cursor.read(std::span(&sTime_, 1));
+      if (keyword == "WELLPLT") {
         sWELLPLT_ = cursor.singles();
         return;
       }
       break;
     case ElementType::Text:
-      if (header.keyword == "WELLETC") readWELLETC(cursor);
+      if (keyword == "WELLETC") readWELLETC(cursor);
       return;
     default:
       return;
   }
-  if (TestTable* table = tableOf(header.keyword)) addRecord(cursor, *table);
+  if (TestTable* table = tableOf(keyword)) addRecord(cursor, *table);
 }
 
 void QVEclipseRFTtest::setDate(RecordCursor& cursor) {
@@ -115,12 +118,16 @@ void QVEclipseRFTtest::setDate(RecordCursor& cursor) {
   iDay_ = date[0];
   iMonth_ = date[1];
   iYear_ = std::max(date[2], 0);
-  // A month that is none has no name; the text keeps its place.
-  zDate_ = fmt::format("{} {} {:04}", iDay_, monthName(iMonth_), iYear_);
+  qDate_ = true;
   if (monthName(iMonth_).empty()) {
     tell("DATE", cursor.header().headerAt, "month is none", "1 to 12", fmt::format("{}", iMonth_),
          "left it out of the date");
   }
+}
+
+/// A month that is none has no name; the text keeps its place.
+std::string QVEclipseRFTtest::dateText() const {
+  return qDate_ ? fmt::format("{} {} {:04}", iDay_, monthName(iMonth_), iYear_) : std::string();
 }
 
 void QVEclipseRFTtest::readWELLETC(RecordCursor& cursor) {

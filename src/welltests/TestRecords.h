@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,7 +10,7 @@ namespace lumbarn {
 
 /// Texts of one width in one block, as a record holds them. Texts count from 1.
 struct TextArray {
-  std::string bytes;
+  std::pmr::string bytes;
   std::size_t width = 8;
 
   std::size_t size() const { return width == 0 ? 0 : bytes.size() / width; }

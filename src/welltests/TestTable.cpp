@@ -5,10 +5,9 @@
 namespace lumbarn {
 
 std::span<float> TestTable::add(std::string_view name, std::uint64_t headerAt) {
-  // Tables have about this many columns. Large ones grow as they need, lest a lone array that a damaged file
-  // announces takes many times its size.
-  constexpr std::size_t usualColumns = 12;
-  constexpr std::size_t smallTable = 4096;
+  // Large tables grow as they need, lest a lone array that a damaged file announces takes many times its
+  // size.
+  constexpr std::size_t smallTable = 1024;
   const auto place = static_cast<std::size_t>(count);
   if (columns.empty()) {
     columns.reserve(usualColumns);
@@ -18,7 +17,7 @@ std::span<float> TestTable::add(std::string_view name, std::uint64_t headerAt) {
     values.resize((place + 1) * rows);
     columns.emplace_back();
   }
-  columns[place].name = name;
+  columns[place].name = ColumnName(name);
   columns[place].headerAt = headerAt;
   ++count;
   return std::span(values).subspan(place * rows, rows);
@@ -38,8 +37,9 @@ std::span<const float> TestTable::column(std::int32_t iColumn, std::size_t n) co
 }
 
 std::int32_t TestTable::find(std::string_view name) const {
+  const ColumnName wanted(name);
   for (std::int32_t i = 0; i < count; ++i) {
-    if (columns[static_cast<std::size_t>(i)].name == name) return i + 1;
+    if (columns[static_cast<std::size_t>(i)].name == wanted) return i + 1;
   }
   return -1;
 }

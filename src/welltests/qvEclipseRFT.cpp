@@ -9,6 +9,7 @@
 #include "../shapes/HeaderLayout.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
+#include "TestMemory.h"
 
 namespace lumbarn {
 
@@ -65,9 +66,10 @@ void qvEclipseRFT::getRFTData(bool& qOK) {
 
 /// False when the load was cancelled.
 bool qvEclipseRFT::readTests(RecordWalk& reader) {
+  const FromTestMemory<QVEclipseRFTtest> memory(std::make_shared<TestMemory>());
   bool more = true;
   while (more) {
-    const auto test = std::make_shared<QVEclipseRFTtest>(*session_);
+    const auto test = std::allocate_shared<QVEclipseRFTtest>(memory, *session_, memory.memory()->resource());
     bool qRead = false;  // False for every test but the last, so it tells nothing
     test->getEclipseRFTtest(reader, qRead);
     tests_.push_back(test);

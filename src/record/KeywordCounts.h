@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace lumbarn {
+
+/// How often each keyword of a file has been met. Keywords have eight letters at most, so each is one number
+/// and the table is flat: it is asked once for every record, and in files of many small records that counts.
+class KeywordCounts {
+ public:
+  /// The count of a keyword, 0 for a new one. Holds until the next call.
+  std::int64_t& operator[](std::string_view keyword);
+
+ private:
+  struct Entry {
+    std::uint64_t key = 0;  // the letters; 0: free
+    std::int64_t count = 0;
+  };
+  static std::size_t placeOf(const std::vector<Entry>& entries, std::uint64_t key);
+  void grow();
+
+  std::vector<Entry> entries_;  // a power of two of them, at most half in use
+  std::size_t used_ = 0;
+};
+
+}  // namespace lumbarn
