@@ -81,7 +81,7 @@ struct IndexedRun {
       out.integers("INTEHEAD", head({2, 2, 1}, 4, 0));
       out.singles("PORV", pressures(1, grid, 4));
     });
-    out.integers("TABDIMS", std::array{1, 2});
+    out.integers("TABDIMS", std::vector<std::int32_t>(48));
     out.integers("PVTNUM", std::vector<std::int32_t>(active, 3));
     eachGrid(out, [&](std::size_t) { out.integers("PVTNUM", std::vector<std::int32_t>(4, 4)); });
     out.singles("TRANNNC", std::array{0.5F});
