@@ -15,12 +15,12 @@ namespace lumbarn {
 /// not: form, and the cells of each grid.
 ///
 /// All positions must rise, leave room for the records between them, and lie inside the file. At the start of
-/// the file, between steps and behind the last of them the headers are read: the records there must be those
-/// that the index tells, with no report step between or behind them that it does not know. The headers of the
-/// first and the last step must tell the step number, date and time that the index has. This takes a few
-/// small reads for each step, however many records it has.
+/// the file, in front of some 64 steps spread over it, and behind the last the headers are read: the records
+/// there must be those that the index tells, with no report step between or behind them that it does not
+/// know. The headers of the first and the last step must tell the step number, date and time that the index
+/// has.
 ///
-/// A position in the middle of a step that is wrong by less than a record is found when the record is read.
+/// A wrong position elsewhere is found when the record is read.
 std::string disagreement(RestartIndex& index);
 
 /// Adds the groups of an index file's grids to a step; grids without arrays are left out.
