@@ -231,6 +231,13 @@ bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::in
     case 11:
     case 16:
       return qvEclipseSOLUTION(*session_).CheckRESTARTFile(zFileName);
+    case 15:
+      return qvEclipseINIT(*session_).CheckINITFile(zFileName);
+    case 28: {
+      bool qIndex = false;
+      qvEclipseRSSPEC(*session_).CheckRESTARTFile(zFileName, qIndex);
+      return qIndex;
+    }
     default:
       return iFileType >= 11 && iFileType <= 154 && recogniseFile(zFileName).whichtype() == iFileType;
   }
