@@ -4,16 +4,10 @@
 #include <array>
 #include <cmath>
 
+#include "../support/Wide.h"
+
 namespace lumbarn {
 namespace {
-
-#if defined(__x86_64__) && defined(__GNUC__)
-#define LUMBARN_WIDE __attribute__((target("avx2")))
-bool hasWide() { return __builtin_cpu_supports("avx2") != 0; }
-#else
-#define LUMBARN_WIDE
-bool hasWide() { return false; }
-#endif
 
 constexpr int cornerCount = 8;
 

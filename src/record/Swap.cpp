@@ -3,17 +3,11 @@
 #include <cstdint>
 #include <cstring>
 
+#include "../support/Wide.h"
+
 namespace lumbarn {
 
 namespace {
-
-#if defined(__x86_64__) && defined(__GNUC__)
-#define LUMBARN_WIDE __attribute__((target("avx2")))
-bool hasWide() { return __builtin_cpu_supports("avx2") != 0; }
-#else
-#define LUMBARN_WIDE
-bool hasWide() { return false; }
-#endif
 
 inline std::uint32_t turned(std::uint32_t word) { return __builtin_bswap32(word); }
 inline std::uint64_t turned(std::uint64_t word) { return __builtin_bswap64(word); }
