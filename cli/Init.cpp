@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -61,6 +62,9 @@ class InitListing {
   InitListing(const RunFamily& run, const InitOptions& options, Console& console)
       : options_(options), console_(console) {
     openInit(reader_, run, false, console);
+    for (const FileKind kind : {FileKind::Grid, FileKind::EGrid}) {
+      if (const RunMember* file = run.find(kind)) gridFile_ = *file;
+    }
   }
 
   void write(Format format, std::ostream& out) {
@@ -256,6 +260,7 @@ class InitListing {
     std::vector<Column> columns{{"connection", true}};
     std::vector<std::vector<float>> values;
     std::int32_t before = 0;
+    std::vector<std::int32_t> kinds;
     init().iGrid = number;
     for (std::int32_t kind = 1; kind <= 3; ++kind) {
       XYData data;
@@ -266,6 +271,7 @@ class InitListing {
         if (std::ranges::find(chosen, before + i) == chosen.end() || !qOK) continue;
         const auto column = data.column(static_cast<std::size_t>(i));
         values.emplace_back(column.begin(), column.end());
+        if (kinds.empty() || kinds.back() != kind) kinds.push_back(kind);
         const auto& name = record.zArrays[static_cast<std::size_t>(i) - 1];
         columns.push_back({name, true, 0, std::string(arrayUnit(name, grid.iUnits))});
       }
@@ -273,17 +279,53 @@ class InitListing {
     }
     std::size_t rows = 0;
     for (const auto& column : values) rows = std::max(rows, column.size());
+    // Rows of different kinds have nothing in common but their number.
+    const bool within = kinds.size() == 1 && kinds[0] == 1;
+    const auto cells = within ? joinedCells(number) : std::vector<CellPair>();
+    if (!cells.empty()) {
+      columns.insert(columns.begin() + 1, {{"i1", true}, {"j1", true}, {"k1", true}});
+      columns.insert(columns.begin() + 4, {{"i2", true}, {"j2", true}, {"k2", true}});
+    }
     const auto table = TableWriter::make(format, columns, out);
     for (std::size_t row = 0; row < rows; ++row) {
       table->number(row + 1);
+      if (!cells.empty()) {
+        for (const auto place : cells[row]) table->number(place);
+      }
       for (const auto& column : values) row < column.size() ? table->number(column[row]) : table->empty();
     }
     table->finish();
   }
 
+  /// i, j, k of both cells of each connection within a grid; none when the run's grid file does not tell
+  /// them.
+  using CellPair = std::array<std::int32_t, 6>;
+  std::vector<CellPair> joinedCells(std::int32_t number) {
+    std::vector<CellPair> cells;
+    if (!gridFile_) return cells;
+    bool qOK = false;
+    reader_.FileName = gridFile_->path;
+    reader_.ReadGridOrEGridFile(gridFile_->kind == FileKind::EGrid ? 23 : 14, qOK);
+    reader_.iGridNumber = number;
+    const auto connections = reader_.InitConnections(1, qOK);
+    if (!qOK) return cells;
+    const std::int32_t Nx = init().grid(number).Nx;
+    const std::int32_t Ny = init().grid(number).Ny;
+    const auto place = [&](std::int32_t cell) {
+      return std::array{(cell - 1) % Nx + 1, (cell - 1) / Nx % Ny + 1, (cell - 1) / Nx / Ny + 1};
+    };
+    for (const Connection& connection : connections) {
+      const auto [i1, j1, k1] = place(connection.cell1);
+      const auto [i2, j2, k2] = place(connection.cell2);
+      cells.push_back({i1, j1, k1, i2, j2, k2});
+    }
+    return cells;
+  }
+
   const InitOptions& options_;
   Console& console_;
   qvEclipseReader reader_{console_.session()};
+  std::optional<RunMember> gridFile_;
 };
 
 ExitStatus showInit(const InitOptions& options, Console& console) {

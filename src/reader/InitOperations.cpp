@@ -180,6 +180,32 @@ void qvEclipseReader::GetINITNNCData(std::int32_t iType, XYData& xyData, ByteTab
   });
 }
 
+std::vector<Connection> qvEclipseReader::InitConnections(std::int32_t iType, bool& qOK) {
+  std::vector<Connection> pairs;
+  fetchInit("InitConnections", qOK, [&](qvEclipseINIT& file) {
+    constexpr GridConnection::Kind kinds[] = {GridConnection::Kind::Inside, GridConnection::Kind::LocalGlobal,
+                                              GridConnection::Kind::Amalgamated};
+    bool qDone = false;
+    XYData values;
+    file.GetNNCData(iType, values, qDone);
+    if (!qDone || !grid_) return false;
+    const auto& grids = grid_->xGrids;
+    const auto found = std::ranges::find_if(
+        grids, [&](const auto& grid) { return upper(grid->zName) == upper(file.grid().GridName); });
+    if (found == grids.end()) return false;
+    std::vector<std::int32_t> first;
+    std::vector<std::int32_t> second;
+    for (const GridConnection& connection : (*found)->connections()) {
+      if (connection.kind != kinds[iType - 1]) continue;
+      first.push_back(connection.iCell1);
+      second.push_back(connection.iCell2);
+    }
+    pairs = pairConnections(first, second, values, qDone);
+    return qDone;
+  });
+  return pairs;
+}
+
 void qvEclipseReader::GetINITNxNyNz(std::int32_t& Nx, std::int32_t& Ny, std::int32_t& Nz, bool& qOK) {
   Nx = Ny = Nz = -1;
   fetchInit("GetINITNxNyNz", qOK, [&](qvEclipseINIT& file) {

@@ -10,6 +10,7 @@
 
 #include "../files/Recogniser.h"
 #include "../grid/qvGRIDReader.h"
+#include "../init/Connections.h"
 #include "../init/qvEclipseINIT.h"
 #include "../restart/WellRecords.h"
 #include "../restart/qvEclipseRSSPEC.h"
@@ -241,6 +242,10 @@ class qvEclipseReader : public ReaderOptions {
   /// Whether the INIT file has simulation tables and all of them could be taken.
   bool IsINITTableData() const;
   void DeleteInitData(bool& qOK);
+  /// The connection arrays of a kind paired with the cells that they join, which the grid file tells: both
+  /// must be loaded. Of the grid `iGridNumber`, in the order of the file. qOK False when one is missing, or
+  /// when the grid has other connections than the INIT file has values.
+  std::vector<Connection> InitConnections(std::int32_t iType, bool& qOK);
   /// The scratch file handed over with `SaveScratchFiles`; empty when memory sufficed. The caller deletes it.
   std::string InitScratchFileName() const;
 

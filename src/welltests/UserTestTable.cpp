@@ -1,7 +1,8 @@
 #include "UserTestTable.h"
 
 #include <algorithm>
-#include <initializer_list>
+#include <span>
+#include <string_view>
 #include <utility>
 
 #include "../record/TextNumbers.h"
@@ -11,7 +12,14 @@ namespace lumbarn {
 
 namespace {
 
-using Names = std::initializer_list<std::string_view>;
+using Names = std::span<const std::string_view>;
+
+/// Names of depth columns: of the best the last counts, of the others the first.
+constexpr std::string_view bestInPlt[] = {"CONLEN", "LENGTH"};
+constexpr std::string_view bestInRft[] = {"DEPTH"};
+constexpr std::string_view goodInPlt[] = {"DEPTH", "LENGTH", "MDEPTH", "MD"};
+constexpr std::string_view goodInRft[] = {"MD", "MDEPTH"};
+constexpr std::string_view vertical[] = {"WTVD", "TVD"};
 
 bool isAnyOf(std::string_view name, Names names) { return std::ranges::find(names, name) != names.end(); }
 
@@ -42,20 +50,18 @@ void UserTestTable::addHeaders(std::vector<std::string> words) {
   }
 }
 
-/// Several columns may be depths. A measured length along the well goes before a depth in a PLT; of the best
-/// names the last column counts, of the others the first.
+/// Several columns may be depths. A measured length along the well goes before a depth in a PLT.
 void UserTestTable::findDepthColumn() {
   const bool plt = kind_ == UserTestKind::Plt;
-  const Names best = plt ? Names{"CONLEN", "LENGTH"} : Names{"DEPTH"};
-  const Names good = plt ? Names{"DEPTH", "LENGTH", "MDEPTH", "MD"} : Names{"MD", "MDEPTH"};
-  const Names vertical = {"WTVD", "TVD"};
+  const Names best = plt ? Names(bestInPlt) : Names(bestInRft);
+  const Names good = plt ? Names(goodInPlt) : Names(goodInRft);
   const auto lastOf = std::find_if(names_.rbegin(), names_.rend(),
                                    [&](const std::string& name) { return isAnyOf(name, best); });
   if (lastOf != names_.rend()) {
     depthColumn_ = static_cast<std::size_t>(names_.rend() - lastOf - 1);
     return;
   }
-  for (const Names names : {good, vertical}) {
+  for (const Names names : {good, Names(vertical)}) {
     const auto first = std::ranges::find_if(names_, [&](const auto& name) { return isAnyOf(name, names); });
     if (first == names_.end()) continue;
     depthColumn_ = static_cast<std::size_t>(first - names_.begin());
