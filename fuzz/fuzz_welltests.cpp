@@ -14,13 +14,13 @@ namespace {
 using namespace lumbarn;
 
 /// A file of this process in a folder for temporary ones; gone when the process ends as it should.
-class InputFile {
+class FuzzedFile {
  public:
-  InputFile()
+  FuzzedFile()
       : path_((std::filesystem::temp_directory_path() /
                ("lumbarn-fuzz-" + std::to_string(std::random_device()()) + ".RFT"))
                   .string()) {}
-  ~InputFile() {
+  ~FuzzedFile() {
     std::error_code ignored;
     std::filesystem::remove(path_, ignored);
   }
@@ -100,7 +100,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* bytes, std::size_t 
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-  static const InputFile file;
+  static const FuzzedFile file;
   Session session;
   qvEclipseReader reader(session);
   reader.FileName = file.write(bytes, size);
