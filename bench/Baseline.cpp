@@ -38,17 +38,14 @@ void turnWords(std::byte* bytes, std::size_t words) {
 }  // namespace
 
 SwappedBytes readSwapped(const std::filesystem::path& path) {
-  return readSwapped(path, 0, static_cast<std::size_t>(std::filesystem::file_size(path)));
-}
-
-SwappedBytes readSwapped(const std::filesystem::path& path, std::size_t first, std::size_t size) {
   // Pieces that the second level cache holds, so that turning the words does not fetch them from memory.
   constexpr std::size_t piece = std::size_t{256} << 10;
   const auto file = openFile(path);
+  const auto size = static_cast<std::size_t>(file.size());
   SwappedBytes result{std::make_unique_for_overwrite<std::byte[]>(size), size};
   for (std::size_t at = 0; at < size; at += piece) {
     const std::span part(result.bytes.get() + at, std::min(piece, size - at));
-    if (file.readAt(first + at, part) != part.size()) throw std::runtime_error(path.string() + " has shrunk");
+    if (file.readAt(at, part) != part.size()) throw std::runtime_error(path.string() + " has shrunk");
     turnWords(part.data(), part.size() / 4);
   }
   benchmark::DoNotOptimize(result.bytes.get());
@@ -74,8 +71,13 @@ std::size_t parseAllNumbers(const std::string& text) {
       at = std::find(at, end, '\n');
       continue;
     }
-    at = fast_float::from_chars(at, end, numbers[count]).ptr;
-    ++count;
+    const char* const word = at;
+    at = fast_float::from_chars(word, end, numbers[count]).ptr;
+    if (at != word) {
+      ++count;
+      continue;
+    }
+    while (at < end && *at != ' ' && *at != '\n') ++at;  // T and F of logicals
   }
   benchmark::DoNotOptimize(numbers.get());
   return count;

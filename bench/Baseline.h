@@ -15,8 +15,6 @@ struct SwappedBytes {
   std::size_t size = 0;
 };
 SwappedBytes readSwapped(const std::filesystem::path& path);
-/// The same with a part of it.
-SwappedBytes readSwapped(const std::filesystem::path& path, std::size_t first, std::size_t size);
 
 std::string readText(const std::filesystem::path& path);
 
