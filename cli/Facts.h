@@ -2,13 +2,14 @@
 
 #include <ostream>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include "TableWriter.h"
 
 namespace lumbarn::cli {
 
-/// Named facts in order: numbers, texts, lists of them, groups of facts, and lists of groups.
+/// Named facts in order: numbers, texts, lists of them, groups of facts, and lists of groups. Sources that
+/// make some include <nlohmann/json.hpp>; it is dear to compile.
 using Facts = nlohmann::ordered_json;
 
 /// Writes facts as one JSON object; as rows `property,value` with the names of groups in front; or for

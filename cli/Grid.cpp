@@ -2,7 +2,6 @@
 #include <memory>
 #include <optional>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
@@ -166,33 +165,22 @@ ExitStatus showGrid(const GridOptions& options, Console& console) {
 
 }  // namespace
 
-void addGrid(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<GridOptions>();
-  CLI::App* command = app.add_subcommand("grid", "List the grids of a run, their corners, or export them");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--grid", options->grid, "A local grid, in place of the global one (ROOT)")
-      ->option_text("NAME");
-  command->add_flag("--corners", options->corners, "Show the eight corners of each active cell");
-  command->add_option("--vtk", options->vtk, "Write the active cells to a VTKHDF file, for ParaView")
-      ->option_text("FILE");
-  command
-      ->add_option("--array", options->arrays,
-                   "Export an array of the INIT or the restart file too, as PORO or PRESSURE")
-      ->allow_extra_args(false)
-      ->delimiter(',')
-      ->option_text("NAME");
-  command->add_option("--step", options->step, "Export restart arrays as they are at one report step")
-      ->option_text("N");
-  command->add_flag("--z-up", options->zUp, "Export heights in place of depths");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addGrid(CommandLine& line) {
+  Subcommand command(line, "grid", "List the grids of a run, their corners, or export them");
+  GridOptions& options = command.performs(showGrid);
+  command.path(options.path);
+  command.value("--grid", options.grid, "NAME", "A local grid, in place of the global one (ROOT)");
+  command.flag("--corners", options.corners, "Show the eight corners of each active cell");
+  command.value("--vtk", options.vtk, "FILE", "Write the active cells to a VTKHDF file, for ParaView");
+  command.list("--array", options.arrays, "NAME",
+               "Export an array of the INIT or the restart file too, as PORO or PRESSURE");
+  command.value("--step", options.step, "N", "Export restart arrays as they are at one report step");
+  command.flag("--z-up", options.zUp, "Export heights in place of depths");
+  command.output(options.output);
+  command.footer(
       "Arrays of the restart file are exported for all its steps, which viewers of VTK 9.3 and later read;\n"
       "with --step any since 9.1 can read the file. Example:\n  lumbarn grid RUN\n"
       "  lumbarn grid --vtk run.vtkhdf --array PORO --array PRESSURE --z-up RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showGrid(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

@@ -1,10 +1,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 #include <optional>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
@@ -346,30 +344,22 @@ ExitStatus showInit(const InitOptions& options, Console& console) {
 
 }  // namespace
 
-void addInit(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<InitOptions>();
-  CLI::App* command = app.add_subcommand(
-      "init", "List the static arrays of a run, or show values, model flags or connections");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--array", options->arrays, "Arrays to show, as PORO,NTG or PERM*")
-      ->allow_extra_args(false)
-      ->option_text("NAMES");
-  command->add_option("--grid", options->grid, "The local grid to list or show; ROOT is the global one")
-      ->option_text("LGR");
-  command->add_flag("--ijk", options->ijk, "Show the numbers i, j, k of each cell in front");
-  command->add_flag("--all", options->all,
-                    "Show all cells in natural order, inactive ones as -999, instead of the active cells");
-  command->add_flag("--flags", options->flags, "Show what the run models");
-  command->add_flag("--nnc", options->nnc,
-                    "List the connection arrays by kind, or with --array show their values");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addInit(CommandLine& line) {
+  Subcommand command(line, "init",
+                     "List the static arrays of a run, or show values, model flags or connections");
+  InitOptions& options = command.performs(showInit);
+  command.path(options.path);
+  command.repeated("--array", options.arrays, "NAMES", "Arrays to show, as PORO,NTG or PERM*");
+  command.value("--grid", options.grid, "LGR", "The local grid to list or show; ROOT is the global one");
+  command.flag("--ijk", options.ijk, "Show the numbers i, j, k of each cell in front");
+  command.flag("--all", options.all,
+               "Show all cells in natural order, inactive ones as -999, instead of the active cells");
+  command.flag("--flags", options.flags, "Show what the run models");
+  command.flag("--nnc", options.nnc, "List the connection arrays by kind, or with --array show their values");
+  command.output(options.output);
+  command.footer(
       "Names are separated by commas; options may be repeated. Example:\n"
       "  lumbarn init --array PORO,PERMX --ijk --format csv -o rock.csv RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showInit(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

@@ -5,6 +5,8 @@
 #include <optional>
 #include <set>
 
+#include <nlohmann/json.hpp>
+
 #include "InitFile.h"
 #include "RecordData.h"
 #include "WellTestFile.h"

@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <memory>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -112,23 +110,16 @@ ExitStatus showTables(const TablesOptions& options, Console& console) {
 
 }  // namespace
 
-void addTables(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<TablesOptions>();
-  CLI::App* command =
-      app.add_subcommand("tables", "List the simulation tables of a run's INIT file, or show one");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--table", options->table, "The table to show, as PVTO")->option_text("NAME");
-  command
-      ->add_option("--number", options->number,
-                   "Which one, from 1, where there are several; the first if not given")
-      ->option_text("N");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addTables(CommandLine& line) {
+  Subcommand command(line, "tables", "List the simulation tables of a run's INIT file, or show one");
+  TablesOptions& options = command.performs(showTables);
+  command.path(options.path);
+  command.value("--table", options.table, "NAME", "The table to show, as PVTO");
+  command.value("--number", options.number, "N",
+                "Which one, from 1, where there are several; the first if not given");
+  command.output(options.output);
+  command.footer(
       "Values are as a deck has them, in the units of the run. Example:\n  lumbarn tables --table PVTO RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showTables(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli
