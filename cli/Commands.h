@@ -10,12 +10,12 @@ void addRecords(CommandLine& line);
 void addCheck(CommandLine& line);
 void addVectors(CommandLine& line);
 void addSummary(CommandLine& line);
-void addRft(CommandLine& line);
-void addGrid(CommandLine& line);
-void addWells(CommandLine& line);
 void addRestart(CommandLine& line);
-void addIndex(CommandLine& line);
+void addWells(CommandLine& line);
 void addInit(CommandLine& line);
 void addTables(CommandLine& line);
+void addGrid(CommandLine& line);
+void addRft(CommandLine& line);
+void addIndex(CommandLine& line);
 
 }  // namespace lumbarn::cli

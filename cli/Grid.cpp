@@ -60,8 +60,9 @@ const Hadrick& choose(const Grids& grids, const std::string& name) {
     names.push_back(grid->zName);
   }
   const std::string better = closest(name, names);
-  throw Failure(Usage, fmt::format("no grid \"{}\" is there{}", name,
-                                   better.empty() ? "" : fmt::format("; did you mean \"{}\"?", better)));
+  throw Failure(Usage, fmt::format("no grid \"{}\"; {}", name,
+                                   better.empty() ? fmt::format("it has {}", fmt::join(names, ", "))
+                                                  : fmt::format("did you mean \"{}\"?", better)));
 }
 
 std::string axesText(const Hadrick& grid) {

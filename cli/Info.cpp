@@ -32,6 +32,12 @@ void addFile(Facts& facts, const RunMember& file, const Recognised& recognised) 
   facts["bytes"] = bytesOf(file.path);
 }
 
+/// As the name tells it, and of a name that tells nothing not at all.
+const char* formOf(const RunMember& file) {
+  if (file.kind == FileKind::Unknown) return "";
+  return isText(file.kind) || file.formatted ? "formatted" : "unformatted";
+}
+
 /// One entry for each file of the run, step files of one set taken together as the first and the last of
 /// them.
 Facts familyFacts(const RunFamily& run) {
@@ -49,7 +55,7 @@ Facts familyFacts(const RunFamily& run) {
       continue;
     }
     files.push_back({{"kind", nameOf(member.kind)},
-                     {"form", isText(member.kind) || member.formatted ? "formatted" : "unformatted"},
+                     {"form", formOf(member)},
                      {"files", 1},
                      {"first", name},
                      {"last", ""},

@@ -19,13 +19,13 @@ void addCommands(CommandLine line) {
   addCheck(line);
   addVectors(line);
   addSummary(line);
-  addRft(line);
-  addGrid(line);
-  addWells(line);
   addRestart(line);
-  addIndex(line);
+  addWells(line);
   addInit(line);
   addTables(line);
+  addGrid(line);
+  addRft(line);
+  addIndex(line);
 }
 
 /// The subcommand that was given, or the command itself.

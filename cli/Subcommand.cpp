@@ -1,5 +1,7 @@
 #include "Subcommand.h"
 
+#include <limits>
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
@@ -8,13 +10,20 @@
 namespace lumbarn::cli {
 namespace {
 
-/// A check of the parser, in our words.
-CLI::Validator countsFromOne() {
-  const auto check = [](const std::string& word) {
-    const auto number = toInteger(word);
-    return number && *number >= 1 ? "" : fmt::format("needs a number from 1, not \"{}\"", word);
+/// Takes a whole number, or one from 1, to a variable. The parser's own message names neither.
+template <class Number>
+void addNumber(CLI::App& command, const std::string& name, Number& number, const std::string& word,
+               const std::string& description, bool fromOne) {
+  const auto store = [&number, name, fromOne](const std::string& text) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    const auto given = toInteger(text);
+    if (!given || *given < (fromOne ? 1 : Limits::min()) || *given > Limits::max()) {
+      throw CLI::ValidationError(
+          fmt::format("{} needs a {}, not \"{}\"", name, fromOne ? "number from 1" : "whole number", text));
+    }
+    number = static_cast<std::int32_t>(*given);
   };
-  return {check, ""};
+  command.add_option_function<std::string>(name, store, description)->option_text(word);
 }
 
 Format formatNamed(const std::string& word) {
@@ -48,12 +57,12 @@ void Subcommand::value(const std::string& name, std::string& text, const std::st
 
 void Subcommand::value(const std::string& name, std::int32_t& number, const std::string& word,
                        const std::string& description) {
-  command_.add_option(name, number, description)->option_text(word);
+  addNumber(command_, name, number, word, description, false);
 }
 
 void Subcommand::value(const std::string& name, std::optional<std::int32_t>& number, const std::string& word,
                        const std::string& description) {
-  command_.add_option(name, number, description)->option_text(word);
+  addNumber(command_, name, number, word, description, false);
 }
 
 void Subcommand::requiredValue(const std::string& name, std::string& text, const std::string& word,
@@ -62,7 +71,7 @@ void Subcommand::requiredValue(const std::string& name, std::string& text, const
 }
 
 void Subcommand::ordinal(const std::string& name, std::int32_t& number, const std::string& description) {
-  command_.add_option(name, number, description)->check(countsFromOne())->option_text("N");
+  addNumber(command_, name, number, "N", description, true);
 }
 
 void Subcommand::repeated(const std::string& name, std::vector<std::string>& texts, const std::string& word,

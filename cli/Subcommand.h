@@ -49,8 +49,7 @@ class Subcommand {
             const std::string& name = "PATH");
   void flag(const std::string& name, bool& given, const std::string& description);
 
-  /// An option with a value. For a number that is none the parser tells so; a range is checked by whoever
-  /// uses it.
+  /// An option with a value.
   void value(const std::string& name, std::string& text, const std::string& word,
              const std::string& description);
   void value(const std::string& name, std::int32_t& number, const std::string& word,

@@ -25,7 +25,8 @@ struct Refused {
   const char* message;
 };
 const Refused refusals[] = {
-    {{"--grid", "ROT"}, "no grid \"ROT\" is there; did you mean \"ROOT\"?"},
+    {{"--grid", "ROT"}, "no grid \"ROT\"; did you mean \"ROOT\"?"},
+    {{"--grid", "FAULT"}, "no grid \"FAULT\"; it has ROOT"},
     {{"--vtk", "FILE", "--corners"}, "--corners and --vtk cannot be given together"},
     {{"--array", "PORO"}, "--array, --step and --z-up go with --vtk"},
     {{"--vtk", "FILE", "--array", "PRESURE"},
