@@ -8,6 +8,7 @@
 #include "GridArrays.h"
 #include "Output.h"
 #include "PathArgument.h"
+#include "RunIndex.h"
 #include "Suggestion.h"
 #include "grid/CellGeometryOfGrid.h"
 #include "grid/qvGRIDReader.h"
@@ -61,13 +62,15 @@ const Hadrick& choose(const Grids& grids, const std::string& name) {
   }
   const std::string better = closest(name, names);
   throw Failure(Usage, fmt::format("no grid \"{}\"; {}", name,
-                                   better.empty() ? fmt::format("it has {}", fmt::join(names, ", "))
+                                   better.empty() ? "it has " + listText(names)
                                                   : fmt::format("did you mean \"{}\"?", better)));
 }
 
 std::string axesText(const Hadrick& grid) {
   if (!grid.dMapAxes) return "";
-  return fmt::format("{}", fmt::join(*grid.dMapAxes, " "));
+  std::string text;
+  for (const auto axis : *grid.dMapAxes) text += fmt::format("{}{}", text.empty() ? "" : " ", axis);
+  return text;
 }
 
 void listGrids(const Grids& grids, const GridOptions& options, std::ostream& out) {

@@ -238,7 +238,7 @@ class StepWells {
   void write(Format format, std::ostream& out) const {
     if (format == Format::Table) return writeTables(out);
     if (format == Format::Csv) return writeRows(out);
-    out << facts().dump(2, ' ', false, Facts::error_handler_t::replace) << "\n";
+    writeFacts(facts(), Format::Json, out);
   }
 
  private:
