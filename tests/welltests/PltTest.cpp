@@ -140,6 +140,8 @@ TEST(PltBranches, AreCountedByTheGreatestNumber) {
 TEST(PltFaults, WithoutTubingRatesNothingIsReformedButTheOrderIs) {
   WellTestLoad run({{{.arrays = without(plt(), "CONOTUB")}, {.arrays = plt()}}});
   EXPECT_THAT(run.faults, ElementsAre(subscriptFaultIn("processPLTRecords")));
+  ASSERT_EQ(run.session.diagnoses().size(), 1U);
+  EXPECT_EQ(run.lastDiagnosis().keyword, "CONOTUB");
   ASSERT_TRUE(run.plt(1));
   EXPECT_EQ(run.column("CONORAT"), (Singles{10, 20, 5, 0}));
   EXPECT_EQ(run.column("CONBDEPH"), (Singles{100, 400, 200, 300}));
