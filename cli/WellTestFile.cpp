@@ -57,6 +57,7 @@ class SimulatorTests final : public WellTestFile {
     bool qOK = false;
     records_ = reader_.ListRFTTests(qOK);
     console.session().diagnosisSink = sink;
+    console.checkCancelled();
     const auto count = std::min(records_.size(), static_cast<std::size_t>(reader_.NumberRFTTests()));
     for (std::size_t i = 0; i < count; ++i) tests_.push_back(summaryOf(records_[i]));
   }
