@@ -20,7 +20,7 @@ class RftTables : public ::testing::Test {
     using Singles = WellTestBuilder::Singles;
     using Integers = WellTestBuilder::Integers;
     WellTestBuilder file;
-    file.tests = {{.well = "H-1",
+    file.tests = {{.well = " H-1",
                    .arrays = {{"CONIPOS", Integers{4, 5, 6}},
                               {"CONJPOS", Integers{7, 7, 7}},
                               {"CONKPOS", Integers{1, 2, 3}},
@@ -64,6 +64,7 @@ TEST_F(RftTables, AreThoseOfTheReader) {
   EXPECT_THAT(table({"--segments"}).at(3), ElementsAre("3", "2", "20", "20.1", "2"));
   const auto all = table({"--all"});
   EXPECT_EQ(all.size(), 1 + 7 * 3 + 4 * 3 + 2 * 2);
+  EXPECT_THAT(command({"info", "--format", "json", path_}).out, HasSubstr("[\"H-1\"]"));
   EXPECT_THAT(all.at(21), ElementsAre("1", "H-1", "connections", "CONPRES", "BARSA", "3", "102"));
 }
 
