@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <unordered_map>
 #include <variant>
 
 #include <fmt/format.h>
@@ -53,6 +54,8 @@ RunMember testFile(const RunFamily& run) {
       return found;
     }
     if (file->kind == FileKind::Unknown) {
+      std::string why;
+      if (!FileSource::open(file->path, why)) throw Failure(Usage, file->path + ": " + why);
       throw Failure(Usage, file->path + ": is no RFT file, and no text that RFT or PLT opens");
     }
   }
@@ -165,9 +168,12 @@ void writeCaption(const TestSummary& test, std::ostream& out) {
 
 void writeTable(const std::vector<TestColumn>& columns, Format format, std::ostream& out) {
   std::vector<Column> heads;
+  std::unordered_map<std::string_view, int> timesSeen;  // connections have cells in both tables of a PLT
   for (const TestColumn& column : columns) {
-    heads.push_back({column.name, holdsNumbers(column.values),
-                     format == Format::Table ? widthOf(column.values) : 0, column.units});
+    const int times = ++timesSeen[column.name];
+    heads.push_back({times == 1 ? column.name : fmt::format("{}#{}", column.name, times),
+                     holdsNumbers(column.values), format == Format::Table ? widthOf(column.values) : 0,
+                     column.units});
   }
   const auto table = TableWriter::make(format, std::move(heads), out);
   const std::size_t rows = columns.empty() ? 0 : rowsOf(columns[0].values);

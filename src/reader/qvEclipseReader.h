@@ -75,7 +75,7 @@ class qvEclipseReader : public ReaderOptions {
   /// stands before it is there, and that is no failure unless it is nothing.
   void ReadRFTFile(bool& qOK);
   /// Reads a text file of measured tests, RFT or PLT. Both are kept in one place, the later load. A row with
-  /// too few numbers ends the reading with a report, which is no failure.
+  /// too few numbers ends its test with a report, which is no failure.
   void ReadUserRFTFile(bool& qOK);
   void ReadUserPLTFile(bool& qOK);
 
