@@ -5,6 +5,7 @@
 
 #include "../record/RecordCursor.h"
 #include "../support/Dates.h"
+#include "../support/Diagnosis.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
@@ -91,9 +92,13 @@ void qvEclipseRSSPEC::setRSSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const 
 }
 
 void qvEclipseRSSPEC::getRSSPECData(bool& qOK) {
+  steps.clear();
+  readSteps([&](qvEclipseRSSPECSequence& step) { addSEQUENCE(std::move(step)); }, qOK);
+}
+
+void qvEclipseRSSPEC::readSteps(const std::function<void(qvEclipseRSSPECSequence&)>& take, bool& qOK) {
   guarded(*session_, qOK, className, "getRSSPECData", [&] {
     head = {};
-    steps.clear();
     cFILETYPE xFile(*session_);
     bool qSet = false;
     setRSSPECFileTypeProps(xFile, qSet);
@@ -102,8 +107,14 @@ void qvEclipseRSSPEC::getRSSPECData(bool& qOK) {
     return readIndexFile(*cursor, *session_, head, [&](const RecordHeader& header) {
       if (!opensStep(header)) return;
       cursor->seek(header.headerAt);
-      addSEQUENCE({});
-      steps.back().getEclipseSEQUENCE(*cursor);
+      qvEclipseRSSPECSequence step;
+      try {
+        step.getEclipseSEQUENCE(*cursor);
+      } catch (const BadRecord&) {
+        take(step);  // as far as it came
+        throw;
+      }
+      take(step);
     });
   });
 }
