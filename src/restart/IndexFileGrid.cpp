@@ -21,6 +21,13 @@ void forEachText(RecordCursor& cursor, Visit visit) {
   for (std::size_t at = 0; at < all.size(); at += width) visit(std::string_view(all).substr(at, width));
 }
 
+/// Without a way out of the loop: it runs over the names of a whole run.
+bool isName(std::string_view text) {
+  bool printable = true;
+  for (const char c : text) printable &= (c >= ' ') & (c <= '~');
+  return printable;
+}
+
 }  // namespace
 
 std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB) {
@@ -103,6 +110,10 @@ bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem)
       grid.iPointerB.size() != count) {
     problem = fmt::format("{} names with {} types, {} numbers, {} and {} pointers", count, grid.zTypes.size(),
                           grid.iNumber.size(), grid.iPointer.size(), grid.iPointerB.size());
+    return false;
+  }
+  if (!std::ranges::all_of(grid.keywords, [](const auto& name) { return isName(name.whole()); })) {
+    problem = "a name has characters that no record's name has";
     return false;
   }
   const bool ranges = grid.sMin.size() == count && grid.sMax.size() == count;

@@ -48,7 +48,7 @@ std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_vi
 void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names);
 
 /// The entries that a grid of an index file tells of. False with `problem` set when its arrays do not fit
-/// together.
+/// together or a name is none.
 bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem);
 
 }  // namespace lumbarn

@@ -188,7 +188,7 @@ class FileAgreement {
   }
 
   /// From the last record of the step before, or the start of the file, the headers must lead to the first of
-  /// this step, through one report step number at most.
+  /// this step, through one report step number at most, which must be this step's.
   void checkStart(const IndexStep* before, IndexStep& step) {
     constexpr int recordsBetween = 64;
     if (before) {
@@ -198,22 +198,32 @@ class FileAgreement {
     }
     step.position = cursor_->nextPosition();
     int numbers = 0;
+    std::int32_t number = step.number;
+    const auto take = [&] {
+      if (!isStepNumber(cursor_->header())) return;
+      step.position = cursor_->header().headerAt;
+      number = firstInteger(*cursor_);
+      ++numbers;
+    };
     for (int i = 0; cursor_->nextPosition() < first(step).position && i < recordsBetween; ++i) {
       if (!cursor_->next()) break;
-      if (isStepNumber(cursor_->header())) {
-        step.position = cursor_->header().headerAt;
-        ++numbers;
-      }
+      take();
     }
     require(cursor_->nextPosition() == first(step).position, "byte {} is no start of a record that follows",
             first(step).position);
     moveTo(first(step));
-    if (isStepNumber(cursor_->header())) {
-      step.position = first(step).position;
-      ++numbers;
-    }
+    take();
     require(numbers <= 1 && (!before || numbers == 1 || index_.init),
             "{} report steps stand where the index has step {}", numbers, step.number);
+    if (number != step.number) checkNumber(step, number);
+  }
+
+  /// The number in a step's own header counts before the one in front of the step.
+  void checkNumber(const IndexStep& step, std::int32_t inFront) {
+    const IndexEntry* entry = step.find("INTEHEAD");
+    if (entry) moveTo(*entry);
+    require(entry && stepOfHead(headWords(*cursor_)) == step.number, "step {} is step {} in the index",
+            inFront, step.number);
   }
 
   void checkTail(const IndexStep& step) {
@@ -281,10 +291,18 @@ class FileAgreement {
   std::vector<IndexStep*> steps_;
 };
 
-/// Gives each step its file: in a multiple set the one with its number in the name.
+/// Gives each step its file: in a multiple set the one with its number in the name. Steps follow one another
+/// in number and time.
 void matchFiles(RestartIndex& index) {
   require(!index.steps.empty(), "the index has no steps");
-  if (index.init || index.unified) return;
+  if (index.init) return;
+  for (std::size_t i = 1; i < index.steps.size(); ++i) {
+    const IndexStep& before = index.steps[i - 1];
+    const IndexStep& step = index.steps[i];
+    require(step.number > before.number && step.days >= before.days,
+            "step {} at {} days follows step {} at {}", step.number, step.days, before.number, before.days);
+  }
+  if (index.unified) return;
   require(index.steps.size() == index.files.size(), "the index has {} steps, the set {} files",
           index.steps.size(), index.files.size());
   for (std::size_t i = 0; i < index.files.size(); ++i) {

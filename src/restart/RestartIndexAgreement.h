@@ -17,8 +17,8 @@ namespace lumbarn {
 /// All positions must rise, leave room for the records between them, and lie inside the file. At the start of
 /// the file, in front of some 64 steps spread over it, and behind the last the headers are read: the records
 /// there must be those that the index tells, with no report step between or behind them that it does not
-/// know. The headers of the first and the last step must tell the step number, date and time that the index
-/// has.
+/// know, and with the number that the index tells. Numbers and times of all steps must rise. The headers of
+/// the first and the last step must tell the step number, date and time that the index has.
 ///
 /// A wrong position elsewhere is found when the record is read.
 std::string disagreement(RestartIndex& index);

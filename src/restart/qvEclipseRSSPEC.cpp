@@ -9,6 +9,7 @@
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
+#include "HeaderWords.h"
 #include "IndexFileReading.h"
 
 namespace lumbarn {
@@ -66,19 +67,17 @@ void qvEclipseRSSPECSequence::GetPointersToSolutionNames(std::string_view zGrid,
 }
 
 void IndexFileHead::processINTEHEAD(std::vector<std::int32_t> words) {
-  const auto take = [&](std::size_t word, std::int32_t& field) {
-    if (words.size() >= word) field = words[word - 1];
-  };
-  take(3, iUnits);
-  take(9, Nx);
-  take(10, Ny);
-  take(11, Nz);
-  take(12, nActive);
-  take(15, iPhases);
-  take(65, iDay);
-  take(66, iMonth);
-  take(67, iYear);
-  take(95, iProgram);
+  const HeaderWords header(words);
+  header.take(3, iUnits);
+  header.take(9, Nx);
+  header.take(10, Ny);
+  header.take(11, Nz);
+  header.take(12, nActive);
+  header.take(15, iPhases);
+  header.take(65, iDay);
+  header.take(66, iMonth);
+  header.take(67, iYear);
+  header.take(95, iProgram);
   iHeader = std::move(words);
 }
 
