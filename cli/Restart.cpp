@@ -125,8 +125,7 @@ const IndexStep& stepOf(const RestartIndex& index, std::int32_t number) {
   if (const IndexStep* step = index.find(number)) return *step;
   std::vector<std::int32_t> numbers;
   for (const IndexStep& step : index.steps) numbers.push_back(step.number);
-  throw Failure(Usage, fmt::format("{} has no report step {}; it has {}", index.files.front(), number,
-                                   stepsText(numbers)));
+  throw Failure(Usage, noStepText(index.files.front(), number, numbers));
 }
 
 ExitStatus showRestart(const RestartOptions& options, Console& console) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "Failure.h"
 #include "init/qvEclipseINSPEC.h"
@@ -12,6 +13,20 @@ namespace lumbarn::cli {
 namespace {
 
 std::string pathOf(const RunMember* member) { return member ? member->path : std::string(); }
+
+/// "0:3", "5".
+std::vector<std::string> rangesOf(const std::vector<std::int32_t>& steps) {
+  std::vector<std::string> ranges;
+  for (std::size_t i = 0; i < steps.size();) {
+    std::size_t last = i;
+    while (last + 1 < steps.size() && steps[last + 1] == steps[last] + 1) ++last;
+    const std::string_view between = last > i + 1 ? ":" : ", ";
+    ranges.push_back(last > i ? fmt::format("{}{}{}", steps[i], between, steps[last])
+                              : fmt::format("{}", steps[i]));
+    i = last + 1;
+  }
+  return ranges;
+}
 
 const RestartIndex& checked(const RestartIndex& index, Console& console) {
   console.progress().hide();
@@ -45,15 +60,12 @@ RestartIndex initIndex(const RunFamily& run, Console& console) {
 std::string shownGrid(const std::string& grid) { return grid.empty() ? "ROOT" : grid; }
 
 std::string stepsText(const std::vector<std::int32_t>& steps) {
-  std::string text;
-  for (std::size_t i = 0; i < steps.size();) {
-    std::size_t last = i;
-    while (last + 1 < steps.size() && steps[last + 1] == steps[last] + 1) ++last;
-    text += fmt::format("{}{}", text.empty() ? "" : ", ", steps[i]);
-    if (last > i) text += fmt::format("{}{}", last > i + 1 ? ":" : ", ", steps[last]);
-    i = last + 1;
-  }
-  return text;
+  return fmt::format("{}", fmt::join(rangesOf(steps), ", "));
+}
+
+std::string noStepText(const std::string& file, std::int32_t step, const std::vector<std::int32_t>& steps) {
+  return fmt::format("{} has no report step {}; it has {}", file, step,
+                     steps.empty() ? "none" : listText(rangesOf(steps)));
 }
 
 std::string listText(const std::vector<std::string>& names) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 #include <variant>
 
 #include <fmt/format.h>
@@ -13,6 +14,7 @@
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunFacts.h"
+#include "RunIndex.h"
 #include "Suggestion.h"
 #include "reader/qvEclipseReader.h"
 #include "record/RecordCursor.h"
@@ -188,24 +190,6 @@ Facts factsOf(const Field<Record> (&fields)[n], const Record& record) {
   return facts;
 }
 
-/// "0 to 5, 7, 9 to 14"; in the end "and others" when there are very many ranges.
-std::string rangesText(const std::vector<std::int32_t>& numbers) {
-  constexpr std::size_t shown = 8;
-  std::vector<std::string> ranges;
-  for (std::size_t i = 0; i < numbers.size();) {
-    std::size_t last = i;
-    while (last + 1 < numbers.size() && numbers[last + 1] == numbers[last] + 1) ++last;
-    ranges.push_back(last == i ? fmt::format("{}", numbers[i])
-                               : fmt::format("{} to {}", numbers[i], numbers[last]));
-    i = last + 1;
-  }
-  if (ranges.size() > shown) {
-    ranges.resize(shown);
-    ranges.push_back("and others");
-  }
-  return fmt::format("{}", fmt::join(ranges, ", "));
-}
-
 /// The wells of one step of a run.
 class StepWells {
  public:
@@ -218,9 +202,7 @@ class StepWells {
     const auto steps = stepNumbers(*file);
     if (options_.step && std::ranges::find(steps, *options_.step) == steps.end()) {
       if (damage_) console_.tell(*damage_);
-      const std::string has = steps.empty() ? "no steps" : "steps " + rangesText(steps);
-      throw Failure(damage_ ? Unreadable : Usage,
-                    fmt::format("{}: has no report step {}, it has {}", file->path, *options_.step, has));
+      throw Failure(damage_ ? Unreadable : Usage, noStepText(file->path, *options_.step, steps));
     }
     // The last step of a running simulation is not whole yet; then the one before it is the last.
     bool found = options_.step && read(*file, *options_.step);
@@ -275,11 +257,21 @@ class StepWells {
     reader_.LoadData = false;
     reader_.FullWellInfo = true;
     reader_.iStart = reader_.iEnd = step;
+    // What the reader kept of one step alone is not what is shown in the end.
+    std::vector<Diagnosis> damage;
+    auto& sink = console_.session().diagnosisSink;
+    const auto usual = std::exchange(sink, [&](const Diagnosis& diagnosis) { damage.push_back(diagnosis); });
     bool qOK = false;
     reader_.ECLReadData(qOK);
+    sink = usual;
     console_.progress().hide();
     console_.checkCancelled();
-    return qOK && !reader_.RestartSteps().empty();
+    const bool found = qOK && !reader_.RestartSteps().empty();
+    for (Diagnosis& diagnosis : damage) {
+      if (!found) diagnosis.action = options_.step ? "" : "took the step before it";
+      console_.tell(diagnosis);
+    }
+    return found;
   }
 
   void chooseGrid() {

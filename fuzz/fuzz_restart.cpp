@@ -6,12 +6,17 @@
 #include <random>
 #include <span>
 #include <string>
+#include <utility>
+#include <variant>
+#include <vector>
 
 #include "Checks.h"
 #include "RecordMutator.h"
 #include "reader/qvEclipseReader.h"
 #include "record/RecordCursor.h"
+#include "restart/MarkerBlock.h"
 #include "restart/MarkerTable.h"
+#include "restart/qvEclipseSAVE.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
 
@@ -19,9 +24,9 @@ namespace {
 
 using namespace lumbarn;
 
-/// One byte of options, then the file.
+/// One byte of options, then the file: a restart file, a save file, or a packed block of markers.
 constexpr std::size_t front = 1;
-enum Option : std::uint8_t { acceptDamaged = 1, fullWells = 2, multiple = 4 };
+enum Option : std::uint8_t { acceptDamaged = 1, fullWells = 2, multiple = 4, save = 8, markers = 16 };
 
 /// A folder of this process for the file; gone when the process ends as it should.
 class Folder {
@@ -60,6 +65,7 @@ void setUp(qvEclipseReader& reader, const std::string& path, std::uint8_t option
   reader.LoadData = qValues;
   reader.AcceptDamaged = (options & acceptDamaged) != 0;
   reader.FullWellInfo = (options & fullWells) != 0;
+  reader.MarkerMethod = 6;  // the long form, in which no name is cut
 }
 
 /// Every array against a plain reading of the record at its place.
@@ -86,6 +92,38 @@ void checkArrays(const RESTARTGRID& grid, RecordCursor& records) {
   }
 }
 
+/// What a block says of itself holds, and all of it can be read.
+MarkerTable checkBlock(const MarkerBlock& block, std::size_t bytes) {
+  const MarkerHeader& header = block.header();
+  const auto rowBytes = static_cast<std::size_t>(header.nRowBytes);
+  fuzz::check(block.rows() == 0 || rowBytes <= bytes / block.rows(), "the rows lie in the block");
+  std::int32_t wells = 0;
+  for (std::size_t iRow = 1; iRow <= block.rows(); ++iRow) wells += block.kind(iRow) == MarkerKind::Well;
+  fuzz::check(wells == header.nWells && header.nWells + header.nPerfs == header.nRows,
+              "wells and connections");
+  return block.table();
+}
+
+/// The packed markers of a step are its rows, bit by bit.
+void checkMarkers(const MarkerTable& rows, std::int32_t nMarkers, const std::vector<std::byte>& packed) {
+  MarkerBlock block;
+  std::string why;
+  fuzz::check(block.open(packed, why), why);
+  const MarkerTable unpacked = checkBlock(block, packed.size());
+  fuzz::check(std::cmp_equal(rows.used(), nMarkers) && unpacked.used() == rows.used(), "as many rows");
+  const auto isNumber = [](const Variant& item) {
+    const auto* number = std::get_if<double>(&item);
+    return !number || *number == *number;
+  };
+  for (std::size_t iRow = 1; iRow <= rows.used(); ++iRow) {
+    for (std::size_t iItem = 1; iItem <= MarkerTable::nItems; ++iItem) {
+      const Variant item = rows(iRow, iItem);
+      const Variant other = unpacked(iRow, iItem);
+      fuzz::check(isNumber(item) ? item == other : !isNumber(other), "a packed item is that of the row");
+    }
+  }
+}
+
 void checkFetch(qvEclipseReader& reader, std::int32_t step, std::int32_t grid) {
   XYData table;
   ByteTable headers;
@@ -102,27 +140,38 @@ void checkFetch(qvEclipseReader& reader, std::int32_t step, std::int32_t grid) {
   if (held->arrays.length() < static_cast<std::size_t>(std::max(held->nActive, 0))) return;
   reader.GetRESTARTSEQUENCE(step, table, headers, source, rows, nMarkers, qOK);
   fuzz::check(qOK == (held->arrays.nVectors() > 0), "a grid with arrays can be fetched");
+  const std::int32_t nRows = nMarkers;
   reader.GetRESTARTSEQUENCEFODb(step, table, headers, source, block, nMarkers, places, qFOD, qOK);
+  fuzz::check(nRows == nMarkers, "as many markers either way");
+  if (nMarkers > 0) checkMarkers(rows, nMarkers, block);
   fuzz::check(places.columns() == static_cast<std::size_t>(held->arrays.nVectors()),
               "a place for each array");
 }
 
-}  // namespace
-
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* bytes, std::size_t size, std::size_t room,
-                                               unsigned seed) {
-  if (size <= front || seed % 3 == 0) return LLVMFuzzerMutate(bytes, size, room);
-  const auto mutated = fuzz::mutateRecords(fuzz::bytesOf({bytes + front, size - front}), seed / 3);
-  if (mutated.size() + front > room) return size;
-  std::ranges::copy(mutated, std::as_writable_bytes(std::span(bytes, room)).begin() + front);
-  return mutated.size() + front;
+void checkSave(const Folder& folder, std::uint8_t options, const std::vector<std::byte>& file) {
+  const auto path = folder.write((options & multiple) != 0 ? "RUN.V0001" : "RUN.SAVE", file);
+  Session session;
+  // A header that promises more words than it has is a fault by design.
+  session.faultReporter = [](std::string_view text) {
+    fuzz::check(text.find("(No.9)") != text.npos || text.find("(No.7)") != text.npos, text);
+  };
+  qvEclipseSAVE run(session);
+  if (run.CheckSAVEFile(path)) {
+    bool qOK = false;
+    run.getSAVEData(qOK);
+    fuzz::check(qOK || !session.diagnoses().empty(), "a failure is told");
+    fuzz::check(run.xSEQ.size() == static_cast<std::size_t>(std::max(run.NumSequences, 1)),
+                "a place for each step");
+    std::vector<std::int32_t> iSteps;
+    std::vector<double> dTimes;
+    std::int32_t nSteps = 0;
+    run.GetRestartRecordTimesAndSteps(iSteps, dTimes, nSteps, qOK);
+    fuzz::check(qOK && nSteps == run.NumSequences && iSteps.size() == dTimes.size(), "a time for each step");
+  }
+  std::filesystem::remove(path);
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-  static const Folder folder;
-  if (size <= front) return 0;
-  const std::uint8_t options = bytes[0];
-  const auto file = fuzz::bytesOf({bytes + front, size - front});
+void checkRestart(const Folder& folder, std::uint8_t options, const std::vector<std::byte>& file) {
   const auto source = std::make_shared<MemorySource>(file);
   const auto form = detectForm(*source);
   const bool text = form && form->form.formatted();
@@ -155,5 +204,35 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
   }
   std::filesystem::remove(path);
+}
+
+}  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* bytes, std::size_t size, std::size_t room,
+                                               unsigned seed) {
+  const bool isBlock = size > 0 && (bytes[0] & markers) != 0;
+  if (size <= front || isBlock || seed % 3 == 0) return LLVMFuzzerMutate(bytes, size, room);
+  const auto mutated = fuzz::mutateRecords(fuzz::bytesOf({bytes + front, size - front}), seed / 3);
+  if (mutated.size() + front > room) return size;
+  std::ranges::copy(mutated, std::as_writable_bytes(std::span(bytes, room)).begin() + front);
+  return mutated.size() + front;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  static const Folder folder;
+  if (size <= front) return 0;
+  const std::uint8_t options = bytes[0];
+  const auto file = fuzz::bytesOf({bytes + front, size - front});
+  if ((options & markers) != 0) {
+    MarkerBlock block;
+    std::string why;
+    const bool qOpen = block.open(file, why);
+    fuzz::check(qOpen == why.empty(), "a block that is none is told");
+    if (qOpen) checkBlock(block, file.size());
+  } else if ((options & save) != 0) {
+    checkSave(folder, options, file);
+  } else {
+    checkRestart(folder, options, file);
+  }
   return 0;
 }

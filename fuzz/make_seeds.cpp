@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 
 #include "record/RecordWriter.h"
 #include "restart/IndexFile.h"
+#include "restart/qvEclipseSEQUENCE.h"
 #include "support/GridBuilder.h"
 #include "support/IndexedRun.h"
 #include "support/InitBuilder.h"
@@ -134,6 +136,42 @@ test::RestartBuilder restart() {
   run.steps = {{1, 10.25, {1, 2, 2020}, {grid, local}}, {2, 20, {1, 3, 2020}, {grid, local}}};
   run.headerWords = 96;
   return run;
+}
+
+/// Two steps of a save file, between the records that tell the simulator, or one behind its short header.
+Bytes saved(const Form& form, bool compositional) {
+  Bytes bytes;
+  RecordWriter out(memorySink(bytes), form);
+  std::vector<std::int32_t> head(140);
+  std::iota(head.begin(), head.end(), 1);
+  out.integers(compositional ? "INITIAL" : "SAVEHEAD", std::array{100, 2020});
+  for (const std::int32_t step : {1, 2}) {
+    head[38] = step;
+    if (compositional) out.integers("DYNAMIC", std::array{7, 8});
+    out.integers("SEQNUM", std::array{step});
+    out.integers("INTEHEAD", head);
+    out.doubles("DOUBHEAD", std::array{10.25 * step, 0.0});
+    out.singles("PRESSURE", std::vector<float>(20, 1.5F));
+  }
+  return bytes;
+}
+
+/// The markers of the restart's first step, packed.
+Bytes markers(std::int32_t iMethod) {
+  Session session;
+  RecordCursor records(std::make_shared<MemorySource>(restart().bytes(test::bigEndian)), test::bigEndian,
+                       "seed");
+  qvEclipseSEQUENCE step(session);
+  step.Unified = true;
+  step.setMarkerMethod(iMethod);
+  bool qOK = false;
+  step.getEclipseSEQUENCE(records, qOK);
+  step.iGrid = 1;
+  Bytes block;
+  std::int32_t nMarkers = 0;
+  step.getMarkerDatab(block, nMarkers, qOK);
+  if (nMarkers == 0) std::fputs("make_seeds: no markers\n", stderr);
+  return block;
 }
 
 /// Grids with all there can be: inactive cells, a local grid, two reservoirs, coarsening, connections, two
@@ -297,11 +335,15 @@ int main(int count, char** words) {
     corpus.addSummary(run.spec(form), run.data(form));
     for (const int options : {0, 3}) corpus.add("fuzz_restart", {options}, restart().bytes(form));
     corpus.add("fuzz_restart", {6}, restart().bytes(form, restart().steps[0]));
+    for (const bool compositional : {true, false}) {
+      for (const int options : {8, 12}) corpus.add("fuzz_restart", {options}, saved(form, compositional));
+    }
     for (const auto& grid : grids()) {
       corpus.add("fuzz_grid", {0}, grid.egrid(form));
       if (grid.dualPorosity == 0 && grid.grids[0].angles == 0) corpus.add("fuzz_grid", {0}, grid.grid(form));
     }
   }
+  for (const std::int32_t iMethod : {1, 2}) corpus.add("fuzz_restart", {16}, markers(iMethod));
   addExamples(corpus);
   addWellTests(corpus);
   addIndexes(corpus);

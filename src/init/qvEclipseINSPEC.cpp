@@ -129,18 +129,17 @@ RestartIndex indexOfInit(Session& session, const std::string& file, const std::s
   bool qOK = false;
   reader.CheckINSPECFile(inspec, qOK);
   if (qOK) reader.getINSPECData(qOK);
-  const auto convert = [&](int lowBits, RestartIndex& index, std::string& problem) {
-    index.files = {file};
-    index.init = true;
-    index.header = reader.head.iHeader;
-    IndexStep& step = index.steps.emplace_back();
-    step.date = dateOfHead(reader.head.iHeader, 0);
-    for (const auto& pass : reader.passes) {
-      if (!addGroups(pass.grids, lowBits, step, problem)) return false;
-    }
-    return true;
-  };
-  return agreeingIndex(session, inspec, qOK, convert, walk);
+  RestartIndex read;
+  read.files = {file};
+  read.init = true;
+  read.header = reader.head.iHeader;
+  IndexStep& step = read.steps.emplace_back();
+  step.date = dateOfHead(reader.head.iHeader, 0);
+  std::string problem = qOK ? "" : "it cannot be read";
+  for (const auto& pass : reader.passes) {
+    if (!problem.empty() || !addGroups(pass.grids, step, problem)) break;
+  }
+  return agreeingIndex(session, inspec, std::move(read), std::move(problem), walk);
 }
 
 }  // namespace lumbarn

@@ -11,10 +11,6 @@ namespace {
 
 constexpr std::size_t nameWidth = 16;
 
-std::uint64_t positionOf(std::int32_t low, std::int32_t high, int lowBits) {
-  return (std::uint64_t{static_cast<std::uint32_t>(high)} << lowBits) + static_cast<std::uint32_t>(low);
-}
-
 /// Calls `visit` with each text of the current record as it stands, without a string for each: an index has
 /// as many names as a run has records.
 template <class Visit>
@@ -25,10 +21,17 @@ void forEachText(RecordCursor& cursor, Visit visit) {
   for (std::size_t at = 0; at < all.size(); at += width) visit(std::string_view(all).substr(at, width));
 }
 
+/// Without a way out of the loop: it runs over the names of a whole run.
+bool isName(std::string_view text) {
+  bool printable = true;
+  for (const char c : text) printable &= (c >= ' ') & (c <= '~');
+  return printable;
+}
+
 }  // namespace
 
 std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB) {
-  return positionOf(iPointer, iPointerB, 32);
+  return std::uint64_t{static_cast<std::uint32_t>(iPointerB)} << 32 | static_cast<std::uint32_t>(iPointer);
 }
 
 bool IndexFileGrid::take(RecordCursor& cursor) {
@@ -46,6 +49,7 @@ bool IndexFileGrid::take(RecordCursor& cursor) {
     sMax = cursor.singles();
   } else if (header.is("TYPE", ElementType::Text)) {
     zTypes.clear();
+    zTypes.reserve(static_cast<std::size_t>(header.count));
     forEachText(cursor, [&](std::string_view text) { zTypes.emplace_back(text); });
   } else {
     return false;
@@ -58,9 +62,11 @@ void IndexFileGrid::takeNames(RecordCursor& cursor) {
   bNames = ByteTable(nameWidth, count);
   keywords.clear();
   keywords.reserve(count);
+  char* entry = bNames.bytes().data();
   forEachText(cursor, [&](std::string_view text) {
     keywords.emplace_back(text);
-    bNames.put(keywords.size(), 1, nameWidth, text);
+    text.copy(entry, nameWidth);
+    entry += nameWidth;
   });
 }
 
@@ -81,7 +87,7 @@ std::vector<std::uint64_t> IndexFileGrid::positions(std::string_view name) const
   const std::size_t count = std::min({bNames.entries(), iPointer.size(), iPointerB.size()});
   for (std::size_t i = 0; i < count; ++i) {
     if (equalNoCase(bNames.get(i + 1, 1, nameWidth), trim(name).substr(0, nameWidth)))
-      found.push_back(lumbarn::positionOf(iPointer[i], iPointerB[i]));
+      found.push_back(positionOf(iPointer[i], iPointerB[i]));
   }
   return found;
 }
@@ -98,7 +104,7 @@ void addNewNames(const std::vector<std::string>& more, std::vector<std::string>&
   }
 }
 
-bool toGroup(const IndexFileGrid& grid, int lowBits, IndexGroup& group, std::string& problem) {
+bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem) {
   const std::size_t count = grid.keywords.size();
   if (grid.zTypes.size() != count || grid.iNumber.size() != count || grid.iPointer.size() != count ||
       grid.iPointerB.size() != count) {
@@ -106,13 +112,17 @@ bool toGroup(const IndexFileGrid& grid, int lowBits, IndexGroup& group, std::str
                           grid.iNumber.size(), grid.iPointer.size(), grid.iPointerB.size());
     return false;
   }
+  if (!std::ranges::all_of(grid.keywords, [](const auto& name) { return isName(name.whole()); })) {
+    problem = "a name has characters that no record's name has";
+    return false;
+  }
   const bool ranges = grid.sMin.size() == count && grid.sMax.size() == count;
   group.grid = grid.zGrid;
   group.entries.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
-    auto& entry = group.entries.emplace_back(
-        IndexEntry{grid.keywords[i], FixedText<4>(grid.zTypes[i].whole()), grid.iNumber[i],
-                   positionOf(grid.iPointer[i], grid.iPointerB[i], lowBits)});
+    auto& entry = group.entries.emplace_back(IndexEntry{grid.keywords[i],
+                                                        FixedText<4>(grid.zTypes[i].whole()), grid.iNumber[i],
+                                                        positionOf(grid.iPointer[i], grid.iPointerB[i])});
     if (ranges) {
       entry.minimum = grid.sMin[i];
       entry.maximum = grid.sMax[i];

@@ -48,8 +48,7 @@ std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_vi
 void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names);
 
 /// The entries that a grid of an index file tells of. False with `problem` set when its arrays do not fit
-/// together. With `lowBits` 31 the high part counts from bit 31 on: there are writers that keep the low part
-/// from being negative.
-bool toGroup(const IndexFileGrid& grid, int lowBits, IndexGroup& group, std::string& problem);
+/// together or a name is none.
+bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem);
 
 }  // namespace lumbarn

@@ -12,10 +12,18 @@ constexpr std::string_view globalGridName = "ROOT";
 bool isKept(ElementType type) { return type == ElementType::Integer || type == ElementType::Single; }
 
 constexpr std::string_view refusedNames[] = {
-    "SEQNUM",  "INTEHEAD", "IWEL",   "ICON",   "IGRP",   "SWEL",   "SGRP",   "SCON",  // in restarts
-    "SAAQ",    "SCAQ",     "IAAQ",   "IOCN",   "ICAQ",   "RPIPE",  "HIDDEN", "TABDIMS",
-    "ENDLGR",  "DIFFGL",   "TRANGL", "HEATGL", "DIFFLL", "TRANLL", "HEATLL",  // in INIT files
-    "DIFFNNC", "TRANNNC",  "HEATNNC"};
+    "SEQNUM", "INTEHEAD", "IWEL", "ICON", "IGRP", "SWEL", "SGRP", "SCON", "SAAQ", "SCAQ", "IAAQ", "IOCN",
+    "ICAQ", "RPIPE", "HIDDEN",
+    // Some writers give the end of a local grid one word, as many as a grid of one cell has.
+    "ENDLGR"};
+
+/// Of INIT files.
+constexpr std::string_view refusedInitNames[] = {"TABDIMS", "DIFFGL", "TRANGL",  "HEATGL",  "DIFFLL",
+                                                 "TRANLL",  "HEATLL", "DIFFNNC", "TRANNNC", "HEATNNC"};
+
+bool isAnyOf(std::string_view zName, std::span<const std::string_view> names) {
+  return std::ranges::find(names, zName) != names.end();
+}
 
 }  // namespace
 
@@ -37,10 +45,7 @@ GridCells gridCells(const std::vector<std::int32_t>& intehead) {
     if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
   }
   result.cells = cells;
-  const HeaderWords word(intehead);
-  // The simulator with code 300 has its active cells in word 4, with one exception.
-  const bool inWord4 = word.isE300() && word(4) > 0 && word(96) < 1;
-  result.active = word(inWord4 ? 4 : 12);
+  result.active = activeCells(HeaderWords(intehead));
   return result;
 }
 
@@ -71,15 +76,18 @@ const IndexStep* RestartIndex::find(std::int32_t number) const {
 }
 
 bool isRefusedArrayName(std::string_view zName) {
-  if (zName.empty() || std::ranges::find(refusedNames, zName) != std::end(refusedNames)) return true;
+  if (zName.empty() || isAnyOf(zName, refusedNames)) return true;
+  // Flows across faces of cells, "FLOOILI+" or "VOILI+".
   const bool flowName =
       (zName.size() == 8 && zName.starts_with("FLO")) || (zName.size() == 6 && zName.starts_with('V'));
   return flowName && (zName.ends_with("A+") || zName.ends_with("L+") || zName.ends_with("N+"));
 }
 
 bool isCellArray(const IndexEntry& entry, const GridCells& cells) {
+  const auto name = entry.keyword.view();
   return entry.count > 0 && (entry.count == cells.active || entry.count == cells.cells) &&
-         isKept(typeInfo(entry.typeWord.view()).type) && !isRefusedArrayName(entry.keyword.view());
+         isKept(typeInfo(entry.typeWord.view()).type) && !isRefusedArrayName(name) &&
+         !isAnyOf(name, refusedInitNames);
 }
 
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <span>
@@ -28,7 +29,9 @@ class FixedText {
   }
   std::string_view view() const { return trimRight(whole()); }
   std::string_view whole() const { return {letters_.data(), width}; }  ///< with the blanks behind it
-  bool operator==(const FixedText&) const = default;
+  bool operator==(const FixedText& other) const {
+    return std::memcmp(letters_.data(), other.letters_.data(), width) == 0;
+  }
 
  private:
   std::array<char, width> letters_;
@@ -111,11 +114,12 @@ RestartIndex walkInit(Session& session, const std::string& file);
 bool isGlobalGrid(std::string_view name);
 bool sameGrid(std::string_view a, std::string_view b);
 
-/// Names, upper case, of records that are as long as an array of cells only by chance: headers, tables of
-/// wells, groups and aquifers, and what belongs to cells that are no neighbours.
+/// Names, upper case, of records of a restart file that are no arrays of cells whatever their length:
+/// headers, tables of wells, groups and aquifers, and flows across the faces of cells.
 bool isRefusedArrayName(std::string_view zName);
-/// An integer or a single for each cell or active cell of its grid, and a name that is not refused: the
-/// arrays that are kept of a restart or INIT file when all are wanted.
+/// An integer or a single for each cell or active cell of its grid, and a name that is not refused, nor that
+/// of an INIT record about cells that are no neighbours: the arrays that are kept of a restart or INIT file
+/// when all are wanted.
 bool isCellArray(const IndexEntry& entry, const GridCells& cells);
 /// The entries of a group that are cell arrays.
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);

@@ -42,19 +42,51 @@ bool usesHighWord(const RestartIndex& index) {
   return uses;
 }
 
+/// There are writers that keep the low word of a position from being negative: their high word counts from
+/// bit 31 on.
+void countHighWordsFromBit31(RestartIndex& index) {
+  for (IndexStep& step : index.steps) {
+    for (IndexGroup& group : step.groups) {
+      for (IndexEntry& entry : group.entries)
+        entry.position = (entry.position >> 32 << 31) + static_cast<std::uint32_t>(entry.position);
+    }
+  }
+}
+
 std::string dayText(const std::optional<Moment>& date) { return date ? isoText(*date, true) : "no date"; }
 
 /// The fewest bytes that a record can take in a file, header and all.
-std::uint64_t leastBytes(const IndexEntry& entry, const Form& form) {
-  const auto count = static_cast<std::uint64_t>(entry.count);
-  const auto [type, width] = typeInfo(entry.typeWord.view());
-  if (form.formatted()) {
-    constexpr std::uint64_t headerLine = 1 + 10 + 12 + 7;
-    return headerLine + (width > 0 ? count * lineShape(type, width).fieldWidth : 0);
+class LeastBytes {
+ public:
+  explicit LeastBytes(const Form& form) : form_(form) { learn(typeWord_); }
+
+  std::uint64_t of(const IndexEntry& entry) {
+    // Mostly the type of the entry before, about which all is known.
+    if (entry.typeWord != typeWord_) learn(entry.typeWord);
+    return headerBytes_ + (entry.count > 0 ? marks_ + static_cast<std::uint64_t>(entry.count) * width_ : 0);
   }
-  const std::uint64_t marks = form.framing == Framing::FourByteMarks ? 8 : 2;
-  return 16 + marks + (count > 0 && width > 0 ? count * static_cast<std::uint64_t>(width) + marks : 0);
-}
+
+ private:
+  void learn(const FixedText<4>& typeWord) {
+    typeWord_ = typeWord;
+    const auto [type, width] = typeInfo(typeWord.view());
+    if (form_.formatted()) {
+      headerBytes_ = 1 + 10 + 12 + 7;  // one line
+      width_ = width > 0 ? lineShape(type, width).fieldWidth : 0;
+      return;
+    }
+    const std::uint64_t marks = form_.framing == Framing::FourByteMarks ? 8 : 2;
+    headerBytes_ = 16 + marks;
+    width_ = static_cast<std::uint64_t>(width);
+    marks_ = width > 0 ? marks : 0;
+  }
+
+  Form form_;
+  FixedText<4> typeWord_;
+  std::uint64_t headerBytes_ = 0;
+  std::uint64_t marks_ = 0;  // of data
+  std::uint64_t width_ = 0;  // of an element; 0 when it is not known
+};
 
 bool isStepNumber(const RecordHeader& header) {
   return header.is("SEQNUM", ElementType::Integer) && header.count > 0;
@@ -87,22 +119,29 @@ class FileAgreement {
   static const IndexEntry& last(const IndexStep& step) { return step.groups.back().entries.back(); }
 
   void checkPositions() {
+    LeastBytes leastBytes(cursor_->form());
     std::uint64_t least = 0;
     const std::uint64_t size = cursor_->fileSize();
     for (const IndexStep* step : steps_) {
       require(!step->groups.empty(), "step {} has no arrays", step->number);
       forEachEntry(*step, [&](const IndexEntry& entry) {
-        require(entry.count >= 0, "{} of step {} has {} elements", entry.keyword.view(), step->number,
-                entry.count);
-        require(entry.position >= least, "{} of step {} at byte {} lies inside of the record before it",
-                entry.keyword.view(), step->number, entry.position);
-        const std::uint64_t bytes = leastBytes(entry, cursor_->form());
-        require(entry.position <= size && bytes <= size - entry.position,
-                "{} of step {} at byte {} ends behind the file's {} bytes", entry.keyword.view(),
-                step->number, entry.position, size);
+        const std::uint64_t bytes = leastBytes.of(entry);
+        const bool inside = entry.position <= size && bytes <= size - entry.position;
+        if (entry.count < 0 || entry.position < least || !inside) explainPosition(*step, entry, least, size);
         least = entry.position + bytes;
       });
     }
+  }
+
+  /// Apart from the loop, which has no time to spare for texts that are not wanted.
+  [[noreturn]] static void explainPosition(const IndexStep& step, const IndexEntry& entry,
+                                           std::uint64_t least, std::uint64_t size) {
+    const auto name = entry.keyword.view();
+    require(entry.count >= 0, "{} of step {} has {} elements", name, step.number, entry.count);
+    require(entry.position >= least, "{} of step {} at byte {} lies inside of the record before it", name,
+            step.number, entry.position);
+    throw Disagreement(fmt::format("{} of step {} at byte {} ends behind the file's {} bytes", name,
+                                   step.number, entry.position, size));
   }
 
   /// Moves to an entry's record, which must be what the index says.
@@ -149,7 +188,7 @@ class FileAgreement {
   }
 
   /// From the last record of the step before, or the start of the file, the headers must lead to the first of
-  /// this step, through one report step number at most.
+  /// this step, through one report step number at most, which must be this step's.
   void checkStart(const IndexStep* before, IndexStep& step) {
     constexpr int recordsBetween = 64;
     if (before) {
@@ -159,22 +198,32 @@ class FileAgreement {
     }
     step.position = cursor_->nextPosition();
     int numbers = 0;
+    std::int32_t number = step.number;
+    const auto take = [&] {
+      if (!isStepNumber(cursor_->header())) return;
+      step.position = cursor_->header().headerAt;
+      number = firstInteger(*cursor_);
+      ++numbers;
+    };
     for (int i = 0; cursor_->nextPosition() < first(step).position && i < recordsBetween; ++i) {
       if (!cursor_->next()) break;
-      if (isStepNumber(cursor_->header())) {
-        step.position = cursor_->header().headerAt;
-        ++numbers;
-      }
+      take();
     }
     require(cursor_->nextPosition() == first(step).position, "byte {} is no start of a record that follows",
             first(step).position);
     moveTo(first(step));
-    if (isStepNumber(cursor_->header())) {
-      step.position = first(step).position;
-      ++numbers;
-    }
+    take();
     require(numbers <= 1 && (!before || numbers == 1 || index_.init),
             "{} report steps stand where the index has step {}", numbers, step.number);
+    if (number != step.number) checkNumber(step, number);
+  }
+
+  /// The number in a step's own header counts before the one in front of the step.
+  void checkNumber(const IndexStep& step, std::int32_t inFront) {
+    const IndexEntry* entry = step.find("INTEHEAD");
+    if (entry) moveTo(*entry);
+    require(entry && stepOfHead(headWords(*cursor_)) == step.number, "step {} is step {} in the index",
+            inFront, step.number);
   }
 
   void checkTail(const IndexStep& step) {
@@ -242,10 +291,18 @@ class FileAgreement {
   std::vector<IndexStep*> steps_;
 };
 
-/// Gives each step its file: in a multiple set the one with its number in the name.
+/// Gives each step its file: in a multiple set the one with its number in the name. Steps follow one another
+/// in number and time.
 void matchFiles(RestartIndex& index) {
   require(!index.steps.empty(), "the index has no steps");
-  if (index.init || index.unified) return;
+  if (index.init) return;
+  for (std::size_t i = 1; i < index.steps.size(); ++i) {
+    const IndexStep& before = index.steps[i - 1];
+    const IndexStep& step = index.steps[i];
+    require(step.number > before.number && step.days >= before.days,
+            "step {} at {} days follows step {} at {}", step.number, step.days, before.number, before.days);
+  }
+  if (index.unified) return;
   require(index.steps.size() == index.files.size(), "the index has {} steps, the set {} files",
           index.steps.size(), index.files.size());
   for (std::size_t i = 0; i < index.files.size(); ++i) {
@@ -285,28 +342,25 @@ std::string disagreement(RestartIndex& index) {
   return {};
 }
 
-bool addGroups(const std::vector<IndexFileGrid>& grids, int lowBits, IndexStep& step, std::string& problem) {
+bool addGroups(const std::vector<IndexFileGrid>& grids, IndexStep& step, std::string& problem) {
   for (const IndexFileGrid& grid : grids) {
     if (grid.keywords.empty()) continue;
-    if (!toGroup(grid, lowBits, step.groups.emplace_back(), problem)) return false;
+    if (!toGroup(grid, step.groups.emplace_back(), problem)) return false;
   }
   return true;
 }
 
-RestartIndex agreeingIndex(Session& session, const std::string& indexFile, bool qRead,
-                           const IndexConversion& convert, const std::function<RestartIndex()>& walk) {
-  std::string problem = "it cannot be read";
-  std::string secondProblem;
-  for (const int lowBits : {32, 31}) {
-    if (!qRead) break;
-    RestartIndex index;
-    std::string& why = lowBits == 32 ? problem : secondProblem;
-    why.clear();
-    if (convert(lowBits, index, why)) why = disagreement(index);
-    index.fromFile = why.empty();
-    if (index.fromFile) return index;
-    if (!usesHighWord(index)) break;
+RestartIndex agreeingIndex(Session& session, const std::string& indexFile, RestartIndex read,
+                           std::string problem, const std::function<RestartIndex()>& walk) {
+  if (problem.empty()) {
+    problem = disagreement(read);
+    if (!problem.empty() && usesHighWord(read)) {
+      countHighWordsFromBit31(read);
+      if (disagreement(read).empty()) problem.clear();
+    }
   }
+  read.fromFile = problem.empty();
+  if (read.fromFile) return read;
   if (session.cancelled()) return walk();
   session.diagnose({.path = indexFile,
                     .problem = "index does not agree with the files that it indexes",
@@ -318,24 +372,28 @@ RestartIndex agreeingIndex(Session& session, const std::string& indexFile, bool 
 RestartIndex indexOfRestart(Session& session, std::span<const std::string> files, const std::string& rsspec) {
   const auto walk = [&] { return walkRestart(session, files); };
   if (rsspec.empty()) return walk();
+  RestartIndex read;
+  read.files.assign(files.begin(), files.end());
+  read.unified = !isSet(files);
+  std::string problem;
   qvEclipseRSSPEC reader(session);
   bool qOK = false;
   reader.CheckRESTARTFile(rsspec, qOK);
-  if (qOK) reader.getRSSPECData(qOK);
-  const auto convert = [&](int lowBits, RestartIndex& index, std::string& problem) {
-    index.files.assign(files.begin(), files.end());
-    index.unified = !isSet(files);
-    index.header = reader.head.iHeader;
-    for (const auto& step : reader.steps) {
-      IndexStep& made = index.steps.emplace_back();
-      made.number = step.iStep;
-      made.days = step.dTime;
-      made.date = dateOf(step);
-      if (!addGroups(step.grids, lowBits, made, problem)) return false;
-    }
-    return true;
-  };
-  return agreeingIndex(session, rsspec, qOK, convert, walk);
+  if (qOK) {
+    reader.readSteps(
+        [&](const qvEclipseRSSPECSequence& step) {
+          if (!problem.empty()) return;
+          IndexStep& made = read.steps.emplace_back();
+          made.number = step.iStep;
+          made.days = step.dTime;
+          made.date = dateOf(step);
+          addGroups(step.grids, made, problem);
+        },
+        qOK);
+  }
+  read.header = reader.head.iHeader;
+  if (!qOK) problem = "it cannot be read";
+  return agreeingIndex(session, rsspec, std::move(read), std::move(problem), walk);
 }
 
 }  // namespace lumbarn

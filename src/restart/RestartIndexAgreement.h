@@ -17,23 +17,20 @@ namespace lumbarn {
 /// All positions must rise, leave room for the records between them, and lie inside the file. At the start of
 /// the file, in front of some 64 steps spread over it, and behind the last the headers are read: the records
 /// there must be those that the index tells, with no report step between or behind them that it does not
-/// know. The headers of the first and the last step must tell the step number, date and time that the index
-/// has.
+/// know, and with the number that the index tells. Numbers and times of all steps must rise. The headers of
+/// the first and the last step must tell the step number, date and time that the index has.
 ///
 /// A wrong position elsewhere is found when the record is read.
 std::string disagreement(RestartIndex& index);
 
 /// Adds the groups of an index file's grids to a step; grids without arrays are left out.
-bool addGroups(const std::vector<IndexFileGrid>& grids, int lowBits, IndexStep& step, std::string& problem);
+/// False, with `problem` set, when the arrays of a grid do not fit together.
+bool addGroups(const std::vector<IndexFileGrid>& grids, IndexStep& step, std::string& problem);
 
-/// Makes an index of what an index file holds, for positions whose low part has that many bits. False with
-/// `problem` set when the file's arrays do not fit together.
-using IndexConversion = std::function<bool(int lowBits, RestartIndex& index, std::string& problem)>;
-
-/// The index file's content when it was read (`qRead`) and agrees with its files; otherwise a diagnosis and
-/// what `walk` gives.
-RestartIndex agreeingIndex(Session& session, const std::string& indexFile, bool qRead,
-                           const IndexConversion& convert, const std::function<RestartIndex()>& walk);
+/// `read`, which an index file holds, when it agrees with its files; otherwise, and when there was a
+/// `problem` in reading it, a diagnosis and what `walk` gives.
+RestartIndex agreeingIndex(Session& session, const std::string& indexFile, RestartIndex read,
+                           std::string problem, const std::function<RestartIndex()>& walk);
 
 /// What stands where in a restart set: by its index when `rsspec` is not empty and the index agrees with the
 /// files, by walking otherwise. An index that does not agree is told as a diagnosis.

@@ -19,6 +19,8 @@ namespace {
 
 constexpr const char* className = "qvEclipseSOLUTION";
 constexpr std::size_t stepGrowth = 50;
+/// However small the first step is beside its file: room for more is made when they come.
+constexpr std::size_t mostExpected = 100000;
 
 void tell(Session& session, const std::string& path, std::string problem, std::string action) {
   Diagnosis diagnosis;
@@ -218,7 +220,7 @@ std::size_t qvEclipseSOLUTION::firstCapacity(const Load& load, const RecordCurso
     const auto done = static_cast<double>(std::max<std::uint64_t>(cursor.nextPosition(), 1));
     steps = static_cast<std::size_t>(std::llround(size / done));
   }
-  return steps < 1 ? stepGrowth : steps;
+  return steps < 1 ? stepGrowth : std::min(steps, mostExpected);
 }
 
 void qvEclipseSOLUTION::addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step) {

@@ -5,9 +5,11 @@
 
 #include "../record/RecordCursor.h"
 #include "../support/Dates.h"
+#include "../support/Diagnosis.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
+#include "HeaderWords.h"
 #include "IndexFileReading.h"
 
 namespace lumbarn {
@@ -65,19 +67,17 @@ void qvEclipseRSSPECSequence::GetPointersToSolutionNames(std::string_view zGrid,
 }
 
 void IndexFileHead::processINTEHEAD(std::vector<std::int32_t> words) {
-  const auto take = [&](std::size_t word, std::int32_t& field) {
-    if (words.size() >= word) field = words[word - 1];
-  };
-  take(3, iUnits);
-  take(9, Nx);
-  take(10, Ny);
-  take(11, Nz);
-  take(12, nActive);
-  take(15, iPhases);
-  take(65, iDay);
-  take(66, iMonth);
-  take(67, iYear);
-  take(95, iProgram);
+  const HeaderWords header(words);
+  header.take(3, iUnits);
+  header.take(9, Nx);
+  header.take(10, Ny);
+  header.take(11, Nz);
+  header.take(12, nActive);
+  header.take(15, iPhases);
+  header.take(65, iDay);
+  header.take(66, iMonth);
+  header.take(67, iYear);
+  header.take(95, iProgram);
   iHeader = std::move(words);
 }
 
@@ -91,9 +91,13 @@ void qvEclipseRSSPEC::setRSSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const 
 }
 
 void qvEclipseRSSPEC::getRSSPECData(bool& qOK) {
+  steps.clear();
+  readSteps([&](qvEclipseRSSPECSequence& step) { addSEQUENCE(std::move(step)); }, qOK);
+}
+
+void qvEclipseRSSPEC::readSteps(const std::function<void(qvEclipseRSSPECSequence&)>& take, bool& qOK) {
   guarded(*session_, qOK, className, "getRSSPECData", [&] {
     head = {};
-    steps.clear();
     cFILETYPE xFile(*session_);
     bool qSet = false;
     setRSSPECFileTypeProps(xFile, qSet);
@@ -102,8 +106,14 @@ void qvEclipseRSSPEC::getRSSPECData(bool& qOK) {
     return readIndexFile(*cursor, *session_, head, [&](const RecordHeader& header) {
       if (!opensStep(header)) return;
       cursor->seek(header.headerAt);
-      addSEQUENCE({});
-      steps.back().getEclipseSEQUENCE(*cursor);
+      qvEclipseRSSPECSequence step;
+      try {
+        step.getEclipseSEQUENCE(*cursor);
+      } catch (const BadRecord&) {
+        take(step);  // as far as it came
+        throw;
+      }
+      take(step);
     });
   });
 }

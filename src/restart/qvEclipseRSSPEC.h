@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -79,6 +80,8 @@ class qvEclipseRSSPEC {
   /// Reads the whole file, whose name and form `CheckRESTARTFile` found. qOK False when it is damaged, with a
   /// diagnosis, or the load was cancelled; the steps read until then stay, the last one as far as it came.
   void getRSSPECData(bool& qOK);
+  /// The same a step at a time, for whom one at once is enough: `take` gets each, and none stays here.
+  void readSteps(const std::function<void(qvEclipseRSSPECSequence&)>& take, bool& qOK);
   void setRSSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const;
   void addSEQUENCE(qvEclipseRSSPECSequence step) { steps.push_back(std::move(step)); }
 

@@ -99,8 +99,10 @@ bool qvEclipseSAVE::findFiles() {
       setEclipseFileName(FileName, "SAVE", extension, true, Formatted, name, qOK);
     zMultList.assign(1, name);
     nMultList = 1;
-  } else if (zMultList.empty()) {
+    found_ = zMultList;
+  } else if (zMultList.empty() || zMultList == found_) {
     GetFileNamesToLoad(FileName, iStart, iEnd, false, "SAVE", nMultList, zMultList, qOK, *session_);
+    found_ = zMultList;
   }
   return qOK;
 }

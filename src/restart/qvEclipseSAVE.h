@@ -68,6 +68,7 @@ class qvEclipseSAVE {
   void tellProgress(const RecordCursor& cursor) const;
 
   Session* session_;
+  std::vector<std::string> found_;  // the list, when a load made it: not that of the next load
 };
 
 }  // namespace lumbarn

@@ -15,6 +15,7 @@
 #include "../support/Text.h"
 #include "../vocabulary/Mnemonics.h"
 #include "ArrayUnits.h"
+#include "RestartIndex.h"
 
 namespace lumbarn {
 
@@ -22,24 +23,6 @@ namespace {
 
 constexpr const char* className = "qvEclipseSEQUENCE";
 constexpr float noValue = -999;
-
-bool isAnyOf(std::string_view name, std::initializer_list<std::string_view> names) {
-  return std::ranges::find(names, name) != names.end();
-}
-
-/// Names that stand for flows across faces of cells, "FLOOILI+" or "VOILI+", and records of other tables
-/// whose length can happen to be a grid's.
-bool isNoSolution(std::string_view name) {
-  const bool face = name.ends_with("A+") || name.ends_with("L+") || name.ends_with("N+");
-  if (face &&
-      ((name.size() == 8 && name.starts_with("FLO")) || (name.size() == 6 && name.starts_with('V')))) {
-    return true;
-  }
-  return isAnyOf(name,
-                 {"", "SWEL", "SGRP", "SCON", "SAAQ", "SCAQ", "RPIPE", "IAAQ", "IOCN", "ICAQ", "HIDDEN",
-                  // Some writers give the end of a local grid one word, as many as a grid of one cell has.
-                  "ENDLGR"});
-}
 
 /// "15 JUL 2003", without padding; the month is missing when there is none of that number.
 std::string dateText(const RESTARTGRID& grid) {
@@ -82,7 +65,7 @@ bool qvEclipseSEQUENCE::checkIfRESTARTArray(const RecordHeader& header) const {
   if (header.type != ElementType::Integer && header.type != ElementType::Single) return false;
   const RESTARTGRID& current = grid();
   if (header.count != current.nActive && header.count != current.nCells) return false;
-  if (isNoSolution(header.keyword)) return false;
+  if (isRefusedArrayName(header.keyword)) return false;
   return checkEclipseONLYList(*session_, header.keyword) &&
          (!selection || selection->chooses(header.keyword));
 }

@@ -157,12 +157,11 @@ std::vector<RestartStep> qvEclipseSOLUTION::steps() const {
   return all;
 }
 
-std::int32_t qvEclipseSOLUTION::getWellPVTNum(std::string_view zWell, bool& qOK,
-                                              std::int32_t iWellIndex) const {
+std::int32_t qvEclipseSOLUTION::getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex) {
   std::int32_t number = -1;
   guarded(*session_, qOK, className, "getWellPVTNum", [&] {
     bool qFound = false;
-    number = step(nSequences_).getWellPVTNum(zWell, qFound, iWellIndex);
+    number = select(nSequences_).getWellPVTNum(zWell, qFound, iWellIndex);
     return qFound;
   });
   return number;

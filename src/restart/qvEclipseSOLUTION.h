@@ -114,7 +114,7 @@ class qvEclipseSOLUTION {
   void GetRestartRecordTimesAndSteps(std::vector<std::int32_t>& iSteps, std::vector<double>& dTimes,
                                      std::int32_t& nSteps, bool& qOK) const;
   /// See `qvEclipseSEQUENCE::getWellPVTNum`; of the last step kept.
-  std::int32_t getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex) const;
+  std::int32_t getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex);
   /// Drops the array data of one step, of the grid `iGridNumber`, and keeps the step.
   void DeleteSingleSEQUENCE(std::int32_t iSeqnum, bool& qOK);
   /// Date of the last step read.

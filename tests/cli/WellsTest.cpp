@@ -8,6 +8,7 @@
 namespace lumbarn::cli::testing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 /// Steps 1, 2 and 4, of which the last has a local grid with a well; SWAT only makes them long.
@@ -32,7 +33,7 @@ TEST(Wells, StepsAndGridsThatAreNotThereAreTold) {
     const char* message;
   };
   const Row rows[] = {
-      {{"--step", "3"}, 2, "RUN.UNRST: has no report step 3, it has steps 1 to 2, 4\n"},
+      {{"--step", "3"}, 2, "RUN.UNRST has no report step 3; it has 1, 2, 4\n"},
       {{"--grid", "FIND"}, 2, "step 4 has no grid \"FIND\"; did you mean \"FINE\"?\n"},
       {{"--step", "2", "--grid", "LGR9"}, 2, "step 2 has no grid \"LGR9\"; it has ROOT\n"},
       {{"--step", "1"}, 0, "lumbarn: step 1 has no wells\n"},
@@ -70,7 +71,7 @@ TEST(Wells, OfAFileThatIsCutOff) {
     const Outcome run = command({"wells", "--format", "json", path});
     ASSERT_EQ(run.status, 3) << size << run.err;
     EXPECT_EQ(nlohmann::json::parse(run.out)["step"], 2) << size;
-    EXPECT_THAT(run.err, HasSubstr("RUN.UNRST: "));
+    EXPECT_THAT(run.err, AllOf(HasSubstr("RUN.UNRST: "), HasSubstr("took the step before it")));
   }
   store(path, whole.substr(0, last + 40));
   const Outcome behind = command({"wells", "--step", "7", path});

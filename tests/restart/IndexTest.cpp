@@ -137,7 +137,7 @@ const Fault1 faults[] = {
     {"MiddleStepMissing", [](auto& index) { index.steps.erase(index.steps.begin() + 1); }, "step"},
     {"FirstStepMissing", [](auto& index) { index.steps.erase(index.steps.begin()); }, "step"},
     {"NoSteps", [](auto& index) { index.steps.clear(); }, "no steps"},
-    {"StepTwice", [](auto& index) { index.steps.push_back(index.steps.back()); }, "inside of the record"},
+    {"StepTwice", [](auto& index) { index.steps.push_back(index.steps.back()); }, "follows step 5"},
     {"StepsSwapped", [](auto& index) { std::swap(index.steps[0], index.steps[1]); }, ""},
     {"BehindTheEnd", [](auto& index) { entryOf(index, 2, 2, 3).position += 1U << 20; }, "behind the file"},
     {"FarBehindTheEnd", [](auto& index) { entryOf(index, 2, 2, 3).position = ~std::uint64_t{8}; }, "behind"},
@@ -151,6 +151,10 @@ const Fault1 faults[] = {
     {"HugeCount", [](auto& index) { entryOf(index, 1, 1, 1).count = 2147483647; }, ""},
     {"OtherName", [](auto& index) { entryOf(index, 0, 0, 0).keyword = FixedText<8>("OTHER"); }, "OTHER"},
     {"OtherNumber", [](auto& index) { index.steps[2].number = 6; }, "6"},
+    {"OtherNumberBetween", [](auto& index) { index.steps[1].number = 3; }, "step 2 is step 3"},
+    {"NumberNotRising", [](auto& index) { index.steps[1].number = 1; }, "follows step 1"},
+    {"TimeNotRising", [](auto& index) { index.steps[1].days = 6; }, "follows step 2 at 6"},
+    {"NoName", [](auto& index) { entryOf(index, 1, 0, 3).keyword = FixedText<8>("PRES\x1B"); }, "characters"},
     {"OtherDate", [](auto& index) { *index.steps[0].date += std::chrono::days(1); }, "2003-07-03"},
     {"OtherTime", [](auto& index) { index.steps[2].days += 1; }, "6.25"},
     {"OtherGrid", [](auto& index) { index.header[11] = 8; }, "other cells"},
@@ -268,7 +272,6 @@ TEST(IndexPositions, BeyondFourGigabytesWithWordsOf32Or31Bits) {
 TEST(IndexDamage, NeverLeadsToOtherSteps) {
   const TemporaryFolder folder;
   IndexedRun run;
-  run.steps = {1, 2};
   const auto files = run.writeRestart(folder, "R", bigEndian, true);
   writeFile(folder.file("R.INIT"), run.init(bigEndian));
   const std::string rsspec = folder.file("R.RSSPEC");

@@ -119,6 +119,8 @@ TEST_P(SaveForm, AFileForEachStepEndsItsStepWithTheHeaders) {
     writeFile(folder_.file(stem + "0" + std::to_string(step)), bytes);
   }
   SaveLoad all;
+  writeFile(unifiedName(), unified(form_, {1}));
+  ASSERT_TRUE(all.run(unifiedName())) << "a load leaves nothing for the next one of the same object";
   ASSERT_TRUE(all.run(folder_.file(stem + "03"))) << all.told();
   EXPECT_FALSE(all.save.Unified);
   EXPECT_THAT(all.steps, ElementsAre(2, 3, 7));

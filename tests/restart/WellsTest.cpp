@@ -162,8 +162,11 @@ TEST(WellSteps, PhasesAndTypes) {
   }
 }
 
+/// Those of the grid that is chosen, though the step has another one without wells behind it.
 TEST_P(WellTables, PVTNumbersGoByNameOrNumber) {
-  RestartLoad loaded(threeWells().write(folder_, "RUN", form_));
+  auto run = threeWells();
+  run.steps[0].grids.push_back({"FINE", {2, 1, 1}, 2, {{"PRESSURE", {1, 2}}}, {}});
+  RestartLoad loaded(run.write(folder_, "RUN", form_));
   ASSERT_TRUE(loaded.run());
   struct Row {
     const char* name;
