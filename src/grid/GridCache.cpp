@@ -9,6 +9,7 @@
 
 #include "../record/ByteSource.h"
 #include "../support/Fault.h"
+#include "../support/ReadBuffer.h"
 #include "../support/System.h"
 
 namespace lumbarn {
@@ -61,11 +62,11 @@ class Checksum {
 
 /// The sum of the first bytes of a source; nothing when it cannot be read to there.
 std::optional<std::uint64_t> sumOf(const ByteSource& source, std::uint64_t bytes) {
-  std::vector<std::byte> buffer(pieceBytes);
+  ReadBuffer buffer(pieceBytes);
   Checksum sum;
   for (std::uint64_t at = 0; at < bytes;) {
-    const auto part =
-        std::span(buffer).first(static_cast<std::size_t>(std::min<std::uint64_t>(pieceBytes, bytes - at)));
+    const std::span part(buffer.data(),
+                         static_cast<std::size_t>(std::min<std::uint64_t>(pieceBytes, bytes - at)));
     if (source.readAt(at, part) != part.size()) return {};
     sum.add(part);
     at += part.size();

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <map>
 
 #include <gmock/gmock.h>
 
@@ -342,21 +343,31 @@ TEST_P(BadGrids, AreToldAndDoNoHarm) {
   }
 }
 
-TEST(OldGridFiles, CellsOutOfOrderAndShortRecordsAreRead) {
-  const std::array<std::int32_t, 3> size = {2, 1, 1};
-  for (const bool compress : {false, true}) {
-    std::vector<std::byte> bytes;
-    RecordWriter out(memorySink(bytes), bigEndian);
-    out.integers("DIMENS", size);
-    for (const std::int32_t i : {2, 1}) {
-      out.integers("COORDS", std::array{i, 1, 1, i});  // four words: active
-      out.singles("CORNERS", std::vector<float>(24, static_cast<float>(i)));
+TEST(OldGridFiles, CellsInAnyOrderAndShortRecordsAreRead) {
+  const std::vector<std::int32_t> orders[] = {
+      {1, 2, 3, 4, 5, 6}, {2, 1, 3, 4, 5, 6}, {1, 2, 3, 5, 4, 6}, {6, 5, 4, 3, 2, 1}, {1, 2, 3, 4, 5, 2}};
+  for (const auto& order : orders) {
+    for (const bool compress : {false, true}) {
+      std::vector<std::byte> bytes;
+      RecordWriter out(memorySink(bytes), bigEndian);
+      out.integers("DIMENS", std::array{2, 3, 1});
+      std::map<std::int32_t, float> last;  // what stands last for each cell
+      for (const std::int32_t cell : order) {
+        out.integers("COORDS",
+                     std::array{(cell - 1) % 2 + 1, (cell + 1) / 2, 1, cell});  // four words: active
+        last[cell] = static_cast<float>(10 * last.size()) + static_cast<float>(cell);
+        out.singles("CORNERS", std::vector<float>(24, last[cell]));
+      }
+      GridLoad load(false, compress);
+      ASSERT_TRUE(load.read(bytes, bigEndian)) << load.lastDiagnosis().text();
+      const Hadrick& grid = load.grid();
+      EXPECT_EQ(grid.nActive(), static_cast<std::int32_t>(last.size())) << "one that is missing is inactive";
+      const auto rows = activeRows(grid);
+      for (const auto& [cell, value] : last) {
+        EXPECT_EQ(cornersOf(grid, cell)[5], value);
+        EXPECT_EQ(rows.at(24 * static_cast<std::size_t>(grid.activeOf(cell)) - 1), value);
+      }
     }
-    GridLoad load(false, compress);
-    ASSERT_TRUE(load.read(bytes, bigEndian)) << load.lastDiagnosis().text();
-    EXPECT_EQ(load.grid().nActive(), 2);
-    EXPECT_EQ(cornersOf(load.grid(), 1)[5], 1);
-    EXPECT_EQ(activeRows(load.grid())[24], 2);
   }
 }
 
