@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "GridLoad.h"
+#include "grid/CellGeometryOfGrid.h"
 #include "support/GridBuilder.h"
 
 namespace lumbarn::test {
@@ -68,11 +69,14 @@ TEST_P(GridFiles, GivesCornersNumbersAndRelationsOfAllGrids) {
   builder.gridUnit = {"METRES", "MAP"};
   builder.grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1};
   builder.grids.push_back({.size = {2, 2, 1}, .name = "INNER", .parent = "OUTER", .hosts = {1, 2, 5, 3}});
-  builder.grids.push_back({.size = {40, 30, 2}, .name = "OUTER", .parent = "", .x = 70});
+  const char* const none = case_.compress ? "" : "Global";  // two ways to name the global grid
+  builder.grids.push_back({.size = {40, 30, 2}, .name = "OUTER", .parent = none, .x = 70});
   builder.grids[0].nnc1 = {1, 2};
   builder.grids[0].nnc2 = {7, 12};
   builder.grids[1].nncl = {4};
   builder.grids[1].nncg = {11};
+  builder.nna1 = {2400};
+  builder.nna2 = {3};
   GridLoad load(case_.egrid, case_.compress);
   ASSERT_TRUE(load.read(bytes(builder), form_)) << load.lastDiagnosis().text();
   EXPECT_TRUE(load.session.diagnoses().empty()) << load.lastDiagnosis().text();
@@ -93,6 +97,8 @@ TEST_P(GridFiles, GivesCornersNumbersAndRelationsOfAllGrids) {
                                                 Connection{Connection::Kind::Inside, 1, 2, 1, 12}));
   EXPECT_THAT(load.grid(1).connections(),
               ElementsAre(Connection{Connection::Kind::LocalGlobal, 2, 4, 1, 11}));
+  EXPECT_THAT(load.grid(2).connections(),
+              ElementsAre(Connection{Connection::Kind::Amalgamated, 3, 2400, 2, 3}));
   EXPECT_EQ(load.grid(1).zName, "INNER");
   EXPECT_EQ(load.grid(1).iParent, 3) << "a parent may stand behind its child";
   EXPECT_EQ(load.grid(2).zParent, "ROOT");
@@ -149,12 +155,14 @@ TEST(EGridFiles, TwoPorositySystemsDoubleTheLayers) {
       builder.dualPorosity = 1;
       builder.grids[0].size = {3, 2, 4};
       builder.grids[0].halfDepths = half;
+      builder.grids[0].place = {2, 3, 4, 5, 6, 7};
       builder.grids[0].activity = {1, 2, 3, 0, 1, 1, 3, 3, 3, 3, 3, 3};  // of the upper half, both by bits
       GridLoad load(true, compress);
       ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian)) << load.lastDiagnosis().text();
       const Hadrick& grid = load.grid();
       EXPECT_EQ(grid.Nz(), 4);
       EXPECT_EQ(grid.iDualPorosity, 1);
+      EXPECT_THAT(grid.iIndex, ElementsAre(0, 2, 3, 4, 7 + 2, 6, 5, 0, 3, 2, 4, 0));
       EXPECT_EQ(grid.nActive(), 10 + 8);
       EXPECT_EQ(grid.activeOf(2), 0);
       EXPECT_EQ(grid.activeOf(12 + 2), 11) << "a cell of the second system alone";
@@ -178,6 +186,10 @@ TEST(EGridFiles, EachReservoirHasPillarsOfItsOwn) {
     EXPECT_EQ(cornersOf(grid, 13)[0], 10000 + lean);
     EXPECT_FALSE(grid.hasCorners(9)) << "a layer between the reservoirs";
     EXPECT_EQ(activeRows(grid)[24 * 7 + 2], 0);
+    std::vector<double> volumes(24);
+    cellVolumes(grid, 1, volumes);
+    for (const std::size_t cell : {0, 12, 23}) EXPECT_NEAR(volumes[cell], 100 * 50 * 10, 1e-3);
+    EXPECT_EQ(volumes[8], 0);
   }
 }
 
