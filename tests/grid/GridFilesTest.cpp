@@ -70,7 +70,7 @@ TEST_P(GridFiles, GivesCornersNumbersAndRelationsOfAllGrids) {
   builder.grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1};
   builder.grids.push_back({.size = {2, 2, 1}, .name = "INNER", .parent = "OUTER", .hosts = {1, 2, 5, 3}});
   const char* const none = case_.compress ? "" : "Global";  // two ways to name the global grid
-  builder.grids.push_back({.size = {40, 30, 2}, .name = "OUTER", .parent = none, .x = 70});
+  builder.grids.push_back({.size = {40, 30, 2}, .name = "OUTER", .parent = none, .angles = 30, .x = 70});
   builder.grids[0].nnc1 = {1, 2};
   builder.grids[0].nnc2 = {7, 12};
   builder.grids[1].nncl = {4};
@@ -102,15 +102,9 @@ TEST_P(GridFiles, GivesCornersNumbersAndRelationsOfAllGrids) {
   EXPECT_EQ(load.grid(1).zName, "INNER");
   EXPECT_EQ(load.grid(1).iParent, 3) << "a parent may stand behind its child";
   EXPECT_EQ(load.grid(2).zParent, "ROOT");
+  EXPECT_EQ(load.grid(2).iGridType, 3) << "radial";
+  EXPECT_EQ(load.grid(1).iGridType, 2);
   EXPECT_THAT(load.grid(1).hostCells(), ElementsAre(1, 2, 5, 3));
-}
-
-TEST_P(GridFiles, RadialGridsAreTold) {
-  GridBuilder builder;
-  builder.grids[0].angles = 2;
-  GridLoad load(case_.egrid, case_.compress);
-  ASSERT_TRUE(load.read(bytes(builder), form_));
-  EXPECT_EQ(load.grid().iGridType, 3);
 }
 
 /// Cuts at every byte, and flips every byte, of a small file of two grids: nothing crashes, a failure is told

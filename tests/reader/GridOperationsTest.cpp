@@ -1,9 +1,6 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <map>
-#include <numeric>
-#include <sstream>
 
 #include <gmock/gmock.h>
 
@@ -130,51 +127,6 @@ TEST_P(GridSamples, VolumesAreThoseOfTheSimulator) {
       EXPECT_NEAR(std::abs(volumes[cell]) / bulk, 1, 1e-3) << "active cell " << n + 1;
     }
   }
-}
-
-TEST_P(GridSamples, ArraysAreThoseOfTheIndependentReader) {
-  const std::string name = std::string(GetParam().grid).substr(std::string(GetParam().grid).find('/') + 1);
-  std::ifstream table(examples + "expected/" + name + ".records.csv");
-  HostGrid host(examples + GetParam().grid);
-  host.reader.CompressOnLoad = false;
-  ASSERT_TRUE(host.run());
-  const auto grid = host.grid();
-  std::map<std::string, std::array<double, 4>> held;  // count, least, greatest, sum
-  const auto hold = [&](const std::string& keyword, const auto& values) {
-    auto& facts = held[keyword];
-    facts = {0, 1e300, -1e300, 0};
-    for (const double value : values) {
-      facts = {facts[0] + 1, std::min(facts[1], value), std::max(facts[2], value), facts[3] + value};
-    }
-  };
-  hold("COORD", grid->coord());
-  hold("ZCORN", grid->zcorn());
-  std::vector<std::int32_t> active;
-  std::vector<std::int32_t> ends[2];
-  for (std::int32_t cell = 1; cell <= grid->nCells(); ++cell)
-    active.push_back(grid->activeOf(cell) > 0 ? 1 : 0);
-  for (const auto& connection : grid->connections()) {
-    ends[0].push_back(connection.iCell1);
-    ends[1].push_back(connection.iCell2);
-  }
-  hold("ACTNUM", active);
-  hold("NNC1", ends[0]);
-  hold("NNC2", ends[1]);
-  int compared = 0;
-  for (std::string line; std::getline(table, line);) {
-    std::replace(line.begin(), line.end(), ',', ' ');
-    std::istringstream words(line);
-    std::string keyword;
-    std::string type;
-    std::array<double, 4> facts{};
-    words >> keyword >> type;
-    if (!held.contains(keyword)) continue;
-    for (auto& fact : facts) words >> fact;
-    for (std::size_t n = 0; n < 4; ++n)
-      EXPECT_NEAR(held[keyword][n], facts[n], 1e-8 * std::abs(facts[n])) << line;
-    ++compared;
-  }
-  EXPECT_GE(compared, 3);
 }
 
 /// A small run on disk, with 9 of 12 cells active and a local grid.
