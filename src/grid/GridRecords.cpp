@@ -206,14 +206,16 @@ void GridRecords::leaveOrder() {
   if (!compress_) std::ranges::fill(rows_.values().subspan(rowItems * met), 0.0F);
 }
 
-/// Puts the rows of active cells in the order of their numbers; of a cell that stands twice the last counts.
+/// Puts the rows of active cells in the order of their numbers. Of a cell that stands twice the last counts,
+/// which may be inactive.
 void GridRecords::sortRows() {
-  if (std::ranges::is_sorted(rowCells_, std::less_equal<>())) return;
+  if (inOrder_) return;
   std::vector<std::size_t> order(rowCells_.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::ranges::stable_sort(order, {}, [this](std::size_t n) { return rowCells_[n]; });
   std::vector<std::size_t> last;
   for (const std::size_t n : order) {
+    if (activity_[static_cast<std::size_t>(rowCells_[n]) - 1] == 0) continue;
     if (!last.empty() && rowCells_[last.back()] == rowCells_[n]) last.pop_back();
     last.push_back(n);
   }

@@ -124,7 +124,7 @@ TEST_P(GridSamples, VolumesAreThoseOfTheSimulator) {
       const auto cell = static_cast<std::size_t>(grid->cellOf(static_cast<std::int32_t>(n) + 1)) - 1;
       const double bulk = static_cast<double>(porv[cell]) * GetParam().volumeUnit /
                           (static_cast<double>(poro[n]) * ntg.at(n));
-      EXPECT_NEAR(std::abs(volumes[cell]) / bulk, 1, 1e-3) << "active cell " << n + 1;
+      EXPECT_NEAR(std::abs(volumes[cell]) / bulk, 1, 1e-4) << "active cell " << n + 1;
     }
   }
 }
