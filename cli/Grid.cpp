@@ -40,12 +40,11 @@ Grids readGrids(const RunFamily& run, Console& console) {
   if (!file)
     throw Failure(Usage, fmt::format("{}{}: has no grid file (EGRID or GRID)", run.folder, run.base));
   qvGRIDReader reader(console.session());
+  const bool egrid = file->kind == FileKind::EGrid;
+  if (!(egrid ? reader.CheckEGRIDFile(file->path) : reader.CheckGRIDFile(file->path)))
+    console.giveUp(file->path, fmt::format("does not begin with {}", egrid ? "FILEHEAD" : "DIMENS"));
   bool qOK = false;
-  if (file->kind == FileKind::EGrid && reader.CheckEGRIDFile(file->path)) {
-    reader.ReadEclipseEGridFile(qOK);
-  } else if (file->kind == FileKind::Grid && reader.CheckGRIDFile(file->path)) {
-    reader.ReadEclipseGridFile(qOK);
-  }
+  egrid ? reader.ReadEclipseEGridFile(qOK) : reader.ReadEclipseGridFile(qOK);
   console.progress().hide();
   console.checkCancelled();
   if (reader.xGrids.empty()) console.giveUp(file->path, "no grid can be read from it");

@@ -55,6 +55,14 @@ TEST(Grid, WhatCannotBeIsRefusedAndNothingWritten) {
   }
 }
 
+TEST(Grid, AFileThatIsNoGridFileIsNamed) {
+  const test::TemporaryFolder folder;
+  store(folder.file("RUN.EGRID"), "FILEHAED");
+  const Outcome run = command({"grid", folder.file("RUN.EGRID")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("RUN.EGRID: does not begin with FILEHEAD"));
+}
+
 TEST(Grid, ADamagedRestartGivesTheStepsBeforeTheDamage) {
   const test::TemporaryFolder folder;
   store(folder.file("HOLLIN.EGRID"), content(sample("HOLLIN/HOLLIN.EGRID")));
