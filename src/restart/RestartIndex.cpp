@@ -28,16 +28,17 @@ bool sameGrid(std::string_view a, std::string_view b) {
 }
 
 GridCells gridCells(const std::vector<std::int32_t>& intehead) {
+  constexpr std::int32_t unitsAbove = 5000;  // the simulator of this code counts its unit systems from there
   GridCells result;
   if (intehead.size() < 12) return result;
-  result.units = intehead[2];
+  const HeaderWords word(intehead);
+  result.units = word(95) == unitsAbove ? word(3) - unitsAbove : word(3);
   std::copy_n(intehead.begin() + 8, 3, result.size.begin());
   std::int64_t cells = 1;
   for (const std::int64_t length : result.size) {
     if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
   }
   result.cells = cells;
-  const HeaderWords word(intehead);
   // The simulator with code 300 has its active cells in word 4, with one exception.
   const bool inWord4 = word.isE300() && word(4) > 0 && word(96) < 1;
   result.active = word(inWord4 ? 4 : 12);
