@@ -115,6 +115,10 @@ TEST_F(InitOperations, FindTheFileOfAnIndex) {
   load();
   EXPECT_TRUE(qOK_);
   EXPECT_EQ(reader_.FileName, folder_.file("CASE.INIT"));
+  test::writeFile(folder_.file("case.finit"), test::twoLocalGrids({Framing::Formatted}));
+  reader_.FileName = folder_.file("case.finspec");
+  load();
+  EXPECT_TRUE(qOK_);
   reader_.FileName = folder_.file("NONE.INSPEC");
   load();
   EXPECT_FALSE(qOK_);
