@@ -277,12 +277,24 @@ TEST(InitLoad, EndsAtAnotherStepOrAnUnknownRecord) {
   EXPECT_TRUE(stepped.qOK);
   EXPECT_EQ(stepped.arrays(1), "PORO=1,2,3,4");
   Loaded strange(start(unknown).header("WHAT", 3, "ABCD").bytes());
-  EXPECT_FALSE(strange.qOK);
+  EXPECT_TRUE(strange.qOK && strange.init.qDamaged);
   EXPECT_EQ(strange.arrays(1), "PORO=1,2,3,4");
   EXPECT_THAT(strange.session.diagnoses().back().text(), HasSubstr("WHAT"));
   Loaded passed(start(empty).header("WHAT", 0, "ABCD").singles("NTG", {1, 1, 1, 1}).bytes());
   EXPECT_TRUE(passed.qOK);
   EXPECT_EQ(passed.arrays(1), "PORO=1,2,3,4 NTG=1,1,1,1");
+}
+
+TEST(InitLoad, AGridOfTooManyCellsLeavesThoseBefore) {
+  InitBuilder bytes(test::bigEndian);
+  bytes.head({}).singles("PORO", {1, 2, 3, 4}).local("BIG").head({.Nx = 100'000, .Ny = 100'000});
+  Loaded file(bytes.bytes());
+  EXPECT_FALSE(file.qOK);
+  EXPECT_THAT(file.session.diagnoses().back().text(), HasSubstr("100000 x 100000 x 1"));
+  EXPECT_EQ(file.arrays(1), "PORO=1,2,3,4");
+  file.init.AcceptDamaged = true;
+  file.init.getEclipseINITArrays(file.qOK);
+  EXPECT_TRUE(file.qOK && file.init.qDamaged);
 }
 
 TEST(InitLoad, HeadersNameGridAndUnits) {
