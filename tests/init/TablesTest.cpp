@@ -290,6 +290,21 @@ TEST_F(Tables, TheFifthColumnOfWaterIsMadePhysicalOnlyWithoutDefault) {
   EXPECT_THAT(values_, ElementsAre(200, 0.5F, 4, 2, 3));
 }
 
+TEST_F(Tables, ASingleBlankTakesOnlyWhatFollowsFromIt) {
+  session_.NullValue = 0.5;  // a value that tables may have
+  const auto rowOf = [&](std::string_view name) {
+    std::vector<double> row;
+    for (const auto& column : tables_.physicalTable(name, 1, 1, qOK_).columns)
+      row.push_back(column.values.at(0));
+    return row;
+  };
+  build(words({{12, 1}, {13, 1}, {14, 6}, {17, 1}, {18, 1}}), {200, 0.5, 2e20, 2, 3, 100, 0.5, -1e20}, 6);
+  EXPECT_THAT(rowOf("PVTW"), ElementsAre(200, 2, 0.5, 0.25, 0.5));
+  EXPECT_THAT(rowOf("PVDG"), ElementsAre(100, 2, 0.5));
+  build(words({{12, 1}, {13, 1}}), {200, 2e20, 4, 2, 3}, 2);
+  EXPECT_THAT(rowOf("PVTW"), ElementsAre(200, 0.5, 4, 0.5, 1));
+}
+
 TEST_F(Tables, InvertedColumnsHaveTheNullValueForZero) {
   std::vector<float> values{0.5F, 0, 4, 0.25F, 3, 0};
   const std::int32_t sizes[] = {3, 2};
@@ -304,11 +319,7 @@ TEST_F(Tables, InvertedColumnsHaveTheNullValueForZero) {
 }
 
 TEST_F(Tables, DependOnPhasesAndFlags) {
-  const auto everything =
-      words({{2, 1},  {3, 1},  {4, 1},  {5, 1},  {6, 1},  {7, 1},  {8, 1},  {9, 1},  {10, 1},
-             {11, 1}, {12, 1}, {13, 1}, {14, 1}, {15, 1}, {16, 1}, {17, 1}, {18, 1}, {19, 1},
-             {20, 1}, {21, 1}, {22, 1}, {23, 1}, {24, 1}, {25, 1}, {26, 1}, {27, 1}, {29, 1},
-             {30, 1}, {31, 1}, {32, 1}, {33, 1}, {34, 1}, {35, 1}, {36, 1}, {37, 1}, {38, 1}});
+  const std::vector<std::int32_t> everything(tableDimsWords, 1);
   const struct {
     std::int32_t phases;
     TableProperties properties;
