@@ -116,22 +116,6 @@ TEST_P(InitFile, ConnectionArraysStandByKind) {
   }
 }
 
-TEST_P(InitFile, PlacesLeadBackToTheValues) {
-  Loaded file(test::twoLocalGrids(form_), false);
-  ASSERT_TRUE(file.qOK);
-  XYData values;
-  file.init.GetData(values, file.qOK);
-  EXPECT_THAT(values.values(), ElementsAre(-1, 0, 0, 0, 0, 0));
-  ColumnTable<std::int32_t> places;
-  file.init.GetINITFODPointers(places, file.qOK);
-  ASSERT_EQ(places.columns(), 6u);
-  EXPECT_EQ(places(1, 2), 6);
-  EXPECT_EQ(places(2, 4), 2);
-  std::vector<float> array;
-  file.init.GetArray(1, 2, false, array, file.qOK);
-  EXPECT_THAT(array, ElementsAre(1, 3, 4, 6));
-}
-
 TEST(InitLoad, MatchesTheSampleRuns) {
   for (const auto* name : {"ARBOR/ARBOR.INIT", "ARBORF/ARBORF.FINIT", "HOLLIN/HOLLIN.INIT"}) {
     std::map<std::string, std::array<double, 4>> expected;  // count, min, max, sum
