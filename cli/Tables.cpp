@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -16,7 +17,7 @@ namespace {
 struct TablesOptions {
   std::string path;
   std::string table;
-  std::int32_t number = 1;
+  std::optional<std::int32_t> number;
   OutputOptions output;
 };
 
@@ -77,11 +78,11 @@ void writeTable(const PhysicalTable& physical, double null, Format format, std::
 /// The table that was asked for. Throws Failure, with the tables that there are.
 PhysicalTable tableOf(const qvEclipseReader& reader, const TablesOptions& options) {
   bool qOK = false;
-  auto table = reader.GetINITPhysicalTable(options.table, options.number, qOK);
+  const std::int32_t number = options.number.value_or(1);
+  auto table = reader.GetINITPhysicalTable(options.table, number, qOK);
   if (qOK) return table;
   if (const auto count = reader.NumberTables(options.table); count > 0)
-    throw Failure(Usage,
-                  fmt::format("no table {} of {}; it has {}", options.number, upper(options.table), count));
+    throw Failure(Usage, fmt::format("no table {} of {}; it has {}", number, upper(options.table), count));
   std::vector<std::string> names;
   std::int32_t nNames = 0;
   reader.GetTableTypes(names, nNames, qOK);
@@ -89,6 +90,7 @@ PhysicalTable tableOf(const qvEclipseReader& reader, const TablesOptions& option
 }
 
 ExitStatus showTables(const TablesOptions& options, Console& console) {
+  if (options.number && options.table.empty()) throw Failure(Usage, "--number goes with --table");
   const RunFamily run = findRun(options.path);
   Output output(options.output, console.out(), pathsOf(run));
   qvEclipseReader reader(console.session());
