@@ -11,34 +11,32 @@ namespace lumbarn {
 
 namespace {
 
-/// A value for each row of the file where the divisor is above 0, and 0 elsewhere, in the order of the table
-/// that is made.
-template <class Dividend, class Divisor>
-void fillRatio(std::span<float> out, std::span<const std::int32_t> order, Dividend dividend,
-               Divisor divisor) {
-  for (std::size_t r = 0; r < out.size(); ++r) {
-    const auto i = static_cast<std::size_t>(order[r] - 1);
-    const float by = divisor(i);
-    out[r] = by > 0 ? dividend(i) / by : 0;
-  }
-}
-
 /// Fills a table of known size column after column, rows in a given order.
 class Refiller {
  public:
   Refiller(TestTable& table, std::span<const std::int32_t> order) : table_(table), order_(order) {}
 
-  std::span<float> next(std::string_view name, std::uint64_t headerAt = TestTable::workedOut) {
-    table_.columns[done_] = {ColumnName(name), headerAt};
-    return std::span(table_.values).subspan(done_++ * table_.rows, table_.rows);
-  }
   void ordered(std::string_view name, std::span<const float> from,
                std::uint64_t headerAt = TestTable::workedOut) {
     const std::span<float> out = next(name, headerAt);
     for (std::size_t r = 0; r < out.size(); ++r) out[r] = from[static_cast<std::size_t>(order_[r] - 1)];
   }
+  /// A value where the divisor is above 0, and 0 elsewhere; both are asked for by row of the file.
+  void ratio(std::string_view name, auto dividend, auto divisor) {
+    const std::span<float> out = next(name);
+    for (std::size_t r = 0; r < out.size(); ++r) {
+      const auto i = static_cast<std::size_t>(order_[r] - 1);
+      const float by = divisor(i);
+      out[r] = by > 0 ? dividend(i) / by : 0;
+    }
+  }
 
  private:
+  std::span<float> next(std::string_view name, std::uint64_t headerAt = TestTable::workedOut) {
+    table_.columns[done_] = {ColumnName(name), headerAt};
+    return std::span(table_.values).subspan(done_++ * table_.rows, table_.rows);
+  }
+
   TestTable& table_;
   std::span<const std::int32_t> order_;
   std::size_t done_ = 0;
@@ -81,11 +79,63 @@ void QVEclipseRFTtest::setPLTBranches(std::size_t n) {
   qImpliedBranches_ = true;
 }
 
+/// Columns of rates, empty where the file has none; there is at least one connection.
+struct QVEclipseRFTtest::PltRates {
+  std::span<const float> oil, water, gas, tubeOil, tubeWater, tubeGas;
+
+  bool hasWaterCut() const { return !oil.empty() && !water.empty(); }
+  bool hasGasOilRatio() const { return !oil.empty() && !gas.empty(); }
+  std::size_t workedOut() const {
+    return std::size_t{!oil.empty()} + !water.empty() + !gas.empty() + 2 * hasWaterCut() +
+           2 * hasGasOilRatio();
+  }
+  /// Fills the columns that are worked out.
+  void fill(Refiller& refill, std::span<const float> length) const {
+    const auto of = [](std::span<const float> values) {
+      return [values](std::size_t i) { return values[i]; };
+    };
+    const auto sumOf = [](std::span<const float> a, std::span<const float> b) {
+      return [a, b](std::size_t i) { return a[i] + b[i]; };
+    };
+    if (!oil.empty()) refill.ratio("CONORATS", of(oil), of(length));
+    if (!water.empty()) refill.ratio("CONWRATS", of(water), of(length));
+    if (!gas.empty()) refill.ratio("CONGRATS", of(gas), of(length));
+    if (hasWaterCut()) {
+      refill.ratio("CONWCUT", of(water), sumOf(oil, water));
+      refill.ratio("CONWCUTUB", of(tubeWater), sumOf(tubeOil, tubeWater));
+    }
+    if (hasGasOilRatio()) {
+      refill.ratio("CONGOR", of(gas), of(oil));
+      refill.ratio("CONGORTUB", of(tubeGas), of(tubeOil));
+    }
+  }
+};
+
+/// Rates in the tubing are taken to be there when those of the connections are: without them, a fault.
+/// Deliberate.
+QVEclipseRFTtest::PltRates QVEclipseRFTtest::ratesOfPLT(std::size_t n) const {
+  const auto given = [&](PltColumn column) {
+    return pltColumns_.has(column) ? plt_.column(pltColumns_[column], n) : std::span<const float>();
+  };
+  const auto inTubing = [&](PltColumn column, std::string_view name) {
+    if (pltColumns_.has(column)) return given(column);
+    tell(name, beginsAt_, "test has rates of connections and none in the tubing", {}, {},
+         "worked out nothing from its PLT");
+    throw ToldFault(FaultNumber::Subscript);
+  };
+  PltRates rates{given(PltColumn::CONORAT), given(PltColumn::CONWRAT), given(PltColumn::CONGRAT), {}, {}, {}};
+  if (rates.hasWaterCut() || rates.hasGasOilRatio()) rates.tubeOil = inTubing(PltColumn::CONOTUB, "CONOTUB");
+  if (rates.hasWaterCut()) rates.tubeWater = inTubing(PltColumn::CONWTUB, "CONWTUB");
+  if (rates.hasGasOilRatio()) rates.tubeGas = inTubing(PltColumn::CONGTUB, "CONGTUB");
+  return rates;
+}
+
 /// The table by measured depth, with what is worked out from it. m: columns of the file.
 void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
-  const auto given = [&](PltColumn column) { return plt_.column(pltColumns_[column], n); };
-  const auto start = given(PltColumn::CONLENST);
-  const auto end = given(PltColumn::CONLENEN);
+  const std::int32_t iStart = pltColumns_[PltColumn::CONLENST];
+  const std::int32_t iEnd = pltColumns_[PltColumn::CONLENEN];
+  const auto start = plt_.column(iStart, n);
+  const auto end = plt_.column(iEnd, n);
   std::vector<float> middle(n);
   std::vector<float> length(n);
   for (std::size_t i = 0; i < n; ++i) {
@@ -95,29 +145,11 @@ void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
   // From here on the RFT columns are given out in this order, even when the re-forming ends in a fault and
   // the PLT columns stay as they were. Deliberate.
   if (SortedPLT) iSort_ = sortPositions(middle);
+  const PltRates rates = ratesOfPLT(n);
 
-  const bool oil = pltColumns_.has(PltColumn::CONORAT);
-  const bool water = pltColumns_.has(PltColumn::CONWRAT);
-  const bool gas = pltColumns_.has(PltColumn::CONGRAT);
-  // Rates in the tubing are taken to be there when those of the connections are: without them, a fault.
-  // Deliberate.
-  std::span<const float> tubeOil, tubeWater, tubeGas;
-  const auto inTubing = [&](PltColumn column, std::string_view name) {
-    if (pltColumns_.has(column)) return given(column);
-    tell(name, beginsAt_, "test has rates of connections and none in the tubing", {}, {},
-         "worked out nothing from its PLT");
-    throw ToldFault(FaultNumber::Subscript);
-  };
-  if (oil && (water || gas)) tubeOil = inTubing(PltColumn::CONOTUB, "CONOTUB");
-  if (oil && water) tubeWater = inTubing(PltColumn::CONWTUB, "CONWTUB");
-  if (oil && gas) tubeGas = inTubing(PltColumn::CONGTUB, "CONGTUB");
-
-  const std::int32_t iStart = pltColumns_[PltColumn::CONLENST];
-  const std::int32_t iEnd = pltColumns_[PltColumn::CONLENEN];
   TestTable table;  // in memory that is given back: the test has room for the columns of it that count
   table.rows = n;
-  table.columns.resize(static_cast<std::size_t>(m) + 2 + oil + water + gas + 2 * (oil && water) +
-                       2 * (oil && gas));
+  table.columns.resize(static_cast<std::size_t>(m) + 2 + rates.workedOut());
   table.values.resize(table.columns.size() * n);
   Refiller refill(table, iSort_);
   refill.ordered("CONMD", middle);
@@ -128,41 +160,13 @@ void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
     const auto& column = plt_.columns[static_cast<std::size_t>(i - 1)];
     if (i != iStart && i != iEnd) refill.ordered(column.name, plt_.column(i, n), column.headerAt);
   }
-
-  const auto lengthOf = [&](std::size_t i) { return length[i]; };
-  const auto of = [](std::span<const float> values) { return [values](std::size_t i) { return values[i]; }; };
-  const auto sumOf = [](std::span<const float> a, std::span<const float> b) {
-    return [a, b](std::size_t i) { return a[i] + b[i]; };
-  };
-  struct Scaled {
-    PltColumn rate;
-    const char* name;
-  };
-  for (const auto& [rate, name] : {Scaled{PltColumn::CONORAT, "CONORATS"},
-                                   {PltColumn::CONWRAT, "CONWRATS"},
-                                   {PltColumn::CONGRAT, "CONGRATS"}}) {
-    if (!pltColumns_.has(rate)) continue;
-    if (!ScaledPLT) {
-      // The column is asked for whether it was made or not. The table has its new size by then, with the old
-      // number of columns in use. Deliberate.
-      table.count = plt_.count;
-      plt_ = std::move(table);
-      throw Fault(FaultNumber::Subscript);
-    }
-    fillRatio(refill.next(name), iSort_, of(given(rate)), lengthOf);
-  }
-  if (oil && water) {
-    const auto oilRate = given(PltColumn::CONORAT);
-    const auto waterRate = given(PltColumn::CONWRAT);
-    fillRatio(refill.next("CONWCUT"), iSort_, of(waterRate), sumOf(oilRate, waterRate));
-    fillRatio(refill.next("CONWCUTUB"), iSort_, of(tubeWater), sumOf(tubeOil, tubeWater));
-  }
-  if (oil && gas) {
-    fillRatio(refill.next("CONGOR"), iSort_, of(given(PltColumn::CONGRAT)), of(given(PltColumn::CONORAT)));
-    fillRatio(refill.next("CONGORTUB"), iSort_, of(tubeGas), of(tubeOil));
-  }
-  table.count = static_cast<std::int32_t>(table.columns.size());
+  // Columns by length are asked for whether they were made or not. The table has its new size by then, with
+  // the old number of columns in use. Deliberate.
+  const bool unscaled = !ScaledPLT && rates.workedOut() > 0;
+  if (!unscaled) rates.fill(refill, length);
+  table.count = unscaled ? plt_.count : static_cast<std::int32_t>(table.columns.size());
   plt_ = std::move(table);
+  if (unscaled) throw Fault(FaultNumber::Subscript);
   pltColumns_.set(plt_);
 }
 

@@ -145,6 +145,8 @@ class QVEclipseRFTtest {
   void processRFTRecords();
   void processPLTRecords();
   void setPLTBranches(std::size_t n);
+  struct PltRates;
+  PltRates ratesOfPLT(std::size_t n) const;
   void reformPLT(std::size_t n, std::int32_t m);
   void setPLTSegmentData();
   void processBRANCHData();
