@@ -35,7 +35,7 @@ bool sameGrid(std::string_view a, std::string_view b) {
   return (isGlobalGrid(a) && isGlobalGrid(b)) || equalNoCase(trim(a), trim(b));
 }
 
-GridCells gridCells(const std::vector<std::int32_t>& intehead) {
+GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init) {
   GridCells result;
   if (intehead.size() < 12) return result;
   result.units = intehead[2];
@@ -45,7 +45,7 @@ GridCells gridCells(const std::vector<std::int32_t>& intehead) {
     if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
   }
   result.cells = cells;
-  result.active = activeCells(HeaderWords(intehead));
+  result.active = init ? activeCellsOfInit(HeaderWords(intehead)) : intehead[11];
   return result;
 }
 
