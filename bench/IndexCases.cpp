@@ -145,7 +145,7 @@ Family indexFamily(const std::filesystem::path& folder) {
           },
           {
               {"index/walk100GB", "small file", 3, 0, memory, walkLarge, [files] { walk(files.small); }},
-              {"index/rsspec100GB", "walk", 0.08, 0, memory, [files] { listByIndex(files); }, walkLarge},
+              {"index/rsspec100GB", "walk", 0.10, 0, memory, [files] { listByIndex(files); }, walkLarge},
           }};
 }
 

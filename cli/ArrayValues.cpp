@@ -116,11 +116,12 @@ void ArrayValues::findActive(const RunFamily& run) {
       std::ranges::any_of(chosen_, [&](const auto* entry) { return entry->count == cells_.cells; });
   const bool someActive =
       std::ranges::any_of(chosen_, [&](const auto* entry) { return entry->count != cells_.cells; });
-  if (allActive || (options_.all ? !someActive : !someFull && !options_.ijk)) return;
+  if (allActive || (!options_.all && !someFull && !options_.ijk)) return;
   const auto pathOf = [&](FileKind kind) { return run.find(kind) ? run.find(kind)->path : std::string(); };
   active_ = findActiveCells(console_.session(), pathOf(FileKind::Init), pathOf(FileKind::EGrid),
                             options_.grid, cells_);
   console_.checkCancelled();
+  if (!active_ && options_.all && !someActive) return;  // values of all cells can be shown as they stand
   if (!active_) {
     throw Failure(Unreadable,
                   fmt::format("which {} of the {} cells are active is not known: the run has no INIT file "

@@ -1,6 +1,5 @@
 #include <memory>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
@@ -163,18 +162,14 @@ ExitStatus checkRun(const CheckOptions& options, Console& console) {
 
 }  // namespace
 
-void addCheck(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<CheckOptions>();
-  CLI::App* command = app.add_subcommand("check", "Read every file of a run and report all that is wrong");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addCheck(CommandLine& line) {
+  Subcommand command(line, "check", "Read every file of a run and report all that is wrong");
+  CheckOptions& options = command.performs(checkRun);
+  command.path(options.path);
+  command.output(options.output);
+  command.footer(
       "Exit status: 0 clean, 3 something was found, 1 a file could not be read at all.\nExample:\n"
       "  lumbarn check RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return checkRun(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

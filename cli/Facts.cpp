@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include "Console.h"
 
@@ -76,6 +77,10 @@ void writeRows(const Facts& fact, const std::string& name, TableWriter& table) {
 }
 
 }  // namespace
+
+std::string quotedJson(std::string_view text) {
+  return Facts(text).dump(-1, ' ', false, Facts::error_handler_t::replace);
+}
 
 void writeFacts(const Facts& facts, Format format, std::ostream& out) {
   if (format == Format::Json) {

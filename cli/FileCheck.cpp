@@ -16,7 +16,6 @@
 #include "restart/qvEclipseSAVE.h"
 #include "summary/RestartChain.h"
 #include "summary/qvEclipseSPEC.h"
-#include "support/Text.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -200,13 +199,7 @@ std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& s
 std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
                                            const FindingSink& report) {
   const auto shown = std::exchange(session.diagnosisSink, report);
-  // What a fault of a test has cost is a finding too.
-  const auto said = std::exchange(session.faultReporter, nullptr);
-  if (kind == FileKind::Rft) {
-    session.faultReporter = [&](std::string_view text) {
-      report({.path = path, .problem = std::string(trim(text)), .action = "left out what depends on it"});
-    };
-  }
+  const auto said = std::exchange(session.faultReporter, nullptr);  // faults come as diagnoses too
   qvEclipseReader reader(session);
   reader.FileName = path;
   reader.whichtype = whichtypeOf(kind);

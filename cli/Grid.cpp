@@ -2,13 +2,13 @@
 #include <memory>
 #include <optional>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
 #include "GridArrays.h"
 #include "Output.h"
 #include "PathArgument.h"
+#include "RunIndex.h"
 #include "Suggestion.h"
 #include "grid/CellGeometryOfGrid.h"
 #include "grid/qvGRIDReader.h"
@@ -40,12 +40,11 @@ Grids readGrids(const RunFamily& run, Console& console) {
   if (!file)
     throw Failure(Usage, fmt::format("{}{}: has no grid file (EGRID or GRID)", run.folder, run.base));
   qvGRIDReader reader(console.session());
+  const bool egrid = file->kind == FileKind::EGrid;
+  if (!(egrid ? reader.CheckEGRIDFile(file->path) : reader.CheckGRIDFile(file->path)))
+    console.giveUp(file->path, fmt::format("does not begin with {}", egrid ? "FILEHEAD" : "DIMENS"));
   bool qOK = false;
-  if (file->kind == FileKind::EGrid && reader.CheckEGRIDFile(file->path)) {
-    reader.ReadEclipseEGridFile(qOK);
-  } else if (file->kind == FileKind::Grid && reader.CheckGRIDFile(file->path)) {
-    reader.ReadEclipseGridFile(qOK);
-  }
+  egrid ? reader.ReadEclipseEGridFile(qOK) : reader.ReadEclipseGridFile(qOK);
   console.progress().hide();
   console.checkCancelled();
   if (reader.xGrids.empty()) console.giveUp(file->path, "no grid can be read from it");
@@ -61,13 +60,16 @@ const Hadrick& choose(const Grids& grids, const std::string& name) {
     names.push_back(grid->zName);
   }
   const std::string better = closest(name, names);
-  throw Failure(Usage, fmt::format("no grid \"{}\" is there{}", name,
-                                   better.empty() ? "" : fmt::format("; did you mean \"{}\"?", better)));
+  throw Failure(Usage, fmt::format("no grid \"{}\"; {}", name,
+                                   better.empty() ? "it has " + listText(names)
+                                                  : fmt::format("did you mean \"{}\"?", better)));
 }
 
 std::string axesText(const Hadrick& grid) {
   if (!grid.dMapAxes) return "";
-  return fmt::format("{}", fmt::join(*grid.dMapAxes, " "));
+  std::string text;
+  for (const auto axis : *grid.dMapAxes) text += fmt::format("{}{}", text.empty() ? "" : " ", axis);
+  return text;
 }
 
 void listGrids(const Grids& grids, const GridOptions& options, std::ostream& out) {
@@ -166,33 +168,22 @@ ExitStatus showGrid(const GridOptions& options, Console& console) {
 
 }  // namespace
 
-void addGrid(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<GridOptions>();
-  CLI::App* command = app.add_subcommand("grid", "List the grids of a run, their corners, or export them");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--grid", options->grid, "A local grid, in place of the global one (ROOT)")
-      ->option_text("NAME");
-  command->add_flag("--corners", options->corners, "Show the eight corners of each active cell");
-  command->add_option("--vtk", options->vtk, "Write the active cells to a VTKHDF file, for ParaView")
-      ->option_text("FILE");
-  command
-      ->add_option("--array", options->arrays,
-                   "Export an array of the INIT or the restart file too, as PORO or PRESSURE")
-      ->allow_extra_args(false)
-      ->delimiter(',')
-      ->option_text("NAME");
-  command->add_option("--step", options->step, "Export restart arrays as they are at one report step")
-      ->option_text("N");
-  command->add_flag("--z-up", options->zUp, "Export heights in place of depths");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addGrid(CommandLine& line) {
+  Subcommand command(line, "grid", "List the grids of a run, their corners, or export them");
+  GridOptions& options = command.performs(showGrid);
+  command.path(options.path);
+  command.value("--grid", options.grid, "NAME", "A local grid, in place of the global one (ROOT)");
+  command.flag("--corners", options.corners, "Show the eight corners of each active cell");
+  command.value("--vtk", options.vtk, "FILE", "Write the active cells to a VTKHDF file, for ParaView");
+  command.list("--array", options.arrays, "NAME",
+               "Export an array of the INIT or the restart file too, as PORO or PRESSURE");
+  command.value("--step", options.step, "N", "Export restart arrays as they are at one report step");
+  command.flag("--z-up", options.zUp, "Export heights in place of depths");
+  command.output(options.output);
+  command.footer(
       "Arrays of the restart file are exported for all its steps, which viewers of VTK 9.3 and later read;\n"
       "with --step any since 9.1 can read the file. Example:\n  lumbarn grid RUN\n"
       "  lumbarn grid --vtk run.vtkhdf --array PORO --array PRESSURE --z-up RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showGrid(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

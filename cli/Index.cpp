@@ -1,7 +1,5 @@
 #include <filesystem>
-#include <memory>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
@@ -78,23 +76,16 @@ ExitStatus writeIndexes(const IndexOptions& options, Console& console) {
 
 }  // namespace
 
-void addIndex(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<IndexOptions>();
-  CLI::App* command = app.add_subcommand(
-      "index", "Write index files (RSSPEC, INSPEC) of a run's restart and INIT files to a folder");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--into", options->folder, "The folder to write to; may be the run's own")
-      ->required()
-      ->option_text("FOLDER");
-  command->add_flag("--replace", options->replace, "Write index files anew that are there already");
-  command->footer(
+void addIndex(CommandLine& line) {
+  Subcommand command(line, "index",
+                     "Write index files (RSSPEC, INSPEC) of a run's restart and INIT files to a folder");
+  IndexOptions& options = command.performs(writeIndexes);
+  command.path(options.path);
+  command.requiredValue("--into", options.folder, "FOLDER", "The folder to write to; may be the run's own");
+  command.flag("--replace", options.replace, "Write index files anew that are there already");
+  command.footer(
       "Programs list a run faster with an index beside it. An index tells the range of every array, so all\n"
       "data are read once. Example:\n  lumbarn index --into . RUN");
-  command->callback([options, &chosen] {
-    chosen = [options](Console& console) { return writeIndexes(*options, console); };
-  });
 }
 
 }  // namespace lumbarn::cli

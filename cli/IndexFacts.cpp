@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "RunFacts.h"
 #include "RunIndex.h"
 #include "init/qvEclipseINSPEC.h"

@@ -1,7 +1,6 @@
 #include <filesystem>
-#include <memory>
 
-#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "Commands.h"
 #include "Output.h"
@@ -33,6 +32,12 @@ void addFile(Facts& facts, const RunMember& file, const Recognised& recognised) 
   facts["bytes"] = bytesOf(file.path);
 }
 
+/// As the name tells it, and of a name that tells nothing not at all.
+const char* formOf(const RunMember& file) {
+  if (file.kind == FileKind::Unknown) return "";
+  return isText(file.kind) || file.formatted ? "formatted" : "unformatted";
+}
+
 /// One entry for each file of the run, step files of one set taken together as the first and the last of
 /// them.
 Facts familyFacts(const RunFamily& run) {
@@ -50,7 +55,7 @@ Facts familyFacts(const RunFamily& run) {
       continue;
     }
     files.push_back({{"kind", nameOf(member.kind)},
-                     {"form", isText(member.kind) || member.formatted ? "formatted" : "unformatted"},
+                     {"form", formOf(member)},
                      {"files", 1},
                      {"first", name},
                      {"last", ""},
@@ -125,19 +130,15 @@ ExitStatus tellAbout(const InfoOptions& options, Console& console) {
 
 }  // namespace
 
-void addInfo(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<InfoOptions>();
-  CLI::App* command = app.add_subcommand("info", "Tell what a file is, or what a run consists of");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addInfo(CommandLine& line) {
+  Subcommand command(line, "info", "Tell what a file is, or what a run consists of");
+  InfoOptions& options = command.performs(tellAbout);
+  command.path(options.path);
+  command.output(options.output);
+  command.footer(
       "For a file: its kind and form, what its headers tell, and the run that it belongs to. For a run: the "
       "same of\n"
       "all its files. Example:\n  lumbarn info RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return tellAbout(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

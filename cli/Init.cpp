@@ -1,17 +1,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 #include <optional>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include "ArrayValues.h"
 #include "Commands.h"
 #include "InitFile.h"
 #include "Numbers.h"
 #include "Output.h"
 #include "PathArgument.h"
+#include "RunIndex.h"
 #include "Suggestion.h"
 #include "restart/ArrayUnits.h"
 #include "support/Text.h"
@@ -56,7 +56,7 @@ struct ListedArray {
 
 constexpr const char* kindNames[] = {"within the grid", "local to global", "local to local"};
 
-/// An INIT file, and what of it is to be shown.
+/// An INIT file, and what of it is to be shown other than values of cells.
 class InitListing {
  public:
   InitListing(const RunFamily& run, const InitOptions& options, Console& console)
@@ -69,10 +69,8 @@ class InitListing {
 
   void write(Format format, std::ostream& out) {
     if (options_.flags) return writeFlags(format, out);
-    const bool values = !options_.arrays.empty();
-    if (options_.nnc)
-      return values ? writeConnections(format, out) : writeList(connectionArrays(), format, out);
-    values ? writeValues(format, out) : writeList(cellArrays(), format, out);
+    if (!options_.nnc) return writeList(cellArrays(), format, out);
+    options_.arrays.empty() ? writeList(connectionArrays(), format, out) : writeConnections(format, out);
   }
 
  private:
@@ -173,7 +171,7 @@ class InitListing {
     table->finish();
   }
 
-  /// Places, from 1, of the arrays that the patterns choose. Throws Failure when there are none.
+  /// Places, from 1, of the connection arrays that the patterns choose. Throws Failure when there are none.
   std::vector<std::int32_t> choose(const std::vector<std::string>& names) {
     ArraySelection selection(options_.arrays, {});
     std::vector<std::int32_t> chosen;
@@ -186,68 +184,9 @@ class InitListing {
                                better.empty() ? "" : fmt::format("; did you mean \"{}\"?", better)));
     }
     if (chosen.empty())
-      throw Failure(Usage, fmt::format("nothing to show; \"lumbarn init {}{}\" lists the names",
-                                       options_.nnc ? "--nnc " : "", options_.path));
+      throw Failure(Usage,
+                    fmt::format("nothing to show; \"lumbarn init --nnc {}\" lists the names", options_.path));
     return chosen;
-  }
-
-  void writeValues(Format format, std::ostream& out) {
-    const auto number = gridNumber(init(), options_.grid);
-    const auto& grid = init().grid(number);
-    std::vector<std::string> names;
-    for (const auto& array : grid.arrays) names.push_back(array.name);
-    std::vector<Column> columns;
-    std::vector<std::vector<float>> values;
-    for (const auto place : choose(names)) {
-      const auto& array = grid.arrays[static_cast<std::size_t>(place) - 1];
-      bool qOK = false;
-      init().GetArray(number, place, options_.all, values.emplace_back(), qOK);
-      console_.checkCancelled();
-      if (!qOK) console_.giveUp(reader_.FileName, "the values of " + array.name + " cannot be had");
-      columns.push_back({array.name, true, 0, array.unit});
-    }
-    std::vector<std::int32_t> cells;
-    if (options_.ijk) {
-      cells = cellNumbers(number);
-      columns.insert(columns.begin(), {{"i", true}, {"j", true}, {"k", true}});
-    }
-    writeColumns(columns, values, cells, grid, format, out);
-  }
-
-  std::vector<std::int32_t> cellNumbers(std::int32_t number) {
-    const auto& grid = init().grid(number);
-    std::vector<std::int32_t> cells;
-    bool qOK = false;
-    if (!options_.all && grid.nActive != grid.nCells) {
-      init().GetA2N(cells, qOK, number);
-      if (!qOK) console_.giveUp(reader_.FileName, "it does not tell which cells are active");
-      return cells;
-    }
-    for (std::int32_t cell = 1; cell <= grid.nCells; ++cell) cells.push_back(cell);
-    return cells;
-  }
-
-  void writeColumns(std::vector<Column> columns, const std::vector<std::vector<float>>& values,
-                    const std::vector<std::int32_t>& cells, const GRIDINFO& grid, Format format,
-                    std::ostream& out) {
-    const std::size_t first = columns.size() - values.size();
-    for (std::size_t c = 0; format == Format::Table && c < values.size(); ++c) {
-      auto& width = columns[first + c].width;
-      for (const float value : values[c]) width = std::max(width, NumberText(value).view().size());
-    }
-    const auto table = TableWriter::make(format, columns, out);
-    for (std::size_t row = 0; row < values.front().size(); ++row) {
-      if (row % 4096 == 0) console_.checkCancelled();
-      if (options_.ijk) {
-        const std::int32_t cell = row < cells.size() ? cells[row] - 1 : 0;
-        const std::int32_t layer = grid.Nx * grid.Ny;
-        table->number(cell % grid.Nx + 1);
-        table->number(cell % layer / grid.Nx + 1);
-        table->number(cell / layer + 1);
-      }
-      for (const auto& column : values) table->number(column[row]);
-    }
-    table->finish();
   }
 
   void writeConnections(Format format, std::ostream& out) {
@@ -339,37 +278,36 @@ ExitStatus showInit(const InitOptions& options, Console& console) {
     throw Failure(Usage, fmt::format("--flags goes without {}", options.nnc ? "--nnc" : "--array"));
   const RunFamily run = findRun(options.path);
   Output output(options.output, console.out(), pathsOf(run));
-  InitListing(run, options, console).write(options.output.format, output.stream());
+  if (values && !options.nnc) {
+    const ArrayOptions arrays{options.arrays, options.grid, options.all, options.ijk};
+    ArrayReader reader(initIndex(run, console), console.session());
+    ArrayValues(reader, reader.index().steps.front(), run, arrays, console)
+        .write(options.output.format, output.stream());
+  } else {
+    InitListing(run, options, console).write(options.output.format, output.stream());
+  }
   output.commit();
   return console.doneStatus();
 }
 
 }  // namespace
 
-void addInit(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<InitOptions>();
-  CLI::App* command = app.add_subcommand(
-      "init", "List the static arrays of a run, or show values, model flags or connections");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--array", options->arrays, "Arrays to show, as PORO,NTG or PERM*")
-      ->allow_extra_args(false)
-      ->option_text("NAMES");
-  command->add_option("--grid", options->grid, "The local grid to list or show; ROOT is the global one")
-      ->option_text("LGR");
-  command->add_flag("--ijk", options->ijk, "Show the numbers i, j, k of each cell in front");
-  command->add_flag("--all", options->all,
-                    "Show all cells in natural order, inactive ones as -999, instead of the active cells");
-  command->add_flag("--flags", options->flags, "Show what the run models");
-  command->add_flag("--nnc", options->nnc,
-                    "List the connection arrays by kind, or with --array show their values");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addInit(CommandLine& line) {
+  Subcommand command(line, "init",
+                     "List the static arrays of a run, or show values, model flags or connections");
+  InitOptions& options = command.performs(showInit);
+  command.path(options.path);
+  command.repeated("--array", options.arrays, "NAMES", "Arrays to show, as PORO,NTG or PERM*");
+  command.value("--grid", options.grid, "LGR", "The local grid to list or show; ROOT is the global one");
+  command.flag("--ijk", options.ijk, "Show the numbers i, j, k of each cell in front");
+  command.flag("--all", options.all,
+               "Show all cells in natural order, inactive ones as -999, instead of the active cells");
+  command.flag("--flags", options.flags, "Show what the run models");
+  command.flag("--nnc", options.nnc, "List the connection arrays by kind, or with --array show their values");
+  command.output(options.output);
+  command.footer(
       "Names are separated by commas; options may be repeated. Example:\n"
       "  lumbarn init --array PORO,PERMX --ijk --format csv -o rock.csv RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showInit(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

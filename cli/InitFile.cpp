@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <nlohmann/json.hpp>
 
 #include "support/Text.h"
 
@@ -25,12 +26,16 @@ void checkInit(const std::string& path, Session& session, const FindingSink& rep
   if (qOK) init.getEclipseINITArrays(qOK);
   std::vector<float> values;
   for (std::int32_t grid = 1; qOK && grid <= init.nGrids(); ++grid) {
-    for (std::int32_t array = 1; array <= init.grid(grid).nVectors(); ++array) {
+    const auto& info = init.grid(grid);
+    bool numbered = true;  // one array of all cells that is not says what they all would
+    for (std::int32_t array = 1; array <= info.nVectors(); ++array) {
       if (session.cancelled()) return;
-      bool qFits = false;
       // Only arrays of all cells can turn out not to fit.
-      const auto count = init.grid(grid).arrays[static_cast<std::size_t>(array) - 1].header.count;
-      if (count != init.grid(grid).nActive) init.GetArray(grid, array, false, values, qFits);
+      const auto count = info.arrays[static_cast<std::size_t>(array) - 1].header.count;
+      if (!numbered || count == info.nActive) continue;
+      bool qFits = false;
+      init.GetArray(grid, array, false, values, qFits);
+      numbered = qFits || count != info.nCells;
     }
   }
 }

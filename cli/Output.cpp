@@ -4,11 +4,9 @@
 #include <random>
 #include <system_error>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Failure.h"
-#include "support/Text.h"
 
 namespace lumbarn::cli {
 
@@ -34,24 +32,6 @@ fs::path temporaryBeside(const fs::path& target) {
 }
 
 }  // namespace
-
-void addOutputOptions(CLI::App& command, OutputOptions& options) {
-  const auto setFormat = [&options](const std::string& word) {
-    if (equalNoCase(word, "table")) {
-      options.format = Format::Table;
-    } else if (equalNoCase(word, "csv")) {
-      options.format = Format::Csv;
-    } else if (equalNoCase(word, "json")) {
-      options.format = Format::Json;
-    } else {
-      throw CLI::ValidationError(fmt::format("--format is table, csv or json, not \"{}\"", word));
-    }
-  };
-  command.add_option_function<std::string>("--format", setFormat, "Form of the output: table, csv or json")
-      ->option_text("FORMAT");
-  command.add_option("-o,--output", options.file, "Write to FILE, which appears when it is complete")
-      ->option_text("FILE");
-}
 
 void refuseInputs(const std::string& file, std::span<const std::string> inputs) {
   std::error_code unknown;

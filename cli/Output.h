@@ -8,18 +8,13 @@
 
 #include "TableWriter.h"
 
-namespace CLI {
-class App;
-}
-
 namespace lumbarn::cli {
 
+/// What `--format` and `-o` say.
 struct OutputOptions {
   Format format = Format::Table;
   std::string file;  ///< empty: standard output
 };
-/// `--format` and `-o`.
-void addOutputOptions(CLI::App& command, OutputOptions& options);
 
 /// Throws Failure when a file to be written is one of `inputs`.
 void refuseInputs(const std::string& file, std::span<const std::string> inputs);

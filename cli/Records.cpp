@@ -1,6 +1,5 @@
 #include <memory>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
@@ -108,19 +107,13 @@ ExitStatus listRecords(const RecordsOptions& options, Console& console) {
 
 }  // namespace
 
-void addRecords(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<RecordsOptions>();
-  CLI::App* command =
-      app.add_subcommand("records", "List every record of a file: keyword, type, count, offset");
-  command->add_option("FILE", options->path, "Any record file, a damaged one too")
-      ->required()
-      ->option_text(" ");
-  command->add_flag("--stats", options->stats, "Read the data too and give the smallest and largest number");
-  addOutputOptions(*command, options->output);
-  command->footer("Offsets are bytes, counted from 0. Example:\n  lumbarn records --stats RUN.UNRST");
-  command->callback([options, &chosen] {
-    chosen = [options](Console& console) { return listRecords(*options, console); };
-  });
+void addRecords(CommandLine& line) {
+  Subcommand command(line, "records", "List every record of a file: keyword, type, count, offset");
+  RecordsOptions& options = command.performs(listRecords);
+  command.path(options.path, "Any record file, a damaged one too", "FILE");
+  command.flag("--stats", options.stats, "Read the data too and give the smallest and largest number");
+  command.output(options.output);
+  command.footer("Offsets are bytes, counted from 0. Example:\n  lumbarn records --stats RUN.UNRST");
 }
 
 }  // namespace lumbarn::cli

@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <memory>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "ArrayValues.h"
@@ -157,30 +155,21 @@ ExitStatus showRestart(const RestartOptions& options, Console& console) {
 
 }  // namespace
 
-void addRestart(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<RestartOptions>();
-  CLI::App* command =
-      app.add_subcommand("restart", "List the steps and arrays of a restart, or show values of arrays");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--step", options->step, "The report step to list or show")->option_text("N");
-  command->add_option("--array", options->arrays.names, "Arrays to show, as PRESSURE,SWAT or S*")
-      ->allow_extra_args(false)
-      ->option_text("NAMES");
-  command
-      ->add_option("--grid", options->arrays.grid, "The local grid to list or show; ROOT is the global one")
-      ->option_text("LGR");
-  command->add_flag("--ijk", options->arrays.ijk, "Show the numbers i, j, k of each cell in front");
-  command->add_flag("--all", options->arrays.all,
-                    "Show all cells in natural order, inactive ones as -999, instead of the active cells");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addRestart(CommandLine& line) {
+  Subcommand command(line, "restart", "List the steps and arrays of a restart, or show values of arrays");
+  RestartOptions& options = command.performs(showRestart);
+  command.path(options.path);
+  command.value("--step", options.step, "N", "The report step to list or show");
+  command.repeated("--array", options.arrays.names, "NAMES", "Arrays to show, as PRESSURE,SWAT or S*");
+  command.value("--grid", options.arrays.grid, "LGR",
+                "The local grid to list or show; ROOT is the global one");
+  command.flag("--ijk", options.arrays.ijk, "Show the numbers i, j, k of each cell in front");
+  command.flag("--all", options.arrays.all,
+               "Show all cells in natural order, inactive ones as -999, instead of the active cells");
+  command.output(options.output);
+  command.footer(
       "Names are separated by commas; options may be repeated. Example:\n"
       "  lumbarn restart --step 5 --array PRESSURE,SWAT --ijk --format csv -o step5.csv RUN");
-  command->callback([options, &chosen] {
-    chosen = [options](Console& console) { return showRestart(*options, console); };
-  });
 }
 
 }  // namespace lumbarn::cli

@@ -1,9 +1,8 @@
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <unordered_map>
 #include <variant>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
@@ -36,15 +35,6 @@ struct RftOptions {
   }
 };
 
-/// A check of CLI11, in our words.
-CLI::Validator countsFromOne() {
-  const auto check = [](const std::string& word) {
-    const auto number = toInteger(word);
-    return number && *number >= 1 ? "" : fmt::format("needs a number from 1, not \"{}\"", word);
-  };
-  return {check, ""};
-}
-
 /// Throws Failure for tables that do not go together.
 void checkTogether(const RftOptions& options) {
   const int tables = (options.plt || options.branch != 0 ? 1 : 0) + (options.icd != 0 ? 1 : 0) +
@@ -64,6 +54,8 @@ RunMember testFile(const RunFamily& run) {
       return found;
     }
     if (file->kind == FileKind::Unknown) {
+      std::string why;
+      if (!FileSource::open(file->path, why)) throw Failure(Usage, file->path + ": " + why);
       throw Failure(Usage, file->path + ": is no RFT file, and no text that RFT or PLT opens");
     }
   }
@@ -176,9 +168,12 @@ void writeCaption(const TestSummary& test, std::ostream& out) {
 
 void writeTable(const std::vector<TestColumn>& columns, Format format, std::ostream& out) {
   std::vector<Column> heads;
+  std::unordered_map<std::string_view, int> timesSeen;  // connections have cells in both tables of a PLT
   for (const TestColumn& column : columns) {
-    heads.push_back({column.name, holdsNumbers(column.values),
-                     format == Format::Table ? widthOf(column.values) : 0, column.units});
+    const int times = ++timesSeen[column.name];
+    heads.push_back({times == 1 ? column.name : fmt::format("{}#{}", column.name, times),
+                     holdsNumbers(column.values), format == Format::Table ? widthOf(column.values) : 0,
+                     column.units});
   }
   const auto table = TableWriter::make(format, std::move(heads), out);
   const std::size_t rows = columns.empty() ? 0 : rowsOf(columns[0].values);
@@ -264,31 +259,23 @@ ExitStatus showTests(const RftOptions& options, Console& console) {
 
 }  // namespace
 
-void addRft(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<RftOptions>();
-  CLI::App* command = app.add_subcommand("rft", "List the well tests of a run, or show the tables of one");
-  command
-      ->add_option("PATH", options->path,
-                   "A file of the run, its root name or its folder, or a text file of measured tests")
-      ->required()
-      ->option_text(" ");
-  const auto addNumber = [command](const char* name, std::int32_t& number, const char* description) {
-    command->add_option(name, number, description)->check(countsFromOne())->option_text("N");
-  };
-  addNumber("--test", options->test, "Show the table of one test, by its number in the list");
-  command->add_flag("--plt", options->plt, "Show its rates along the well (PLT)");
-  addNumber("--branch", options->branch, "Show the segments of one branch; with --plt its connections");
-  addNumber("--icd", options->icd,
-            "Show the inflow control devices that empty into one branch of the tubing");
-  command->add_flag("--segments", options->segments, "Show all segments");
-  command->add_flag("--all", options->all, "Show every array of the test, or of all, a line for each value");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addRft(CommandLine& line) {
+  Subcommand command(line, "rft", "List the well tests of a run, or show the tables of one");
+  RftOptions& options = command.performs(showTests);
+  command.path(options.path,
+               "A file of the run, its root name or its folder, or a text file of measured tests");
+  command.ordinal("--test", options.test, "Show the table of one test, by its number in the list");
+  command.flag("--plt", options.plt, "Show its rates along the well (PLT)");
+  command.ordinal("--branch", options.branch, "Show the segments of one branch; with --plt its connections");
+  command.ordinal("--icd", options.icd,
+                  "Show the inflow control devices that empty into one branch of the tubing");
+  command.flag("--segments", options.segments, "Show all segments");
+  command.flag("--all", options.all, "Show every array of the test, or of all, a line for each value");
+  command.output(options.output);
+  command.footer(
       "Units stand below the names; csv and json have the names alone, --all has units in them too. "
       "Example:\n"
       "  lumbarn rft --test 2 --plt --branch 1 --format csv RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showTests(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

@@ -13,19 +13,19 @@
 namespace lumbarn::cli {
 namespace {
 
-void addCommands(CLI::App& app, Action& chosen) {
-  addInfo(app, chosen);
-  addRecords(app, chosen);
-  addCheck(app, chosen);
-  addVectors(app, chosen);
-  addSummary(app, chosen);
-  addRft(app, chosen);
-  addGrid(app, chosen);
-  addWells(app, chosen);
-  addRestart(app, chosen);
-  addIndex(app, chosen);
-  addInit(app, chosen);
-  addTables(app, chosen);
+void addCommands(CommandLine line) {
+  addInfo(line);
+  addRecords(line);
+  addCheck(line);
+  addVectors(line);
+  addSummary(line);
+  addRestart(line);
+  addWells(line);
+  addInit(line);
+  addTables(line);
+  addGrid(line);
+  addRft(line);
+  addIndex(line);
 }
 
 /// The subcommand that was given, or the command itself.
@@ -88,7 +88,7 @@ int run(std::span<const std::string> args, std::ostream& out, std::ostream& err,
   app.footer("Example: lumbarn info RUN.SMSPEC\n\"lumbarn SUBCOMMAND --help\" tells more about each.");
   app.require_subcommand(0, 1);
   Action chosen;
-  addCommands(app, chosen);
+  addCommands({app, chosen});
   try {
     app.parse(std::vector<std::string>(args.rbegin(), args.rend()));
   } catch (const CLI::ParseError& error) {

@@ -5,12 +5,15 @@
 #include <optional>
 #include <set>
 
+#include <nlohmann/json.hpp>
+
 #include "InitFile.h"
 #include "RecordData.h"
 #include "WellTestFile.h"
 #include "files/Recogniser.h"
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
+#include "support/Text.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -186,13 +189,15 @@ Facts testFacts(const RunFamily& run, Console& console) {
     const RecordHeader& header = cursor.header();
     if (header.keyword == "TIME") ++tests;
     if (header.is("WELLETC", ElementType::Text) && header.count > std::int64_t{wellName}) {
-      wells.insert(cursor.texts()[wellName]);
+      wells.emplace(trim(cursor.texts()[wellName]));
     }
     if (header.keyword != "DATE") return;
     const auto date = firstWords(cursor, 3);
     if (date.size() < 3) return;
-    last = makeMoment(date[2], date[1], date[0]);
-    if (!first) first = last;
+    const auto day = makeMoment(date[2], date[1], date[0]);
+    if (!day) return;
+    first = first ? std::min(first, day) : day;
+    last = std::max(last, day);
   });
   Facts facts = {{"tests", tests}, {"wells", wells}};
   if (first) facts["first_date"] = isoText(*first, true);

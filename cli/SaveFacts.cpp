@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "Failure.h"
 #include "RunFacts.h"
 #include "restart/qvEclipseSAVE.h"

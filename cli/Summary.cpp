@@ -1,8 +1,6 @@
 #include <algorithm>
 #include <iterator>
-#include <memory>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include "Commands.h"
@@ -202,35 +200,25 @@ ExitStatus showSummary(const SummaryOptions& options, Console& console) {
 
 }  // namespace
 
-void addSummary(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<SummaryOptions>();
-  CLI::App* command = app.add_subcommand("summary", "Show summary data, one column for each vector");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  const auto addPatterns = [command](const char* name, std::vector<std::string>& patterns,
-                                     const char* description) {
-    // One list to each option, so that the path may stand behind it.
-    command->add_option(name, patterns, description)->allow_extra_args(false)->option_text("PATTERNS");
-  };
-  addPatterns("--vectors", options->vectors,
-              "Vectors to show, as WOPR:* or BPR:10,4,3; * and ? match any characters");
-  addPatterns("--except", options->except, "Vectors to leave out; TIME is shown unless it is one of them");
-  command->add_option("--steps", options->steps, "Report steps to show: 3:7, 3:, :7 or 3")
-      ->option_text("A:B");
-  command->add_flag("--restart", options->restart, "Show the runs that this one restarted from too");
-  command->add_flag("--report-steps", options->reportSteps, "Show only the last row of each report step");
-  command->add_flag("--dates", options->dates, "Show the date of each row in front");
-  command->add_flag("--keep-duplicates", options->keepDuplicates,
-                    "Show vectors whose name occurs before too, with #2 and so on behind the name");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addSummary(CommandLine& line) {
+  Subcommand command(line, "summary", "Show summary data, one column for each vector");
+  SummaryOptions& options = command.performs(showSummary);
+  command.path(options.path);
+  command.repeated("--vectors", options.vectors, "PATTERNS",
+                   "Vectors to show, as WOPR:* or BPR:10,4,3; * and ? match any characters");
+  command.repeated("--except", options.except, "PATTERNS",
+                   "Vectors to leave out; TIME is shown unless it is one of them");
+  command.value("--steps", options.steps, "A:B", "Report steps to show: 3:7, 3:, :7 or 3");
+  command.flag("--restart", options.restart, "Show the runs that this one restarted from too");
+  command.flag("--report-steps", options.reportSteps, "Show only the last row of each report step");
+  command.flag("--dates", options.dates, "Show the date of each row in front");
+  command.flag("--keep-duplicates", options.keepDuplicates,
+               "Show vectors whose name occurs before too, with #2 and so on behind the name");
+  command.output(options.output);
+  command.footer(
       "Patterns are separated by commas; options may be repeated. Values that are not numbers are empty in\n"
       "csv and null in json. Example:\n  lumbarn summary --vectors 'FOPR,WBHP:*' --dates --format csv -o "
       "rates.csv RUN");
-  command->callback([options, &chosen] {
-    chosen = [options](Console& console) { return showSummary(*options, console); };
-  });
 }
 
 }  // namespace lumbarn::cli

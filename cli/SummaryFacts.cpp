@@ -1,5 +1,7 @@
 #include <map>
 
+#include <nlohmann/json.hpp>
+
 #include "Failure.h"
 #include "PathArgument.h"
 #include "RunFacts.h"

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include <nlohmann/json.hpp>
-
 #include "Console.h"
+#include "Facts.h"
 #include "Numbers.h"
 
 namespace lumbarn::cli {
@@ -43,20 +42,16 @@ class JsonWriter final : public TableWriter {
   using TableWriter::TableWriter;
 
  private:
-  /// Names and texts of files may be in any encoding; what is no UTF-8 is replaced, as JSON must be UTF-8.
-  static std::string quoted(std::string_view text) {
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-  }
   void begin() override {
     buffer_ += '[';
-    for (const Column& column : columns_) keys_.push_back(quoted(column.name) + ':');
+    for (const Column& column : columns_) keys_.push_back(quotedJson(column.name) + ':');
   }
   void put(std::size_t column, Cell cell, std::string_view value) override {
     if (column > 0) buffer_ += ',';
     if (column == 0) buffer_ += anyRow_ ? ",\n{" : "\n{";
     buffer_ += keys_[column];
     if (cell == Cell::Text) {
-      buffer_ += quoted(value);
+      buffer_ += quotedJson(value);
     } else {
       buffer_ += cell == Cell::Number ? value : "null";
     }

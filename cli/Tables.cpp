@@ -1,7 +1,6 @@
 #include <algorithm>
-#include <memory>
+#include <optional>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -18,7 +17,7 @@ namespace {
 struct TablesOptions {
   std::string path;
   std::string table;
-  std::int32_t number = 1;
+  std::optional<std::int32_t> number;
   OutputOptions output;
 };
 
@@ -79,11 +78,11 @@ void writeTable(const PhysicalTable& physical, double null, Format format, std::
 /// The table that was asked for. Throws Failure, with the tables that there are.
 PhysicalTable tableOf(const qvEclipseReader& reader, const TablesOptions& options) {
   bool qOK = false;
-  auto table = reader.GetINITPhysicalTable(options.table, options.number, qOK);
+  const std::int32_t number = options.number.value_or(1);
+  auto table = reader.GetINITPhysicalTable(options.table, number, qOK);
   if (qOK) return table;
   if (const auto count = reader.NumberTables(options.table); count > 0)
-    throw Failure(Usage,
-                  fmt::format("no table {} of {}; it has {}", options.number, upper(options.table), count));
+    throw Failure(Usage, fmt::format("no table {} of {}; it has {}", number, upper(options.table), count));
   std::vector<std::string> names;
   std::int32_t nNames = 0;
   reader.GetTableTypes(names, nNames, qOK);
@@ -91,6 +90,7 @@ PhysicalTable tableOf(const qvEclipseReader& reader, const TablesOptions& option
 }
 
 ExitStatus showTables(const TablesOptions& options, Console& console) {
+  if (options.number && options.table.empty()) throw Failure(Usage, "--number goes with --table");
   const RunFamily run = findRun(options.path);
   Output output(options.output, console.out(), pathsOf(run));
   qvEclipseReader reader(console.session());
@@ -112,23 +112,16 @@ ExitStatus showTables(const TablesOptions& options, Console& console) {
 
 }  // namespace
 
-void addTables(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<TablesOptions>();
-  CLI::App* command =
-      app.add_subcommand("tables", "List the simulation tables of a run's INIT file, or show one");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--table", options->table, "The table to show, as PVTO")->option_text("NAME");
-  command
-      ->add_option("--number", options->number,
-                   "Which one, from 1, where there are several; the first if not given")
-      ->option_text("N");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addTables(CommandLine& line) {
+  Subcommand command(line, "tables", "List the simulation tables of a run's INIT file, or show one");
+  TablesOptions& options = command.performs(showTables);
+  command.path(options.path);
+  command.value("--table", options.table, "NAME", "The table to show, as PVTO");
+  command.value("--number", options.number, "N",
+                "Which one, from 1, where there are several; the first if not given");
+  command.output(options.output);
+  command.footer(
       "Values are as a deck has them, in the units of the run. Example:\n  lumbarn tables --table PVTO RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showTables(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

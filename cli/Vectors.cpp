@@ -1,7 +1,4 @@
 #include <array>
-#include <memory>
-
-#include <CLI/CLI.hpp>
 
 #include "Commands.h"
 #include "Output.h"
@@ -54,20 +51,14 @@ ExitStatus listVectors(const VectorsOptions& options, Console& console) {
 
 }  // namespace
 
-void addVectors(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<VectorsOptions>();
-  CLI::App* command =
-      app.add_subcommand("vectors", "List the vectors of a summary, with units and descriptions");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_flag("--keep-duplicates", options->keepDuplicates,
-                    "Show vectors whose name occurs before too, with #2 and so on behind the name");
-  addOutputOptions(*command, options->output);
-  command->footer("Example:\n  lumbarn vectors --format csv RUN");
-  command->callback([options, &chosen] {
-    chosen = [options](Console& console) { return listVectors(*options, console); };
-  });
+void addVectors(CommandLine& line) {
+  Subcommand command(line, "vectors", "List the vectors of a summary, with units and descriptions");
+  VectorsOptions& options = command.performs(listVectors);
+  command.path(options.path);
+  command.flag("--keep-duplicates", options.keepDuplicates,
+               "Show vectors whose name occurs before too, with #2 and so on behind the name");
+  command.output(options.output);
+  command.footer("Example:\n  lumbarn vectors --format csv RUN");
 }
 
 }  // namespace lumbarn::cli

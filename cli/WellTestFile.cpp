@@ -1,6 +1,7 @@
 #include "WellTestFile.h"
 
 #include <numeric>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -34,16 +35,29 @@ void checkBranch(const TestSummary& test, std::int32_t branch, std::int32_t coun
                                    count == 1 ? "" : "es", branch));
 }
 
+/// Faults that end part of a test are told as diagnoses too, in words that mean more to people.
+bool load(qvEclipseReader& reader, const std::string& path, FileKind kind, Console& console) {
+  reader.FileName = path;
+  reader.whichtype = whichtypeOf(kind);
+  const auto reporter = std::exchange(console.session().faultReporter, nullptr);
+  bool qOK = false;
+  reader.ECLReadData(qOK);
+  console.session().faultReporter = reporter;
+  console.checkCancelled();
+  return qOK;
+}
+
 class SimulatorTests final : public WellTestFile {
  public:
   SimulatorTests(const std::string& path, Console& console) : path_(path), console_(console) {
-    reader_.FileName = path;
-    reader_.whichtype = 18;
+    if (!load(reader_, path, FileKind::Rft, console))
+      console.giveUp(path, "no well tests can be read from it");
+    // The second way through the file meets what the first has told.
+    const auto sink = std::exchange(console.session().diagnosisSink, nullptr);
     bool qOK = false;
-    reader_.ECLReadData(qOK);
-    console.checkCancelled();
-    if (!qOK) console.giveUp(path, "no well tests can be read from it");
     records_ = reader_.ListRFTTests(qOK);
+    console.session().diagnosisSink = sink;
+    console.checkCancelled();
     const auto count = std::min(records_.size(), static_cast<std::size_t>(reader_.NumberRFTTests()));
     for (std::size_t i = 0; i < count; ++i) tests_.push_back(summaryOf(records_[i]));
   }
@@ -113,6 +127,8 @@ class SimulatorTests final : public WellTestFile {
       reader_.GetBRANCHtest(test, values, headers, iNumber, zDate, zWell, zGrid, qOK, branch);
     if (kind == TestTableKind::Icd)
       reader_.GetICDBRANCHtest(test, values, headers, iNumber, zDate, zWell, zGrid, qOK, branch);
+    if (!qOK && kind == TestTableKind::PltBranch)
+      throw Failure(Usage, fmt::format("test {} has no connections to show of PLT branch {}", test, branch));
     if (!qOK) console_.giveUp(path_, fmt::format("test {} cannot be shown so", test));
     return columnsOf(values, headers);
   }
@@ -156,15 +172,7 @@ class UserTests final : public WellTestFile {
  public:
   UserTests(const std::string& path, FileKind kind, Console& console) : kind_(kind) {
     qvEclipseReader reader(console.session());
-    reader.FileName = path;
-    reader.whichtype = whichtypeOf(kind);
-    // What ends the reading of a text is told as a diagnosis, in words that mean more to people.
-    const auto reporter = std::exchange(console.session().faultReporter, nullptr);
-    bool qOK = false;
-    reader.ECLReadData(qOK);
-    console.session().faultReporter = reporter;
-    console.checkCancelled();
-    if (!qOK) console.giveUp(path, "no tests can be read from it");
+    if (!load(reader, path, kind, console)) console.giveUp(path, "no tests can be read from it");
     records_ = reader.ListUserTests();
     for (const UserTest& test : records_) {
       tests_.push_back({.number = test.number,

@@ -1,13 +1,12 @@
 #include <algorithm>
 #include <cstdlib>
-#include <memory>
 #include <optional>
 #include <utility>
 #include <variant>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <nlohmann/json.hpp>
 
 #include "Commands.h"
 #include "Facts.h"
@@ -221,7 +220,7 @@ class StepWells {
   void write(Format format, std::ostream& out) const {
     if (format == Format::Table) return writeTables(out);
     if (format == Format::Csv) return writeRows(out);
-    out << facts().dump(2, ' ', false, Facts::error_handler_t::replace) << "\n";
+    writeFacts(facts(), Format::Json, out);
   }
 
  private:
@@ -382,22 +381,17 @@ ExitStatus showWells(const WellsOptions& options, Console& console) {
 
 }  // namespace
 
-void addWells(CLI::App& app, Action& chosen) {
-  auto options = std::make_shared<WellsOptions>();
-  CLI::App* command = app.add_subcommand("wells", "Show the wells of a report step with their connections");
-  command->add_option("PATH", options->path, "A file of the run, its root name or its folder")
-      ->required()
-      ->option_text(" ");
-  command->add_option("--step", options->step, "Report step to show; the last one when not given")
-      ->option_text("N");
-  command->add_option("--grid", options->grid, "Local grid whose wells to show")->option_text("LGR");
-  addOutputOptions(*command, options->output);
-  command->footer(
+void addWells(CommandLine& line) {
+  Subcommand command(line, "wells", "Show the wells of a report step with their connections");
+  WellsOptions& options = command.performs(showWells);
+  command.path(options.path);
+  command.value("--step", options.step, "N", "Report step to show; the last one when not given");
+  command.value("--grid", options.grid, "LGR", "Local grid whose wells to show");
+  command.output(options.output);
+  command.footer(
       "Csv has one row for each connection, with its well in front. A word or number that is not known to "
       "mean\n"
       "anything is left out. Example:\n  lumbarn wells --step 5 RUN");
-  command->callback(
-      [options, &chosen] { chosen = [options](Console& console) { return showWells(*options, console); }; });
 }
 
 }  // namespace lumbarn::cli

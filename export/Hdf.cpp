@@ -107,7 +107,7 @@ hid_t typeOf<std::uint8_t>() {
 }
 
 Handle createFile(const std::string& path) {
-  return {H5Fcreate(path.c_str(), H5F_ACC_EXCL, H5P_DEFAULT, H5P_DEFAULT), H5Fclose, path};
+  return {H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT), H5Fclose, path};
 }
 
 Handle createGroup(const Handle& parent, const std::string& name) {

@@ -13,6 +13,7 @@
 #include "grid/CellGeometry.h"
 #include "grid/Hadrick.h"
 #include "support/Guarded.h"
+#include "support/System.h"
 
 namespace lumbarn {
 namespace {
@@ -41,6 +42,10 @@ class TemporaryFile {
     std::random_device random;
     path_ =
         target_.parent_path() / ("." + target_.filename().string() + fmt::format(".{:08x}.tmp", random()));
+    // The system's words for what HDF5 would tell with its own flags and numbers.
+    std::string error;
+    if (!OutputFile(path_.string(), error).isOpen())
+      throw BadRecord({.problem = "cannot be written", .found = error});
   }
   ~TemporaryFile() {
     std::error_code unknown;

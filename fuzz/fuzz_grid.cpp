@@ -5,6 +5,7 @@
 
 #include "Checks.h"
 #include "RecordMutator.h"
+#include "grid/PointLocator.h"
 #include "grid/qvGRIDReader.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
@@ -14,6 +15,7 @@ namespace {
 using namespace lumbarn;
 
 constexpr std::size_t rowItems = Hadrick::rowItems;
+constexpr std::int32_t mostCells = 5000;  // enough of a large grid
 
 struct Read {
   Session session;
@@ -45,6 +47,32 @@ std::vector<float> activeRows(const Hadrick& grid) {
 
 bool sameBits(std::span<const float> a, std::span<const float> b) {
   return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size_bytes()) == 0);
+}
+
+/// Of the active cells of a grid that is not too large.
+std::vector<double> activeVolumes(const Hadrick& grid) {
+  if (grid.nCells() > mostCells) return {};
+  std::vector<double> all(static_cast<std::size_t>(grid.nCells()));
+  cellVolumes(grid, 1, all);
+  std::vector<double> active;
+  for (std::int32_t n = 1; n <= grid.nActive(); ++n)
+    active.push_back(all[static_cast<std::size_t>(grid.cellOf(n)) - 1]);
+  return active;
+}
+
+/// What is found holds the point.
+void checkLocator(const Hadrick& grid) {
+  if (grid.nCells() > mostCells) return;
+  const PointLocator locator(grid);
+  forEachCell(grid, CellChoice::Active, [&](std::int32_t, CellCorners corners) {
+    const Point centre = cellCentre(corners);
+    float row[rowItems];
+    const auto found = locator.find(centre);
+    fuzz::check(
+        found == 0 || (grid.activeOf(found) > 0 && grid.corners(found, row) && cellContains(row, centre)),
+        "the cell that was found holds the point");
+    fuzz::check(found > 0 || !cellContains(corners, centre), "a cell that holds the point is found");
+  });
 }
 
 void checkRelations(const qvGRIDReader& reader, const Hadrick& grid) {
@@ -79,7 +107,7 @@ void checkCells(const Hadrick& grid) {
       fuzz::check(sameBits(row, std::span(rows).subspan(from, rowItems)),
                   "bulk and single rows are the same");
     }
-    if (cell == 5000) return;  // enough of a large one
+    if (cell == mostCells) return;
   }
   fuzz::check(number == grid.nActive(), "active cells are counted");
   std::vector<float> all(rowItems * static_cast<std::size_t>(grid.nCells()));
@@ -108,6 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const auto& grid : plain.reader.xGrids) {
     checkRelations(plain.reader, *grid);
     checkCells(*grid);
+    checkLocator(*grid);
   }
   const Read packed(bytes, *detected, options | 1);
   for (const auto& grid : packed.reader.xGrids) checkCells(*grid);
@@ -120,6 +149,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!a.coarseBlocks().empty()) continue;
     fuzz::check(a.nActive() == b.nActive() && sameBits(activeRows(a), activeRows(b)),
                 "active cells are the same, compressed or not");
+    const auto volumes = activeVolumes(a);
+    const auto same = activeVolumes(b);
+    fuzz::check(volumes.size() == same.size() &&
+                    (volumes.empty() || std::memcmp(volumes.data(), same.data(), 8 * volumes.size()) == 0),
+                "volumes are the same, compressed or not");
   }
   return 0;
 }

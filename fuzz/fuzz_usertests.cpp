@@ -53,8 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   session.faultReporter = [&](std::string_view) { reported = true; };
   LineReader reader(source, "fuzz input");
   qvUserRFT file(session);
-  bool qRead = true;
   do {
+    bool qRead = false;
+    reported = false;
     auto test = std::make_shared<qvUserRFTtest>(session);
     kind == UserTestKind::Rft ? test->getUserRFTtest(reader, qRead) : test->getUserPLTtest(reader, qRead);
     fuzz::check(qRead != test->qDamaged, "a text is read unless a row is too short");
@@ -63,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkTest(*test, kind, size);
     bool qAdded = false;
     file.addRFTtest(std::move(test), qAdded);
-  } while (qRead && !reader.atEnd());
+  } while (!reader.atEnd());
   bool qNumbered = false;
   file.setRFTtestNumbers(qNumbered);
   fuzz::check(qNumbered && !file.tests(kind).empty(), "tests can be had");

@@ -43,9 +43,8 @@ template <class Corner>
 
 [[gnu::always_inline]] inline void volumesOf(const CellBlock& block, double* volumes, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) {
-    volumes[i] = volumeOf([&block, i ](std::size_t corner, std::size_t axis) __attribute__((always_inline)) {
-      return double{block.items[3 * corner + axis][i]};
-    });
+    volumes[i] = volumeOf([&block, i ](std::size_t corner, std::size_t axis)
+                              __attribute__((always_inline)) { return block.items[3 * corner + axis][i]; });
   }
 }
 // The same loop twice: for any machine, and for those with wide registers.

@@ -57,8 +57,8 @@ void cellVolumes(std::span<const float> corners, std::span<double> volumes);
 /// Corners of several cells side by side, as wide registers take them: first 3 * corner + axis, both from 0,
 /// then the cell.
 struct CellBlock {
-  static constexpr std::size_t cells = 128;
-  float items[24][cells];
+  static constexpr std::size_t cells = 64;
+  double items[24][cells];
 };
 /// The volumes of the first `volumes.size()` cells of a block, likewise.
 void cellVolumes(const CellBlock& block, std::span<double> volumes);

@@ -13,7 +13,9 @@ namespace lumbarn {
 enum class CellChoice { Active, All };
 
 /// The volumes of consecutive cells from a number on, from 1, which must be there (Fault 9). Signed as
-/// `cellVolume` has it; 0 for a cell without corners.
+/// `cellVolume` has it; 0 for a cell without corners. Of a grid with pillars and depths they are worked out
+/// in double, so that large map coordinates cost no digits, as they do in corners that are rounded to
+/// singles.
 void cellVolumes(const Hadrick& grid, std::int32_t iFirstCell, std::span<double> volumes);
 
 /// The box round all cells, those with coordinates that are not finite left aside; empty when there is none.

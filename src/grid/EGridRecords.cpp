@@ -5,7 +5,6 @@
 #include <string>
 #include <utility>
 
-#include "../support/Text.h"
 #include "qvGridProcessor.h"
 
 namespace lumbarn {
@@ -55,7 +54,6 @@ bool EGridRecords::take() {
     return true;
   }
   if (header.is("FILEHEAD", ElementType::Integer)) takeFileHead();
-  if (header.is("LGRPARNT", ElementType::Text)) takeLocalParent();
   if (header.is("COORD", ElementType::Single)) takeCoord();
   if (header.is("COORDSYS", ElementType::Integer)) pending_.coordSystem = set_.cursor().integers();
   if (header.is("ZCORN", ElementType::Single)) takeZcorn();
@@ -91,8 +89,9 @@ void EGridRecords::takeGridHead() {
   const std::array<std::array<std::size_t, 2>, 6> kept{
       {{2, 28}, {3, 29}, {4, 30}, {7, 31}, {6, 32}, {5, 33}}};
   for (const auto& [to, from] : kept) index[to - 1] = word(words, from);
+  // The last layer inside the host, which the second system moves down by the layers of the first.
   if (dual && index[4] >= 1) {
-    const auto both = static_cast<std::int64_t>(index[4]) + index[3];
+    const auto both = static_cast<std::int64_t>(index[4]) + words[3];
     index[4] = static_cast<std::int32_t>(std::clamp<std::int64_t>(both, INT32_MIN, INT32_MAX));
   }
   index[8] = grid.Nx();
@@ -141,12 +140,6 @@ void EGridRecords::takeZcorn() {
     set_.fail("record does not go with the sizes of the grid", whole, header.count);
   }
   pending_.zcorn = header;
-}
-
-void EGridRecords::takeLocalParent() {
-  const auto words = set_.cursor().texts();
-  const auto name = words.empty() ? std::string_view() : trim(words.front());
-  set_.current().zParent = name.empty() ? "ROOT" : std::string(name);
 }
 
 /// An array with one integer for each cell: of a radial grid perhaps for fewer angles, with two porosity

@@ -34,7 +34,6 @@ class EGridRecords {
   void takeGridHead();
   void takeCoord();
   void takeZcorn();
-  void takeLocalParent();
   std::vector<std::int32_t> cellArray();
   std::vector<std::int32_t> bothPorosities(std::vector<std::int32_t> values);
   void needSizes() const;

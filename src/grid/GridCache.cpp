@@ -9,6 +9,7 @@
 
 #include "../record/ByteSource.h"
 #include "../support/Fault.h"
+#include "../support/ReadBuffer.h"
 #include "../support/System.h"
 
 namespace lumbarn {
@@ -61,11 +62,11 @@ class Checksum {
 
 /// The sum of the first bytes of a source; nothing when it cannot be read to there.
 std::optional<std::uint64_t> sumOf(const ByteSource& source, std::uint64_t bytes) {
-  std::vector<std::byte> buffer(pieceBytes);
+  ReadBuffer buffer(pieceBytes);
   Checksum sum;
   for (std::uint64_t at = 0; at < bytes;) {
-    const auto part =
-        std::span(buffer).first(static_cast<std::size_t>(std::min<std::uint64_t>(pieceBytes, bytes - at)));
+    const std::span part(buffer.data(),
+                         static_cast<std::size_t>(std::min<std::uint64_t>(pieceBytes, bytes - at)));
     if (source.readAt(at, part) != part.size()) return {};
     sum.add(part);
     at += part.size();
@@ -235,33 +236,44 @@ struct GridCache::Source {
   bool operator==(const Source&) const = default;
 };
 
+GridCache::GridCache(std::string path, const qvGRIDReader& reader, Session& session)
+    : path_(std::move(path)), reader_(&reader), session_(&session), made_(stamp()) {}
+
+GridCache::Stamp GridCache::stamp() const {
+  std::error_code unknown;
+  const auto size = std::filesystem::file_size(reader_->FileName, unknown);
+  const auto time = std::filesystem::last_write_time(reader_->FileName, unknown);
+  return {size, static_cast<std::int64_t>(time.time_since_epoch().count())};
+}
+
 GridCache::Source GridCache::source() const {
   Source facts;
   std::string error;
   const auto file = FileSource::open(reader_->FileName, error);
-  if (!file) throw Fault(FaultNumber::FileNotFound);
+  if (!file) return facts;  // which no cache agrees with
   facts.options =
       (reader_->CompressOnLoad ? 1U : 0U) + (reader_->NoInactive ? 2U : 0U) + (reader_->Coarsened ? 4U : 0U);
   facts.size = file->size();
-  std::error_code ignored;
-  facts.time = static_cast<std::int64_t>(
-      std::filesystem::last_write_time(reader_->FileName, ignored).time_since_epoch().count());
+  facts.time = stamp().time;
   facts.sum = sumOf(*file, facts.size).value_or(0);
   return facts;
 }
 
-bool GridCache::refuse(std::string_view problem, std::string_view found) const {
+bool GridCache::refuse(std::string_view problem, std::string_view found, std::string_view action) const {
   session_->diagnose(Diagnosis{.path = path_,
                                .problem = std::string(problem),
                                .found = std::string(found),
-                               .action = "read the grid file itself"});
+                               .action = std::string(action)});
   return false;
 }
 
 /// The cache file, when it is whole and goes with the grid file; else null.
 std::unique_ptr<ByteSource> GridCache::open(std::uint64_t& end) const {
   std::string error;
-  if (path_.empty() || !std::filesystem::exists(path_)) return nullptr;
+  std::error_code unknown;
+  if (path_.empty() ||
+      std::filesystem::status(path_, unknown).type() == std::filesystem::file_type::not_found)
+    return nullptr;
   std::unique_ptr<ByteSource> file = FileSource::open(path_, error);
   if (!file) {
     refuse("grid cache cannot be read", error);
@@ -315,26 +327,25 @@ bool GridCache::load(std::vector<std::shared_ptr<Hadrick>>& grids) const {
 
 /// Written beside its place and put there when it is whole, so that no other process ever sees a part of it.
 bool GridCache::save(const std::vector<std::shared_ptr<Hadrick>>& grids) const {
+  constexpr std::string_view none = "kept no cache";
   const std::string part = path_ + ".part";
   std::string error;
   std::error_code failed;
   OutputFile file(part, error);
-  bool good = file.isOpen();
-  if (good) {
-    CacheWriter out(file);
-    out.put(source());
-    out.put(static_cast<std::uint64_t>(grids.size()));
-    for (const auto& grid : grids) putGrid(out, *grid);
-    good = out.finish();
-  }
-  if (good) std::filesystem::rename(part, path_, failed);
-  if (good && !failed) return true;
-  if (file.isOpen() || good) std::filesystem::remove(part, failed);
-  session_->diagnose(Diagnosis{.path = path_,
-                               .problem = "grid cache cannot be written",
-                               .found = error.empty() ? "disk full or folder missing" : error,
-                               .action = "kept no cache"});
-  return false;
+  if (!file.isOpen()) return refuse("grid cache cannot be written", error, none);
+  CacheWriter out(file);
+  const Source facts = source();
+  out.put(facts);
+  out.put(static_cast<std::uint64_t>(grids.size()));
+  for (const auto& grid : grids) putGrid(out, *grid);
+  const bool written = out.finish();
+  const bool same = Stamp{facts.size, facts.time} == made_;
+  if (written && same) std::filesystem::rename(part, path_, failed);
+  if (written && same && !failed) return true;
+  std::error_code ignored;
+  std::filesystem::remove(part, ignored);
+  if (!same) return refuse("grid file has changed while it was read", "", none);
+  return refuse("grid cache cannot be written", failed ? failed.message() : "no room on the disk", none);
 }
 
 }  // namespace lumbarn

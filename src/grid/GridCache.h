@@ -18,9 +18,9 @@ namespace lumbarn {
 /// docs/formats/grid.md tells the layout.
 class GridCache {
  public:
-  /// The cache file, and the reader with file name and options.
-  GridCache(std::string path, const qvGRIDReader& reader, Session& session)
-      : path_(std::move(path)), reader_(&reader), session_(&session) {}
+  /// The cache file, and the reader with file name and options. To be made before the grid file is read: one
+  /// that changes until `save` is not that of the grids.
+  GridCache(std::string path, const qvGRIDReader& reader, Session& session);
 
   /// False, with a diagnosis unless there is no cache file, when it cannot be used. `grids` changes on
   /// success only.
@@ -32,13 +32,22 @@ class GridCache {
 
  private:
   struct Source;
+  /// Size and time of the last change of the grid file.
+  struct Stamp {
+    std::uint64_t size = 0;
+    std::int64_t time = 0;
+    bool operator==(const Stamp&) const = default;
+  };
+  Stamp stamp() const;
   Source source() const;
   std::unique_ptr<ByteSource> open(std::uint64_t& end) const;
-  bool refuse(std::string_view problem, std::string_view found = {}) const;
+  bool refuse(std::string_view problem, std::string_view found = {},
+              std::string_view action = "read the grid file itself") const;
 
   std::string path_;
   const qvGRIDReader* reader_;
   Session* session_;
+  Stamp made_;
 };
 
 }  // namespace lumbarn

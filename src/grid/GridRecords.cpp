@@ -1,7 +1,6 @@
 #include "GridRecords.h"
 
 #include <algorithm>
-#include <bit>
 #include <numeric>
 #include <string>
 #include <utility>
@@ -15,16 +14,6 @@ namespace {
 
 constexpr std::size_t rowItems = 24;
 constexpr std::int64_t cancelInterval = 10'000;  // cells between two looks at the cancel flag
-
-/// Whether all values of a row are numbers: an exponent of all ones carries into the bit of the sign.
-bool allFinite(const float* row) {
-  constexpr std::uint32_t exponent = 0x7F800000;
-  std::uint32_t carried = 0;
-  for (std::size_t n = 0; n < rowItems; ++n) {
-    carried |= (std::bit_cast<std::uint32_t>(row[n]) & exponent) + 0x00800000;
-  }
-  return (carried & 0x80000000) == 0;
-}
 
 }  // namespace
 
@@ -129,35 +118,64 @@ void GridRecords::takeCells() {
   readPair(cell, coords);
   takeCell(cell);
   CellRecords more(source_, cursor.form(), coords, cursor.header(), cursor.nextPosition());
-  while (seen_ < set_.current().nCells() && more.next(cell)) {
-    takeCell(cell);
-    if (more.taken() % cancelInterval == 0 && set_.session().cancelled()) break;
+  std::int64_t told = 0;
+  while (seen_ < set_.current().nCells()) {
+    if (!inOrder_ || !takeRun(more)) {
+      if (!more.next(cell)) break;
+      takeCell(cell);
+    }
+    if (more.taken() - told < cancelInterval) continue;
+    told = more.taken();
+    if (set_.session().cancelled()) break;
   }
   uncounted_ += more.taken();
   cursor.seek(more.position());
 }
 
+/// Cells in order, up to the end of their line along I: the way of nearly all. False when the next one is not
+/// that which follows.
+bool GridRecords::takeRun(CellRecords& more) {
+  const Hadrick& grid = set_.current();
+  const auto before = static_cast<std::size_t>(seen_);
+  run_.first = expected_;
+  run_.most = std::min(CellRun::mostCells, static_cast<std::size_t>(grid.Nx() - expected_[0] + 1));
+  run_.activeOnly = compress_;
+  run_.rows = rows_.values().data() + rowItems * (compress_ ? rowCells_.size() : before);
+  more.takeRun(run_);
+  if (run_.count == 0) return false;
+  seen_ += static_cast<std::int32_t>(run_.count);
+  expected_ = grid.placeOf(std::min(seen_, grid.nCells() - 1) + 1);
+  if (run_.active < run_.count && activity_.empty()) makeActivity(static_cast<std::int32_t>(before));
+  const auto states = std::span(run_.states).first(run_.count);
+  if (!activity_.empty()) std::ranges::copy(states, activity_.begin() + static_cast<std::ptrdiff_t>(before));
+  if (more.words() > 6 && grid.isLocal()) {
+    const auto hosts = std::span(run_.hosts).first(run_.count);
+    std::ranges::copy(hosts, hostCells().begin() + static_cast<std::ptrdiff_t>(before));
+  }
+  for (std::size_t n = 0; compress_ && n < run_.count; ++n) {
+    if (states[n] > 0) rowCells_.push_back(static_cast<std::int32_t>(before + n) + 1);
+  }
+  notFinite_ += countNotFinite({run_.rows, rowItems * (compress_ ? run_.active : run_.count)});
+  return true;
+}
+
+/// Any cell.
 void GridRecords::takeCell(const CellRecord& cell) {
   const Hadrick& grid = set_.current();
-  const bool expected = std::equal(expected_.begin(), expected_.end(), cell.words.begin()) && inOrder_;
-  const auto number = expected ? seen_ + 1 : grid.cellAt(cell.words[0], cell.words[1], cell.words[2]);
+  const auto& words = cell.words;
+  const auto number = grid.cellAt(words[0], words[1], words[2]);
   if (number == 0) {
     set_.fail("cell lies outside of its grid", "a cell of the grid",
-              std::to_string(cell.words[0]) + ", " + std::to_string(cell.words[1]) + ", " +
-                  std::to_string(cell.words[2]));
+              std::to_string(words[0]) + ", " + std::to_string(words[1]) + ", " + std::to_string(words[2]));
   }
   ++seen_;
-  expected_ = {cell.words[0] + 1, cell.words[1], cell.words[2]};
-  if (cell.words[0] == grid.Nx()) expected_ = grid.placeOf(std::min(number, grid.nCells() - 1) + 1);
+  expected_ = grid.placeOf(std::min(number, grid.nCells() - 1) + 1);
   const auto index = static_cast<std::size_t>(number) - 1;
   const bool active = cell.active();
   if (inOrder_ && number != seen_) leaveOrder();
   if (!active && activity_.empty()) makeActivity(seen_ - 1);
   if (!activity_.empty()) activity_[index] = active ? 1 : 0;
-  if (cell.count > 6 && grid.isLocal()) {
-    if (hosts_.empty()) hosts_.assign(static_cast<std::size_t>(grid.nCells()), 0);
-    hosts_[index] = cell.words[5];
-  }
+  if (cell.count > 6 && grid.isLocal()) hostCells()[index] = words[5];
   if (compress_ && !active) return;
   std::size_t column = index + 1;
   if (compress_) {
@@ -165,9 +183,13 @@ void GridRecords::takeCell(const CellRecord& cell) {
     column = rowCells_.size();
   }
   if (column > rows_.columns()) set_.fail("grid has more cells than its sizes tell", grid.nCells(), seen_);
-  float* row = rows_.values().data() + rowItems * (column - 1);
-  cell.copyCorners(row);
-  if (!allFinite(row)) notFinite_ += countNotFinite({row, rowItems});
+  std::ranges::copy(cell.corners, rows_.values().data() + rowItems * (column - 1));
+  notFinite_ += countNotFinite(cell.corners);
+}
+
+std::vector<std::int32_t>& GridRecords::hostCells() {
+  if (hosts_.empty()) hosts_.assign(static_cast<std::size_t>(set_.current().nCells()), 0);
+  return hosts_;
 }
 
 /// The table of activity, when the first cells were met in order and all active.
@@ -184,14 +206,16 @@ void GridRecords::leaveOrder() {
   if (!compress_) std::ranges::fill(rows_.values().subspan(rowItems * met), 0.0F);
 }
 
-/// Puts the rows of active cells in the order of their numbers; of a cell that stands twice the last counts.
+/// Puts the rows of active cells in the order of their numbers. Of a cell that stands twice the last counts,
+/// which may be inactive.
 void GridRecords::sortRows() {
-  if (std::ranges::is_sorted(rowCells_, std::less_equal<>())) return;
+  if (inOrder_) return;
   std::vector<std::size_t> order(rowCells_.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::ranges::stable_sort(order, {}, [this](std::size_t n) { return rowCells_[n]; });
   std::vector<std::size_t> last;
   for (const std::size_t n : order) {
+    if (activity_[static_cast<std::size_t>(rowCells_[n]) - 1] == 0) continue;
     if (!last.empty() && rowCells_[last.back()] == rowCells_[n]) last.pop_back();
     last.push_back(n);
   }

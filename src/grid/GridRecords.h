@@ -29,7 +29,9 @@ class GridRecords {
   bool take();
   void takeSizes();
   void takeCells();
+  bool takeRun(CellRecords& more);
   void takeCell(const CellRecord& cell);
+  std::vector<std::int32_t>& hostCells();
   void readPair(CellRecord& cell, RecordHeader& coords);
   void makeActivity(std::int64_t first);
   void leaveOrder();
@@ -48,9 +50,10 @@ class GridRecords {
   bool inOrder_ = true;                     // cells came by their numbers so far
   XYData rows_;                             // by cell, or by active cell in the order of the file
   std::vector<std::int32_t> rowCells_;      // when compressed: the cell of each row
-  std::vector<std::int32_t> activity_;      // made when it is needed
+  std::vector<std::int32_t> activity_;      // made when they are needed
   std::vector<std::int32_t> hosts_;
   std::vector<std::int32_t> coarse_;
+  CellRun run_;
 };
 
 }  // namespace lumbarn

@@ -65,6 +65,11 @@ bool GridSet::takeShared() {
     gridUnit_ = cursor_->texts();
     return true;
   }
+  if (header.is("LGRPARNT", ElementType::Text)) {
+    const auto words = cursor_->texts();
+    current_->zParent = parentName(words.empty() ? std::string_view() : std::string_view(words.front()));
+    return true;
+  }
   if (header.is("MAPUNITS", ElementType::Text)) {
     const auto words = cursor_->texts();
     if (!words.empty()) mapUnit_ = trim(words.front());

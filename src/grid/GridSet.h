@@ -42,8 +42,8 @@ class GridSet {
   /// The current grid is whole.
   void complete();
 
-  /// Records that stand in both kinds of file: MAPAXES, MAPUNITS, GRIDUNIT and those of connections. False
-  /// when the cursor's record is none of them.
+  /// Records that can stand in both kinds of file: MAPAXES, MAPUNITS, GRIDUNIT, LGRPARNT and those of
+  /// connections. False when the cursor's record is none of them.
   bool takeShared();
   /// Names the current grid and its parent from an LGR record.
   void takeLgr();

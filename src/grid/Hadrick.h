@@ -133,6 +133,11 @@ class Hadrick : public GridFacts {
   std::span<const CoarseBlock> coarseBlocks() const { return coarse_; }
   /// First and last layer, from 1, of each reservoir (set of pillars).
   std::span<const std::array<std::int32_t, 2>> reservoirs() const { return ranges_; }
+  /// The reservoir, from 1, whose pillars a layer has; 0 for none. The layer must be one of a grid with
+  /// pillars.
+  std::int32_t reservoirOf(std::int32_t k) const {
+    return reservoirOfLayer_[static_cast<std::size_t>(k) - 1] + 1;
+  }
 
   // --- The arrays as they are kept
   std::span<const float> coord() const { return pillars_; }

@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "../support/Guarded.h"
 #include "EGridRecords.h"
 #include "GridRecords.h"
@@ -84,11 +86,13 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   GridSet set(cursor, options, *session_);
   GridRecords cells(set, source);
   bool whole = false;
+  // What is whole stays; tells how much that is.
   const auto keep = [&](bool damaged) {
     qDamaged = damaged;
     set.join();
     xGrids = std::move(set.grids);
     setRead();
+    return fmt::format("kept {} {}", nGrids, nGrids == 1 ? "grid" : "grids");
   };
   try {
     whole = FileType == egridFile ? EGridRecords(set).read() : cells.read();
@@ -99,16 +103,14 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
     if (diagnosis.keyword == "COORDS" || diagnosis.keyword == "CORNERS") {
       diagnosis.occurrence += cells.uncounted();
     }
-    diagnosis.action = "kept " + std::to_string(set.grids.size()) + " grids";
-    keep(true);
+    diagnosis.action = keep(true);
     throw;
   } catch (const std::exception& fault) {
     session_->diagnose(Diagnosis{.path = FileName,
                                  .problem = fault.what(),
                                  .keyword = cursor.header().keyword,
                                  .offset = cursor.header().headerAt,
-                                 .action = "kept " + std::to_string(set.grids.size()) + " grids"});
-    keep(true);
+                                 .action = keep(true)});
     throw;
   }
   keep(false);

@@ -182,21 +182,22 @@ void qvEclipseINIT::GetArray(std::int32_t iGridNumber, std::int32_t iArray, bool
     if (!held || iArray < 1 || iArray > held->nVectors() || held->nActive < 0) return false;
     const auto& array = held->arrays[static_cast<std::size_t>(iArray) - 1];
     const bool everyCell = qAllCells && held->nActive != held->nCells;
-    const bool inMemory = !held->sData.empty();
-    const bool longEnough = array.header.count >= held->nActive;
-    const auto cursor = inMemory && (!everyCell || held->active) ? nullptr : open();
-    const bool numbered =
-        !everyCell || (cursor ? activeOf(*cursor, *held) != nullptr : held->active.has_value());
-    if (!longEnough || (everyCell && (!numbered || !held->active->agrees))) {
-      tellDropped(
-          array, *held,
-          longEnough ? "the file does not tell which cells are active" : "array does not fit its grid");
+    const bool longer = array.header.count == held->nCells && array.header.count > held->nActive;
+    if (array.header.count != held->nActive && !longer) {
+      tellDropped(array, *held, "array does not fit its grid");
       return false;
     }
+    const bool inMemory = !held->sData.empty();
+    const auto cursor = inMemory && (!everyCell || held->active) ? nullptr : open();
+    if (!cursor && !inMemory) return false;
+    const auto numbered = [&] {
+      if (!held->active && cursor) activeOf(*cursor, *held);
+      return held->active && held->active->agrees;
+    };
     std::vector<float> values(static_cast<std::size_t>(held->nActive));
-    if (inMemory) {
-      std::ranges::copy(held->sData.column(static_cast<std::size_t>(iArray)), values.begin());
-    } else if (!cursor || !readArray(*cursor, *held, array, values)) {
+    if (inMemory) std::ranges::copy(held->sData.column(static_cast<std::size_t>(iArray)), values.begin());
+    if ((!inMemory && !readArray(*cursor, *held, array, values)) || (everyCell && !numbered())) {
+      tellUnnumbered(*held);
       return false;
     }
     if (everyCell) {

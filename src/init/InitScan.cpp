@@ -10,6 +10,7 @@
 #include "../shapes/OnlyList.h"
 #include "../support/Dates.h"
 #include "../support/Diagnosis.h"
+#include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "qvEclipseINIT.h"
@@ -93,7 +94,7 @@ void qvEclipseINIT::endAtDamage(Diagnosis diagnosis, std::string action) {
   diagnosis.path = FileName;
   diagnosis.action = std::move(action);
   session_->diagnose(std::move(diagnosis));
-  qDamaged = true;
+  qDamaged = unreadable_ = true;
 }
 
 /// Takes record after record until the file, or what is wanted of it, ends. False when it was cancelled.
@@ -141,7 +142,9 @@ bool qvEclipseINIT::takeRecord(Scan& scan) {
   diagnosis.keyword = header.keyword;
   diagnosis.offset = header.headerAt;
   diagnosis.found = header.typeWord;
-  endAtDamage(std::move(diagnosis), "stopped; kept the arrays before");
+  diagnosis.action = "stopped; kept the arrays before";
+  session_->diagnose(std::move(diagnosis));
+  qDamaged = true;  // deliberate: it ends the load, which is no failure
   return false;
 }
 
@@ -149,7 +152,7 @@ bool qvEclipseINIT::takeInteger(Scan& scan) {
   const auto& keyword = scan.cursor.header().keyword;
   if (keyword == "SEQNUM") return ++nSEQNUM < 2;  // the second is another step's
   if (keyword == "INTEHEAD") {
-    processINTEHEAD(HeaderWords(scan.cursor.integers()));
+    takeHeader(scan);
   } else if (keyword == "TABDIMS") {
     bool qTaken = false;
     xTAB.FileName = FileName;
@@ -160,6 +163,24 @@ bool qvEclipseINIT::takeInteger(Scan& scan) {
     takeArray(scan);
   }
   return true;
+}
+
+/// A grid of too many cells is a fault; with AcceptDamaged it is damage like any other.
+void qvEclipseINIT::takeHeader(Scan& scan) {
+  try {
+    processINTEHEAD(HeaderWords(scan.cursor.integers()));
+  } catch (const Fault& fault) {
+    const auto& header = scan.cursor.header();
+    auto diagnosis = unreadable(FileName, "cell count cannot be");
+    diagnosis.keyword = header.keyword;
+    diagnosis.offset = header.headerAt;
+    diagnosis.expected = "a product below 2^31";
+    diagnosis.found = fmt::format("{} x {} x {}", current().Nx, current().Ny, current().Nz);
+    if (AcceptDamaged) throw BadRecord(std::move(diagnosis));
+    diagnosis.action = fault.what();
+    session_->diagnose(std::move(diagnosis));
+    throw;
+  }
 }
 
 void qvEclipseINIT::takeDouble(Scan& scan) {
@@ -276,7 +297,7 @@ void qvEclipseINIT::reset() {
   tGrids_.emplace_back();
   iGrid = 1;
   iHeader.clear();
-  qHaveDate = qTABDIMS = qTAB = qHaveTables_ = qDamaged = false;
+  qHaveDate = qTABDIMS = qTAB = qHaveTables_ = qDamaged = unreadable_ = false;
   nSEQNUM = 0;
   xTAB.clear();
 }
@@ -298,7 +319,7 @@ void qvEclipseINIT::getEclipseINITArrays(bool& qOK) {
       if (!grid.arrays.empty()) grid.nVectorsMax = grid.nVectors();
     }
     iGrid = 1;
-    return !qDamaged || AcceptDamaged;
+    return !unreadable_ || AcceptDamaged;
   });
 }
 
@@ -322,7 +343,7 @@ void qvEclipseINIT::GetInitVectorList(std::int32_t& nVectors, std::vector<std::s
     if (qList) {
       for (const auto& array : probe.grid(1).arrays) zVectors.push_back(array.name);
     }
-    return !probe.qDamaged;
+    return !probe.unreadable_ || AcceptDamaged;
   });
 }
 

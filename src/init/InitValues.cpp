@@ -78,6 +78,18 @@ void qvEclipseINIT::tellDropped(const KeptArray& array, const GRIDINFO& grid, st
   session_->diagnose(std::move(diagnosis));
 }
 
+/// The same text for each array, so that it is told once where arrays are shown one after the other.
+void qvEclipseINIT::tellUnnumbered(const GRIDINFO& grid) const {
+  Diagnosis diagnosis;
+  diagnosis.path = FileName;
+  diagnosis.keyword = "PORV";
+  if (grid.PORV) diagnosis.offset = grid.PORV->headerAt;
+  diagnosis.problem = fmt::format("which {} of the {} cells of grid {} are active is not known", grid.nActive,
+                                  grid.nCells, grid.GridName);
+  diagnosis.action = "gave no values of arrays of all cells, nor for all cells";
+  session_->diagnose(std::move(diagnosis));
+}
+
 /// The table of active cells from PORV, the cursor being anywhere; with a column, its values too, as they are
 /// at hand.
 void qvEclipseINIT::CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn) {

@@ -201,16 +201,25 @@ void qvEclipseDTAB::InvertColumns(std::int32_t iFirst, std::int32_t iSecond, std
   qOK = true;
 }
 
-/// Makes the values of one row physical; single blank values become the null value.
+/// Makes the values of one row physical; single blank values, and what would follow from them, become the
+/// null value.
 void qvEclipseDTAB::makePhysical(std::string_view zTable, std::span<double> row) const {
   constexpr std::size_t compressibility = 2, viscosibility = 4;
   const double null = session_->NullValue;
   const auto pair = inversePair(tableColumns(zTable));
+  if (pair.viscosity > 0) {
+    auto& volume = row[pair.volume];
+    auto& viscosity = row[pair.viscosity];
+    const bool known = !isBlank(volume), bothKnown = known && !isBlank(viscosity);
+    double unused = 0;
+    if (known) invertPair(volume, bothKnown ? viscosity : unused, null);
+    if (!bothKnown) viscosity = null;
+  }
+  if (zTable == "PVTW") {
+    const bool bothKnown = !isBlank(row[compressibility]) && !isBlank(row[viscosibility]);
+    row[viscosibility] = bothKnown ? row[compressibility] - row[viscosibility] : null;
+  }
   for (auto& value : row) value = isBlank(value) ? null : value;
-  if (pair.viscosity > 0 && row[pair.volume] != null && row[pair.viscosity] != null)
-    invertPair(row[pair.volume], row[pair.viscosity], null);
-  if (zTable == "PVTW" && row[viscosibility] != null)
-    row[viscosibility] = row[compressibility] - row[viscosibility];
 }
 
 PhysicalTable qvEclipseDTAB::physicalTable(std::string_view zTable, std::int32_t iTable, std::int32_t iUnits,

@@ -32,7 +32,8 @@ namespace lumbarn {
 /// their columns. Whatever is asked for and not in memory is read from the file again.
 ///
 /// Operations never throw and set qOK False on entry. Damage ends the load; what was read before it stays and
-/// can be fetched, and the session's diagnoses say where the file breaks off.
+/// can be fetched, and the session's diagnoses say where the file breaks off. A record with data of a type
+/// that nobody knows ends it too, with success.
 class qvEclipseINIT {
  public:
   explicit qvEclipseINIT(Session& session = Session::process()) : xTAB(session), session_(&session) {}
@@ -64,7 +65,7 @@ class qvEclipseINIT {
   // Beyond what hosts of old ask for.
   ArraySelection selection;    ///< patterns of array names
   bool AcceptDamaged = false;  ///< succeed with what stands before damage
-  bool qDamaged = false;
+  bool qDamaged = false;       ///< the last load did not come to the end of the file, or lost an array
 
   qvEclipseDTAB xTAB;
 
@@ -111,7 +112,8 @@ class qvEclipseINIT {
   /// -1E10, as hosts know it. One -1 without LoadData.
   void GetArrayMin(std::vector<float>& sMin, bool& qOK);
   void GetArrayMax(std::vector<float>& sMax, bool& qOK);
-  /// Cell numbers, from 1, of the active cells, as the pore volumes tell. qOK False without them.
+  /// Cell numbers, from 1, of the active cells, as the pore volumes tell: nActive of them. Where fewer cells
+  /// have a pore volume the last numbers are 0; see `ActiveFromPoreVolume`. qOK False without pore volumes.
   void GetINITA2N(std::vector<std::int32_t>& iA2N, bool& qOK) { GetA2N(iA2N, qOK, iGrid); }
   void GetA2N(std::vector<std::int32_t>& iA2N, bool& qOK, std::int32_t iGridNumber);
   void getINITDataFromScratchFile(XYData& xyData, bool& qOK);
@@ -146,7 +148,7 @@ class qvEclipseINIT {
   bool walk(Scan& scan);
   bool takeRecord(Scan& scan);
   bool takeInteger(Scan& scan);
-  void takeSingle(Scan& scan);
+  void takeHeader(Scan& scan);
   void takeDouble(Scan& scan);
   void takeText(Scan& scan);
   void takeLogical(Scan& scan);
@@ -163,15 +165,16 @@ class qvEclipseINIT {
   void loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid);
   bool readColumns(RecordCursor& cursor, GRIDINFO& grid);
   bool readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptArray& array, std::span<float> column);
-  void dropUnfit(RecordCursor& cursor, GRIDINFO& grid);
   void CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn = {});
   const ActiveFromPoreVolume* activeOf(RecordCursor& cursor, GRIDINFO& grid);
+  void tellUnnumbered(const GRIDINFO& grid) const;
   void tellDropped(const KeptArray& array, const GRIDINFO& grid, std::string why) const;
   void ranges(std::vector<float>& values, bool wantMin, bool& qOK);
 
   Session* session_;
   std::vector<GRIDINFO> tGrids_;
   bool qHaveTables_ = false;
+  bool unreadable_ = false;  // damaged in a way that fails the load
 };
 
 }  // namespace lumbarn

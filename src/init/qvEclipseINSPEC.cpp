@@ -49,8 +49,13 @@ void qvEclipseINSPEC::getEclipseINSPEC(RecordCursor& cursor) {
       grid.setNames(zClean);
       addNewNames(grid.names(), zAllNames);
     } else if (header.is("LGRNAME", ElementType::Text)) {
+      const std::string zGrid = header.count > 0 ? firstText(cursor) : "";
+      if (GridIndex(zGrid) > 1) {
+        cursor.seek(header.headerAt);
+        return;
+      }
       named = false;
-      grids.emplace_back().zGrid = header.count > 0 ? firstText(cursor) : "";
+      grids.emplace_back().zGrid = zGrid;
     } else {
       grid.take(cursor);
     }

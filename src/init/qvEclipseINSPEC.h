@@ -25,9 +25,10 @@ class qvEclipseINSPEC {
   std::vector<IndexFileGrid> grids = std::vector<IndexFileGrid>(1);  ///< the global grid first
   std::vector<std::string> zAllNames;                                ///< of all grids, each once
 
-  /// Reads the pass whose first record is the next one. It ends at the end of the file, or before a NAME
-  /// record without an LGRNAME in front when the current grid has its names already: the next pass begins
-  /// there, with the global grid. Throws BadRecord. What was read before stays.
+  /// Reads the pass whose first record is the next one. It ends at the end of the file, or where the next
+  /// one begins: before a NAME record without an LGRNAME in front when the current grid has its names
+  /// already, and before an LGRNAME of a local grid that this pass has. Throws BadRecord. What was read
+  /// before stays.
   void getEclipseINSPEC(RecordCursor& cursor);
 
   /// Names of one grid's arrays, without unwanted ones in front. qOK False with none when there is no such

@@ -23,11 +23,13 @@ constexpr std::int32_t initCode = 15;
 /// have their extension in the case of the index.
 std::string initFileOf(const std::string& zFile) {
   const FileName name(zFile);
-  if (lower(name.extension) != "inspec") return zFile;
+  const std::string kind = lower(name.extension);
+  if (kind != "inspec" && kind != "finspec") return zFile;
+  const std::string init = kind == "finspec" ? "FINIT" : "INIT";
   const std::string stem = name.folder + name.base + ".";
   std::string why;
-  if (name.extension == "inspec" && !FileSource::open(stem + "INIT", why)) return stem + "init";
-  return stem + "INIT";
+  if (name.extension == kind && !FileSource::open(stem + init, why)) return stem + lower(init);
+  return stem + init;
 }
 
 /// Names of bytes 1 to 16 of each entry.
@@ -81,6 +83,7 @@ bool qvEclipseReader::chooseInitArrays(bool& qWriteIndex) {
   qvEclipseINIT offer(*session_);
   bool qOK = false;
   offer.CheckINITFile(FileName);
+  offer.AcceptDamaged = AcceptDamaged;
   offer.setONLYList({}, true, qOK);
   std::int32_t nVectors = 0;
   std::vector<std::string> names;

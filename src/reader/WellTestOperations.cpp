@@ -16,7 +16,8 @@ void qvEclipseReader::ReadRFTFile(bool& qOK) {
     auto file = std::make_unique<qvEclipseRFT>(*session_);
     if (!file->CheckRFTFile(FileName)) {
       Diagnosis diagnosis{.path = FileName, .problem = ""};
-      if (FileSource::open(FileName, diagnosis.problem)) diagnosis.problem = "is no RFT file";
+      const auto source = FileSource::open(FileName, diagnosis.problem);
+      if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no RFT file";
       session_->diagnose(std::move(diagnosis));
       return false;
     }

@@ -75,7 +75,7 @@ class qvEclipseReader : public ReaderOptions {
   /// stands before it is there, and that is no failure unless it is nothing.
   void ReadRFTFile(bool& qOK);
   /// Reads a text file of measured tests, RFT or PLT. Both are kept in one place, the later load. A row with
-  /// too few numbers ends the reading with a report, which is no failure.
+  /// too few numbers ends its test with a report, which is no failure.
   void ReadUserRFTFile(bool& qOK);
   void ReadUserPLTFile(bool& qOK);
 
@@ -227,7 +227,8 @@ class qvEclipseReader : public ReaderOptions {
   void GetINITNNCData(std::int32_t iType, XYData& xyData, ByteTable& bHeaders, bool& qOK);
   /// -1 each and qOK False for a grid that is none.
   void GetINITNxNyNz(std::int32_t& Nx, std::int32_t& Ny, std::int32_t& Nz, bool& qOK);
-  /// Cell number, from 1, of each active cell, as the pore volumes tell. qOK False without pore volumes.
+  /// Cell number, from 1, of each active cell, as the pore volumes tell; 0 for the last ones where fewer
+  /// cells have a pore volume. qOK False without pore volumes.
   void GetINITA2N(std::vector<std::int32_t>& iA2N, bool& qOK);
   /// One simulation table as a plain table of singles, rows by columns, with a header for each column: as it
   /// stands in the file, reciprocals and all. `GetINITPhysicalTable` gives it as it is meant.

@@ -172,17 +172,36 @@ void ArrayReader::setActiveCells(std::string_view grid, ActiveCells cells) {
   activeCells_.insert_or_assign(gridKey(grid), std::move(cells));
 }
 
-const ActiveCells& ArrayReader::activeCellsOf(std::string_view grid, const Found& array) const {
+/// Null when nobody told which cells are active, or told of another grid.
+const ActiveCells* ArrayReader::knownActiveCells(std::string_view grid, const Found& array) const {
   const auto cells = activeCells_.find(gridKey(grid));
   const bool fits = cells != activeCells_.end() && cells->second.cells() == array.cells.cells &&
                     cells->second.active() == array.cells.active;
-  if (!fits) {
+  return fits ? &cells->second : nullptr;
+}
+
+const ActiveCells& ArrayReader::activeCellsOf(std::string_view grid, const Found& array) const {
+  const auto* cells = knownActiveCells(grid, array);
+  if (!cells) {
     throw BadRecord({.path = index_.files[array.step->file],
                      .problem = "it is not known which cells are active",
                      .keyword = std::string(array.entry->keyword.view()),
                      .offset = array.entry->position});
   }
-  return cells->second;
+  return *cells;
+}
+
+/// Gives the inactive ones of the cells from [first] on the null value.
+void ArrayReader::clearInactive(const ActiveCells& cells, std::int64_t first,
+                                std::span<double> values) const {
+  auto next = std::ranges::upper_bound(cells.iA2N(), first);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const bool active = next != cells.iA2N().end() && *next == first + static_cast<std::int64_t>(i) + 1;
+    if (active)
+      ++next;
+    else
+      values[i] = session_->NullValue;
+  }
 }
 
 void ArrayReader::readCells(std::int32_t step, std::string_view name, std::string_view grid,
@@ -200,7 +219,11 @@ void ArrayReader::readCells(std::int32_t step, std::string_view name, std::strin
       throw Fault(FaultNumber::Subscript);
     }
     RecordCursor& cursor = moveTo(array);
-    if (array.entry->count == array.cells.cells) return readNumbers(cursor, *session_, first, values);
+    if (array.entry->count == array.cells.cells) {
+      readNumbers(cursor, *session_, first, values);
+      if (const auto* active = knownActiveCells(grid, array)) clearInactive(*active, first, values);
+      return;
+    }
     // The values of the active cells in the range lie next to each other: they are read to its front and
     // moved to their places from behind.
     const auto& iA2N = activeCellsOf(grid, array).iA2N();

@@ -53,8 +53,9 @@ class ArrayReader {
   void read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
             std::span<float> values, bool& qOK);
   /// One value for each cell of the grid from cell [first], in natural order; inactive cells get the
-  /// session's null value. Of an array with one value for each active cell it must be known which these are,
-  /// see `setActiveCells`; fails with a diagnosis otherwise, and for an array that is no cell array.
+  /// session's null value. Which cells are active must be known, see `setActiveCells`, of an array with one
+  /// value for each of them: fails with a diagnosis otherwise, and for an array that is no cell array. An
+  /// array with a value for each cell is given as it stands when it is not known.
   void readCells(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
                  std::span<double> values, bool& qOK);
   /// The value of cell i, j, k, counted from 1; the session's null value for an inactive one. Throws nothing;
@@ -73,6 +74,8 @@ class ArrayReader {
   };
   Found find(std::int32_t step, std::string_view name, std::string_view grid) const;
   RecordCursor& moveTo(const Found& array);
+  const ActiveCells* knownActiveCells(std::string_view grid, const Found& array) const;
+  void clearInactive(const ActiveCells& cells, std::int64_t first, std::span<double> values) const;
   const ActiveCells& activeCellsOf(std::string_view grid, const Found& array) const;
   template <class Number>
   void readByName(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,

@@ -36,16 +36,18 @@ bool sameGrid(std::string_view a, std::string_view b) {
 }
 
 GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init) {
+  constexpr std::int32_t unitsAbove = 5000;  // the simulator of this code counts its unit systems from there
   GridCells result;
   if (intehead.size() < 12) return result;
-  result.units = intehead[2];
+  const HeaderWords word(intehead);
+  result.units = word(95) == unitsAbove ? word(3) - unitsAbove : word(3);
   std::copy_n(intehead.begin() + 8, 3, result.size.begin());
   std::int64_t cells = 1;
   for (const std::int64_t length : result.size) {
     if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
   }
   result.cells = cells;
-  result.active = init ? activeCellsOfInit(HeaderWords(intehead)) : intehead[11];
+  result.active = init ? activeCellsOfInit(word) : word(12);
   return result;
 }
 

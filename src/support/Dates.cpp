@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <iterator>
 #include <utility>
 
 #include <fmt/format.h>
@@ -103,10 +102,11 @@ std::string isoText(Moment moment, bool dateOnly) {
                           static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
   if (dateOnly && moment == midnight) return text;
   const hh_mm_ss time{moment - midnight};
-  fmt::format_to(std::back_inserter(text), "T{:02}:{:02}:{:02}", time.hours().count(), time.minutes().count(),
-                 time.seconds().count());
+  // Not format_to: with a string to append to it compiles the whole of fmt anew.
+  text +=
+      fmt::format("T{:02}:{:02}:{:02}", time.hours().count(), time.minutes().count(), time.seconds().count());
   if (time.subseconds() != microseconds::zero()) {
-    fmt::format_to(std::back_inserter(text), ".{:06}", time.subseconds().count());
+    text += fmt::format(".{:06}", time.subseconds().count());
     text.erase(text.find_last_not_of('0') + 1);
   }
   return text;

@@ -4,14 +4,11 @@
 #include <fmt/format.h>
 
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "QVEclipseRFTtest.h"
 
 namespace lumbarn {
 
 namespace {
-
-constexpr const char* className = "QVEclipseRFTtest";
 
 /// Steps from segment to segment that one test may take, for each of its segments. Flow paths of wells have a
 /// device or two before the tubing; those of a damaged file can be rings, which the counter of the walk ends,
@@ -23,19 +20,16 @@ constexpr std::int64_t mostStepsPerSegment = 1000;
 /// Moves the branches of devices out of the list, and gathers the devices anew by the tubing branch that they
 /// empty into.
 void QVEclipseRFTtest::processICDData() {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "processICDData", [&] {
-    if (nBranches_ < 1 || !qICD_ || !ProcessICD) return;
-    const auto firstFlagged = std::stable_partition(branches_.begin(), branches_.end(),
-                                                    [](const BranchRecord& record) { return !record.qICD; });
-    const auto nFlagged = static_cast<std::size_t>(branches_.end() - firstFlagged);
-    if (nFlagged == 0) return;
-    branches_.erase(firstFlagged, branches_.end());
-    nBranches_ = static_cast<std::int32_t>(branches_.size());
-    // This holds for a test without PLT branches too. Deliberate.
-    nPLTBranches_ = nBranches_;
-    setICDBranches(nFlagged);
-  });
+  if (nBranches_ < 1 || !qICD_ || !ProcessICD) return;
+  const auto firstFlagged = std::stable_partition(branches_.begin(), branches_.end(),
+                                                  [](const BranchRecord& record) { return !record.qICD; });
+  const auto nFlagged = static_cast<std::size_t>(branches_.end() - firstFlagged);
+  if (nFlagged == 0) return;
+  branches_.erase(firstFlagged, branches_.end());
+  nBranches_ = static_cast<std::int32_t>(branches_.size());
+  // This holds for a test without PLT branches too. Deliberate.
+  nPLTBranches_ = nBranches_;
+  setICDBranches(nFlagged);
 }
 
 void QVEclipseRFTtest::setICDBranches(std::size_t nMost) {
@@ -73,13 +67,13 @@ std::int32_t QVEclipseRFTtest::below(std::int32_t iSegment) const {
   return t;
 }
 
-Fault QVEclipseRFTtest::noWayToTubing(std::string found, FaultNumber number) const {
+QVEclipseRFTtest::ToldFault QVEclipseRFTtest::noWayToTubing(std::string found, FaultNumber number) const {
   const std::int32_t iColumn = segColumns_[SegColumn::SEGNXT];
   tell("SEGNXT",
        iColumn > 0 ? seg_.columns[static_cast<std::size_t>(iColumn - 1)].headerAt : TestTable::workedOut,
        "devices do not flow into the tubing", "segments down to one that is no device", std::move(found),
        "left out the device branches");
-  return Fault(number);
+  return ToldFault(number);
 }
 
 std::int32_t QVEclipseRFTtest::BranchNumber(std::int32_t iSegment) const {

@@ -4,15 +4,12 @@
 #include <fmt/format.h>
 
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "../support/Sorting.h"
 #include "QVEclipseRFTtest.h"
 
 namespace lumbarn {
 
 namespace {
-
-constexpr const char* className = "QVEclipseRFTtest";
 
 /// A value for each row of the file where the divisor is above 0, and 0 elsewhere, in the order of the table
 /// that is made.
@@ -50,24 +47,21 @@ class Refiller {
 }  // namespace
 
 void QVEclipseRFTtest::processPLTRecords() {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "processPLTRecords", [&] {
-    if (!qPLT_ || !ProcessPLT) return true;
-    processRFTPLTRecords(plt_);
-    const auto n = static_cast<std::size_t>(nConnections_);
-    const std::int32_t m = plt_.count;  // without the next column, which is lost when the table is re-formed
-    iSort_.resize(n);
-    std::iota(iSort_.begin(), iSort_.end(), 1);
-    const std::vector<float> completions(iSort_.begin(), iSort_.end());
-    addArray(plt_, "COMPLETION", completions);
-    if (n < 1 || m < 1) return false;
-    pltColumns_.set(plt_);
-    setPLTBranches(n);
-    if (!pltColumns_.has(PltColumn::CONLENST)) return true;
-    if (pltColumns_.has(PltColumn::CONLENEN)) reformPLT(n, m);
-    setPLTSegmentData();
-    return true;
-  });
+  if (!qPLT_ || !ProcessPLT) return;
+  processRFTPLTRecords(plt_);
+  const auto n = static_cast<std::size_t>(nConnections_);
+  const std::int32_t m = plt_.count;  // without the next column, which is lost when the table is re-formed
+  iSort_.resize(n);
+  std::iota(iSort_.begin(), iSort_.end(), 1);
+  const std::vector<float> completions(iSort_.begin(), iSort_.end());
+  addArray(plt_, "COMPLETION", completions);
+  if (n < 1 || m < 1) return;
+  pltColumns_.set(plt_);
+  setPLTBranches(n);
+  if (!pltColumns_.has(PltColumn::CONLENST)) return;
+  if (pltColumns_.has(PltColumn::CONLENEN)) reformPLT(n, m);
+  step("setPLTSegmentData", &QVEclipseRFTtest::setPLTSegmentData,
+       "left out the rates of segments from connections");
 }
 
 /// All connections on branch 1 count as one branch, though the test then has no branches to ask for.
@@ -108,9 +102,15 @@ void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
   // Rates in the tubing are taken to be there when those of the connections are: without them, a fault.
   // Deliberate.
   std::span<const float> tubeOil, tubeWater, tubeGas;
-  if (oil && (water || gas)) tubeOil = given(PltColumn::CONOTUB);
-  if (oil && water) tubeWater = given(PltColumn::CONWTUB);
-  if (oil && gas) tubeGas = given(PltColumn::CONGTUB);
+  const auto inTubing = [&](PltColumn column, std::string_view name) {
+    if (pltColumns_.has(column)) return given(column);
+    tell(name, beginsAt_, "test has rates of connections and none in the tubing", {}, {},
+         "worked out nothing from its PLT");
+    throw ToldFault(FaultNumber::Subscript);
+  };
+  if (oil && (water || gas)) tubeOil = inTubing(PltColumn::CONOTUB, "CONOTUB");
+  if (oil && water) tubeWater = inTubing(PltColumn::CONWTUB, "CONWTUB");
+  if (oil && gas) tubeGas = inTubing(PltColumn::CONGTUB, "CONGTUB");
 
   const std::int32_t iStart = pltColumns_[PltColumn::CONLENST];
   const std::int32_t iEnd = pltColumns_[PltColumn::CONLENEN];
@@ -168,43 +168,40 @@ void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
 
 /// Adds the rates of the connections up by the segment that they feed.
 void QVEclipseRFTtest::setPLTSegmentData() {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "setPLTSegmentData", [&] {
-    if (nSegments_ < 1 || nConnections_ < 1 || !pltColumns_.has(PltColumn::CONSEGNO)) return;
-    const auto n = static_cast<std::size_t>(nConnections_);
-    const std::int32_t iSegments = pltColumns_[PltColumn::CONSEGNO];
-    const auto numbers = plt_.column(iSegments, n);
-    std::vector<std::int32_t> segmentOf(n);
-    std::ranges::transform(numbers, segmentOf.begin(), rounded);
+  if (nSegments_ < 1 || nConnections_ < 1 || !pltColumns_.has(PltColumn::CONSEGNO)) return;
+  const auto n = static_cast<std::size_t>(nConnections_);
+  const std::int32_t iSegments = pltColumns_[PltColumn::CONSEGNO];
+  const auto numbers = plt_.column(iSegments, n);
+  std::vector<std::int32_t> segmentOf(n);
+  std::ranges::transform(numbers, segmentOf.begin(), rounded);
 
-    const auto null = static_cast<float>(session_->NullValue);
-    constexpr PltColumn rates[] = {PltColumn::CONORAT, PltColumn::CONWRAT, PltColumn::CONGRAT};
-    const auto nSegments = static_cast<std::size_t>(nSegments_);
-    std::vector<float> sums(3 * nSegments, null);
-    for (std::size_t k = 0; k < 3; ++k) {
-      if (!pltColumns_.has(rates[k])) continue;
-      const auto rate = plt_.column(pltColumns_[rates[k]], n);
-      for (std::size_t i = 0; i < n; ++i) {
-        if (segmentOf[i] < 1 || segmentOf[i] > nSegments_) {
-          tell("CONSEGNO", plt_.columns[static_cast<std::size_t>(iSegments - 1)].headerAt,
-               "connection on a segment that is not there", fmt::format("1 to {}", nSegments_),
-               fmt::format("{}", segmentOf[i]), "left out the rates of segments from connections");
-          throw Fault(FaultNumber::Subscript);
-        }
-        float& sum = sums[k * nSegments + static_cast<std::size_t>(segmentOf[i] - 1)];
-        // The first rate takes the place of the null value, and so does any that follows a sum that happens
-        // to be the null value. Deliberate.
-        sum = sum == null ? rate[i] : sum + rate[i];
+  const auto null = static_cast<float>(session_->NullValue);
+  constexpr PltColumn rates[] = {PltColumn::CONORAT, PltColumn::CONWRAT, PltColumn::CONGRAT};
+  const auto nSegments = static_cast<std::size_t>(nSegments_);
+  std::vector<float> sums(3 * nSegments, null);
+  for (std::size_t k = 0; k < 3; ++k) {
+    if (!pltColumns_.has(rates[k])) continue;
+    const auto rate = plt_.column(pltColumns_[rates[k]], n);
+    for (std::size_t i = 0; i < n; ++i) {
+      if (segmentOf[i] < 1 || segmentOf[i] > nSegments_) {
+        tell("CONSEGNO", plt_.columns[static_cast<std::size_t>(iSegments - 1)].headerAt,
+             "connection on a segment that is not there", fmt::format("1 to {}", nSegments_),
+             fmt::format("{}", segmentOf[i]), "left out the rates of segments from connections");
+        throw ToldFault(FaultNumber::Subscript);
       }
+      float& sum = sums[k * nSegments + static_cast<std::size_t>(segmentOf[i] - 1)];
+      // The first rate takes the place of the null value, and so does any that follows a sum that happens
+      // to be the null value. Deliberate.
+      sum = sum == null ? rate[i] : sum + rate[i];
     }
-    for (const std::string_view name : {"SEGCORAT", "SEGCWRAT", "SEGCGRAT"}) {
-      const auto k = static_cast<std::size_t>(name[4] == 'O' ? 0 : name[4] == 'W' ? 1 : 2);
-      addArray(seg_, name, std::span<const float>(sums).subspan(k * nSegments, nSegments));
-    }
-    // Sums by length are never worked out, but their columns are there. Deliberate.
-    const std::vector<float> none(nSegments, null);
-    for (const std::string_view name : {"SEGCORTS", "SEGCWRTS", "SEGCGRTS"}) addArray(seg_, name, none);
-  });
+  }
+  for (const std::string_view name : {"SEGCORAT", "SEGCWRAT", "SEGCGRAT"}) {
+    const auto k = static_cast<std::size_t>(name[4] == 'O' ? 0 : name[4] == 'W' ? 1 : 2);
+    addArray(seg_, name, std::span<const float>(sums).subspan(k * nSegments, nSegments));
+  }
+  // Sums by length are never worked out, but their columns are there. Deliberate.
+  const std::vector<float> none(nSegments, null);
+  for (const std::string_view name : {"SEGCORTS", "SEGCWRTS", "SEGCGRTS"}) addArray(seg_, name, none);
 }
 
 }  // namespace lumbarn

@@ -133,6 +133,11 @@ class QVEclipseRFTtest {
             std::string found, std::string_view action) const;
 
   // Working out: TestProcessing.cpp, PltProcessing.cpp, SegmentProcessing.cpp, DeviceBranches.cpp.
+  /// A fault whose place in the file has been told as a Diagnosis.
+  struct ToldFault : Fault {
+    using Fault::Fault;
+  };
+  void step(const char* routine, void (QVEclipseRFTtest::*work)(), std::string_view lost);
   void processRecords();
   void setPointers();
   void setUNITS();
@@ -150,7 +155,7 @@ class QVEclipseRFTtest {
   void processICDData();
   void setICDBranches(std::size_t nMost);
   std::int32_t below(std::int32_t iSegment) const;
-  Fault noWayToTubing(std::string found, FaultNumber number = FaultNumber::Subscript) const;
+  ToldFault noWayToTubing(std::string found, FaultNumber number = FaultNumber::Subscript) const;
 
   // Results: TestResults.cpp, TestHeaders.cpp.
   bool sorted() const;
@@ -161,6 +166,7 @@ class QVEclipseRFTtest {
 
   Session* session_;
   RecordWalk* reader_ = nullptr;  // only while reading
+  std::uint64_t beginsAt_ = 0;    // byte offset of the first record
 
   TestTable rft_, plt_, seg_, brn_;
   TextArray welletc_;

@@ -1,16 +1,15 @@
+#include <algorithm>
 #include <cmath>
 
 #include <fmt/format.h>
 
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "QVEclipseRFTtest.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "QVEclipseRFTtest";
 constexpr double sameLength = 0.001;
 
 struct SegmentField {
@@ -46,25 +45,22 @@ const SegmentRecord& QVEclipseRFTtest::segment(std::int64_t i) const {
 }
 
 void QVEclipseRFTtest::processBRANCHData() {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "processBRANCHData", [&] {
-    if (nBranches_ < 1 || brn_.count < 1) return;
-    qImpliedBranches_ = false;
-    branches_.assign(static_cast<std::size_t>(nBranches_), {});
-    for (std::size_t i = 0; i < branches_.size(); ++i) {
-      BranchRecord& record = branches_[i];
-      const auto value = [&](BrnColumn column) {
-        return brnColumns_.has(column) ? rounded(brn_.column(brnColumns_[column], branches_.size())[i]) : 0;
-      };
-      record.iFirst = value(BrnColumn::BRNST);
-      record.iLast = value(BrnColumn::BRNEN);
-      const std::int64_t nSegments = std::int64_t{record.iLast} - record.iFirst + 1;
-      if (nSegments != static_cast<std::int32_t>(nSegments)) throw Fault(FaultNumber::Overflow);
-      record.nSegments = static_cast<std::int32_t>(nSegments);
-      record.zName = std::to_string(i + 1);
-      record.iNumber = static_cast<std::int32_t>(i + 1);
-    }
-  });
+  if (nBranches_ < 1 || brn_.count < 1) return;
+  qImpliedBranches_ = false;
+  branches_.assign(static_cast<std::size_t>(nBranches_), {});
+  for (std::size_t i = 0; i < branches_.size(); ++i) {
+    BranchRecord& record = branches_[i];
+    const auto value = [&](BrnColumn column) {
+      return brnColumns_.has(column) ? rounded(brn_.column(brnColumns_[column], branches_.size())[i]) : 0;
+    };
+    record.iFirst = value(BrnColumn::BRNST);
+    record.iLast = value(BrnColumn::BRNEN);
+    const std::int64_t nSegments = std::int64_t{record.iLast} - record.iFirst + 1;
+    if (nSegments != static_cast<std::int32_t>(nSegments)) throw Fault(FaultNumber::Overflow);
+    record.nSegments = static_cast<std::int32_t>(nSegments);
+    record.zName = std::to_string(i + 1);
+    record.iNumber = static_cast<std::int32_t>(i + 1);
+  }
 }
 
 /// Takes one row of the segment table. What is worked out from the lengths comes from null values too when
@@ -89,39 +85,39 @@ void QVEclipseRFTtest::setSegment(std::size_t i) {
 /// Segments, and which of them stand for inflow control devices. A device is told by its length alone, so a
 /// branch is taken for one of devices only when they are half of its segments or more.
 void QVEclipseRFTtest::processSEGMENTData() {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "processSEGMENTData", [&] {
-    if (nSegments_ < 1 || seg_.count < 1) return;
-    const std::int32_t nCounted = nBranches_ > 0 ? nBranches_ : nSegments_;
-    std::vector<std::int32_t> nOfBranch(static_cast<std::size_t>(nCounted));
-    std::vector<std::int32_t> nICDOfBranch(nOfBranch.size());
-    segColumns_.set(seg_);
-    segments_.assign(static_cast<std::size_t>(nSegments_),
-                     SegmentRecord(static_cast<float>(session_->NullValue)));
-    std::int32_t nICD = 0;
-    for (std::size_t i = 0; i < segments_.size(); ++i) {
-      setSegment(i);
-      const SegmentRecord& record = segments_[i];
-      if (record.ICD) ++nICD;
-      if (record.BRNO == -1) continue;
-      if (record.BRNO < 1 || record.BRNO > nCounted) {
-        const std::int32_t iColumn = segColumns_[SegColumn::SEGBRNO];
-        tell("SEGBRNO", seg_.columns[static_cast<std::size_t>(iColumn - 1)].headerAt,
-             "segment on a branch that is not there", fmt::format("1 to {}", nCounted),
-             fmt::format("{}", record.BRNO), "left out the segments behind it, and all devices");
-        throw Fault(FaultNumber::Subscript);
-      }
-      const auto at = static_cast<std::size_t>(record.BRNO - 1);
-      ++nOfBranch[at];
-      if (!record.ICD) continue;
-      branch(record.BRNO).qICD = true;
-      ++nICDOfBranch[at];
+  if (nSegments_ < 1 || seg_.count < 1) return;
+  const std::int32_t nCounted = nBranches_ > 0 ? nBranches_ : nSegments_;
+  std::vector<std::int32_t> nOfBranch(static_cast<std::size_t>(nCounted));
+  std::vector<std::int32_t> nICDOfBranch(nOfBranch.size());
+  segColumns_.set(seg_);
+  segments_.assign(static_cast<std::size_t>(nSegments_),
+                   SegmentRecord(static_cast<float>(session_->NullValue)));
+  std::int32_t nICD = 0;
+  for (std::size_t i = 0; i < segments_.size(); ++i) {
+    setSegment(i);
+    const SegmentRecord& record = segments_[i];
+    if (record.ICD) ++nICD;
+    if (record.BRNO == -1) continue;
+    // Of a device, the branch itself is asked for, which a test without branches has one of.
+    const auto nThere =
+        record.ICD ? std::clamp(static_cast<std::int32_t>(branches_.size()), 1, nCounted) : nCounted;
+    if (record.BRNO < 1 || record.BRNO > nThere) {
+      const std::int32_t iColumn = segColumns_[SegColumn::SEGBRNO];
+      tell("SEGBRNO", seg_.columns[static_cast<std::size_t>(iColumn - 1)].headerAt,
+           "segment on a branch that is not there", fmt::format("1 to {}", nThere),
+           fmt::format("{}", record.BRNO), "left out the segments behind it, and all devices");
+      throw ToldFault(FaultNumber::Subscript);
     }
-    if (nICD == 0) return;
-    clearSparseBranches(nOfBranch, nICDOfBranch);
-    qICD_ = true;
-    nICDSegments_ = nICD;  // with those whose flag is gone by now. Deliberate.
-  });
+    const auto at = static_cast<std::size_t>(record.BRNO - 1);
+    ++nOfBranch[at];
+    if (!record.ICD) continue;
+    branch(record.BRNO).qICD = true;
+    ++nICDOfBranch[at];
+  }
+  if (nICD == 0) return;
+  clearSparseBranches(nOfBranch, nICDOfBranch);
+  qICD_ = true;
+  nICDSegments_ = nICD;  // with those whose flag is gone by now. Deliberate.
 }
 
 /// Takes the flag from branches of which less than half are devices, and from every segment in their range.
@@ -138,7 +134,7 @@ void QVEclipseRFTtest::clearSparseBranches(std::span<const std::int32_t> nOfBran
       tell("BRNST", TestTable::workedOut, "range of a branch leaves the segments",
            fmt::format("1 to {}", nSegments_), fmt::format("{} to {}", record.iFirst, record.iLast),
            "left out the devices");
-      throw Fault(FaultNumber::Subscript);
+      throw ToldFault(FaultNumber::Subscript);
     }
     ++opened[static_cast<std::size_t>(record.iFirst - 1)];
     --opened[static_cast<std::size_t>(record.iLast)];

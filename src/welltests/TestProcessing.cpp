@@ -1,5 +1,7 @@
 #include <numeric>
 
+#include <fmt/format.h>
+
 #include "../support/Guarded.h"
 #include "QVEclipseRFTtest.h"
 
@@ -13,23 +15,38 @@ std::string_view beforeSlash(std::string_view text) { return text.substr(0, text
 
 }  // namespace
 
-/// Each step ends by itself when something is wrong, with its own report, and the later ones still run. The
-/// order counts: the PLT step writes into the segment table, and the segment step needs the branches.
+/// A step ends by itself when something is wrong, with its own report, and the later ones still run.
+void QVEclipseRFTtest::step(const char* routine, void (QVEclipseRFTtest::*work)(), std::string_view lost) {
+  bool qOK = false;
+  guarded(*session_, qOK, className, routine, [&] {
+    try {
+      (this->*work)();
+    } catch (const ToldFault&) {
+      throw;
+    } catch (const Fault& fault) {
+      tell({}, beginsAt_, fmt::format("test of well {}, {}: {}", zWell_, dateText(), fault.what()), {}, {},
+           lost);
+      throw;
+    }
+  });
+}
+
+/// The order counts: the PLT step writes into the segment table, and the segment step needs the branches.
 void QVEclipseRFTtest::processRecords() {
+  using Test = QVEclipseRFTtest;
   setPointers();
-  processRFTRecords();
-  processPLTRecords();
-  processBRANCHData();
-  processSEGMENTData();
-  processICDData();
+  step("setUNITS", &Test::setUNITS, "left out the units of gas-oil ratios");
+  step("processRFTRecords", &Test::processRFTRecords, "left out oil saturations and completions");
+  step("processPLTRecords", &Test::processPLTRecords, "worked out nothing from its PLT");
+  step("processBRANCHData", &Test::processBRANCHData, "left out the branches behind the fault");
+  step("processSEGMENTData", &Test::processSEGMENTData, "left out the segments behind it, and all devices");
+  step("processICDData", &Test::processICDData, "left out the device branches");
 }
 
 void QVEclipseRFTtest::setPointers() {
   pltColumns_.set(plt_);
   segColumns_.set(seg_);
   brnColumns_.set(brn_);
-  bool qOK = false;
-  guarded(*session_, qOK, className, "setUNITS", [&] { setUNITS(); });
 }
 
 /// A WELLETC of exactly 8 texts has no gas rate, which is a fault. Deliberate: shorter ones are passed over.
@@ -54,26 +71,23 @@ void QVEclipseRFTtest::processRFTPLTRecords(TestTable& table) {
 }
 
 void QVEclipseRFTtest::processRFTRecords() {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "processRFTRecords", [&] {
-    processRFTPLTRecords(rft_);
-    if (!qRFT_ || nConnections_ == 0 || rft_.find("DEPTH") < 0) return;
-    const auto n = static_cast<std::size_t>(nConnections_);
-    std::vector<float>& values = reader_->singles;
-    values.resize(n);
-    if (rft_.find("SOIL") < 0) {
-      values.assign(n, 1);
-      for (const std::string_view phase : {"SGAS", "SWAT"}) {  // in this order, for the last bit
-        const std::int32_t iPhase = rft_.find(phase);
-        if (iPhase < 0) continue;
-        const auto saturation = rft_.column(iPhase, n);
-        for (std::size_t i = 0; i < n; ++i) values[i] -= saturation[i];
-      }
-      addArray(rft_, "SOIL", values);
+  processRFTPLTRecords(rft_);
+  if (!qRFT_ || nConnections_ == 0 || rft_.find("DEPTH") < 0) return;
+  const auto n = static_cast<std::size_t>(nConnections_);
+  std::vector<float>& values = reader_->singles;
+  values.resize(n);
+  if (rft_.find("SOIL") < 0) {
+    values.assign(n, 1);
+    for (const std::string_view phase : {"SGAS", "SWAT"}) {  // in this order, for the last bit
+      const std::int32_t iPhase = rft_.find(phase);
+      if (iPhase < 0) continue;
+      const auto saturation = rft_.column(iPhase, n);
+      for (std::size_t i = 0; i < n; ++i) values[i] -= saturation[i];
     }
-    std::iota(values.begin(), values.end(), 1.0F);
-    addArray(rft_, "COMPLETION", values);
-  });
+    addArray(rft_, "SOIL", values);
+  }
+  std::iota(values.begin(), values.end(), 1.0F);
+  addArray(rft_, "COMPLETION", values);
 }
 
 }  // namespace lumbarn

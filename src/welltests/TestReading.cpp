@@ -54,6 +54,7 @@ void QVEclipseRFTtest::getEclipseRFTtest(RecordWalk& reader, bool& qOK) {
     std::int32_t nTimes = 0;
     try {
       if (!reader.next()) throw Fault(FaultNumber::PastEnd);
+      beginsAt_ = reader.header().headerAt;
       for (;; reader.next()) {
         if (session_->cancelled()) return false;
         if (reader.header().is("TIME", ElementType::Single) && ++nTimes == 2) {

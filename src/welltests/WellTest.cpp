@@ -160,7 +160,9 @@ bool WellTestReader::readTest(WellTest& test, std::vector<WellTestColumn>& colum
     records_->damaged = true;
     // The TIME of the next test may be what is cut off; then this one is whole.
     test.complete = !reading && timed && records_->header().is("TIME", ElementType::Single);
-    damage.diagnosis().action = fmt::format("kept {} tests", number_ + (any ? 1 : 0));
+    damage.diagnosis().action = test.complete || !any
+                                    ? "kept the tests before it"
+                                    : "kept the tests before it, and of this one the arrays as read";
     session_->diagnose(damage.diagnosis());
   }
   if (!any) return false;

@@ -1,15 +1,14 @@
 #include "qvEclipseRFT.h"
 
-#include <cmath>
 #include <unordered_map>
-
-#include <fmt/format.h>
+#include <utility>
 
 #include "../files/Recogniser.h"
 #include "../shapes/HeaderLayout.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "TestMemory.h"
+#include "TimeOfDay.h"
 
 namespace lumbarn {
 
@@ -126,18 +125,6 @@ void qvEclipseRFT::getRFTTestInfo(std::int32_t iTest, bool& qRFT, bool& qPLT, bo
   });
 }
 
-/// The time of day is what TIME has beyond whole days, so it is right for runs that begin at midnight. A test
-/// less than half a minute from midnight has none.
-std::string qvEclipseRFT::dateAndTime(const QVEclipseRFTtest& xTest) const {
-  constexpr int minutesPerDay = 1440;
-  const float part = xTest.time() - std::trunc(xTest.time());
-  const int minutes =
-      part > 0 || part < 0 ? static_cast<int>(std::nearbyint(static_cast<double>(part) * minutesPerDay)) : 0;
-  const int ofDay = (minutes + minutesPerDay) % minutesPerDay;
-  if (ofDay == 0) return xTest.dateText();
-  return fmt::format("{} {:02}:{:02}", xTest.dateText(), ofDay / 60, ofDay % 60);
-}
-
 /// Which headers go with which data, and what else a host is told.
 struct qvEclipseRFT::Answer {
   qvEclipseRFT& file;
@@ -166,7 +153,9 @@ struct qvEclipseRFT::Answer {
       if (!qDone) return false;
       xyData = std::move(values);
       bHeaders = std::move(records);
-      zDate = qTimeOfDay ? file.dateAndTime(xTest) : xTest.dateText();
+      zDate = xTest.dateText();
+      // TIME counts from the start of the run, so this is right for runs that begin at midnight.
+      if (qTimeOfDay) zDate = withTimeOfDay(std::move(zDate), static_cast<double>(xTest.time()));
       zWell = xTest.well();
       zGrid = xTest.grid();
       iNumber = xTest.testNumber();

@@ -106,7 +106,6 @@ class qvEclipseRFT {
   cFILETYPE setSUMMARYFileTypeProps() const;
   void SetBranch(std::int32_t iBranch, ByteTable& bHeaders, bool& qOK) const;
   bool validtestnumber(std::int32_t iTest) const { return iTest >= 1 && iTest <= NumTests(); }
-  std::string dateAndTime(const QVEclipseRFTtest& test) const;
   bool readTests(RecordWalk& reader);
 
   Session* session_;

@@ -1,6 +1,5 @@
 #include "qvUserRFT.h"
 
-#include <cmath>
 #include <unordered_map>
 #include <utility>
 
@@ -9,27 +8,13 @@
 #include "../files/Recogniser.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
+#include "TimeOfDay.h"
 
 namespace lumbarn {
 
 namespace {
 
 constexpr const char* className = "qvUserRFT";
-
-/// Minutes since midnight at the time of a test. A time below 0 counts back from midnight.
-int minuteOfDay(double dTime) {
-  constexpr int minutesPerDay = 1440;
-  if (!std::isfinite(dTime)) return 0;
-  const auto rounded = static_cast<int>(std::nearbyint((dTime - std::trunc(dTime)) * minutesPerDay));
-  return (rounded + minutesPerDay) % minutesPerDay;
-}
-
-/// The test's date, and its time of day when that is a minute past midnight or later.
-std::string dateAndTime(const qvUserRFTtest& test) {
-  const int minutes = minuteOfDay(test.dTime);
-  if (minutes == 0) return test.zDate;
-  return fmt::format("{} {:02}:{:02}", test.zDate, minutes / 60, minutes % 60);
-}
 
 /// Why a file cannot be a user's file of tests; empty when it can.
 std::string whyNot(UserTestKind kind, const std::string& path) {
@@ -77,19 +62,20 @@ void qvUserRFT::getData(UserTestKind kind, bool& qOK) {
 
 /// The first test is there whatever the file holds; its end asks for a next one unless the file ends.
 bool qvUserRFT::readTests(UserTestKind kind, LineReader& reader) {
-  bool qTest = false;
   do {
     auto test = std::make_shared<qvUserRFTtest>(*session_);
+    bool qTest = false;
     kind == UserTestKind::Rft ? test->getUserRFTtest(reader, qTest) : test->getUserPLTtest(reader, qTest);
-    qDamaged = test->qDamaged;
+    qTest = qTest || test->qDamaged;
+    qDamaged = qDamaged || test->qDamaged;
     bool qAdded = false;
     addRFTtest(std::move(test), qAdded);
-    if (!qAdded || session_->cancelled() || (!qTest && !qDamaged)) return false;
+    if (!qAdded || session_->cancelled() || !qTest) return false;
     if (session_->Container) {
       session_->Container->fraction(static_cast<double>(reader.position()) /
                                     static_cast<double>(reader.size()));
     }
-  } while (qTest && !reader.atEnd());
+  } while (!reader.atEnd());
   return true;
 }
 
@@ -147,7 +133,7 @@ void qvUserRFT::getTest(UserTestKind kind, std::int32_t iTest, XYData& xyData, B
     xyData = std::move(data);
     bHeaders = std::move(headers);
     iNumber = asked.iTest;
-    zDate = dateAndTime(asked);
+    zDate = withTimeOfDay(asked.zDate, asked.dTime);
     zWell = asked.zWell;
     zGrid = asked.zGrid;
     zOrigin = asked.zOrigin;

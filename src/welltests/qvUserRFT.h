@@ -31,12 +31,12 @@ class qvUserRFT {
   bool CheckPLTFile(const std::string& zFile) { return checkFile(UserTestKind::Plt, zFile); }
 
   /// Reads the file into tests behind those that are held and numbers them. A row with too few numbers ends
-  /// the reading with a report: its test and those before it stay, qOK is True and qDamaged is set. qOK is
-  /// False when the file cannot be opened or read on, or when the load was cancelled; then the tests read so
-  /// far stay, without numbers.
+  /// its test with a report; the next test is read, qOK is True and qDamaged is set. qOK is False when the
+  /// file cannot be opened or read on, or when the load was cancelled; then the tests read so far stay,
+  /// without numbers.
   void getRFTData(bool& qOK) { getData(UserTestKind::Rft, qOK); }
   void getPLTData(bool& qOK) { getData(UserTestKind::Plt, qOK); }
-  bool qDamaged = false;  ///< the last of these two ended at a row with too few numbers
+  bool qDamaged = false;  ///< a test of the last of these two ended at a row with too few numbers
 
   std::int32_t NumTests() const { return static_cast<std::int32_t>(tests_.size()); }
   /// Appends a test, which is shared from then on.

@@ -107,15 +107,15 @@ bool qvUserRFTtest::readLines(Lines& lines) {
     if (checkIfCommentLine(lines.line)) continue;
     if (!isCommandLine(lines.kind, lines.line)) {
       inData = true;
-      if (!processData(lines)) return false;
+      if (!qDamaged) processData(lines);  // else these are the lines of a test that has ended
     } else if (inData) {
       lines.reader.stepBack();
-      return true;
+      break;
     } else {
       processCommand(lines);
     }
   }
-  return true;
+  return !qDamaged;
 }
 
 void qvUserRFTtest::processCommand(Lines& lines) {
@@ -173,10 +173,8 @@ void qvUserRFTtest::setTime(const std::string& value, Lines& lines) {
   lines.tell("the time is no number", "days", value, fmt::format("took {}", dTime), Certainty::Guess);
 }
 
-bool qvUserRFTtest::processData(Lines& lines) {
-  if (beginsAsNumber(firstWord(lines.line))) return AddData(lines);
-  AddHeaders(lines);
-  return true;
+void qvUserRFTtest::processData(Lines& lines) {
+  beginsAsNumber(firstWord(lines.line)) ? AddData(lines) : AddHeaders(lines);
 }
 
 void qvUserRFTtest::AddHeaders(Lines& lines) {
@@ -191,7 +189,7 @@ void qvUserRFTtest::AddHeaders(Lines& lines) {
   table.addHeaders(words(lines.line));
 }
 
-bool qvUserRFTtest::AddData(Lines& lines) {
+void qvUserRFTtest::AddData(Lines& lines) {
   bool qAdded = false;
   guarded(*session_, qAdded, className, isRft(lines.kind) ? "AddRFTData" : "AddPLTData", [&] {
     UserTestTable& table = isRft(lines.kind) ? rft_ : plt_;
@@ -203,10 +201,10 @@ bool qvUserRFTtest::AddData(Lines& lines) {
     if (row.numbers == table.columns()) return;
     qDamaged = true;
     lines.tell("row has too few numbers", fmt::format("{} numbers", table.columns()),
-               fmt::format("{}", row.numbers), "took 0 for the rest and read no further", Certainty::Certain);
+               fmt::format("{}", row.numbers), "took 0 for the rest and left out the rows behind it",
+               Certainty::Certain);
     throw Fault(FaultNumber::Subscript);
   });
-  return qAdded;
 }
 
 void qvUserRFTtest::data(const UserTestTable& table, XYData& xyData, bool& qOK) const {

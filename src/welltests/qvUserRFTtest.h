@@ -37,8 +37,9 @@ class qvUserRFTtest {
   bool qDamaged = false;   ///< a row with too few numbers ended the test
 
   /// Reads on to the first command line behind the rows, which is then the reader's next line, or to the end
-  /// of the file. qOK False: cancelled, or the file cannot be read on, as a row with too few numbers makes
-  /// it; what was read until then is kept, that row included, with 0 for what it has not. Each is reported.
+  /// of the file. qOK False: cancelled, the file cannot be read on, or a row has too few numbers, which ends
+  /// the test though not the way to its end; what was read until then is kept, that row included, with 0 for
+  /// what it has not. Each is reported.
   ///
   /// What the lines say is taken as it looks: a line that begins with a number is data, so units that do are
   /// none; a line of words is one of names or units. What does not fit in makes a diagnosis, at most one of a
@@ -65,8 +66,8 @@ class qvUserRFTtest {
   void processCommand(Lines& lines);
   void setDate(std::string_view arguments, Lines& lines);
   void setTime(const std::string& value, Lines& lines);
-  bool processData(Lines& lines);
-  bool AddData(Lines& lines);
+  void processData(Lines& lines);
+  void AddData(Lines& lines);
   void AddHeaders(Lines& lines);
   void data(const UserTestTable& table, XYData& xyData, bool& qOK) const;
   void headers(const UserTestTable& table, std::string_view kind, ByteTable& bHeaders, bool& qOK) const;

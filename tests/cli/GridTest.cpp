@@ -25,7 +25,8 @@ struct Refused {
   const char* message;
 };
 const Refused refusals[] = {
-    {{"--grid", "ROT"}, "no grid \"ROT\" is there; did you mean \"ROOT\"?"},
+    {{"--grid", "ROT"}, "no grid \"ROT\"; did you mean \"ROOT\"?"},
+    {{"--grid", "FAULT"}, "no grid \"FAULT\"; it has ROOT"},
     {{"--vtk", "FILE", "--corners"}, "--corners and --vtk cannot be given together"},
     {{"--array", "PORO"}, "--array, --step and --z-up go with --vtk"},
     {{"--vtk", "FILE", "--array", "PRESURE"},
@@ -52,6 +53,14 @@ TEST(Grid, WhatCannotBeIsRefusedAndNothingWritten) {
     EXPECT_THAT(run.err, HasSubstr(refused.message));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.file("")), {}), 3);
   }
+}
+
+TEST(Grid, AFileThatIsNoGridFileIsNamed) {
+  const test::TemporaryFolder folder;
+  store(folder.file("RUN.EGRID"), "FILEHAED");
+  const Outcome run = command({"grid", folder.file("RUN.EGRID")});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("RUN.EGRID: does not begin with FILEHEAD"));
 }
 
 TEST(Grid, ADamagedRestartGivesTheStepsBeforeTheDamage) {

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,15 +40,37 @@ TEST_F(InitCommand, ListsEveryGrid) {
 
 TEST_F(InitCommand, ShowsValuesWithTheirCells) {
   EXPECT_THAT(rows({"init", "--array", "PORO,DEPTH", "--ijk"}),
-              ElementsAre(ElementsAre("i", "j", "k", "DEPTH", "PORO"), ElementsAre("1", "1", "1", "1", "5"),
-                          ElementsAre("3", "1", "1", "3", "6"), ElementsAre("1", "2", "1", "4", "7"),
-                          ElementsAre("3", "2", "1", "6", "8")));
-  const auto all = rows({"init", "--array", "poro", "--ijk", "--all"});
+              ElementsAre(ElementsAre("i", "j", "k", "PORO", "DEPTH"), ElementsAre("1", "1", "1", "5", "1"),
+                          ElementsAre("3", "1", "1", "6", "3"), ElementsAre("1", "2", "1", "7", "4"),
+                          ElementsAre("3", "2", "1", "8", "6")));
+  const auto all = rows({"init", "--array", "poro,DEPTH,SATNUM", "--ijk", "--all"});
   ASSERT_EQ(all.size(), 7u);
-  EXPECT_THAT(all[5], ElementsAre("2", "2", "1", "-999"));
+  EXPECT_THAT(all[5], ElementsAre("2", "2", "1", "-999", "-999", "-999"));
   EXPECT_THAT(rows({"init", "--array", "PERM*", "--grid", "RING"}),
               ElementsAre(ElementsAre("PERMR"), ElementsAre("25"), ElementsAre("26")));
   EXPECT_THAT(rows({"init", "--nnc", "--array", "TRAN*"})[2], ElementsAre("2", "0.25"));
+}
+
+TEST_F(InitCommand, NumbersCellsByTheGridFileWherePoreVolumesDoNot) {
+  for (const std::vector<float>& porv : {std::vector<float>{}, {1, 0, 1, 1, 0, 0}, {1, 1, 1, 1, 0, 1}}) {
+    std::filesystem::remove(folder.file("CASE.EGRID"));
+    test::InitBuilder file(test::bigEndian);
+    file.head({.Nx = 3, .Ny = 2, .nActive = 4});
+    if (!porv.empty()) file.singles("PORV", porv);
+    file.integers("CELL", {16777217, 3, 4, 6}).singles("DEPTH", {1, 2, 3, 4, 5, 6});
+    test::writeFile(folder.file("CASE.INIT"), file.bytes());
+    const auto unknown = run({"init", "--array", "CELL", "--ijk"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_THAT(unknown.err, HasSubstr("which 4 of the 6 cells are active is not known"));
+
+    test::InitBuilder grid(test::bigEndian);
+    grid.integers("ACTNUM", {1, 0, 1, 1, 0, 1}).integers("ENDGRID", {});
+    test::writeFile(folder.file("CASE.EGRID"), grid.bytes());
+    EXPECT_THAT(rows({"init", "--array", "CELL,DEPTH", "--ijk"}),
+                ElementsAre(::testing::_, ElementsAre("1", "1", "1", "16777217", "1"),
+                            ElementsAre("3", "1", "1", "3", "3"), ElementsAre("1", "2", "1", "4", "4"),
+                            ElementsAre("3", "2", "1", "6", "6")));
+  }
 }
 
 TEST_F(InitCommand, CheckFindsWhatDoesNotFit) {
@@ -54,9 +78,11 @@ TEST_F(InitCommand, CheckFindsWhatDoesNotFit) {
   EXPECT_EQ(command({"check", sample("ARBOR/ARBOR.INIT")}).status, 0) << "words left at 1 are no finding";
   test::InitBuilder file(test::bigEndian);
   file.head({.Nx = 3, .Ny = 2, .nActive = 4}).singles("PORV", {1, 1, 1, 0, 0, 0});
+  for (const auto* array : {"DEPTH", "NTG"}) file.singles(array, {1, 1, 1, 1, 1, 1});
   test::writeFile(folder.file("CASE.INIT"), file.bytes());
   const auto found = run({"check"});
   EXPECT_EQ(found.status, 3);
+  EXPECT_THAT(found.out, HasSubstr("2 findings")) << "told once, not for each array";
   EXPECT_THAT(found.out, HasSubstr("pore volumes disagree with the active cells of grid ROOT (PORV"));
 }
 
@@ -67,9 +93,10 @@ TEST_F(InitCommand, SaysWhatIsWrong) {
   } usages[] = {
       {{"init", "--ijk"}, "--ijk goes with --array"},
       {{"init", "--flags", "--nnc"}, "--flags goes without --nnc"},
-      {{"init", "--array", "DEPHT"}, "no array matches \"DEPHT\"; did you mean \"DEPTH\"?"},
+      {{"init", "--array", "DEPHT"}, "has no array DEPHT; did you mean \"DEPTH\"?"},
       {{"init", "--grid", "X"}, "no grid \"X\"; it has ROOT, BOX, RING"},
       {{"tables", "--table", "PVTX"}, "no table \"PVTX\"; it has DENSITY"},
+      {{"tables", "--number", "2"}, "--number goes with --table"},
       {{"tables", "--table", "density", "--number", "2"}, "no table 2 of DENSITY; it has 1"},
   };
   for (const auto& [args, message] : usages) {

@@ -29,6 +29,8 @@ TEST(Run, WrongUsageSaysWhatIsMeant) {
       {{"records", "X", "Y"}, "unknown argument \"Y\""},
       {{"vectors"}, "PATH is required (see \"lumbarn vectors --help\")"},
       {{"info", "--format", "xml", "X"}, "--format is table, csv or json, not \"xml\""},
+      {{"restart", "--step", "X"}, "--step needs a whole number, not \"X\" (see"},
+      {{"tables", "--number", "2147483648", "X"}, "--number needs a whole number"},
       {{"info", "NO/SUCH"}, "NO/SUCH: "},
       {{"summary", "--steps", "5:3", sample("ARBOR")},
        "--steps takes a range as 3:7, 3:, :7 or 3, not \"5:3\""},

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <map>
 
 #include <gmock/gmock.h>
 
@@ -67,11 +68,14 @@ TEST_P(GridFiles, GivesCornersNumbersAndRelationsOfAllGrids) {
   builder.gridUnit = {"METRES", "MAP"};
   builder.grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1};
   builder.grids.push_back({.size = {2, 2, 1}, .name = "INNER", .parent = "OUTER", .hosts = {1, 2, 5, 3}});
-  builder.grids.push_back({.size = {40, 30, 2}, .name = "OUTER", .parent = "", .x = 70});
+  const char* const none = case_.compress ? "" : "Global";  // two ways to name the global grid
+  builder.grids.push_back({.size = {40, 30, 2}, .name = "OUTER", .parent = none, .angles = 30, .x = 70});
   builder.grids[0].nnc1 = {1, 2};
   builder.grids[0].nnc2 = {7, 12};
   builder.grids[1].nncl = {4};
   builder.grids[1].nncg = {11};
+  builder.nna1 = {2400};
+  builder.nna2 = {3};
   GridLoad load(case_.egrid, case_.compress);
   ASSERT_TRUE(load.read(bytes(builder), form_)) << load.lastDiagnosis().text();
   EXPECT_TRUE(load.session.diagnoses().empty()) << load.lastDiagnosis().text();
@@ -92,18 +96,14 @@ TEST_P(GridFiles, GivesCornersNumbersAndRelationsOfAllGrids) {
                                                 Connection{Connection::Kind::Inside, 1, 2, 1, 12}));
   EXPECT_THAT(load.grid(1).connections(),
               ElementsAre(Connection{Connection::Kind::LocalGlobal, 2, 4, 1, 11}));
+  EXPECT_THAT(load.grid(2).connections(),
+              ElementsAre(Connection{Connection::Kind::Amalgamated, 3, 2400, 2, 3}));
   EXPECT_EQ(load.grid(1).zName, "INNER");
   EXPECT_EQ(load.grid(1).iParent, 3) << "a parent may stand behind its child";
   EXPECT_EQ(load.grid(2).zParent, "ROOT");
+  EXPECT_EQ(load.grid(2).iGridType, 3) << "radial";
+  EXPECT_EQ(load.grid(1).iGridType, 2);
   EXPECT_THAT(load.grid(1).hostCells(), ElementsAre(1, 2, 5, 3));
-}
-
-TEST_P(GridFiles, RadialGridsAreTold) {
-  GridBuilder builder;
-  builder.grids[0].angles = 2;
-  GridLoad load(case_.egrid, case_.compress);
-  ASSERT_TRUE(load.read(bytes(builder), form_));
-  EXPECT_EQ(load.grid().iGridType, 3);
 }
 
 /// Cuts at every byte, and flips every byte, of a small file of two grids: nothing crashes, a failure is told
@@ -148,12 +148,14 @@ TEST(EGridFiles, TwoPorositySystemsDoubleTheLayers) {
       builder.dualPorosity = 1;
       builder.grids[0].size = {3, 2, 4};
       builder.grids[0].halfDepths = half;
+      builder.grids[0].place = {2, 3, 4, 5, 6, 7};
       builder.grids[0].activity = {1, 2, 3, 0, 1, 1, 3, 3, 3, 3, 3, 3};  // of the upper half, both by bits
       GridLoad load(true, compress);
       ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian)) << load.lastDiagnosis().text();
       const Hadrick& grid = load.grid();
       EXPECT_EQ(grid.Nz(), 4);
       EXPECT_EQ(grid.iDualPorosity, 1);
+      EXPECT_THAT(grid.iIndex, ElementsAre(0, 2, 3, 4, 7 + 2, 6, 5, 0, 3, 2, 4, 0));
       EXPECT_EQ(grid.nActive(), 10 + 8);
       EXPECT_EQ(grid.activeOf(2), 0);
       EXPECT_EQ(grid.activeOf(12 + 2), 11) << "a cell of the second system alone";
@@ -342,21 +344,35 @@ TEST_P(BadGrids, AreToldAndDoNoHarm) {
   }
 }
 
-TEST(OldGridFiles, CellsOutOfOrderAndShortRecordsAreRead) {
-  const std::array<std::int32_t, 3> size = {2, 1, 1};
-  for (const bool compress : {false, true}) {
-    std::vector<std::byte> bytes;
-    RecordWriter out(memorySink(bytes), bigEndian);
-    out.integers("DIMENS", size);
-    for (const std::int32_t i : {2, 1}) {
-      out.integers("COORDS", std::array{i, 1, 1, i});  // four words: active
-      out.singles("CORNERS", std::vector<float>(24, static_cast<float>(i)));
+TEST(OldGridFiles, CellsInAnyOrderAndShortRecordsAreRead) {
+  const std::vector<std::int32_t> orders[] = {
+      {1, 2, 3, 4, 5, 6}, {2, 1, 3, 4, 5, 6}, {1, 2, 3, 5, 4, 6},
+      {6, 5, 4, 3, 2, 1}, {1, 2, 3, 4, 5, 2}, {1, 2, 3, 4, 5, -2}};  // inactive when it stands again
+  for (const auto& order : orders) {
+    for (const bool compress : {false, true}) {
+      std::vector<std::byte> bytes;
+      RecordWriter out(memorySink(bytes), bigEndian);
+      out.integers("DIMENS", std::array{2, 3, 1});
+      std::map<std::int32_t, float> last;  // what stands last for each cell
+      for (const std::int32_t one : order) {
+        const std::int32_t cell = std::abs(one);
+        std::vector<std::int32_t> words{(cell - 1) % 2 + 1, (cell + 1) / 2, 1, cell};  // four: active
+        if (one < 0) words.push_back(0);
+        out.integers("COORDS", words);
+        last[cell] = static_cast<float>(10 * last.size()) + static_cast<float>(cell);
+        out.singles("CORNERS", std::vector<float>(24, last[cell]));
+        if (one < 0) last.erase(cell);
+      }
+      GridLoad load(false, compress);
+      ASSERT_TRUE(load.read(bytes, bigEndian)) << load.lastDiagnosis().text();
+      const Hadrick& grid = load.grid();
+      EXPECT_EQ(grid.nActive(), static_cast<std::int32_t>(last.size())) << "one that is missing is inactive";
+      const auto rows = activeRows(grid);
+      for (const auto& [cell, value] : last) {
+        EXPECT_EQ(cornersOf(grid, cell)[5], value);
+        EXPECT_EQ(rows.at(24 * static_cast<std::size_t>(grid.activeOf(cell)) - 1), value);
+      }
     }
-    GridLoad load(false, compress);
-    ASSERT_TRUE(load.read(bytes, bigEndian)) << load.lastDiagnosis().text();
-    EXPECT_EQ(load.grid().nActive(), 2);
-    EXPECT_EQ(cornersOf(load.grid(), 1)[5], 1);
-    EXPECT_EQ(activeRows(load.grid())[24], 2);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "GridLoad.h"
+#include "grid/CellGeometryOfGrid.h"
 #include "grid/qvGridProcessor.h"
 
 namespace lumbarn::test {
@@ -160,6 +161,12 @@ TEST(GridProcessor, BulkRowsHaveTheBitsOfSingleCells) {
   EXPECT_TRUE(sameBits(activeRows(grid), expected.values()));
   for (std::int32_t n = 1; n <= grid.nActive(); ++n) {
     EXPECT_TRUE(sameBits(cornersOf(grid, grid.cellOf(n)), expected.column(static_cast<std::size_t>(n)))) << n;
+  }
+  std::vector<double> volumes(cells);
+  cellVolumes(grid, 1, volumes);
+  for (std::int32_t cell = 9; cell <= grid.nCells(); ++cell) {  // behind those at the depth that is no number
+    const double rounded = cellVolume(cornersOf(grid, cell));
+    EXPECT_NEAR(volumes[static_cast<std::size_t>(cell) - 1], rounded, 1e-4 * std::abs(rounded) + 1e7) << cell;
   }
   std::vector<float> part(24 * 50);
   grid.activeCorners(31, part);

@@ -116,22 +116,6 @@ TEST_P(InitFile, ConnectionArraysStandByKind) {
   }
 }
 
-TEST_P(InitFile, PlacesLeadBackToTheValues) {
-  Loaded file(test::twoLocalGrids(form_), false);
-  ASSERT_TRUE(file.qOK);
-  XYData values;
-  file.init.GetData(values, file.qOK);
-  EXPECT_THAT(values.values(), ElementsAre(-1, 0, 0, 0, 0, 0));
-  ColumnTable<std::int32_t> places;
-  file.init.GetINITFODPointers(places, file.qOK);
-  ASSERT_EQ(places.columns(), 6u);
-  EXPECT_EQ(places(1, 2), 6);
-  EXPECT_EQ(places(2, 4), 2);
-  std::vector<float> array;
-  file.init.GetArray(1, 2, false, array, file.qOK);
-  EXPECT_THAT(array, ElementsAre(1, 3, 4, 6));
-}
-
 TEST(InitLoad, MatchesTheSampleRuns) {
   for (const auto* name : {"ARBOR/ARBOR.INIT", "ARBORF/ARBORF.FINIT", "HOLLIN/HOLLIN.INIT"}) {
     std::map<std::string, std::array<double, 4>> expected;  // count, min, max, sum
@@ -277,12 +261,24 @@ TEST(InitLoad, EndsAtAnotherStepOrAnUnknownRecord) {
   EXPECT_TRUE(stepped.qOK);
   EXPECT_EQ(stepped.arrays(1), "PORO=1,2,3,4");
   Loaded strange(start(unknown).header("WHAT", 3, "ABCD").bytes());
-  EXPECT_FALSE(strange.qOK);
+  EXPECT_TRUE(strange.qOK && strange.init.qDamaged);
   EXPECT_EQ(strange.arrays(1), "PORO=1,2,3,4");
   EXPECT_THAT(strange.session.diagnoses().back().text(), HasSubstr("WHAT"));
   Loaded passed(start(empty).header("WHAT", 0, "ABCD").singles("NTG", {1, 1, 1, 1}).bytes());
   EXPECT_TRUE(passed.qOK);
   EXPECT_EQ(passed.arrays(1), "PORO=1,2,3,4 NTG=1,1,1,1");
+}
+
+TEST(InitLoad, AGridOfTooManyCellsLeavesThoseBefore) {
+  InitBuilder bytes(test::bigEndian);
+  bytes.head({}).singles("PORO", {1, 2, 3, 4}).local("BIG").head({.Nx = 100'000, .Ny = 100'000});
+  Loaded file(bytes.bytes());
+  EXPECT_FALSE(file.qOK);
+  EXPECT_THAT(file.session.diagnoses().back().text(), HasSubstr("100000 x 100000 x 1"));
+  EXPECT_EQ(file.arrays(1), "PORO=1,2,3,4");
+  file.init.AcceptDamaged = true;
+  file.init.getEclipseINITArrays(file.qOK);
+  EXPECT_TRUE(file.qOK && file.init.qDamaged);
 }
 
 TEST(InitLoad, HeadersNameGridAndUnits) {

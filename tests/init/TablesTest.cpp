@@ -1,7 +1,13 @@
+#include <algorithm>
+#include <cctype>
 #include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <numeric>
 #include <string>
 #include <vector>
 
+#include <fmt/ranges.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,6 +26,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+using Rows = std::vector<std::vector<double>>;
+
 /// The tables of a sample run, read from its two records alone.
 class SampleTables {
  public:
@@ -35,8 +43,8 @@ class SampleTables {
     tables.processTables(qOK);
   }
   /// The rows of a table, as they stand in a deck.
-  std::vector<std::vector<double>> rows(std::string_view name) {
-    std::vector<std::vector<double>> result;
+  Rows rows(std::string_view name) {
+    Rows result;
     const auto table = tables.physicalTable(name, 1, 2, qOK);
     for (std::size_t i = 0; i < table.rows(); ++i) {
       auto& row = result.emplace_back();
@@ -49,98 +57,84 @@ class SampleTables {
   bool qOK = false;
 };
 
-void expectRows(const std::vector<std::vector<double>>& found, const std::vector<std::vector<double>>& deck) {
-  ASSERT_EQ(found.size(), deck.size());
+void expectRows(const Rows& found, const Rows& deck, std::string_view table) {
+  ASSERT_EQ(found.size(), deck.size()) << table;
   for (std::size_t i = 0; i < deck.size(); ++i) {
-    ASSERT_EQ(found[i].size(), deck[i].size());
+    ASSERT_EQ(found[i].size(), deck[i].size()) << table;
     for (std::size_t c = 0; c < deck[i].size(); ++c)
-      EXPECT_NEAR(found[i][c], deck[i][c], 1e-7 * std::abs(deck[i][c])) << "row " << i << ", column " << c;
+      EXPECT_NEAR(found[i][c], deck[i][c], 1e-7 * std::abs(deck[i][c]))
+          << table << ", row " << i << ", column " << c;
   }
 }
 
-TEST(PhysicalTables, AreTheNumbersOfTheDeck) {
-  SampleTables arbor("ARBOR/ARBOR.INIT", 7, true);
-  ASSERT_TRUE(arbor.qOK);
-  expectRows(arbor.rows("PVDG"), {{14.700, 166.666, 0.008000},
-                                  {264.70, 12.0930, 0.009600},
-                                  {514.70, 6.27400, 0.011200},
-                                  {1014.7, 3.19700, 0.014000},
-                                  {2014.7, 1.61400, 0.018900},
-                                  {2514.7, 1.29400, 0.020800},
-                                  {3014.7, 1.08000, 0.022800},
-                                  {4014.7, 0.81100, 0.026800},
-                                  {5014.7, 0.64900, 0.030900},
-                                  {9014.7, 0.38600, 0.047000}});
-  expectRows(arbor.rows("PVTO"), {{0.0010, 14.7, 1.0620, 1.0400},
-                                  {0.0905, 264.7, 1.1500, 0.9750},
-                                  {0.1800, 514.7, 1.2070, 0.9100},
-                                  {0.3710, 1014.7, 1.2950, 0.8300},
-                                  {0.6360, 2014.7, 1.4350, 0.6950},
-                                  {0.7750, 2514.7, 1.5000, 0.6410},
-                                  {0.9300, 3014.7, 1.5650, 0.5940},
-                                  {1.2700, 4014.7, 1.6950, 0.5100},
-                                  {1.2700, 9014.7, 1.5790, 0.7400},
-                                  {1.6180, 5014.7, 1.8270, 0.4490},
-                                  {1.6180, 9014.7, 1.7370, 0.6310}});
-  expectRows(arbor.rows("PVTW"), {{4017.55, 1.038, 3.22E-6, 0.318, 0.0}});
-  expectRows(arbor.rows("DENSITY"), {{53.66, 64.49, 0.0533}});
-  // SWOF: its first two columns and the last. The writer has 0 for permeabilities below 1E-6.
-  expectRows(arbor.rows("SWFN"), {{0.12, 0, 0},
-                                  {0.18, 0, 0},
-                                  {0.24, 0, 0},
-                                  {0.3, 0, 0},
-                                  {0.36, 0, 0},
-                                  {0.42, 1.16219008264463E-006, 0},
-                                  {0.48, 1.67355371900826E-006, 0},
-                                  {0.54, 2.27789256198347E-006, 0},
-                                  {0.6, 2.97520661157025E-006, 0},
-                                  {0.66, 3.7654958677686E-006, 0},
-                                  {0.72, 4.64876033057851E-006, 0},
-                                  {0.78, 0.000005625, 0},
-                                  {0.84, 6.69421487603306E-006, 0},
-                                  {0.91, 8.05914256198347E-006, 0},
-                                  {1, 0.00001, 0}});
-  // SGOF likewise.
-  expectRows(arbor.rows("SGFN"), {{0, 0, 0},
-                                  {0.001, 0, 0},
-                                  {0.02, 0, 0},
-                                  {0.05, 0.005, 0},
-                                  {0.12, 0.025, 0},
-                                  {0.2, 0.075, 0},
-                                  {0.25, 0.125, 0},
-                                  {0.3, 0.190, 0},
-                                  {0.4, 0.410, 0},
-                                  {0.45, 0.60, 0},
-                                  {0.5, 0.72, 0},
-                                  {0.6, 0.87, 0},
-                                  {0.7, 0.94, 0},
-                                  {0.85, 0.98, 0},
-                                  {0.88, 0.984, 0}});
-  // The oil columns of both stand in one table by oil saturation, at the nodes of both: 1 - Sw for the one,
-  // 1 - Swco - Sg for the other.
-  const auto oil = arbor.rows("SOF3");
-  const auto at = [&](double so, std::size_t column) {
-    for (const auto& row : oil) {
-      if (std::abs(row[0] - so) < 1e-9) return row[column];
-    }
-    return -1.0;
-  };
-  const double krow[][2] = {{0.12, 1},    {0.24, 0.997}, {0.3, 0.98},    {0.36, 0.7},
-                            {0.42, 0.35}, {0.48, 0.2},   {0.54, 0.09},   {0.6, 0.021},
-                            {0.66, 0.01}, {0.72, 0.001}, {0.78, 0.0001}, {1, 0}};
-  for (const auto& [sw, kr] : krow) EXPECT_NEAR(at(1 - sw, 1), kr, 1e-7) << sw;
-  const double krog[][2] = {{0.001, 1},  {0.02, 0.997}, {0.05, 0.98}, {0.12, 0.7},  {0.2, 0.35},  {0.25, 0.2},
-                            {0.3, 0.09}, {0.4, 0.021},  {0.45, 0.01}, {0.5, 0.001}, {0.6, 0.0001}};
-  for (const auto& [sg, kr] : krog) EXPECT_NEAR(at(0.88 - sg, 2), kr, 1e-7) << sg;
+/// The numbers of a keyword of a deck, up to each "/".
+Rows deckRecords(const std::string& file, std::string_view keyword) {
+  std::ifstream deck(LUMBARN_EXAMPLES "/data/" + file);
+  Rows records(1);
+  std::string word;
+  while (deck >> word && word != keyword) {
+  }
+  while (deck >> word && std::isalpha(static_cast<unsigned char>(word.front())) == 0) {
+    word == "/" ? records.push_back({}) : records.back().push_back(std::atof(word.c_str()));
+  }
+  std::erase_if(records, [](const auto& record) { return record.empty(); });
+  return records;
 }
 
-TEST(PhysicalTables, OfADeadOilRun) {
-  SampleTables hollin("HOLLIN/HOLLIN.INIT", 3, false);
-  ASSERT_TRUE(hollin.qOK);
-  expectRows(hollin.rows("PVDO"), {{50, 1.12, 1.4}, {150, 1.10, 1.5}, {250, 1.08, 1.6}, {400, 1.06, 1.8}});
-  expectRows(hollin.rows("PVTW"), {{200, 1.02, 4.5E-5, 0.4, 0}});
-  expectRows(hollin.rows("SWFN"), {{0.2, 0, 0}, {0.4, 0.05, 0}, {0.6, 0.2, 0}, {0.8, 0.5, 0}, {1, 1, 0}});
-  expectRows(hollin.rows("SOF2"), {{0, 0}, {0.2, 0}, {0.4, 0.1}, {0.6, 0.45}, {0.8, 0.9}});
+/// Columns of a table of so many columns.
+Rows columnsOf(const std::vector<double>& numbers, std::size_t width,
+               std::initializer_list<std::size_t> columns) {
+  Rows rows;
+  for (std::size_t first = 0; first < numbers.size(); first += width) {
+    auto& row = rows.emplace_back();
+    for (const auto column : columns) row.push_back(numbers.at(first + column));
+  }
+  return rows;
+}
+
+TEST(PhysicalTables, AreTheNumbersOfTheDeck) {
+  for (const bool gas : {true, false}) {
+    SampleTables run(gas ? "ARBOR/ARBOR.INIT" : "HOLLIN/HOLLIN.INIT", gas ? 7 : 3, gas);
+    ASSERT_TRUE(run.qOK);
+    const auto records = [&](std::string_view keyword) {
+      return deckRecords(gas ? "ARBOR/ARBOR.DATA" : "HOLLIN/HOLLIN.DATA", keyword);
+    };
+    const auto expectDeck = [&](std::string_view table) {
+      expectRows(run.rows(table), columnsOf(records(table).at(0), 3, {0, 1, 2}), table);
+    };
+    expectDeck(gas ? "PVDG" : "PVDO");
+    expectDeck("DENSITY");
+    expectRows(run.rows("PVTW"), records("PVTW"), "PVTW");
+
+    const auto saturations = records("SWOF").at(0);
+    auto water = columnsOf(saturations, 4, {0, 1, 3});
+    for (auto& row : water) row[1] = row[1] < 1e-6 ? 0 : row[1];  // the writer does so
+    expectRows(run.rows("SWFN"), water, "SWFN");
+    // The oil columns stand in one table by oil saturation, at the nodes of both: 1 - Sw for the one, less
+    // the lowest Sw for the other.
+    const auto oil = run.rows(gas ? "SOF3" : "SOF2");
+    const auto expectOil = [&](const Rows& relative, double most, std::size_t column) {
+      for (const auto& row : relative) {
+        const auto node =
+            std::ranges::find_if(oil, [&](const auto& at) { return std::abs(at[0] - most + row[0]) < 1e-9; });
+        ASSERT_NE(node, oil.end()) << row[0];
+        EXPECT_NEAR((*node)[column], row[1], 1e-7) << row[0];
+      }
+    };
+    expectOil(columnsOf(saturations, 4, {0, 2}), 1, 1);
+    if (!gas) continue;
+    const auto gasSaturations = records("SGOF").at(0);
+    expectRows(run.rows("SGFN"), columnsOf(gasSaturations, 4, {0, 1, 3}), "SGFN");
+    expectOil(columnsOf(gasSaturations, 4, {0, 2}), 1 - saturations[0], 2);
+    Rows liveOil, dissolved;
+    for (const auto& record : records("PVTO")) {
+      dissolved.push_back({record[0]});
+      for (const auto& row : columnsOf({record.begin() + 1, record.end()}, 3, {0, 1, 2}))
+        liveOil.push_back({record[0], row[0], row[1], row[2]});
+    }
+    expectRows(run.rows("PVTO"), liveOil, "PVTO");
+    expectRows(run.rows("RS"), dissolved, "RS");
+  }
 }
 
 TEST(PhysicalTables, WordsLeftAtOneAreKeptAndTold) {
@@ -236,12 +230,79 @@ TEST_F(Tables, OfAnOuterIndexHaveItsValuesBesideThem) {
                     Field(&PhysicalTable::Column::values, ElementsAre(2, 2, 2))));
 }
 
+TEST_F(Tables, WithAnOuterIndexOfSeveralRegionsAlternate) {
+  const double none = -1e20;
+  build(words({{14, 1}, {15, 25}, {16, 2}, {17, 2}, {18, 2}}),
+        {0.2, 0.1,  0.3, none, 0.6, none, 0.7,   0,  // Rv: two values of Pg of the one region, then the other
+         0.5, 0.25, 0.2, none, 1,   none, 0.125, 0.1,  // 1/B
+         1,   1,    0.1, none, 1,   none, 0.25,  1,    // 1/(B mu)
+         100, 200,  50,  80},
+        4, {.VapourisedOil = true});
+  ASSERT_TRUE(qOK_);
+  const auto columns = [&](std::int32_t region) {
+    std::vector<std::vector<double>> all;
+    for (auto& column : tables_.physicalTable("PVTG", region, 1, qOK_).columns) all.push_back(column.values);
+    return all;
+  };
+  EXPECT_THAT(columns(1), ElementsAre(ElementsAre(100, 100, 200), ElementsAre(0.2, 0.1, 0.3),
+                                      ElementsAre(2, 4, 5), ElementsAre(0.5, 0.25, 2)));
+  EXPECT_THAT(columns(2), ElementsAre(ElementsAre(50, 80, 80), ElementsAre(0.6, 0.7, 0),
+                                      ElementsAre(1, 8, 10), ElementsAre(1, 0.5, 0.1)));
+}
+
+/// Tables that no sample run has: the second of two regions, TAB counting up from 1.
+TEST_F(Tables, StandWhereTheirWordsSay) {
+  const struct {
+    const char* name;
+    std::initializer_list<std::pair<int, std::int32_t>> set;
+    std::int32_t iUnits;
+    std::string columns;
+  } rows[] = {
+      {"ROCK", {{2, 1}, {3, 2}}, 4, "PREF=2 ATMA, CR=4 1/ATM"},
+      {"ROCKTAB", {{4, 1}, {5, 2}, {6, 2}}, 3, "P=3,4 ATMA, PVMULT=7,8, TRMULT=11,12"},
+      {"DENSITY", {{19, 1}, {20, 2}}, 3, "OIL=2 GM/CC, WATER=4 GM/CC, GAS=6 GM/CC"},
+      {"RSVD", {{33, 1}, {34, 2}, {35, 2}}, 2, "DEPTH=3,4 FT, RS=7,8 MSCF/STB"},
+      {"RVVD", {{36, 1}, {37, 2}, {38, 2}}, 2, "DEPTH=3,4 FT, RV=7,8 STB/MSCF"},
+      {"EQUIL",
+       {{31, 1}, {32, 2}},
+       1,
+       "DEPTH=2 M, P=4 BARSA, WOC=6 M, PCOW=8 BARS, GOC=10 M, PCOG=12 BARS, RSTYPE=14, RVTYPE=16, "
+       "ACCURACY=18, ITEM10=20"},
+  };
+  std::vector<double> tab(20);
+  std::iota(tab.begin(), tab.end(), 1);
+  for (const auto& [name, set, iUnits, columns] : rows) {
+    build(words(set), tab, 7, {.RockCompaction = name == std::string("ROCKTAB")});
+    const auto table = tables_.physicalTable(name, 2, iUnits, qOK_);
+    std::string found;
+    for (const auto& column : table.columns)
+      found += fmt::format("{}{}={}{}{}", found.empty() ? "" : ", ", column.name,
+                           fmt::join(column.values, ","), column.units.empty() ? "" : " ", column.units);
+    EXPECT_EQ(found, columns) << name;
+  }
+}
+
 TEST_F(Tables, TheFifthColumnOfWaterIsMadePhysicalOnlyWithoutDefault) {
   build(words({{12, 1}, {13, 1}}), {200, 0.5, 4, 2, 3}, 2);
   tables_.getTable2d("PVTW", 1, values_, sizes_, nDims_, qOK_, false);
   EXPECT_THAT(values_, ElementsAre(200, 0.5F, 4, 2, 1));
   tables_.getTable2d("PVTW", 1, values_, sizes_, nDims_, qOK_, true);
   EXPECT_THAT(values_, ElementsAre(200, 0.5F, 4, 2, 3));
+}
+
+TEST_F(Tables, ASingleBlankTakesOnlyWhatFollowsFromIt) {
+  session_.NullValue = 0.5;  // a value that tables may have
+  const auto rowOf = [&](std::string_view name) {
+    std::vector<double> row;
+    for (const auto& column : tables_.physicalTable(name, 1, 1, qOK_).columns)
+      row.push_back(column.values.at(0));
+    return row;
+  };
+  build(words({{12, 1}, {13, 1}, {14, 6}, {17, 1}, {18, 1}}), {200, 0.5, 2e20, 2, 3, 100, 0.5, -1e20}, 6);
+  EXPECT_THAT(rowOf("PVTW"), ElementsAre(200, 2, 0.5, 0.25, 0.5));
+  EXPECT_THAT(rowOf("PVDG"), ElementsAre(100, 2, 0.5));
+  build(words({{12, 1}, {13, 1}}), {200, 2e20, 4, 2, 3}, 2);
+  EXPECT_THAT(rowOf("PVTW"), ElementsAre(200, 0.5, 4, 0.5, 1));
 }
 
 TEST_F(Tables, InvertedColumnsHaveTheNullValueForZero) {
@@ -258,11 +319,7 @@ TEST_F(Tables, InvertedColumnsHaveTheNullValueForZero) {
 }
 
 TEST_F(Tables, DependOnPhasesAndFlags) {
-  const auto everything =
-      words({{2, 1},  {3, 1},  {4, 1},  {5, 1},  {6, 1},  {7, 1},  {8, 1},  {9, 1},  {10, 1},
-             {11, 1}, {12, 1}, {13, 1}, {14, 1}, {15, 1}, {16, 1}, {17, 1}, {18, 1}, {19, 1},
-             {20, 1}, {21, 1}, {22, 1}, {23, 1}, {24, 1}, {25, 1}, {26, 1}, {27, 1}, {29, 1},
-             {30, 1}, {31, 1}, {32, 1}, {33, 1}, {34, 1}, {35, 1}, {36, 1}, {37, 1}, {38, 1}});
+  const std::vector<std::int32_t> everything(tableDimsWords, 1);
   const struct {
     std::int32_t phases;
     TableProperties properties;

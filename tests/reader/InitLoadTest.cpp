@@ -6,6 +6,7 @@
 
 #include "init/qvEclipseINSPEC.h"
 #include "reader/qvEclipseReader.h"
+#include "restart/ArrayReader.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Forms.h"
 #include "support/InitBuilder.h"
@@ -97,17 +98,32 @@ TEST_F(InitOperations, ChooseArraysByEachKindOfList) {
               ElementsAre("PVTNUM", "SATNUM", "FIPNUM"));
 }
 
-TEST_F(InitOperations, GivePlacesWithoutData) {
-  reader_.LoadData = false;
-  load();
-  ColumnTable<std::int32_t> places;
-  std::array<bool, 5> settings{};
-  bool qFOD = false;
-  reader_.getINITDataFOD(values_, headers_, source_, only_, places, settings, qFOD, qOK_);
-  EXPECT_TRUE(qOK_ && qFOD);
-  EXPECT_EQ(values_.rows(), 1u);
-  EXPECT_EQ(places.columns(), headers_.entries());
-  EXPECT_THAT(settings, ElementsAre(true, false, true, test::bigEndian.byteSwap, false));
+TEST_F(InitOperations, GivePlacesThatLeadToTheValues) {
+  for (const auto& [name, form] : test::everyForm) {
+    test::writeFile(folder_.file("CASE.INIT"), test::twoLocalGrids(form));
+    reader_.LoadData = false;
+    load();
+    ColumnTable<std::int32_t> places;
+    std::array<bool, 5> settings{};
+    bool qFOD = false;
+    reader_.getINITDataFOD(values_, headers_, source_, only_, places, settings, qFOD, qOK_);
+    EXPECT_TRUE(qOK_ && qFOD);
+    EXPECT_THAT(values_.values(), ElementsAre(-1, 0, 0, 0, 0, 0));
+    ASSERT_EQ(places.columns(), headers_.entries());
+    ArrayReader fetch(session_);
+    const struct {
+      std::size_t array;
+      std::int32_t kind;
+      std::vector<float> values;
+    } rows[] = {{2, 3, {1, 2, 3, 4, 5, 6}}, {4, 2, {1, 1, 2, 2}}};
+    for (const auto& [array, kind, values] : rows) {
+      std::vector<float> fetched(static_cast<std::size_t>(places(1, array)));
+      EXPECT_EQ(places(2, array), kind);
+      fetch.readFetched(reader_.FileName, settings, places.values().subspan(5 * (array - 1)).first<5>(), 0,
+                        fetched, qOK_);
+      EXPECT_EQ(fetched, values) << name << array;
+    }
+  }
 }
 
 TEST_F(InitOperations, FindTheFileOfAnIndex) {
@@ -115,6 +131,10 @@ TEST_F(InitOperations, FindTheFileOfAnIndex) {
   load();
   EXPECT_TRUE(qOK_);
   EXPECT_EQ(reader_.FileName, folder_.file("CASE.INIT"));
+  test::writeFile(folder_.file("case.finit"), test::twoLocalGrids({Framing::Formatted}));
+  reader_.FileName = folder_.file("case.finspec");
+  load();
+  EXPECT_TRUE(qOK_);
   reader_.FileName = folder_.file("NONE.INSPEC");
   load();
   EXPECT_FALSE(qOK_);

@@ -2,7 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "reader/qvEclipseReader.h"
-#include "support/WellTestBuilder.h"
+#include "support/Forms.h"
+#include "support/TemporaryFolder.h"
 
 namespace lumbarn {
 namespace {
@@ -69,42 +70,13 @@ TEST(WellTestOperations, ReadTheSampleRunInBothForms) {
   }
 }
 
-TEST(WellTestOperations, HandOutBranchesOfEachKind) {
-  using Singles = WellTestBuilder::Singles;
-  using Integers = WellTestBuilder::Integers;
-  const TemporaryFolder folder;
-  WellTestBuilder file;
-  file.tests = {{.arrays = {{"CONBRNO", Integers{1, 2, 2}},
-                            {"CONLENST", Singles{0, 10, 20}},
-                            {"SEGBRNO", Integers{1, 1, 2}},
-                            {"SEGLENST", Singles{0, 10, 20}},
-                            {"SEGLENEN", Singles{10, 20, 20.1F}},
-                            {"SEGNXT", Integers{0, 1, 2}},
-                            {"BRNST", Integers{1, 3}},
-                            {"BRNEN", Integers{2, 3}}}}};
-  Host host;
-  ASSERT_TRUE(host.load(file.write(folder, bigEndian), 18));
-  EXPECT_EQ(host.reader.NumberBranches(1), 1);
-  EXPECT_EQ(host.reader.NumberICDBranches(1), 1);
-  EXPECT_EQ(host.reader.NumberBranches(2), 0);
-  auto& [session, reader, values, headers, number, zDate, zWell, zGrid, zOrigin] = host;
-  bool qOK = false;
-  reader.GetPLTtest(1, values, headers, number, zDate, zWell, zGrid, qOK);
-  EXPECT_TRUE(qOK && values.rows() == 3);
-  reader.GetBRANCHtest(1, values, headers, number, zDate, zWell, zGrid, qOK, 1);
-  EXPECT_TRUE(qOK && values.rows() == 2 && values.columns() == 31);
-  reader.GetICDBRANCHtest(1, values, headers, number, zDate, zWell, zGrid, qOK, 1);
-  EXPECT_TRUE(qOK && values.rows() == 1);
-  reader.GetPLTBRANCHtest(1, values, headers, number, zDate, zWell, zGrid, qOK, 1);
-  EXPECT_EQ(qOK, reader.NumberPLTBranches(1) >= 1);
-}
-
 TEST(WellTestOperations, ReadTextsOfAUserInOnePlace) {
   const TemporaryFolder folder;
   writeFile(folder.file("rft.txt"), bytesOf("RFT\nORIGIN X\nWELLNAME A\nTIME 1.5\nP DEPTH\n1 2\n"));
   writeFile(folder.file("plt.txt"), bytesOf("PLT\nWELLNAME B\nP LENGTH\n1 2\n"));
   Host host;
   EXPECT_FALSE(host.userRft(1));
+  EXPECT_FALSE(host.rft(1));
   ASSERT_TRUE(host.load(folder.file("rft.txt"), 76));
   EXPECT_TRUE(host.reader.IsInitialised(76));
   EXPECT_FALSE(host.reader.IsInitialised(77));

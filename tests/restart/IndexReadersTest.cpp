@@ -117,19 +117,25 @@ TEST_P(IndexReaders, InspecCleansNamesAndKeepsPasses) {
                           out.texts("LGRNAME", Texts{"LGR1"});
                           writeGrid(out, {"PORV"}, 1);
                           writeGrid(out, {"TABDIMS", "PVTNUM", "TRANNNC"});
+                          for (const auto* array : {"SATNUM", "TRANGL"}) {
+                            out.texts("LGRNAME", Texts{"LGR1"});
+                            writeGrid(out, {array});
+                          }
                         }),
                         qOK_);
   ASSERT_TRUE(qOK_);
   index.getINSPECData(qOK_);
   ASSERT_TRUE(qOK_);
-  ASSERT_EQ(index.passes.size(), 2U);
-  EXPECT_FALSE(index.GetINSPEC(0) || index.GetINSPEC(3));
+  ASSERT_EQ(index.passes.size(), 3U);
+  EXPECT_FALSE(index.GetINSPEC(0) || index.GetINSPEC(4));
   const qvEclipseINSPEC& pass = *index.GetINSPEC(1);
   EXPECT_EQ(pass.GridIndex("LGR1"), 2);
   EXPECT_EQ(pass.grids[0].nArrays, 4);
   Texts names;
   pass.GetINITNames("", names, qOK_);
   EXPECT_THAT(names, ElementsAre("PORO", "", "PORV"));
+  index.GetINSPEC(3)->GetINITNames("LGR1", names, qOK_);
+  EXPECT_THAT(names, ElementsAre("TRANGL")) << "a local grid that comes again begins a pass";
   std::vector<std::uint64_t> positions;
   pass.GetPointersToINITNames("LGR1", "PORV", positions, qOK_);
   EXPECT_THAT(positions, ElementsAre(std::uint64_t{1} << 32));

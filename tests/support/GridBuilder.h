@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -21,6 +22,7 @@ struct GridBuilder {
     std::vector<std::int32_t> hosts = {};
     std::vector<std::int32_t> coarse = {};
     std::int32_t angles = 0;                                   ///< word 27 of GRIDHEAD
+    std::array<std::int32_t, 6> place = {};                    ///< words 28 to 33
     std::vector<std::array<std::int32_t, 2>> reservoirs = {};  ///< layers of each; empty: one, untold
     bool halfDepths = false;                                   ///< depths of the upper half only
     float x = 0;                                               ///< of the first pillar
@@ -36,6 +38,7 @@ struct GridBuilder {
   std::int32_t dualPorosity = 0;              ///< word 6
   std::array<std::int32_t, 3> headSize = {};  ///< when set, what the last GRIDHEAD says instead
   bool endGrid = true;
+  std::vector<std::int32_t> nna1 = {}, nna2 = {};  ///< between the last local grid and the one before
   float lean = 1;
   std::vector<float> mapAxes = {};
   std::vector<std::string> gridUnit = {"METRES", ""};
@@ -125,6 +128,7 @@ struct GridBuilder {
     if (dualPorosity > 0) head[3] /= 2;
     head[24] = static_cast<std::int32_t>(grid.reservoirs.size());
     head[26] = grid.angles;
+    std::ranges::copy(grid.place, head.begin() + 27);
     out.integers("GRIDHEAD", head);
     out.singles("COORD", coord(grid));
     if (!grid.reservoirs.empty()) {
@@ -178,6 +182,10 @@ struct GridBuilder {
       }
       ++number;
     }
+    if (nna1.empty()) return;
+    out.integers("NNCHEADA", std::array{number - 1, number - 2});
+    out.integers("NNA1", nna1);
+    out.integers("NNA2", nna2);
   }
 };
 

@@ -140,24 +140,13 @@ TEST(PltBranches, AreCountedByTheGreatestNumber) {
 TEST(PltFaults, WithoutTubingRatesNothingIsReformedButTheOrderIs) {
   WellTestLoad run({{{.arrays = without(plt(), "CONOTUB")}, {.arrays = plt()}}});
   EXPECT_THAT(run.faults, ElementsAre(subscriptFaultIn("processPLTRecords")));
+  ASSERT_EQ(run.session.diagnoses().size(), 1U);
+  EXPECT_EQ(run.lastDiagnosis().keyword, "CONOTUB");
   ASSERT_TRUE(run.plt(1));
   EXPECT_EQ(run.column("CONORAT"), (Singles{10, 20, 5, 0}));
   EXPECT_EQ(run.column("CONBDEPH"), (Singles{100, 400, 200, 300}));
   ASSERT_TRUE(run.plt(2));
   EXPECT_EQ(run.column("CONMD"), (Singles{15, 15, 20, 35}));
-}
-
-/// A test that is read with options of its own, as no host can give them.
-std::shared_ptr<QVEclipseRFTtest> readWith(WellTestLoad& run, void (*set)(QVEclipseRFTtest&)) {
-  std::string why;
-  const auto walk = openWalk(run.file.FileName, why);
-  const auto one = std::make_shared<QVEclipseRFTtest>(run.session);
-  set(*one);
-  bool qOK = false;
-  one->getEclipseRFTtest(*walk, qOK);
-  EXPECT_TRUE(qOK);
-  run.file.addRFTtest(one, qOK);
-  return one;
 }
 
 TEST(PltOptions, OfTheFileReachNoTestAndOfATestDo) {
@@ -168,22 +157,31 @@ TEST(PltOptions, OfTheFileReachNoTestAndOfATestDo) {
   EXPECT_THAT(run.names(), IsSupersetOf({"CONMD", "CONORATS"}));
   EXPECT_EQ(run.column("CONMD"), (Singles{15, 15, 20, 35}));
 
-  readWith(run, [](QVEclipseRFTtest& one) { one.ProcessPLT = false; });
-  ASSERT_TRUE(run.plt(2));
-  EXPECT_EQ(run.names()[0], "CONORAT");
-  readWith(run, [](QVEclipseRFTtest& one) { one.SortedPLT = false; });
-  ASSERT_TRUE(run.plt(3));
-  EXPECT_EQ(run.column("CONMD"), (Singles{35, 15, 20, 15}));
-  EXPECT_EQ(run.column("CONBDEPH"), (Singles{300, 100, 200, 400}));
-  EXPECT_THAT(run.faults, IsEmpty());
-
+  struct Row {
+    bool QVEclipseRFTtest::*off;  // as no host can have it
+    const char* firstColumn;
+    Singles depths;
+  };
+  const Row rows[] = {{&QVEclipseRFTtest::ProcessPLT, "CONORAT", {300, 100, 200, 400}},
+                      {&QVEclipseRFTtest::SortedPLT, "CONMD", {300, 100, 200, 400}},
+                      {&QVEclipseRFTtest::ScaledPLT, "CONMD", {100, 400, 200, 300}}};
+  for (const Row& row : rows) {
+    EXPECT_THAT(run.faults, IsEmpty());
+    std::string why;
+    const auto walk = openWalk(run.file.FileName, why);
+    const auto one = std::make_shared<QVEclipseRFTtest>(run.session);
+    (*one).*row.off = false;
+    bool qOK = false;
+    one->getEclipseRFTtest(*walk, qOK);
+    run.file.addRFTtest(one, qOK);
+    ASSERT_TRUE(run.plt(run.file.NumTests()));
+    EXPECT_EQ(run.names()[0], row.firstColumn);
+    EXPECT_EQ(run.column("CONBDEPH"), row.depths);
+  }
   // The scaled columns are asked for all the same: the new table with as many columns as the file's had.
-  const auto unscaled = readWith(run, [](QVEclipseRFTtest& one) { one.ScaledPLT = false; });
   EXPECT_THAT(run.faults, ElementsAre(subscriptFaultIn("processPLTRecords")));
-  EXPECT_EQ(unscaled->nPLT(), 15);
-  EXPECT_EQ(unscaled->pltTable().columns.size(), 23U);
-  ASSERT_TRUE(run.plt(4));
-  EXPECT_EQ(run.column("CONMD"), (Singles{15, 15, 20, 35}));
+  EXPECT_EQ(run.file.test(4).nPLT(), 15);
+  EXPECT_EQ(run.file.test(4).pltTable().columns.size(), 23U);
 }
 
 TEST(PltFaults, TablesOfOtherLengthsAreNeverReadBeyondTheirEnd) {

@@ -134,6 +134,8 @@ INSTANTIATE_TEST_SUITE_P(
                    "SEGNXT"},
         DeviceCase{"Ring", well({{1, 0}, {2, 3, true}, {2, 2, true}}, {{1, 1}, {2, 3}}), 1, 1, 2, "", ""},
         DeviceCase{"WithoutBranchTable", well({{1, 0, true}, {1, 1}}, {}), 0, 0, 1, "", ""},
+        DeviceCase{"OnBranchTwoWithoutBranchTable", well({{1, 0}, {2, 1, true}}, {}), 0, 0, 0,
+                   "processSEGMENTData", "SEGBRNO"},
         DeviceCase{"BranchBeyondTheTable", well({{1, 0}, {3, 1, true}}, {{1, 1}, {2, 2}}), 2, 0, 0,
                    "processSEGMENTData", "SEGBRNO"},
         DeviceCase{"BranchNumberZero", well({{0, 0, true}, {1, 1}}, {{1, 2}}), 1, 0, 0, "processSEGMENTData",

@@ -191,10 +191,10 @@ TEST(UserRFT, ReadsDates) {
   }
 }
 
-TEST(UserRFT, RowWithTooFewNumbersEndsReadingWithAReport) {
+TEST(UserRFT, RowWithTooFewNumbersEndsItsTestWithAReport) {
   UserFile file;
-  auto loaded = file.load("RFT\nD\n1\nPLT\nRFT\nD P S\n1 2 3\n4 5\n6 7 8\nRFT\nD\n9\n");
-  EXPECT_EQ(file.shown(loaded), "#1 : D/PLT = 1 | #2 : D P S = 1 2 3; 4 5 0");
+  auto loaded = file.load("RFT\nD\n1\nPLT\nRFT\nD P S\n1 2 3\n4 5\n6 7\nX\nRFT\nD\n9\n");
+  EXPECT_EQ(file.shown(loaded), "#1 : D/PLT = 1 | #2 : D P S = 1 2 3; 4 5 0 | #3 : D = 9");
   EXPECT_TRUE(loaded.qDamaged);
   EXPECT_THAT(file.reports,
               ElementsAre("Error:Subscript out of range (No.9) In [qvUserRFTtest (Code) (AddRFTData)] "));
@@ -232,21 +232,6 @@ TEST(UserRFT, CancelLeavesTestsWithoutNumbers) {
   const auto loaded = file.load(text, Rft, false);
   EXPECT_EQ(loaded.NumTests(), 1);
   EXPECT_EQ(loaded.test(1).iTest, 0);
-}
-
-// Every front part of a file reads, gives the tests that are whole in it, and takes what a cut number says.
-TEST(UserRFT, CutFilesGiveWhatIsThere) {
-  UserFile file;
-  const std::string text = "RFT\nWELLNAME A\nD P\nFT PSI\n10 20\n30 40\nRFT\nDATE 1 JAN 1990\nD\n5\n";
-  const std::string first = "A#1 : D/FT P/PSI = 10 20; 30 40";
-  for (std::size_t size = 0; size <= text.size(); ++size) {
-    auto loaded = file.load(text.substr(0, size));
-    const auto shown = file.shown(loaded);
-    if (size >= 38) {
-      EXPECT_EQ(shown.substr(0, first.size()), first) << size;
-    }
-    EXPECT_EQ(loaded.NumTests(), size < 41 ? 1 : 2) << size;
-  }
 }
 
 TEST(UserRFT, ChecksFiles) {

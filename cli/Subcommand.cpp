@@ -1,0 +1,96 @@
+#include "Subcommand.h"
+
+#include <limits>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "support/Text.h"
+
+namespace lumbarn::cli {
+namespace {
+
+/// Takes a whole number, or one from 1, to a variable. The parser's own message names neither.
+template <class Number>
+void addNumber(CLI::App& command, const std::string& name, Number& number, const std::string& word,
+               const std::string& description, bool fromOne) {
+  const auto store = [&number, name, fromOne](const std::string& text) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    const auto given = toInteger(text);
+    if (!given || *given < (fromOne ? 1 : Limits::min()) || *given > Limits::max()) {
+      throw CLI::ValidationError(
+          fmt::format("{} needs a {}, not \"{}\"", name, fromOne ? "number from 1" : "whole number", text));
+    }
+    number = static_cast<std::int32_t>(*given);
+  };
+  command.add_option_function<std::string>(name, store, description)->option_text(word);
+}
+
+Format formatNamed(const std::string& word) {
+  if (equalNoCase(word, "table")) return Format::Table;
+  if (equalNoCase(word, "csv")) return Format::Csv;
+  if (equalNoCase(word, "json")) return Format::Json;
+  throw CLI::ValidationError(fmt::format("--format is table, csv or json, not \"{}\"", word));
+}
+
+}  // namespace
+
+Subcommand::Subcommand(CommandLine& line, const std::string& name, const std::string& description)
+    : command_(*line.app.add_subcommand(name, description)), chosen_(line.chosen) {}
+
+void Subcommand::setAction(Action action) {
+  command_.callback([action = std::move(action), &chosen = chosen_] { chosen = action; });
+}
+
+void Subcommand::path(std::string& path, const std::string& description, const std::string& name) {
+  command_.add_option(name, path, description)->required()->option_text(" ");
+}
+
+void Subcommand::flag(const std::string& name, bool& given, const std::string& description) {
+  command_.add_flag(name, given, description);
+}
+
+void Subcommand::value(const std::string& name, std::string& text, const std::string& word,
+                       const std::string& description) {
+  command_.add_option(name, text, description)->option_text(word);
+}
+
+void Subcommand::value(const std::string& name, std::int32_t& number, const std::string& word,
+                       const std::string& description) {
+  addNumber(command_, name, number, word, description, false);
+}
+
+void Subcommand::value(const std::string& name, std::optional<std::int32_t>& number, const std::string& word,
+                       const std::string& description) {
+  addNumber(command_, name, number, word, description, false);
+}
+
+void Subcommand::requiredValue(const std::string& name, std::string& text, const std::string& word,
+                               const std::string& description) {
+  command_.add_option(name, text, description)->required()->option_text(word);
+}
+
+void Subcommand::ordinal(const std::string& name, std::int32_t& number, const std::string& description) {
+  addNumber(command_, name, number, "N", description, true);
+}
+
+void Subcommand::repeated(const std::string& name, std::vector<std::string>& texts, const std::string& word,
+                          const std::string& description) {
+  command_.add_option(name, texts, description)->allow_extra_args(false)->option_text(word);
+}
+
+void Subcommand::list(const std::string& name, std::vector<std::string>& texts, const std::string& word,
+                      const std::string& description) {
+  command_.add_option(name, texts, description)->allow_extra_args(false)->delimiter(',')->option_text(word);
+}
+
+void Subcommand::output(OutputOptions& options) {
+  const auto setFormat = [&options](const std::string& word) { options.format = formatNamed(word); };
+  command_.add_option_function<std::string>("--format", setFormat, "Form of the output: table, csv or json")
+      ->option_text("FORMAT");
+  value("-o,--output", options.file, "FILE", "Write to FILE, which appears when it is complete");
+}
+
+void Subcommand::footer(const std::string& text) { command_.footer(text); }
+
+}  // namespace lumbarn::cli
