@@ -214,7 +214,7 @@ void qvEclipseINIT::processINTEHEAD(HeaderWords words) {
   grid.Ny = words(10);
   grid.Nz = words(11);
   grid.nCells = cellCount(grid.Nx, grid.Ny, grid.Nz);
-  grid.nActive = grid.qE100 || words(4) < 1 ? words(12) : words(4);
+  grid.nActive = activeCellsOfInit(words);
   grid.nPhases = words(15);
   auto& flags = grid.flags;
   bool qPhases = false;

@@ -13,13 +13,13 @@ std::int32_t cellCount(std::int32_t Nx, std::int32_t Ny, std::int32_t Nz) {
   return cells;
 }
 
-std::int32_t activeCells(const HeaderWords& iHeader) {
-  const bool ownCount = iHeader.isE300() && iHeader(4) > 0 && iHeader(96) < 1;
-  return iHeader(ownCount ? 4 : 12);
+std::int32_t activeCellsOfInit(const HeaderWords& iHeader) {
+  return iHeader(iHeader.isE300() && iHeader(4) > 0 ? 4 : 12);
 }
 
 void PreprocessINTEHEAD(const HeaderWords& iHeader, std::int32_t& nActive, std::int32_t& nCells) {
-  nActive = activeCells(iHeader);
+  const bool ownCount = iHeader.isE300() && iHeader(4) > 0 && iHeader(96) < 1;
+  nActive = iHeader(ownCount ? 4 : 12);
   nCells = cellCount(iHeader(9), iHeader(10), iHeader(11));
 }
 

@@ -34,12 +34,13 @@ class HeaderWords {
 /// Nx times Ny times Nz. Throws Fault 6 when 32 bits do not hold the product.
 std::int32_t cellCount(std::int32_t Nx, std::int32_t Ny, std::int32_t Nz);
 
-/// The active cells: the simulator with code 300 has them in word 4, when that is above 0 and word 96 below
-/// 1, and all others in word 12. An absent word counts as 0.
-std::int32_t activeCells(const HeaderWords& iHeader);
+/// The active cells of a grid of an INIT file: word 12, but word 4 of the simulator with code 300 when that
+/// is above 0. In a restart file it is word 12 always.
+std::int32_t activeCellsOfInit(const HeaderWords& iHeader);
 
-/// What can be told from a header alone: the active cells, see `activeCells`, and the cells. Throws Fault 6
-/// when the cell count overflows.
+/// What can be told from a header alone: the active cells, where the simulator with code 300 has them in word
+/// 4 (when that is above 0 and word 96 below 1) and all others in word 12, and the cells. Absent words count
+/// as 0. Throws Fault 6 when the cell count overflows.
 void PreprocessINTEHEAD(const HeaderWords& iHeader, std::int32_t& nActive, std::int32_t& nCells);
 
 }  // namespace lumbarn

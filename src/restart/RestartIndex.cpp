@@ -35,7 +35,7 @@ bool sameGrid(std::string_view a, std::string_view b) {
   return (isGlobalGrid(a) && isGlobalGrid(b)) || equalNoCase(trim(a), trim(b));
 }
 
-GridCells gridCells(const std::vector<std::int32_t>& intehead) {
+GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init) {
   constexpr std::int32_t unitsAbove = 5000;  // the simulator of this code counts its unit systems from there
   GridCells result;
   if (intehead.size() < 12) return result;
@@ -47,7 +47,7 @@ GridCells gridCells(const std::vector<std::int32_t>& intehead) {
     if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
   }
   result.cells = cells;
-  result.active = activeCells(word);
+  result.active = init ? activeCellsOfInit(word) : word(12);
   return result;
 }
 

@@ -60,7 +60,9 @@ struct GridCells {
   bool known() const { return cells > 0; }
   bool operator==(const GridCells&) const = default;
 };
-GridCells gridCells(const std::vector<std::int32_t>& intehead);
+/// By the header of a restart or INIT file, as a load of it counts them: the two differ in where the
+/// simulator with code 300 has the active cells.
+GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init);
 
 /// Records that belong to one grid and stand one behind the other. A grid may have several groups: an INIT
 /// file comes back to the global grid after each pass over the local ones.

@@ -241,8 +241,8 @@ class FileAgreement {
     if (const IndexEntry* entry = step.find("INTEHEAD")) {
       moveTo(*entry);
       const auto head = headWords(*cursor_);
-      const GridCells cells = gridCells(head);
-      require(cells == gridCells(index_.header), "the grid has other cells than the index says");
+      const GridCells cells = gridCells(head, index_.init);
+      require(cells == gridCells(index_.header, index_.init), "the grid has other cells than the index says");
       if (index_.init) return;
       const std::int32_t number = stepOfHead(head);
       require(number < 1 || number == step.number, "step {} is step {} in the index", number, step.number);
@@ -270,7 +270,7 @@ class FileAgreement {
 
   /// A local grid's cells stand in its INTEHEAD, one of which is read for each grid of the file.
   void fillCells() {
-    std::map<std::string, GridCells, std::less<>> known{{"", gridCells(index_.header)}};
+    std::map<std::string, GridCells, std::less<>> known{{"", gridCells(index_.header, index_.init)}};
     for (IndexStep* step : steps_) {
       for (IndexGroup& group : step->groups) {
         auto grid = known.find(group.grid);
@@ -278,7 +278,7 @@ class FileAgreement {
           const IndexEntry* entry = step->find("INTEHEAD", group.grid);
           require(entry != nullptr, "the size of the grid {} is not indexed", group.grid);
           moveTo(*entry);
-          grid = known.emplace(group.grid, gridCells(headWords(*cursor_))).first;
+          grid = known.emplace(group.grid, gridCells(headWords(*cursor_), index_.init)).first;
         }
         group.cells = grid->second;
       }

@@ -80,7 +80,7 @@ class Builder {
 
   void takeHead(std::vector<std::int32_t> words) {
     IndexGroup& group = step_.groups.back();
-    group.cells = gridCells(words);
+    group.cells = gridCells(words, index_.init);
     if (!group.grid.empty() || !head_.empty()) return;
     if (index_.header.empty()) index_.header = words;
     head_ = std::move(words);

@@ -3,6 +3,7 @@
 
 #include "record/Quarnet.h"
 #include "restart/ArrayUnits.h"
+#include "restart/RestartIndex.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Fault.h"
 #include "support/RestartBuilder.h"
@@ -21,13 +22,14 @@ using ::testing::IsEmpty;
 struct HeaderCase {
   std::size_t words;
   std::int32_t word4, word12, program, word96;
-  std::int32_t nActive;
+  std::int32_t nActive, ofInit;
 };
 
 TEST(HeaderWordsTest, ActiveCellsDependOnTheSimulator) {
-  for (const auto& [words, word4, word12, program, word96, nActive] :
-       {HeaderCase{411, 7, 5, 100, 0, 5}, HeaderCase{411, 7, 5, 300, 0, 7}, HeaderCase{411, 7, 5, 300, 1, 5},
-        HeaderCase{411, 0, 5, 300, 0, 5}, HeaderCase{95, 7, 5, 300, 0, 7}, HeaderCase{94, 7, 5, 300, 0, 5}}) {
+  for (const auto& [words, word4, word12, program, word96, nActive, ofInit] :
+       {HeaderCase{411, 7, 5, 100, 0, 5, 5}, HeaderCase{411, 7, 5, 300, 0, 7, 7},
+        HeaderCase{411, 7, 5, 300, 1, 5, 7}, HeaderCase{411, 0, 5, 300, 0, 5, 5},
+        HeaderCase{95, 7, 5, 300, 0, 7, 7}, HeaderCase{94, 7, 5, 300, 0, 5, 5}}) {
     std::vector<std::int32_t> header(411);
     header[3] = word4, header[8] = 2, header[9] = 3, header[10] = 4, header[11] = word12;
     header[94] = program, header[95] = word96;
@@ -37,6 +39,8 @@ TEST(HeaderWordsTest, ActiveCellsDependOnTheSimulator) {
     PreprocessINTEHEAD(HeaderWords(header), active, cells);
     EXPECT_EQ(active, nActive) << words << " words, simulator " << program;
     EXPECT_EQ(cells, 24);
+    EXPECT_EQ(gridCells(header, true).active, ofInit) << "as a load of an INIT file counts them";
+    EXPECT_EQ(gridCells(header, false).active, 5) << "as a load of a restart file does";
   }
   EXPECT_EQ(cellCount(46340, 46340, 1), 2147395600);
   EXPECT_THROW(cellCount(46341, 46341, 1), Fault);
