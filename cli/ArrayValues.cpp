@@ -43,14 +43,8 @@ void put(TableWriter& table, const IndexEntry& entry, double value) {
 ArrayValues::ArrayValues(ArrayReader& reader, const IndexStep& step, const RunFamily& run,
                          const ArrayOptions& options, Console& console)
     : reader_(reader), step_(step), options_(options), console_(console), cells_(step.cellsOf(options.grid)) {
-  if (!step.hasGrid(options.grid)) {
-    std::vector<std::string> grids;
-    for (const IndexGroup& group : step.groups) {
-      if (std::ranges::count(grids, shownGrid(group.grid)) == 0) grids.push_back(shownGrid(group.grid));
-    }
-    throw Failure(Usage,
-                  fmt::format("{} has no grid {}; it has {}", stepName(), options.grid, listText(grids)));
-  }
+  const IndexStep* const steps[] = {&step};
+  requireGrid(steps, options.grid, stepName());
   for (const std::string& list : options.names) {
     for (const std::string& pattern : split(list, ',')) {
       if (!trim(pattern).empty()) choose(std::string(trim(pattern)));

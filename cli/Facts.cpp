@@ -38,7 +38,7 @@ void writeGroup(const Facts& group, std::string_view indent, std::ostream& out) 
     out << printable(fmt::format("{}{:<{}}  {}", indent, words(name), width, plain(fact))) << "\n";
   }
   for (const auto& [name, fact] : group.items()) {
-    if (!fact.is_object()) continue;
+    if (!fact.is_object() || fact.empty()) continue;
     if (indent.empty()) out << "\n";
     out << printable(fmt::format("{}{}", indent, words(name))) << "\n";
     writeGroup(fact, std::string(indent) + "  ", out);

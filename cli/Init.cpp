@@ -173,6 +173,7 @@ class InitListing {
 
   /// Places, from 1, of the connection arrays that the patterns choose. Throws Failure when there are none.
   std::vector<std::int32_t> choose(const std::vector<std::string>& names) {
+    if (names.empty()) throw Failure(Usage, fmt::format("{}: has no connection arrays", options_.path));
     ArraySelection selection(options_.arrays, {});
     std::vector<std::int32_t> chosen;
     for (std::size_t i = 0; i < names.size(); ++i) {

@@ -2,21 +2,33 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <concepts>
 #include <string_view>
 
 namespace lumbarn::cli {
 
-/// A number as text in the shortest form that reads back to the same value of its type.
+/// A number as text: the fewest digits that read back to the same value of its type. With an exponent only
+/// where people expect one: 100000, not 1e+05.
 class NumberText {
  public:
-  template <class Number>
+  template <std::integral Number>
   explicit NumberText(Number value) {
-    const auto result = std::to_chars(text_.data(), text_.data() + text_.size(), value);
-    length_ = static_cast<std::size_t>(result.ptr - text_.data());
+    end(std::to_chars(begin(), begin() + text_.size(), value));
+  }
+  template <std::floating_point Number>
+  explicit NumberText(Number value) {
+    const Number size = std::abs(value);
+    const bool plain = size >= Number{1e-4F} && size < Number{1e9F};
+    end(plain ? std::to_chars(begin(), begin() + text_.size(), value, std::chars_format::fixed)
+              : std::to_chars(begin(), begin() + text_.size(), value));
   }
   std::string_view view() const { return {text_.data(), length_}; }
 
  private:
+  char* begin() { return text_.data(); }
+  void end(std::to_chars_result result) { length_ = static_cast<std::size_t>(result.ptr - text_.data()); }
+
   std::array<char, 32> text_;  // the longest is a double, "-2.2250738585072014e-308"
   std::size_t length_;
 };

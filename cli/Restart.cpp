@@ -141,13 +141,17 @@ ExitStatus showRestart(const RestartOptions& options, Console& console) {
   std::vector<const IndexStep*> steps;
   for (const IndexStep& step : index.steps) steps.push_back(&step);
   if (options.step) steps = {&stepOf(index, *options.step)};
+  const std::string& grid = options.arrays.grid;
+  if (!grid.empty() && !values) {
+    requireGrid(steps, grid, options.step ? fmt::format("step {}", *options.step) : index.files.front());
+  }
   const Format format = options.output.format;
   if (values) {
     ArrayValues(reader, *steps.front(), run, options.arrays, console).write(format, output.stream());
   } else if (format == Format::Table) {
-    writeReadable(index, steps, options.arrays.grid, output.stream());
+    writeReadable(index, steps, grid, output.stream());
   } else {
-    writeRows(index, steps, options.arrays.grid, format, output.stream());
+    writeRows(index, steps, grid, format, output.stream());
   }
   output.commit();
   return console.doneStatus();

@@ -92,9 +92,17 @@ int run(std::span<const std::string> args, std::ostream& out, std::ostream& err,
   try {
     app.parse(std::vector<std::string>(args.rbegin(), args.rend()));
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error, out, err);  // help or version
-    console.say(usageMessage(app, error));
-    return Usage;
+    if (error.get_exit_code() != 0) {
+      console.say(usageMessage(app, error));
+      return Usage;
+    }
+    chosen = [&app, &error](Console& asked) {  // help or version
+      Output output({}, asked.out(), {});
+      app.exit(error, output.stream(), output.stream());
+      output.commit();
+      return Done;
+    };
+    return perform(chosen, console);
   }
   if (!chosen) {
     err << app.help();

@@ -68,6 +68,18 @@ std::string noStepText(const std::string& file, std::int32_t step, const std::ve
                      steps.empty() ? "none" : listText(rangesOf(steps)));
 }
 
+void requireGrid(std::span<const IndexStep* const> steps, const std::string& grid, const std::string& owner) {
+  std::vector<std::string> names;
+  for (const IndexStep* step : steps) {
+    if (step->hasGrid(grid)) return;
+    for (const IndexGroup& group : step->groups) {
+      const auto name = shownGrid(group.grid);
+      if (std::ranges::count(names, name) == 0) names.push_back(name);
+    }
+  }
+  throw Failure(Usage, fmt::format("{} has no grid {}; it has {}", owner, grid, listText(names)));
+}
+
 std::string listText(const std::vector<std::string>& names) {
   constexpr std::size_t shown = 12;
   std::string text;

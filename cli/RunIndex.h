@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ std::string stepsText(const std::vector<std::int32_t>& steps);
 /// What to tell whoever asked a file for a report step that it does not have: "RUN.UNRST has no report step
 /// 4; it has 0:3, 5".
 std::string noStepText(const std::string& file, std::int32_t step, const std::vector<std::int32_t>& steps);
+/// Throws Failure, with the grids that there are, when none of the steps has a grid. `owner` names them.
+void requireGrid(std::span<const IndexStep* const> steps, const std::string& grid, const std::string& owner);
 /// "A, B, C and 12 others".
 std::string listText(const std::vector<std::string>& names);
 

@@ -30,6 +30,8 @@ TEST(Run, WrongUsageSaysWhatIsMeant) {
       {{"vectors"}, "PATH is required (see \"lumbarn vectors --help\")"},
       {{"info", "--format", "xml", "X"}, "--format is table, csv or json, not \"xml\""},
       {{"restart", "--step", "X"}, "--step needs a whole number, not \"X\" (see"},
+      {{"restart", "--step", "3", "--grid", "FAULT", sample("HOLLIN")},
+       "step 3 has no grid FAULT; it has ROOT"},
       {{"tables", "--number", "2147483648", "X"}, "--number needs a whole number"},
       {{"info", "NO/SUCH"}, "NO/SUCH: "},
       {{"summary", "--steps", "5:3", sample("ARBOR")},
@@ -118,6 +120,7 @@ TEST(Program, ExitStatus) {
   EXPECT_EQ(statusOf("check NOWHERE >/dev/null", messages), 2);
   if (std::filesystem::exists("/dev/full")) {
     EXPECT_EQ(statusOf("vectors" + quoted(sample("ARBOR")) + ">/dev/full", messages), 1);
+    EXPECT_EQ(statusOf("--help >/dev/full", messages), 1);
     EXPECT_EQ(content(messages), "lumbarn: standard output cannot be written\n");
   }
 }
