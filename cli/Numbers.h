@@ -8,18 +8,19 @@
 
 namespace lumbarn::cli {
 
-/// A number as text: the fewest digits that read back to the same value of its type. With an exponent only
-/// where people expect one: 100000, not 1e+05.
+/// A number as text: the fewest digits that read back to the same value of its type.
 class NumberText {
  public:
   template <std::integral Number>
-  explicit NumberText(Number value) {
+  explicit NumberText(Number value, bool = true) {
     end(std::to_chars(begin(), begin() + text_.size(), value));
   }
+  /// For people with an exponent only where they expect one: 100000, not 1e+05. Otherwise in the shortest
+  /// form.
   template <std::floating_point Number>
-  explicit NumberText(Number value) {
+  explicit NumberText(Number value, bool forPeople = true) {
     const Number size = std::abs(value);
-    const bool plain = size >= Number{1e-4F} && size < Number{1e9F};
+    const bool plain = forPeople && size >= Number{1e-4F} && size < Number{1e9F};
     end(plain ? std::to_chars(begin(), begin() + text_.size(), value, std::chars_format::fixed)
               : std::to_chars(begin(), begin() + text_.size(), value));
   }

@@ -113,6 +113,7 @@ std::unique_ptr<TableWriter> TableWriter::make(Format format, std::vector<Column
       writer = std::make_unique<ReadableWriter>(std::move(columns), out);
       break;
   }
+  writer->forPeople_ = format == Format::Table;
   writer->begin();
   return writer;
 }
@@ -134,7 +135,7 @@ requires std::floating_point<Number> || std::integral<Number>
 void TableWriter::number(Number value) {
   bool finite = true;
   if constexpr (std::floating_point<Number>) finite = std::isfinite(value);
-  add(finite ? Cell::Number : Cell::NotFinite, NumberText(value).view());
+  add(finite ? Cell::Number : Cell::NotFinite, NumberText(value, forPeople_).view());
 }
 template void TableWriter::number(float);
 template void TableWriter::number(double);

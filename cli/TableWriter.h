@@ -26,7 +26,8 @@ struct Column {
 ///
 /// Csv: RFC 4180, so lines end in CR LF; a value that is not a number is an empty field. Json: an array with
 /// one object for each row; JSON has no word for infinities and values that are not numbers, so they are
-/// null. Table: aligned, for people.
+/// null. Table: aligned, for people. Numbers are in the shortest form that reads back to the same value, in a
+/// table without exponents where none is needed.
 class TableWriter {
  public:
   TableWriter(std::vector<Column> columns, std::ostream& out) : columns_(std::move(columns)), out_(out) {}
@@ -61,6 +62,7 @@ class TableWriter {
 
   std::ostream& out_;
   std::size_t next_ = 0;
+  bool forPeople_ = false;
 };
 
 /// Columns that a text takes on a terminal: one for each UTF-8 character.

@@ -98,8 +98,8 @@ TEST(TableWriter, QuotesWhatEachFormatNeeds) {
             "      BARSA\n"
             "a,b     0.1  -\n"
             "say \"hi\"   -100  -\n"
-            "line??end  1e+05  -\n"
-            "\xC3\xA9t\xC3\xA9   -1e+08  -\n"
+            "line??end  100000  -\n"
+            "\xC3\xA9t\xC3\xA9   -100000000  -\n"
             "bad \xFF  1e+11  -\n"
             "      -1e+14  -\n");
 }
