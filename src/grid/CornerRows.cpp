@@ -108,7 +108,7 @@ void writePlain(const Line& line, const Place& place, const Column* columns) {
     std::size_t active = 0;
     float* out = line.row(i, active);
     if (!out) continue;
-    const Column& column = columns[i];
+    const Column& column = columns[i - place.iFirst];
     float z[8];
     readDepths<compressed>(line, i, active, z);
     for (std::size_t n = 0; n < 8; ++n) {
@@ -165,8 +165,8 @@ __attribute__((target("avx2"))) void writeWide(const Line& line, const Place& pl
       top = twoPairs(line.depths[0] + 2 * i, line.depths[1] + 2 * i);
       bottom = twoPairs(line.depths[2] + 2 * i, line.depths[3] + 2 * i);
     }
-    writeHalf(columns[i], top, out);
-    writeHalf(columns[i], bottom, out + 12);
+    writeHalf(columns[i - place.iFirst], top, out);
+    writeHalf(columns[i - place.iFirst], bottom, out + 12);
   }
 }
 #else
@@ -182,14 +182,15 @@ LineWriter lineWriter(bool compressed) {
   return hasWide() ? &writeWide<false> : &writePlain<false>;
 }
 
-void makeColumns(const CornerSource& source, std::size_t j, std::size_t reservoir,
+/// Those from number iFirst along I.
+void makeColumns(const CornerSource& source, std::size_t j, std::size_t iFirst, std::size_t reservoir,
                  const MapTransform* transform, std::span<Column> columns) {
   const auto line = 6 * (static_cast<std::size_t>(source.Nx) + 1);
   const float* first =
       source.coord.data() + line * ((static_cast<std::size_t>(source.Ny) + 1) * reservoir + j);
   for (std::size_t i = 0; i < columns.size(); ++i) {
     for (std::size_t p = 0; p < 4; ++p) {
-      setPillar(columns[i], p, first + (p >> 1) * line + 6 * (i + (p & 1)), transform);
+      setPillar(columns[i], p, first + (p >> 1) * line + 6 * (iFirst + i + (p & 1)), transform);
     }
   }
 }
@@ -237,25 +238,33 @@ void writeCornerRows(const CornerSource& source, const RowRange& range, const Ma
   const auto nx = static_cast<std::size_t>(source.Nx);
   const auto ny = static_cast<std::size_t>(source.Ny);
   const auto write = lineWriter(source.compressed);
-  std::vector<Column> columns(nx);
-  const std::size_t lastLayer = range.lastCell / (nx * ny);
-  for (std::size_t k = range.firstCell / (nx * ny); k <= lastLayer;) {
+  // Some cells of one line, or lines of one layer, need not cost what all of the grid do.
+  const std::size_t firstLine = range.firstCell / nx, lastLine = range.lastCell / nx;
+  const bool oneLine = firstLine == lastLine;
+  const std::size_t iFirst = oneLine ? range.firstCell % nx : 0;
+  const std::size_t iEnd = oneLine ? range.lastCell % nx + 1 : nx;
+  const std::size_t lastLayer = lastLine / ny;
+  const bool oneLayer = firstLine / ny == lastLayer;
+  const std::size_t jFirst = oneLayer ? firstLine % ny : 0;
+  const std::size_t jEnd = oneLayer ? lastLine % ny + 1 : ny;
+  std::vector<Column> columns(iEnd - iFirst);
+  for (std::size_t k = firstLine / ny; k <= lastLayer;) {
     // Layers of one reservoir share their pillars.
     const std::int32_t reservoir = source.reservoirOfLayer[k];
     std::size_t end = k + 1;
     while (end <= lastLayer && end - k < layersAtOnce && source.reservoirOfLayer[end] == reservoir) ++end;
-    for (std::size_t j = 0; j < ny; ++j) {
+    for (std::size_t j = jFirst; j < jEnd; ++j) {
       bool made = false;
       for (std::size_t layer = k; layer < end; ++layer) {
         const Place place = placeIn(range, j, layer, ny, nx);
         if (place.iFirst >= place.iEnd) continue;
         if (reservoir >= 0 && !made) {
-          makeColumns(source, j, static_cast<std::size_t>(reservoir), transform, columns);
+          makeColumns(source, j, iFirst, static_cast<std::size_t>(reservoir), transform, columns);
           made = true;
         }
         const Line line(source, range, place, rows);
         if (reservoir >= 0) {
-          write(line, place, columns.data());
+          write(line, place, &columns[place.iFirst - iFirst]);
         } else {
           writeZeros(line, place);
         }

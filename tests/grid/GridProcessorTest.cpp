@@ -168,9 +168,16 @@ TEST(GridProcessor, BulkRowsHaveTheBitsOfSingleCells) {
     const double rounded = cellVolume(cornersOf(grid, cell));
     EXPECT_NEAR(volumes[static_cast<std::size_t>(cell) - 1], rounded, 1e-4 * std::abs(rounded) + 1e7) << cell;
   }
-  std::vector<float> part(24 * 50);
-  grid.activeCorners(31, part);
-  EXPECT_TRUE(sameBits(part, expected.values().subspan(24 * 30, part.size())));
+  // A part of a line, of a layer, of two layers, and across the one that is in no reservoir.
+  for (const std::size_t count : {2, 7, 50, 150}) {
+    std::vector<float> part(24 * count);
+    for (std::int32_t first = 1; first + static_cast<std::int32_t>(count) - 1 <= grid.nActive(); first += 3) {
+      grid.activeCorners(first, part);
+      ASSERT_TRUE(
+          sameBits(part, expected.values().subspan(24 * (static_cast<std::size_t>(first) - 1), part.size())))
+          << count << " from " << first;
+    }
+  }
   XYData all;
   getReservoirCORNERSArray_Grid(grid, 2, all, session, qOK);
   EXPECT_TRUE(qOK);
