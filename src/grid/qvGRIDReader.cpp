@@ -33,12 +33,7 @@ bool qvGRIDReader::check(std::string_view zFile, std::string_view keyword, const
     const auto detected = detectForm(*source, keywords);
     if (!detected) return false;
     FileName = path;
-    Formatted = detected->form.formatted();
-    // UNIX stays as it was for a formatted file, where it means nothing.
-    if (!Formatted) {
-      UNIX = detected->form.framing == Framing::FourByteMarks;
-      byteSwap = detected->form.byteSwap;
-    }
+    setForm(detected->form);
     FORTRAN = true;
     return true;
   });
@@ -46,10 +41,7 @@ bool qvGRIDReader::check(std::string_view zFile, std::string_view keyword, const
 }
 
 void qvGRIDReader::setGRIDFileTypeProps(cFILETYPE& xFile, bool& qOK) const {
-  xFile.Formatted = Formatted;
-  xFile.UNIX = UNIX;
-  xFile.FORTRAN = FORTRAN;
-  xFile.byteSwap = byteSwap;
+  xFile.setFlags(*this);
   xFile.IOMethod = session_->IOMethod;
   xFile.UseBufferedInput = usesBufferedInput(gridFileKind);
   qOK = true;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "../record/Form.h"
+#include "../record/FormFlags.h"
 #include "../record/RecordCursor.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
@@ -20,7 +20,7 @@ namespace lumbarn {
 /// Nothing in a file is trusted: an array that does not go with the sizes of its grid, sizes that cannot be,
 /// and damage end the read with a Diagnosis; grids that were whole before it stay and are given out. A
 /// parent, host cell or connection that is not there is told and left out, and the read goes on.
-class qvGRIDReader {
+class qvGRIDReader : public FormFlags {
  public:
   explicit qvGRIDReader(Session& session = Session::process()) : session_(&session) {}
 
@@ -34,10 +34,6 @@ class qvGRIDReader {
   std::string FileName;
   std::string HPGFolder;  ///< folder for cached geometry, told to each store object
   std::string Origin;
-  bool Formatted = false;
-  bool FORTRAN = true;
-  bool UNIX = true;
-  bool byteSwap = true;
   /// Keep active cells only. A formatted file, and a grid with coarsened cells, is read as if this were
   /// False.
   bool CompressOnLoad = false;

@@ -55,22 +55,15 @@ bool qvEclipseINIT::CheckINITFile(const std::string& zFile) {
   const auto source = FileSource::open(zFile, why);
   const auto detected = source ? detectForm(*source, firstKeywords) : std::nullopt;
   if (!detected) return false;
-  cFILETYPE cFile(*session_);
-  cFile.setForm(detected->form);
-  Formatted = cFile.Formatted;
-  UNIX = cFile.UNIX;
-  byteSwap = cFile.byteSwap;
-  FORTRAN = true;
+  setFlags({});
+  setForm(detected->form);
   FileName = zFile;
   return true;
 }
 
 void qvEclipseINIT::setINITFileTypeProps(cFILETYPE& cFile, bool& qOK) const {
   constexpr std::int32_t fileKindCode = 13;  // deliberate: that of a summary
-  cFile.Formatted = Formatted;
-  cFile.UNIX = UNIX;
-  cFile.FORTRAN = FORTRAN;
-  cFile.byteSwap = byteSwap;
+  cFile.setFlags(*this);
   cFile.IOMethod = session_->IOMethod;
   cFile.UseBufferedInput = usesBufferedInput(fileKindCode);
   qOK = true;
@@ -328,9 +321,7 @@ void qvEclipseINIT::GetInitVectorList(std::int32_t& nVectors, std::vector<std::s
   guarded(*session_, qOK, className, "GetInitVectorList", [&] {
     qvEclipseINIT probe(*session_);
     probe.FileName = FileName;
-    probe.Formatted = Formatted;
-    probe.UNIX = UNIX;
-    probe.byteSwap = byteSwap;
+    probe.setFlags(*this);
     probe.selection = selection;
     probe.LoadData = probe.Tables = false;
     probe.reset();

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../record/FormFlags.h"
 #include "../record/RecordCursor.h"
 #include "../record/cFILETYPE.h"
 #include "../restart/ArraySelection.h"
@@ -34,7 +35,7 @@ namespace lumbarn {
 /// Operations never throw and set qOK False on entry. Damage ends the load; what was read before it stays and
 /// can be fetched, and the session's diagnoses say where the file breaks off. A record with data of a type
 /// that nobody knows ends it too, with success.
-class qvEclipseINIT {
+class qvEclipseINIT : public FormFlags {
  public:
   explicit qvEclipseINIT(Session& session = Session::process()) : xTAB(session), session_(&session) {}
   ~qvEclipseINIT();
@@ -43,10 +44,6 @@ class qvEclipseINIT {
 
   std::string FileName;
   std::string Origin;
-  bool Formatted = false;  ///< form of the file; set by `CheckINITFile`, as the next three
-  bool UNIX = true;
-  bool FORTRAN = true;
-  bool byteSwap = true;
   bool LoadData = true;  ///< False: note what there is and where, take no values
   bool Only = false;     ///< a selection list is in force
   bool Tables = true;    ///< read the simulation tables

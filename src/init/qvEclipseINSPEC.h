@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../restart/IndexFileGrid.h"
 #include "../restart/qvEclipseRSSPEC.h"
@@ -44,15 +45,11 @@ class qvEclipseINSPEC {
 
 /// The index of an INIT file. Only the index file is read; whether it agrees with the INIT file is for
 /// `indexOfInit` to find out. Passes count from 1.
-class qvEclipseINSPECFile {
+class qvEclipseINSPECFile : public FormFlags {
  public:
   explicit qvEclipseINSPECFile(Session& session = Session::process()) : session_(&session) {}
 
   std::string FileName;
-  bool Formatted = false;  ///< form of the file; set by `CheckINSPECFile`, as the next three
-  bool UNIX = true;
-  bool FORTRAN = true;
-  bool byteSwap = true;
   IndexFileHead head;
   std::vector<qvEclipseINSPEC> passes;
 

@@ -7,6 +7,7 @@
 #include "../support/Diagnosis.h"
 #include "../support/Text.h"
 #include "Codec.h"
+#include "FormFlags.h"
 
 namespace lumbarn {
 
@@ -46,6 +47,18 @@ std::string Form::description() const {
       framing == Framing::FourByteMarks ? "unformatted, 4-byte marks" : "unformatted, 1-byte marks";
   const bool bigEndian = byteSwap == (std::endian::native == std::endian::little);
   return text + (bigEndian ? ", big-endian" : ", little-endian");
+}
+
+Form FormFlags::form() const {
+  if (Formatted) return {Framing::Formatted, false};
+  return {UNIX ? Framing::FourByteMarks : Framing::OneByteMarks, byteSwap};
+}
+
+void FormFlags::setForm(const Form& form) {
+  Formatted = form.formatted();
+  if (Formatted) return;
+  UNIX = form.framing == Framing::FourByteMarks;
+  byteSwap = form.byteSwap;
 }
 
 std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords) {

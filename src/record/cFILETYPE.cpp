@@ -45,18 +45,6 @@ void cFILETYPE::GetPosition64(std::int32_t& iPos, std::int32_t& iPosHigh) const 
 
 void cFILETYPE::MoreData(bool& qMore) const { qMore = source_ && position_ < source_->size(); }
 
-Form cFILETYPE::form() const {
-  if (Formatted) return {Framing::Formatted, false};
-  return {UNIX ? Framing::FourByteMarks : Framing::OneByteMarks, byteSwap};
-}
-
-void cFILETYPE::setForm(const Form& form) {
-  Formatted = form.formatted();
-  if (Formatted) return;
-  UNIX = form.framing == Framing::FourByteMarks;
-  byteSwap = form.byteSwap;
-}
-
 bool usesBufferedInput(std::int32_t fileKindCode) {
   constexpr std::array codes{1, 12, 13, 14, 15, 18, 23, 27, 28, 32, 43, 391};
   return std::ranges::find(codes, fileKindCode) != codes.end();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "../support/Session.h"
+#include "FormFlags.h"
 #include "RecordCursor.h"
 
 namespace lumbarn {
@@ -20,15 +21,11 @@ std::uint64_t fromWords(PositionWords words);
 
 /// The file-type descriptor: form, settings and position of one open file. Made new for each file; `Quarnet`
 /// opens, reads and closes it.
-class cFILETYPE {
+class cFILETYPE : public FormFlags {
  public:
   explicit cFILETYPE(Session& session = Session::process()) : IOMethod(session.IOMethod) {}
 
-  bool Formatted = false;  ///< text lines
-  bool FORTRAN = true;     ///< records have marks; False for raw scratch files
-  bool UNIX = true;        ///< 4-byte marks; False: 1-byte marks. Without meaning when Formatted
-  bool byteSwap = true;    ///< byte order differs from the machine's
-  std::int32_t IOMethod;   ///< carried, not interpreted: there is one way to read, and it is the fast one
+  std::int32_t IOMethod;  ///< carried, not interpreted: there is one way to read, and it is the fast one
   bool UseBufferedInput =
       false;  ///< by file kind; all input is buffered, so this steers progress reports only
 
@@ -48,10 +45,6 @@ class cFILETYPE {
   void GetPosition64(std::int32_t& iPos, std::int32_t& iPosHigh) const;
   /// False once the last record has been read; blank characters behind it do not count.
   void MoreData(bool& qMore) const;
-
-  /// The flags above as one value, and back.
-  Form form() const;
-  void setForm(const Form& form);
 
  private:
   friend class Quarnet;

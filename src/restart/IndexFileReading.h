@@ -27,12 +27,7 @@ bool checkIndexFile(std::string_view zFile, Reader& reader) {
   const auto detected = detectForm(*source, firstKeyword);
   if (!detected) return false;
   reader.FileName = path;
-  reader.Formatted = detected->form.formatted();
-  // A formatted file leaves UNIX as it was, as it means nothing there.
-  if (!reader.Formatted) {
-    reader.UNIX = detected->form.framing == Framing::FourByteMarks;
-    reader.byteSwap = detected->form.byteSwap;
-  }
+  reader.setForm(detected->form);
   reader.FORTRAN = true;
   return true;
 }
@@ -40,10 +35,7 @@ bool checkIndexFile(std::string_view zFile, Reader& reader) {
 template <class Reader>
 void setIndexFileTypeProps(const Reader& reader, std::int32_t kindCode, const Session& session,
                            cFILETYPE& xFile) {
-  xFile.Formatted = reader.Formatted;
-  xFile.UNIX = reader.UNIX;
-  xFile.FORTRAN = reader.FORTRAN;
-  xFile.byteSwap = reader.byteSwap;
+  xFile.setFlags(reader);
   xFile.IOMethod = session.IOMethod;
   xFile.UseBufferedInput = usesBufferedInput(kindCode);
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
 #include "IndexFileGrid.h"
@@ -63,15 +64,11 @@ struct IndexFileHead {
 /// index file is read; whether it agrees with the restart files is for `indexOfRestart` to find out.
 ///
 /// Steps count from 1. Arrays that stand beside the names are used as far as they go.
-class qvEclipseRSSPEC {
+class qvEclipseRSSPEC : public FormFlags {
  public:
   explicit qvEclipseRSSPEC(Session& session = Session::process()) : session_(&session) {}
 
   std::string FileName;
-  bool Formatted = false;  ///< form of the file; set by `CheckRESTARTFile`, as the next three
-  bool UNIX = true;
-  bool FORTRAN = true;
-  bool byteSwap = true;
   IndexFileHead head;
   std::vector<qvEclipseRSSPECSequence> steps;
 

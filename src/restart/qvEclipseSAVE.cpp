@@ -33,12 +33,8 @@ bool qvEclipseSAVE::CheckSAVEFile(std::string_view zFile) {
     constexpr std::string_view firstKeywords[] = {"INITIAL", "SAVEHEAD", "STATIC", "DYNAMIC"};
     const auto detected = detectForm(*source, firstKeywords);
     if (!detected) return false;
-    cFILETYPE found(*session_);
-    found.setForm(detected->form);
-    Formatted = found.Formatted;
-    UNIX = found.UNIX;
-    FORTRAN = found.FORTRAN;
-    byteSwap = found.byteSwap;
+    setFlags({});
+    setForm(detected->form);
     Unified = !meaningOf(lumbarn::FileName(path).extension).multiple();
     qSaveHead = detected->keyword == "SAVEHEAD";
     FileName = path;
@@ -55,10 +51,7 @@ void qvEclipseSAVE::SetMultList(std::int32_t n, const std::vector<std::string>& 
 }
 
 void qvEclipseSAVE::setSAVEFileTypeProps(cFILETYPE& cFile) const {
-  cFile.Formatted = Formatted;
-  cFile.UNIX = UNIX;
-  cFile.FORTRAN = FORTRAN;
-  cFile.byteSwap = byteSwap;
+  cFile.setFlags(*this);
   cFile.IOMethod = session_->IOMethod;
 }
 

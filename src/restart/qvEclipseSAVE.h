@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "../record/Form.h"
+#include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
 #include "qvEclipseSAVESequence.h"
@@ -15,16 +15,12 @@ namespace lumbarn {
 /// The save files of one run, for a fast restart: one unified file, or a file for each report step. Tells
 /// which steps there are, with dates and times, and which simulator wrote them. Arrays are skipped, so a load
 /// takes a time that goes by the number of records, not by their bytes.
-class qvEclipseSAVE {
+class qvEclipseSAVE : public FormFlags {
  public:
   explicit qvEclipseSAVE(Session& session = Session::process()) : session_(&session) {}
 
   // What to read and how. `CheckSAVEFile` sets all but the limits.
   std::string FileName;
-  bool Formatted = false;
-  bool UNIX = true;
-  bool FORTRAN = true;
-  bool byteSwap = true;
   bool Unified = false;    ///< one file for all steps
   bool qSaveHead = false;  ///< the file opens with SAVEHEAD, so it holds one step
   std::int32_t iStart = -1;

@@ -25,8 +25,8 @@ constexpr std::int32_t unbufferedMethod = 8;
 }  // namespace
 
 bool qvEclipseSOLUTION::CheckRESTARTFile(const std::string& zFile) {
-  Formatted = Unified = false;
-  UNIX = FORTRAN = byteSwap = true;
+  setFlags({});
+  Unified = false;
   std::string why;
   const std::shared_ptr<const ByteSource> source = FileSource::open(zFile, why);
   if (!source) return false;
@@ -42,17 +42,10 @@ bool qvEclipseSOLUTION::CheckRESTARTFile(const std::string& zFile) {
     found = *recognised.form;
     Unified = recognised.unified.value_or(false);
   }
-  Formatted = found.formatted();
-  UNIX = found.framing != Framing::OneByteMarks;
-  if (!Formatted) byteSwap = found.byteSwap;
+  setForm(found);
   FileName = zFile;
   checkedUnified_ = Unified;
   return true;
-}
-
-Form qvEclipseSOLUTION::form() const {
-  if (Formatted) return {Framing::Formatted, false};
-  return {UNIX ? Framing::FourByteMarks : Framing::OneByteMarks, byteSwap};
 }
 
 void qvEclipseSOLUTION::SetMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK) {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "../record/Form.h"
+#include "../record/FormFlags.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
 #include "../shapes/XYData.h"
@@ -42,16 +42,13 @@ struct RestartStep {
 /// Operations never throw and set qOK False on entry. A step that cannot be read ends the load; the steps
 /// before stay and can be fetched. A last step that is not whole, as a running simulation leaves it, is left
 /// out, told as a diagnosis, and is no failure.
-class qvEclipseSOLUTION {
+class qvEclipseSOLUTION : public FormFlags {
  public:
-  explicit qvEclipseSOLUTION(Session& session = Session::process()) : session_(&session) {}
+  explicit qvEclipseSOLUTION(Session& session = Session::process())
+      : FormFlags{.byteSwap = false}, session_(&session) {}
 
   std::string FileName;
   std::string Origin;
-  bool Formatted = false;
-  bool UNIX = true;
-  bool FORTRAN = true;
-  bool byteSwap = false;
   bool Unified = false;
   bool LongFileNames = false;  ///< carried; names follow the extension of FileName
   std::int32_t iStart = 0;     ///< report step limits; negative: open
@@ -122,8 +119,6 @@ class qvEclipseSOLUTION {
 
   /// The steps kept, in the order read.
   std::vector<RestartStep> steps() const;
-  /// The form of the set's files.
-  Form form() const;
 
  private:
   struct Load;

@@ -53,12 +53,7 @@ bool qvEclipseSPEC::CheckSPECFile(std::string_view zFile) {
       }
     }
     zFileName = path;
-    Formatted = detected->form.formatted();
-    // UNIX stays as it was for a formatted file, where it means nothing.
-    if (!Formatted) {
-      UNIX = detected->form.framing == Framing::FourByteMarks;
-      byteSwap = detected->form.byteSwap;
-    }
+    setForm(detected->form);
     FORTRAN = true;
     return true;
   });
@@ -66,10 +61,7 @@ bool qvEclipseSPEC::CheckSPECFile(std::string_view zFile) {
 }
 
 void qvEclipseSPEC::setSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const {
-  xFile.Formatted = Formatted;
-  xFile.UNIX = UNIX;
-  xFile.FORTRAN = FORTRAN;
-  xFile.byteSwap = byteSwap;
+  xFile.setFlags(*this);
   xFile.IOMethod = session_->IOMethod;
   xFile.UseBufferedInput = UseBufferedInput;
   qOK = true;
@@ -79,10 +71,7 @@ void qvEclipseSPEC::setSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const {
 void qvEclipseSPEC::clear() {
   qvEclipseSPEC empty(*session_);
   empty.zFileName = std::move(zFileName);
-  empty.Formatted = Formatted;
-  empty.UNIX = UNIX;
-  empty.FORTRAN = FORTRAN;
-  empty.byteSwap = byteSwap;
+  empty.setFlags(*this);
   empty.Unified = Unified;
   empty.qScanOnly = qScanOnly;
   empty.UseBufferedInput = UseBufferedInput;

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "../record/Form.h"
+#include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
@@ -27,16 +27,12 @@ namespace lumbarn {
 /// Nothing in the file is trusted but KEYWORDS: it says how many vectors there are. Arrays beside it that are
 /// shorter or longer are used as far as they go (what is missing reads as an empty text or 0), and each
 /// irregularity is told as a Diagnosis.
-class qvEclipseSPEC {
+class qvEclipseSPEC : public FormFlags {
  public:
   explicit qvEclipseSPEC(Session& session = Session::process()) : session_(&session) {}
 
   // What to read and how. `CheckSPECFile` sets the name and the form.
   std::string zFileName;
-  bool Formatted = false;
-  bool UNIX = true;
-  bool FORTRAN = true;
-  bool byteSwap = true;
   bool Unified = false;    ///< passed through for the owner
   bool qScanOnly = false;  ///< read the list of records only
   bool UseBufferedInput = usesBufferedInput(12);

@@ -90,12 +90,8 @@ bool qvEclipseSUMMARY::readRun() {
     setMultList(1, {unified});
     request.resume = {iPosition, iPositionHigh};
   }
-  cFILETYPE settings(*session_);
-  settings.Formatted = Formatted;
-  settings.UNIX = UNIX;
-  settings.byteSwap = byteSwap;
   request.zFiles = zFiles;
-  request.form = settings.form();
+  request.form = form();
   request.unified = Unified;
   request.nValues = nAllKeys;
   if (session_->Container && nFiles > 1) session_->Container->files(nFiles);
@@ -131,11 +127,7 @@ XYData qvEclipseSUMMARY::readColumns(std::span<const std::int32_t> vectors) {
 }
 
 void qvEclipseSUMMARY::readInto(XYData& table, std::span<const std::int32_t> vectors) {
-  cFILETYPE settings(*session_);
-  settings.Formatted = Formatted;
-  settings.UNIX = UNIX;
-  settings.byteSwap = byteSwap;
-  ColumnReader reader(zFiles, settings.form(), nAllKeys, *session_);
+  ColumnReader reader(zFiles, form(), nAllKeys, *session_);
   try {
     reader.read(index_.rows, vectors, table);
   } catch (BadRecord& damage) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../shapes/XYData.h"
 #include "../support/Session.h"
@@ -16,15 +17,11 @@ class ScratchFile;
 
 /// The data files of one run: finds its rows, reads the wanted columns of them straight into the table that
 /// is handed out. Set the members, call `getEclipseSummaryFile`, then fetch.
-class qvEclipseSUMMARY {
+class qvEclipseSUMMARY : public FormFlags {
  public:
   explicit qvEclipseSUMMARY(Session& session = Session::process()) : session_(&session) {}
 
   std::string zFileName;  ///< any file of the run; the unified file is found from it
-  bool Formatted = false;
-  bool UNIX = true;
-  bool FORTRAN = true;
-  bool byteSwap = true;
   bool Unified = false;
   std::int32_t iStart = 0;  ///< step limits as given; -1 is open
   std::int32_t iEnd = 0;

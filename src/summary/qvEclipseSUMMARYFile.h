@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../record/FormFlags.h"
 #include "../shapes/OnlyList.h"
 #include "../shapes/SourceData.h"
 #include "../shapes/XYData.h"
@@ -30,17 +31,13 @@ struct SummaryRow {
 /// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it
 /// restarted from, and merges them into one table. Runs are kept newest first until they are fetched, which
 /// can be done once.
-class qvEclipseSUMMARYFile {
+class qvEclipseSUMMARYFile : public FormFlags {
  public:
   explicit qvEclipseSUMMARYFile(Session& session = Session::process())
       : session_(&session), horizontal_(session) {}
 
   std::string zFileName;
-  bool Formatted = false;
   bool Unified = false;
-  bool FORTRAN = true;
-  bool UNIX = true;
-  bool byteSwap = true;
   std::int32_t NumRestart = 0;  ///< earlier runs read
   std::int32_t iStart = -1;     ///< step limits; -1 is open
   std::int32_t iEnd = -1;

@@ -25,12 +25,7 @@ bool qvEclipseRFT::CheckRFTFile(std::string_view zFile) {
     if (found.kind != FileKind::Rft || !found.form) return false;
     FileName = zFile;
     FORTRAN = true;
-    Formatted = found.form->formatted();
-    // UNIX and byteSwap stay as they were for a formatted file, where they mean nothing.
-    if (!Formatted) {
-      UNIX = found.form->framing == Framing::FourByteMarks;
-      byteSwap = found.form->byteSwap;
-    }
+    setForm(*found.form);
     return true;
   });
   return qOK;
@@ -38,10 +33,7 @@ bool qvEclipseRFT::CheckRFTFile(std::string_view zFile) {
 
 cFILETYPE qvEclipseRFT::setSUMMARYFileTypeProps() const {
   cFILETYPE xFile(*session_);
-  xFile.Formatted = Formatted;
-  xFile.UNIX = UNIX;
-  xFile.FORTRAN = FORTRAN;
-  xFile.byteSwap = byteSwap;
+  xFile.setFlags(*this);
   xFile.IOMethod = session_->IOMethod;
   xFile.UseBufferedInput = UseBufferedInput;
   return xFile;

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
@@ -19,16 +20,13 @@ namespace lumbarn {
 /// of range is fault 9 unless told otherwise. All shapes are those of `QVEclipseRFTtest`.
 ///
 /// After qOK False, outputs are what they were before.
-class qvEclipseRFT {
+class qvEclipseRFT : public FormFlags {
  public:
-  explicit qvEclipseRFT(Session& session = Session::process()) : session_(&session) {}
+  explicit qvEclipseRFT(Session& session = Session::process())
+      : FormFlags{.byteSwap = false}, session_(&session) {}
 
   // The file and its form; `CheckRFTFile` sets them.
   std::string FileName;
-  bool Formatted = false;
-  bool FORTRAN = true;
-  bool UNIX = true;
-  bool byteSwap = false;
   bool UseBufferedInput = usesBufferedInput(18);
 
   // Kept for the owner and handed to no test: every test works with its own defaults, all True. Deliberate;
