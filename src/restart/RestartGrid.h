@@ -71,6 +71,24 @@ struct RESTARTGRID {
   ColumnTable<std::string> zGROUP;  ///< groups x 1
   ColumnTable<std::int32_t> iCONN;  ///< nConnections x 9, or wells x nCWMAX x 9 when nConnections is 0
   ColumnTable<float> sCONN;         ///< nConnections x 15, or wells x nCWMAX x 15
+
+  /// The tables of wells have the same rows, and so have those of connections. None may stay when the others
+  /// become those of other wells.
+  void dropConnections() {
+    qICON = qSCON = false;
+    iCONN = {};
+    sCONN = {};
+  }
+  void dropWells() {
+    dropConnections();
+    nConnections = 0;
+    qIWEL = qSWEL = qXWEL = qZWEL = false;
+    iWELL = {};
+    sWELL = {};
+    sWELL2 = {};
+    dWELL = {};
+    zWELL = {};
+  }
 };
 
 }  // namespace lumbarn

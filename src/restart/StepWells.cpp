@@ -158,6 +158,7 @@ void qvEclipseSEQUENCE::processIWEL(std::span<const std::int32_t> words, bool& q
         return false;
       }
     }
+    to.dropConnections();
     to.nConnections = static_cast<std::int32_t>(connections);
     to.iWELL = std::move(table);
     to.qIWEL = true;

@@ -72,6 +72,7 @@ bool qvEclipseSEQUENCE::checkIfRESTARTArray(const RecordHeader& header) const {
 
 void qvEclipseSEQUENCE::processINTEHEAD(const HeaderWords& words) {
   RESTARTGRID& to = grid();
+  const std::pair wells(to.nWells, to.nCWMAX);
   // Without the word, the number that the SEQNUM record or the file's name gives stands.
   iSeqnum = words(69);
   for (const auto& [word, field] : std::initializer_list<std::pair<std::size_t, std::int32_t*>>{
@@ -83,6 +84,7 @@ void qvEclipseSEQUENCE::processINTEHEAD(const HeaderWords& words) {
     words.take(word, *field);
   }
   for (std::size_t i = 0; i < std::size(to.iAquiferSizes); ++i) words.take(41 + i, to.iAquiferSizes[i]);
+  if (wells != std::pair(to.nWells, to.nCWMAX)) to.dropWells();  // a second header of the grid
   to.nWellsHeader = to.nWells;
   to.nCells = cellCount(to.Nx, to.Ny, to.Nz);
   to.qE100 = !words.isE300();
@@ -183,15 +185,9 @@ void qvEclipseSEQUENCE::DeleteSEQUENCEData(bool& qOK) {
     RESTARTGRID& from = grid();
     from.arrays.clear();
     from.nActive = 0;
-    from.qIWEL = from.qSWEL = from.qXWEL = from.qZWEL = from.qZGRP = from.qICON = from.qSCON = false;
-    from.iWELL = {};
-    from.sWELL = {};
-    from.sWELL2 = {};
-    from.dWELL = {};
-    from.zWELL = {};
+    from.dropWells();
+    from.qZGRP = false;
     from.zGROUP = {};
-    from.iCONN = {};
-    from.sCONN = {};
   });
 }
 

@@ -142,6 +142,37 @@ TEST(WellSteps, ConnectionsWithoutCountsHaveAPlaneForEachWell) {
   EXPECT_THAT(grid.iCONN.values(), Each(0)) << "no well has connections that are known";
 }
 
+/// Markers go through the tables side by side, so those of other wells may not stay.
+TEST(WellSteps, WellsThatComeAgainTakeTheirConnectionsAlong) {
+  qvEclipseSEQUENCE step;
+  step.qMarkers = true;
+  auto& grid = step.grid();
+  grid.nWells = 1, grid.nCWMAX = 3, grid.nIWELZ = 5, grid.nICONZ = 2, grid.nSCONZ = 1, grid.nZWELZ = 1;
+  const auto markers = [&] {
+    MarkerTable table;
+    std::int32_t nMarkers = 0;
+    bool qOK = false;
+    step.getMarkerData(table, nMarkers, qOK);
+    EXPECT_TRUE(qOK);
+    return table;
+  };
+  bool qOK = false;
+  step.processIWEL(std::vector{1, 1, 0, 0, 2}, qOK);
+  step.processICON(std::vector(6, 1), qOK);
+  step.processSCON(std::vector(3, 1.5F), qOK);
+  EXPECT_EQ(std::get<double>(markers()(3, 15)), 1.5);
+  step.processIWEL(std::vector{1, 1, 0, 0, 3}, qOK);
+  EXPECT_EQ(markers().used(), 1U) << "the well alone";
+  step.processICON(std::vector(6, 1), qOK);
+  EXPECT_EQ(markers().used(), 4U);
+  EXPECT_TRUE(std::holds_alternative<std::monostate>(markers()(4, 15))) << "no SCON of these wells";
+
+  std::vector<std::int32_t> header(20);
+  header[16] = 2, header[17] = 3;
+  step.processINTEHEAD(HeaderWords(header));
+  EXPECT_FALSE(grid.qIWEL || grid.qICON) << "wells of another count";
+}
+
 TEST(WellSteps, ValuesThatAreNoneStayZero) {
   qvEclipseSEQUENCE step;
   auto& grid = step.grid();
