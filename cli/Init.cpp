@@ -190,17 +190,21 @@ class InitListing {
     return chosen;
   }
 
-  void writeConnections(Format format, std::ostream& out) {
-    const auto number = gridNumber(init(), options_.grid);
+  /// Connection arrays to be shown side by side.
+  struct ConnectionTable {
+    std::vector<Column> columns;
+    std::vector<std::vector<float>> values;
+    std::vector<std::int32_t> kinds;  ///< those that there are values of
+  };
+
+  ConnectionTable connections(std::int32_t number) {
     const auto& grid = init().grid(number);
     std::vector<std::string> names;
     for (const auto& record : grid.xNNC)
       names.insert(names.end(), record.zArrays.begin(), record.zArrays.end());
     const auto chosen = choose(names);
-    std::vector<Column> columns{{"connection", true}};
-    std::vector<std::vector<float>> values;
+    ConnectionTable table;
     std::int32_t before = 0;
-    std::vector<std::int32_t> kinds;
     init().iGrid = number;
     for (std::int32_t kind = 1; kind <= 3; ++kind) {
       XYData data;
@@ -210,13 +214,20 @@ class InitListing {
       for (std::int32_t i = 1; i <= record.nArrays; ++i) {
         if (std::ranges::find(chosen, before + i) == chosen.end() || !qOK) continue;
         const auto column = data.column(static_cast<std::size_t>(i));
-        values.emplace_back(column.begin(), column.end());
-        if (kinds.empty() || kinds.back() != kind) kinds.push_back(kind);
+        table.values.emplace_back(column.begin(), column.end());
+        if (table.kinds.empty() || table.kinds.back() != kind) table.kinds.push_back(kind);
         const auto& name = record.zArrays[static_cast<std::size_t>(i) - 1];
-        columns.push_back({name, true, 0, std::string(arrayUnit(name, grid.iUnits))});
+        table.columns.push_back({name, true, 0, std::string(arrayUnit(name, grid.iUnits))});
       }
       before += record.nArrays;
     }
+    return table;
+  }
+
+  void writeConnections(Format format, std::ostream& out) {
+    const auto number = gridNumber(init(), options_.grid);
+    auto [columns, values, kinds] = connections(number);
+    columns.insert(columns.begin(), Column{"connection", true});
     std::size_t rows = 0;
     for (const auto& column : values) rows = std::max(rows, column.size());
     // Rows of different kinds have nothing in common but their number.

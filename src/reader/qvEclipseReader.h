@@ -160,6 +160,7 @@ class qvEclipseReader : public ReaderOptions {
   void SetACTNUM(std::int32_t iGrid, const std::vector<std::int32_t>& iACTNUM, bool& qOK);
   /// Whether there is a cache file for `FileName` that can be used. Sets `HPGFileName` when it is empty.
   bool HPGFileTest();
+
   // --- Restart results. Steps count from 1 in the order read; `iGridNumber` is the grid, 1 the global one.
 
   /// One step: values of the active cells, nActive by arrays, in the file's units, a 233-byte header for each
