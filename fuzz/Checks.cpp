@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <random>
 #include <string>
 
 #include "record/RecordCursor.h"
@@ -97,6 +98,12 @@ void check(bool promise, std::string_view what) {
   if (promise) return;
   std::fprintf(stderr, "broken promise: %.*s\n", static_cast<int>(what.size()), what.data());
   std::abort();
+}
+
+std::filesystem::path temporaryPath(std::string_view ending) {
+  constexpr unsigned tenDigits = 1000000000;
+  const auto number = std::to_string(tenDigits + std::random_device()() % tenDigits);
+  return std::filesystem::temp_directory_path() / ("lumbarn-fuzz-" + number + std::string(ending));
 }
 
 void checkRecords(std::vector<std::byte> bytes, const Form& form) {

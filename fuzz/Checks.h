@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,10 @@ inline std::vector<std::byte> bytesOf(std::span<const std::uint8_t> input) {
   const auto bytes = std::as_bytes(input);
   return {bytes.begin(), bytes.end()};
 }
+
+/// Where a process may keep its input as a file or a folder. Always of the same length, as the lengths of
+/// texts steer the fuzzer too.
+std::filesystem::path temporaryPath(std::string_view ending = "");
 
 /// Walks all records of a file and reads each in every way there is: whole, in parts, by picking elements,
 /// and again after the cursor has been sent back to it. All ways must agree, and nothing but BadRecord with

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
 
 #include "Checks.h"
@@ -21,9 +20,7 @@ using namespace lumbarn;
 /// is gone when the process ends as it should.
 class Run {
  public:
-  Run()
-      : path_(std::filesystem::temp_directory_path() /
-              ("lumbarn-fuzz-" + std::to_string(std::random_device()()))) {
+  Run() : path_(fuzz::temporaryPath()) {
     std::filesystem::create_directories(path_);
     const test::IndexedRun run;
     std::vector<std::byte> restart;

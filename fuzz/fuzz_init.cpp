@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
 #include <utility>
 
@@ -18,10 +17,7 @@ using namespace lumbarn;
 /// The file that the input is written to; gone when the process ends as it should.
 class InputPlace {
  public:
-  InputPlace()
-      : path_((std::filesystem::temp_directory_path() /
-               ("lumbarn-fuzz-" + std::to_string(std::random_device()()) + ".INIT"))
-                  .string()) {}
+  InputPlace() : path_(fuzz::temporaryPath(".INIT").string()) {}
   ~InputPlace() {
     std::error_code ignored;
     std::filesystem::remove(path_, ignored);

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <random>
 #include <span>
 #include <string>
 
@@ -52,11 +51,7 @@ struct Input {
 /// A folder of this process for the pair of files; gone when the process ends as it should.
 class Folder {
  public:
-  Folder()
-      : path_(std::filesystem::temp_directory_path() /
-              ("lumbarn-fuzz-" + std::to_string(std::random_device()()))) {
-    std::filesystem::create_directories(path_);
-  }
+  Folder() : path_(fuzz::temporaryPath()) { std::filesystem::create_directories(path_); }
   ~Folder() {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);

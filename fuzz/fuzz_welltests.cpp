@@ -1,7 +1,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <random>
 
 #include "Checks.h"
 #include "RecordMutator.h"
@@ -16,10 +15,7 @@ using namespace lumbarn;
 /// A file of this process in a folder for temporary ones; gone when the process ends as it should.
 class FuzzedFile {
  public:
-  FuzzedFile()
-      : path_((std::filesystem::temp_directory_path() /
-               ("lumbarn-fuzz-" + std::to_string(std::random_device()()) + ".RFT"))
-                  .string()) {}
+  FuzzedFile() : path_(fuzz::temporaryPath(".RFT").string()) {}
   ~FuzzedFile() {
     std::error_code ignored;
     std::filesystem::remove(path_, ignored);
