@@ -10,9 +10,9 @@
 #include <fmt/format.h>
 
 #include "Cases.h"
+#include "index/IndexFile.h"
+#include "index/RestartIndexAgreement.h"
 #include "record/RecordWriter.h"
-#include "restart/IndexFile.h"
-#include "restart/RestartIndexAgreement.h"
 
 namespace lumbarn::bench {
 

@@ -6,7 +6,7 @@
 #include "PathArgument.h"
 #include "RunIndex.h"
 #include "files/Folder.h"
-#include "restart/IndexFile.h"
+#include "index/IndexFile.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

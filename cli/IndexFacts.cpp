@@ -2,8 +2,8 @@
 
 #include "RunFacts.h"
 #include "RunIndex.h"
-#include "init/qvEclipseINSPEC.h"
-#include "restart/RestartIndexAgreement.h"
+#include "index/RestartIndexAgreement.h"
+#include "index/qvEclipseINSPEC.h"
 
 namespace lumbarn::cli {
 namespace {

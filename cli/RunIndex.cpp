@@ -6,8 +6,8 @@
 #include <fmt/ranges.h>
 
 #include "Failure.h"
-#include "init/qvEclipseINSPEC.h"
-#include "restart/RestartIndexAgreement.h"
+#include "index/RestartIndexAgreement.h"
+#include "index/qvEclipseINSPEC.h"
 
 namespace lumbarn::cli {
 namespace {

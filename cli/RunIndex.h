@@ -6,7 +6,7 @@
 
 #include "Console.h"
 #include "files/Families.h"
-#include "restart/RestartIndex.h"
+#include "index/RestartIndex.h"
 
 namespace lumbarn::cli {
 

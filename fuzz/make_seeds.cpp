@@ -11,8 +11,8 @@
 
 #include <fmt/format.h>
 
+#include "index/IndexFile.h"
 #include "record/RecordWriter.h"
-#include "restart/IndexFile.h"
 #include "restart/qvEclipseSEQUENCE.h"
 #include "support/GridBuilder.h"
 #include "support/IndexedRun.h"

@@ -2,10 +2,10 @@
 #include <utility>
 
 #include "../files/Extensions.h"
+#include "../index/IndexFile.h"
+#include "../index/RestartIndex.h"
 #include "../init/qvEclipseINIT.h"
 #include "../record/ByteSource.h"
-#include "../restart/IndexFile.h"
-#include "../restart/RestartIndex.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"

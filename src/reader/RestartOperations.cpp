@@ -4,8 +4,8 @@
 
 #include "../files/Families.h"
 #include "../files/FileSets.h"
+#include "../index/IndexFile.h"
 #include "../record/ByteSource.h"
-#include "../restart/IndexFile.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"

@@ -10,10 +10,10 @@
 
 #include "../files/Recogniser.h"
 #include "../grid/qvGRIDReader.h"
+#include "../index/qvEclipseRSSPEC.h"
 #include "../init/Connections.h"
 #include "../init/qvEclipseINIT.h"
 #include "../restart/WellRecords.h"
-#include "../restart/qvEclipseRSSPEC.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"

@@ -5,9 +5,9 @@
 #include <limits>
 #include <numeric>
 
+#include "../index/RestartIndexHeads.h"
 #include "../record/RecordCursor.h"
 #include "../support/Fault.h"
-#include "RestartIndexHeads.h"
 
 namespace lumbarn {
 namespace {

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "../index/RestartIndex.h"
 #include "../support/Session.h"
-#include "RestartIndex.h"
 
 namespace lumbarn {
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <string_view>
 
+#include "../index/RestartIndex.h"
 #include "../record/RecordCursor.h"
 #include "../support/Session.h"
 #include "ActiveCells.h"
-#include "RestartIndex.h"
 
 namespace lumbarn {
 

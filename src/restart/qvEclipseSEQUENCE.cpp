@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "../index/RestartIndex.h"
 #include "../shapes/HeaderLayout.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Dates.h"
@@ -15,7 +16,6 @@
 #include "../support/Text.h"
 #include "../vocabulary/Mnemonics.h"
 #include "ArrayUnits.h"
-#include "RestartIndex.h"
 
 namespace lumbarn {
 

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "init/qvEclipseINSPEC.h"
+#include "index/qvEclipseINSPEC.h"
 #include "reader/qvEclipseReader.h"
 #include "restart/ArrayReader.h"
 #include "shapes/HeaderLayout.h"

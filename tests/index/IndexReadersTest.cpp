@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "init/qvEclipseINSPEC.h"
-#include "restart/qvEclipseRSSPEC.h"
+#include "index/qvEclipseINSPEC.h"
+#include "index/qvEclipseRSSPEC.h"
 #include "support/IndexedRun.h"
 
 namespace lumbarn {

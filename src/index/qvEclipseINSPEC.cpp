@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "../record/RecordCursor.h"
-#include "../restart/IndexFileReading.h"
-#include "../restart/RestartIndexAgreement.h"
 #include "../shapes/VectorNames.h"
 #include "../support/Guarded.h"
+#include "IndexFileReading.h"
+#include "RestartIndexAgreement.h"
 
 namespace lumbarn {
 namespace {

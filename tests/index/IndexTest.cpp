@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "init/qvEclipseINSPEC.h"
-#include "restart/IndexFile.h"
-#include "restart/RestartIndexAgreement.h"
+#include "index/IndexFile.h"
+#include "index/RestartIndexAgreement.h"
+#include "index/qvEclipseINSPEC.h"
 #include "support/IndexedRun.h"
 
 namespace lumbarn {

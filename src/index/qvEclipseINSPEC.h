@@ -7,9 +7,9 @@
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
-#include "../restart/IndexFileGrid.h"
-#include "../restart/qvEclipseRSSPEC.h"
 #include "../support/Session.h"
+#include "IndexFileGrid.h"
+#include "qvEclipseRSSPEC.h"
 
 namespace lumbarn {
 
