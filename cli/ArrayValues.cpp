@@ -8,7 +8,7 @@
 #include "Numbers.h"
 #include "RunIndex.h"
 #include "Suggestion.h"
-#include "restart/ArrayUnits.h"
+#include "arrays/ArrayUnits.h"
 #include "support/Pattern.h"
 #include "support/Text.h"
 

@@ -6,8 +6,8 @@
 
 #include "Console.h"
 #include "TableWriter.h"
+#include "arrays/ArrayReader.h"
 #include "files/Families.h"
-#include "restart/ArrayReader.h"
 
 namespace lumbarn::cli {
 

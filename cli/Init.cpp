@@ -13,7 +13,7 @@
 #include "PathArgument.h"
 #include "RunIndex.h"
 #include "Suggestion.h"
-#include "restart/ArrayUnits.h"
+#include "arrays/ArrayUnits.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

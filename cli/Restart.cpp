@@ -8,7 +8,7 @@
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunIndex.h"
-#include "restart/ArrayUnits.h"
+#include "arrays/ArrayUnits.h"
 
 namespace lumbarn::cli {
 namespace {

@@ -5,9 +5,9 @@
 
 #include "Checks.h"
 #include "RecordMutator.h"
+#include "arrays/ArrayReader.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
-#include "restart/ArrayReader.h"
 #include "support/IndexedRun.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);

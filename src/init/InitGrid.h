@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "../arrays/ArrayTable.h"
 #include "../record/RecordHeader.h"
-#include "../restart/ArrayTable.h"
 #include "../shapes/XYData.h"
 #include "ModelFlags.h"
 

@@ -5,8 +5,8 @@
 
 #include <fmt/format.h>
 
+#include "../arrays/ArrayUnits.h"
 #include "../record/ByteSource.h"
-#include "../restart/ArrayUnits.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Dates.h"
 #include "../support/Diagnosis.h"

@@ -10,12 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "../arrays/ArraySelection.h"
+#include "../arrays/ColumnTable.h"
 #include "../index/HeaderWords.h"
 #include "../record/FormFlags.h"
 #include "../record/RecordCursor.h"
 #include "../record/cFILETYPE.h"
-#include "../restart/ArraySelection.h"
-#include "../restart/ColumnTable.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
 #include "../shapes/XYData.h"

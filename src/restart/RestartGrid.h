@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "ArrayTable.h"
-#include "ColumnTable.h"
+#include "../arrays/ArrayTable.h"
+#include "../arrays/ColumnTable.h"
 
 namespace lumbarn {
 

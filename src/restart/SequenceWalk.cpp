@@ -4,11 +4,11 @@
 
 #include <fmt/format.h>
 
+#include "../arrays/ArrayUnits.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
-#include "ArrayUnits.h"
 #include "qvEclipseSEQUENCE.h"
 
 namespace lumbarn {

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "../arrays/ArrayUnits.h"
 #include "../index/RestartIndex.h"
 #include "../shapes/HeaderLayout.h"
 #include "../shapes/OnlyList.h"
@@ -15,7 +16,6 @@
 #include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "../vocabulary/Mnemonics.h"
-#include "ArrayUnits.h"
 
 namespace lumbarn {
 

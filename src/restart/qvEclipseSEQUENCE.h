@@ -10,13 +10,13 @@
 #include <string_view>
 #include <vector>
 
+#include "../arrays/ArraySelection.h"
 #include "../index/HeaderWords.h"
 #include "../record/RecordCursor.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
 #include "../support/Diagnosis.h"
 #include "../support/Session.h"
-#include "ArraySelection.h"
 #include "RestartGrid.h"
 
 namespace lumbarn {

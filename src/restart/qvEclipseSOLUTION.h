@@ -9,12 +9,12 @@
 #include <string_view>
 #include <vector>
 
+#include "../arrays/ArraySelection.h"
 #include "../record/FormFlags.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
 #include "../shapes/XYData.h"
 #include "../support/Session.h"
-#include "ArraySelection.h"
 #include "qvEclipseSEQUENCE.h"
 
 namespace lumbarn {

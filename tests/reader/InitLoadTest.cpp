@@ -4,9 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "arrays/ArrayReader.h"
 #include "index/qvEclipseINSPEC.h"
 #include "reader/qvEclipseReader.h"
-#include "restart/ArrayReader.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Forms.h"
 #include "support/InitBuilder.h"

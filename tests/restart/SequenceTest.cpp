@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "arrays/ArrayUnits.h"
 #include "index/RestartIndex.h"
 #include "record/Quarnet.h"
-#include "restart/ArrayUnits.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Fault.h"
 #include "support/RestartBuilder.h"

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "arrays/ArrayReader.h"
 #include "record/cFILETYPE.h"
-#include "restart/ArrayReader.h"
 #include "support/IndexedRun.h"
 
 namespace lumbarn {
