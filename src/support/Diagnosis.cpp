@@ -15,7 +15,8 @@ std::string Diagnosis::text() const {
   if (!expected.empty()) add("expected " + expected, ": ");
   if (!found.empty()) add("found " + found, expected.empty() ? ": " : ", ");
 
-  std::string line = path.empty() ? problem : path + ": " + problem;
+  const std::string what = problem.empty() ? std::string(rowOf(message).text) : problem;
+  std::string line = path.empty() ? what : path + ": " + what;
   if (!place.empty()) line += " (" + place + ")";
   if (!action.empty()) line += "; " + action;
   return line;

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "Messages.h"
+
 namespace lumbarn {
 
 /// How sure the reader is that what it delivered in spite of an irregularity is right.
@@ -17,9 +19,10 @@ enum class Certainty {
 /// Why something was not read as asked, as data. The inner layer states the fact (offset, expected, found),
 /// each outer layer adds its coordinate once (keyword and occurrence, path, what was done).
 struct Diagnosis {
-  std::string path;                     ///< the file
-  std::string problem;                  ///< what is wrong, in a few words: "record is cut off"
-  std::string keyword;                  ///< keyword of the record, empty when there is none
+  Message message = Message::None;  ///< the row of the table in Messages.h: identifier and severity
+  std::string path;                 ///< the file
+  std::string problem;  ///< what is wrong, in a few words: "record truncated"; the row's text if empty
+  std::string keyword;  ///< keyword of the record, empty when there is none
   std::int64_t occurrence = 0;          ///< which record of that keyword, from 1; 0 when not known
   std::optional<std::uint64_t> offset;  ///< byte offset in the file, from 0
   std::string expected;                 ///< what should stand there
@@ -27,6 +30,9 @@ struct Diagnosis {
   std::string action;                   ///< what was done: "kept 12 steps", "stopped"
   Certainty certainty = Certainty::Certain;
   bool cutOff = false;  ///< the file ends before the record does, as a running simulation leaves it
+
+  std::string_view id() const { return rowOf(message).id; }
+  Severity severity() const { return rowOf(message).severity; }
 
   /// One line: `PATH: problem (KEYWORD, occurrence N, byte B: expected X, found Y); action`.
   std::string text() const;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Run.h"
+#include "support/Paths.h"
 
 namespace lumbarn::cli::testing {
 
@@ -28,7 +29,7 @@ inline Outcome command(const std::vector<std::string>& args) {
   return command(args, session);
 }
 
-inline std::string sample(const std::string& name) { return LUMBARN_EXAMPLES "/data/" + name; }
+inline std::string sample(const std::string& name) { return examplePath("/data/") + name; }
 
 inline std::string content(const std::string& path) {
   std::ifstream file(path, std::ios::binary);

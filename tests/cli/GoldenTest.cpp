@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CommandRun.h"
+#include "support/Paths.h"
 
 namespace lumbarn::cli::testing {
 namespace {
@@ -56,7 +57,7 @@ TEST_P(GoldenOutput, IsAsBefore) {
   std::string out = run.out;
   for (auto at = out.find(sample("")); at != out.npos; at = out.find(sample("")))
     out.erase(at, sample("").size());
-  const std::string path = std::string(LUMBARN_GOLDEN "/") + GetParam().name + ".txt";
+  const std::string path = goldenPath("/") + GetParam().name + ".txt";
   if (std::getenv("LUMBARN_UPDATE_GOLDEN")) store(path, out);
   EXPECT_EQ(out, content(path));
 }

@@ -7,6 +7,7 @@
 
 #include "CommandRun.h"
 #include "Run.h"
+#include "support/Paths.h"
 #include "support/SummaryBuilder.h"
 
 namespace lumbarn::cli::testing {
@@ -62,10 +63,10 @@ TEST(Run, HelpGoesToStandardOutputWithAnExample) {
 
 /// Every option of every subcommand is in the man page and in the completions of both shells.
 TEST(Run, WhatIsWrittenAboutTheOptionsIsWhole) {
-  std::string manual = content(LUMBARN_EXAMPLES "/../cli/man/lumbarn.1");
+  std::string manual = content(examplePath("/../cli/man/lumbarn.1"));
   std::erase(manual, '\\');
-  const std::string written[] = {manual, content(LUMBARN_EXAMPLES "/../cli/completions/lumbarn.bash"),
-                                 content(LUMBARN_EXAMPLES "/../cli/completions/_lumbarn")};
+  const std::string written[] = {manual, content(examplePath("/../cli/completions/lumbarn.bash")),
+                                 content(examplePath("/../cli/completions/_lumbarn"))};
   const std::regex option("--[a-z-]+");
   for (const char* subcommand : subcommands) {
     const std::string help = command({subcommand, "--help"}).out;
@@ -97,7 +98,7 @@ TEST(Run, AnyMemberRootOrFolderMeansTheRun) {
 
 /// Exit status of the real program; standard error goes to a file.
 int statusOf(const std::string& arguments, const std::string& messages) {
-  const std::string line = std::string("\"" LUMBARN_COMMAND "\" ") + arguments + " 2>" + messages;
+  const std::string line = "\"" + commandPath() + "\" " + arguments + " 2>" + messages;
   const int status = std::system(line.c_str());
   return WEXITSTATUS(status);
 }

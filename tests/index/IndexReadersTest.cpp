@@ -4,6 +4,7 @@
 #include "index/qvEclipseINSPEC.h"
 #include "index/qvEclipseRSSPEC.h"
 #include "support/IndexedRun.h"
+#include "support/Paths.h"
 
 namespace lumbarn {
 namespace {
@@ -173,7 +174,7 @@ TEST(IndexReaderChecks, OnlyIntheadInFrontIsAccepted) {
   qvEclipseRSSPEC(session).CheckRESTARTFile(folder.file("absent"), qOK);
   EXPECT_FALSE(qOK);
   qvEclipseRSSPEC index(session);
-  index.CheckRESTARTFile(LUMBARN_EXAMPLES "/data/ARBOR/ARBOR.UNRST", qOK);
+  index.CheckRESTARTFile(examplePath("/data/ARBOR/ARBOR.UNRST"), qOK);
   EXPECT_FALSE(qOK);
   EXPECT_EQ(index.FileName, "");
   EXPECT_THAT(session.diagnoses(), IsEmpty());

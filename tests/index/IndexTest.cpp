@@ -9,6 +9,7 @@
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
 #include "support/IndexedRun.h"
+#include "support/Paths.h"
 
 namespace lumbarn {
 namespace {
@@ -106,7 +107,7 @@ TEST_P(IndexOfForm, OfAnInitFileKeepsThePasses) {
 
 TEST(IndexOfSamples, SaysWhatAWalkSays) {
   const TemporaryFolder folder;
-  const std::string data = LUMBARN_EXAMPLES "/data/";
+  const std::string data = examplePath("/data/");
   const auto steps = [&](const std::string& stem) {
     std::vector<std::string> files;
     for (int i = 0; i <= 5; ++i) files.push_back(data + stem + std::to_string(i));

@@ -14,6 +14,7 @@
 #include "shapes/OnlyList.h"
 #include "support/Forms.h"
 #include "support/InitBuilder.h"
+#include "support/Paths.h"
 #include "support/TemporaryFolder.h"
 
 namespace lumbarn {
@@ -120,7 +121,7 @@ TEST(InitLoad, MatchesTheSampleRuns) {
   for (const auto* name : {"ARBOR/ARBOR.INIT", "ARBORF/ARBORF.FINIT", "HOLLIN/HOLLIN.INIT"}) {
     std::map<std::string, std::array<double, 4>> expected;  // count, min, max, sum
     const std::string file(name);
-    std::ifstream csv(LUMBARN_EXAMPLES "/data/expected/" + file.substr(file.find('/') + 1) + ".records.csv");
+    std::ifstream csv(examplePath("/data/expected/") + file.substr(file.find('/') + 1) + ".records.csv");
     for (std::string line; std::getline(csv, line);) {
       std::istringstream cells(line);
       std::string keyword, cell;
@@ -135,7 +136,7 @@ TEST(InitLoad, MatchesTheSampleRuns) {
     Session session;
     qvEclipseINIT init(session);
     bool qOK = false;
-    ASSERT_TRUE(init.CheckINITFile(LUMBARN_EXAMPLES "/data/" + file)) << file;
+    ASSERT_TRUE(init.CheckINITFile(examplePath("/data/") + file)) << file;
     init.getEclipseINITArrays(qOK);
     ASSERT_TRUE(qOK) << file;
     ASSERT_THAT(init.grid(1).arrays, SizeIs(17)) << file;

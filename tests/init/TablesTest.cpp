@@ -15,6 +15,7 @@
 #include "init/qvEclipseDTAB.h"
 #include "record/RecordCursor.h"
 #include "shapes/HeaderLayout.h"
+#include "support/Paths.h"
 
 namespace lumbarn {
 namespace {
@@ -33,7 +34,7 @@ class SampleTables {
  public:
   explicit SampleTables(const std::string& file, std::int32_t phases, bool dissolvedGas) {
     std::string why;
-    auto cursor = openRecords(LUMBARN_EXAMPLES "/data/" + file, why);
+    auto cursor = openRecords(examplePath("/data/") + file, why);
     while (cursor && cursor->next()) {
       if (cursor->header().keyword == "TABDIMS") tables.processTABDIMS(cursor->integers(), qOK);
       if (cursor->header().keyword == "TAB") tables.addDTAB(cursor->doubles(), qOK);
@@ -69,7 +70,7 @@ void expectRows(const Rows& found, const Rows& deck, std::string_view table) {
 
 /// The numbers of a keyword of a deck, up to each "/".
 Rows deckRecords(const std::string& file, std::string_view keyword) {
-  std::ifstream deck(LUMBARN_EXAMPLES "/data/" + file);
+  std::ifstream deck(examplePath("/data/") + file);
   Rows records(1);
   std::string word;
   while (deck >> word && word != keyword) {

@@ -9,6 +9,7 @@
 #include "reader/qvEclipseReader.h"
 #include "record/RecordCursor.h"
 #include "support/GridBuilder.h"
+#include "support/Paths.h"
 #include "support/TemporaryFolder.h"
 
 namespace lumbarn::test {
@@ -43,7 +44,7 @@ struct HostGrid {
   }
 };
 
-const std::string examples = LUMBARN_EXAMPLES "/data/";
+const std::string examples = examplePath("/data/");
 
 std::vector<float> singlesOf(const std::string& path, const std::string& keyword) {
   std::string why;

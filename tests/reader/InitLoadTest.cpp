@@ -10,6 +10,7 @@
 #include "shapes/HeaderLayout.h"
 #include "support/Forms.h"
 #include "support/InitBuilder.h"
+#include "support/Paths.h"
 #include "support/TemporaryFolder.h"
 
 namespace lumbarn {
@@ -156,7 +157,7 @@ TEST_F(InitOperations, WriteTheIndexWhereTheHostNamesAFolder) {
 }
 
 TEST_F(InitOperations, HandOverTablesAsTheyStandAndAsTheyAreMeant) {
-  reader_.FileName = LUMBARN_EXAMPLES "/data/HOLLIN/HOLLIN.INIT";
+  reader_.FileName = examplePath("/data/HOLLIN/HOLLIN.INIT");
   load();
   ASSERT_TRUE(reader_.IsINITTableData());
   reader_.GetINITTableData("PVDO", 1, values_, headers_, source_, qOK_);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Paths.h"
 #include "support/SummaryLoad.h"
 
 namespace lumbarn {
@@ -35,7 +36,7 @@ std::vector<std::string> csvFields(const std::string& line) {
 
 ExpectedTable expectedTable(const std::string& file) {
   ExpectedTable table;
-  std::ifstream in(LUMBARN_EXAMPLES "/data/expected/" + file);
+  std::ifstream in(examplePath("/data/expected/") + file);
   std::string line;
   std::getline(in, line);
   table.names = csvFields(line);
@@ -55,7 +56,7 @@ struct Sample {
 };
 
 using test::SummaryLoad;
-const std::string data = LUMBARN_EXAMPLES "/data/";
+const std::string data = examplePath("/data/");
 
 class SampleRuns : public ::testing::TestWithParam<Sample> {};
 

@@ -3,6 +3,7 @@
 
 #include "reader/qvEclipseReader.h"
 #include "support/Forms.h"
+#include "support/Paths.h"
 #include "support/TemporaryFolder.h"
 
 namespace lumbarn {
@@ -50,7 +51,7 @@ TEST(WellTestOperations, ReadTheSampleRunInBothForms) {
        {std::pair("ARBOR/ARBOR.RFT", "6 JAN 2016"), {"ARBORF/ARBORF.FRFT", "3 APR 2015"}}) {
     SCOPED_TRACE(file);
     Host host;
-    ASSERT_TRUE(host.load(std::string(LUMBARN_EXAMPLES "/data/") + file, 18));
+    ASSERT_TRUE(host.load(examplePath("/data/") + file, 18));
     EXPECT_EQ(host.reader.NumberRFTTests(), 3);
     ASSERT_TRUE(host.rft(3));
     EXPECT_EQ(host.zWell, "PROD");
@@ -110,7 +111,7 @@ TEST(WellTestOperations, TellKindsOfFilesApart) {
   writeFile(folder.file("P.RFT"), bytesOf("PLT\n"));
   Host host;
   const std::pair<std::string, std::int32_t> files[] = {
-      {folder.file("R.RFT"), 76}, {folder.file("P.RFT"), 77}, {LUMBARN_EXAMPLES "/data/ARBOR/ARBOR.RFT", 18}};
+      {folder.file("R.RFT"), 76}, {folder.file("P.RFT"), 77}, {examplePath("/data/ARBOR/ARBOR.RFT"), 18}};
   for (const auto& [path, kind] : files) {
     for (const std::int32_t asked : {18, 76, 77}) {
       EXPECT_EQ(host.reader.CheckECLIPSEFileType(path, asked), asked == kind) << path;

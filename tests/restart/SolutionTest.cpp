@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "files/FileSets.h"
+#include "support/Paths.h"
 #include "support/RestartBuilder.h"
 #include "support/RestartLoad.h"
 #include "support/Text.h"
@@ -29,7 +30,7 @@ struct ExpectedArray {
 };
 std::vector<std::vector<ExpectedArray>> expectedSteps(const std::string& file) {
   std::vector<std::vector<ExpectedArray>> steps;
-  std::ifstream in(LUMBARN_EXAMPLES "/data/expected/" + file + ".records.csv");
+  std::ifstream in(examplePath("/data/expected/") + file + ".records.csv");
   std::string line;
   bool solution = false;
   while (std::getline(in, line)) {
@@ -54,7 +55,7 @@ class RestartSamples : public ::testing::TestWithParam<Sample> {};
 
 TEST_P(RestartSamples, HoldWhatTheIndependentReaderFound) {
   const auto& [folder, file, step] = GetParam();
-  RestartLoad load(std::string(LUMBARN_EXAMPLES "/data/") + folder + "/" + file);
+  RestartLoad load(examplePath("/data/") + folder + "/" + file);
   load.reader.iStart = load.reader.iEnd = step;
   ASSERT_TRUE(load.run()) << load.lastDiagnosis().text();
   EXPECT_TRUE(load.session.diagnoses().empty());
@@ -317,8 +318,7 @@ TEST(RestartFiles, OthersAreRefused) {
   const TemporaryFolder folder;
   const auto text = folder.file("RUN.UNRST");
   test::writeFile(text, test::bytesOf("no record file"));
-  for (const auto& file :
-       {text, folder.file("NONE.UNRST"), std::string(LUMBARN_EXAMPLES "/data/ARBOR/ARBOR.EGRID")}) {
+  for (const auto& file : {text, folder.file("NONE.UNRST"), examplePath("/data/ARBOR/ARBOR.EGRID")}) {
     RestartLoad load(file);
     EXPECT_FALSE(load.run());
     EXPECT_EQ(load.lastDiagnosis().path, file);

@@ -5,6 +5,7 @@
 #include "reader/qvEclipseReader.h"
 #include "restart/MarkerBlock.h"
 #include "restart/WellRecords.h"
+#include "support/Paths.h"
 #include "support/RestartBuilder.h"
 
 namespace lumbarn {
@@ -54,7 +55,7 @@ std::vector<std::string> texts(const std::vector<WellRecord>& wells) {
 
 /// What the decks of the samples say: WELSPECS, COMPDAT, COMPSEGS, and P2 shut late in the run.
 TEST(WellRecords, AgreeWithTheDecksOfTheSamples) {
-  const std::string data = LUMBARN_EXAMPLES "/data/";
+  const std::string data = examplePath("/data/");
   StepLoad hollin(data + "HOLLIN/HOLLIN.UNRST", 13);
   const auto wells = hollin.wells();
   EXPECT_THAT(

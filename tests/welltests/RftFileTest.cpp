@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/Paths.h"
 #include "support/Text.h"
 #include "support/WellTestLoad.h"
 
@@ -233,7 +234,7 @@ TEST(RftFileFaults, WhatIsNoTestFileIsRefused) {
   WellTestLoad run;
   run.file.FileName = "kept";
   EXPECT_FALSE(run.file.CheckRFTFile(run.folder.file("NONE.RFT")));
-  EXPECT_FALSE(run.file.CheckRFTFile(LUMBARN_EXAMPLES "/data/ARBOR/ARBOR.INIT"));
+  EXPECT_FALSE(run.file.CheckRFTFile(examplePath("/data/ARBOR/ARBOR.INIT")));
   EXPECT_EQ(run.file.FileName, "kept");
   bool qOK = true;
   run.file.getRFTData(qOK);
@@ -244,7 +245,7 @@ TEST(RftFileFaults, WhatIsNoTestFileIsRefused) {
 /// The tables beside what an independent reader found in the files: count, least, greatest and sum of each
 /// array.
 TEST(RftSamples, HoldWhatAnIndependentReaderFound) {
-  const std::string data = LUMBARN_EXAMPLES "/data/";
+  const std::string data = examplePath("/data/");
   for (const std::string name : {"ARBORF.FRFT", "HOLLIN.RFT"}) {
     WellTestLoad run(data + name.substr(0, name.find('.')) + "/" + name);
     ASSERT_TRUE(run.loaded);

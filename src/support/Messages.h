@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace lumbarn {
+
+/// What a diagnosis means for the data that were delivered.
+enum class Severity : std::uint8_t {
+  Remark,      ///< nothing is missing; a choice or an assumption the user should know of
+  Incomplete,  ///< data that were asked for are missing, and the file is valid as far as it goes
+  Damage,      ///< the file, or the system that reads it, is at fault
+};
+
+/// One row of the table of diagnoses. The identifier is stable: hosts and scripts may compare it.
+struct MessageRow {
+  std::string_view id;  ///< "summary.params.length"
+  Severity severity;
+  std::string_view text;  ///< shown when a diagnosis has no more specific problem text
+};
+
+// Every diagnosis that the library reports has its row here, grouped by the directory that reports it:
+// name, identifier, severity, text.
+// clang-format off
+#define LUMBARN_MESSAGES(ROW)                                                                                \
+  ROW(None, "", Damage, "")                                                                                  \
+  /* record */                                                                                               \
+  ROW(RecordTruncated, "record.truncated", Incomplete, "record truncated")                                   \
+  ROW(RecordDamaged, "record.damaged", Damage, "record damaged")                                             \
+  /* system */                                                                                               \
+  ROW(FileOpen, "file.open", Damage, "file cannot be opened")                                                \
+  ROW(FileRead, "file.read", Damage, "file cannot be read")                                                  \
+  ROW(FileWrite, "file.write", Damage, "file cannot be written")                                             \
+  ROW(FileEmpty, "file.empty", Damage, "file is empty")                                                      \
+  ROW(FileType, "file.type", Damage, "file is of another type")                                              \
+  ROW(FileChanged, "file.changed", Damage, "file changed while it was being read")                           \
+  ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
+  /* files */                                                                                                \
+  /* index */                                                                                                \
+  /* arrays */                                                                                               \
+  /* summary */                                                                                              \
+  /* restart */                                                                                              \
+  /* init */                                                                                                 \
+  /* grid */                                                                                                 \
+  /* welltests */                                                                                            \
+  /* reader */                                                                                               \
+  /* export */                                                                                               \
+  /* command */                                                                                              \
+  /* end of the table */
+// clang-format on
+
+/// The rows by name: `Message::RecordTruncated`.
+enum class Message : std::uint16_t {
+#define LUMBARN_MESSAGE_NAME(name, id, severity, text) name,
+  LUMBARN_MESSAGES(LUMBARN_MESSAGE_NAME)
+#undef LUMBARN_MESSAGE_NAME
+};
+
+inline constexpr MessageRow messageRows[] = {
+#define LUMBARN_MESSAGE_ROW(name, id, severity, text) {id, Severity::severity, text},
+    LUMBARN_MESSAGES(LUMBARN_MESSAGE_ROW)
+#undef LUMBARN_MESSAGE_ROW
+};
+
+constexpr const MessageRow& rowOf(Message message) { return messageRows[static_cast<std::size_t>(message)]; }
+
+}  // namespace lumbarn
