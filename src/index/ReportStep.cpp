@@ -1,0 +1,25 @@
+#include "ReportStep.h"
+
+#include <algorithm>
+
+#include "RestartIndexHeads.h"
+
+namespace lumbarn {
+
+std::int32_t stepNumber(std::optional<std::int32_t> seqnum, std::int32_t fileNumber,
+                        std::span<const std::int32_t> intehead) {
+  if (seqnum) return *seqnum;
+  if (fileNumber >= 0) return fileNumber;
+  return std::max(stepOfHead(intehead), -1);
+}
+
+std::string_view missingPart(const StepParts& step, const StepParts* before) {
+  if (!step.header) return "INTEHEAD";
+  if (step.solutionOpen()) return "ENDSOL";
+  if (!before) return {};
+  if (step.localGrids < before->localGrids) return "LGR";
+  if (step.solutions < before->solutions) return "STARTSOL";
+  return {};
+}
+
+}  // namespace lumbarn
