@@ -4,6 +4,7 @@
 #include "RunIndex.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
+#include "vocabulary/Units.h"
 
 namespace lumbarn::cli {
 namespace {

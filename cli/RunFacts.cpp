@@ -14,6 +14,7 @@
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
 #include "support/Text.h"
+#include "vocabulary/Units.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -89,21 +90,6 @@ class HeaderFacts {
 };
 
 }  // namespace
-
-std::string_view unitSystemName(std::int32_t number) {
-  switch (number) {
-    case 1:
-      return "metric";
-    case 2:
-      return "field";
-    case 3:
-      return "lab";
-    case 4:
-      return "metric with atmospheres";
-    default:
-      return "unknown";
-  }
-}
 
 Facts restartFacts(const RunFamily& run, Console& console) {
   HeaderFacts headers;

@@ -22,7 +22,4 @@ Facts testFacts(const RunFamily& run, Console& console);
 /// Of a text of tests all is read.
 Facts userTestFacts(const RunMember& file, Console& console);
 
-/// A unit system by its number in a header.
-std::string_view unitSystemName(std::int32_t number);
-
 }  // namespace lumbarn::cli

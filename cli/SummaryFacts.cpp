@@ -6,6 +6,7 @@
 #include "PathArgument.h"
 #include "RunFacts.h"
 #include "reader/qvEclipseReader.h"
+#include "vocabulary/Units.h"
 
 namespace lumbarn::cli {
 namespace {

@@ -20,6 +20,7 @@
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
 #include "support/Text.h"
+#include "vocabulary/Units.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -32,21 +33,6 @@ struct WellsOptions {
 };
 
 using Cell = std::variant<std::monostate, std::string, std::int32_t, float, double>;
-
-enum class Quantity { None, LiquidRate, GasRate, Pressure, Factor, Length, Kh };
-
-/// The unit of a quantity in the unit systems 1, 2, 3; empty for any other.
-std::string_view unitOf(Quantity quantity, std::int32_t iUnits) {
-  constexpr std::string_view units[][3] = {{"", "", ""},
-                                           {"SM3/DAY", "STB/DAY", "SCC/HR"},
-                                           {"SM3/DAY", "MSCF/DAY", "SCC/HR"},
-                                           {"BARSA", "PSIA", "ATMA"},
-                                           {"CPM3/D/BAR", "CPRB/D/PSI", "CPcc/H/A"},
-                                           {"M", "FT", "CM"},
-                                           {"MD.M", "MD.FT", "MD.CM"}};
-  if (iUnits < 1 || iUnits > 3) return {};
-  return units[static_cast<std::size_t>(quantity)][iUnits - 1];
-}
 
 /// One column of a table, which is one field of an object too.
 template <class Record>
@@ -105,10 +91,10 @@ constexpr Field<ConnectionRecord> connectionFields[] = {
      [](const ConnectionRecord& connection) { return Cell(connectionStatusText(connection.iStatus)); }},
     {"direction", false, Quantity::None,
      [](const ConnectionRecord& connection) { return Cell(directionText(connection.iDirection)); }},
-    {"factor", true, Quantity::Factor, numberOf<&ConnectionNumbers::factor>},
+    {"factor", true, Quantity::ConnectionFactor, numberOf<&ConnectionNumbers::factor>},
     {"depth", true, Quantity::Length, numberOf<&ConnectionNumbers::depth>},
     {"diameter", true, Quantity::Length, numberOf<&ConnectionNumbers::diameter>},
-    {"kh", true, Quantity::Kh, numberOf<&ConnectionNumbers::kh>},
+    {"kh", true, Quantity::PermeabilityThickness, numberOf<&ConnectionNumbers::kh>},
     {"length_start", true, Quantity::Length, lengthOf<&ConnectionNumbers::lengthStart>},
     {"length_end", true, Quantity::Length, lengthOf<&ConnectionNumbers::lengthEnd>},
 };

@@ -7,7 +7,7 @@ namespace lumbarn {
 
 namespace {
 
-using enum TableColumn::Quantity;
+using enum Quantity;
 
 constexpr auto layouts = std::to_array<TableLayout>({
     {"ROCK", "", 2, 0, 0, 3},
@@ -36,20 +36,24 @@ struct NamedColumns {
 };
 
 constexpr auto columnTables = std::to_array<NamedColumns>({
-    {"SWFN", 3, {{{"SW", "", None}, {"KRW", "", None}, {"PCOW", "", Capillary}}}},
-    {"SGFN", 3, {{{"SG", "", None}, {"KRG", "", None}, {"PCOG", "", Capillary}}}},
+    {"SWFN", 3, {{{"SW", "", None}, {"KRW", "", None}, {"PCOW", "", PressureDifference}}}},
+    {"SGFN", 3, {{{"SG", "", None}, {"KRG", "", None}, {"PCOG", "", PressureDifference}}}},
     {"SOF2", 2, {{{"SO", "", None}, {"KRO", "", None}}}},
     {"SOF3", 3, {{{"SO", "", None}, {"KROW", "", None}, {"KROG", "", None}}}},
-    {"PVTO", 3, {{{"P", "", Pressure}, {"BO", "1/BO", LiquidVolume}, {"MUO", "1/(BO*MUO)", Viscosity}}}},
-    {"PVDO", 3, {{{"P", "", Pressure}, {"BO", "1/BO", LiquidVolume}, {"MUO", "1/(BO*MUO)", Viscosity}}}},
+    {"PVTO",
+     3,
+     {{{"P", "", Pressure}, {"BO", "1/BO", LiquidVolumeFactor}, {"MUO", "1/(BO*MUO)", Viscosity}}}},
+    {"PVDO",
+     3,
+     {{{"P", "", Pressure}, {"BO", "1/BO", LiquidVolumeFactor}, {"MUO", "1/(BO*MUO)", Viscosity}}}},
     {"RS", 1, {{{"RS", "", GasInOil}}}},
-    {"PVTG", 3, {{{"RV", "", OilInGas}, {"BG", "1/BG", GasVolume}, {"MUG", "1/(BG*MUG)", Viscosity}}}},
-    {"PVDG", 3, {{{"P", "", Pressure}, {"BG", "1/BG", GasVolume}, {"MUG", "1/(BG*MUG)", Viscosity}}}},
+    {"PVTG", 3, {{{"RV", "", OilInGas}, {"BG", "1/BG", GasVolumeFactor}, {"MUG", "1/(BG*MUG)", Viscosity}}}},
+    {"PVDG", 3, {{{"P", "", Pressure}, {"BG", "1/BG", GasVolumeFactor}, {"MUG", "1/(BG*MUG)", Viscosity}}}},
     {"PGAS", 1, {{{"PG", "", Pressure}}}},
     {"PVTW",
      5,
      {{{"PREF", "", Pressure},
-       {"BW", "1/BW", LiquidVolume},
+       {"BW", "1/BW", LiquidVolumeFactor},
        {"CW", "", Compressibility},
        {"MUW", "1/(BW*MUW)", Viscosity},
        {"CV", "CW-CV", Compressibility}}}},
@@ -65,30 +69,13 @@ constexpr auto columnTables = std::to_array<NamedColumns>({
      {{{"DEPTH", "", Length},
        {"P", "", Pressure},
        {"WOC", "", Length},
-       {"PCOW", "", Capillary},
+       {"PCOW", "", PressureDifference},
        {"GOC", "", Length},
-       {"PCOG", "", Capillary},
+       {"PCOG", "", PressureDifference},
        {"RSTYPE", "", None},
        {"RVTYPE", "", None},
        {"ACCURACY", "", None},
        {"ITEM10", "", None}}}},
-});
-
-struct UnitRow {
-  TableColumn::Quantity quantity;
-  std::array<std::string_view, 4> texts;
-};
-constexpr auto units = std::to_array<UnitRow>({
-    {Pressure, {"BARSA", "PSIA", "ATMA", "ATMA"}},
-    {Capillary, {"BARS", "PSI", "ATM", "ATM"}},
-    {Length, {"M", "FT", "CM", "M"}},
-    {Density, {"KG/M3", "LB/FT3", "GM/CC", "KG/M3"}},
-    {Viscosity, {"CP", "CP", "CP", "CP"}},
-    {Compressibility, {"1/BARS", "1/PSI", "1/ATM", "1/ATM"}},
-    {LiquidVolume, {"RM3/SM3", "RB/STB", "RCC/SCC", "RM3/SM3"}},
-    {GasVolume, {"RM3/SM3", "RB/MSCF", "RCC/SCC", "RM3/SM3"}},
-    {GasInOil, {"SM3/SM3", "MSCF/STB", "SCC/SCC", "SM3/SM3"}},
-    {OilInGas, {"SM3/SM3", "STB/MSCF", "SCC/SCC", "SM3/SM3"}},
 });
 
 }  // namespace
@@ -106,12 +93,6 @@ std::span<const TableColumn> tableColumns(std::string_view zTable) {
 
 std::int32_t GRAFTableColumns(std::string_view zTable) {
   return static_cast<std::int32_t>(tableColumns(zTable).size());
-}
-
-std::string_view tableUnit(TableColumn::Quantity quantity, std::int32_t iUnits) {
-  const auto* row = std::ranges::find(units, quantity, &UnitRow::quantity);
-  if (row == units.end() || iUnits < 1 || iUnits > 4) return {};
-  return row->texts[static_cast<std::size_t>(iUnits) - 1];
 }
 
 std::string_view relatedTable(std::string_view zTable) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "../vocabulary/Units.h"
+
 namespace lumbarn {
 
 constexpr int tableDimsWords = 48;  ///< words of TABDIMS that have a meaning here
@@ -28,26 +30,10 @@ std::int32_t GRAFTableColumns(std::string_view zTable);
 struct TableColumn {
   std::string_view name;  ///< "BO"; empty for a column that is not shown
   std::string_view raw;   ///< what TAB holds, when that is something else: "1/BO"
-  enum class Quantity : std::uint8_t {
-    None,
-    Pressure,
-    Capillary,  ///< difference of pressures
-    Length,
-    Density,
-    Viscosity,
-    Compressibility,
-    LiquidVolume,
-    GasVolume,
-    GasInOil,
-    OilInGas
-  } quantity = Quantity::None;
+  Quantity quantity = Quantity::None;
 };
 /// The columns of a table, `GRAFTableColumns` of them.
 std::span<const TableColumn> tableColumns(std::string_view zTable);
-/// Units by system: 1 metric, 2 field, 3 laboratory, 4 metric with atmospheres. Empty for a number without
-/// dimension and in any other system.
-std::string_view tableUnit(TableColumn::Quantity quantity, std::int32_t iUnits);
-
 /// "PVTG" names "PGAS", "PVTO" and "PVCO" name "RS": the table that holds the values of the outer index.
 /// Empty for others.
 std::string_view relatedTable(std::string_view zTable);

@@ -158,7 +158,7 @@ bool qvEclipseDTAB::fillHeaders(std::string_view zTable, std::int32_t iUnits, By
     setAttribute(attributeVariable, bHeaders, before + i, label);
     // The units known here are those of the physical value.
     if (column.raw.empty())
-      setAttribute(attributeUnits, bHeaders, before + i, tableUnit(column.quantity, iUnits));
+      setAttribute(attributeUnits, bHeaders, before + i, unitOf(column.quantity, iUnits));
   }
   return !columns.empty();
 }
@@ -238,8 +238,7 @@ PhysicalTable qvEclipseDTAB::physicalTable(std::string_view zTable, std::int32_t
     result.overlaps = overlaps(table->zTable);
     const auto addColumn = [&](const TableColumn& column) {
       if (column.name.empty()) return;
-      result.columns.push_back(
-          {std::string(column.name), std::string(tableUnit(column.quantity, iUnits)), {}});
+      result.columns.push_back({std::string(column.name), std::string(unitOf(column.quantity, iUnits)), {}});
     };
     if (related) addColumn(tableColumns(related->zTable).front());
     for (const auto& column : columns) addColumn(column);
