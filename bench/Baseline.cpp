@@ -40,12 +40,14 @@ void turnWords(std::byte* bytes, std::size_t words) {
 SwappedBytes readSwapped(const std::filesystem::path& path) {
   // Pieces that the second level cache holds, so that turning the words does not fetch them from memory.
   constexpr std::size_t piece = std::size_t{256} << 10;
+  std::string error = "has shrunk";
   const auto file = openFile(path);
   const auto size = static_cast<std::size_t>(file.size());
   SwappedBytes result{std::make_unique_for_overwrite<std::byte[]>(size), size};
   for (std::size_t at = 0; at < size; at += piece) {
     const std::span part(result.bytes.get() + at, std::min(piece, size - at));
-    if (file.readAt(at, part) != part.size()) throw std::runtime_error(path.string() + " has shrunk");
+    if (file.readAt(at, part, error) != part.size())
+      throw std::runtime_error(path.string() + ": " + error);
     turnWords(part.data(), part.size() / 4);
   }
   benchmark::DoNotOptimize(result.bytes.get());
@@ -55,7 +57,8 @@ SwappedBytes readSwapped(const std::filesystem::path& path) {
 std::string readText(const std::filesystem::path& path) {
   const auto file = openFile(path);
   std::string text(static_cast<std::size_t>(file.size()), ' ');
-  file.readAt(0, std::as_writable_bytes(std::span(text)));
+  std::string error;
+  file.readAt(0, std::as_writable_bytes(std::span(text)), error);
   return text;
 }
 

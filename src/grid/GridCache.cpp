@@ -237,16 +237,9 @@ struct GridCache::Source {
 };
 
 GridCache::GridCache(std::string path, const qvGRIDReader& reader, Session& session)
-    : path_(std::move(path)), reader_(&reader), session_(&session), made_(stamp()) {}
+    : path_(std::move(path)), reader_(&reader), session_(&session), made_(stampOf(reader.FileName).value_or(FileStamp{})) {}
 
-GridCache::Stamp GridCache::stamp() const {
-  std::error_code unknown;
-  const auto size = std::filesystem::file_size(reader_->FileName, unknown);
-  const auto time = std::filesystem::last_write_time(reader_->FileName, unknown);
-  return {size, static_cast<std::int64_t>(time.time_since_epoch().count())};
-}
-
-GridCache::Source GridCache::source() const {
+GridCache::Source GridCache::source(FileStamp& stamp) const {
   Source facts;
   std::string error;
   const auto file = FileSource::open(reader_->FileName, error);
@@ -254,7 +247,8 @@ GridCache::Source GridCache::source() const {
   facts.options =
       (reader_->CompressOnLoad ? 1U : 0U) + (reader_->NoInactive ? 2U : 0U) + (reader_->Coarsened ? 4U : 0U);
   facts.size = file->size();
-  facts.time = stamp().time;
+  stamp = file->stamp().value_or(FileStamp{});
+  facts.time = stamp.modified;
   facts.sum = sumOf(*file, facts.size).value_or(0);
   return facts;
 }
@@ -268,13 +262,13 @@ bool GridCache::refuse(std::string_view problem, std::string_view found, std::st
 }
 
 /// The cache file, when it is whole and goes with the grid file; else null.
-std::unique_ptr<ByteSource> GridCache::open(std::uint64_t& end) const {
+std::unique_ptr<const ByteSource> GridCache::open(std::uint64_t& end) const {
   std::string error;
   std::error_code unknown;
   if (path_.empty() ||
       std::filesystem::status(path_, unknown).type() == std::filesystem::file_type::not_found)
     return nullptr;
-  std::unique_ptr<ByteSource> file = FileSource::open(path_, error);
+  std::unique_ptr<const ByteSource> file = FileSource::open(path_, error);
   if (!file) {
     refuse("grid cache cannot be read", error);
     return nullptr;
@@ -287,7 +281,7 @@ std::unique_ptr<ByteSource> GridCache::open(std::uint64_t& end) const {
                     file->readAt(end, std::as_writable_bytes(std::span(&sum, 1))) == sizeof sum;
   if (!read || found.name != magic) {
     refuse("file is no grid cache");
-  } else if (!(found == source())) {
+  } else if (FileStamp now; !(found == source(now))) {
     refuse("grid cache is not that of the file and the options");
   } else if (sumOf(*file, end) != sum) {
     refuse("grid cache is damaged");
@@ -334,12 +328,13 @@ bool GridCache::save(const std::vector<std::shared_ptr<Hadrick>>& grids) const {
   OutputFile file(part, error);
   if (!file.isOpen()) return refuse("grid cache cannot be written", error, none);
   CacheWriter out(file);
-  const Source facts = source();
+  FileStamp now;
+  const Source facts = source(now);
   out.put(facts);
   out.put(static_cast<std::uint64_t>(grids.size()));
   for (const auto& grid : grids) putGrid(out, *grid);
   const bool written = out.finish();
-  const bool same = Stamp{facts.size, facts.time} == made_;
+  const bool same = now == made_;
   if (written && same) std::filesystem::rename(part, path_, failed);
   if (written && same && !failed) return true;
   std::error_code ignored;

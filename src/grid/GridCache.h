@@ -32,22 +32,15 @@ class GridCache {
 
  private:
   struct Source;
-  /// Size and time of the last change of the grid file.
-  struct Stamp {
-    std::uint64_t size = 0;
-    std::int64_t time = 0;
-    bool operator==(const Stamp&) const = default;
-  };
-  Stamp stamp() const;
-  Source source() const;
-  std::unique_ptr<ByteSource> open(std::uint64_t& end) const;
+  Source source(FileStamp& stamp) const;
+  std::unique_ptr<const ByteSource> open(std::uint64_t& end) const;
   bool refuse(std::string_view problem, std::string_view found = {},
               std::string_view action = "read the grid file itself") const;
 
   std::string path_;
   const qvGRIDReader* reader_;
   Session* session_;
-  Stamp made_;
+  FileStamp made_;  // of the grid file before it was read
 };
 
 }  // namespace lumbarn

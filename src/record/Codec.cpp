@@ -36,27 +36,27 @@ bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_
   return true;
 }
 
-namespace {
-
-Diagnosis fact(std::string problem, std::uint64_t offset, std::string expected, std::string found) {
-  Diagnosis diagnosis;
-  diagnosis.problem = std::move(problem);
-  diagnosis.offset = offset;
-  diagnosis.expected = std::move(expected);
-  diagnosis.found = std::move(found);
-  return diagnosis;
+bool isPlausible(const RecordHeader& header) {
+  if (header.keyword.empty()) return false;
+  if (header.typeWord == "X231") return header.count < 0;
+  return header.type != ElementType::Unknown && header.count >= 0;
 }
-
-}  // namespace
 
 void throwBadRecord(std::string problem, std::uint64_t offset, std::string expected, std::string found) {
-  throw BadRecord(fact(std::move(problem), offset, std::move(expected), std::move(found)));
+  throw BadRecord({.message = Message::RecordDamaged,
+                   .problem = std::move(problem),
+                   .offset = offset,
+                   .expected = std::move(expected),
+                   .found = std::move(found)});
 }
 
-void throwCutOff(std::uint64_t offset, std::string expected, std::string found) {
-  auto diagnosis = fact("record is cut off", offset, std::move(expected), std::move(found));
-  diagnosis.cutOff = true;
-  throw BadRecord(std::move(diagnosis));
+void throwTruncated(std::uint64_t offset, std::string expected, std::string found) {
+  throw BadRecord({.message = Message::RecordTruncated,
+                   .problem = "record is cut off",
+                   .offset = offset,
+                   .expected = std::move(expected),
+                   .found = std::move(found),
+                   .cutOff = true});
 }
 
 }  // namespace lumbarn

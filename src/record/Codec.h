@@ -46,6 +46,10 @@ class Codec {
   /// become 32 bits, Logical -1 or 0.
   virtual void decode(Window& window, const RecordHeader& header, const DataLayout& layout,
                       std::int64_t first, std::size_t count, std::byte* out) const = 0;
+  /// The offset of the first header at or behind a position that is sound and has plausible data behind it; the
+  /// size of the file when there is none. For a file that is damaged before: reads on in order, in time linear in
+  /// the bytes passed, and keeps no more than the window.
+  virtual std::uint64_t findHeader(Window& window, std::uint64_t position) const = 0;
   /// The singles with these ascending numbers.
   virtual void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
                       std::span<const std::uint32_t> elements, float* out) const = 0;
@@ -57,10 +61,15 @@ std::unique_ptr<const Codec> makeCodec(const Form& form);
 /// keyword has characters outside of printable ASCII or the type word is no word of letters and digits.
 bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_view typeWord);
 
+/// Whether a header that was met in the search for one may be meant: a keyword, a known type, and a count that
+/// goes with it.
+bool isPlausible(const RecordHeader& header);
+
+/// Throws BadRecord with RecordDamaged and this specific text.
 [[noreturn]] void throwBadRecord(std::string problem, std::uint64_t offset, std::string expected,
                                  std::string found);
 
-/// The same for a file that ends before its record does.
-[[noreturn]] void throwCutOff(std::uint64_t offset, std::string expected, std::string found);
+/// Throws RecordTruncated, for a file that ends before its record does.
+[[noreturn]] void throwTruncated(std::uint64_t offset, std::string expected, std::string found);
 
 }  // namespace lumbarn

@@ -5,19 +5,12 @@
 #include <bit>
 
 #include "../support/Diagnosis.h"
-#include "../support/Text.h"
 #include "Codec.h"
 #include "FormFlags.h"
 
 namespace lumbarn {
 
 namespace {
-
-std::optional<std::string> keywordAt(const ByteSource& source, std::uint64_t position) {
-  std::array<std::byte, 8> bytes;
-  if (source.readAt(position, bytes) < bytes.size()) return std::nullopt;
-  return upper(trim({reinterpret_cast<const char*>(bytes.data()), bytes.size()}));
-}
 
 /// The other byte order than this machine's has the first mark's low byte, 16, at its other end.
 bool swappedMarks(const ByteSource& source) {
@@ -31,11 +24,11 @@ std::optional<RecordHeader> soundHeader(const ByteSource& source, const Form& fo
   RecordHeader header;
   try {
     if (!makeCodec(form)->readHeader(window, 0, header)) return std::nullopt;
-  } catch (const BadRecord&) {
+  } catch (const BadRecord& damage) {
+    if (damage.diagnosis().message == Message::FileRead) throw;
     return std::nullopt;
   }
-  const bool known = header.type != ElementType::Unknown || header.typeWord == "X231";
-  if (!known || header.keyword.empty()) return std::nullopt;
+  if (!isPlausible(header)) return std::nullopt;
   return header;
 }
 
@@ -61,21 +54,20 @@ void FormFlags::setForm(const Form& form) {
   byteSwap = form.byteSwap;
 }
 
-std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords) {
-  const bool swapped = swappedMarks(source);
-  const std::array<std::pair<std::uint64_t, Form>, 3> probes{{
-      {2, {Framing::Formatted, false}},
-      {4, {Framing::FourByteMarks, swapped}},
-      {1, {Framing::OneByteMarks, false}},
-  }};
-  for (const auto& [position, form] : probes) {
-    if (keywords.empty()) {
-      if (const auto header = soundHeader(source, form)) return DetectedForm{form, header->keyword};
-    } else if (const auto keyword = keywordAt(source, position)) {
-      if (std::ranges::find(keywords, *keyword) != keywords.end()) return DetectedForm{form, *keyword};
-    }
+std::optional<DetectedForm> detectForm(const ByteSource& source) {
+  const std::array<Form, 3> probes{{{Framing::Formatted, false},
+                                    {Framing::FourByteMarks, swappedMarks(source)},
+                                    {Framing::OneByteMarks, false}}};
+  for (const Form& form : probes) {
+    if (auto header = soundHeader(source, form)) return DetectedForm{form, std::move(header->keyword)};
   }
   return std::nullopt;
+}
+
+std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords) {
+  auto detected = detectForm(source);
+  if (detected && std::ranges::find(keywords, detected->keyword) == keywords.end()) detected.reset();
+  return detected;
 }
 
 }  // namespace lumbarn

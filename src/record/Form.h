@@ -32,10 +32,12 @@ struct DetectedForm {
   std::string keyword;  ///< trimmed, upper case
 };
 
-/// Looks at the first bytes: a keyword at byte 3 (counting from 1) says formatted, at byte 5 4-byte marks, at
-/// byte 2 1-byte marks, tried in this order, since a short text header could satisfy a later probe. With
-/// `keywords` only those count; without, any first header that is sound as a whole.
-std::optional<DetectedForm> detectForm(const ByteSource& source,
-                                       std::span<const std::string_view> keywords = {});
+/// The form in which a file begins with a sound record header: tried as formatted, with 4-byte and with 1-byte
+/// marks, in this order, since a short text header could satisfy a later probe. Whatever its keyword is: files begin
+/// with a writer's own records too. Throws BadRecord when the file cannot be read.
+std::optional<DetectedForm> detectForm(const ByteSource& source);
+
+/// For operations that ask whether a file is of a type: the form, if the first keyword is one of these.
+std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords);
 
 }  // namespace lumbarn

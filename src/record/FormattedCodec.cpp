@@ -17,7 +17,12 @@ constexpr std::size_t longestToken = 80;
 /// on how much of the file happens to be.
 constexpr std::size_t longestNumber = 64;
 
-bool isBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
+/// Blanks, line ends and what else separates fields. Not zeros: those are the holes of a file that was never
+/// written there.
+bool isBlank(char c) { return c != '\0' && static_cast<unsigned char>(c) <= ' '; }
+
+/// More blanks than any writer leaves between two fields or in front of a header.
+constexpr std::uint64_t mostBlanks = 4096;
 
 std::string shown(std::string_view text) {
   text = text.substr(0, std::min<std::size_t>(text.find_first_of("\r\n"), 24));
@@ -37,10 +42,14 @@ class TextScanner {
   /// Moves to the next character that is no blank and brings at least a token's length, or what is left of
   /// the file, to hand. False at the end of the file.
   bool skipBlanks(std::size_t token = longestToken) {
+    const std::uint64_t start = position();
     while (true) {
       while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
       if (text_.size() - at_ >= token) return true;
       if (ended_) return at_ < text_.size();
+      if (position() - start > mostBlanks) {
+        throwBadRecord("blanks instead of a record", start, fmt::format("at most {} blanks", mostBlanks), "more");
+      }
       refill(token);
     }
   }
@@ -52,6 +61,12 @@ class TextScanner {
       ++at_;
       if (c == '\n') return;
     }
+  }
+  /// The rest of the current line, as far as a header line may be long.
+  std::string_view line() {
+    if (rest().size() < longestToken) refill(longestToken);
+    const auto text = rest().substr(0, longestToken);
+    return text.substr(0, text.find('\n'));
   }
   /// Moves to the start of the next line. False at the end of the file.
   bool nextLine() {
@@ -68,7 +83,7 @@ class TextScanner {
   [[noreturn]] void fail(const char* problem, const char* expected) const {
     const bool lastLine = rest().find('\n') == std::string_view::npos;
     if (lastLine && position() + rest().size() >= window_->size())
-      throwCutOff(position(), expected, shown(rest()));
+      throwTruncated(position(), expected, shown(rest()));
     throwBadRecord(problem, position(), expected, shown(rest()));
   }
   void take(std::size_t count) { at_ += count; }
@@ -81,7 +96,7 @@ class TextScanner {
     at_ = 0;
     const auto bytes = window_->at(position_, needed, wanted_);
     text_ = {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-    ended_ = bytes.size() < needed;  // the end of the file, or it was cut while being read
+    ended_ = bytes.size() < needed;
     return !text_.empty();
   }
 
@@ -216,7 +231,7 @@ void takeAll(TextScanner& scanner, FieldPlaces places, std::uint64_t skip, std::
              std::size_t token, std::size_t outWidth, std::byte* out, Take take) {
   for (std::uint64_t i = 0; i < skip + count; ++i) {
     if (!scanner.skipBlanks(token)) {
-      throwCutOff(scanner.position(), fmt::format("{} more elements", skip + count - i), "end of file");
+      throwTruncated(scanner.position(), fmt::format("{} more elements", skip + count - i), "end of file");
     }
     const bool wanted = out && i >= skip;
     const auto begin = scanner.position();
@@ -256,17 +271,12 @@ bool cutInsideField(Window& window, std::uint64_t fieldWidth) {
   return length % fieldWidth != 0;
 }
 
-/// Data of an unknown type: everything up to a line that is a header.
-std::uint64_t endOfUnknown(Window& window, std::uint64_t position) {
-  TextScanner scanner(window, position, 0);
-  RecordHeader following;
-  while (scanner.skipBlanks()) {
-    const auto at = scanner.position();
-    if (parseHeader(scanner.rest().substr(0, longestToken), following) != 0)
-      return at == position ? at : at - 1;
-    if (!scanner.nextLine()) break;
-  }
-  return window.size();
+/// Whether a line is that of a header: blanks, 'KEYWORD ', count, 'TYPE', blanks.
+bool isHeaderLine(std::string_view line) {
+  RecordHeader header;
+  line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+  const std::size_t taken = parseHeader(line, header);
+  return taken != 0 && !header.keyword.empty() && std::ranges::all_of(line.substr(taken), isBlank);
 }
 
 }  // namespace
@@ -307,14 +317,14 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   layout.end = header.dataAt;
   if (header.count == 0 || header.type == ElementType::None) return layout;
   if (header.type == ElementType::Unknown) {
-    layout.end = endOfUnknown(window, header.dataAt);
+    layout.end = findHeader(window, header.dataAt);
     return layout;
   }
   // Even numbers of one digit take two characters each, with the blank between them.
   const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
   const auto count = static_cast<std::uint64_t>(header.count);
   if (count > left / 2 + 1) {
-    throwCutOff(header.dataAt, fmt::format("{} elements", count), fmt::format("{} bytes", left));
+    throwTruncated(header.dataAt, fmt::format("{} elements", count), fmt::format("{} bytes", left));
   }
   const auto before = window.at(header.dataAt - std::min<std::uint64_t>(header.dataAt, 2), 2);
   layout.lineEndBytes = before.size() >= 2 && before[0] == std::byte{'\r'} ? 2 : 1;
@@ -324,20 +334,31 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   layout.end += count / perBlock * blockBytes(shape, perBlock, layout.lineEndBytes) +
                 blockBytes(shape, count % perBlock, layout.lineEndBytes);
   const auto around = window.at(layout.end - 1, 3);
-  const bool lineEnds = layout.end <= window.size() && !around.empty() && around[0] == std::byte{'\n'};
-  const bool headerFollows = around.size() == 1 || (around.size() >= 3 && around[1] == std::byte{' '} &&
-                                                    around[2] == std::byte{'\''});
+  const auto letter = [&](std::size_t i) { return i < around.size() ? std::to_integer<char>(around[i]) : '\0'; };
+  const bool lineEnds = layout.end <= window.size() && letter(0) == '\n';
+  // Some writers begin their headers in column 1, where texts of other widths may begin too.
+  const bool headerFollows = around.size() == 1 || (letter(1) == ' ' && letter(2) == '\'') ||
+                             (letter(1) == '\'' && isHeaderLine(TextScanner(window, layout.end, 0).line()));
   if (lineEnds && headerFollows) return layout;
 
   layout.kind = DataLayout::Kind::Scanned;
   TextScanner scanner(window, header.dataAt, left);
   scanElements(scanner, header, {}, 0, count, nullptr);
   if (scanner.position() == window.size() && cutInsideField(window, shape.fieldWidth)) {
-    throwCutOff(window.size(), "a whole last line", "end of file");
+    throwTruncated(window.size(), "a whole last line", "end of file");
   }
   scanner.skipLineEnd();
   layout.end = scanner.position();
   return layout;
+}
+
+/// The position is that of a line, or within one that is no header.
+std::uint64_t FormattedCodec::findHeader(Window& window, std::uint64_t position) const {
+  TextScanner scanner(window, position, window.size() - std::min(window.size(), position));
+  do {
+    if (isHeaderLine(scanner.line())) return scanner.position();
+  } while (scanner.nextLine());
+  return window.size();
 }
 
 void FormattedCodec::decode(Window& window, const RecordHeader& header, const DataLayout& layout,

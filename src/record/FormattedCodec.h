@@ -12,6 +12,7 @@ class FormattedCodec final : public Codec {
   DataLayout locate(Window& window, const RecordHeader& header) const override;
   void decode(Window& window, const RecordHeader& header, const DataLayout& layout, std::int64_t first,
               std::size_t count, std::byte* out) const override;
+  std::uint64_t findHeader(Window& window, std::uint64_t position) const override;
   void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
               std::span<const std::uint32_t> elements, float* out) const override;
 };

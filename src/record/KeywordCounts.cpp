@@ -1,22 +1,12 @@
 #include "KeywordCounts.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace lumbarn {
 
 namespace {
 
 constexpr std::size_t firstSize = 64;
-
-/// Never 0: what is left of the letters is filled with blanks, which no keyword has at its end.
-std::uint64_t keyOf(std::string_view keyword) {
-  char letters[8] = {' ', ' ', ' ', ' ', ' ', ' ', ' ', ' '};
-  std::memcpy(letters, keyword.data(), std::min(keyword.size(), sizeof letters));
-  std::uint64_t key;
-  std::memcpy(&key, letters, sizeof key);
-  return key;
-}
 
 }  // namespace
 
@@ -39,7 +29,7 @@ void KeywordCounts::grow() {
 
 std::int64_t& KeywordCounts::operator[](std::string_view keyword) {
   if (2 * used_ >= entries_.size()) grow();
-  const std::uint64_t key = keyOf(keyword);
+  const std::uint64_t key = keywordKey(keyword);
   Entry& entry = entries_[placeOf(entries_, key)];
   if (entry.key == 0) {
     entry.key = key;

@@ -1,11 +1,23 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
 namespace lumbarn {
+
+/// The letters of a keyword as one number, whose order means nothing. Never 0: what is left of the letters is
+/// filled with blanks, which no keyword has at its end.
+constexpr std::uint64_t keywordKey(std::string_view keyword) {
+  std::array<char, 8> letters;
+  letters.fill(' ');
+  std::copy_n(keyword.begin(), std::min(keyword.size(), letters.size()), letters.begin());
+  return std::bit_cast<std::uint64_t>(letters);
+}
 
 /// How often each keyword of a file has been met. Keywords have eight letters at most, so each is one number
 /// and the table is flat: it is asked once for every record, and in files of many small records that counts.

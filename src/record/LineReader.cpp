@@ -33,13 +33,6 @@ bool LineReader::fill() {
   }
   const auto room = std::as_writable_bytes(std::span(buffer_)).subspan(end_);
   const std::size_t taken = source_->readAt(readTo_, room);
-  if (taken == 0) {
-    throw BadRecord({.path = path_,
-                     .problem = "the file ends early",
-                     .offset = readTo_,
-                     .expected = "the bytes that it had at opening",
-                     .cutOff = true});
-  }
   end_ += taken;
   readTo_ += taken;
   return true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -43,7 +44,7 @@ std::uint64_t piecesOf(std::uint64_t bytes) {
 }
 
 [[noreturn]] void throwTooShort(std::uint64_t offset, std::uint64_t expected, std::uint64_t found) {
-  throwCutOff(offset, fmt::format("{} bytes", expected), fmt::format("{}", found));
+  throwTruncated(offset, fmt::format("{} bytes", expected), fmt::format("{}", found));
 }
 
 [[noreturn]] void throwMarksDisagree(std::uint64_t position, std::uint32_t expected, std::uint32_t found) {
@@ -105,7 +106,7 @@ DataLayout MarkedCodec::locate(Window& window, const RecordHeader& header) const
 
   const std::uint64_t left = window.size() - std::min(window.size(), header.dataAt);
   if (static_cast<std::uint64_t>(header.count) > left / static_cast<std::uint64_t>(header.width)) {
-    throwCutOff(header.dataAt, fmt::format("{} elements", header.count), fmt::format("{} bytes", left));
+    throwTruncated(header.dataAt, fmt::format("{} elements", header.count), fmt::format("{} bytes", left));
   }
   const std::uint64_t bytes = dataLength(header);
   const std::uint64_t firstBlock = std::min(bytes, blockLength(header));
@@ -167,7 +168,7 @@ DataLayout MarkedCodec::walkUnknown(Window& window, const RecordHeader& header) 
       const auto bytes = window.at(layout.end + mark, headerBytes);
       if (bytes.size() >= headerBytes &&
           setHeaderWords(following, letters(bytes.data(), 8), letters(bytes.data() + 12, 4)) &&
-          following.type != ElementType::Unknown) {
+          (following.type != ElementType::Unknown || following.typeWord == "X231")) {
         break;
       }
     }
@@ -178,6 +179,46 @@ DataLayout MarkedCodec::walkUnknown(Window& window, const RecordHeader& header) 
     layout.end += length + 2 * mark;
   }
   return layout;
+}
+
+/// Whether bytes, which go on to the end of the file or farther than one block, are a header with marks that agree
+/// and the marks of its first block, or those of the next header where it has no data.
+bool MarkedCodec::isHeader(std::span<const std::byte> bytes) const {
+  const auto mark = static_cast<std::size_t>(markBytes_);
+  const auto* body = bytes.data() + mark;
+  RecordHeader header;
+  if (loadMark(bytes.data()) != headerBytes || loadMark(body + headerBytes) != headerBytes ||
+      !setHeaderWords(header, letters(body, 8), letters(body + 12, 4))) {
+    return false;
+  }
+  header.count = loadWord<std::int32_t>(body + 8, swap_);
+  if (!isPlausible(header)) return false;
+  const auto behind = bytes.subspan(headerBytes + 2 * mark);
+  if (behind.size() < mark) return true;  // a file that ends here
+  const std::uint32_t opening = loadMark(behind.data());
+  if (header.count <= 0 || header.type == ElementType::None) return opening == headerBytes;
+  const std::uint64_t all = dataLength(header);
+  const std::uint64_t first = std::min(all, blockLength(header));
+  if (markBytes_ == 1 && first > pieceBytes && opening == pieceContinues) return true;
+  if (opening != shortened(first)) return opening == shortened(all);  // all in one block
+  const std::size_t closing = mark + static_cast<std::size_t>(first);
+  return behind.size() < closing + mark || loadMark(behind.data() + closing) == opening;
+}
+
+std::uint64_t MarkedCodec::findHeader(Window& window, std::uint64_t position) const {
+  const std::size_t whole = headerBytes + 2 * static_cast<std::size_t>(markBytes_);
+  constexpr std::size_t lookAhead = std::size_t{16} << 10;  // a header and its first block
+  while (position < window.size() && window.size() - position >= whole) {
+    const auto left = static_cast<std::size_t>(std::min<std::uint64_t>(window.size() - position, lookAhead));
+    const auto bytes = window.at(position, left, Window::capacity);
+    const bool last = position + bytes.size() >= window.size();
+    const std::size_t end = bytes.size() - (last ? whole : left) + 1;
+    for (std::size_t i = 0; i < end; ++i) {
+      if (loadMark(bytes.data() + i) == headerBytes && isHeader(bytes.subspan(i))) return position + i;
+    }
+    position += end;
+  }
+  return window.size();
 }
 
 MarkedCodec::Piece MarkedCodec::pieceAt(const RecordHeader& header, const DataLayout& layout,
@@ -276,30 +317,44 @@ void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataL
   }
 }
 
+/// The byte offset of that mark of a piece which is nearer to the place asked for. Both hold the piece's length,
+/// and either shows that the file still has the layout that was found when it was walked.
+std::uint64_t MarkedCodec::nearerMark(const Piece& piece) const {
+  const bool opening = 2 * piece.before <= piece.bytes;
+  return opening ? piece.dataAt - static_cast<std::uint64_t>(markBytes_) : piece.dataAt + piece.bytes;
+}
+
 void MarkedCodec::gather(Window& window, const RecordHeader& header, const DataLayout& layout,
                          std::span<const std::uint32_t> elements, float* out) const {
   // Elements closer than this are fetched together: a transfer costs about as much as copying that many
   // bytes.
   constexpr std::uint64_t worthOneTransfer = 4096;
-  const auto place = [&](std::uint32_t element) {
-    const Piece piece = pieceAt(header, layout, 4 * std::uint64_t{element});
-    return piece.dataAt + piece.before;
-  };
+  const auto mark = static_cast<std::uint64_t>(markBytes_);
+  const auto pieceOf = [&](std::size_t i) { return pieceAt(header, layout, 4 * std::uint64_t{elements[i]}); };
   std::uint64_t fetchedTo = 0;
+  std::uint64_t checked = 0;  // data offset of the piece whose mark was seen
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    const std::uint64_t at = place(elements[i]);
+    const Piece piece = pieceOf(i);
+    const std::uint64_t at = piece.dataAt + piece.before;
+    const std::uint64_t markAt = nearerMark(piece);
+    const bool check = piece.dataAt != std::exchange(checked, piece.dataAt);
+    const std::uint64_t from = check && markAt < at && at - markAt <= worthOneTransfer ? markAt : at;
     if (at >= fetchedTo) {
       fetchedTo = at + 4;
+      if (check && markAt > at && markAt - at <= worthOneTransfer) fetchedTo = markAt + mark;
       for (std::size_t k = i + 1; k < elements.size(); ++k) {
-        const std::uint64_t next = place(elements[k]);
-        if (next - fetchedTo > worthOneTransfer || next + 4 - at > Window::capacity) break;
-        fetchedTo = next + 4;
+        const Piece following = pieceOf(k);
+        const std::uint64_t next = following.dataAt + following.before;
+        if (next > fetchedTo + worthOneTransfer || next + 4 - from > Window::capacity) break;
+        fetchedTo = std::max(fetchedTo, next + 4);
       }
     }
+    if (check && markAt < at) checkMark(window, markAt, piece.mark, from == markAt ? fetchedTo - markAt : 0);
     const auto bytes = window.at(at, 4, fetchedTo - at);
     if (bytes.size() < 4) throwTooShort(at, 4, bytes.size());
     const auto word = loadWord<std::uint32_t>(bytes.data(), swap_);
     std::memcpy(out + i, &word, sizeof word);
+    if (check && markAt > at) checkMark(window, markAt, piece.mark);
   }
 }
 

@@ -16,6 +16,7 @@ class MarkedCodec final : public Codec {
   DataLayout locate(Window& window, const RecordHeader& header) const override;
   void decode(Window& window, const RecordHeader& header, const DataLayout& layout, std::int64_t first,
               std::size_t count, std::byte* out) const override;
+  std::uint64_t findHeader(Window& window, std::uint64_t position) const override;
   void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
               std::span<const std::uint32_t> elements, float* out) const override;
 
@@ -31,11 +32,13 @@ class MarkedCodec final : public Codec {
     std::uint32_t mark = 0;    // what its marks should say
   };
   Piece pieceAt(const RecordHeader& header, const DataLayout& layout, std::uint64_t byte) const;
+  std::uint64_t nearerMark(const Piece& piece) const;
   std::uint32_t readMark(Window& window, std::uint64_t position, std::uint64_t wanted = 0) const;
   std::uint32_t loadMark(const std::byte* from) const;
   void checkMark(const std::byte* at, std::uint64_t position, std::uint32_t expected) const;
   void checkMark(Window& window, std::uint64_t position, std::uint32_t expected,
                  std::uint64_t wanted = 0) const;
+  bool isHeader(std::span<const std::byte> bytes) const;
   std::uint32_t shortened(std::uint64_t bytes) const;
   DataLayout walkBlocks(Window& window, const RecordHeader& header) const;
   DataLayout walkUnknown(Window& window, const RecordHeader& header) const;

@@ -47,10 +47,7 @@ void Quarnet::OpenRecordFile(const std::string& zFile, cFILETYPE& cFile, bool& q
     std::string why;
     cFile.source_ = FileSource::open(zFile, why);
     if (!cFile.source_) {
-      Diagnosis diagnosis;
-      diagnosis.path = zFile;
-      diagnosis.problem = "cannot be opened: " + why;
-      session_->diagnose(std::move(diagnosis));
+      session_->diagnose({.message = Message::FileOpen, .path = zFile, .problem = "cannot be opened: " + why});
       return false;
     }
     cFile.path_ = zFile;
@@ -66,10 +63,8 @@ void Quarnet::CreateRecordFile(const std::string& zFile, cFILETYPE& cFile, bool&
     std::string why;
     auto output = std::make_unique<OutputFile>(zFile, why);
     if (!output->isOpen()) {
-      Diagnosis diagnosis;
-      diagnosis.path = zFile;
-      diagnosis.problem = "cannot be written: " + why;
-      session_->diagnose(std::move(diagnosis));
+      session_->diagnose(
+          {.message = Message::FileWrite, .path = zFile, .problem = "cannot be written: " + why});
       return false;
     }
     cFile.output_ = std::move(output);

@@ -27,6 +27,11 @@ RecordCursor::~RecordCursor() = default;
 RecordCursor::RecordCursor(RecordCursor&&) noexcept = default;
 RecordCursor& RecordCursor::operator=(RecordCursor&&) noexcept = default;
 
+void RecordCursor::attach(const Session& session, RecordFile file) {
+  window_->watch(session);
+  file_ = file;
+}
+
 void RecordCursor::readAhead() { window_->readAhead(); }
 
 /// Adds this cursor's coordinates to whatever damage the body meets.
@@ -44,11 +49,11 @@ auto RecordCursor::located(Body&& body) {
 }
 
 bool RecordCursor::next() {
-  const std::uint64_t position = next_;
+  start_ = next_;
   header_.clear();
   occurrence_ = 0;
   return located([&] {
-    if (!readHeader(position)) return false;
+    if (!readHeader(start_)) return false;
     occurrence_ = ++met_[header_.keyword];
     if (header_.count < 0) {
       throwBadRecord("element count is negative", header_.headerAt, "0 or more",
@@ -56,8 +61,22 @@ bool RecordCursor::next() {
     }
     *layout_ = codec_->locate(*window_, header_);
     next_ = layout_->end;
+    if (auto wrong = unexpected(file_, header_)) throw BadRecord(std::move(*wrong));
     return true;
   });
+}
+
+Gap RecordCursor::skipDamage() {
+  const bool inHeader = next_ == start_;  // else the data are damaged, and where they end is known
+  const std::uint64_t from = inHeader ? start_ : header_.headerAt;
+  return located([&] {
+    next_ = codec_->findHeader(*window_, inHeader ? start_ + 1 : next_);
+    return Gap{from, next_};
+  });
+}
+
+void RecordCursor::checkUnchanged() const {
+  if (auto report = source_->changed()) throw BadRecord(std::move(*report));
 }
 
 void RecordCursor::unread() {
@@ -169,7 +188,7 @@ std::vector<std::string> RecordCursor::texts() {
   std::vector<std::string> values;
   values.reserve(static_cast<std::size_t>(header_.count));
   for (std::size_t at = 0; at < all.size(); at += width) {
-    values.emplace_back(trimRight(std::string_view(all).substr(at, width)));
+    values.emplace_back(trim(std::string_view(all).substr(at, width)));
   }
   return values;
 }

@@ -9,13 +9,22 @@
 #include "ByteSource.h"
 #include "Form.h"
 #include "KeywordCounts.h"
+#include "KeywordTypes.h"
 #include "RecordHeader.h"
 
 namespace lumbarn {
 
 class Codec;
+class Session;
 class Window;
 struct DataLayout;
+
+/// A stretch of a file in which no record was found, as byte offsets; `to` is the size of the file when no
+/// record follows.
+struct Gap {
+  std::uint64_t from = 0;
+  std::uint64_t to = 0;
+};
 
 /// Walks the records of one file. `next` moves from header to header and skips data that was not read, in
 /// time that does not depend on its size; `read` decodes the data of the current record straight into the
@@ -27,6 +36,11 @@ class RecordCursor {
   ~RecordCursor();
   RecordCursor(RecordCursor&&) noexcept;
   RecordCursor& operator=(RecordCursor&&) noexcept;
+
+  /// Sets the type of the file, so that `next` throws BadRecord at a keyword whose type or length is not what
+  /// that type of file has (KeywordTypes.h), and the session whose cancel flag is polled within long records:
+  /// then anything here may throw LoadCanceled.
+  void attach(const Session& session, RecordFile file = RecordFile::Any);
 
   /// Moves to the next header. False at the end of the file. Checks that the data that the header announces
   /// can be there, so that `header().count` is safe to allocate for.
@@ -42,6 +56,12 @@ class RecordCursor {
   /// Tells that all of the file will be read, in order, so that it comes in large pieces: right for files of
   /// many small records, wrong where data are skipped.
   void readAhead();
+  /// After BadRecord: makes `next` continue at the next sound header behind the damage, or at the end of the file,
+  /// and gives what was passed over, from the damaged record on.
+  Gap skipDamage();
+  /// Throws BadRecord (FileChanged) when the file is not the one that was opened, or was truncated or rewritten
+  /// since. To be called at the end of a load, and before a file is read again. Growth is not a change.
+  void checkUnchanged() const;
   /// Makes `next` find the current record once more, as if it had not been met.
   void unread();
   /// Where the cursor stands and what it has met, to come back to after a look ahead.
@@ -73,7 +93,7 @@ class RecordCursor {
   std::vector<std::int32_t> integers();
   std::vector<float> singles();
   std::vector<double> doubles();
-  std::vector<std::string> texts();  ///< trailing blanks removed
+  std::vector<std::string> texts();  ///< trimmed on both sides
 
   /// True when the current record's data are laid out as the format has it, so that places follow from
   /// arithmetic.
@@ -96,6 +116,8 @@ class RecordCursor {
   std::unique_ptr<const Codec> codec_;
   std::unique_ptr<DataLayout> layout_;  // of the current record
   RecordHeader header_;
+  RecordFile file_ = RecordFile::Any;
+  std::uint64_t start_ = 0;  // where `next` looked last
   std::uint64_t next_ = 0;
   std::int64_t occurrence_ = 0;
   KeywordCounts met_;

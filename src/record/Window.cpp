@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "../support/Session.h"
+
 namespace lumbarn {
 
 namespace {
@@ -16,6 +18,7 @@ constexpr std::size_t overlap = 8192;
 }  // namespace
 
 std::span<const std::byte> Window::fetch(std::uint64_t position, std::size_t needed, std::uint64_t wanted) {
+  if (session_ && session_->cancelled()) throw LoadCanceled();
   std::swap(last_, before_);
   if (last_.has(position, needed)) return last_.from(position);
   if (!last_.bytes) last_.bytes.reset(new std::byte[capacity]);
@@ -26,6 +29,7 @@ std::span<const std::byte> Window::fetch(std::uint64_t position, std::size_t nee
   // is read in order is taken up again a little before the end of the fetch before.
   const std::uint64_t end = before_.start + before_.length;
   const bool follows = ahead_ && position >= end && position - end + needed <= capacity / 2;
+  last_.length = 0;  // nothing is at hand when reading throws
   last_.start = follows ? end - std::min(before_.length, overlap) : position;
   last_.length = source_->readAt(last_.start, {last_.bytes.get(), size});
   return last_.from(position);

@@ -10,6 +10,8 @@
 
 namespace lumbarn {
 
+class Session;
+
 /// A buffered view of a byte source. Fetches what is asked for and a little more, so that a walk from header
 /// to header does not drag the data along. Keeps the last two fetches, since finding a record looks at its
 /// end before its data are read.
@@ -25,6 +27,9 @@ class Window {
   std::span<const std::byte> at(std::uint64_t position, std::size_t needed, std::uint64_t wanted = 0) {
     return last_.has(position, needed) ? last_.from(position) : fetch(position, needed, wanted);
   }
+
+  /// Makes every fetch poll the session's cancel flag, and throw LoadCanceled when it is set.
+  void watch(const Session& session) { session_ = &session; }
 
   /// Fetches as much as there is room for each time, for a file that is read from end to end in small pieces.
   void readAhead() { ahead_ = true; }
@@ -48,6 +53,7 @@ class Window {
   std::span<const std::byte> fetch(std::uint64_t position, std::size_t needed, std::uint64_t wanted);
 
   const ByteSource* source_;
+  const Session* session_ = nullptr;
   std::uint64_t size_;
   bool ahead_ = false;
   Fetched last_;

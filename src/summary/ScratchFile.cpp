@@ -42,7 +42,7 @@ void ScratchFile::read(std::span<float> values, std::uint64_t firstValue) const 
   const InputFile in(path_, why);
   if (!in.isOpen()) fail(path_, why);
   const auto bytes = std::as_writable_bytes(values);
-  if (in.readAt(firstValue * sizeof(float), bytes) != bytes.size()) fail(path_, "cannot be read back");
+  if (in.readAt(firstValue * sizeof(float), bytes, why) != bytes.size()) fail(path_, "cannot be read back");
 }
 
 std::string ScratchFile::release() { return std::exchange(path_, {}); }

@@ -26,6 +26,7 @@ void reportCurrentException(Session& session, const char* className, const char*
       session.diagnose(std::move(damage.diagnosis()));
     } catch (const Fault& fault) {
       report(session, fault.what(), fault.number(), className, routine);
+    } catch (const LoadCanceled&) {  // the host knows: it set the flag
     } catch (const std::bad_alloc&) {
       report(session, faultText(FaultNumber::OutOfMemory), FaultNumber::OutOfMemory, className, routine);
     } catch (const std::length_error&) {  // a container asked for more than it can ever hold
@@ -34,7 +35,8 @@ void reportCurrentException(Session& session, const char* className, const char*
       report(session, other.what(), FaultNumber::InvalidCall, className, routine);
     }
   } catch (...) {
-    // Reporting itself ran out of memory, or a host's callback threw: qOK False is all that is left to say.
+    // Reporting itself ran out of memory, or a host's callback threw: qOK False and the count are what is left.
+    session.countFault();
   }
 }
 

@@ -27,6 +27,9 @@ struct MessageRow {
   /* record */                                                                                               \
   ROW(RecordTruncated, "record.truncated", Incomplete, "record truncated")                                   \
   ROW(RecordDamaged, "record.damaged", Damage, "record damaged")                                             \
+  ROW(RecordType, "record.type", Damage, "record has an unexpected type")                                    \
+  ROW(RecordLength, "record.length", Damage, "record has too few elements")                                  \
+  ROW(RecordGap, "record.gap", Damage, "records are missing here; reading continues behind them")            \
   /* system */                                                                                               \
   ROW(FileOpen, "file.open", Damage, "file cannot be opened")                                                \
   ROW(FileRead, "file.read", Damage, "file cannot be read")                                                  \

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -14,6 +15,8 @@
 
 namespace lumbarn {
 
+class ByteSource;
+
 /// The host's progress display, handed in through `Container`. All calls come on the loading thread.
 class Progress {
  public:
@@ -23,6 +26,11 @@ class Progress {
   virtual void fileDone() {}
   /// Share of a single file that has been read, 0 to 1.
   virtual void fraction(double share) { (void)share; }
+};
+
+/// Thrown by a long loop of the record layer when the load is canceled; `guarded` ends the operation quietly.
+struct LoadCanceled : std::exception {
+  const char* what() const noexcept override { return "canceled"; }
 };
 
 /// All state that outlives a routine: what the system calls process-wide or module-wide. `process()` is the
@@ -51,6 +59,10 @@ class Session {
   std::function<void(const Diagnosis&)> diagnosisSink;   ///< is told of each diagnosis as it is made
   std::function<Clock::time_point()> now = &Clock::now;  ///< tests fix it
 
+  /// Replaces every file that is opened for reading by another source of bytes, in all sessions; used of the
+  /// session of the process only. Lets tests and audits run complete loads on sources that fail.
+  std::function<std::unique_ptr<const ByteSource>(std::unique_ptr<const ByteSource>)> wrapSource;
+
   /// Gives the host its turn. True when the load is to stop.
   bool yield() {
     if (hostYield) hostYield();
@@ -58,10 +70,14 @@ class Session {
   }
   bool cancelled() const { return CancelLoad.load(std::memory_order_relaxed); }
 
-  /// Hands a fault text to the reporter. Nothing is shown when the host gave none.
+  /// Counts a fault and passes its text to the reporter. Nothing is shown when the host gave none.
   void reportFault(std::string_view text) {
+    countFault();
     if (faultReporter) faultReporter(text);
   }
+  void countFault() noexcept { ++faults_; }
+  /// Faults reported so far. An operation during which it rises has failed, whatever it returned.
+  std::int64_t faults() const { return faults_; }
 
   /// Keeps a diagnosis, the most recent `keptDiagnoses` of them, and tells the sink.
   void diagnose(Diagnosis diagnosis);
@@ -87,6 +103,7 @@ class Session {
   }
 
  private:
+  std::int64_t faults_ = 0;
   std::deque<Diagnosis> diagnoses_;
   std::unordered_map<std::type_index, std::shared_ptr<void>> parts_;
 };

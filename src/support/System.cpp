@@ -23,10 +23,30 @@ void closeHandle(std::intptr_t& handle) {
   if (handle >= 0) ::close(static_cast<int>(std::exchange(handle, -1)));
 }
 
+FileStamp stampFrom(const struct stat& status) {
+  constexpr std::int64_t nanoseconds = 1'000'000'000;
+  return {.device = static_cast<std::uint64_t>(status.st_dev),
+          .inode = static_cast<std::uint64_t>(status.st_ino),
+          .size = static_cast<std::uint64_t>(status.st_size),
+          .modified = std::int64_t{status.st_mtim.tv_sec} * nanoseconds + status.st_mtim.tv_nsec};
+}
+
 constexpr std::size_t largePage = std::size_t{2} << 20;
 constexpr std::size_t largestTransfer = std::size_t{1} << 30;  // the system takes at most 2 GB at once
 
 }  // namespace
+
+std::optional<FileStamp> stampOf(const std::string& path) {
+  struct stat status {};
+  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+  return stampFrom(status);
+}
+
+FileChange changeBetween(const FileStamp& before, const FileStamp& now) {
+  if (now.device != before.device || now.inode != before.inode) return FileChange::Replaced;
+  if (now.size < before.size) return FileChange::Shrunk;
+  return now.size == before.size && now.modified != before.modified ? FileChange::Rewritten : FileChange::None;
+}
 
 InputFile::InputFile(const std::string& path, std::string& error) {
   // Without O_NONBLOCK, opening a pipe would hang until somebody writes to it. Reading leaves no trace on a
@@ -60,19 +80,22 @@ InputFile::~InputFile() { close(); }
 
 void InputFile::close() { closeHandle(handle_); }
 
-std::uint64_t InputFile::size() const {
+std::optional<FileStamp> InputFile::stamp() const {
   struct stat status {};
-  if (handle_ < 0 || ::fstat(static_cast<int>(handle_), &status) != 0) return 0;
-  return static_cast<std::uint64_t>(status.st_size);
+  if (handle_ < 0 || ::fstat(static_cast<int>(handle_), &status) != 0) return std::nullopt;
+  return stampFrom(status);
 }
 
-std::size_t InputFile::readAt(std::uint64_t position, std::span<std::byte> out) const {
+std::uint64_t InputFile::size() const { return stamp().value_or(FileStamp{}).size; }
+
+std::size_t InputFile::readAt(std::uint64_t position, std::span<std::byte> out, std::string& error) const {
   std::size_t done = 0;
   while (done < out.size()) {
     const auto wanted = std::min(out.size() - done, largestTransfer);
     const auto got =
         ::pread(static_cast<int>(handle_), out.data() + done, wanted, static_cast<off_t>(position + done));
     if (got < 0 && errno == EINTR) continue;
+    if (got < 0) error = errorText(errno);
     if (got <= 0) break;
     done += static_cast<std::size_t>(got);
   }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -9,6 +10,28 @@ namespace lumbarn {
 
 /// The operating system, as far as this library needs it. System.cpp is the only file that includes its
 /// headers.
+
+/// What identifies a state of a file. Nanoseconds count from the system's epoch.
+struct FileStamp {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::uint64_t size = 0;
+  std::int64_t modified = 0;  ///< time of the last change of the contents
+
+  bool operator==(const FileStamp&) const = default;
+};
+
+/// The stamp of the file that a path names now; empty when there is none.
+std::optional<FileStamp> stampOf(const std::string& path);
+
+/// How a file differs from an earlier state of it.
+enum class FileChange {
+  None,       ///< or it has grown, as the files of a running simulation do
+  Replaced,   ///< another file has its name
+  Shrunk,     ///< a rerun started it again, or somebody truncated it
+  Rewritten,  ///< same size, modified at another time
+};
+FileChange changeBetween(const FileStamp& before, const FileStamp& now);
 
 /// A file open for reading by position. Move-only; closes itself.
 class InputFile {
@@ -25,9 +48,11 @@ class InputFile {
   void close();
   /// Size in bytes at this moment; a running simulator may let it grow, a restarting one may cut it.
   std::uint64_t size() const;
-  /// Reads up to out.size() bytes at a position; gives the count read, less only at the end of the file or
-  /// at a read error.
-  std::size_t readAt(std::uint64_t position, std::span<std::byte> out) const;
+  /// The state of the open file at this moment; empty when the system does not report it.
+  std::optional<FileStamp> stamp() const;
+  /// Reads up to out.size() bytes at a position and returns the number read, which is smaller only at the end of
+  /// the file or at a read error; `error` then states the reason, and is left alone at the end of the file.
+  std::size_t readAt(std::uint64_t position, std::span<std::byte> out, std::string& error) const;
 
  private:
   std::intptr_t handle_ = -1;

@@ -11,7 +11,22 @@ constexpr std::string_view blanks = " \t\r\n";
 
 /// A search in `blanks` would call the library for every letter; tens of thousands of names are trimmed in a
 /// load.
-bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\0'; }
+
+/// The length of the UTF-8 sequence of several bytes at the start of a text, 0 if there is none. Overlong
+/// forms, surrogates and what is beyond Unicode are none.
+std::size_t sequenceLength(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+  const unsigned first = byte(0);
+  const std::size_t length = first >= 0xC2 && first < 0xE0 ? 2 : first >= 0xE0 && first < 0xF0 ? 3
+                             : first >= 0xF0 && first < 0xF5 ? 4 : 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0U) != 0x80) return 0;
+  }
+  const unsigned least = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
+  const unsigned most = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
+  return length > 0 && byte(1) >= least && byte(1) <= most ? length : 0;
+}
 
 }  // namespace
 
@@ -64,6 +79,23 @@ std::vector<std::string> words(std::string_view text) {
     found.emplace_back(text.substr(0, end));
     text.remove_prefix(end);
   }
+}
+
+std::string toUtf8(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  while (!text.empty()) {
+    const auto byte = static_cast<unsigned char>(text.front());
+    const std::size_t length = byte < 0x80 ? 1 : sequenceLength(text);
+    if (length > 0) {
+      result += text.substr(0, length);
+    } else {  // Latin-1 is the first 256 characters of Unicode
+      result += static_cast<char>(0xC0U | byte >> 6U);
+      result += static_cast<char>(0x80U | (byte & 0x3FU));
+    }
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return result;
 }
 
 std::optional<long long> toInteger(std::string_view text) {
