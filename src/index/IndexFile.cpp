@@ -20,6 +20,7 @@
 #include "../record/RecordWriter.h"
 #include "../support/Guarded.h"
 #include "../support/System.h"
+#include "IndexFileGrid.h"
 
 namespace lumbarn {
 namespace {
@@ -76,7 +77,10 @@ class WholeFile {
     buffer_.clear();
   }
   [[noreturn]] void fail(const std::string& why) const {
-    throw BadRecord({.path = target_, .problem = "cannot be written: " + why, .action = "wrote nothing"});
+    throw BadRecord({.message = Message::FileWrite,
+                     .path = target_,
+                     .problem = "cannot be written: " + why,
+                     .action = "wrote nothing"});
   }
 
   std::string target_;
@@ -139,10 +143,13 @@ class Ranges {
     cursor_->seek(entry.position);
     if (!cursor_->next() || cursor_->header().keyword != entry.keyword.view() ||
         cursor_->header().count != entry.count) {
-      throw BadRecord({.path = index_.files[step.file],
-                       .problem = "record has changed since it was indexed",
+      throw BadRecord({.message = Message::FileChanged,
+                       .path = index_.files[step.file],
                        .keyword = std::string(entry.keyword.view()),
-                       .offset = entry.position});
+                       .offset = entry.position,
+                       .expected = fmt::format("{} of {} elements", entry.keyword.view(), entry.count),
+                       .found = fmt::format("{} of {}", cursor_->header().keyword, cursor_->header().count),
+                       .action = "wrote nothing"});
     }
     Extremes extremes;
     switch (cursor_->header().type) {
@@ -167,7 +174,12 @@ class Ranges {
     if (cursor_ && file == file_) return;
     std::string why;
     cursor_ = openRecords(index_.files[file], why);
-    if (!cursor_) throw BadRecord({.path = index_.files[file], .problem = why, .action = "wrote nothing"});
+    if (!cursor_) {
+      throw BadRecord({.message = Message::FileOpen,
+                       .path = index_.files[file],
+                       .problem = why,
+                       .action = "wrote nothing"});
+    }
     file_ = file;
   }
 
@@ -177,24 +189,23 @@ class Ranges {
   std::unique_ptr<RecordCursor> cursor_;
 };
 
+/// Behind the day are the time step, which an index need not know, and switches that are the same
+/// everywhere.
 void writeTime(RecordWriter& out, const IndexStep& step) {
+  constexpr std::int32_t unknownTimeStep = -2345;
   out.doubles("TIME", std::array{step.days});
-  std::array<std::int32_t, itimeWords> words{step.number};
+  std::array<std::int32_t, itimeWords> words{step.number, 0, 0, 0, unknownTimeStep, 1, 0, 0, 1, 1, 0, 0, 0};
   if (step.date) {
-    const auto midnight = std::chrono::floor<std::chrono::days>(*step.date);
-    const std::chrono::year_month_day day(midnight);
+    const std::chrono::year_month_day day(std::chrono::floor<std::chrono::days>(*step.date));
     words[1] = static_cast<std::int32_t>(static_cast<unsigned>(day.day()));
     words[2] = static_cast<std::int32_t>(static_cast<unsigned>(day.month()));
     words[3] = static_cast<int>(day.year());
-    const auto time = *step.date - midnight;
-    words[4] = static_cast<std::int32_t>(time / std::chrono::hours(1));
-    words[5] = static_cast<std::int32_t>(time / std::chrono::minutes(1) % 60);
-    words[6] = static_cast<std::int32_t>((time % std::chrono::minutes(1)).count());
   }
   out.integers("ITIME", words);
 }
 
-void writeGroup(RecordWriter& out, const IndexStep& step, const IndexGroup& group, Ranges& ranges) {
+/// The arrays of one group, as the records of an index.
+struct GroupRecords {
   std::vector<std::string> names;
   std::vector<std::string> types;
   std::vector<std::int32_t> numbers;
@@ -202,31 +213,34 @@ void writeGroup(RecordWriter& out, const IndexStep& step, const IndexGroup& grou
   std::vector<std::int32_t> high;
   std::vector<float> largest;
   std::vector<float> smallest;
-  for (const IndexEntry& entry : group.entries) {
-    if (entry.count > std::numeric_limits<std::int32_t>::max()) {
-      throw BadRecord({.problem = "array has more elements than an index can tell",
-                       .keyword = std::string(entry.keyword.view()),
-                       .offset = entry.position,
-                       .expected = "2147483647 at most",
-                       .found = fmt::format("{}", entry.count),
-                       .action = "wrote nothing"});
-    }
+
+  void add(const IndexEntry& entry, std::string_view type, std::int64_t number,
+           const std::pair<float, float>& range) {
     names.emplace_back(entry.keyword.view());
-    types.emplace_back(entry.typeWord.view());
-    numbers.push_back(static_cast<std::int32_t>(entry.count));
+    types.emplace_back(type);
+    numbers.push_back(static_cast<std::int32_t>(number));
     low.push_back(static_cast<std::int32_t>(static_cast<std::uint32_t>(entry.position)));
     high.push_back(static_cast<std::int32_t>(static_cast<std::uint32_t>(entry.position >> 32)));
-    const auto [minimum, maximum] = ranges.of(step, entry);
-    smallest.push_back(minimum);
-    largest.push_back(maximum);
+    smallest.push_back(range.first);
+    largest.push_back(range.second);
   }
-  out.texts("NAME", names);
-  out.texts("TYPE", types);
-  out.integers("NUMBER", numbers);
-  out.integers("POINTER", low);
-  out.integers("POINTERB", high);
-  out.singles("ARRAYMAX", largest);
-  out.singles("ARRAYMIN", smallest);
+};
+
+void writeGroup(RecordWriter& out, const IndexStep& step, const IndexGroup& group, Ranges& ranges) {
+  GroupRecords records;
+  for (const IndexEntry& entry : group.entries) {
+    const auto range = ranges.of(step, entry);
+    const std::int64_t beyond = entry.count / elementsOfX231;
+    if (beyond > 0) records.add(entry, x231, -beyond, range);
+    records.add(entry, entry.typeWord.view(), entry.count % elementsOfX231, range);
+  }
+  out.texts("NAME", records.names);
+  out.texts("TYPE", records.types);
+  out.integers("NUMBER", records.numbers);
+  out.integers("POINTER", records.low);
+  out.integers("POINTERB", records.high);
+  out.singles("ARRAYMAX", records.largest);
+  out.singles("ARRAYMIN", records.smallest);
 }
 
 void writeGridName(RecordWriter& out, const std::string& name) {
@@ -238,7 +252,8 @@ void writeGridName(RecordWriter& out, const std::string& name) {
 bool writeIndex(const RestartIndex& index, const std::string& zFile, Session& session) {
   if (!index.whole) {
     if (session.cancelled()) return false;
-    throw BadRecord({.path = index.files.empty() ? zFile : index.files.front(),
+    throw BadRecord({.message = Message::IndexNotWritten,
+                     .path = index.files.empty() ? zFile : index.files.front(),
                      .problem = "not all of it could be listed",
                      .action = "wrote no index"});
   }
@@ -251,8 +266,8 @@ bool writeIndex(const RestartIndex& index, const std::string& zFile, Session& se
     for (const IndexStep& step : index.steps) {
       if (!index.init) writeTime(out, step);
       for (const IndexGroup& group : step.groups) {
-        // In an INIT index a group without a grid's name takes a reader back to the global grid; in that of a
-        // restart set only the first group of a step can be without one.
+        // In an INIT index a group without a grid's name takes a reader back to the global grid; in that of
+        // a restart set only the first group of a step can be without one.
         const bool first = &group == &step.groups.front();
         if (!group.grid.empty() || (!first && !index.init)) writeGridName(out, group.grid);
         writeGroup(out, step, group, ranges);

@@ -13,8 +13,8 @@ namespace lumbarn {
 /// is as it was. Nothing else is written anywhere: whether an index may stand beside the data is for the host
 /// to say by the name that it gives.
 ///
-/// qOK False, with a diagnosis, when the index is not whole, an array cannot be read or has more elements
-/// than an index can tell (2^31 - 1), or the file cannot be written; without one when cancelled.
+/// qOK False, with a diagnosis, when the index is not whole, an array cannot be read, or the file cannot be
+/// written; without one when cancelled.
 
 /// Writes the index of a restart set: RSSPEC.
 void WriteEclipseRsspecFile(const RestartIndex& index, const std::string& zFile, bool& qOK,

@@ -1,6 +1,7 @@
 #include "IndexFileGrid.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -106,6 +107,7 @@ void addNewNames(const std::vector<std::string>& more, std::vector<std::string>&
 
 bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem) {
   const std::size_t count = grid.keywords.size();
+  group.grid = grid.zGrid;
   if (grid.zTypes.size() != count || grid.iNumber.size() != count || grid.iPointer.size() != count ||
       grid.iPointerB.size() != count) {
     problem = fmt::format("{} names with {} types, {} numbers, {} and {} pointers", count, grid.zTypes.size(),
@@ -117,12 +119,16 @@ bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem)
     return false;
   }
   const bool ranges = grid.sMin.size() == count && grid.sMax.size() == count;
-  group.grid = grid.zGrid;
   group.entries.reserve(count);
+  std::int64_t beyond = 0;  // elements that an X231 part announces
   for (std::size_t i = 0; i < count; ++i) {
-    auto& entry = group.entries.emplace_back(IndexEntry{grid.keywords[i],
-                                                        FixedText<4>(grid.zTypes[i].whole()), grid.iNumber[i],
-                                                        positionOf(grid.iPointer[i], grid.iPointerB[i])});
+    if (grid.zTypes[i].view() == x231) {
+      beyond = -elementsOfX231 * grid.iNumber[i];
+      continue;
+    }
+    auto& entry = group.entries.emplace_back(IndexEntry{
+        grid.keywords[i], FixedText<4>(grid.zTypes[i].whole()), std::exchange(beyond, 0) + grid.iNumber[i],
+        positionOf(grid.iPointer[i], grid.iPointerB[i])});
     if (ranges) {
       entry.minimum = grid.sMin[i];
       entry.maximum = grid.sMax[i];

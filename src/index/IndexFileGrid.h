@@ -47,6 +47,11 @@ std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_vi
 /// The names in order, each once.
 void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names);
 
+/// An array of 2^31 elements and more is indexed as it is stored, in two parts with the position of the
+/// first: its name with this type and the number -k, then with its own type and n, for k * 2^31 + n elements.
+inline constexpr std::string_view x231 = "X231";
+inline constexpr std::int64_t elementsOfX231 = std::int64_t{1} << 31;
+
 /// The entries that a grid of an index file tells of. False with `problem` set when its arrays do not fit
 /// together or a name is none.
 bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem);

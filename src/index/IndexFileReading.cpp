@@ -7,7 +7,8 @@ std::unique_ptr<RecordCursor> openIndexFile(const std::string& path, const cFILE
   std::string error;
   std::shared_ptr<const ByteSource> source = FileSource::open(path, error);
   if (!source) {
-    session.diagnose({.path = path, .problem = error, .action = "read nothing of it"});
+    session.diagnose(
+        {.message = Message::FileOpen, .path = path, .problem = error, .action = "read nothing of it"});
     return nullptr;
   }
   auto cursor = std::make_unique<RecordCursor>(std::move(source), xFile.form(), path);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 #include "RestartIndexHeads.h"
 
 namespace lumbarn {
@@ -20,6 +22,18 @@ std::string_view missingPart(const StepParts& step, const StepParts* before) {
   if (step.localGrids < before->localGrids) return "LGR";
   if (step.solutions < before->solutions) return "STARTSOL";
   return {};
+}
+
+Diagnosis incompleteStep(const std::string& path, std::int32_t number, std::string_view missing,
+                         std::uint64_t offset, const std::string& found) {
+  return {.message = Message::StepIncomplete,
+          .path = path,
+          .problem = number < 0 ? "" : fmt::format("report step {} is not complete", number),
+          .offset = offset,
+          .expected = std::string(missing),
+          .found = found.empty() ? "end of file" : found,
+          .action = "skipped the step",
+          .cutOff = found.empty()};
 }
 
 }  // namespace lumbarn

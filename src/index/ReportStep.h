@@ -3,7 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+
+#include "../support/Diagnosis.h"
 
 namespace lumbarn {
 
@@ -33,5 +36,8 @@ std::string_view missingPart(const StepParts& step, const StepParts* before = nu
 inline bool isComplete(const StepParts& step, const StepParts* before = nullptr) {
   return missingPart(step, before).empty();
 }
+/// What is reported of a step that is not: `found` is the record at `offset`, empty at the end of the file.
+Diagnosis incompleteStep(const std::string& path, std::int32_t number, std::string_view missing,
+                         std::uint64_t offset, const std::string& found);
 
 }  // namespace lumbarn

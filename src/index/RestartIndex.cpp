@@ -77,6 +77,14 @@ const IndexStep* RestartIndex::find(std::int32_t number) const {
   return step == steps.end() ? nullptr : &*step;
 }
 
+std::vector<const IndexStep*> RestartIndex::findAll(std::int32_t number) const {
+  std::vector<const IndexStep*> found;
+  for (const IndexStep& step : steps) {
+    if (step.number == number) found.push_back(&step);
+  }
+  return found;
+}
+
 bool isRefusedArrayName(std::string_view zName) {
   if (zName.empty() || isAnyOf(zName, refusedNames)) return true;
   // Flows across faces of cells, "FLOOILI+" or "VOILI+".

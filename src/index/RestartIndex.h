@@ -101,8 +101,10 @@ struct RestartIndex {
   bool whole = true;      ///< False: reading ended before the end, and a diagnosis says why, or was cancelled
   bool fromFile = false;  ///< read from an index file and found to agree
 
-  /// The step of that number; null when there is none.
+  /// The first step of that number; null when there is none.
   const IndexStep* find(std::int32_t number) const;
+  /// All steps of that number: a run that is continued into its own file writes some again.
+  std::vector<const IndexStep*> findAll(std::int32_t number) const;
 };
 
 /// Makes the index of a restart set by walking from header to header. The time goes with the number of

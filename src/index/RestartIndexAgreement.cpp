@@ -12,6 +12,7 @@
 #include "../record/FormattedCodec.h"
 #include "../record/RecordCursor.h"
 #include "RestartIndexHeads.h"
+#include "SectionTracker.h"
 #include "qvEclipseRSSPEC.h"
 
 namespace lumbarn {
@@ -27,19 +28,14 @@ void require(bool holds, fmt::format_string<const Values&...> text, const Values
   if (!holds) throw Disagreement(fmt::format(text, values...));
 }
 
-/// All entries of a step in file order.
-template <class Visit>
-void forEachEntry(const IndexStep& step, Visit visit) {
-  for (const IndexGroup& group : step.groups) {
-    for (const IndexEntry& entry : group.entries) visit(entry);
-  }
-}
-
 bool usesHighWord(const RestartIndex& index) {
-  bool uses = false;
-  for (const IndexStep& step : index.steps)
-    forEachEntry(step, [&](const IndexEntry& entry) { uses = uses || entry.position >> 32 != 0; });
-  return uses;
+  for (const IndexStep& step : index.steps) {
+    for (const IndexGroup& group : step.groups) {
+      if (std::ranges::any_of(group.entries, [](const auto& entry) { return entry.position >> 32 != 0; }))
+        return true;
+    }
+  }
+  return false;
 }
 
 /// There are writers that keep the low word of a position from being negative: their high word counts from
@@ -53,7 +49,11 @@ void countHighWordsFromBit31(RestartIndex& index) {
   }
 }
 
-std::string dayText(const std::optional<Moment>& date) { return date ? isoText(*date, true) : "no date"; }
+Moment dayOf(Moment date) { return std::chrono::floor<std::chrono::days>(date); }
+
+std::string dayText(const std::optional<Moment>& date) {
+  return date ? isoText(dayOf(*date), true) : "no date";
+}
 
 /// The fewest bytes that a record can take in a file, header and all.
 class LeastBytes {
@@ -88,9 +88,7 @@ class LeastBytes {
   std::uint64_t width_ = 0;  // of an element; 0 when it is not known
 };
 
-bool isStepNumber(const RecordHeader& header) {
-  return header.is("SEQNUM", ElementType::Integer) && header.count > 0;
-}
+std::string nameOf(const IndexGroup& group) { return group.grid.empty() ? "ROOT" : group.grid; }
 
 /// Compares an index with one of its files.
 class FileAgreement {
@@ -124,41 +122,62 @@ class FileAgreement {
     const std::uint64_t size = cursor_->fileSize();
     for (const IndexStep* step : steps_) {
       require(!step->groups.empty(), "step {} has no arrays", step->number);
-      forEachEntry(*step, [&](const IndexEntry& entry) {
-        const std::uint64_t bytes = leastBytes.of(entry);
-        const bool inside = entry.position <= size && bytes <= size - entry.position;
-        if (entry.count < 0 || entry.position < least || !inside) explainPosition(*step, entry, least, size);
-        least = entry.position + bytes;
-      });
+      for (const IndexGroup& group : step->groups) {
+        for (const IndexEntry& entry : group.entries) {
+          const std::uint64_t bytes = leastBytes.of(entry);
+          const bool inside = entry.position <= size && static_cast<std::uint64_t>(entry.count) <= size &&
+                              bytes <= size - entry.position;
+          if (entry.count < 0 || entry.position < least || !inside)
+            explainPosition(*step, group, entry, least, size);
+          least = entry.position + bytes;
+        }
+      }
     }
   }
 
   /// Apart from the loop, which has no time to spare for texts that are not wanted.
-  [[noreturn]] static void explainPosition(const IndexStep& step, const IndexEntry& entry,
-                                           std::uint64_t least, std::uint64_t size) {
-    const auto name = entry.keyword.view();
-    require(entry.count >= 0, "{} of step {} has {} elements", name, step.number, entry.count);
-    require(entry.position >= least, "{} of step {} at byte {} lies inside of the record before it", name,
-            step.number, entry.position);
-    throw Disagreement(fmt::format("{} of step {} at byte {} ends behind the file's {} bytes", name,
-                                   step.number, entry.position, size));
+  [[noreturn]] static void explainPosition(const IndexStep& step, const IndexGroup& group,
+                                           const IndexEntry& entry, std::uint64_t least, std::uint64_t size) {
+    const auto where =
+        fmt::format("{} of grid {} of step {}", entry.keyword.view(), nameOf(group), step.number);
+    require(entry.count >= 0, "{} has {} elements", where, entry.count);
+    require(entry.position >= least, "{} at byte {} lies inside of the record before it", where,
+            entry.position);
+    throw Disagreement(
+        fmt::format("{} at byte {} ends behind the file's {} bytes", where, entry.position, size));
   }
 
   /// Moves to an entry's record, which must be what the index says.
-  void moveTo(const IndexEntry& entry) {
+  void moveTo(const IndexStep& step, const IndexGroup& group, const IndexEntry& entry) {
     cursor_->seek(entry.position);
     const bool there = cursor_->next();
     const RecordHeader& header = cursor_->header();
     // Names of an index may have lost what makes them none.
     const bool same = there && header.keyword == entry.keyword.view() &&
                       header.typeWord == entry.typeWord.view() && header.count == entry.count;
-    require(same, "byte {} has {} of {} {} where {} of {} {} is indexed", entry.position, header.keyword,
-            header.count, header.typeWord, entry.keyword.view(), entry.count, entry.typeWord.view());
+    require(same, "byte {} has {} of {} {} where {} of {} {} is indexed for grid {} of step {}",
+            entry.position, header.keyword, header.count, header.typeWord, entry.keyword.view(), entry.count,
+            entry.typeWord.view(), nameOf(group), step.number);
+  }
+  void moveToFirst(const IndexStep& step) { moveTo(step, step.groups.front(), first(step)); }
+  void moveToLast(const IndexStep& step) { moveTo(step, step.groups.back(), last(step)); }
+  /// Moves to a grid's header record if it is indexed.
+  bool moveToHead(const IndexStep& step, std::string_view keyword, std::string_view grid = {}) {
+    for (const IndexGroup& group : step.groups) {
+      if (!sameGrid(group.grid, grid)) continue;
+      for (const IndexEntry& entry : group.entries) {
+        if (entry.keyword.view() != keyword || entry.count < 1) continue;
+        moveTo(step, group, entry);
+        return true;
+      }
+    }
+    return false;
   }
 
-  /// Moves behind an entry's record. Where its end follows from its length, a header that stands there tells
-  /// enough, and spares a look at its start, which may be far away.
-  void moveBehind(const IndexEntry& entry) {
+  /// Moves behind a step's last record. Where its end follows from its length, a header that stands there
+  /// tells enough, and spares a look at its start, which may be far away.
+  void moveBehind(const IndexStep& step) {
+    const IndexEntry& entry = last(step);
     const auto [type, width] = typeInfo(entry.typeWord.view());
     if (cursor_->form().framing == Framing::FourByteMarks && width > 0) {
       const auto count = static_cast<std::uint64_t>(entry.count);
@@ -172,7 +191,7 @@ class FileAgreement {
         // Blocks of an unusual length, or no such record: its header tells.
       }
     }
-    moveTo(entry);
+    moveToLast(step);
   }
 
   /// The first and the last step and some between: an index of another run differs everywhere, and a look at
@@ -192,17 +211,19 @@ class FileAgreement {
   void checkStart(const IndexStep* before, IndexStep& step) {
     constexpr int recordsBetween = 64;
     if (before) {
-      moveBehind(last(*before));
+      moveBehind(*before);
     } else {
       cursor_->seek(0);
     }
     step.position = cursor_->nextPosition();
     int numbers = 0;
-    std::int32_t number = step.number;
+    std::optional<std::int32_t> seqnum;
     const auto take = [&] {
-      if (!isStepNumber(cursor_->header())) return;
-      step.position = cursor_->header().headerAt;
-      number = firstInteger(*cursor_);
+      const RecordHeader& header = cursor_->header();
+      solutionEnds_ = solutionEnds_ || header.keyword == "ENDSOL";
+      if (!SectionTracker::marksStep(header)) return;
+      step.position = header.headerAt;
+      if (header.type == ElementType::Integer) seqnum = firstInteger(*cursor_);
       ++numbers;
     };
     for (int i = 0; cursor_->nextPosition() < first(step).position && i < recordsBetween; ++i) {
@@ -211,49 +232,53 @@ class FileAgreement {
     }
     require(cursor_->nextPosition() == first(step).position, "byte {} is no start of a record that follows",
             first(step).position);
-    moveTo(first(step));
+    moveToFirst(step);
     take();
     require(numbers <= 1 && (!before || numbers == 1 || index_.init),
             "{} report steps stand where the index has step {}", numbers, step.number);
-    if (number != step.number) checkNumber(step, number);
+    if (!index_.init) checkNumber(step, seqnum);
   }
 
-  /// The number in a step's own header counts before the one in front of the step.
-  void checkNumber(const IndexStep& step, std::int32_t inFront) {
-    const IndexEntry* entry = step.find("INTEHEAD");
-    if (entry) moveTo(*entry);
-    require(entry && stepOfHead(headWords(*cursor_)) == step.number, "step {} is step {} in the index",
-            inFront, step.number);
+  void checkNumber(const IndexStep& step, std::optional<std::int32_t> seqnum) {
+    const std::int32_t ofFile = GetNumericPartOfFileName(index_.files[file_]);
+    std::vector<std::int32_t> head;
+    if (!seqnum && ofFile < 0 && moveToHead(step, "INTEHEAD")) head = headWords(*cursor_);
+    const std::int32_t number = stepNumber(seqnum, ofFile, head);
+    require(number == step.number, "step {} is step {} in the index", number, step.number);
   }
 
+  /// Nothing that is not indexed may follow the last step, and it must be complete: an index may be written
+  /// before its data are.
   void checkTail(const IndexStep& step) {
-    moveTo(last(step));
+    moveToLast(step);
+    bool solutionEnds = false;
     while (cursor_->next()) {
-      require(!isStepNumber(cursor_->header()), "a report step at byte {} is not indexed",
-              cursor_->header().headerAt);
-      require(!index_.init || cursor_->header().count == 0, "{} at byte {} is not indexed",
-              cursor_->header().keyword, cursor_->header().headerAt);
+      const RecordHeader& header = cursor_->header();
+      solutionEnds = solutionEnds || header.keyword == "ENDSOL";
+      require(!SectionTracker::marksStep(header), "a report step at byte {} is not indexed", header.headerAt);
+      require(!index_.init || header.count == 0, "{} at byte {} is not indexed", header.keyword,
+              header.headerAt);
     }
+    if (steps_.size() < 2 || index_.init) return;
+    require(solutionEnds || !solutionEnds_, "step {} has no ENDSOL at its end", step.number);
+    require(step.groups.size() >= steps_[steps_.size() - 2]->groups.size(),
+            "step {} has {} grids, the step before it {}", step.number, step.groups.size(),
+            steps_[steps_.size() - 2]->groups.size());
   }
 
-  /// Number, date and time of a step as its own headers tell them, if they are indexed.
+  /// Date and time of a step as its own headers state them, if they are indexed.
   void checkHeads(const IndexStep& step) {
-    if (const IndexEntry* entry = step.find("INTEHEAD")) {
-      moveTo(*entry);
+    if (moveToHead(step, "INTEHEAD")) {
       const auto head = headWords(*cursor_);
       const GridCells cells = gridCells(head, index_.init);
       require(cells == gridCells(index_.header, index_.init), "the grid has other cells than the index says");
       if (index_.init) return;
-      const std::int32_t number = stepOfHead(head);
-      require(number < 1 || number == step.number, "step {} is step {} in the index", number, step.number);
       const auto date = dateOfHead(head, step.days);
-      require(!date || !step.date || dayText(date) == dayText(step.date), "step {} is of {}, not of {}",
+      require(!date || !step.date || dayOf(*date) == dayOf(*step.date), "step {} is of {}, not of {}",
               step.number, dayText(date), dayText(step.date));
-      // What stands behind the year in an index of another writer need not be the time of day.
-      if (date != step.date) forgetTimesOfDay();
+      if (&step == &index_.steps.front()) addTimesOfDay(head, date);
     }
-    if (const IndexEntry* entry = step.find("DOUBHEAD"); entry && entry->count > 0 && !index_.init) {
-      moveTo(*entry);
+    if (!index_.init && moveToHead(step, "DOUBHEAD")) {
       double days = 0;
       cursor_->read(std::span(&days, 1));
       const double rounding = 1e-6 * std::max(1.0, std::abs(days));
@@ -262,9 +287,13 @@ class FileAgreement {
     }
   }
 
-  void forgetTimesOfDay() {
+  /// The index has the days only, so the time of day follows from the start of the run and the report time.
+  void addTimesOfDay(std::span<const std::int32_t> head, std::optional<Moment> firstDate) {
+    const auto start = startOfRun(head, firstDate, index_.steps.front().days);
     for (IndexStep& step : index_.steps) {
-      if (step.date) step.date = std::chrono::floor<std::chrono::days>(*step.date);
+      if (!step.date) continue;
+      const auto date = dateOfReport(start, dayOf(*step.date), step.days);
+      if (dayOf(date) == dayOf(*step.date)) step.date = date;
     }
   }
 
@@ -275,9 +304,8 @@ class FileAgreement {
       for (IndexGroup& group : step->groups) {
         auto grid = known.find(group.grid);
         if (grid == known.end()) {
-          const IndexEntry* entry = step->find("INTEHEAD", group.grid);
-          require(entry != nullptr, "the size of the grid {} is not indexed", group.grid);
-          moveTo(*entry);
+          require(moveToHead(*step, "INTEHEAD", group.grid),
+                  "the size of the grid {} of step {} is not indexed", group.grid, step->number);
           grid = known.emplace(group.grid, gridCells(headWords(*cursor_), index_.init)).first;
         }
         group.cells = grid->second;
@@ -289,6 +317,7 @@ class FileAgreement {
   std::size_t file_;
   std::unique_ptr<RecordCursor> cursor_;
   std::vector<IndexStep*> steps_;
+  bool solutionEnds_ = false;  // ENDSOL was met between two steps
 };
 
 /// Gives each step its file: in a multiple set the one with its number in the name. Steps follow one another
@@ -317,17 +346,6 @@ bool isSet(std::span<const std::string> files) {
   return files.size() > 1 || (!files.empty() && GetNumericPartOfFileName(files[0]) >= 0);
 }
 
-/// The words behind the year are the time of day: hour, minute, microseconds of the minute.
-std::optional<Moment> dateOf(const qvEclipseRSSPECSequence& step) {
-  constexpr std::size_t wordsWithTime = 7;
-  if (step.iTime.size() >= wordsWithTime) {
-    const auto date =
-        makeMoment(step.iYear, step.iMonth, step.iDay, step.iTime[4], step.iTime[5], step.iTime[6]);
-    if (date) return date;
-  }
-  return makeMoment(step.iYear, step.iMonth, step.iDay);
-}
-
 }  // namespace
 
 std::string disagreement(RestartIndex& index) {
@@ -345,7 +363,9 @@ std::string disagreement(RestartIndex& index) {
 bool addGroups(const std::vector<IndexFileGrid>& grids, IndexStep& step, std::string& problem) {
   for (const IndexFileGrid& grid : grids) {
     if (grid.keywords.empty()) continue;
-    if (!toGroup(grid, step.groups.emplace_back(), problem)) return false;
+    if (toGroup(grid, step.groups.emplace_back(), problem)) continue;
+    problem = fmt::format("grid {} of step {}: {}", nameOf(step.groups.back()), step.number, problem);
+    return false;
   }
   return true;
 }
@@ -362,8 +382,8 @@ RestartIndex agreeingIndex(Session& session, const std::string& indexFile, Resta
   read.fromFile = problem.empty();
   if (read.fromFile) return read;
   if (session.cancelled()) return walk();
-  session.diagnose({.path = indexFile,
-                    .problem = "index does not agree with the files that it indexes",
+  session.diagnose({.message = Message::IndexDisagrees,
+                    .path = indexFile,
                     .found = problem,
                     .action = "walked the files"});
   return walk();
@@ -386,7 +406,7 @@ RestartIndex indexOfRestart(Session& session, std::span<const std::string> files
           IndexStep& made = read.steps.emplace_back();
           made.number = step.iStep;
           made.days = step.dTime;
-          made.date = dateOf(step);
+          made.date = makeMoment(step.iYear, step.iMonth, step.iDay);
           addGroups(step.grids, made, problem);
         },
         qOK);

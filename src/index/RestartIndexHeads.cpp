@@ -16,6 +16,13 @@ constexpr std::size_t hourWord = 206;
 constexpr std::size_t microsecondsWord = 410;
 constexpr std::int64_t knownWords = 411;
 
+/// To the millisecond, as a time of 6:30 in days is no round number.
+std::chrono::milliseconds sinceStart(double days) {
+  constexpr double perDay = 86400.0 * 1000;
+  constexpr double most = 1e8;  // days; beyond any calendar
+  return std::chrono::milliseconds(std::llround(std::clamp(days, -most, most) * perDay));
+}
+
 }  // namespace
 
 std::vector<std::int32_t> headWords(RecordCursor& cursor) {
@@ -51,12 +58,23 @@ std::optional<Moment> dateOfHead(std::span<const std::int32_t> intehead, double 
     if (date) return date;
   }
   const auto day = makeMoment(word[2], word[1], word[0]);
+  return day ? std::optional(dateOfReport(std::nullopt, *day, days)) : std::nullopt;
+}
+
+std::optional<Moment> startOfRun(std::span<const std::int32_t> intehead, std::optional<Moment> date,
+                                 double days) {
+  if (!date || intehead.size() <= hourWord + 1 || !std::isfinite(days)) return std::nullopt;
+  return *date - sinceStart(days);
+}
+
+Moment dateOfReport(std::optional<Moment> start, Moment day, double days) {
+  if (start && std::isfinite(days)) return *start + sinceStart(days);
   const double fraction = days - std::floor(days);
-  if (!day || !(fraction > 0)) return day;
+  if (!(fraction > 0)) return day;
   constexpr double minutesPerDay = 24 * 60;
   constexpr double rounding = 1e-4;  // a time of 6.5 hours may be a little below 390 minutes
   const auto minute = static_cast<int>(std::min(fraction * minutesPerDay + rounding, minutesPerDay - 1));
-  return *day + std::chrono::minutes(minute);
+  return day + std::chrono::minutes(minute);
 }
 
 }  // namespace lumbarn

@@ -24,4 +24,11 @@ std::int32_t stepOfHead(std::span<const std::int32_t> intehead);
 /// as days since a start at midnight. Nothing when there is no such day.
 std::optional<Moment> dateOfHead(std::span<const std::int32_t> intehead, double days);
 
+/// When the run began, by the header and date of one of its steps; nothing for headers without a time of day.
+std::optional<Moment> startOfRun(std::span<const std::int32_t> intehead, std::optional<Moment> date,
+                                 double days);
+/// The date of a step of which the day is known, with the time of day by start and report time in days.
+/// Without a start, as `dateOfHead` gives it for older headers.
+Moment dateOfReport(std::optional<Moment> start, Moment day, double days);
+
 }  // namespace lumbarn

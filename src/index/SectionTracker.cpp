@@ -16,9 +16,9 @@ SectionMark SectionTracker::take(RecordCursor& cursor) {
     parts_.header = parts_.header || !inLocalGrid();
     return SectionMark::None;
   }
-  if (header.is("SEQNUM", ElementType::Integer) && header.count > 0) {
+  if (marksStep(header)) {
     beginStep();
-    seqnum_ = firstInteger(cursor);
+    if (header.type == ElementType::Integer) seqnum_ = firstInteger(cursor);
     return SectionMark::Step;
   }
   if (header.is("LGR", ElementType::Text) && header.count > 0) {

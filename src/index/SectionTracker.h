@@ -24,6 +24,8 @@ enum class SectionMark : std::uint8_t {
 class SectionTracker {
  public:
   SectionMark take(RecordCursor& cursor);
+  /// Whether a record begins a report step: SEQNUM, whatever its type.
+  static bool marksStep(const RecordHeader& header) { return header.keyword == "SEQNUM" && header.count > 0; }
 
   /// The local grid that the current record belongs to, without blanks around its name as some writers have
   /// them; empty for the global grid.

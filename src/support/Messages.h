@@ -40,6 +40,10 @@ struct MessageRow {
   ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
   /* files */                                                                                                \
   /* index */                                                                                                \
+  ROW(StepIncomplete, "step.incomplete", Incomplete, "report step is not complete")                          \
+  ROW(StepTwice, "step.twice", Remark, "two report steps have the same number")                              \
+  ROW(IndexDisagrees, "index.disagrees", Remark, "index does not agree with the files that it indexes")      \
+  ROW(IndexNotWritten, "index.not-written", Incomplete, "no index can be written")                           \
   /* arrays */                                                                                               \
   /* summary */                                                                                              \
   /* restart */                                                                                              \
