@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <exception>
 #include <filesystem>
 #include <type_traits>
 #include <utility>
 
 #include "../record/ByteSource.h"
 #include "../support/Fault.h"
+#include "../support/PendingFile.h"
 #include "../support/ReadBuffer.h"
-#include "../support/System.h"
 
 namespace lumbarn {
 
@@ -84,6 +85,7 @@ class CacheWriter {
   void bytes(std::span<const std::byte> bytes) {
     sum_.add(bytes);
     good_ = good_ && file_.write(bytes);
+    if (good_) written_ += bytes.size();
   }
   template <Plain T>
   void put(const T& value) {
@@ -97,13 +99,16 @@ class CacheWriter {
   void text(const std::string& value) { array(std::span<const char>(value)); }
   bool finish() {
     put(sum_.value());
-    return file_.close() && good_;
+    return good_;
   }
+  /// Bytes before the first failed write.
+  std::uint64_t written() const { return written_; }
 
  private:
   OutputFile& file_;
   Checksum sum_;
   bool good_ = true;
+  std::uint64_t written_ = 0;
 };
 
 /// Reads them back. Nothing beyond the end is believed: a count is held against the bytes that are there.
@@ -237,7 +242,10 @@ struct GridCache::Source {
 };
 
 GridCache::GridCache(std::string path, const qvGRIDReader& reader, Session& session)
-    : path_(std::move(path)), reader_(&reader), session_(&session), made_(stampOf(reader.FileName).value_or(FileStamp{})) {}
+    : path_(std::move(path)),
+      reader_(&reader),
+      session_(&session),
+      made_(stampOf(reader.FileName).value_or(FileStamp{})) {}
 
 GridCache::Source GridCache::source(FileStamp& stamp) const {
   Source facts;
@@ -253,15 +261,16 @@ GridCache::Source GridCache::source(FileStamp& stamp) const {
   return facts;
 }
 
-bool GridCache::refuse(std::string_view problem, std::string_view found, std::string_view action) const {
-  session_->diagnose(Diagnosis{.path = path_,
+bool GridCache::refuse(std::string_view problem, std::string_view found) const {
+  session_->diagnose(Diagnosis{.message = Message::GridCacheUnused,
+                               .path = path_,
                                .problem = std::string(problem),
                                .found = std::string(found),
-                               .action = std::string(action)});
+                               .action = "read the grid file itself"});
   return false;
 }
 
-/// The cache file, when it is whole and goes with the grid file; else null.
+/// The cache file, when it is complete and matches the grid file; otherwise null.
 std::unique_ptr<const ByteSource> GridCache::open(std::uint64_t& end) const {
   std::string error;
   std::error_code unknown;
@@ -311,7 +320,7 @@ bool GridCache::load(std::vector<std::shared_ptr<Hadrick>>& grids) const {
       found.back()->zFolder = reader_->HPGFolder;
       found.back()->byteSwap = reader_->byteSwap;
     }
-  } catch (const Fault& fault) {
+  } catch (const std::exception& fault) {
     return refuse("grid cache does not hold what it should", fault.what());
   }
   if (found.empty()) return refuse("grid cache is empty");
@@ -319,28 +328,29 @@ bool GridCache::load(std::vector<std::shared_ptr<Hadrick>>& grids) const {
   return true;
 }
 
-/// Written beside its place and put there when it is whole, so that no other process ever sees a part of it.
+/// The cache appears when it is complete, so that no other process ever sees a part of it.
 bool GridCache::save(const std::vector<std::shared_ptr<Hadrick>>& grids) const {
-  constexpr std::string_view none = "kept no cache";
-  const std::string part = path_ + ".part";
-  std::string error;
-  std::error_code failed;
-  OutputFile file(part, error);
-  if (!file.isOpen()) return refuse("grid cache cannot be written", error, none);
-  CacheWriter out(file);
-  FileStamp now;
-  const Source facts = source(now);
-  out.put(facts);
-  out.put(static_cast<std::uint64_t>(grids.size()));
-  for (const auto& grid : grids) putGrid(out, *grid);
-  const bool written = out.finish();
-  const bool same = now == made_;
-  if (written && same) std::filesystem::rename(part, path_, failed);
-  if (written && same && !failed) return true;
-  std::error_code ignored;
-  std::filesystem::remove(part, ignored);
-  if (!same) return refuse("grid file has changed while it was read", "", none);
-  return refuse("grid cache cannot be written", failed ? failed.message() : "no room on the disk", none);
+  try {
+    PendingFile file(path_);
+    CacheWriter out(file.out());
+    FileStamp now;
+    const Source facts = source(now);
+    out.put(facts);
+    out.put(static_cast<std::uint64_t>(grids.size()));
+    for (const auto& grid : grids) putGrid(out, *grid);
+    if (!out.finish()) file.fail(out.written());
+    if (now != made_) {
+      throw BadRecord({.path = reader_->FileName, .problem = "grid file has changed while it was read"});
+    }
+    file.commit();
+    return true;
+  } catch (BadRecord& failure) {
+    Diagnosis& diagnosis = failure.diagnosis();
+    diagnosis.message = Message::GridCacheNotKept;
+    diagnosis.action = "kept no cache";
+    session_->diagnose(diagnosis);
+    return false;
+  }
 }
 
 }  // namespace lumbarn

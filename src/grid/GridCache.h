@@ -34,8 +34,7 @@ class GridCache {
   struct Source;
   Source source(FileStamp& stamp) const;
   std::unique_ptr<const ByteSource> open(std::uint64_t& end) const;
-  bool refuse(std::string_view problem, std::string_view found = {},
-              std::string_view action = "read the grid file itself") const;
+  bool refuse(std::string_view problem, std::string_view found = {}) const;
 
   std::string path_;
   const qvGRIDReader* reader_;

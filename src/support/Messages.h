@@ -49,9 +49,31 @@ struct MessageRow {
   /* restart */                                                                                              \
   /* init */                                                                                                 \
   /* grid */                                                                                                 \
+  ROW(GridType, "grid.type", Incomplete, "file contains no corner point grid")                               \
+  ROW(GridSizes, "grid.sizes", Damage, "impossible sizes of a grid")                                         \
+  ROW(GridShortRecord, "grid.record.short", Damage, "record of a grid too short")                            \
+  ROW(GridLength, "grid.record.length", Damage, "length of an array does not match the sizes of its grid")   \
+  ROW(GridMissing, "grid.missing", Damage, "records of a grid are missing")                                  \
+  ROW(GridEnd, "grid.end", Incomplete, "grid has no ENDGRID")                                                \
+  ROW(GridCell, "grid.cell", Damage, "cell lies outside of its grid")                                        \
+  ROW(GridCellsOmitted, "grid.cells.omitted", Remark, "cells without a record are inactive")                 \
+  ROW(GridCellsMissing, "grid.cells.missing", Incomplete, "last cells of the grid are missing")              \
+  ROW(GridInactive, "grid.inactive", Incomplete, "grid has no active cell")                                  \
+  ROW(GridNotFinite, "grid.values", Damage, "values of a grid are not finite")                               \
+  ROW(GridFlatPillars, "grid.pillars.flat", Remark, "pillars have no height")                                \
+  ROW(GridReservoirs, "grid.reservoirs", Damage, "layers of the reservoirs are not specified")               \
+  ROW(GridLayers, "grid.reservoirs.layers", Remark, "layers of the reservoir are not those of the grid")     \
+  ROW(GridMapAxes, "grid.mapaxes", Incomplete, "map axes are too short")                                     \
+  ROW(GridCoarsening, "grid.coarsening", Incomplete, "coarsened cells are not a box")                        \
+  ROW(GridParent, "grid.parent", Damage, "parent grid does not exist")                                       \
+  ROW(GridHosts, "grid.hosts", Damage, "host cells do not exist")                                            \
+  ROW(GridConnections, "grid.connections", Damage, "connections to cells that do not exist")                 \
+  ROW(GridCacheUnused, "grid.cache.unused", Remark, "grid cache not used")                                   \
+  ROW(GridCacheNotKept, "grid.cache.kept", Incomplete, "grid cache cannot be written")                       \
   /* welltests */                                                                                            \
   /* reader */                                                                                               \
   /* export */                                                                                               \
+  ROW(ExportHdf, "export.hdf5", Damage, "cannot be written as an HDF5 file")                                 \
   /* command */                                                                                              \
   /* end of the table */
 // clang-format on

@@ -107,29 +107,73 @@ OutputFile::OutputFile(const std::string& path, std::string& error) {
   if (handle_ < 0) error = errorText(errno);
 }
 
-OutputFile::OutputFile(OutputFile&& other) noexcept : handle_(std::exchange(other.handle_, -1)) {}
+OutputFile OutputFile::createNew(const std::string& path, std::string& error) {
+  OutputFile file;
+  file.handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+  if (file.handle_ < 0) error = errorText(errno);
+  return file;
+}
+
+OutputFile::OutputFile(OutputFile&& other) noexcept
+    : handle_(std::exchange(other.handle_, -1)), error_(std::move(other.error_)) {}
 
 OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
   std::swap(handle_, other.handle_);
+  std::swap(error_, other.error_);
   return *this;
 }
 
 OutputFile::~OutputFile() { closeHandle(handle_); }
+
+/// Keeps the reason while it is still that of the call that failed.
+bool OutputFile::failed() {
+  if (error_.empty()) error_ = errorText(errno);
+  return false;
+}
 
 bool OutputFile::write(std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const auto wanted = std::min(bytes.size(), largestTransfer);
     const auto put = ::write(static_cast<int>(handle_), bytes.data(), wanted);
     if (put < 0 && errno == EINTR) continue;
-    if (put <= 0) return false;
+    if (put == 0) errno = EIO;  // the system takes nothing and does not say why
+    if (put <= 0) return failed();
     bytes = bytes.subspan(static_cast<std::size_t>(put));
   }
   return true;
 }
 
+bool OutputFile::writeAt(std::uint64_t position, std::span<const std::byte> bytes) {
+  while (!bytes.empty()) {
+    const auto wanted = std::min(bytes.size(), largestTransfer);
+    const auto put =
+        ::pwrite(static_cast<int>(handle_), bytes.data(), wanted, static_cast<off_t>(position));
+    if (put < 0 && errno == EINTR) continue;
+    if (put == 0) errno = EIO;  // the system takes nothing and does not say why
+    if (put <= 0) return failed();
+    bytes = bytes.subspan(static_cast<std::size_t>(put));
+    position += static_cast<std::uint64_t>(put);
+  }
+  return true;
+}
+
+bool OutputFile::readAt(std::uint64_t position, std::span<std::byte> out) {
+  while (!out.empty()) {
+    const auto wanted = std::min(out.size(), largestTransfer);
+    const auto got = ::pread(static_cast<int>(handle_), out.data(), wanted, static_cast<off_t>(position));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return failed();
+    if (got == 0) break;
+    out = out.subspan(static_cast<std::size_t>(got));
+    position += static_cast<std::uint64_t>(got);
+  }
+  std::ranges::fill(out, std::byte{0});
+  return true;
+}
+
 bool OutputFile::close() {
   if (handle_ < 0) return true;
-  return ::close(static_cast<int>(std::exchange(handle_, -1))) == 0;
+  return ::close(static_cast<int>(std::exchange(handle_, -1))) == 0 || failed();
 }
 
 std::string makeTemporaryFile(const std::string& prefix) {

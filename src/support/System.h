@@ -64,6 +64,9 @@ class OutputFile {
   OutputFile() = default;
   /// Makes or empties the file.
   OutputFile(const std::string& path, std::string& error);
+  /// Creates a file that can be read back too. Fails when anything has that name already, a link that points
+  /// nowhere included.
+  static OutputFile createNew(const std::string& path, std::string& error);
   OutputFile(OutputFile&& other) noexcept;
   OutputFile& operator=(OutputFile&& other) noexcept;
   ~OutputFile();
@@ -71,11 +74,20 @@ class OutputFile {
   bool isOpen() const { return handle_ >= 0; }
   /// Appends all bytes; false when the disk takes no more.
   bool write(std::span<const std::byte> bytes);
+  /// Writes all bytes at a position; false likewise.
+  bool writeAt(std::uint64_t position, std::span<const std::byte> bytes);
+  /// Reads bytes of a file that was created new; those behind its end are 0. False at a read error.
+  bool readAt(std::uint64_t position, std::span<std::byte> out);
   /// False when the system reports a late write error.
   bool close();
+  /// The system's reason for the first failure of the operations above; empty when none has failed.
+  const std::string& error() const { return error_; }
 
  private:
+  bool failed();
+
   std::intptr_t handle_ = -1;
+  std::string error_;
 };
 
 /// Makes an empty file with a fresh name that begins with `prefix` in the folder for temporary files, and
