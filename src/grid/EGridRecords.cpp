@@ -33,7 +33,7 @@ bool EGridRecords::read() {
     if (session.yield()) return false;
   }
   // A file may end right before ENDGRID; but without ACTNUM nobody knows what else is missing.
-  if (set_.sized() && !pending_.hasActivity) set_.fail("file ends before the grid does", "ENDGRID", "none");
+  if (set_.sized() && !pending_.hasActivity) set_.fail(Message::GridMissing, "ENDGRID", "end of the file");
   return finish();
 }
 
@@ -71,14 +71,14 @@ bool EGridRecords::take() {
 void EGridRecords::takeFileHead() {
   const auto words = set_.cursor().integers();
   if (word(words, 5) != 0) {
-    set_.fail("file holds no corner point grid", "0 in word 5", std::to_string(word(words, 5)));
+    set_.fail(Message::GridType, "0 in word 5", std::to_string(word(words, 5)));
   }
   dualPorosity_ = word(words, 6);
 }
 
 void EGridRecords::takeGridHead() {
   const auto words = set_.cursor().integers();
-  if (words.size() < 4) set_.fail("record is too short", 4, static_cast<std::int64_t>(words.size()));
+  if (words.size() < 4) set_.fail(Message::GridShortRecord, 4, static_cast<std::int64_t>(words.size()));
   const bool dual = dualPorosity_ >= 1;
   set_.setSize(words[1], words[2], dual ? 2 * static_cast<std::int64_t>(words[3]) : words[3]);
   Hadrick& grid = set_.current();
@@ -102,7 +102,7 @@ void EGridRecords::takeGridHead() {
 }
 
 void EGridRecords::needSizes() const {
-  if (!set_.sized()) set_.fail("array stands before the sizes of its grid", "GRIDHEAD", "none");
+  if (!set_.sized()) set_.fail(Message::GridMissing, "GRIDHEAD before arrays", "none");
 }
 
 void EGridRecords::takeCoord() {
@@ -112,20 +112,20 @@ void EGridRecords::takeCoord() {
   const std::int64_t pillars = (grid.Nx() + std::int64_t{1}) * (grid.Ny() + std::int64_t{1});
   if (count % (6 * pillars) != 0 || count / (6 * pillars) != pending_.nReservoirs) {
     set_.fail(
-        "record does not go with the sizes of the grid",
+        Message::GridLength,
         std::to_string(6 * pillars) + " for each of " + std::to_string(pending_.nReservoirs) + " reservoirs",
         std::to_string(count));
   }
   pending_.coord = set_.cursor().singles();
-  set_.tellNotFinite(countNotFinite(pending_.coord));
+  set_.reportNotFinite(countNotFinite(pending_.coord));
   std::int64_t flat = 0;
   for (std::size_t p = 0; p < pending_.coord.size(); p += 6) {
     const double height = static_cast<double>(pending_.coord[p + 5]) - pending_.coord[p + 2];
     if (!(std::abs(height) > flatPillar)) ++flat;
   }
   if (flat > 0) {
-    set_.tell("pillars have no height", "top and bottom at two depths", std::to_string(flat) + " pillars",
-              "took the top point for all depths");
+    set_.report(Message::GridFlatPillars, "top and bottom at two depths", std::to_string(flat) + " others",
+                "used the top point for all depths");
   }
 }
 
@@ -137,7 +137,7 @@ void EGridRecords::takeZcorn() {
   const std::int64_t whole = 8 * static_cast<std::int64_t>(grid.nCells());
   const bool half = dualPorosity_ >= 1 && header.count == whole / 2;
   if (header.count != whole && !half) {
-    set_.fail("record does not go with the sizes of the grid", whole, header.count);
+    set_.fail(Message::GridLength, whole, header.count);
   }
   pending_.zcorn = header;
 }
@@ -162,7 +162,7 @@ std::vector<std::int32_t> EGridRecords::cellArray() {
                                         values.size(), values, spread, qOK);
     if (qOK) return spread;
   }
-  set_.fail("record does not go with the sizes of the grid", cells, count);
+  set_.fail(Message::GridLength, cells, count);
 }
 
 /// Values above 1 tell the systems apart: 1 the first, 2 the second, 3 both. Where there are none of them,
@@ -194,19 +194,19 @@ std::vector<std::array<std::int32_t, 2>> EGridRecords::ranges() const {
                      });
   if (sound) return found;
   if (count > 1)
-    set_.fail("layers of the reservoirs are not told", "COORDSYS for each of " + std::to_string(count),
+    set_.fail(Message::GridReservoirs, "COORDSYS for each of " + std::to_string(count),
               std::to_string(found.size()));
   if (!words.empty()) {
-    set_.tell("layers of the reservoir are not those of the grid", "layers 1 to " + std::to_string(grid.Nz()),
-              "others in COORDSYS", "took all layers");
+    set_.report(Message::GridLayers, "layers 1 to " + std::to_string(grid.Nz()), "others in COORDSYS",
+                "used all layers");
   }
   return {{1, grid.Nz()}};
 }
 
 bool EGridRecords::ProcessEGridCorners() {
   if (!set_.sized()) return true;  // ENDGRID of a grid that has been finished
-  if (pending_.coord.empty()) set_.fail("grid has no pillars", "COORD", "none");
-  if (!pending_.zcorn) set_.fail("grid has no depths", "ZCORN", "none");
+  if (pending_.coord.empty()) set_.fail(Message::GridMissing, "COORD", "none");
+  if (!pending_.zcorn) set_.fail(Message::GridMissing, "ZCORN", "none");
   RecordCursor& cursor = set_.cursor();
   Hadrick& grid = set_.current();
   if (pending_.hasActivity) grid.setActive(std::move(pending_.activity));
@@ -223,7 +223,7 @@ bool EGridRecords::ProcessEGridCorners() {
   const bool read = compress ? processActiveCornerPoints_Grid(cursor, grid, set_.session(), nNotFinite)
                              : processCornerPoints_Grid(cursor, {}, grid, set_.session(), nNotFinite);
   if (!read) return false;
-  set_.tellNotFinite(nNotFinite);
+  set_.reportNotFinite(nNotFinite);
   // The record that ended the grid may be the first of the next one, and is still to be taken.
   if (!here.keyword.empty()) cursor.setCurrent(here);
   cursor.seek(resume);
@@ -234,11 +234,11 @@ bool EGridRecords::ProcessEGridCorners() {
   return true;
 }
 
-/// A grid whose end was not told.
+/// A grid without ENDGRID.
 bool EGridRecords::finish() {
   if (!set_.sized()) return true;
-  set_.tell("end of the grid is not told", "ENDGRID", set_.cursor().header().keyword,
-            "took what stands before", pending_.hasActivity ? Certainty::Likely : Certainty::Guess);
+  set_.report(Message::GridEnd, "ENDGRID", set_.cursor().header().keyword, "used the records before it",
+              pending_.hasActivity ? Certainty::Likely : Certainty::Guess);
   return ProcessEGridCorners();
 }
 

@@ -13,7 +13,11 @@ namespace lumbarn {
 namespace {
 
 constexpr std::size_t rowItems = 24;
-constexpr std::int64_t cancelInterval = 10'000;  // cells between two looks at the cancel flag
+constexpr std::int64_t cancelInterval = 10'000;  // cells between two checks of the cancel flag
+// A file may omit inactive cells, so its size limits their number only roughly. These keep tables of one word
+// for each cell within the size of the file, and small grids are always accepted.
+constexpr std::uint64_t mostCellsForRecord = 64;
+constexpr std::uint64_t alwaysCells = std::uint64_t{1} << 20;
 
 }  // namespace
 
@@ -71,16 +75,19 @@ bool GridRecords::take() {
 
 void GridRecords::takeSizes() {
   const auto words = set_.cursor().integers();
-  if (words.size() < 3) set_.fail("record is too short", 3, static_cast<std::int64_t>(words.size()));
+  if (words.size() < 3) set_.fail(Message::GridShortRecord, 3, static_cast<std::int64_t>(words.size()));
   set_.setSize(words[0], words[1], words[2]);
   const auto cells = static_cast<std::uint64_t>(set_.current().nCells());
-  const std::uint64_t room = set_.cursor().fileSize() / (4 * rowItems);
-  if (cells > room) {
-    set_.fail("grid has more cells than the file can hold", "at most " + std::to_string(room),
+  room_ = set_.cursor().fileSize() / (4 * rowItems);
+  const std::uint64_t most = mostCellsForRecord * room_ + alwaysCells;
+  if (cells > most) {
+    set_.fail(Message::GridSizes, "at most " + std::to_string(most) + " cells in a file of this size",
               std::to_string(cells));
   }
-  compress_ = set_.options().compress;
+  compress_ = set_.options().compress || cells > room_;
   seen_ = 0;
+  reached_ = 0;
+  hasInactive_ = false;
   inOrder_ = true;
   expected_ = {1, 1, 1};
   notFinite_ = 0;
@@ -95,13 +102,13 @@ void GridRecords::takeSizes() {
 void GridRecords::readPair(CellRecord& cell, RecordHeader& coords) {
   RecordCursor& cursor = set_.cursor();
   coords = cursor.header();
-  if (coords.count < 3) set_.fail("record is too short", 3, coords.count);
+  if (coords.count < 3) set_.fail(Message::GridShortRecord, 3, coords.count);
   cell.count = std::min(static_cast<std::size_t>(coords.count), cell.words.size());
   cursor.read(std::span(cell.words).first(cell.count));
-  if (!cursor.next()) set_.fail("corners of a cell are missing", "CORNERS", "end of the file");
+  if (!cursor.next()) set_.fail(Message::GridMissing, "CORNERS", "end of the file");
   const RecordHeader& header = cursor.header();
   if (!header.is("CORNERS", ElementType::Single) || header.count != static_cast<std::int64_t>(rowItems)) {
-    set_.fail("corners of a cell are missing", "CORNERS with 24 values",
+    set_.fail(Message::GridMissing, "CORNERS with 24 values",
               header.keyword + " with " + std::to_string(header.count));
   }
   cursor.read(std::span<float>(cell.corners));
@@ -109,9 +116,10 @@ void GridRecords::readPair(CellRecord& cell, RecordHeader& coords) {
 
 void GridRecords::takeCells() {
   RecordCursor& cursor = set_.cursor();
-  if (!set_.sized()) set_.fail("cell stands before the sizes of its grid", "DIMENS", "none");
+  if (!set_.sized()) set_.fail(Message::GridMissing, "DIMENS before cells", "none");
   if (rows_.empty()) {
-    rows_ = XYData(rowItems, static_cast<std::size_t>(set_.current().nCells()), set_.session());
+    const auto cells = static_cast<std::uint64_t>(set_.current().nCells());
+    rows_ = XYData(rowItems, static_cast<std::size_t>(std::min(cells, room_)), set_.session());
   }
   CellRecord cell;
   RecordHeader coords;
@@ -119,7 +127,7 @@ void GridRecords::takeCells() {
   takeCell(cell);
   CellRecords more(source_, cursor.form(), coords, cursor.header(), cursor.nextPosition());
   std::int64_t told = 0;
-  while (seen_ < set_.current().nCells()) {
+  while ((inOrder_ ? reached_ : seen_) < set_.current().nCells()) {
     if (!inOrder_ || !takeRun(more)) {
       if (!more.next(cell)) break;
       takeCell(cell);
@@ -136,7 +144,7 @@ void GridRecords::takeCells() {
 /// that which follows.
 bool GridRecords::takeRun(CellRecords& more) {
   const Hadrick& grid = set_.current();
-  const auto before = static_cast<std::size_t>(seen_);
+  const auto before = static_cast<std::size_t>(reached_);
   run_.first = expected_;
   run_.most = std::min(CellRun::mostCells, static_cast<std::size_t>(grid.Nx() - expected_[0] + 1));
   run_.activeOnly = compress_;
@@ -144,7 +152,9 @@ bool GridRecords::takeRun(CellRecords& more) {
   more.takeRun(run_);
   if (run_.count == 0) return false;
   seen_ += static_cast<std::int32_t>(run_.count);
-  expected_ = grid.placeOf(std::min(seen_, grid.nCells() - 1) + 1);
+  reached_ += static_cast<std::int32_t>(run_.count);
+  expected_ = grid.placeOf(std::min(reached_, grid.nCells() - 1) + 1);
+  hasInactive_ = hasInactive_ || run_.active < run_.count;
   if (run_.active < run_.count && activity_.empty()) makeActivity(static_cast<std::int32_t>(before));
   const auto states = std::span(run_.states).first(run_.count);
   if (!activity_.empty()) std::ranges::copy(states, activity_.begin() + static_cast<std::ptrdiff_t>(before));
@@ -165,15 +175,16 @@ void GridRecords::takeCell(const CellRecord& cell) {
   const auto& words = cell.words;
   const auto number = grid.cellAt(words[0], words[1], words[2]);
   if (number == 0) {
-    set_.fail("cell lies outside of its grid", "a cell of the grid",
+    set_.fail(Message::GridCell, "a cell of the grid",
               std::to_string(words[0]) + ", " + std::to_string(words[1]) + ", " + std::to_string(words[2]));
   }
   ++seen_;
   expected_ = grid.placeOf(std::min(number, grid.nCells() - 1) + 1);
   const auto index = static_cast<std::size_t>(number) - 1;
   const bool active = cell.active();
-  if (inOrder_ && number != seen_) leaveOrder();
-  if (!active && activity_.empty()) makeActivity(seen_ - 1);
+  if (inOrder_) number > reached_ ? skipTo(number) : leaveOrder();
+  hasInactive_ = hasInactive_ || !active;
+  if (!active && activity_.empty()) makeActivity(number - 1);
   if (!activity_.empty()) activity_[index] = active ? 1 : 0;
   if (cell.count > 6 && grid.isLocal()) hostCells()[index] = words[5];
   if (compress_ && !active) return;
@@ -182,7 +193,7 @@ void GridRecords::takeCell(const CellRecord& cell) {
     rowCells_.push_back(number);
     column = rowCells_.size();
   }
-  if (column > rows_.columns()) set_.fail("grid has more cells than its sizes tell", grid.nCells(), seen_);
+  if (column > rows_.columns()) set_.fail(Message::GridCell, grid.nCells(), seen_);
   std::ranges::copy(cell.corners, rows_.values().data() + rowItems * (column - 1));
   notFinite_ += countNotFinite(cell.corners);
 }
@@ -198,12 +209,33 @@ void GridRecords::makeActivity(std::int64_t first) {
   std::fill_n(activity_.begin(), first, 1);
 }
 
-/// From here on a cell may stand twice and another not at all, which is then inactive and has no corners.
+/// Some writers omit inactive cells: those up to the next one that has records are inactive, without corners.
+void GridRecords::skipTo(std::int32_t number) {
+  const auto from = static_cast<std::size_t>(reached_);
+  const auto to = static_cast<std::size_t>(number) - 1;
+  reached_ = number;
+  if (from == to) return;
+  if (activity_.empty()) makeActivity(static_cast<std::int64_t>(from));
+  if (!compress_) std::ranges::fill(rows_.values().subspan(rowItems * from, rowItems * (to - from)), 0.0F);
+}
+
+/// From here on a cell may occur twice and another not at all, which is then inactive and has no corners.
 void GridRecords::leaveOrder() {
   inOrder_ = false;
-  const auto met = static_cast<std::size_t>(seen_) - 1;
-  if (activity_.empty()) makeActivity(seen_ - 1);
+  const auto met = static_cast<std::size_t>(reached_);
+  if (activity_.empty()) makeActivity(reached_);
   if (!compress_) std::ranges::fill(rows_.values().subspan(rowItems * met), 0.0F);
+}
+
+/// The cells that have no records. A file that has records of inactive cells too omits none of them, so it
+/// must have been truncated.
+void GridRecords::takeOmitted() {
+  const std::int32_t cells = set_.current().nCells();
+  const bool last = inOrder_ && reached_ < cells && hasInactive_;
+  set_.report(last ? Message::GridCellsMissing : Message::GridCellsOmitted, std::to_string(cells) + " cells",
+              std::to_string(seen_), "treated the others as inactive",
+              last ? Certainty::Guess : Certainty::Likely);
+  if (inOrder_ && reached_ < cells) skipTo(cells + 1);
 }
 
 /// Puts the rows of active cells in the order of their numbers. Of a cell that stands twice the last counts,
@@ -232,17 +264,18 @@ void GridRecords::sortRows() {
 bool GridRecords::finish() {
   if (!set_.sized()) return true;
   Hadrick& grid = set_.current();
-  if (rows_.empty()) set_.fail("grid has no corners", "COORDS and CORNERS", "none");
-  if (seen_ < grid.nCells()) set_.fail("cells of the grid are missing", grid.nCells(), seen_);
+  if (rows_.empty()) set_.fail(Message::GridMissing, "COORDS and CORNERS", "none");
+  const bool omits = seen_ < grid.nCells();
+  if (omits) takeOmitted();
   if (compress_) sortRows();
-  set_.tellNotFinite(std::exchange(notFinite_, 0));
-  if (compress_ || !set_.options().noInactive) grid.setActive(std::exchange(activity_, {}));
+  set_.reportNotFinite(std::exchange(notFinite_, 0));
+  if (compress_ || omits || !set_.options().noInactive) grid.setActive(std::exchange(activity_, {}));
   grid.setCellRows(std::exchange(rows_, {}), compress_);
   if (!hosts_.empty()) grid.setHostCells(std::exchange(hosts_, {}));
   const bool coarse = set_.options().coarsened && !coarse_.empty() && !compress_;
   if (coarse) grid.setCoarse(set_.coarseBlocks(coarse_));
   if (grid.nActive() == 0 && !compress_) {
-    set_.tell("grid has no active cell", "one at least", "none", "stopped");
+    set_.report(Message::GridInactive, "one at least", "none", "stopped");
     stopped_ = true;
   }
   set_.complete();

@@ -34,7 +34,9 @@ class GridRecords {
   std::vector<std::int32_t>& hostCells();
   void readPair(CellRecord& cell, RecordHeader& coords);
   void makeActivity(std::int64_t first);
+  void skipTo(std::int32_t number);
   void leaveOrder();
+  void takeOmitted();
   void sortRows();
   bool finish();
 
@@ -43,11 +45,14 @@ class GridRecords {
   std::int64_t uncounted_ = 0;
   bool stopped_ = false;  // at a grid without active cells
   // Of the current grid:
-  bool compress_ = false;
-  std::int32_t seen_ = 0;
+  bool compress_ = false;     // rows of active cells only: as asked for, or too few records for all cells
+  std::uint64_t room_ = 0;    // rows that the file can hold at most
+  std::int32_t seen_ = 0;     // cells that had records
+  std::int32_t reached_ = 0;  // number of the last cell that came in order; some before it may be omitted
+  bool hasInactive_ = false;  // there are records of inactive cells
   std::size_t notFinite_ = 0;
   std::array<std::int32_t, 3> expected_{};  // place of the cell that follows in order
-  bool inOrder_ = true;                     // cells came by their numbers so far
+  bool inOrder_ = true;                     // numbers have increased so far
   XYData rows_;                             // by cell, or by active cell in the order of the file
   std::vector<std::int32_t> rowCells_;      // when compressed: the cell of each row
   std::vector<std::int32_t> activity_;      // made when they are needed

@@ -20,6 +20,16 @@ std::string parentName(std::string_view text) {
   return name.empty() || equalNoCase(name, "GLOBAL") ? "ROOT" : std::string(name);
 }
 
+/// HOSTNUM for the matrix alone is read for both systems; the hosts of fracture cells are fracture cells.
+void moveToFracture(std::vector<std::int32_t>& hosts, std::int32_t cellsOfMatrix) {
+  const std::size_t half = hosts.size() / 2;
+  const auto fracture = std::span(hosts).last(half);
+  if (!std::ranges::equal(std::span(hosts).first(half), fracture)) return;
+  for (auto& host : fracture) {
+    if (host > 0 && host <= cellsOfMatrix) host += cellsOfMatrix;
+  }
+}
+
 }  // namespace
 
 GridSet::GridSet(RecordCursor& cursor, const GridReadOptions& options, Session& session)
@@ -38,16 +48,18 @@ void GridSet::start(std::string_view zName) {
 void GridSet::setSize(std::int64_t nx, std::int64_t ny, std::int64_t nz) {
   constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
   const auto sizes = std::to_string(nx) + " x " + std::to_string(ny) + " x " + std::to_string(nz);
-  if (nx < 1 || ny < 1 || nz < 1) fail("grid has no cells", "sizes of 1 or more", sizes);
+  if (nx < 1 || ny < 1 || nz < 1) fail(Message::GridSizes, "sizes of 1 or more", sizes);
   if (nx > most || ny > most || nz > most || nx > most / ny || nx * ny > most / nz) {
-    fail("grid has more cells than can be numbered", "at most 2147483647 cells", sizes);
+    fail(Message::GridSizes, "at most 2147483647 cells", sizes);
   }
+  sizesAt_ = cursor_->header().headerAt;
   current_->setSize(static_cast<std::int32_t>(nx), static_cast<std::int32_t>(ny),
                     static_cast<std::int32_t>(nz));
 }
 
 void GridSet::complete() {
   grids.push_back(current_);
+  offsets_.push_back(sizesAt_);
   const std::string zName = current_->zName;
   start(zName);
 }
@@ -97,7 +109,7 @@ void GridSet::takeMapAxes() {
   const RecordHeader& header = cursor_->header();
   std::array<double, mapAxesItems> axes{};
   if (header.count < static_cast<std::int64_t>(axes.size())) {
-    tell("record is too short", "6", std::to_string(header.count), "left the grid without map axes");
+    report(Message::GridMapAxes, "6", std::to_string(header.count), "left the grid without map axes");
     return;
   }
   if (header.type == ElementType::Double) {
@@ -115,6 +127,7 @@ void GridSet::takeMapAxes() {
 /// The cells of the first array wait for those of the second. Some writers give NNCG before NNCL.
 void GridSet::takeConnections(const PairRecord& record, bool second) {
   auto cells = cursor_->integers();
+  if (!connectionsAt_) connectionsAt_ = cursor_->header().headerAt;
   const std::string_view partner = second ? record.first : record.second;
   if (firstKeyword_ != partner) {
     firstKeyword_ = cursor_->header().keyword;
@@ -122,8 +135,8 @@ void GridSet::takeConnections(const PairRecord& record, bool second) {
     return;
   }
   if (cells.size() != firstCells_.size()) {
-    tell("connections have one end only", std::to_string(firstCells_.size()), std::to_string(cells.size()),
-         "used those with both ends");
+    report(Message::GridConnections, std::to_string(firstCells_.size()) + " second ends",
+           std::to_string(cells.size()), "used those with both ends");
   }
   const auto& ends1 = second ? firstCells_ : cells;
   const auto& ends2 = second ? cells : firstCells_;
@@ -166,8 +179,8 @@ std::vector<CoarseBlock> GridSet::coarseBlocks(std::span<const std::int32_t> num
         static_cast<std::int64_t>(box[1] - box[0] + 1) * (box[3] - box[2] + 1) * (box[5] - box[4] + 1);
     if (volume == one.cells && volume > 1) blocks.push_back(one.block);
     if (volume != one.cells) {
-      tell("coarsened cells are no box", std::to_string(volume), std::to_string(one.cells),
-           "left the cells of number " + std::to_string(number) + " as they are");
+      report(Message::GridCoarsening, std::to_string(volume), std::to_string(one.cells),
+             "left the cells of number " + std::to_string(number) + " unchanged");
     }
   }
   return blocks;
@@ -203,8 +216,8 @@ void GridSet::joinParents() {
     if (grid.zParent.empty()) grid.zParent = "ROOT";
     grid.iParent = parentNumber(n);
     if (grid.iParent == 0) {
-      tellGrid(grid, "LGRPARNT", "parent grid does not exist", "the name of a grid", grid.zParent,
-               "took the global grid");
+      reportGrid(n, Message::GridParent, "LGRPARNT", "parent grid does not exist", "the name of a grid",
+                 grid.zParent, "used the global grid");
       grid.iParent = 1;
     }
   }
@@ -214,8 +227,8 @@ void GridSet::joinParents() {
       g = grids[static_cast<std::size_t>(g) - 1]->iParent;
     }
     if (steps > grids.size()) {
-      tellGrid(*grids[n], "LGRPARNT", "parents form a ring", "a way to the global grid", grids[n]->zParent,
-               "took the global grid");
+      reportGrid(n, Message::GridParent, "LGRPARNT", "parents form a ring", "a way to the global grid",
+                 grids[n]->zParent, "used the global grid");
       grids[n]->iParent = 1;
     }
     grids[n]->zParent = grids[static_cast<std::size_t>(grids[n]->iParent) - 1]->zName;
@@ -223,19 +236,22 @@ void GridSet::joinParents() {
 }
 
 void GridSet::joinHosts() {
-  for (const auto& grid : grids) {
-    if (grid->hostCells().empty()) continue;
-    std::vector<std::int32_t> hosts(grid->hostCells().begin(), grid->hostCells().end());
+  for (std::size_t n = 0; n < grids.size(); ++n) {
+    Hadrick& grid = *grids[n];
+    if (grid.hostCells().empty()) continue;
+    std::vector<std::int32_t> hosts(grid.hostCells().begin(), grid.hostCells().end());
+    if (grid.isLocal() && grid.iDualPorosity >= 1)
+      moveToFracture(hosts, grids[static_cast<std::size_t>(grid.iParent) - 1]->nCells() / 2);
     std::size_t missing = 0;
     for (auto& host : hosts) {
-      if (host == 0 || cellExists(grid->iParent, host)) continue;
+      if (host == 0 || cellExists(grid.iParent, host)) continue;
       host = 0;
       ++missing;
     }
+    grid.setHostCells(std::move(hosts));
     if (missing == 0) continue;
-    tellGrid(*grid, "HOSTNUM", "host cells do not exist", "cells of the parent grid",
-             std::to_string(missing) + " others", "left these cells without host");
-    grid->setHostCells(std::move(hosts));
+    reportGrid(n, Message::GridHosts, "HOSTNUM", "host cells do not exist", "cells of the parent grid",
+               std::to_string(missing) + " others", "left these cells without host");
   }
 }
 
@@ -250,9 +266,14 @@ void GridSet::joinConnections() {
     grids[static_cast<std::size_t>(connection.iGrid1) - 1]->addConnection(connection);
   }
   if (missing == 0 || grids.empty()) return;
-  tellGrid(*grids.front(), "NNC1", "connections to cells that do not exist",
-           std::to_string(connections_.size()) + " sound ones", std::to_string(missing) + " others",
-           "left these out");
+  session_->diagnose({.message = Message::GridConnections,
+                      .path = cursor_->path(),
+                      .keyword = "NNC1",
+                      .offset = connectionsAt_,
+                      .expected = std::to_string(connections_.size()) + " sound ones",
+                      .found = std::to_string(missing) + " others",
+                      .action = "omitted these",
+                      .certainty = Certainty::Likely});
 }
 
 bool GridSet::cellExists(std::int32_t iGrid, std::int32_t iCell) const {
@@ -260,50 +281,50 @@ bool GridSet::cellExists(std::int32_t iGrid, std::int32_t iCell) const {
   return iCell >= 1 && iCell <= grids[static_cast<std::size_t>(iGrid) - 1]->nCells();
 }
 
-void GridSet::fail(std::string_view problem, std::string_view expected, std::string_view found) const {
-  throw BadRecord(Diagnosis{
-      .path = cursor_->path(),
-      .problem = std::string(problem),
-      .keyword = cursor_->header().keyword,
-      .occurrence = cursor_->occurrence(),
-      .offset = cursor_->header().keyword.empty() ? cursor_->fileSize() : cursor_->header().headerAt,
-      .expected = std::string(expected),
-      .found = std::string(found)});
+Diagnosis GridSet::here(Message message, std::string_view expected, std::string_view found) const {
+  const RecordHeader& header = cursor_->header();
+  return {.message = message,
+          .path = cursor_->path(),
+          .keyword = header.keyword,
+          .occurrence = cursor_->occurrence(),
+          .offset = header.keyword.empty() ? cursor_->fileSize() : header.headerAt,
+          .expected = std::string(expected),
+          .found = std::string(found)};
 }
 
-void GridSet::fail(std::string_view problem, std::int64_t expected, std::int64_t found) const {
-  fail(problem, std::to_string(expected), std::to_string(found));
+void GridSet::fail(Message message, std::string_view expected, std::string_view found) const {
+  throw BadRecord(here(message, expected, found));
 }
 
-void GridSet::tell(std::string_view problem, std::string_view expected, std::string_view found,
-                   std::string_view action, Certainty certainty) const {
-  const std::string& keyword = cursor_->header().keyword;
-  session_->diagnose(Diagnosis{.path = cursor_->path(),
-                               .problem = std::string(problem),
-                               .keyword = keyword,
-                               .occurrence = cursor_->occurrence(),
-                               .offset = keyword.empty() ? cursor_->fileSize() : cursor_->header().headerAt,
-                               .expected = std::string(expected),
-                               .found = std::string(found),
-                               .action = std::string(action),
-                               .certainty = certainty});
+void GridSet::fail(Message message, std::int64_t expected, std::int64_t found) const {
+  fail(message, std::to_string(expected), std::to_string(found));
 }
 
-void GridSet::tellGrid(const Hadrick& grid, std::string_view keyword, std::string_view problem,
-                       std::string_view expected, std::string_view found, std::string_view action) const {
-  session_->diagnose(Diagnosis{.path = cursor_->path(),
-                               .problem = std::string(problem) + ", grid " + grid.zName,
+void GridSet::report(Message message, std::string_view expected, std::string_view found,
+                     std::string_view action, Certainty certainty) const {
+  Diagnosis diagnosis = here(message, expected, found);
+  diagnosis.action = action;
+  diagnosis.certainty = certainty;
+  session_->diagnose(std::move(diagnosis));
+}
+
+/// About the grid with index n, once all grids are known.
+void GridSet::reportGrid(std::size_t n, Message message, std::string_view keyword, std::string_view problem,
+                         std::string_view expected, std::string_view found, std::string_view action) const {
+  session_->diagnose(Diagnosis{.message = message,
+                               .path = cursor_->path(),
+                               .problem = std::string(problem) + ", grid " + grids[n]->zName,
                                .keyword = std::string(keyword),
+                               .offset = offsets_[n],
                                .expected = std::string(expected),
                                .found = std::string(found),
                                .action = std::string(action),
                                .certainty = Certainty::Likely});
 }
 
-void GridSet::tellNotFinite(std::size_t count) const {
+void GridSet::reportNotFinite(std::size_t count) const {
   if (count == 0) return;
-  tell("values are not finite", "numbers", std::to_string(count) + " that are none",
-       "kept them as they stand");
+  report(Message::GridNotFinite, "numbers", std::to_string(count) + " others", "kept them unchanged");
 }
 
 }  // namespace lumbarn

@@ -29,7 +29,7 @@ class GridSet {
  public:
   GridSet(RecordCursor& cursor, const GridReadOptions& options, Session& session);
 
-  /// Whole grids, in the order of the file.
+  /// Complete grids, in the order of the file.
   std::vector<std::shared_ptr<Hadrick>> grids;
 
   Hadrick& current() { return *current_; }
@@ -39,7 +39,7 @@ class GridSet {
   /// no grid can have them.
   void setSize(std::int64_t nx, std::int64_t ny, std::int64_t nz);
   bool sized() const { return current_->Nx() > 0; }
-  /// The current grid is whole.
+  /// The current grid is complete.
   void complete();
 
   /// Records that can stand in both kinds of file: MAPAXES, MAPUNITS, GRIDUNIT, LGRPARNT and those of
@@ -56,13 +56,13 @@ class GridSet {
   void join();
 
   /// Ends the read with a fact about the cursor's record.
-  [[noreturn]] void fail(std::string_view problem, std::string_view expected, std::string_view found) const;
-  [[noreturn]] void fail(std::string_view problem, std::int64_t expected, std::int64_t found) const;
-  /// Tells an irregularity that does not end the read.
-  void tell(std::string_view problem, std::string_view expected, std::string_view found,
-            std::string_view action, Certainty certainty = Certainty::Likely) const;
-  /// Tells how many values of the current record are no numbers, if any are.
-  void tellNotFinite(std::size_t count) const;
+  [[noreturn]] void fail(Message message, std::string_view expected, std::string_view found) const;
+  [[noreturn]] void fail(Message message, std::int64_t expected, std::int64_t found) const;
+  /// Reports an irregularity that does not end the read.
+  void report(Message message, std::string_view expected, std::string_view found, std::string_view action,
+              Certainty certainty = Certainty::Likely) const;
+  /// Reports how many values of the current record are not numbers, if any.
+  void reportNotFinite(std::size_t count) const;
 
   RecordCursor& cursor() { return *cursor_; }
   Session& session() { return *session_; }
@@ -80,8 +80,9 @@ class GridSet {
   void joinConnections();
   std::int32_t parentNumber(std::size_t n) const;
   bool cellExists(std::int32_t iGrid, std::int32_t iCell) const;
-  void tellGrid(const Hadrick& grid, std::string_view keyword, std::string_view problem,
-                std::string_view expected, std::string_view found, std::string_view action) const;
+  Diagnosis here(Message message, std::string_view expected, std::string_view found) const;
+  void reportGrid(std::size_t n, Message message, std::string_view keyword, std::string_view problem,
+                  std::string_view expected, std::string_view found, std::string_view action) const;
 
   RecordCursor* cursor_;
   const GridReadOptions* options_;
@@ -94,6 +95,9 @@ class GridSet {
   std::string firstKeyword_;
   std::array<std::int32_t, 2> connected_{1, 1};  // grids that the next connections join
   std::vector<GridConnection> connections_;
+  std::optional<std::uint64_t> connectionsAt_;  // byte of the first record of connections
+  std::uint64_t sizesAt_ = 0;                   // byte of the record with the sizes of the current grid
+  std::vector<std::uint64_t> offsets_;          // and of each complete one
 };
 
 }  // namespace lumbarn

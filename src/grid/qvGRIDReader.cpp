@@ -56,7 +56,7 @@ void qvGRIDReader::readFile(std::int32_t fileType, const char* routine, bool& qO
     std::string error;
     std::shared_ptr<const ByteSource> source = FileSource::open(FileName, error);
     if (source) return readRecords(std::move(source));
-    session_->diagnose(Diagnosis{.path = FileName, .problem = error});
+    session_->diagnose(Diagnosis{.message = Message::FileOpen, .path = FileName, .problem = error});
     return false;
   });
 }
@@ -74,11 +74,12 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   bool qOK = false;
   setGRIDFileTypeProps(xFile, qOK);
   RecordCursor cursor(source, xFile.form(), FileName);
+  cursor.attach(*session_, FileType == egridFile ? RecordFile::EGrid : RecordFile::Grid);
   const GridReadOptions options{HPGFolder, byteSwap, CompressOnLoad && !Formatted, NoInactive, Coarsened};
   GridSet set(cursor, options, *session_);
   GridRecords cells(set, source);
   bool whole = false;
-  // What is whole stays; tells how much that is.
+  // Keeps the complete grids; says how many there are.
   const auto keep = [&](bool damaged) {
     qDamaged = damaged;
     set.join();
@@ -88,7 +89,11 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   };
   try {
     whole = FileType == egridFile ? EGridRecords(set).read() : cells.read();
-    if (whole && set.grids.empty()) set.fail("file holds no grid", "one at least", "none");
+    if (whole && set.grids.empty()) set.fail(Message::GridMissing, "a grid", "none");
+    cursor.checkUnchanged();
+  } catch (const LoadCanceled&) {
+    keep(false);
+    return false;
   } catch (BadRecord& damage) {
     Diagnosis& diagnosis = damage.diagnosis();
     // The records of most cells pass by the cursor.
@@ -98,7 +103,8 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
     diagnosis.action = keep(true);
     throw;
   } catch (const std::exception& fault) {
-    session_->diagnose(Diagnosis{.path = FileName,
+    session_->diagnose(Diagnosis{.message = Message::SystemFault,
+                                 .path = FileName,
                                  .problem = fault.what(),
                                  .keyword = cursor.header().keyword,
                                  .offset = cursor.header().headerAt,

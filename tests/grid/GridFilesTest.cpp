@@ -165,6 +165,21 @@ TEST(EGridFiles, TwoPorositySystemsDoubleTheLayers) {
   }
 }
 
+TEST(EGridFiles, AnArrayOfAnotherTypeEndsTheRead) {
+  std::vector<std::byte> bytes;
+  RecordWriter out(memorySink(bytes), bigEndian);
+  out.integers("FILEHEAD", std::vector<std::int32_t>(100, 0));
+  out.integers("GRIDHEAD", std::array{1, 1, 1, 1});
+  out.singles("COORD", std::vector<float>(24, 1));
+  out.singles("ZCORN", std::vector<float>(8, 1));
+  out.singles("ACTNUM", std::array{0.0F});
+  out.integers("ENDGRID", {});
+  GridLoad load(true);
+  EXPECT_FALSE(load.read(bytes, bigEndian)) << "all cells would count as active";
+  EXPECT_EQ(load.lastDiagnosis().keyword, "ACTNUM");
+  EXPECT_TRUE(load.lastDiagnosis().offset);
+}
+
 TEST(EGridFiles, EachReservoirHasPillarsOfItsOwn) {
   for (const bool compress : {false, true}) {
     GridBuilder builder;
@@ -217,7 +232,7 @@ TEST(EGridFiles, ACoarsenedBlockIsOneCellWithItsOuterCorners) {
   }
   const auto rows = activeRows(grid);
   EXPECT_TRUE(std::ranges::equal(row, std::span(rows).subspan(24, 24)));
-  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("no box"));
+  EXPECT_THAT(load.lastDiagnosis().text(), HasSubstr("not a box"));
 
   load.reader.Coarsened = false;
   ASSERT_TRUE(load.read(builder.egrid(bigEndian), bigEndian));
@@ -233,7 +248,7 @@ TEST(EGridFiles, TheNextGridEndsOneThatHasNoEnd) {
   ASSERT_EQ(load.reader.nGrids, 2);
   EXPECT_EQ(load.grid(1).zName, "LOCAL");
   expectCorners(load.grid(1), builder, builder.grids[1]);
-  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("end of the grid is not told"));
+  EXPECT_THAT(load.lastDiagnosis().text(), HasSubstr("grid has no ENDGRID"));
 }
 
 TEST(EGridFiles, MapAxesTurnScaleAndMove) {
@@ -276,24 +291,24 @@ INSTANTIATE_TEST_SUITE_P(
                   addLocal(b, "L", "");
                   b.headSize = {65536, 65536, 65536};
                 },
-                false, 1, "more cells than can be numbered"},
+                false, 1, "at most 2147483647 cells"},
         BadCase{"SizesTooLarge",
                 [](auto& b) {
                   addLocal(b, "L", "");
                   b.headSize = {1000, 1000, 1000};
                 },
-                false, 1, "does not go with the sizes"},
+                false, 1, "does not match the sizes"},
         BadCase{"NoCells",
                 [](auto& b) {
                   addLocal(b, "L", "");
                   b.headSize = {0, 2, 2};
                 },
-                false, 1, "grid has no cells"},
+                false, 1, "sizes of 1 or more"},
         BadCase{"ActivityTooShort",
                 [](auto& b) {
                   b.grids[0].activity = {1, 1};
                 },
-                false, 0, "does not go with the sizes"},
+                false, 0, "does not match the sizes"},
         BadCase{"Ring",
                 [](auto& b) {
                   addLocal(b, "A", "B");
@@ -319,7 +334,7 @@ INSTANTIATE_TEST_SUITE_P(
                   b.grids[0].nnc1 = {1, 3};
                   b.grids[0].nnc2 = {2};
                 },
-                true, 1, "one end only"},
+                true, 1, "used those with both ends"},
         BadCase{"NotFinite", [](auto& b) { b.lean = nan; }, true, 1, "not finite"},
         BadCase{"ReservoirsUntold",
                 [](auto& b) {
@@ -334,7 +349,7 @@ TEST_P(BadGrids, AreToldAndDoNoHarm) {
   GridLoad load(true);
   EXPECT_EQ(load.read(builder.egrid(bigEndian), bigEndian), GetParam().reads);
   EXPECT_EQ(load.reader.nGrids, GetParam().grids);
-  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr(GetParam().problem));
+  EXPECT_THAT(load.lastDiagnosis().text(), HasSubstr(GetParam().problem));
   for (const auto& grid : load.reader.xGrids) {
     activeRows(*grid);
     std::int32_t steps = 0;
@@ -376,6 +391,48 @@ TEST(OldGridFiles, CellsInAnyOrderAndShortRecordsAreRead) {
   }
 }
 
+/// Some writers omit the records of inactive cells.
+TEST(OldGridFiles, CellsWithoutARecordAreInactive) {
+  struct Case {
+    std::array<std::int32_t, 3> size;
+    std::vector<std::int32_t> cells;
+    bool inactiveToo;  // the first cell has records that say it is inactive
+    const char* message;
+  };
+  const Case cases[] = {{{2, 3, 1}, {1, 2, 4, 6}, false, "grid.cells.omitted"},
+                        {{2, 3, 1}, {3, 4}, false, "grid.cells.omitted"},
+                        {{2, 3, 1}, {1, 2, 4, 6}, true, "grid.cells.omitted"},
+                        {{2, 3, 1}, {1, 2, 3, 4}, true, "grid.cells.missing"},  // truncated
+                        {{100, 100, 10}, {7, 5000, 99999}, false, "grid.cells.omitted"}};
+  for (const auto& [size, cells, inactiveToo, message] : cases) {
+    for (const bool compress : {false, true}) {
+      std::vector<std::byte> bytes;
+      RecordWriter out(memorySink(bytes), bigEndian);
+      out.integers("DIMENS", size);
+      std::vector<std::int32_t> active;
+      for (const std::int32_t cell : cells) {
+        const std::int32_t at = cell - 1;
+        const bool isActive = !(inactiveToo && cell == 1);
+        out.integers("COORDS", std::array{at % size[0] + 1, at / size[0] % size[1] + 1,
+                                          at / size[0] / size[1] + 1, cell, isActive ? 1 : 0});
+        out.singles("CORNERS", std::vector<float>(24, static_cast<float>(cell)));
+        if (isActive) active.push_back(cell);
+      }
+      GridLoad load(false, compress);
+      ASSERT_TRUE(load.read(bytes, bigEndian)) << load.lastDiagnosis().text();
+      EXPECT_EQ(load.lastDiagnosis().id(), message);
+      const Hadrick& grid = load.grid();
+      ASSERT_EQ(grid.nActive(), static_cast<std::int32_t>(active.size()));
+      const auto rows = activeRows(grid);
+      for (std::size_t n = 0; n < active.size(); ++n) {
+        EXPECT_EQ(grid.cellOf(static_cast<std::int32_t>(n) + 1), active[n]);
+        EXPECT_EQ(rows[24 * n], static_cast<float>(active[n]));
+      }
+      EXPECT_EQ(cornersOf(grid, 5)[0], 0);
+    }
+  }
+}
+
 TEST(OldGridFiles, AGridWithoutActiveCellsEndsTheRead) {
   GridBuilder builder;
   builder.grids[0].activity.assign(12, 0);
@@ -383,7 +440,7 @@ TEST(OldGridFiles, AGridWithoutActiveCellsEndsTheRead) {
   GridLoad load(false);
   EXPECT_TRUE(load.read(builder.grid(bigEndian), bigEndian));
   EXPECT_EQ(load.reader.nGrids, 1);
-  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("no active cell"));
+  EXPECT_THAT(load.lastDiagnosis().text(), HasSubstr("no active cell"));
   load.reader.NoInactive = true;
   EXPECT_TRUE(load.read(builder.grid(bigEndian), bigEndian));
   EXPECT_EQ(load.grid().nActive(), 12);

@@ -39,9 +39,7 @@ struct HostGrid {
     reader.GetGRIDData(n, found, qOK);
     return found;
   }
-  std::string problem() const {
-    return session.diagnoses().empty() ? "" : session.diagnoses().back().problem;
-  }
+  std::string problem() const { return session.diagnoses().empty() ? "" : session.diagnoses().back().text(); }
 };
 
 const std::string examples = examplePath("/data/");

@@ -1,0 +1,83 @@
+#include "RadialGrid.h"
+
+#include <array>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include "Refinement.h"
+
+namespace lumbarn {
+
+namespace {
+
+constexpr double circle = 360;
+constexpr double sameAngle = 1e-3;  // angles are sums of singles
+
+/// Of an axis: the first and last host cell.
+struct Hosts {
+  std::int32_t first = std::numeric_limits<std::int32_t>::max();
+  std::int32_t last = 0;
+
+  void add(std::int32_t place) {
+    first = std::min(first, place);
+    last = std::max(last, place);
+  }
+  std::int32_t middle() const { return first + (last - first) / 2; }
+  /// Whether a corner at the low (0) or high side of the middle cell belongs to the middle of all.
+  bool counts(std::size_t side) const { return (last - first) % 2 == 0 || side == 1; }
+};
+
+/// The mean of the corners at the middle of the hosts, over all layers.
+class Middle {
+ public:
+  explicit Middle(const Hadrick& parent) : parent_(parent) {}
+
+  void add(std::int32_t iCell, const Hosts& hostsI, const Hosts& hostsJ) {
+    const auto place = parent_.placeOf(iCell);
+    std::array<float, Hadrick::rowItems> row{};
+    if (place[0] != hostsI.middle() || place[1] != hostsJ.middle() || !parent_.corners(iCell, row)) return;
+    for (std::size_t n = 0; n < 8; ++n) {
+      if (!hostsI.counts(n & 1) || !hostsJ.counts(n >> 1 & 1)) continue;
+      sum_.x += row[3 * n];
+      sum_.y += row[3 * n + 1];
+      ++count_;
+    }
+  }
+  RadialCenter center() const {
+    if (count_ == 0 || !std::isfinite(sum_.x + sum_.y)) return {};
+    return {sum_.x / count_, sum_.y / count_};
+  }
+
+ private:
+  const Hadrick& parent_;
+  RadialCenter sum_;
+  double count_ = 0;
+};
+
+}  // namespace
+
+RadialCenter radialCenter(std::span<const std::shared_ptr<Hadrick>> grids, const Hadrick& grid) {
+  if (grid.iParent < 1 || static_cast<std::size_t>(grid.iParent) > grids.size()) return {};
+  const Hadrick& parent = *grids[static_cast<std::size_t>(grid.iParent) - 1];
+  if (isRadial(parent)) return {};
+  const auto hosts = hostsOf(parent, grid);
+  Hosts hostsI, hostsJ;
+  for (const std::int32_t iCell : hosts) {
+    const auto place = parent.placeOf(iCell);
+    hostsI.add(place[0]);
+    hostsJ.add(place[1]);
+  }
+  Middle middle(parent);
+  for (const std::int32_t iCell : hosts) middle.add(iCell, hostsI, hostsJ);
+  return middle.center();
+}
+
+Point cylinderPoint(const RadialCenter& center, double r, double theta, double z, double firstAngle) {
+  double turned = std::remainder(theta - firstAngle, circle);
+  if (std::abs(turned) < sameAngle) turned = 0;
+  const double angle = (firstAngle + turned) * std::numbers::pi / (circle / 2);
+  return {center.x + r * std::cos(angle), center.y + r * std::sin(angle), z};
+}
+
+}  // namespace lumbarn
