@@ -11,15 +11,20 @@ install(
   INCLUDES
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 if(TARGET lumbarn_vtk)
+  # Targets of their own file: without HDF5 on the host's machine the rest of the package is still of use.
   install(
     TARGETS lumbarn_vtk
-    EXPORT lumbarnTargets
+    EXPORT lumbarnVtkTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES ${PROJECT_SOURCE_DIR}/export/VtkExport.h
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn/export)
   install(FILES ${PROJECT_SOURCE_DIR}/cmake/Hdf5.cmake DESTINATION ${lumbarn_package_dir})
+  install(
+    EXPORT lumbarnVtkTargets
+    NAMESPACE lumbarn::
+    DESTINATION ${lumbarn_package_dir})
   if(BUILD_SHARED_LIBS)
     set_target_properties(lumbarn_vtk PROPERTIES INSTALL_RPATH "\$ORIGIN")
   endif()
