@@ -1,16 +1,19 @@
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 
 #include <fmt/format.h>
 
 #include "Commands.h"
-#include "GridArrays.h"
 #include "Output.h"
 #include "PathArgument.h"
+#include "RunArrays.h"
 #include "RunIndex.h"
 #include "Suggestion.h"
 #include "grid/CellGeometryOfGrid.h"
+#include "grid/RadialGrid.h"
+#include "grid/Refinement.h"
 #include "grid/qvGRIDReader.h"
 #include "support/Text.h"
 
@@ -51,13 +54,12 @@ Grids readGrids(const RunFamily& run, Console& console) {
   return reader.xGrids;
 }
 
-/// The grid of a name, or the global one. Throws Failure.
-const Hadrick& choose(const Grids& grids, const std::string& name) {
-  if (name.empty()) return *grids.front();
+/// The number, from 1, of the grid of a name. Throws Failure.
+std::int32_t choose(const Grids& grids, const std::string& name) {
   std::vector<std::string> names;
   for (const auto& grid : grids) {
-    if (equalNoCase(grid->zName, name)) return *grid;
     names.push_back(grid->zName);
+    if (equalNoCase(grid->zName, name)) return static_cast<std::int32_t>(names.size());
   }
   const std::string better = closest(name, names);
   throw Failure(Usage, fmt::format("no grid \"{}\"; {}", name,
@@ -74,25 +76,28 @@ std::string axesText(const Hadrick& grid) {
 
 void listGrids(const Grids& grids, const GridOptions& options, std::ostream& out) {
   std::vector<Column> columns{
-      {"name"},           {"parent"},         {"type"},           {"nx", true},
-      {"ny", true},       {"nz", true},       {"active", true},   {"connections", true},
-      {"units"},          {"x_min", true, 9}, {"x_max", true, 9}, {"y_min", true, 9},
-      {"y_max", true, 9}, {"z_min", true, 9}, {"z_max", true, 9}, {"map_axes"}};
+      {"name"},           {"parent"},         {"type"},           {"nx", true},          {"ny", true},
+      {"nz", true},       {"active", true},   {"refined", true},  {"connections", true}, {"units"},
+      {"x_min", true, 9}, {"x_max", true, 9}, {"y_min", true, 9}, {"y_max", true, 9},    {"z_min", true, 9},
+      {"z_max", true, 9}, {"map_axes"}};
   for (const auto& grid : grids) {
     columns[0].width = std::max(columns[0].width, displayWidth(grid->zName));
     columns[1].width = std::max(columns[1].width, displayWidth(grid->zParent));
     columns[2].width = std::string_view("corner points").size();
-    columns[8].width = std::max(columns[8].width, displayWidth(grid->zGridUnit));
-    columns[15].width = std::max(columns[15].width, axesText(*grid).size());
+    columns[9].width = std::max(columns[9].width, displayWidth(grid->zGridUnit));
+    columns[16].width = std::max(columns[16].width, axesText(*grid).size());
   }
   const auto table = TableWriter::make(options.output.format, columns, out);
+  std::int32_t iGrid = 0;
   for (const auto& grid : grids) {
+    ++iGrid;
     if (!options.grid.empty() && !equalNoCase(options.grid, grid->zName)) continue;
     table->text(grid->zName);
     table->text(grid->zParent);
     table->text(grid->iGridType == 3 ? "radial" : "corner points");
     for (const std::int32_t number : {grid->Nx(), grid->Ny(), grid->Nz(), grid->nActive()})
       table->number(number);
+    table->number(countRefined(*grid, refinedCells(grids, iGrid)));
     table->number(grid->connections().size());
     table->text(grid->zGridUnit);
     const Box box = gridExtent(*grid);
@@ -105,8 +110,11 @@ void listGrids(const Grids& grids, const GridOptions& options, std::ostream& out
 
 void listCorners(const Hadrick& grid, Format format, Console& console, std::ostream& out) {
   std::vector<Column> columns{{"i", true, 4}, {"j", true, 4}, {"k", true, 4}};
+  constexpr std::array boxes{"x", "y", "z"};
+  constexpr std::array cylinders{"r", "theta", "z"};
   for (int corner = 1; corner <= 8; ++corner) {
-    for (const char axis : {'x', 'y', 'z'}) columns.push_back({fmt::format("{}{}", axis, corner), true, 9});
+    for (const char* axis : isRadial(grid) ? cylinders : boxes)
+      columns.push_back({fmt::format("{}{}", axis, corner), true, 9});
   }
   const auto table = TableWriter::make(format, columns, out);
   forEachCell(grid, CellChoice::Active, [&](std::int32_t iCell, CellCorners corners) {
@@ -121,25 +129,28 @@ void listCorners(const Hadrick& grid, Format format, Console& console, std::ostr
   console.progress().hide();
 }
 
-void exportGrid(const Hadrick& grid, const RunFamily& run, const GridOptions& options, Console& console) {
+/// Exports all grids, or the one with number iGrid.
+void exportGrids(const Grids& grids, std::int32_t iGrid, const RunFamily& run, const GridOptions& options,
+                 Console& console) {
 #ifdef LUMBARN_WITH_HDF5
   const auto inputs = pathsOf(run);
   refuseInputs(options.vtk, inputs);
   std::vector<CellArray> arrays;
-  VtkOptions how{.zUp = options.zUp};
-  std::optional<GridArrays> source;
+  VtkOptions how{.zUp = options.zUp, .iGrid = iGrid};
+  std::optional<RunArrays> source;
   if (!options.arrays.empty()) {
-    source.emplace(run, grid, options.step, console);
+    const Grids chosen = iGrid == 0 ? grids : Grids{grids[static_cast<std::size_t>(iGrid) - 1]};
+    source.emplace(run, chosen, options.step, console);
     for (const std::string& name : options.arrays) arrays.push_back(source->array(upper(name)));
     if (std::ranges::any_of(arrays, &CellArray::changes)) how.times = source->times();
   }
   bool qOK = false;
-  exportVtk(grid, arrays, how, options.vtk, console.session(), qOK);
+  exportVtk(grids, arrays, how, options.vtk, console.session(), qOK);
   console.progress().hide();
   console.checkCancelled();
   if (!qOK) console.giveUp(options.vtk, "was not written");
 #else
-  (void)grid, (void)run, (void)console;
+  (void)grids, (void)iGrid, (void)run, (void)console;
   throw Failure(Usage, options.vtk + ": not written: this command was built without HDF5");
 #endif
 }
@@ -151,14 +162,15 @@ ExitStatus showGrid(const GridOptions& options, Console& console) {
     throw Failure(Usage, "--array, --step and --z-up go with --vtk");
   const RunFamily run = findRun(options.path);
   const Grids grids = readGrids(run, console);
-  const Hadrick& grid = choose(grids, options.grid);
+  const std::int32_t iGrid = options.grid.empty() ? 0 : choose(grids, options.grid);
   if (!options.vtk.empty()) {
-    exportGrid(grid, run, options, console);
+    exportGrids(grids, iGrid, run, options, console);
     return console.doneStatus();
   }
   Output output(options.output, console.out(), pathsOf(run));
   if (options.corners) {
-    listCorners(grid, options.output.format, console, output.stream());
+    listCorners(*grids[static_cast<std::size_t>(std::max(iGrid, 1)) - 1], options.output.format, console,
+                output.stream());
   } else {
     listGrids(grids, options, output.stream());
   }
@@ -172,9 +184,11 @@ void addGrid(CommandLine& line) {
   Subcommand command(line, "grid", "List the grids of a run, their corners, or export them");
   GridOptions& options = command.performs(showGrid);
   command.path(options.path);
-  command.value("--grid", options.grid, "NAME", "A local grid, in place of the global one (ROOT)");
+  command.value("--grid", options.grid, "NAME",
+                "One grid: with --vtk in place of all, otherwise in place of ROOT");
   command.flag("--corners", options.corners, "Show the eight corners of each active cell");
-  command.value("--vtk", options.vtk, "FILE", "Write the active cells to a VTKHDF file, for ParaView");
+  command.value("--vtk", options.vtk, "FILE",
+                "Write the active cells of all grids to a VTKHDF file, for ParaView");
   command.list("--array", options.arrays, "NAME",
                "Export an array of the INIT or the restart file too, as PORO or PRESSURE");
   command.value("--step", options.step, "N", "Export restart arrays as they are at one report step");

@@ -8,7 +8,7 @@
 namespace lumbarn::hdf {
 namespace {
 
-/// What HDF5 says was the first cause of its last failure.
+/// HDF5's own description of the first cause of its last failure.
 std::string cause() {
   std::string text;
   const auto keepFirst = [](unsigned place, const H5E_error2_t* error, void* kept) -> herr_t {
@@ -17,11 +17,6 @@ std::string cause() {
   };
   H5Ewalk2(H5E_DEFAULT, H5E_WALK_UPWARD, keepFirst, &text);
   return text;
-}
-
-void check(herr_t result, std::string_view what) {
-  if (result >= 0) return;
-  throw BadRecord({.problem = "cannot be written", .expected = std::string(what), .found = cause()});
 }
 
 /// Rows of a growing table that are kept together in the file.
@@ -33,7 +28,7 @@ Handle space(int dimensions, const Sizes& sizes, const Sizes& limits) {
   return {H5Screate_simple(dimensions, sizes.data(), limits.data()), H5Sclose, "size of a dataset"};
 }
 
-/// How the numbers of a new dataset lie in the file. No number is written that is not given.
+/// The layout of a new dataset in the file. HDF5 is not to fill what has not been written yet.
 Handle layout(int dimensions, bool grows, hsize_t components) {
   Handle properties(H5Pcreate(H5P_DATASET_CREATE), H5Pclose, "layout of a dataset");
   check(H5Pset_fill_time(properties.id(), H5D_FILL_TIME_NEVER), "layout of a dataset");
@@ -60,6 +55,14 @@ void setAttribute(const Handle& object, const char* name, hid_t type, const Hand
 }
 
 }  // namespace
+
+void check(herr_t result, std::string_view what) {
+  if (result >= 0) return;
+  throw BadRecord({.message = Message::ExportHdf,
+                   .keyword = std::string(what),
+                   .found = cause(),
+                   .action = "wrote nothing"});
+}
 
 Handle::Handle(hid_t id, Close closer, std::string_view what) : id_(id), close_(closer) {
   check(id < 0 ? -1 : 0, what);
@@ -104,10 +107,6 @@ hid_t typeOf<std::int64_t>() {
 template <>
 hid_t typeOf<std::uint8_t>() {
   return H5T_NATIVE_UINT8;
-}
-
-Handle createFile(const std::string& path) {
-  return {H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT), H5Fclose, path};
 }
 
 Handle createGroup(const Handle& parent, const std::string& name) {
@@ -159,5 +158,7 @@ void Table::append(hid_t type, const void* numbers, std::size_t count) {
   check(H5Dwrite(dataset_.id(), type, memory.id(), file.id(), H5P_DEFAULT, numbers), name_);
   written_ += static_cast<std::int64_t>(sizes[0]);
 }
+
+void Table::close() { dataset_.close(name_); }
 
 }  // namespace lumbarn::hdf

@@ -10,16 +10,20 @@
 
 namespace lumbarn::hdf {
 
-/// What an HDF5 file needs to be written piece by piece. Whatever HDF5 refuses ends in BadRecord, with the
-/// object that was to be written as expected, and HDF5's own words as found.
+/// Writing an HDF5 file piece by piece. Whatever HDF5 refuses ends in BadRecord, with the object's name as
+/// keyword and HDF5's own description as found.
 
-/// An open HDF5 object. Move-only; closes itself.
+/// Throws when an HDF5 call returned a failure.
+void check(herr_t result, std::string_view what);
+
+/// An open HDF5 object. Move-only; closes itself, which loses a failure to write what HDF5 still kept, so
+/// objects that hold data are closed by `close`.
 class Handle {
  public:
   using Close = herr_t (*)(hid_t);
 
   Handle() = default;
-  /// Takes what an HDF5 call returned; throws when that was a failure.
+  /// Takes the result of an HDF5 call; throws when it is a failure.
   Handle(hid_t id, Close closer, std::string_view what);
   Handle(Handle&& other) noexcept : id_(std::exchange(other.id_, H5I_INVALID_HID)), close_(other.close_) {}
   Handle& operator=(Handle&& other) noexcept;
@@ -27,7 +31,7 @@ class Handle {
 
   hid_t id() const { return id_; }
   void reset();
-  /// Closes, and throws when HDF5 could not write what it still kept.
+  /// Closes, and throws when HDF5 fails to.
   void close(std::string_view what);
 
  private:
@@ -52,7 +56,6 @@ class Quiet {
 template <class Number>
 hid_t typeOf();
 
-Handle createFile(const std::string& path);
 Handle createGroup(const Handle& parent, const std::string& name);
 
 void setText(const Handle& object, const char* name, std::string_view text);
@@ -76,6 +79,8 @@ class Table {
     append(typeOf<Number>(), numbers.data(), numbers.size());
   }
   std::int64_t rows() const { return written_; }
+  /// Closes the dataset, after its last row; throws when HDF5 fails to write what it still kept.
+  void close();
 
  private:
   void append(hid_t type, const void* numbers, std::size_t count);
@@ -88,12 +93,13 @@ class Table {
   std::int64_t written_ = 0;
 };
 
-/// A whole dataset at once.
+/// A complete dataset at once.
 template <class Number>
 void write(const Handle& parent, const std::string& name, const std::vector<Number>& numbers,
            bool twoDimensional = false) {
-  Table(parent, name, typeOf<Number>(), static_cast<std::int64_t>(numbers.size()), 1, twoDimensional)
-      .append(std::span<const Number>(numbers));
+  Table table(parent, name, typeOf<Number>(), static_cast<std::int64_t>(numbers.size()), 1, twoDimensional);
+  table.append(std::span<const Number>(numbers));
+  table.close();
 }
 
 }  // namespace lumbarn::hdf

@@ -20,6 +20,22 @@ TEST(Grid, CornersAreThoseOfTheFile) {
             command({"grid", "--corners", "--format", "csv", sample("ARBORF")}).out);
 }
 
+TEST(Grid, RadialGridsHaveAnglesAndRefinedCellsAreCounted) {
+  const test::TemporaryFolder folder;
+  test::GridBuilder run;
+  run.grids[0].activity = {0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+  run.grids.push_back({.size = {2, 2, 1}, .name = "WELL", .hosts = {1, 2, 2, 5}, .angles = 2});
+  test::writeFile(folder.file("RUN.EGRID"), run.egrid(Form{}));
+  const auto grids = parseCsv(command({"grid", "--format", "csv", folder.file("")}).out);
+  ASSERT_EQ(grids.size(), 3);
+  EXPECT_EQ(grids[0][7], "refined");
+  EXPECT_EQ(grids[1][7], "2") << "of three refined cells one is inactive";
+  const auto rows =
+      parseCsv(command({"grid", "--grid", "WELL", "--corners", "--format", "csv", folder.file("")}).out);
+  EXPECT_THAT(std::vector(rows[0].begin() + 3, rows[0].begin() + 7),
+              ::testing::ElementsAre("r1", "theta1", "z1", "r2"));
+}
+
 struct Refused {
   std::vector<std::string> args;
   const char* message;

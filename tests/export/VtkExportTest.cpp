@@ -8,7 +8,11 @@
 #include "Hdf.h"
 #include "PointMerger.h"
 #include "VtkExport.h"
+#include "VtkWriter.h"
+#include "grid/CellGeometry.h"
 #include "grid/GridBlocks.h"
+#include "grid/GridLoad.h"
+#include "support/GridBuilder.h"
 #include "support/TemporaryFolder.h"
 
 namespace lumbarn::testing {
@@ -102,7 +106,7 @@ TEST(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
   Session session;
   CellArray broken = numbered("BROKEN", false);
   broken.read = CellReader<float>([](std::size_t, std::size_t, std::span<float>) {
-    throw BadRecord({.path = "RUN.INIT", .problem = "damage"});
+    throw BadRecord({.message = Message::RecordDamaged, .path = "RUN.INIT"});
   });
   CellArray cancelling = numbered("SLOW", false);
   cancelling.read =
@@ -129,6 +133,157 @@ TEST(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
     EXPECT_FALSE(qOK);
     ASSERT_FALSE(session.diagnoses().empty());
     EXPECT_THAT(session.diagnoses().back().text(), HasSubstr(impossible + ": cannot be written"));
+  }
+}
+
+/// Bytes in memory. The n-th call fails, from 0, and so do all that follow, as on a full disk.
+class FailingStorage : public hdf::Storage {
+ public:
+  explicit FailingStorage(std::size_t failsAt) : failsAt_(failsAt) {}
+  bool writeAt(std::uint64_t position, std::span<const std::byte> from) noexcept override {
+    if (calls++ >= failsAt_) return false;
+    if (bytes.size() < position + from.size()) bytes.resize(position + from.size());
+    std::ranges::copy(from, bytes.begin() + static_cast<std::ptrdiff_t>(position));
+    return true;
+  }
+  bool readAt(std::uint64_t position, std::span<std::byte> out) noexcept override {
+    std::ranges::fill(out, std::byte{0});
+    if (position < bytes.size())
+      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(position),
+                  std::min(out.size(), bytes.size() - position), out.begin());
+    return true;
+  }
+  std::string error() const override { return "disk full"; }
+
+  std::vector<std::byte> bytes;
+  std::size_t calls = 0;
+
+ private:
+  std::size_t failsAt_;
+};
+
+TEST(VtkExport, EachWriteThatFailsIsReportedAndLeavesHdf5Closed) {
+  // Some writes come in the middle, others when datasets and the file are closed.
+  const auto grid = std::make_shared<Hadrick>(distortedBlock({24, 24, 3}, 0.1F, 0));
+  const CellArray arrays[] = {numbered("A", true), numbered("B", false)};
+  Session session;
+  const auto write = [&](FailingStorage& storage) {
+    writeVtk(std::span(&grid, 1), arrays, {.times = {0, 1}}, storage, session);
+  };
+  FailingStorage complete(SIZE_MAX);
+  write(complete);
+  ASSERT_GT(complete.calls, 20);
+  for (std::size_t n = 0; n < complete.calls; ++n) {
+    FailingStorage storage(n);
+    try {
+      write(storage);
+      ADD_FAILURE() << "write " << n << " failed without an exception";
+    } catch (const BadRecord& failure) {
+      EXPECT_THAT(failure.diagnosis().text(), HasSubstr("cannot be written: disk full")) << n;
+      EXPECT_TRUE(failure.diagnosis().offset) << n;
+    }
+    ASSERT_EQ(H5Fget_obj_count(H5F_OBJ_ALL, H5F_OBJ_ALL), 0) << n;
+  }
+}
+
+TEST(VtkExport, AllGridsAreInOneFileAndRefinedCellsAreMarked) {
+  test::GridBuilder builder;
+  builder.grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+  builder.grids.push_back({.size = {2, 2, 1}, .name = "INNER", .hosts = {1, 1, 2, 5}});
+  test::GridLoad load(true);
+  ASSERT_TRUE(load.read(builder.egrid(test::bigEndian), test::bigEndian)) << load.lastDiagnosis().text();
+  const test::TemporaryFolder folder;
+  const std::string path = folder.file("all.vtkhdf");
+  const CellArray arrays[] = {numbered("A", false)};
+  bool qOK = false;
+  exportVtk(load.reader.xGrids, arrays, {}, path, load.session, qOK);
+  ASSERT_TRUE(qOK) << load.lastDiagnosis().text();
+  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/GRID"),
+              ElementsAre(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2));
+  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/CELL"),
+              ElementsAre(1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 1, 2, 3, 4));
+  EXPECT_THAT(read<std::uint8_t>(path, "VTKHDF/CellData/vtkGhostType"),
+              ElementsAre(40, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_EQ(read<double>(path, "VTKHDF/CellData/A").back(), 14) << "cells count over all grids";
+  // Points of the two grids are apart.
+  const auto connectivity = read<std::int64_t>(path, "VTKHDF/Connectivity");
+  EXPECT_LT(*std::max_element(connectivity.begin(), connectivity.begin() + 8 * 11),
+            *std::min_element(connectivity.begin() + 8 * 11, connectivity.end()));
+
+  exportVtk(load.reader.xGrids, arrays, {.iGrid = 1}, path, load.session, qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/GRID"), ::testing::Each(1));
+  const hdf::Handle file(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), H5Fclose, path);
+  EXPECT_EQ(H5Lexists(file.id(), "VTKHDF/CellData/vtkGhostType", H5P_DEFAULT), 0) << "nothing overlaps";
+}
+
+TEST(VtkExport, BothPorositySystemsAreDistinguished) {
+  test::GridBuilder builder;
+  builder.dualPorosity = 1;
+  builder.grids[0].size = {2, 1, 2};
+  builder.grids[0].activity = {1, 3};
+  test::GridLoad load(true);
+  ASSERT_TRUE(load.read(builder.egrid(test::bigEndian), test::bigEndian)) << load.lastDiagnosis().text();
+  const test::TemporaryFolder folder;
+  const std::string path = folder.file("dual.vtkhdf");
+  bool qOK = false;
+  exportVtk(load.reader.xGrids, {}, {}, path, load.session, qOK);
+  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/SYSTEM"), ElementsAre(1, 1, 2));
+}
+
+/// A radial grid of two radii and `angles` sectors of a full circle inside cell 5 of 3 x 3.
+std::vector<std::shared_ptr<Hadrick>> radialRun(std::int32_t angles) {
+  auto parent = std::make_shared<Hadrick>(distortedBlock({3, 3, 1}, 0, 0));
+  auto radial = std::make_shared<Hadrick>();
+  radial->zParent = "ROOT";
+  radial->iParent = 1;
+  radial->iGridType = 3;
+  radial->setSize(2, angles, 1);
+  std::vector<float> coord;
+  for (std::int32_t j = 0; j <= angles; ++j) {
+    for (const float r : {1.0F, 10.0F, 40.0F}) {
+      const float theta = 360.0F / static_cast<float>(angles) * static_cast<float>(j);
+      coord.insert(coord.end(), {r, theta, 1000, r, theta, 1010});
+    }
+  }
+  radial->setPillars(std::move(coord));
+  const auto cells = static_cast<std::size_t>(radial->nCells());
+  XYData depths(8, cells, Session::process());
+  std::ranges::fill(depths.values().first(4 * cells), 1000.0F);
+  std::ranges::fill(depths.values().last(4 * cells), 1010.0F);
+  radial->setDepths(std::move(depths), false);
+  radial->setHostCells(std::vector<std::int32_t>(cells, 5));
+  return {parent, radial};
+}
+
+TEST(VtkExport, RadialGridsAreClosedCylindersInTheMiddleOfTheirHost) {
+  const test::TemporaryFolder folder;
+  const std::string path = folder.file("radial.vtkhdf");
+  Session session;
+  for (const std::int32_t angles : {1, 4, 7, 36}) {
+    const auto grids = radialRun(angles);
+    const CellArray arrays[] = {numbered("A", false)};
+    bool qOK = false;
+    exportVtk(grids, arrays, {.iGrid = 2}, path, session, qOK);
+    ASSERT_TRUE(qOK) << angles;
+    const int parts = angles >= 24 ? 1 : angles == 1 ? 24 : angles == 4 ? 6 : 4;
+    const auto around = static_cast<std::size_t>(angles * parts);
+    const auto points = read<float>(path, "VTKHDF/Points");
+    EXPECT_EQ(points.size(), 3 * 3 * around * 2) << "the last sector shares its points with the first";
+    std::array<float, 24> host;
+    grids[0]->corners(5, host);
+    const Point center = cellCentre(host);
+    for (std::size_t p = 0; p < points.size(); p += 3) {
+      const double r = std::hypot(points[p] - center.x, points[p + 1] - center.y);
+      EXPECT_LT(std::min({std::abs(r - 1), std::abs(r - 10), std::abs(r - 40)}), 1e-3);
+    }
+    const auto numbers = read<std::int32_t>(path, "VTKHDF/CellData/CELL");
+    const auto values = read<double>(path, "VTKHDF/CellData/A");
+    ASSERT_EQ(numbers.size(), 2 * around);
+    for (std::size_t n = 0; n < numbers.size(); ++n) {
+      EXPECT_EQ(numbers[n], static_cast<std::int32_t>(n / static_cast<std::size_t>(parts)) + 1);
+      EXPECT_EQ(values[n], numbers[n] - 1);
+    }
   }
 }
 

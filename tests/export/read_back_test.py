@@ -82,6 +82,7 @@ class ReadBack(unittest.TestCase):
         self.check_cells(grid, arrays, cells, RIGHT)
         self.assertLess(grid.GetNumberOfPoints(), 2 * len(cells))
         self.assertEqual(len({grid.GetPoint(n) for n in range(grid.GetNumberOfPoints())}), grid.GetNumberOfPoints())
+        self.assertEqual(set(arrays["GRID"]), {1})
         self.assertEqual(arrays["CELL"], [i + 16 * (j - 1 + 12 * (k - 1)) for (i, j, k), _ in cells])
         self.assertAlmostEqual(sum(arrays["PERMX"]), 116220, places=0)
         # PORV is there for all cells; active ones have volume times porosity, as the simulator worked it out
