@@ -53,6 +53,14 @@ class TextScanner {
       refill(token);
     }
   }
+  /// Whether there are only blanks up to a position; else moves to what is there.
+  bool blankTo(std::uint64_t end) {
+    while (position() < end && (at_ < text_.size() || refill(1))) {
+      if (!isBlank(text_[at_])) return false;
+      ++at_;
+    }
+    return true;
+  }
   /// Moves behind the end of the current line if only blanks are left on it.
   void skipLineEnd() {
     while (at_ < text_.size() || refill(1)) {
@@ -379,7 +387,7 @@ void FormattedCodec::decode(Window& window, const RecordHeader& header, const Da
   TextScanner scanner(window, start, (skip + count) * fieldWidth);
   scanElements(scanner, header, places, skip, count, out);
   if (first + static_cast<std::int64_t>(count) < header.count) return;
-  if (scanner.skipBlanks(1) && scanner.position() < layout.end) {
+  if (!scanner.blankTo(layout.end)) {
     throwBadRecord("more data than the header announces", scanner.position(),
                    fmt::format("{} elements", header.count), shown(scanner.rest()));
   }

@@ -2,6 +2,7 @@
 
 #include "record/KeywordTypes.h"
 #include "support/Forms.h"
+#include "support/Session.h"
 
 namespace lumbarn {
 namespace {
@@ -39,7 +40,7 @@ TEST(KeywordTypes, SayWhatIsUnexpected) {
     header.headerAt = 24;
     const auto report = unexpected(test.file, header);
     EXPECT_EQ(report ? report->message : Message::None, test.message) << test.keyword << ' ' << test.type;
-    if (report) EXPECT_EQ(report->offset, 24U);
+    EXPECT_EQ(report ? report->offset : 24U, 24U);
   }
 }
 
