@@ -74,6 +74,7 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   bool qOK = false;
   setGRIDFileTypeProps(xFile, qOK);
   RecordCursor cursor(source, xFile.form(), FileName);
+  cursor.attach(*session_, FileType == egridFile ? RecordFile::EGrid : RecordFile::Grid);
   const GridReadOptions options{HPGFolder, byteSwap, CompressOnLoad && !Formatted, NoInactive, Coarsened};
   GridSet set(cursor, options, *session_);
   GridRecords cells(set, source);
@@ -89,6 +90,7 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   try {
     whole = FileType == egridFile ? EGridRecords(set).read() : cells.read();
     if (whole && set.grids.empty()) set.fail("file holds no grid", "one at least", "none");
+    cursor.checkUnchanged();
   } catch (BadRecord& damage) {
     Diagnosis& diagnosis = damage.diagnosis();
     // The records of most cells pass by the cursor.
@@ -97,6 +99,8 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
     }
     diagnosis.action = keep(true);
     throw;
+  } catch (const LoadCanceled&) {
+    whole = false;
   } catch (const std::exception& fault) {
     session_->diagnose(Diagnosis{.path = FileName,
                                  .problem = fault.what(),

@@ -62,9 +62,7 @@ std::optional<Diagnosis> FileSource::changed() const {
   if (const auto now = file_.stamp()) {
     if (auto report = changeReport(stamp_, *now, path_)) return report;
   }
-  // A file that was removed meanwhile is still complete behind this handle.
-  const auto named = stampOf(path_);
-  return named ? changeReport(stamp_, *named, path_) : std::nullopt;
+  return changedSince(stamp_, path_);
 }
 
 std::size_t FileSource::transfer(std::uint64_t position, std::span<std::byte> out, std::string& why) const {
@@ -72,7 +70,8 @@ std::size_t FileSource::transfer(std::uint64_t position, std::span<std::byte> ou
 }
 
 std::optional<Diagnosis> changedSince(const FileStamp& before, const std::string& path) {
-  return changeReport(before, stampOf(path).value_or(FileStamp{}), path);
+  const auto now = stampOf(path);  // none: a file that was removed is still complete behind an open handle
+  return now ? changeReport(before, *now, path) : std::nullopt;
 }
 
 std::size_t MemorySource::transfer(std::uint64_t position, std::span<std::byte> out, std::string&) const {

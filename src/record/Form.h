@@ -9,6 +9,8 @@
 
 namespace lumbarn {
 
+class Session;
+
 /// The on-disk form of a record file.
 enum class Framing {
   Formatted,      ///< text lines
@@ -39,5 +41,8 @@ std::optional<DetectedForm> detectForm(const ByteSource& source);
 
 /// For operations that ask whether a file is of a type: the form, if the first keyword is one of these.
 std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords);
+/// The same for operations that throw nothing: a file that cannot be read is reported and not accepted.
+std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords,
+                                       Session& session);
 
 }  // namespace lumbarn
