@@ -83,8 +83,8 @@ class Walk {
         return cursor_.next();
       } catch (BadRecord& damage) {
         openMinistep_ = false;  // what becomes of the row is part of this damage
-        const bool more = continueBehind(cursor_, damage.diagnosis(),
-                                         fmt::format("stopped behind {} records", records_));
+        const bool more =
+            continueBehind(cursor_, damage.diagnosis(), fmt::format("stopped behind {} records", records_));
         const std::string action = damage.diagnosis().action;
         add(std::move(damage.diagnosis()), action);
         if (!more) return false;

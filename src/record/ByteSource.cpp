@@ -35,7 +35,8 @@ std::optional<Diagnosis> changeReport(const FileStamp& before, const FileStamp& 
 }  // namespace
 
 std::size_t ByteSource::readAt(std::uint64_t position, std::span<std::byte> out) const {
-  const std::uint64_t left = size() - std::min(size(), position);
+  const std::uint64_t end = size();
+  const std::uint64_t left = end - std::min(end, position);
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), left));
   if (wanted == 0) return 0;
   std::string why = "it ends early";

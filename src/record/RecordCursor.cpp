@@ -197,12 +197,15 @@ std::vector<std::string> RecordCursor::texts() {
 std::unique_ptr<RecordCursor> openRecords(const std::string& path, std::string& why) {
   std::shared_ptr<const ByteSource> source = FileSource::open(path, why);
   if (!source) return nullptr;
-  const auto detected = detectForm(*source);
-  if (!detected) {
+  try {
+    if (const auto detected = detectForm(*source)) {
+      return std::make_unique<RecordCursor>(std::move(source), detected->form, path);
+    }
     why = source->size() == 0 ? "file is empty" : "is no record file";
-    return nullptr;
+  } catch (const BadRecord& failure) {
+    why = failure.diagnosis().problem;
   }
-  return std::make_unique<RecordCursor>(std::move(source), detected->form, path);
+  return nullptr;
 }
 
 }  // namespace lumbarn

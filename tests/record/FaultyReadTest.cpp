@@ -13,7 +13,8 @@ namespace {
 
 using namespace test;
 
-/// Runs a load on a source that goes wrong at its n-th read, for every n, and hands what the load threw to `check`.
+/// Runs a load on a source that goes wrong at its n-th read, for every n, and hands what the load threw to
+/// `check`.
 template <class Load>
 void atEveryRead(const std::vector<std::byte>& bytes, Load&& load) {
   for (const ReadFault fault : {ReadFault::Fails, ReadFault::Short}) {
@@ -128,7 +129,8 @@ TEST(FileSource, KnowsWhetherItsFileIsStillTheSame) {
   };
   const Case cases[] = {
       {"nothing", [](const std::string&) {}, false},
-      {"it grows, as a running simulation lets it", [&](const std::string& path) { resize(path, 20); }, false},
+      {"it grows, as a running simulation lets it", [&](const std::string& path) { resize(path, 20); },
+       false},
       {"it is truncated", [&](const std::string& path) { resize(path, 9); }, true},
       {"its contents are replaced", setTime, true},
       {"its permissions change",

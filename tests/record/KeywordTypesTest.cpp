@@ -56,8 +56,9 @@ TEST(KeywordTypes, EndAWalkAtTheRecordAndLetItGoOnBehind) {
     cursor.next();
     FAIL();
   } catch (const BadRecord& bad) {
-    EXPECT_EQ(bad.diagnosis().text(),
-              "memory: record has an unexpected type (SEQNUM, occurrence 1, byte 0: expected INTE, found REAL)");
+    EXPECT_EQ(
+        bad.diagnosis().text(),
+        "memory: record has an unexpected type (SEQNUM, occurrence 1, byte 0: expected INTE, found REAL)");
   }
   const Gap gap = cursor.skipDamage();
   EXPECT_EQ(gap.from, 0U);

@@ -10,8 +10,8 @@
 #include "record/RecordCursor.h"
 #include "support/Diagnosis.h"
 #include "support/Fault.h"
-#include "support/Session.h"
 #include "support/Forms.h"
+#include "support/Session.h"
 
 namespace lumbarn {
 namespace {
@@ -366,7 +366,9 @@ TEST_P(AllForms, RecordsBehindDamageAreFoundAndTheGapIsGiven) {
         const Gap gap = cursor.skipDamage();
         EXPECT_LE(gap.from, at);
         EXPECT_GT(gap.to, at);
-        const auto startsAt = [&](std::uint64_t header) { return gap.to == header || gap.to == header + lead; };
+        const auto startsAt = [&](std::uint64_t header) {
+          return gap.to == header || gap.to == header + lead;
+        };
         EXPECT_TRUE(gap.to == size || std::ranges::any_of(headers, startsAt)) << at << ' ' << gap.to;
       }
     }
