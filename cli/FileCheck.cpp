@@ -1,7 +1,6 @@
 #include "FileCheck.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 #include <fmt/format.h>
@@ -20,10 +19,35 @@
 namespace lumbarn::cli {
 namespace {
 
+/// The table of keyword types for files of a kind.
+RecordFile recordFileOf(FileKind kind) {
+  switch (kind) {
+    case FileKind::SummarySpec:
+      return RecordFile::Specification;
+    case FileKind::Summary:
+      return RecordFile::Summary;
+    case FileKind::Restart:
+      return RecordFile::Restart;
+    case FileKind::Rsspec:
+      return RecordFile::RestartIndex;
+    case FileKind::Init:
+      return RecordFile::Init;
+    case FileKind::Inspec:
+      return RecordFile::InitIndex;
+    case FileKind::Grid:
+      return RecordFile::Grid;
+    case FileKind::EGrid:
+      return RecordFile::EGrid;
+    case FileKind::Rft:
+      return RecordFile::WellTest;
+    default:
+      return RecordFile::Any;
+  }
+}
+
 /// A record of one number that orders what follows it.
 struct OrderRule {
   std::string_view keyword;
-  bool mayRepeat;
   std::int64_t last = std::numeric_limits<std::int64_t>::min();
 };
 
@@ -34,32 +58,44 @@ class Walk {
       : cursor_(cursor), summary_(summary), vectors_(vectors), console_(console), report_(report) {}
 
   void walk() {
-    try {
-      while (cursor_.next()) {
-        console_.checkCancelled();
-        ++records_;
-        checkRecord();
-        showProgress(cursor_, console_);
-      }
-      if (openMinistep_) {
-        add({.problem = "summary row is not whole",
-             .keyword = "MINISTEP",
-             .offset = ministepAt_,
-             .expected = "PARAMS behind it",
-             .found = "end of file"},
-            "the row is left out");
-      }
-    } catch (const BadRecord& damage) {
-      add(damage.diagnosis(), fmt::format("stopped behind {} records", records_));
+    while (next()) {
+      console_.checkCancelled();
+      ++records_;
+      checkRecord();
+      showProgress(cursor_, console_);
+    }
+    if (openMinistep_) {
+      add({.problem = "summary row is not whole",
+           .keyword = "MINISTEP",
+           .offset = ministepAt_,
+           .expected = "PARAMS behind it",
+           .found = "end of file"},
+          "the row is left out");
     }
   }
   std::int64_t records() const { return records_; }
 
  private:
+  /// Moves to the next record, over damage where there is one behind it.
+  bool next() {
+    while (true) {
+      try {
+        return cursor_.next();
+      } catch (BadRecord& damage) {
+        openMinistep_ = false;  // what becomes of the row is part of this damage
+        const bool more =
+            continueBehind(cursor_, damage.diagnosis(), fmt::format("stopped behind {} records", records_));
+        const std::string action = damage.diagnosis().action;
+        add(std::move(damage.diagnosis()), action);
+        if (!more) return false;
+      }
+    }
+  }
+
   void checkRecord() {
     try {
       readExtremes(cursor_, console_);
-      for (OrderRule& rule : rules_) checkOrder(rule);
+      checkOrder(sequence_);
     } catch (const BadRecord& damage) {
       add(damage.diagnosis(), "went on behind the record");
     }
@@ -71,9 +107,8 @@ class Walk {
     if (!header.is(rule.keyword, ElementType::Integer) || header.count < 1) return;
     std::int32_t number = 0;
     cursor_.read(std::span(&number, 1));
-    if (number < rule.last || (number == rule.last && !rule.mayRepeat)) {
-      addHere("number does not rise", fmt::format("more than {}", rule.mayRepeat ? rule.last - 1 : rule.last),
-              fmt::format("{}", number));
+    if (number <= rule.last) {
+      addHere("number does not rise", fmt::format("more than {}", rule.last), fmt::format("{}", number));
     }
     rule.last = number;
   }
@@ -117,8 +152,7 @@ class Walk {
   std::int64_t records_ = 0;
   bool openMinistep_ = false;
   std::uint64_t ministepAt_ = 0;
-  // Writers number report steps of a summary as they like, also with one number for all of them.
-  std::array<OrderRule, 3> rules_{{{"SEQNUM", false}, {"SEQHDR", true}, {"MINISTEP", false}}};
+  OrderRule sequence_{"SEQNUM"};  // of a summary, writers number steps and ministeps as they like
 };
 
 }  // namespace
@@ -150,6 +184,7 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
            .expected = std::string(nameOf(file.kind)),
            .found = std::string(nameOf(recognised.kind))});
   }
+  cursor->attach(console.session(), recordFileOf(file.kind));
   Walk walk(*cursor, file.kind == FileKind::Summary, vectors, console, count);
   walk.walk();
   result.records = walk.records();

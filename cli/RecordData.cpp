@@ -5,6 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include <fmt/format.h>
+
 namespace lumbarn::cli {
 namespace {
 
@@ -71,6 +73,19 @@ std::optional<Extremes> readExtremes(RecordCursor& cursor, Console& console) {
       break;
   }
   return std::nullopt;
+}
+
+bool continueBehind(RecordCursor& cursor, Diagnosis& damage, std::string otherwise) {
+  damage.action = std::move(otherwise);
+  if (damage.message == Message::FileRead) return false;  // what is behind would only seem to follow
+  try {
+    const Gap gap = cursor.skipDamage();
+    if (gap.to >= cursor.fileSize()) return false;
+    damage.action = fmt::format("skipped bytes {} to {}", gap.from, gap.to - 1);
+    return true;
+  } catch (const BadRecord&) {
+    return false;  // the file cannot be read any more
+  }
 }
 
 void showProgress(const RecordCursor& cursor, Console& console) {

@@ -20,6 +20,10 @@ struct Extremes {
 /// cancelled.
 std::optional<Extremes> readExtremes(RecordCursor& cursor, Console& console);
 
+/// After damage: moves behind it, states in the action what was skipped, and returns true; false with this
+/// other action where no further record can be found.
+bool continueBehind(RecordCursor& cursor, Diagnosis& damage, std::string otherwise);
+
 /// Tells the console's progress display how far in the file the cursor is.
 void showProgress(const RecordCursor& cursor, Console& console);
 

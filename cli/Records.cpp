@@ -38,24 +38,32 @@ class RecordList {
 
   /// Writes a row for each whole record.
   ExitStatus write() {
-    try {
-      while (cursor_.next()) {
-        console_.checkCancelled();
-        row();
-        ++rows_;
-        if (rows_ % 256 == 0 || stats_) showProgress(cursor_, console_);
-      }
-    } catch (const BadRecord& damage) {
-      status_ = rows_ == 0 ? Unreadable : Partial;
-      const auto done =
-          rows_ == 0 ? "nothing can be listed" : fmt::format("listed the {} records before it", rows_);
-      tell(damage.diagnosis(), done);
+    while (next()) {
+      console_.checkCancelled();
+      row();
+      ++rows_;
+      if (rows_ % 256 == 0 || stats_) showProgress(cursor_, console_);
     }
     table_->finish();
-    return status_;
+    return rows_ == 0 && status_ != Done ? Unreadable : status_;
   }
 
  private:
+  /// Moves to the next record, over damage where there is one behind it.
+  bool next() {
+    while (true) {
+      try {
+        return cursor_.next();
+      } catch (BadRecord& damage) {
+        status_ = Partial;
+        const bool more = continueBehind(
+            cursor_, damage.diagnosis(),
+            rows_ == 0 ? "nothing can be listed" : fmt::format("listed the {} records before it", rows_));
+        tell(damage.diagnosis());
+        if (!more) return false;
+      }
+    }
+  }
   void row() {
     const RecordHeader& header = cursor_.header();
     std::optional<Extremes> range;
@@ -64,7 +72,9 @@ class RecordList {
         range = readExtremes(cursor_, console_);
       } catch (const BadRecord& damage) {
         status_ = Partial;
-        tell(damage.diagnosis(), "left min and max of this record out");
+        Diagnosis left = damage.diagnosis();
+        left.action = "left min and max of this record out";
+        tell(left);
       }
     }
     table_->text(header.keyword);
@@ -80,9 +90,8 @@ class RecordList {
       table_->empty();
     }
   }
-  void tell(Diagnosis diagnosis, std::string action) {
+  void tell(const Diagnosis& diagnosis) {
     table_->flush();
-    diagnosis.action = std::move(action);
     console_.tell(diagnosis);
   }
 
@@ -99,6 +108,7 @@ ExitStatus listRecords(const RecordsOptions& options, Console& console) {
   std::string why;
   const auto cursor = openRecords(path, why);
   if (!cursor) throw Failure(Unreadable, path + ": " + why);
+  cursor->attach(console.session());
   Output output(options.output, console.out(), std::span(&path, 1));
   const ExitStatus status = RecordList(*cursor, console, options, output.stream()).write();
   if (status != Unreadable) output.commit();

@@ -67,6 +67,9 @@ ExitStatus perform(const Action& action, Console& console) {
   } catch (const Failure& failure) {
     if (*failure.what() != '\0') console.say(failure.what());
     return failure.status();
+  } catch (const LoadCanceled&) {
+    console.say("cancelled");
+    return Cancelled;
   } catch (const BadRecord& damage) {
     console.tell(damage.diagnosis());
   } catch (const std::bad_alloc&) {

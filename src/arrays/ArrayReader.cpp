@@ -136,6 +136,7 @@ RecordCursor& ArrayReader::moveTo(const Found& array) {
     cursor_ = openRecords(path, why);
     if (!cursor_) throw BadRecord({.path = path, .problem = why});
   }
+  if (auto change = changedSince(index_.stamps[array.step->file], path)) throw BadRecord(std::move(*change));
   cursor_->seek(array.entry->position);
   const bool there = cursor_->next();
   const RecordHeader& header = cursor_->header();

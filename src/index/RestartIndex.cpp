@@ -1,6 +1,7 @@
 #include "RestartIndex.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "HeaderWords.h"
 
@@ -26,6 +27,12 @@ bool isAnyOf(std::string_view zName, std::span<const std::string_view> names) {
 }
 
 }  // namespace
+
+void RestartIndex::setFiles(std::vector<std::string> paths) {
+  files = std::move(paths);
+  stamps.clear();
+  for (const std::string& path : files) stamps.push_back(stampOf(path).value_or(FileStamp{}));
+}
 
 bool isGlobalGrid(std::string_view name) {
   return trim(name).empty() || equalNoCase(trim(name), globalGridName);

@@ -14,6 +14,7 @@
 #include "../record/RecordHeader.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "../support/System.h"
 #include "../support/Text.h"
 
 namespace lumbarn {
@@ -93,6 +94,7 @@ struct IndexStep {
 /// step without a number). Neutral: the same whether it was read from an index file or made by walking.
 struct RestartIndex {
   std::vector<std::string> files;
+  std::vector<FileStamp> stamps;     ///< of these files, as they were before they were indexed
   Form form;                         ///< of the first file
   std::vector<std::int32_t> header;  ///< the first INTEHEAD of the global grid
   std::vector<IndexStep> steps;
@@ -101,6 +103,7 @@ struct RestartIndex {
   bool whole = true;      ///< False: reading ended before the end, and a diagnosis says why, or was cancelled
   bool fromFile = false;  ///< read from an index file and found to agree
 
+  void setFiles(std::vector<std::string> paths);
   /// The first step of that number; null when there is none.
   const IndexStep* find(std::int32_t number) const;
   /// All steps of that number: a run that is continued into its own file writes some again.

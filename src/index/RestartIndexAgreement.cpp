@@ -393,7 +393,7 @@ RestartIndex indexOfRestart(Session& session, std::span<const std::string> files
   const auto walk = [&] { return walkRestart(session, files); };
   if (rsspec.empty()) return walk();
   RestartIndex read;
-  read.files.assign(files.begin(), files.end());
+  read.setFiles({files.begin(), files.end()});
   read.unified = !isSet(files);
   std::string problem;
   qvEclipseRSSPEC reader(session);

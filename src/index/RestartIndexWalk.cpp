@@ -188,14 +188,14 @@ RestartIndex walk(Session& session, RestartIndex index) {
 
 RestartIndex walkRestart(Session& session, std::span<const std::string> files) {
   RestartIndex index;
-  index.files.assign(files.begin(), files.end());
+  index.setFiles({files.begin(), files.end()});
   index.unified = files.size() == 1 && GetNumericPartOfFileName(files[0]) < 0;
   return walk(session, std::move(index));
 }
 
 RestartIndex walkInit(Session& session, const std::string& file) {
   RestartIndex index;
-  index.files = {file};
+  index.setFiles({file});
   index.init = true;
   return walk(session, std::move(index));
 }

@@ -135,7 +135,7 @@ RestartIndex indexOfInit(Session& session, const std::string& file, const std::s
   reader.CheckINSPECFile(inspec, qOK);
   if (qOK) reader.getINSPECData(qOK);
   RestartIndex read;
-  read.files = {file};
+  read.setFiles({file});
   read.init = true;
   read.header = reader.head.iHeader;
   IndexStep& step = read.steps.emplace_back();

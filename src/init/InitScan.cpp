@@ -53,7 +53,7 @@ std::int32_t whichNNCType(std::string_view zName) {
 bool qvEclipseINIT::CheckINITFile(const std::string& zFile) {
   std::string why;
   const auto source = FileSource::open(zFile, why);
-  const auto detected = source ? detectForm(*source, firstKeywords) : std::nullopt;
+  const auto detected = source ? detectForm(*source, firstKeywords, *session_) : std::nullopt;
   if (!detected) return false;
   setFlags({});
   setForm(detected->form);

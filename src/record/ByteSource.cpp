@@ -35,7 +35,8 @@ std::optional<Diagnosis> changeReport(const FileStamp& before, const FileStamp& 
 }  // namespace
 
 std::size_t ByteSource::readAt(std::uint64_t position, std::span<std::byte> out) const {
-  const std::uint64_t left = size() - std::min(size(), position);
+  const std::uint64_t end = size();
+  const std::uint64_t left = end - std::min(end, position);
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), left));
   if (wanted == 0) return 0;
   std::string why = "it ends early";
@@ -62,9 +63,7 @@ std::optional<Diagnosis> FileSource::changed() const {
   if (const auto now = file_.stamp()) {
     if (auto report = changeReport(stamp_, *now, path_)) return report;
   }
-  // A file that was removed meanwhile is still complete behind this handle.
-  const auto named = stampOf(path_);
-  return named ? changeReport(stamp_, *named, path_) : std::nullopt;
+  return changedSince(stamp_, path_);
 }
 
 std::size_t FileSource::transfer(std::uint64_t position, std::span<std::byte> out, std::string& why) const {
@@ -72,7 +71,8 @@ std::size_t FileSource::transfer(std::uint64_t position, std::span<std::byte> ou
 }
 
 std::optional<Diagnosis> changedSince(const FileStamp& before, const std::string& path) {
-  return changeReport(before, stampOf(path).value_or(FileStamp{}), path);
+  const auto now = stampOf(path);  // none: a file that was removed is still complete behind an open handle
+  return now ? changeReport(before, *now, path) : std::nullopt;
 }
 
 std::size_t MemorySource::transfer(std::uint64_t position, std::span<std::byte> out, std::string&) const {

@@ -4,7 +4,7 @@
 #include <array>
 #include <bit>
 
-#include "../support/Diagnosis.h"
+#include "../support/Session.h"
 #include "Codec.h"
 #include "FormFlags.h"
 
@@ -68,6 +68,16 @@ std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const
   auto detected = detectForm(source);
   if (detected && std::ranges::find(keywords, detected->keyword) == keywords.end()) detected.reset();
   return detected;
+}
+
+std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords,
+                                       Session& session) {
+  try {
+    return detectForm(source, keywords);
+  } catch (BadRecord& failure) {
+    session.diagnose(std::move(failure.diagnosis()));
+    return std::nullopt;
+  }
 }
 
 }  // namespace lumbarn

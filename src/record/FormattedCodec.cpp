@@ -48,10 +48,19 @@ class TextScanner {
       if (text_.size() - at_ >= token) return true;
       if (ended_) return at_ < text_.size();
       if (position() - start > mostBlanks) {
-        throwBadRecord("blanks instead of a record", start, fmt::format("at most {} blanks", mostBlanks), "more");
+        throwBadRecord("blanks instead of a record", start, fmt::format("at most {} blanks", mostBlanks),
+                       "more");
       }
       refill(token);
     }
+  }
+  /// Whether there are only blanks up to a position; else moves to what is there.
+  bool blankTo(std::uint64_t end) {
+    while (position() < end && (at_ < text_.size() || refill(1))) {
+      if (!isBlank(text_[at_])) return false;
+      ++at_;
+    }
+    return true;
   }
   /// Moves behind the end of the current line if only blanks are left on it.
   void skipLineEnd() {
@@ -334,7 +343,9 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   layout.end += count / perBlock * blockBytes(shape, perBlock, layout.lineEndBytes) +
                 blockBytes(shape, count % perBlock, layout.lineEndBytes);
   const auto around = window.at(layout.end - 1, 3);
-  const auto letter = [&](std::size_t i) { return i < around.size() ? std::to_integer<char>(around[i]) : '\0'; };
+  const auto letter = [&](std::size_t i) {
+    return i < around.size() ? std::to_integer<char>(around[i]) : '\0';
+  };
   const bool lineEnds = layout.end <= window.size() && letter(0) == '\n';
   // Some writers begin their headers in column 1, where texts of other widths may begin too.
   const bool headerFollows = around.size() == 1 || (letter(1) == ' ' && letter(2) == '\'') ||
@@ -379,7 +390,7 @@ void FormattedCodec::decode(Window& window, const RecordHeader& header, const Da
   TextScanner scanner(window, start, (skip + count) * fieldWidth);
   scanElements(scanner, header, places, skip, count, out);
   if (first + static_cast<std::int64_t>(count) < header.count) return;
-  if (scanner.skipBlanks(1) && scanner.position() < layout.end) {
+  if (!scanner.blankTo(layout.end)) {
     throwBadRecord("more data than the header announces", scanner.position(),
                    fmt::format("{} elements", header.count), shown(scanner.rest()));
   }

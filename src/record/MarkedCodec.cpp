@@ -181,8 +181,8 @@ DataLayout MarkedCodec::walkUnknown(Window& window, const RecordHeader& header) 
   return layout;
 }
 
-/// Whether bytes, which go on to the end of the file or farther than one block, are a header with marks that agree
-/// and the marks of its first block, or those of the next header where it has no data.
+/// Whether bytes, which go on to the end of the file or farther than one block, are a header with marks that
+/// agree and the marks of its first block, or those of the next header where it has no data.
 bool MarkedCodec::isHeader(std::span<const std::byte> bytes) const {
   const auto mark = static_cast<std::size_t>(markBytes_);
   const auto* body = bytes.data() + mark;
@@ -317,8 +317,8 @@ void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataL
   }
 }
 
-/// The byte offset of that mark of a piece which is nearer to the place asked for. Both hold the piece's length,
-/// and either shows that the file still has the layout that was found when it was walked.
+/// The byte offset of that mark of a piece which is nearer to the place asked for. Both hold the piece's
+/// length, and either shows that the file still has the layout that was found when it was walked.
 std::uint64_t MarkedCodec::nearerMark(const Piece& piece) const {
   const bool opening = 2 * piece.before <= piece.bytes;
   return opening ? piece.dataAt - static_cast<std::uint64_t>(markBytes_) : piece.dataAt + piece.bytes;
@@ -331,22 +331,29 @@ void MarkedCodec::gather(Window& window, const RecordHeader& header, const DataL
   constexpr std::uint64_t worthOneTransfer = 4096;
   const auto mark = static_cast<std::uint64_t>(markBytes_);
   const auto pieceOf = [&](std::size_t i) { return pieceAt(header, layout, 4 * std::uint64_t{elements[i]}); };
+  const auto placeIn = [](const Piece& piece) { return piece.dataAt + piece.before; };
+  // The end of what is read with an element: of its closing mark, where that is checked and near.
+  const auto endFor = [&](const Piece& piece, bool check) {
+    const std::uint64_t at = placeIn(piece);
+    const std::uint64_t markAt = nearerMark(piece);
+    return check && markAt > at && markAt - at <= worthOneTransfer ? markAt + mark : at + 4;
+  };
   std::uint64_t fetchedTo = 0;
   std::uint64_t checked = 0;  // data offset of the piece whose mark was seen
   for (std::size_t i = 0; i < elements.size(); ++i) {
     const Piece piece = pieceOf(i);
-    const std::uint64_t at = piece.dataAt + piece.before;
+    const std::uint64_t at = placeIn(piece);
     const std::uint64_t markAt = nearerMark(piece);
     const bool check = piece.dataAt != std::exchange(checked, piece.dataAt);
     const std::uint64_t from = check && markAt < at && at - markAt <= worthOneTransfer ? markAt : at;
     if (at >= fetchedTo) {
-      fetchedTo = at + 4;
-      if (check && markAt > at && markAt - at <= worthOneTransfer) fetchedTo = markAt + mark;
+      fetchedTo = endFor(piece, check);
+      std::uint64_t before = piece.dataAt;
       for (std::size_t k = i + 1; k < elements.size(); ++k) {
-        const Piece following = pieceOf(k);
-        const std::uint64_t next = following.dataAt + following.before;
-        if (next > fetchedTo + worthOneTransfer || next + 4 - from > Window::capacity) break;
-        fetchedTo = std::max(fetchedTo, next + 4);
+        const Piece next = pieceOf(k);
+        const std::uint64_t end = endFor(next, next.dataAt != std::exchange(before, next.dataAt));
+        if (placeIn(next) > fetchedTo + worthOneTransfer || end - from > Window::capacity) break;
+        fetchedTo = std::max(fetchedTo, end);
       }
     }
     if (check && markAt < at) checkMark(window, markAt, piece.mark, from == markAt ? fetchedTo - markAt : 0);

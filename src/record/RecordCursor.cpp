@@ -67,11 +67,12 @@ bool RecordCursor::next() {
 }
 
 Gap RecordCursor::skipDamage() {
-  const bool inHeader = next_ == start_;  // else the data are damaged, and where they end is known
-  const std::uint64_t from = inHeader ? start_ : header_.headerAt;
+  const bool endKnown = next_ > start_;  // only the data, or the keyword's type, are wrong
+  const bool headerSound = header_.dataAt > start_;
+  const std::uint64_t behind = endKnown ? next_ : headerSound ? header_.dataAt : start_ + 1;
   return located([&] {
-    next_ = codec_->findHeader(*window_, inHeader ? start_ + 1 : next_);
-    return Gap{from, next_};
+    next_ = codec_->findHeader(*window_, behind);
+    return Gap{start_, next_};
   });
 }
 
@@ -196,12 +197,15 @@ std::vector<std::string> RecordCursor::texts() {
 std::unique_ptr<RecordCursor> openRecords(const std::string& path, std::string& why) {
   std::shared_ptr<const ByteSource> source = FileSource::open(path, why);
   if (!source) return nullptr;
-  const auto detected = detectForm(*source);
-  if (!detected) {
+  try {
+    if (const auto detected = detectForm(*source)) {
+      return std::make_unique<RecordCursor>(std::move(source), detected->form, path);
+    }
     why = source->size() == 0 ? "file is empty" : "is no record file";
-    return nullptr;
+  } catch (const BadRecord& failure) {
+    why = failure.diagnosis().problem;
   }
-  return std::make_unique<RecordCursor>(std::move(source), detected->form, path);
+  return nullptr;
 }
 
 }  // namespace lumbarn

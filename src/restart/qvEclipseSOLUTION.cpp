@@ -30,7 +30,7 @@ bool qvEclipseSOLUTION::CheckRESTARTFile(const std::string& zFile) {
   std::string why;
   const std::shared_ptr<const ByteSource> source = FileSource::open(zFile, why);
   if (!source) return false;
-  const auto detected = detectForm(*source, firstWords);
+  const auto detected = detectForm(*source, firstWords, *session_);
   Form found;
   if (detected) {
     found = detected->form;

@@ -54,11 +54,10 @@ TEST_P(CheckForms, RowsThatDoNotFitTheirRun) {
                                 finding["found"].get<std::string>()));
     EXPECT_TRUE(finding["offset"].is_number());
   }
-  EXPECT_THAT(found, ::testing::ElementsAre(
-                         "PARAMS 1: summary row does not fit its specification, 3",
-                         "MINISTEP 2: number does not rise, 0", "PARAMS 3: summary row without a number, ",
-                         "SEQHDR 2: number does not rise, 1", "SEQHDR 2: summary row is not whole, SEQHDR",
-                         "MINISTEP null: summary row is not whole, end of file"));
+  EXPECT_THAT(found, ::testing::ElementsAre("PARAMS 1: summary row does not fit its specification, 3",
+                                            "PARAMS 3: summary row without a number, ",
+                                            "SEQHDR 2: summary row is not whole, SEQHDR",
+                                            "MINISTEP null: summary row is not whole, end of file"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, CheckForms, ::testing::ValuesIn(test::everyForm),

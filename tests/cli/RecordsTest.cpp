@@ -117,7 +117,7 @@ TEST(Records, DamagedFilesGiveTheirWholeRecords) {
        "can "
        "be listed"},
       {"mark of a header", whole.size(), 4059, 3, 3,
-       "block marks disagree (byte 4056: expected 16, found 239); listed"},
+       "block marks disagree (byte 4056: expected 16, found 239); skipped bytes 4056 to "},
   };
   const test::TemporaryFolder folder;
   const std::string path = folder.file("BAD.INIT");

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "record/LineReader.h"
-#include "support/Diagnosis.h"
 #include "support/Forms.h"
 
 namespace lumbarn {
@@ -46,25 +45,6 @@ TEST(LineReader, KeepsLinesWholeOverTransfers) {
     }
     EXPECT_EQ(reader.position(), length + 2);
     EXPECT_FALSE(reader.next());
-  }
-}
-
-TEST(LineReader, TellsOfAFileThatShrinks) {
-  struct Shrunk final : ByteSource {
-    std::uint64_t size() const override { return 10; }
-    std::size_t readAt(std::uint64_t position, std::span<std::byte> out) const override {
-      if (position > 0) return 0;
-      out[0] = std::byte{'a'};
-      return 1;
-    }
-  };
-  LineReader reader(std::make_shared<Shrunk>(), "memory");
-  try {
-    reader.next();
-    FAIL();
-  } catch (const BadRecord& bad) {
-    EXPECT_EQ(bad.diagnosis().offset, 1);
-    EXPECT_TRUE(bad.diagnosis().cutOff);
   }
 }
 

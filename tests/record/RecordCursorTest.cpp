@@ -11,6 +11,7 @@
 #include "support/Diagnosis.h"
 #include "support/Fault.h"
 #include "support/Forms.h"
+#include "support/Session.h"
 
 namespace lumbarn {
 namespace {
@@ -267,18 +268,19 @@ class SparseSource final : public ByteSource {
     parts_[position] = std::move(bytes);
   }
   std::uint64_t size() const override { return size_; }
-  std::size_t readAt(std::uint64_t position, std::span<std::byte> out) const override {
+
+ private:
+  std::size_t transfer(std::uint64_t position, std::span<std::byte> out, std::string&) const override {
     std::ranges::fill(out, std::byte{0});
-    const auto count = std::min<std::uint64_t>(out.size(), size_ - std::min(size_, position));
+    const std::uint64_t count = out.size();
     for (const auto& [start, bytes] : parts_) {
       for (std::size_t i = 0; i < bytes.size(); ++i) {
         if (start + i >= position && start + i < position + count) out[start + i - position] = bytes[i];
       }
     }
-    return count;
+    return out.size();
   }
 
- private:
   std::uint64_t size_ = 0;
   std::map<std::uint64_t, std::vector<std::byte>> parts_;
 };
@@ -335,7 +337,7 @@ TEST(FormattedRecords, WhatOtherWritersPutOnTheLines) {
               ElementsAre(1.0F, -0.25F, -0.5F, 0.0F, 1.0F, 25.0F));
   EXPECT_TRUE(std::isnan(values.back()));
   ASSERT_TRUE(cursor.next());
-  EXPECT_THAT(cursor.texts(), ElementsAre("A", "it''s me", " /"));
+  EXPECT_THAT(cursor.texts(), ElementsAre("A", "it''s me", "/"));
   ASSERT_TRUE(cursor.next());
   std::vector<std::int16_t> flags(3);
   cursor.readLogicals(flags);
@@ -343,6 +345,112 @@ TEST(FormattedRecords, WhatOtherWritersPutOnTheLines) {
   ASSERT_TRUE(cursor.next());
   EXPECT_THAT(cursor.integers(), ElementsAre(-7));
   EXPECT_FALSE(cursor.next());
+}
+
+TEST_P(AllForms, RecordsBehindDamageAreFoundAndTheGapIsGiven) {
+  const auto bytes = smallFile(form_);
+  std::vector<std::uint64_t> headers;
+  for (auto cursor = cursorOver(bytes, form_); cursor.next();) headers.push_back(cursor.header().headerAt);
+  const auto size = static_cast<std::uint64_t>(bytes.size());
+  const std::uint64_t lead = form_.formatted() ? 1 : 0;  // the blank in front of a header need not be one
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    auto damaged = bytes;
+    damaged[at] ^= std::byte{0xA5};
+    auto cursor = cursorOver(damaged, form_);
+    std::vector<std::uint64_t> met;
+    for (bool more = true; more;) {
+      try {
+        more = cursor.next();
+        if (more) met.push_back(cursor.header().headerAt);
+      } catch (const BadRecord&) {
+        const Gap gap = cursor.skipDamage();
+        EXPECT_LE(gap.from, at);
+        EXPECT_GT(gap.to, at);
+        const auto startsAt = [&](std::uint64_t header) {
+          return gap.to == header || gap.to == header + lead;
+        };
+        EXPECT_TRUE(gap.to == size || std::ranges::any_of(headers, startsAt)) << at << ' ' << gap.to;
+      }
+    }
+    // The record of the byte is lost, and where it was a line end, the header that seems to go on the line.
+    EXPECT_GE(met.size() + 1 + lead, headers.size()) << at;
+  }
+}
+
+TEST_P(AllForms, ASearchBehindDamageEndsWhenTheLoadIsCanceled) {
+  auto bytes = smallFile(form_);
+  bytes.resize(bytes.size() + (std::size_t{1} << 20));  // zeros are no blanks
+  Session session;
+  auto cursor = cursorOver(bytes, form_);
+  cursor.attach(session);
+  for (int i = 0; i < 4; ++i) ASSERT_TRUE(cursor.next());
+  EXPECT_THROW(cursor.next(), BadRecord);
+  session.CancelLoad = true;
+  EXPECT_THROW(cursor.skipDamage(), LoadCanceled);
+  session.CancelLoad = false;
+  EXPECT_EQ(cursor.skipDamage().to, bytes.size());
+  EXPECT_FALSE(cursor.next());
+}
+
+TEST(MarkedRecords, GatheringNoticesThatTheFileHasAnotherLayoutByNow) {
+  std::vector<std::byte> bytes;
+  RecordWriter(memorySink(bytes), bigEndian).singles("PARAMS", std::vector<float>(2500));
+  const std::size_t opening = 24 + 4008;  // marks of the second block
+  for (const std::size_t mark : {opening, opening + 4004}) {
+    for (const std::uint32_t element : {1010U, 1990U}) {
+      auto changed = bytes;
+      changed[mark + 3] ^= std::byte{1};
+      auto cursor = cursorOver(changed, bigEndian);
+      ASSERT_TRUE(cursor.next());
+      float value = 0;
+      if ((element < 1500) != (mark == opening)) continue;  // the other mark is nearer
+      EXPECT_THROW(cursor.gather(std::span(&element, 1), std::span(&value, 1)), BadRecord);
+    }
+  }
+}
+
+TEST(FormattedRecords, HeadersMayBeginInTheFirstColumn) {
+  const std::string text =
+      "'INTEHEAD'           2 'INTE'\n           1         100\n"
+      "'NAMES   '           3 'CHAR'\n'A       ' 'B       ' 'C       '\n"
+      "'PARAMS  '           2 'REAL'\n   0.10000000E+01   0.20000000E+01\n";
+  const auto bytes = bytesOf(text);
+  const auto detected = detectForm(MemorySource(bytes));
+  ASSERT_TRUE(detected);
+  EXPECT_EQ(detected->form, formatted);
+  EXPECT_EQ(detected->keyword, "INTEHEAD");
+  auto cursor = cursorOver(bytes, formatted);
+  ASSERT_TRUE(cursor.next());
+  EXPECT_TRUE(cursor.regular());
+  EXPECT_THAT(cursor.integers(), ElementsAre(1, 100));
+  ASSERT_TRUE(cursor.next());
+  EXPECT_THAT(cursor.texts(), ElementsAre("A", "B", "C"));
+  ASSERT_TRUE(cursor.next());
+  EXPECT_TRUE(cursor.regular());
+  EXPECT_THAT(cursor.singles(), ElementsAre(1.0F, 2.0F));
+}
+
+TEST(FormattedRecords, ZerosAndLongRunsOfBlanksAreNoPartOfAFile) {
+  for (const char fill : {'\0', ' ', '\n'}) {
+    std::vector<std::byte> bytes = bytesOf(" 'A       '           1 'INTE'\n           7\n");
+    bytes.resize(bytes.size() + 10000, static_cast<std::byte>(fill));
+    auto cursor = cursorOver(bytes, formatted);
+    ASSERT_TRUE(cursor.next());
+    EXPECT_THAT(cursor.integers(), ElementsAre(7));
+    EXPECT_THROW(cursor.next(), BadRecord) << int{fill};
+  }
+}
+
+TEST(DetectForm, TheFirstSoundHeaderDecidesWhateverItsKeyword) {
+  std::vector<std::byte> bytes;
+  RecordWriter writer(memorySink(bytes), {Framing::FourByteMarks, !littleEndianMachine});
+  writer.texts("WRITTEN", std::vector<std::string>{"BY X"});  // an own record of a writer
+  writer.integers("SEQHDR", std::vector<std::int32_t>{1});
+  const MemorySource source(bytes);
+  ASSERT_TRUE(detectForm(source));
+  EXPECT_FALSE(detectForm(source)->form.byteSwap);
+  constexpr std::string_view summary[] = {"SEQHDR"};
+  EXPECT_FALSE(detectForm(source, summary)) << "a Check operation does not accept it";
 }
 
 TEST(FormattedRecords, LinesThatMakeUpForEachOthersLengthAreDamage) {

@@ -31,6 +31,7 @@ TEST(Guarded, EveryWayOutOfARoutineLeavesItsTrace) {
   ASSERT_EQ(reports.size(), 2U) << "damage in a file is a diagnosis, not a fault";
   EXPECT_EQ(reports[0], "Error:Subscript out of range (No.9) In [qvX (Code) (Read)] ");
   EXPECT_EQ(reports[1], "Error:Out of memory (No.7) In [qvX (Code) (Read)] ");
+  EXPECT_EQ(session.faults(), 2);
   ASSERT_EQ(session.diagnoses().size(), 1U);
   EXPECT_EQ(session.diagnoses()[0].path, "F");
 }
