@@ -41,7 +41,7 @@ TEST_P(CheckForms, RowsThatDoNotFitTheirRun) {
   out.singles("PARAMS", std::array{1.0F, 2.0F, 3.0F});
   out.integers("MINISTEP", std::array{0});
   out.singles("PARAMS", std::array{1.0F, 2.0F});
-  out.singles("PARAMS", std::array{1.0F, 2.0F});
+  out.singles("PARAMS", std::array{0.5F, 2.0F});
   out.integers("MINISTEP", std::array{1});
   out.integers("SEQHDR", std::array{1});
   out.integers("MINISTEP", std::array{2});
@@ -54,11 +54,11 @@ TEST_P(CheckForms, RowsThatDoNotFitTheirRun) {
                                 finding["found"].get<std::string>()));
     EXPECT_TRUE(finding["offset"].is_number());
   }
-  EXPECT_THAT(found, ::testing::ElementsAre(
-                         "PARAMS 1: summary row does not fit its specification, 3",
-                         "MINISTEP 2: number does not rise, 0", "PARAMS 3: summary row without a number, ",
-                         "SEQHDR 2: number does not rise, 1", "SEQHDR 2: summary row is not whole, SEQHDR",
-                         "MINISTEP null: summary row is not whole, end of file"));
+  EXPECT_THAT(found, ::testing::ElementsAre("PARAMS 1: summary row does not fit its specification, 3",
+                                            "PARAMS 3: TIME decreases, 0.5",
+                                            "PARAMS 3: summary row without a number, ",
+                                            "SEQHDR 2: summary row is not whole, SEQHDR",
+                                            "MINISTEP null: summary row is not whole, end of file"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, CheckForms, ::testing::ValuesIn(test::everyForm),
