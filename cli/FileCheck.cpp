@@ -96,6 +96,7 @@ class Walk {
     try {
       readExtremes(cursor_, console_);
       checkOrder(sequence_);
+      if (summary_) checkTime();
     } catch (const BadRecord& damage) {
       add(damage.diagnosis(), "went on behind the record");
     }
@@ -129,6 +130,18 @@ class Walk {
     }
   }
 
+  /// Ministeps may skip or repeat a number, and report steps are numbered as writers like: only TIME, which
+  /// is nearly always the first value, orders rows.
+  void checkTime() {
+    if (!cursor_.header().is("PARAMS", ElementType::Single) || cursor_.header().count < 1) return;
+    float time = 0;
+    cursor_.read(std::span(&time, 1));
+    if (time < lastTime_) {
+      addHere("TIME decreases", fmt::format("at least {}", lastTime_), fmt::format("{}", time));
+    }
+    lastTime_ = time;
+  }
+
   void addHere(std::string problem, std::string expected, std::string found) {
     add({.problem = std::move(problem),
          .keyword = cursor_.header().keyword,
@@ -152,6 +165,7 @@ class Walk {
   std::int64_t records_ = 0;
   bool openMinistep_ = false;
   std::uint64_t ministepAt_ = 0;
+  float lastTime_ = std::numeric_limits<float>::lowest();
   OrderRule sequence_{"SEQNUM"};  // of a summary, writers number steps and ministeps as they like
 };
 

@@ -95,7 +95,9 @@ class SummaryTable {
       }
       const std::size_t row = rows_[i];
       if (options_.dates) dates_.empty() ? table->empty() : table->text(isoText(dates_[row], dateOnly_));
-      for (const NamedVector& vector : shown_) table->number(values_.column(vector.vector->column)[row]);
+      for (std::size_t k = 0; k < shown_.size(); ++k) {
+        hasValue(k, row) ? table->number(values_.column(shown_[k].vector->column)[row]) : table->empty();
+      }
     }
     table->finish();
     console_.progress().hide();
@@ -140,7 +142,14 @@ class SummaryTable {
     std::stable_partition(shown_.begin(), shown_.end(),
                           [](const NamedVector& vector) { return vector.name == "TIME"; });
     if (shown_.empty() && !options_.dates) throw Failure(Usage, "nothing to show: all vectors are left out");
+    if (!options_.restart) return;
+    for (const NamedVector& vector : shown_) {
+      present_.push_back(reader_.RowsWithValues(static_cast<std::int32_t>(vector.vector->column)));
+    }
   }
+
+  /// Rows of a run of the chain that does not have the vector contain 0, which is not its value.
+  bool hasValue(std::size_t k, std::size_t row) const { return present_.empty() || present_[k][row]; }
 
   /// All rows, or the last one of each report step. The reader counts steps within each file of each run.
   void chooseRows() {
@@ -183,8 +192,9 @@ class SummaryTable {
   qvEclipseReader reader_{console_.session()};
   XYData values_;
   std::vector<NamedVector> shown_;
-  std::vector<std::size_t> rows_;  // from 0
-  std::vector<Moment> dates_;      // of all rows of the table; empty when not known
+  std::vector<std::vector<bool>> present_;  // by shown vector: which rows have a value; empty: all
+  std::vector<std::size_t> rows_;           // from 0
+  std::vector<Moment> dates_;               // of all rows of the table; empty when not known
   bool dateOnly_ = false;
 };
 

@@ -12,6 +12,7 @@
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
+#include "../vocabulary/Units.h"
 
 namespace lumbarn {
 
@@ -85,6 +86,7 @@ void qvEclipseReader::ReadSummaryFile(bool& qOK) {
 }
 
 bool qvEclipseReader::readSummary() {
+  summary_.reset();  // a load that fails leaves nothing to fetch
   if (session_->yield()) return false;
   SummaryLoad load;
   load.spec = std::make_unique<qvEclipseSPEC>(*session_);
@@ -407,14 +409,18 @@ const std::vector<SummaryRow>& qvEclipseReader::Rows() const {
   return summary_ ? summary_->rows() : none;
 }
 
+std::vector<bool> qvEclipseReader::RowsWithValues(std::int32_t iVector) const {
+  if (!summary_ || iVector < 1) return {};
+  return summary_->rowsWithValues(static_cast<std::size_t>(iVector));
+}
+
 std::vector<Moment> qvEclipseReader::RowDates(const XYData& xyData) const {
-  constexpr double hoursPerDay = 24;
   std::vector<Moment> dates;
   const auto start = StartDate();
   if (!start || xyData.empty() || Vectors().empty() || Vectors().front().mnemonic != "TIME") return dates;
-  const double unitsPerDay = Vectors().front().units == "HOURS" ? hoursPerDay : 1;
+  const double perDay = unitsPerDay(Vectors().front().units);
   for (const float time : xyData.column(1)) {
-    const auto moment = momentAfter(*start, time, unitsPerDay);
+    const auto moment = momentAfter(*start, time, perDay);
     if (!moment) return {};
     dates.push_back(*moment);
   }

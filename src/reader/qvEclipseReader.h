@@ -306,6 +306,9 @@ class qvEclipseReader : public ReaderOptions {
   const std::vector<SummaryVector>& Vectors() const;
   /// The rows of the table that was loaded or fetched last: run, file and report step of each.
   const std::vector<SummaryRow>& Rows() const;
+  /// Whether each row has a value of a vector, from 1 in the table that was fetched: rows of a run of the
+  /// chain that does not have the vector contain 0. Empty for a number that is none.
+  std::vector<bool> RowsWithValues(std::int32_t iVector) const;
   /// The moment of each row of a fetched table, from the start date with its time of day and the time in its
   /// first column. Empty when the file has no start date or the table no TIME.
   std::vector<Moment> RowDates(const XYData& xyData) const;

@@ -22,7 +22,7 @@ std::uint32_t hashOf(std::string_view text) {
 }  // namespace
 
 std::string_view AttributeStore::fitted(std::string_view item) const {
-  return trimRight(item.substr(0, static_cast<std::size_t>(width_)));
+  return trimRight(trim(item).substr(0, static_cast<std::size_t>(width_)));
 }
 
 /// Place of the text, or the free place where it belongs.

@@ -15,8 +15,8 @@
 namespace lumbarn {
 
 /// A string table that hands out string numbers, from 1. Equal strings get equal numbers. Items are kept
-/// without trailing blanks and characters 0, cut at the store's item width; the use count of an item is the
-/// number of times it was added. Only memory running out makes an operation throw.
+/// without blanks on either side and characters 0 at the end, cut at the store's item width; the use count of
+/// an item is the number of times it was added. Only memory running out makes an operation throw.
 class AttributeStore {
  public:
   /// Prepares an empty store whose items hold up to nWidth bytes; `nItems` and `nGrow` are hints that it does

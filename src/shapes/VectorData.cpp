@@ -1,8 +1,9 @@
 #include "VectorData.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
-#include <limits>
+#include <utility>
 
 #include "../support/Fault.h"
 #include "HeaderLayout.h"
@@ -11,8 +12,20 @@ namespace lumbarn {
 
 namespace {
 
-/// The 16-bit word of an attribute; nullptr for one that has none, as the index with its 32 bits.
-constexpr std::int16_t VECTORDATA::*shortWord(std::int32_t iAttribute) {
+/// The fields in the order in which hosts have them; all but the last have 16 bits there.
+constexpr std::array<std::int32_t VECTORDATA::*, 10> shortFields = {
+    &VECTORDATA::iSource,   &VECTORDATA::iDataKind, &VECTORDATA::iClass,  &VECTORDATA::iUnits,
+    &VECTORDATA::iLGRS,     &VECTORDATA::iVariable, &VECTORDATA::iMember, &VECTORDATA::iLGRName,
+    &VECTORDATA::iLGRClass, &VECTORDATA::iVerbose};
+
+/// One header as hosts have it.
+struct PackedVector {
+  std::array<std::int16_t, shortFields.size()> words;
+  std::int32_t iIndex;
+};
+static_assert(sizeof(PackedVector) == vectorDataBytes);
+
+std::int32_t VECTORDATA::*fieldOf(std::int32_t iAttribute) {
   switch (iAttribute) {
     case attributeUnits:
       return &VECTORDATA::iUnits;
@@ -28,6 +41,8 @@ constexpr std::int16_t VECTORDATA::*shortWord(std::int32_t iAttribute) {
       return &VECTORDATA::iLGRClass;
     case attributeMember:
       return &VECTORDATA::iMember;
+    case attributeIndex:
+      return &VECTORDATA::iIndex;
     case attributeVariable:
       return &VECTORDATA::iVariable;
     case attributeVerbose:
@@ -35,20 +50,8 @@ constexpr std::int16_t VECTORDATA::*shortWord(std::int32_t iAttribute) {
     case attributeLGRS:
       return &VECTORDATA::iLGRS;
     default:
-      return nullptr;
+      throw Fault(FaultNumber::Subscript);
   }
-}
-
-std::int16_t VECTORDATA::*checkedShortWord(std::int32_t iAttribute) {
-  const auto word = shortWord(iAttribute);
-  if (word == nullptr) throw Fault(FaultNumber::Subscript);
-  return word;
-}
-
-std::int16_t asShort(std::int32_t iPointer) {
-  using Limits = std::numeric_limits<std::int16_t>;
-  if (iPointer < Limits::min() || iPointer > Limits::max()) throw Fault(FaultNumber::Overflow);
-  return static_cast<std::int16_t>(iPointer);
 }
 
 }  // namespace
@@ -71,41 +74,46 @@ void redimVECTORDATAArray(std::int32_t nVectors, bool qKeep, std::vector<VECTORD
 }
 
 std::int32_t pointer(const VECTORDATA& xVector, std::int32_t iAttribute) {
-  if (iAttribute == attributeIndex) return xVector.iIndex;
-  return xVector.*checkedShortWord(iAttribute);
+  return xVector.*fieldOf(iAttribute);
 }
 
 void setPointer(VECTORDATA& xVector, std::int32_t iAttribute, std::int32_t iPointer) {
-  if (iAttribute == attributeIndex) {
-    xVector.iIndex = iPointer;
-  } else {
-    xVector.*checkedShortWord(iAttribute) = asShort(iPointer);
-  }
+  xVector.*fieldOf(iAttribute) = iPointer;
 }
 
 void setPointers(std::span<VECTORDATA> xVectors, std::int32_t iAttribute,
                  std::span<const std::int32_t> iPointers) {
   if (iPointers.size() > xVectors.size()) throw Fault(FaultNumber::Subscript);
-  if (iAttribute == attributeIndex) {
-    for (std::size_t i = 0; i < iPointers.size(); ++i) xVectors[i].iIndex = iPointers[i];
-    return;
-  }
-  const auto word = checkedShortWord(iAttribute);
-  for (std::size_t i = 0; i < iPointers.size(); ++i) xVectors[i].*word = asShort(iPointers[i]);
+  const auto field = fieldOf(iAttribute);
+  for (std::size_t i = 0; i < iPointers.size(); ++i) xVectors[i].*field = iPointers[i];
 }
 
 void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK) {
   qOK = false;
-  bPointers = ByteTable(sizeof(VECTORDATA), xVectors.size());
-  if (!xVectors.empty()) std::memcpy(bPointers.bytes().data(), xVectors.data(), xVectors.size_bytes());
+  ByteTable packedVectors(vectorDataBytes, xVectors.size());
+  for (std::size_t i = 0; i < xVectors.size(); ++i) {
+    PackedVector packed{{}, xVectors[i].iIndex};
+    for (std::size_t k = 0; k < shortFields.size(); ++k) {
+      const std::int32_t number = xVectors[i].*shortFields[k];
+      if (!std::in_range<std::int16_t>(number)) return;
+      packed.words[k] = static_cast<std::int16_t>(number);
+    }
+    std::memcpy(packedVectors.entry(i + 1).data(), &packed, sizeof packed);
+  }
+  bPointers = std::move(packedVectors);
   qOK = true;
 }
 
 void setVECTORDATA(const ByteTable& bPointers, std::vector<VECTORDATA>& xVectors, bool& qOK) {
   qOK = false;
-  if (bPointers.width() != sizeof(VECTORDATA)) return;
+  if (bPointers.width() != vectorDataBytes) return;
   xVectors.resize(bPointers.entries());
-  if (!xVectors.empty()) std::memcpy(xVectors.data(), bPointers.bytes().data(), bPointers.bytes().size());
+  for (std::size_t i = 0; i < xVectors.size(); ++i) {
+    PackedVector packed;
+    std::memcpy(&packed, bPointers.entry(i + 1).data(), sizeof packed);
+    for (std::size_t k = 0; k < shortFields.size(); ++k) xVectors[i].*shortFields[k] = packed.words[k];
+    xVectors[i].iIndex = packed.iIndex;
+  }
   qOK = true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -9,24 +10,26 @@
 
 namespace lumbarn {
 
-/// One header in compact form: string numbers into the attribute stores, -1 for not set. 24 bytes, without
-/// padding, as hosts take it byte for byte.
+/// One header in compact form: string numbers into the attribute stores, -1 for not set. Hosts take it as 24
+/// bytes with 16-bit words (see `getVECTORDATA`); here the words have 32 bits, as runs with more than 32,767
+/// different names exist.
 struct VECTORDATA {
-  std::int16_t iSource = -1;    ///< attribute 4
-  std::int16_t iDataKind = -1;  ///< attribute 5
-  std::int16_t iClass = -1;     ///< attribute 6; the key for grouping by class
-  std::int16_t iUnits = -1;     ///< attribute 2
-  std::int16_t iLGRS = -1;      ///< attribute 14
-  std::int16_t iVariable = -1;  ///< attribute 11
-  std::int16_t iMember = -1;    ///< attribute 9
-  std::int16_t iLGRName = -1;   ///< attribute 7
-  std::int16_t iLGRClass = -1;  ///< attribute 8
-  std::int16_t iVerbose = -1;   ///< attribute 12
+  std::int32_t iSource = -1;    ///< attribute 4
+  std::int32_t iDataKind = -1;  ///< attribute 5
+  std::int32_t iClass = -1;     ///< attribute 6; the key for grouping by class
+  std::int32_t iUnits = -1;     ///< attribute 2
+  std::int32_t iLGRS = -1;      ///< attribute 14
+  std::int32_t iVariable = -1;  ///< attribute 11
+  std::int32_t iMember = -1;    ///< attribute 9
+  std::int32_t iLGRName = -1;   ///< attribute 7
+  std::int32_t iLGRClass = -1;  ///< attribute 8
+  std::int32_t iVerbose = -1;   ///< attribute 12
   std::int32_t iIndex = -1;     ///< attribute 10
 
   bool operator==(const VECTORDATA&) const = default;
 };
-static_assert(sizeof(VECTORDATA) == 24);
+
+constexpr std::size_t vectorDataBytes = 24;  ///< of one header as hosts take it
 
 void InitVECTORDATA(VECTORDATA& xVector, bool& qOK);
 void InitVECTORDATAArray(std::vector<VECTORDATA>& xVectors, bool& qOK);
@@ -34,20 +37,20 @@ void InitVECTORDATAArray(std::vector<VECTORDATA>& xVectors, bool& qOK);
 /// initialised.
 void redimVECTORDATAArray(std::int32_t nVectors, bool qKeep, std::vector<VECTORDATA>& xVectors, bool& qOK);
 
-/// The string number of an attribute, and setting it. Throws Fault 6 for a number that does not fit the word,
-/// Fault 9 for an attribute that has no word.
+/// The string number of an attribute, and setting it. Throws Fault 9 for an attribute that has no word.
 std::int32_t pointer(const VECTORDATA& xVector, std::int32_t iAttribute);
 void setPointer(VECTORDATA& xVector, std::int32_t iAttribute, std::int32_t iPointer);
 
 /// The same for the first vectors, one number each, as a store's `StoreAddBlock` gives them. Throws Fault 9
-/// for more numbers than vectors too; the vectors before the one that failed are set.
+/// for more numbers than vectors too.
 void setPointers(std::span<VECTORDATA> xVectors, std::int32_t iAttribute,
                  std::span<const std::int32_t> iPointers);
 
-/// Byte for byte into `bPointers(1..24, 1..N)`, in the machine's byte order.
+/// Writes `bPointers(1..24, 1..N)` in the machine's byte order: ten 16-bit words and the 32-bit index, in the
+/// order of the fields. qOK False, with bPointers as it was, when a number does not fit its word.
 void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK);
-/// And back. qOK False, with the vectors as they were, when an entry has not 24 bytes. The numbers are taken
-/// as they stand: one that its store does not have reads as an empty text.
+/// Reads them back. qOK False, with the vectors as they were, when an entry does not have 24 bytes. Numbers
+/// are not checked: one that its store does not have reads as an empty text.
 void setVECTORDATA(const ByteTable& bPointers, std::vector<VECTORDATA>& xVectors, bool& qOK);
 
 }  // namespace lumbarn

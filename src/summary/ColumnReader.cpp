@@ -40,8 +40,7 @@ void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns
 
 void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int32_t> vectors,
                         XYData& table) {
-  if (table.rows() != rows.size() || table.columns() != vectors.size()) throw Fault(FaultNumber::InvalidCall);
-  rowsDone_ = 0;
+  if (table.rows() < rows.size() || table.columns() != vectors.size()) throw Fault(FaultNumber::InvalidCall);
   vectors_ = vectors;
   const auto all = static_cast<std::size_t>(nValues_);
   elements_.clear();
@@ -81,6 +80,7 @@ void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int
     }
     session_.yield();
   }
+  if (cursor_) cursor_->checkUnchanged();
 }
 
 void ColumnReader::readRow(const RowPlace& row, std::span<float> values) {
@@ -104,8 +104,14 @@ void ColumnReader::readRow(const RowPlace& row, std::span<float> values) {
 }
 
 void ColumnReader::openFile(std::int32_t iFile) {
-  cursor_ = openSummaryData(files_[static_cast<std::size_t>(iFile)], form_, session_);
+  if (cursor_) cursor_->checkUnchanged();
+  const auto file = static_cast<std::size_t>(iFile);
+  std::optional<FileStamp> stamp;
+  cursor_ = openSummaryData(files_[file], form_, session_, stamp);
   if (!cursor_) throw Fault(FaultNumber::FileNotFound);
+  if (stamps_[file]) {
+    if (auto change = changedSince(*stamps_[file], files_[file])) throw BadRecord(std::move(*change));
+  }
   iFile_ = iFile;
 }
 

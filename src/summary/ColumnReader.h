@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,12 +18,14 @@ namespace lumbarn {
 /// turned into pieces of columns.
 class ColumnReader {
  public:
-  ColumnReader(std::span<const std::string> files, const Form& form, std::int32_t nValues, Session& session)
-      : files_(files), form_(form), nValues_(nValues), session_(session) {}
+  ColumnReader(std::span<const std::string> files, std::span<const std::optional<FileStamp>> stamps,
+               const Form& form, std::int32_t nValues, Session& session)
+      : files_(files), stamps_(stamps), form_(form), nValues_(nValues), session_(session) {}
 
-  /// Fills the table, rows.size() by vectors.size(); vectors are numbers from 1, ascending. Throws BadRecord
-  /// at damage that the index did not meet, with `rowsDone` whole rows in the table. Ends early when the load
-  /// is cancelled.
+  /// Fills the first rows.size() rows of the table, one column for each vector; vectors are numbers from 1,
+  /// ascending. Throws BadRecord at damage that the index did not meet, with `rowsDone` rows in the table;
+  /// the next call continues there, for rows of which those done are the same; also (FileChanged) when a file
+  /// is not the one that was indexed. Ends early when the load is cancelled.
   void read(std::span<const RowPlace> rows, std::span<const std::int32_t> vectors, XYData& table);
   std::size_t rowsDone() const { return rowsDone_; }
 
@@ -31,6 +34,7 @@ class ColumnReader {
   void openFile(std::int32_t iFile);
 
   std::span<const std::string> files_;
+  std::span<const std::optional<FileStamp>> stamps_;  // when the rows were indexed
   Form form_;
   std::int32_t nValues_;
   Session& session_;

@@ -14,7 +14,6 @@ namespace lumbarn {
 namespace {
 
 constexpr const char* className = "HorizontalData";
-constexpr std::int32_t labUnits = 3;
 
 std::size_t rowCount(const HorizontalLayout& layout) {
   return layout.iSteps.size() * layout.zVectors.size() + 1;
@@ -215,11 +214,11 @@ void HorizontalData::getHoriz(bool qInflow, std::int32_t iStep, XYData& sData, B
   });
 }
 
-void GetDateStamp(Session& session, Moment start, std::int32_t iUnitSystem, float sTime, std::string& zDate,
+void GetDateStamp(Session& session, Moment start, double unitsPerDay, float sTime, std::string& zDate,
                   bool& qOK) {
   guarded(session, qOK, className, "GetDateStamp", [&] {
     zDate.clear();
-    const auto moment = momentAfter(start, sTime, iUnitSystem == labUnits ? 24 : 1);
+    const auto moment = momentAfter(start, sTime, unitsPerDay);
     if (!moment) return false;
     // Day, month and year only, also for a row in the middle of a day: deliberate, hosts expect three words.
     zDate = dayMonthYear(*moment);
@@ -227,7 +226,7 @@ void GetDateStamp(Session& session, Moment start, std::int32_t iUnitSystem, floa
   });
 }
 
-void GetDateStamp(Session& session, std::string_view zStartDate, std::int32_t iUnitSystem, float sTime,
+void GetDateStamp(Session& session, std::string_view zStartDate, double unitsPerDay, float sTime,
                   std::string& zDate, bool& qOK) {
   guarded(session, qOK, className, "GetDateStamp", [&] {
     zDate.clear();
@@ -239,7 +238,7 @@ void GetDateStamp(Session& session, std::string_view zStartDate, std::int32_t iU
     const auto start = makeMoment(static_cast<int>(*year), monthNumber(parts[1]), static_cast<int>(*day));
     if (!start) return false;
     bool qDone = false;
-    GetDateStamp(session, *start, iUnitSystem, sTime, zDate, qDone);
+    GetDateStamp(session, *start, unitsPerDay, sTime, zDate, qDone);
     return qDone;
   });
 }

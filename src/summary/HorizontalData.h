@@ -88,12 +88,12 @@ void SetHorizData(Session& session, const HorizontalLayout& layout, const XYData
 void SetHorizDataHeaders(Session& session, const HorizontalLayout& layout, const HorizontalSource& source,
                          bool qInflow, bool qMiniSteps, ByteTable& bOut, bool& qOK);
 
-/// The date, "15 JUL 2003", of a time since a start given as "day month year". The time is in hours for unit
-/// system 3, in days for others. qOK False for a text that is no date, or a time beyond all dates.
-void GetDateStamp(Session& session, std::string_view zStartDate, std::int32_t iUnitSystem, float sTime,
+/// The date, "15 JUL 2003", of a time since a start given as "day month year", in a unit of which
+/// `unitsPerDay` make a day. qOK False for a text that is no date, or a time beyond all dates.
+void GetDateStamp(Session& session, std::string_view zStartDate, double unitsPerDay, float sTime,
                   std::string& zDate, bool& qOK);
 /// The same from a start with its time of day.
-void GetDateStamp(Session& session, Moment start, std::int32_t iUnitSystem, float sTime, std::string& zDate,
+void GetDateStamp(Session& session, Moment start, double unitsPerDay, float sTime, std::string& zDate,
                   bool& qOK);
 
 }  // namespace lumbarn

@@ -56,15 +56,13 @@ std::unique_ptr<qvEclipseSPEC> findEarlierRun(std::string_view zRoot, const std:
     auto spec = std::make_unique<qvEclipseSPEC>(session);
     if (spec->CheckSPECFile(candidate)) return spec;
   }
-  Diagnosis missing;
-  missing.path = zLaterRun;
-  missing.keyword = "RESTART";
-  missing.occurrence = 1;
-  missing.problem = "the run that this one restarted from is not found";
-  missing.expected = candidates.front();
-  missing.found = "no summary specification there, nor under the other names that were tried";
-  missing.action = "the restart chain ends here";
-  session.diagnose(std::move(missing));
+  session.diagnose({.message = Message::ChainRunMissing,
+                    .path = zLaterRun,
+                    .keyword = "RESTART",
+                    .occurrence = 1,
+                    .expected = candidates.front(),
+                    .found = "no summary specification there, nor under the other names that were tried",
+                    .action = "the restart chain ends here"});
   return nullptr;
 }
 

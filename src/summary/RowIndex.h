@@ -9,48 +9,55 @@
 #include "../record/RecordCursor.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
+#include "../support/System.h"
 
 namespace lumbarn {
 
-/// One stored row of a summary: where its values stand. Rows are found first and read after, so that the
-/// table can be made at its final size and only wanted columns are ever read.
+/// Position of one stored row of a summary. Rows are indexed before they are read, so that the table is
+/// allocated at its final size and only the wanted columns are read.
 struct RowPlace {
-  std::uint64_t dataAt = 0;  ///< byte offset of the PARAMS data
-  std::int32_t iFile = 0;    ///< file of the set, from 0
-  std::int32_t iStep = 0;    ///< report steps seen in that file, this one included
-  bool regular = true;       ///< places in the data follow from arithmetic
-  float first = 0;           ///< the first value, nearly always the time: the walk has it at hand
+  std::uint64_t dataAt = 0;      ///< byte offset of the PARAMS data
+  std::int32_t iFile = 0;        ///< file of the set, from 0
+  std::int32_t iStep = 0;        ///< SEQHDR records in that file up to the row
+  std::int32_t iReportStep = 0;  ///< report step, see `RowSteps`
+  float first = 0;               ///< the first value, nearly always TIME
+  bool regular = true;           ///< offsets in the data can be computed
 };
 
 /// What is to be indexed.
 struct RowIndexRequest {
   std::vector<std::string> zFiles;
-  Form form;  ///< of files whose own first bytes do not tell
+  Form form;  ///< of files whose form cannot be detected
   bool unified = false;
-  std::int32_t iFirst = -1;  ///< limits of the sequence value in a unified file, -1: open
+  std::int32_t iFirst = -1;  ///< limits of the report step in a unified file, -1: open
   std::int32_t iLast = -1;
-  PositionWords resume;      ///< position in a unified file from which to read, counted from 1
-  std::int32_t nValues = 0;  ///< values that a row must have
+  PositionWords resume;           ///< position in a unified file from which to read, counted from 1
+  std::int32_t nValues = 0;       ///< values that a row must have
+  std::int32_t iRestartStep = 0;  ///< report step at which the run was restarted
+  bool timeFirst = false;         ///< the first value of a row is TIME
 };
 
 /// The rows of one run.
 struct RowIndex {
   std::vector<RowPlace> rows;
+  std::vector<std::optional<FileStamp>> stamps;  ///< state of each file when it was indexed
   PositionWords resume;  ///< of the last SEQHDR read; as requested when there was none
-  bool cutOff = false;  ///< the last record of the last file is not whole: a run that goes on, or was stopped
-  bool damaged = false;  ///< reading ended at damage of another kind
+  bool cutOff = false;   ///< the last row of the last file is incomplete: a run in progress, or stopped
+  bool damaged = false;  ///< rows are missing because of damage of another sort
+  bool faulty = false;   ///< damage after which no rows are missing, or TIME decreases
   bool cancelled = false;
-  bool fellBack = false;  ///< ended where the sequence values of a multiple set fall back
-  bool opened = true;     ///< False: a file could not be opened
+  bool opened = false;  ///< False: there are files, and none of them can be opened
 };
 
-/// Walks the files record by record and reads no value of a row but the first. Ends at the end of the last
-/// file, behind the last wanted step, or at the first damage, which is told as a Diagnosis; the rows before
-/// it are in the index.
+/// Walks the files record by record and reads only the first value of each row. Ends at the end of the last
+/// file, or after the last wanted step. A damaged file contributes the rows before the damage, and of a set
+/// of step files the next one follows. Of several generations of step files in one folder the rows end where
+/// TIME decreases. All of this is reported as Diagnoses.
 RowIndex indexRows(const RowIndexRequest& request, Session& session);
 
-/// A cursor on one file of a set, its form taken from its own first bytes if they tell. Null with a Diagnosis
-/// when the file cannot be opened.
-std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const Form& form, Session& session);
+/// A cursor on one file of a set, in the form of its first header if that is sound, and the state of the
+/// file. Null with a Diagnosis when the file cannot be opened.
+std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const Form& form, Session& session,
+                                              std::optional<FileStamp>& stamp);
 
 }  // namespace lumbarn

@@ -7,6 +7,7 @@
 #include "../support/Fault.h"
 #include "../support/Text.h"
 #include "../vocabulary/Mnemonics.h"
+#include "../vocabulary/Units.h"
 
 namespace lumbarn {
 namespace {
@@ -19,18 +20,10 @@ std::string threeNumbers(std::int32_t a, std::int32_t b, std::int32_t c) {
   return std::to_string(a) + ' ' + std::to_string(b) + ' ' + std::to_string(c);
 }
 
-bool holdsAny(std::string_view text, std::initializer_list<std::string_view> parts) {
-  return std::ranges::any_of(parts, [&](auto part) { return text.find(part) != std::string_view::npos; });
-}
-
-/// What a unit text says of the unit system; 0 for nothing.
-std::int32_t unitSystemOf(std::string_view unit) {
-  const std::string text = upper(unit);
-  if (text == "HOURS") return 3;
-  if (holdsAny(text, {"STB", "PSI", "MSCF", "RB", "FEET", "FT3"})) return 2;
-  if (holdsAny(text, {"ATM"})) return 4;
-  if (holdsAny(text, {"SM3", "BARS", "RM3", "METRES", "M3"})) return 1;
-  return 0;
+bool endsInNumber(std::string_view name, std::string_view number) {
+  if (number.empty() || !name.ends_with(number)) return false;
+  const std::string_view before = name.substr(0, name.size() - number.size());
+  return before.empty() || before.back() < '0' || before.back() > '9';
 }
 
 }  // namespace
@@ -127,9 +120,9 @@ void SpecProcessing::vector(std::size_t i) {
     setPointer(xVector, attributeLGRClass, mnemonic_.iLGRClass);
   }
   setClass(xVector, zClass);
-  if (zClass == "MISCELLANEOUS") return;
+  setMember(i, zIndex);
+  if (mnemonic_.miscellaneous || zClass == "MISCELLANEOUS") return;
 
-  setMember(i);
   if (std::string_view("ABCRS").find(c) != std::string_view::npos) {
     xVector.iIndex = add(attributeIndex, index_, zIndex);
   }
@@ -149,11 +142,11 @@ void SpecProcessing::setLGRName(VECTORDATA& xVector) {
   setPointer(xVector, attributeLGRName, add(attributeLGRName, lgrName_, name.substr(0, 16)));
 }
 
-void SpecProcessing::setMember(std::size_t i) {
+void SpecProcessing::setMember(std::size_t i, std::string_view zIndex) {
   VECTORDATA& xVector = spec_.xVectors[i];
   const auto owner = std::ranges::find(dummies_, mnemonic_.letter, &DummyCount::letter);
-  if (owner == dummies_.end()) {
-    xVector.iMember = -1;
+  if (mnemonic_.miscellaneous || owner == dummies_.end()) {
+    if (!distinguishes(i, zIndex)) xVector.iMember = -1;
     return;
   }
   if (owner->letter == 'C') spec_.qPerforations = true;
@@ -161,6 +154,20 @@ void SpecProcessing::setMember(std::size_t i) {
     spec_.qKeyMask[i] = false;
     ++owner->count;
   }
+}
+
+/// Whether the name of a vector whose class has no wells, groups, segments or nodes belongs to it: writers
+/// invent mnemonics ("#WSTATH1") that occur once for each well. Names that only repeat the class or the
+/// vector's own number ("FIELD", "REGION 3") do not count.
+bool SpecProcessing::distinguishes(std::size_t i, std::string_view zIndex) const {
+  const std::int32_t number = spec_.xVectors[i].iMember;
+  if (number < 1 || number == dummy_) return false;
+  const std::string_view name = spec_.xStore(attributeMember).item(number);
+  if (name.empty() || equalNoCase(name, "FIELD")) return false;
+  if (mnemonic_.miscellaneous || std::string_view("ABR").find(mnemonic_.letter) == std::string_view::npos) {
+    return true;
+  }
+  return !endsInNumber(name, std::to_string(spec_.iNUMS[i])) && !endsInNumber(name, zIndex);
 }
 
 /// Dummies read as blank from here on, and so do the members of vectors that have none.
@@ -193,13 +200,13 @@ void SpecProcessing::setUnitSystem() {
   const AttributeStore& units = spec_.xStore(attributeUnits);
   std::vector<std::int32_t> systems(static_cast<std::size_t>(units.count()) + 1);
   for (std::int32_t number = 1; number <= units.count(); ++number) {
-    systems[static_cast<std::size_t>(number)] = unitSystemOf(units.item(number));
+    systems[static_cast<std::size_t>(number)] = unitSystemOfUnit(units.item(number));
   }
   for (const VECTORDATA& xVector : spec_.xVectors) {
     if (xVector.iUnits < 1) continue;
     const std::int32_t system = systems[static_cast<std::size_t>(xVector.iUnits)];
     if (system != 0) spec_.iUnitSystem = system;
-    if (system > 1) return;  // metric units stand in files of the other systems too, so they do not settle it
+    if (system > metricUnits) return;  // metric units occur in files of the other systems too
   }
 }
 

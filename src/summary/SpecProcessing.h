@@ -43,7 +43,8 @@ class SpecProcessing {
   std::string index(std::size_t i) const;
   void setClass(VECTORDATA& xVector, std::string_view zClass);
   void setLGRName(VECTORDATA& xVector);
-  void setMember(std::size_t i);
+  void setMember(std::size_t i, std::string_view zIndex);
+  bool distinguishes(std::size_t i, std::string_view zIndex) const;
   void setUnitSystem();
   void blankDummies();
   void adjustClassCounts();

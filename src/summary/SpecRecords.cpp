@@ -9,13 +9,14 @@
 #include "../shapes/HeaderLayout.h"
 #include "../support/Fault.h"
 #include "../support/Text.h"
+#include "../vocabulary/Units.h"
 
 namespace lumbarn {
 namespace {
 
-constexpr std::array<std::string_view, 16> usedRecords = {
-    "DIMENS", "NUMS",    "STARTDAT", "NUMLX", "NUMLY", "NUMLZ",    "LENGTHS",  "RESTART",
-    "NAMES",  "WGNAMES", "KEYWORDS", "UNITS", "LGRS",  "LGRNAMES", "STEPRESN", "LENUNITS"};
+constexpr std::array<std::string_view, 17> usedRecords = {
+    "INTEHEAD", "DIMENS",  "NUMS",     "STARTDAT", "NUMLX", "NUMLY",    "NUMLZ",    "LENGTHS", "RESTART",
+    "NAMES",    "WGNAMES", "KEYWORDS", "UNITS",    "LGRS",  "LGRNAMES", "STEPRESN", "LENUNITS"};
 
 std::string startDate(const std::vector<std::int32_t>& words) {
   if (words.size() < 3) return {};
@@ -28,19 +29,6 @@ std::string restartName(RecordCursor& cursor) {
   std::string name(static_cast<std::size_t>(header.count) * static_cast<std::size_t>(header.width), ' ');
   cursor.readText(name);
   return std::string(trim(cutAtNul(name)));
-}
-
-std::string_view attributeRecord(std::int32_t iAttribute) {
-  switch (iAttribute) {
-    case attributeVariable:
-      return "KEYWORDS";
-    case attributeMember:
-      return "WGNAMES";
-    case attributeUnits:
-      return "UNITS";
-    default:
-      return "LGRS";
-  }
 }
 
 }  // namespace
@@ -63,10 +51,13 @@ bool SpecRecords::read() {
   return true;
 }
 
-bool SpecRecords::wanted() const {
+bool SpecRecords::wanted() {
   if (std::ranges::find(usedRecords, cursor_.header().keyword) == usedRecords.end()) return false;
-  if (cursor_.occurrence() == 1) return true;
-  tell(cursor_.header().keyword, "record stands more than once", "used the first one");
+  if (cursor_.occurrence() == 1) {
+    headerAt_.emplace(cursor_.header().keyword, cursor_.header().headerAt);
+    return true;
+  }
+  report(Message::SpecRecordTwice, cursor_.header().keyword, "used the first one");
   return false;
 }
 
@@ -79,32 +70,45 @@ void SpecRecords::take() {
 }
 
 void SpecRecords::takeNumbers(std::string_view keyword) {
+  const RecordHeader& header = cursor_.header();
   const std::pair<std::string_view, std::vector<std::int32_t>*> arrays[] = {
       {"DIMENS", &spec_.iDIMENS}, {"NUMS", &spec_.iNUMS},   {"STARTDAT", &spec_.iSTARTDAT},
       {"NUMLX", &spec_.iNUMLX},   {"NUMLY", &spec_.iNUMLY}, {"NUMLZ", &spec_.iNUMLZ}};
   for (const auto& [name, array] : arrays) {
     if (name == keyword) *array = cursor_.integers();
   }
+  if (keyword == "INTEHEAD" && header.count > 0) {
+    std::int32_t system = 0;
+    cursor_.read(std::span(&system, 1));
+    if (unitSystemOfNumber(system) != 0) spec_.iUnitSystem = system;
+  }
   if (keyword == "DIMENS" && spec_.iDIMENS.size() > 5) spec_.iRestartStep = std::max(spec_.iDIMENS[5], 0);
   if (keyword == "STARTDAT") {
     spec_.zStartDate = startDate(spec_.iSTARTDAT);
-    if (!spec_.start()) tell(keyword, "record holds no date", "left the date of the start as it stands");
+    if (!spec_.start()) report(Message::SpecStartDate, keyword, "rows have no dates");
   }
 }
 
 void SpecRecords::takeText(std::string_view keyword) {
   if (keyword == "RESTART") spec_.zRestartName = restartName(cursor_);
-  if (keyword == "LENUNITS") spec_.zLENUNITS = cursor_.texts();
+  if (keyword == "LENUNITS") {
+    spec_.zLENUNITS = cursor_.texts();
+    for (std::string& unit : spec_.zLENUNITS) unit = std::string(trim(unit));
+  }
   if (keyword == "STEPRESN") spec_.zSTEPRESN = cursor_.texts();
   if (keyword == "LGRNAMES") spec_.nLGRs = static_cast<std::int32_t>(cursor_.header().count);
   if (keyword == "UNITS") spec_.nUnits = addTexts(attributeUnits);
   if (keyword == "LGRS") addTexts(attributeLGRS);
   // NAMES are the long names of newer writers; where WGNAMES stands beside them, it has them cut to 8.
   if (keyword == "NAMES") {
+    spec_.nNameWidth = cursor_.header().width;
     addTexts(attributeMember);
     haveLongNames_ = true;
   }
-  if (keyword == "WGNAMES" && !haveLongNames_) addTexts(attributeMember);
+  if (keyword == "WGNAMES" && !haveLongNames_) {
+    spec_.nNameWidth = cursor_.header().width;
+    addTexts(attributeMember);
+  }
   if (keyword == "KEYWORDS") {
     spec_.nVectors = addTexts(attributeVariable);
     spec_.qKeyMask.assign(static_cast<std::size_t>(spec_.nVectors), true);
@@ -138,14 +142,10 @@ void SpecRecords::join() {
   for (const std::int32_t iAttribute : {attributeVariable, attributeMember, attributeUnits, attributeLGRS}) {
     const std::vector<std::int32_t>& numbers = pointers_[static_cast<std::size_t>(iAttribute)];
     const std::size_t count = std::min(numbers.size(), vectors);
-    if (spec_.xStore(iAttribute).count() > std::numeric_limits<std::int16_t>::max()) {
-      tell(attributeRecord(iAttribute), "record holds more different texts than a header can number",
-           "stopped");
-    }
     for (std::size_t i = 0; i < count; ++i) setPointer(spec_.xVectors[i], iAttribute, numbers[i]);
   }
   if (!haveKeywords_) {
-    tell("KEYWORDS", "record is missing", "found no vectors");
+    report(Message::SpecRecordMissing, "KEYWORDS", "found no vectors");
   } else {
     checkCount(haveLongNames_ ? "NAMES" : "WGNAMES", pointers_[attributeMember].size(), true);
     checkCount("UNITS", pointers_[attributeUnits].size(), true);
@@ -155,7 +155,7 @@ void SpecRecords::join() {
     checkCount("NUMLY", spec_.iNUMLY.size(), false);
     checkCount("NUMLZ", spec_.iNUMLZ.size(), false);
     if (spec_.iSTARTDAT.empty() && atEnd_)
-      tell("STARTDAT", "record is missing", "left the rows without dates");
+      report(Message::SpecRecordMissing, "STARTDAT", "rows have no dates");
   }
   for (auto* array : {&spec_.iNUMS, &spec_.iNUMLX, &spec_.iNUMLY, &spec_.iNUMLZ}) array->resize(vectors, 0);
 }
@@ -164,21 +164,26 @@ void SpecRecords::checkCount(std::string_view keyword, std::size_t found, bool n
   const auto expected = static_cast<std::size_t>(spec_.nVectors);
   if (found == expected) return;
   if (found == 0 && (!needed || !atEnd_)) return;  // behind damage, what is missing needs no second word
-  spec_.session().diagnose(Diagnosis{.path = cursor_.path(),
-                                     .problem = "record has not one element for each vector",
-                                     .keyword = std::string(keyword),
-                                     .occurrence = found == 0 ? 0 : 1,
-                                     .expected = std::to_string(expected),
-                                     .found = std::to_string(found),
-                                     .action = "used it as far as it goes",
-                                     .certainty = Certainty::Likely});
+  const auto at = headerAt_.find(keyword);
+  if (at == headerAt_.end()) return report(Message::SpecRecordMissing, keyword, "read as blank or 0");
+  spec_.session().diagnose({.message = Message::SpecRecordLength,
+                            .path = cursor_.path(),
+                            .keyword = std::string(keyword),
+                            .occurrence = 1,
+                            .offset = at->second,
+                            .expected = std::to_string(expected) + " elements",
+                            .found = std::to_string(found),
+                            .action = "used it as far as it goes",
+                            .certainty = Certainty::Likely});
 }
 
-void SpecRecords::tell(std::string_view keyword, std::string_view problem, std::string_view action) const {
-  Diagnosis diagnosis{
-      .path = cursor_.path(), .problem = std::string(problem), .keyword = std::string(keyword)};
+void SpecRecords::report(Message message, std::string_view keyword, std::string_view action) const {
+  Diagnosis diagnosis{.message = message, .path = cursor_.path(), .keyword = std::string(keyword)};
   diagnosis.action = action;
-  if (keyword == cursor_.header().keyword) {
+  if (message == Message::SpecRecordMissing) {
+    diagnosis.offset = cursor_.nextPosition();
+    diagnosis.found = "end of file";
+  } else {
     diagnosis.occurrence = cursor_.occurrence();
     diagnosis.offset = cursor_.header().headerAt;
   }

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,13 +33,14 @@ class SpecRecords {
   void takeText(std::string_view keyword);
   void takeNumbers(std::string_view keyword);
   std::int32_t addTexts(std::int32_t iAttribute);
-  bool wanted() const;
+  bool wanted();
   void checkCount(std::string_view keyword, std::size_t found, bool needed);
-  void tell(std::string_view keyword, std::string_view problem, std::string_view action) const;
+  void report(Message message, std::string_view keyword, std::string_view action) const;
 
   qvEclipseSPEC& spec_;
   RecordCursor& cursor_;
-  std::array<std::vector<std::int32_t>, 15> pointers_;  // by attribute: string number of each item
+  std::array<std::vector<std::int32_t>, 15> pointers_;          // by attribute: string number of each item
+  std::map<std::string, std::uint64_t, std::less<>> headerAt_;  // of the records that are used
   bool haveKeywords_ = false;
   bool haveLongNames_ = false;
   bool atEnd_ = false;

@@ -5,6 +5,7 @@
 #include "../shapes/HeaderLayout.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
+#include "../vocabulary/Units.h"
 #include "SummaryMerge.h"
 #include "qvEclipseSUMMARYFile.h"
 
@@ -57,13 +58,16 @@ bool qvEclipseSUMMARYFile::getDataUsedForHorizontalWells(ByteTable& bHeaders, XY
     XYData sEarlier;
     std::vector<float> sEarlierLengths;
     std::string zEarlierUnits;
-    // Deliberate: an earlier run that has no such data, or does not fit, is passed over without a word.
+    // Deliberate: an earlier run that has no such data, or does not fit, is skipped without a report.
     if (!readConnections(*xSPEC[run], *xSUMMARY[run], bEarlier, sEarlier, sEarlierLengths, zEarlierUnits))
       continue;
     bool qMerged = false;
     mergeSUMMARYHorizData(*session_, bEarlier, sEarlier, sEarlierLengths, bHeaders, sData, sLengths, false,
                           qMerged);
   }
+  // Deliberate: steps, rows and dates of profiles are those of the newest run also where rows of earlier runs
+  // precede its own. Hosts know it so; each profile that is fetched is reported with a remark.
+  profilesOfChain_ = sData.rows() > xSUMMARY.front()->rows().size();
   const auto source = headerField(attributeSource);
   for (std::size_t i = 1; i <= bHeaders.entries(); ++i)
     bHeaders.put(i, source.firstByte, source.width, zOrigin);
@@ -76,6 +80,7 @@ void qvEclipseSUMMARYFile::getHorizontalData(std::int32_t iStep, bool qInflow, X
     bool qDone = false;
     horizontal_.getHoriz(qInflow, iStep, xyData, bHeaders, qDone);
     if (!qDone) return false;
+    if (profilesOfChain_) session_->diagnose({.message = Message::ChainProfiles, .path = zFileName});
     GetDateStamp(horizontal_.iHorizSteps.at(static_cast<std::size_t>(iStep - 1)), zDate, qDone);
     return qDone;
   });
@@ -91,7 +96,8 @@ void qvEclipseSUMMARYFile::GetDateStamp(std::int32_t iRow, std::string& zDate, b
     if (iRow < 1 || static_cast<std::size_t>(iRow) > times_.size()) throw Fault(FaultNumber::Subscript);
     // The date alone, deliberately: the time of day that hosts of old might add is that of today's date,
     // which has none.
-    lumbarn::GetDateStamp(*session_, zStartDate, iUnits, times_[static_cast<std::size_t>(iRow - 1)], zDate,
+    const double perDay = timeUnit_.empty() ? unitsPerDay(iUnits) : unitsPerDay(timeUnit_);
+    lumbarn::GetDateStamp(*session_, zStartDate, perDay, times_[static_cast<std::size_t>(iRow - 1)], zDate,
                           qDone);
     return qDone;
   });

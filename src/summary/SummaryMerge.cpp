@@ -10,6 +10,7 @@
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
+#include "ChainPlan.h"
 #include "ScratchFile.h"
 #include "SummaryMatch.h"
 
@@ -17,75 +18,34 @@ namespace lumbarn {
 namespace {
 
 constexpr const char* className = "SummaryMerge";
-constexpr std::size_t yieldInterval = 1000;  // columns
+constexpr char separator = '\0';  // between the parts of a key; "P1", "12" and "P11", "2" differ by it
 constexpr std::array<std::int32_t, 6> keyAttributes = {
     attributeVariable, attributeClass, attributeMember, attributeIndex, attributeLGRName, attributeLGRClass};
 
-/// What the table of a merge is made of. Rows: `keep` old ones, then the main ones. Columns: the main ones,
-/// then the new ones.
-struct MergePlan {
-  const XYData& sOld;
-  std::span<const std::int32_t> iNew;
-  std::span<const std::int32_t> iMatch;
-  const XYData& sMain;
-  std::size_t keep = 0;
-  std::size_t mainColumns = 0;
-
-  std::size_t rows() const { return keep + sMain.rows(); }
-  std::size_t columns() const { return mainColumns + iNew.size(); }
-
-  /// One column, from 1, of the new table; all of `out` is written.
-  void fill(std::size_t column, std::span<float> out) const {
-    const bool isMain = column <= mainColumns;
-    const std::int32_t source = isMain ? iMatch[column - 1] : iNew[column - mainColumns - 1];
-    const auto front = out.first(keep);
-    if (source != 0 && keep > 0) {
-      std::ranges::copy(sOld.column(static_cast<std::size_t>(source)).first(keep), front.begin());
-    } else {
-      std::ranges::fill(front, 0.0F);
-    }
-    if (isMain && sMain.rows() > 0) {
-      std::ranges::copy(sMain.column(column), out.begin() + static_cast<std::ptrdiff_t>(keep));
-    } else {
-      std::ranges::fill(out.subspan(keep), 0.0F);
-    }
-  }
-};
-
-MergePlan planMerge(const XYData& sOld, std::span<const std::int32_t> iNew, std::int32_t nNew,
-                    std::span<const std::int32_t> iMatch, const XYData& sMain) {
-  MergePlan plan{
-      .sOld = sOld, .iNew = iNew.first(static_cast<std::size_t>(nNew)), .iMatch = iMatch, .sMain = sMain};
-  plan.mainColumns = sMain.columns() > 0 ? sMain.columns() : iMatch.size();
-  if (iMatch.size() < plan.mainColumns) throw Fault(FaultNumber::Subscript);
-  if (sOld.empty()) return plan;
+/// Rows of the earlier run that precede the main table.
+std::size_t rowsBefore(const XYData& sMain, const XYData& sOld) {
+  if (sOld.empty()) return 0;
   const auto times = sOld.column(1);
-  if (sMain.empty()) {
-    plan.keep = times.size();
-  } else {
-    const float t0 = sMain(1, 1);
-    const auto end = std::ranges::find_if(times, [t0](float time) { return !(time < t0); });
-    plan.keep = static_cast<std::size_t>(end - times.begin());
-  }
-  return plan;
+  if (sMain.empty()) return times.size();
+  const float t0 = sMain(1, 1);
+  const auto end = std::ranges::find_if(times, [t0](float time) { return !(time < t0); });
+  return static_cast<std::size_t>(end - times.begin());
 }
 
-/// False when the load was cancelled.
-bool writeMerged(Session& session, const MergePlan& plan, ScratchFile& scratch) {
-  constexpr std::size_t atOnce = 1U << 18;  // values in one write, so that short columns share one
-  std::vector<float> buffer;
-  for (std::size_t column = 1; column <= plan.columns(); ++column) {
-    if (column % yieldInterval == 0 && session.yield()) return false;
-    const std::size_t end = buffer.size();
-    buffer.resize(end + plan.rows());
-    plan.fill(column, std::span(buffer).subspan(end));
-    if (buffer.size() >= atOnce || column == plan.columns()) {
-      scratch.write(std::span<const float>(buffer));
-      buffer.clear();
-    }
-  }
-  scratch.finish();
-  return true;
+/// The chain of the two tables. A main table without rows may have no columns either; iMatch counts them.
+ChainPlan planMerge(const XYData& sOld, std::span<const std::int32_t> iNew,
+                    std::span<const std::int32_t> iMatch, const XYData& sMain) {
+  const std::size_t mainColumns = sMain.columns() > 0 ? sMain.columns() : iMatch.size();
+  if (iMatch.size() < mainColumns) throw Fault(FaultNumber::Subscript);
+  ChainPart main{.rows = sMain.rows(), .sources = {}};
+  for (std::size_t i = 1; i <= mainColumns; ++i) main.sources.push_back({static_cast<std::int32_t>(i)});
+  ChainPart old{.rows = rowsBefore(sMain, sOld), .sources = {}};
+  for (const std::int32_t number : iMatch.first(mainColumns)) old.sources.push_back({number});
+  for (const std::int32_t number : iNew) old.sources.push_back({number});
+  ChainPlan plan;
+  plan.add(std::move(main));
+  plan.add(std::move(old));
+  return plan;
 }
 
 /// The old main table from the file of the new one.
@@ -99,35 +59,31 @@ void restore(const Session& session, const ScratchFile& scratch, std::size_t fil
   }
 }
 
-bool mergeThroughScratch(Session& session, const MergePlan& plan, XYData& sMain) {
+bool mergeThroughScratch(Session& session, const ChainPlan& plan, const XYData& sOld, XYData& sMain) {
   const std::size_t rows = plan.rows(), columns = plan.columns(), mainColumns = sMain.columns();
-  session.checkMemory(rows * columns * sizeof(float));  // before the old table is given up
+  session.checkMemory(rows * columns * sizeof(float));  // before the old table is released
   ScratchFile scratch("MS");
-  if (!writeMerged(session, plan, scratch)) return false;
+  const XYData* const tables[] = {&sMain, &sOld};
+  if (!fillScratchFile(session, plan, tables, scratch)) return false;
   sMain = XYData();
   try {
     sMain = XYData(rows, columns, session);
     scratch.read(sMain.values());
   } catch (const Fault&) {
-    restore(session, scratch, rows, plan.keep, mainColumns, sMain);
+    restore(session, scratch, rows, plan.parts()[1].rows, mainColumns, sMain);
     throw;
   }
   return true;
 }
 
-bool mergeInMemory(Session& session, const MergePlan& plan, XYData& sMain) {
+bool mergeTables(Session& session, const ChainPlan& plan, const XYData& sOld, XYData& sMain) {
   XYData merged;
+  const XYData* const tables[] = {&sMain, &sOld};
   try {
-    merged = XYData(plan.rows(), plan.columns(), session);
+    if (!fillTable(session, plan, tables, merged)) return false;
   } catch (const Fault& fault) {
     if (fault.number() != FaultNumber::OutOfMemory) throw;
-    return mergeThroughScratch(session, plan, sMain);
-  }
-  if (plan.rows() > 0) {
-    for (std::size_t column = 1; column <= plan.columns(); ++column) {
-      if (column % yieldInterval == 0 && session.yield()) return false;
-      plan.fill(column, merged.column(column));
-    }
+    return mergeThroughScratch(session, plan, sOld, sMain);
   }
   sMain = std::move(merged);
   return true;
@@ -169,6 +125,7 @@ void createSummaryList(Session& session, const ByteTable& bHeaders, std::vector<
       for (const std::int32_t iAttribute : keyAttributes) {
         const HeaderField field = headerField(iAttribute);
         zKeys[i] += bHeaders.get(i + 1, field.firstByte, field.width);
+        zKeys[i] += separator;
       }
     }
     setLengths(zKeys, nLengths);
@@ -185,7 +142,8 @@ void createStoreSummaryList(Session& session, const AttributeStores& xStore, con
     zKeys.assign(bPointers.entries(), {});
     for (std::size_t i = 0; i < zKeys.size(); ++i) {
       for (const std::int32_t iAttribute : keyAttributes) {
-        zKeys[i] += trim(xStore(iAttribute).item(pointer(xVectors[i], iAttribute)));
+        zKeys[i] += xStore(iAttribute).item(pointer(xVectors[i], iAttribute));
+        zKeys[i] += separator;
       }
     }
     setLengths(zKeys, nLengths);
@@ -213,7 +171,7 @@ void checkStoreSummaryList(Session& session, const AttributeStores& xStoreOld, c
                            std::vector<std::int32_t>& iNew, std::int32_t& nNew,
                            std::vector<std::int32_t>& iMatch, bool& qOK) {
   guarded(session, qOK, className, "checkStoreSummaryList", [&] {
-    if (bPointersOld.width() < sizeof(VECTORDATA) || bPointersMain.width() < sizeof(VECTORDATA)) return false;
+    if (bPointersOld.width() < vectorDataBytes || bPointersMain.width() < vectorDataBytes) return false;
     std::vector<std::string> zOld, zMain;
     std::vector<std::int32_t> nOld, nMain;
     bool qKeys = false;
@@ -258,8 +216,9 @@ void mergeStoreHeaders(Session& session, const AttributeStores& xStoreOld, const
 void mergeData(Session& session, const XYData& sOld, std::span<const std::int32_t> iNew, std::int32_t nNew,
                std::span<const std::int32_t> iMatch, XYData& sMain, bool& qOK) {
   guarded(session, qOK, className, "mergeData", [&] {
-    const MergePlan plan = planMerge(sOld, iNew, nNew, iMatch, sMain);
-    return (plan.keep < 1 && nNew < 1) || mergeInMemory(session, plan, sMain);
+    iNew = iNew.first(static_cast<std::size_t>(nNew));
+    const ChainPlan plan = planMerge(sOld, iNew, iMatch, sMain);
+    return (plan.parts()[1].rows == 0 && iNew.empty()) || mergeTables(session, plan, sOld, sMain);
   });
 }
 
@@ -267,8 +226,9 @@ void mergeDataFormScratchfile(Session& session, const XYData& sOld, std::span<co
                               std::int32_t nNew, std::span<const std::int32_t> iMatch, XYData& sMain,
                               bool& qOK) {
   guarded(session, qOK, className, "mergeDataFormScratchfile", [&] {
-    const MergePlan plan = planMerge(sOld, iNew, nNew, iMatch, sMain);
-    return (plan.keep < 1 && nNew < 1) || mergeThroughScratch(session, plan, sMain);
+    iNew = iNew.first(static_cast<std::size_t>(nNew));
+    const ChainPlan plan = planMerge(sOld, iNew, iMatch, sMain);
+    return (plan.parts()[1].rows == 0 && iNew.empty()) || mergeThroughScratch(session, plan, sOld, sMain);
   });
 }
 

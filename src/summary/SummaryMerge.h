@@ -35,7 +35,7 @@ void mergeSUMMARYHorizData(Session& session, const ByteTable& bOld, const XYData
                            std::vector<float>& sLengthsMain, bool qPerforations, bool& qOK);
 
 /// Per header the text by which it is matched, and its length: variable, class, member, index, LGR name and
-/// LGR class, each trimmed, one behind the other.
+/// LGR class, each trimmed and followed by a character 0.
 void createSummaryList(Session& session, const ByteTable& bHeaders, std::vector<std::string>& zKeys,
                        std::vector<std::int32_t>& nLengths, bool& qOK);
 void createStoreSummaryList(Session& session, const AttributeStores& xStore, const ByteTable& bPointers,

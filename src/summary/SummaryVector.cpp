@@ -12,8 +12,6 @@
 namespace lumbarn {
 namespace {
 
-constexpr std::array<std::string_view, 5> classesWithMember = {"COMPLETIONS", "GROUPS", "NODES", "SEGMENTS",
-                                                               "WELLS"};
 constexpr std::array<std::string_view, 6> classesWithIndex = {"AQUIFERS", "BLOCKS",  "COMPLETIONS",
                                                               "IRF",      "REGIONS", "SEGMENTS"};
 
@@ -120,7 +118,7 @@ void readName(SummaryVector& vector, Text&& text) {
   vector.lgr = inLGR ? text(attributeLGRName) : std::string_view();
   vector.lgrClass = inLGR ? text(attributeLGRClass) : std::string_view();
   const std::string_view owner = inLGR ? vector.lgrClass : vector.classWord;
-  vector.member = isOneOf(owner, classesWithMember) ? trim(text(attributeMember)) : std::string_view();
+  vector.member = text(attributeMember);  // blank where the vector has none
   vector.index = isOneOf(owner, classesWithIndex) ? text(attributeIndex) : std::string_view();
   readIndex(vector);
   makeName(vector);

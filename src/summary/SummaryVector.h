@@ -19,12 +19,12 @@ namespace lumbarn {
 struct SummaryVector {
   std::size_t column = 0;  ///< number, from 1, in the specification or the header array it comes from
   std::string mnemonic;
-  std::string classWord;                            ///< "WELLS", "FIELD", ..., "LGR", "MISCELLANEOUS"
-  std::string lgr;                                  ///< name of the local grid, for class "LGR"
-  std::string lgrClass;                             ///< class within it
-  std::string member;                               ///< well, group or node
-  std::optional<std::array<std::int32_t, 3>> cell;  ///< i, j, k of its grid, from 1
-  std::optional<std::int32_t> number;               ///< region, aquifer or segment
+  std::string classWord;  ///< "WELLS", "FIELD", ..., "LGR", "MISCELLANEOUS"
+  std::string lgr;        ///< name of the local grid, for class "LGR"
+  std::string lgrClass;   ///< class within it
+  std::string member;     ///< well, group or node; for other classes a name that tells the vector from others
+  std::optional<std::array<std::int32_t, 3>> cell;                  ///< i, j, k of its grid, from 1
+  std::optional<std::int32_t> number;                               ///< region, aquifer or segment
   std::optional<std::pair<std::int32_t, std::int32_t>> regionPair;  ///< flow from the first to the second
   std::string index;  ///< cell, number or pair as the header has it: "10 4 3", "2", "1-2"
   std::string units;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <unordered_map>
 
 #include "../support/Pattern.h"
@@ -31,6 +32,10 @@ std::string onlyStarAndQuestion(std::string_view pattern) {
     }
   }
   return plain;
+}
+
+bool hasOtherThanAscii(std::string_view name) {
+  return std::ranges::any_of(name, [](char c) { return static_cast<unsigned char>(c) > 127; });
 }
 
 class Names {
@@ -65,9 +70,9 @@ class Names {
                  std::vector<std::string>& unmatched) {
     for (const std::string& list : lists) {
       const std::string_view whole = trim(list);
-      if (whole.find(',') != std::string_view::npos && markName(whole, marks)) continue;
+      if (whole.find(',') != std::string_view::npos && markName(toUtf8(whole), marks)) continue;
       for (std::string& pattern : splitPatterns(whole)) {
-        if (!markPattern(pattern, marks)) unmatched.push_back(std::move(pattern));
+        if (!markPattern(toUtf8(pattern), marks)) unmatched.push_back(std::move(pattern));
       }
     }
   }
@@ -133,6 +138,11 @@ bool MnemonicFilter::operator()(std::string_view mnemonic) const {
 
 VectorSelection selectVectors(std::span<const std::string> vectorNames, std::span<const std::string> only,
                               std::span<const std::string> except) {
+  std::vector<std::string> converted;
+  if (std::ranges::any_of(vectorNames, hasOtherThanAscii)) {
+    std::ranges::transform(vectorNames, std::back_inserter(converted), toUtf8);
+    vectorNames = converted;
+  }
   Names names(vectorNames);
   VectorSelection selection;
   selection.mask.assign(vectorNames.size(), only.empty());

@@ -36,11 +36,11 @@ struct VectorSelection {
   std::vector<std::string> unmatched;  ///< patterns that fit no vector, as given, those to keep first
 };
 
-/// Chooses vectors by their full names (`summaryNames`), without regard to case; `*` stands for any
-/// characters and `?` for one. Each text of `only` and `except` is a list as `splitPatterns` takes it. Keeps
-/// what fits a pattern of `only`, or everything when that is empty, less what fits one of `except`. A text
-/// that is the full name of a vector letter by letter means that vector, whatever commas or wildcards the
-/// name holds.
+/// Chooses vectors by their full names (`summaryNames`), without regard to case, in UTF-8 or Latin-1; `*`
+/// stands for any characters and `?` for one. Each text of `only` and `except` is a list as `splitPatterns`
+/// takes it. Keeps what fits a pattern of `only`, or everything when that is empty, less what fits one of
+/// `except`. A text that is the full name of a vector letter by letter means that vector, whatever commas or
+/// wildcards the name holds.
 VectorSelection selectVectors(std::span<const std::string> vectorNames, std::span<const std::string> only,
                               std::span<const std::string> except);
 

@@ -100,16 +100,19 @@ bool qvEclipseSPEC::readRecords() {
   std::string error;
   std::shared_ptr<const ByteSource> source = FileSource::open(zFileName, error);
   if (!source) {
-    session_->diagnose(Diagnosis{.path = zFileName, .problem = error});
+    session_->diagnose(
+        {.message = Message::FileOpen, .path = zFileName, .problem = "cannot be opened: " + error});
     return false;
   }
   cFILETYPE xFile(*session_);
   bool qOK = false;
   setSPECFileTypeProps(xFile, qOK);
   RecordCursor cursor(std::move(source), xFile.form(), zFileName);
+  cursor.attach(*session_, RecordFile::Specification);
   SpecRecords records(*this, cursor);
   try {
     if (!records.read()) return false;
+    cursor.checkUnchanged();
   } catch (BadRecord& damage) {
     if (!records.haveKeywords()) {
       damage.diagnosis().action = "read no vectors";
@@ -230,6 +233,14 @@ void qvEclipseSPEC::getStoreHeaders(AttributeStores& xStores, ByteTable& bPointe
     xStores = xStore;
     bool qDone = false;
     getVECTORDATA(keptVectors(), bPointers, qDone);
+    if (!qDone) {
+      session_->diagnose({.message = Message::HeaderNumbers,
+                          .path = zFileName,
+                          .expected = "at most 32767",
+                          .found = std::to_string(xStore(attributeMember).count()) + " names and " +
+                                   std::to_string(xStore(attributeVariable).count()) + " mnemonics",
+                          .action = "returned no headers; headers of 233 bytes have no such limit"});
+    }
     return qDone;
   });
 }

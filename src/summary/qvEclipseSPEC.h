@@ -42,12 +42,14 @@ class qvEclipseSPEC : public FormFlags {
   std::string zStartDate;         ///< "1 JAN 2015"; empty without STARTDAT
   std::string zRestartName;       ///< root name of the run that this one restarted from, or empty
   std::int32_t iRestartStep = 0;  ///< report step of that restart, 0 if none
-  std::int32_t iUnitSystem = 2;   ///< 1 metric, 2 field, 3 lab, 4 the atmospheres system
-  std::int32_t nVectors = 0;      ///< columns of the summary
+  /// 1 metric, 2 field, 3 lab, 4 the atmospheres system: by the units of the vectors, else by INTEHEAD.
+  std::int32_t iUnitSystem = 2;
+  std::int32_t nVectors = 0;  ///< columns of the summary
   std::int32_t nLGRs = 0;
   std::int32_t nUnits = 0;
-  std::int32_t nKeysUsed = 0;  ///< vectors whose mask is True
-  bool qPerforations = false;  ///< a completion vector was met
+  std::int32_t nNameWidth = 8;  ///< characters of a name of a well or group, longer ones are truncated
+  std::int32_t nKeysUsed = 0;   ///< vectors whose mask is True
+  bool qPerforations = false;   ///< a completion vector was met
   bool qDamaged = false;  ///< the file is damaged behind a whole KEYWORDS record, see ReadEclipseSPECFile
   std::vector<std::int32_t> iDIMENS;
   std::vector<std::int32_t> iNUMS;  ///< released after reading, as the next three

@@ -94,6 +94,8 @@ bool qvEclipseSUMMARY::readRun() {
   request.form = form();
   request.unified = Unified;
   request.nValues = nAllKeys;
+  request.iRestartStep = iRestartStep;
+  request.timeFirst = timeFirst;
   if (session_->Container && nFiles > 1) session_->Container->files(nFiles);
 
   index_ = indexRows(request, *session_);
@@ -102,10 +104,9 @@ bool qvEclipseSUMMARY::readRun() {
   nRows = static_cast<std::int32_t>(
       std::min<std::size_t>(index_.rows.size(), std::numeric_limits<std::int32_t>::max()));
   iSteps = stepsAfterGrowth(index_.rows, estimatedRows(totalSize(zFiles), nFiles, nSelected));
-  qDamaged = index_.damaged || index_.cutOff;
+  qDamaged = index_.damaged || index_.cutOff || index_.faulty;
   if (!index_.opened || index_.cancelled) return false;
   if (index_.damaged && !AcceptDamaged) return false;
-  if (index_.fellBack && index_.rows.empty()) return false;
 
   try {
     sData_ = readColumns(iSelected);
@@ -115,11 +116,11 @@ bool qvEclipseSUMMARY::readRun() {
     return true;
   }
   if (session_->cancelled()) return false;
-  return !qDamaged || AcceptDamaged || !index_.damaged;
+  return AcceptDamaged || !index_.damaged;
 }
 
-/// The columns of these vectors, of the rows that can be read: damage within a row that only reading meets
-/// cuts the index there.
+/// The columns of these vectors, for the rows that can be read: damage within a row is found only when its
+/// values are read. The index then loses that row and those after it in the same file.
 XYData qvEclipseSUMMARY::readColumns(std::span<const std::int32_t> vectors) {
   XYData table(index_.rows.size(), vectors.size(), *session_);
   readInto(table, vectors);
@@ -127,22 +128,39 @@ XYData qvEclipseSUMMARY::readColumns(std::span<const std::int32_t> vectors) {
 }
 
 void qvEclipseSUMMARY::readInto(XYData& table, std::span<const std::int32_t> vectors) {
-  ColumnReader reader(zFiles, form(), nAllKeys, *session_);
-  try {
-    reader.read(index_.rows, vectors, table);
-  } catch (BadRecord& damage) {
-    auto& diagnosis = damage.diagnosis();
-    const std::size_t good = reader.rowsDone();
-    if (nFiles == 1) diagnosis.occurrence = static_cast<std::int64_t>(good) + 1;
-    diagnosis.action = "kept " + std::to_string(good) + " rows";
-    session_->diagnose(std::move(diagnosis));
-    index_.damaged = true;
-    index_.rows.resize(good);
-    table.cutRows(good);
-    nRows = static_cast<std::int32_t>(good);
-    iSteps.resize(good);
-    qDamaged = true;
+  ColumnReader reader(zFiles, index_.stamps, form(), nAllKeys, *session_);
+  for (bool again = true; again;) {
+    again = false;
+    try {
+      reader.read(index_.rows, vectors, table);
+    } catch (BadRecord& damage) {
+      const bool changed = damage.diagnosis().message == Message::FileChanged;
+      dropDamagedRows(damage.diagnosis(), changed ? 0 : reader.rowsDone());
+      again = !changed && reader.rowsDone() < index_.rows.size();
+    }
   }
+  table.cutRows(index_.rows.size());
+}
+
+/// Without the rows from `good` on to the end of their file. A file that changed while it was read may be of
+/// another run, and so may those before it, so then no rows remain.
+void qvEclipseSUMMARY::dropDamagedRows(Diagnosis& diagnosis, std::size_t good) {
+  auto& rows = index_.rows;
+  const auto first = rows.begin() + static_cast<std::ptrdiff_t>(good);
+  auto end = rows.end();
+  diagnosis.action = "kept " + std::to_string(good) + " rows";
+  if (diagnosis.message != Message::FileChanged) {
+    if (nFiles == 1) diagnosis.occurrence = static_cast<std::int64_t>(good) + 1;
+    end = std::ranges::find_if(first, rows.end(),
+                               [iFile = first->iFile](const RowPlace& row) { return row.iFile != iFile; });
+    if (end != rows.end()) diagnosis.action += ", continued with the next file";
+  }
+  session_->diagnose(std::move(diagnosis));
+  const auto step = iSteps.begin() + static_cast<std::ptrdiff_t>(good);
+  iSteps.erase(step, step + (end - first));
+  rows.erase(first, end);
+  nRows = static_cast<std::int32_t>(rows.size());
+  index_.damaged = qDamaged = true;
 }
 
 void qvEclipseSUMMARY::getSummaryArray(XYData& xyData, bool& qOK) {

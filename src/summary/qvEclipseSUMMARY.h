@@ -37,10 +37,12 @@ class qvEclipseSUMMARY : public FormFlags {
   std::int32_t nSelected = 0;
   std::vector<std::int32_t> iSelected;  ///< numbers of the wanted vectors, from 1
   std::int32_t nAllKeys = 0;
-  bool SaveScratchFile = false;  ///< hand a scratch file over instead of its content
-  std::string zScratchFile;      ///< the scratch file handed over
-  bool AcceptDamaged = false;    ///< keep the rows before damage and succeed
-  bool qDamaged = false;         ///< reading ended at damage, or a last record was not whole
+  bool SaveScratchFile = false;   ///< hand a scratch file over instead of its content
+  std::string zScratchFile;       ///< the scratch file handed over
+  bool AcceptDamaged = false;     ///< keep the rows before damage and succeed
+  bool qDamaged = false;          ///< damage was met, or the last row is incomplete
+  std::int32_t iRestartStep = 0;  ///< report step at which the run was restarted
+  bool timeFirst = true;          ///< the first vector is TIME
 
   /// Selects the vectors with True.
   void setKeyMask(const std::vector<bool>& qMask);
@@ -68,6 +70,7 @@ class qvEclipseSUMMARY : public FormFlags {
   bool readRun();
   XYData readColumns(std::span<const std::int32_t> vectors);
   void readInto(XYData& table, std::span<const std::int32_t> vectors);
+  void dropDamagedRows(Diagnosis& diagnosis, std::size_t good);
   void throughScratchFile(XYData& xyData);
   void writeScratchFile(ScratchFile& scratch);
 

@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "../files/FileSets.h"
 #include "../shapes/HeaderLayout.h"
 #include "../support/Diagnosis.h"
+#include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "RestartChain.h"
+#include "ScratchFile.h"
 #include "SummaryMerge.h"
 #include "VectorSelection.h"
 
@@ -32,18 +35,21 @@ bool holdsPerforations(const qvEclipseSPEC& spec, bool byPatterns) {
                              [&](const auto& v) { return spec.text(v, attributeClass) == "COMPLETIONS"; });
 }
 
-void tellLeftOut(Session& session, const qvEclipseSPEC& spec) {
-  Diagnosis diagnosis;
-  diagnosis.path = spec.zFileName;
-  diagnosis.problem = "an earlier run is not merged into a table with completion vectors";
-  diagnosis.action = "left the run out; a selection without completion vectors takes it in";
-  session.diagnose(std::move(diagnosis));
+void reportLeftOut(Session& session, const qvEclipseSPEC& spec) {
+  session.diagnose({.message = Message::ChainConnections,
+                    .path = spec.zFileName,
+                    .action = "omitted the run; select vectors without completions to include it"});
+}
+
+bool timeIsFirst(const qvEclipseSPEC& spec) {
+  return !spec.xVectors.empty() && spec.text(spec.xVectors.front(), attributeVariable) == "TIME";
 }
 
 std::vector<SummaryRow> rowsOf(const qvEclipseSUMMARY& summary, std::int32_t iRun) {
   std::vector<SummaryRow> rows;
   rows.reserve(summary.rows().size());
-  for (const auto& place : summary.rows()) rows.push_back({iRun, place.iFile + 1, place.iStep});
+  for (const auto& place : summary.rows())
+    rows.push_back({iRun, place.iFile + 1, place.iStep, place.iReportStep});
   return rows;
 }
 
@@ -61,17 +67,25 @@ void qvEclipseSUMMARYFile::ReadSUMMARYData(bool& qOK) {
   guarded(*session_, qOK, className, "ReadSUMMARYData", [&] { return readChain(); });
 }
 
+/// Forgets the runs and what was made from them.
+void qvEclipseSUMMARYFile::release() {
+  xSPEC.clear();
+  xSUMMARY.clear();
+  rows_.clear();
+  times_.clear();
+  vectors_.clear();
+  plan_ = {};
+  profilesOfChain_ = false;
+}
+
 bool qvEclipseSUMMARYFile::readChain() {
   NumRestart = 0;
   qDamaged = false;
   unmatched.clear();
-  rows_.clear();
-  times_.clear();
-  vectors_.clear();
+  auto given = xSPEC.empty() ? nullptr : std::move(xSPEC.front());
+  release();
   bool qRead = false;
-  auto spec = specOfNewestRun(qRead);
-  xSPEC.clear();
-  xSUMMARY.clear();
+  auto spec = specOfNewestRun(std::move(given), qRead);
   if (!qRead) return false;
   while (spec) {
     const bool newest = xSPEC.empty();
@@ -79,10 +93,14 @@ bool qvEclipseSUMMARYFile::readChain() {
       iUnits = spec->iUnitSystem;
       zStartDate = spec->zStartDate;
       start_ = spec->start();
+      timeUnit_ = timeIsFirst(*spec) ? spec->text(spec->xVectors.front(), attributeUnits) : "";
     }
     auto summary = selectVectorsOf(*spec, newest) ? readData(*spec, newest) : nullptr;
-    if (session_->cancelled()) return false;
-    if (!summary) return !newest;  // the runs read so far stand
+    if (session_->cancelled()) {
+      release();
+      return false;
+    }
+    if (!summary) return !newest;  // the runs read so far remain
     qDamaged = qDamaged || summary->qDamaged || spec->qDamaged;
     if (newest) rows_ = rowsOf(*summary, 1);
     xSPEC.push_back(std::move(spec));
@@ -97,10 +115,10 @@ bool qvEclipseSUMMARYFile::readChain() {
 }
 
 /// The facade may have read the specification already, in full or for its list of records only.
-std::unique_ptr<qvEclipseSPEC> qvEclipseSUMMARYFile::specOfNewestRun(bool& qOK) {
+std::unique_ptr<qvEclipseSPEC> qvEclipseSUMMARYFile::specOfNewestRun(std::unique_ptr<qvEclipseSPEC> given,
+                                                                     bool& qOK) {
   qOK = true;
-  if (!xSPEC.empty() && xSPEC.front() && !xSPEC.front()->qScanOnly) {
-    auto given = std::move(xSPEC.front());
+  if (given && !given->qScanOnly) {
     given->zOrigin = zOrigin;
     return given;
   }
@@ -172,6 +190,8 @@ std::unique_ptr<qvEclipseSUMMARY> qvEclipseSUMMARYFile::readData(qvEclipseSPEC& 
   summary->iEnd = iEnd;
   summary->SaveScratchFile = SaveScratchFile;
   summary->AcceptDamaged = AcceptDamaged;
+  summary->iRestartStep = spec.iRestartStep;
+  summary->timeFirst = timeIsFirst(spec);
   if (newest) {
     summary->Unified = Unified;
     summary->iPosition =
@@ -205,72 +225,99 @@ std::unique_ptr<qvEclipseSPEC> qvEclipseSUMMARYFile::earlierRun(const qvEclipseS
   const bool ring =
       std::ranges::any_of(xSPEC, [&](const auto& run) { return sameFile(run->zFileName, spec->zFileName); });
   if (ring) {
-    Diagnosis diagnosis;
-    diagnosis.path = later.zFileName;
-    diagnosis.keyword = "RESTART";
-    diagnosis.problem = "the restart chain leads back to " + spec->zFileName;
-    diagnosis.action = "the restart chain ends here";
-    session_->diagnose(std::move(diagnosis));
+    session_->diagnose({.message = Message::ChainLoop,
+                        .path = later.zFileName,
+                        .keyword = "RESTART",
+                        .occurrence = 1,
+                        .expected = "an earlier run",
+                        .found = spec->zFileName,
+                        .action = "the restart chain ends here"});
     return nullptr;
   }
   spec->zOrigin = zOrigin;
   return readSpec(*spec) ? std::move(spec) : nullptr;
 }
 
-void qvEclipseSUMMARYFile::prependRows(std::size_t count, const std::vector<SummaryRow>& earlier) {
-  rows_.insert(rows_.begin(), earlier.begin(),
-               earlier.begin() + static_cast<std::ptrdiff_t>(std::min(count, earlier.size())));
+ChainRun qvEclipseSUMMARYFile::chainRun(const qvEclipseSPEC& spec, const qvEclipseSUMMARY& summary) const {
+  ChainRun run{.path = spec.zFileName, .vectors = summaryVectors(spec), .start = spec.start()};
+  for (const RowPlace& row : summary.rows()) run.times.push_back(row.first);
+  if (timeIsFirst(spec)) run.timeUnit = spec.text(spec.xVectors.front(), attributeUnits);
+  run.nameWidth = spec.nNameWidth;
+  run.iRestartStep = spec.iRestartStep;
+  const bool limited = iStart >= 0 || iEnd >= 0;
+  if (!limited && !summary.rows().empty()) run.iLastStep = summary.rows().back().iReportStep;
+  return run;
 }
 
-/// What all ways of fetching share: the newest run as it is, then each earlier one folded in. Each pair of
-/// objects is released as soon as its data are taken.
-template <class ReadHeaders, class Merge>
-bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, Merge merge) {
-  if (xSPEC.empty()) return false;
-  const bool qSave = SaveScratchFile && xSPEC.size() == 1;  // a merge needs the data in memory
+/// What all ways of fetching share: the newest run, then each earlier one. The runs are released whatever the
+/// outcome, each as soon as its data are taken. `readHeaders` takes the headers of a run, `addHeaders` adds
+/// those of new columns.
+template <class ReadHeaders, class AddHeaders>
+bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, AddHeaders addHeaders) {
+  xyData = {};
+  auto specs = std::exchange(xSPEC, {});
+  auto summaries = std::exchange(xSUMMARY, {});
+  if (specs.empty()) return false;
+  const bool qSave = SaveScratchFile && specs.size() == 1;  // a merge needs the data in memory
   const bool byPatterns = !onlyPatterns.empty() || !exceptPatterns.empty();
-  if (!zOrigin.empty()) xSPEC.front()->zOrigin = zOrigin;
-  for (std::size_t run = 0; run < xSPEC.size(); ++run) {
-    const auto spec = std::move(xSPEC[run]);
-    const auto summary = std::move(xSUMMARY[run]);
+  if (!zOrigin.empty()) specs.front()->zOrigin = zOrigin;
+  SummaryChain chain(*session_);
+  std::vector<XYData> tables;
+  rows_.clear();
+  qPerforations = false;
+  for (std::size_t run = 0; run < specs.size(); ++run) {
+    const auto spec = std::move(specs[run]);
+    const auto summary = std::move(summaries[run]);
     const bool newest = run == 0;
+    qPerforations = qPerforations || holdsPerforations(*spec, byPatterns);
+    if (qPerforations && !newest) {
+      reportLeftOut(*session_, *spec);
+      continue;
+    }
     summary->SaveScratchFile = qSave;
-    XYData earlier;
     bool qOK = false;
     if (!readHeaders(*spec, newest)) return false;
-    summary->getSummaryArray(newest ? xyData : earlier, qOK);
+    summary->getSummaryArray(tables.emplace_back(), qOK);
     if (!qOK) return false;
     if (newest) {
       zScratchFile = summary->zScratchFile;
-      qPerforations = holdsPerforations(*spec, byPatterns);
       qMask = spec->getKeyMask();
-      rows_ = rowsOf(*summary, 1);
-      vectors_ = summaryVectors(*spec);
-      continue;
     }
-    qPerforations = qPerforations || holdsPerforations(*spec, byPatterns);
-    if (qPerforations) {
-      tellLeftOut(*session_, *spec);
-      continue;
-    }
-    const std::size_t before = xyData.rows();
-    const std::size_t columns = xyData.columns();
-    const auto added = merge(earlier);  // a merge that fails leaves the table as it is, and the chain goes on
-    if (xyData.columns() > columns) appendVectors(summaryVectors(*spec), added);
-    prependRows(xyData.rows() - before, rowsOf(*summary, static_cast<std::int32_t>(run) + 1));
-    if (session_->cancelled()) return false;
+    chain.add(chainRun(*spec, *summary));
+    if (!newest) addHeaders(chain.added());
+    const auto rows = rowsOf(*summary, static_cast<std::int32_t>(run) + 1);
+    rows_.insert(rows_.begin(), rows.begin(),
+                 rows.begin() + static_cast<std::ptrdiff_t>(chain.plan().parts().back().rows));
   }
+  if (!assemble(chain.plan(), tables, xyData)) return false;
+  chain.reportGaps();
+  vectors_ = chain.vectors();
   for (std::size_t i = 0; i < vectors_.size(); ++i) vectors_[i].column = i + 1;
-  xSPEC.clear();
-  xSUMMARY.clear();
+  plan_ = chain.plan();
   return true;
 }
 
-/// The vectors that a merge has added as columns, by their numbers in the earlier run.
-void qvEclipseSUMMARYFile::appendVectors(std::vector<SummaryVector> earlier,
-                                         std::span<const std::int32_t> added) {
-  for (const auto number : added)
-    vectors_.push_back(std::move(earlier.at(static_cast<std::size_t>(number - 1))));
+/// The table of the chain, through a temporary file when memory for it and the tables of the runs does not
+/// suffice.
+bool qvEclipseSUMMARYFile::assemble(const ChainPlan& plan, std::vector<XYData>& tables, XYData& xyData) {
+  if (tables.size() == 1) {
+    xyData = std::move(tables.front());
+    return true;
+  }
+  std::vector<const XYData*> sources;
+  for (const XYData& table : tables) sources.push_back(&table);
+  try {
+    return fillTable(*session_, plan, sources, xyData);
+  } catch (const Fault& fault) {
+    if (fault.number() != FaultNumber::OutOfMemory) throw;
+  }
+  session_->checkMemory(plan.rows() * plan.columns() * sizeof(float));
+  ScratchFile scratch("MS");
+  if (!fillScratchFile(*session_, plan, sources, scratch)) return false;
+  tables.clear();
+  xyData = XYData(plan.rows(), plan.columns(), *session_);
+  scratch.read(xyData.values());
+  return true;
 }
 
 void qvEclipseSUMMARYFile::GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, bool& qOK) {
@@ -281,16 +328,13 @@ void qvEclipseSUMMARYFile::GetSUMMARYData(XYData& xyData, ByteTable& bHeaders, b
       spec.getHeaders(newest ? bHeaders : earlierHeaders, qRead);
       return qRead;
     };
-    const auto merge = [&](XYData& earlier) {
-      std::vector<std::int32_t> iNew, iMatch;
-      std::int32_t nNew = 0;
-      bool qMerged = false;
-      checkSummaryList(*session_, earlierHeaders, bHeaders, iNew, nNew, iMatch, qMerged);
-      mergeSUMMARYData(*session_, earlierHeaders, earlier, bHeaders, xyData, qPerforations, qMerged);
-      iNew.resize(static_cast<std::size_t>(nNew));
-      return iNew;
+    const auto addHeaders = [&](const std::vector<std::int32_t>& added) {
+      bool qAdded = false;
+      mergeHeaders(*session_, earlierHeaders, added, static_cast<std::int32_t>(added.size()), bHeaders,
+                   qAdded);
+      if (!qAdded) throw Fault(FaultNumber::Subscript);
     };
-    if (!fetch(xyData, readHeaders, merge)) return false;
+    if (!fetch(xyData, readHeaders, addHeaders)) return false;
     if (qPerforations) qPerforations = CheckforPerfs(bHeaders, 13);
     if (!zOrigin.empty()) {
       const auto source = headerField(attributeSource);
@@ -313,21 +357,21 @@ void qvEclipseSUMMARYFile::GetStoreSUMMARYData(XYData& xyData, AttributeStores& 
       spec.getStoreHeaders(newest ? xStore : earlierStores, newest ? bPointers : earlierPointers, qRead);
       return qRead;
     };
-    const auto merge = [&](XYData& earlier) {
-      std::vector<std::int32_t> iNew, iMatch;
-      std::int32_t nNew = 0;
-      bool qMerged = false;
-      checkStoreSummaryList(*session_, earlierStores, earlierPointers, xStore, bPointers, iNew, nNew, iMatch,
-                            qMerged);
-      mergeStoreSUMMARYData(*session_, earlierStores, earlierPointers, earlier, xStore, bPointers, xyData,
-                            qPerforations, qMerged);
-      iNew.resize(static_cast<std::size_t>(nNew));
-      return iNew;
+    const auto addHeaders = [&](const std::vector<std::int32_t>& added) {
+      bool qAdded = false;
+      mergeStoreHeaders(*session_, earlierStores, earlierPointers, added,
+                        static_cast<std::int32_t>(added.size()), xStore, bPointers, qAdded);
+      if (!qAdded) throw Fault(FaultNumber::Overflow);
     };
-    if (!fetch(xyData, readHeaders, merge)) return false;
+    if (!fetch(xyData, readHeaders, addHeaders)) return false;
     if (qPerforations) qPerforations = CheckStoreforPerfs(xStore, 13);
     return true;
   });
+}
+
+std::vector<bool> qvEclipseSUMMARYFile::rowsWithValues(std::size_t iColumn) const {
+  if (iColumn < 1 || iColumn > plan_.columns()) return {};
+  return plan_.rowsWithValues(iColumn);
 }
 
 void qvEclipseSUMMARYFile::getFileInfo(SourceData& vSourceData, bool& qOK) const {

@@ -15,6 +15,7 @@
 #include "../support/Dates.h"
 #include "../support/Session.h"
 #include "HorizontalData.h"
+#include "SummaryChain.h"
 #include "SummaryVector.h"
 #include "qvEclipseSPEC.h"
 #include "qvEclipseSUMMARY.h"
@@ -23,9 +24,10 @@ namespace lumbarn {
 
 /// One row of a summary table, beside its values.
 struct SummaryRow {
-  std::int32_t iRun = 1;   ///< run of the restart chain that wrote it, 1 is the newest
-  std::int32_t iFile = 1;  ///< file of that run's set, from 1
-  std::int32_t iStep = 0;  ///< report steps seen in that file up to the row
+  std::int32_t iRun = 1;         ///< run of the restart chain that wrote it, 1 is the newest
+  std::int32_t iFile = 1;        ///< file of that run's set, from 1
+  std::int32_t iStep = 0;        ///< SEQHDR records in that file up to the row
+  std::int32_t iReportStep = 0;  ///< report step, as `iStart` and `iEnd` limit it
 };
 
 /// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it
@@ -103,6 +105,9 @@ class qvEclipseSUMMARYFile : public FormFlags {
   const std::vector<SummaryRow>& rows() const { return rows_; }
   /// The vectors of the table that was fetched, one for each column, in order.
   const std::vector<SummaryVector>& vectors() const { return vectors_; }
+  /// Whether each row of that table has a value of a column, from 1. Rows of a run of the chain that does not
+  /// have the vector contain 0.
+  std::vector<bool> rowsWithValues(std::size_t iColumn) const;
   /// Vectors of that table; before the fetch those read of the newest run.
   std::int32_t columns() const;
   /// Moment at which the newest run's time is 0, with its time of day.
@@ -111,26 +116,29 @@ class qvEclipseSUMMARYFile : public FormFlags {
 
  private:
   bool readChain();
-  std::unique_ptr<qvEclipseSPEC> specOfNewestRun(bool& qOK);
+  std::unique_ptr<qvEclipseSPEC> specOfNewestRun(std::unique_ptr<qvEclipseSPEC> given, bool& qOK);
+  void release();
   bool readSpec(qvEclipseSPEC& spec);
   bool selectVectorsOf(qvEclipseSPEC& spec, bool newest);
   void applyPatterns(qvEclipseSPEC& spec, bool newest);
   std::unique_ptr<qvEclipseSUMMARY> readData(qvEclipseSPEC& spec, bool newest);
   std::unique_ptr<qvEclipseSPEC> earlierRun(const qvEclipseSPEC& later);
-  bool takeNewest(XYData& xyData);
-  template <class ReadHeaders, class Merge>
-  bool fetch(XYData& xyData, ReadHeaders readHeaders, Merge merge);
+  template <class ReadHeaders, class AddHeaders>
+  bool fetch(XYData& xyData, ReadHeaders readHeaders, AddHeaders addHeaders);
+  bool assemble(const ChainPlan& plan, std::vector<XYData>& tables, XYData& xyData);
+  ChainRun chainRun(const qvEclipseSPEC& spec, const qvEclipseSUMMARY& summary) const;
   bool getDataUsedForHorizontalWells(ByteTable& bHeaders, XYData& sData, std::vector<float>& sLengths,
                                      std::string& zUnits);
-  void appendVectors(std::vector<SummaryVector> earlier, std::span<const std::int32_t> added);
-  void prependRows(std::size_t count, const std::vector<SummaryRow>& earlier);
 
   Session* session_;
   std::vector<SummaryRow> rows_;
   std::vector<SummaryVector> vectors_;
+  ChainPlan plan_;  // of the table that was fetched
   std::optional<Moment> start_;
+  std::string timeUnit_;  // of the newest run
   HorizontalData horizontal_;
-  std::vector<float> times_;  // of the newest run's rows; kept when profiles are built
+  bool profilesOfChain_ = false;  // profiles were made from rows of several runs
+  std::vector<float> times_;      // of the newest run's rows; kept when profiles are built
 };
 
 }  // namespace lumbarn

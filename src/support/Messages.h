@@ -46,6 +46,32 @@ struct MessageRow {
   ROW(IndexNotWritten, "index.not-written", Incomplete, "no index can be written")                           \
   /* arrays */                                                                                               \
   /* summary */                                                                                              \
+  ROW(SpecRecordTwice, "summary.spec.twice", Remark, "record occurs more than once")                         \
+  ROW(SpecRecordLength, "summary.spec.length", Incomplete,                                                   \
+      "record does not have one element for each vector")                                                    \
+  ROW(SpecRecordMissing, "summary.spec.missing", Incomplete, "record missing")                               \
+  ROW(SpecStartDate, "summary.spec.startdat", Incomplete, "record contains no date")                         \
+  ROW(SummaryRowLength, "summary.params.length", Damage, "row does not fit the specification")               \
+  ROW(SummaryTimeDecreases, "summary.params.time", Damage, "TIME decreases")                                 \
+  ROW(SummaryRowTwice, "summary.params.twice", Damage, "second row for one MINISTEP")                        \
+  ROW(SummaryRowMissing, "summary.ministep.params", Incomplete, "MINISTEP without PARAMS")                   \
+  ROW(SummaryFileNoRows, "summary.file.rows", Incomplete, "step file has no rows")                           \
+  ROW(SummaryFileOlder, "summary.file.older", Incomplete,                                                    \
+      "older than the file before it; may be left from an earlier run")                                      \
+  ROW(ChainRunMissing, "summary.chain.missing", Incomplete,                                                  \
+      "the run that this one restarted from is not found")                                                   \
+  ROW(ChainLoop, "summary.chain.loop", Incomplete, "the restart chain leads back to a later run")            \
+  ROW(ChainConnections, "summary.chain.connections", Incomplete,                                             \
+      "earlier run not merged into a table with completion vectors")                                         \
+  ROW(ChainGap, "summary.chain.gap", Incomplete, "earlier run ends before the step of the restart")          \
+  ROW(ChainUnits, "summary.chain.units", Incomplete, "vectors have other units in an earlier run")           \
+  ROW(ChainNoValues, "summary.chain.vectors", Remark, "vectors that not every run of the chain has")         \
+  ROW(ChainNames, "summary.chain.names", Remark, "truncated names matched with longer ones")                 \
+  ROW(ChainStart, "summary.chain.start", Remark, "earlier run has another start date")                       \
+  ROW(ChainProfiles, "summary.chain.profiles", Remark,                                                       \
+      "profiles of a chain may show values of an earlier run under dates of the newest")                     \
+  ROW(HeaderNumbers, "summary.headers.numbers", Incomplete,                                                  \
+      "more different texts than a header of 24 bytes can number")                                           \
   /* restart */                                                                                              \
   /* init */                                                                                                 \
   /* grid */                                                                                                 \

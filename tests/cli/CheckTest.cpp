@@ -41,7 +41,7 @@ TEST_P(CheckForms, RowsThatDoNotFitTheirRun) {
   out.singles("PARAMS", std::array{1.0F, 2.0F, 3.0F});
   out.integers("MINISTEP", std::array{0});
   out.singles("PARAMS", std::array{1.0F, 2.0F});
-  out.singles("PARAMS", std::array{1.0F, 2.0F});
+  out.singles("PARAMS", std::array{0.5F, 2.0F});
   out.integers("MINISTEP", std::array{1});
   out.integers("SEQHDR", std::array{1});
   out.integers("MINISTEP", std::array{2});
@@ -55,6 +55,7 @@ TEST_P(CheckForms, RowsThatDoNotFitTheirRun) {
     EXPECT_TRUE(finding["offset"].is_number());
   }
   EXPECT_THAT(found, ::testing::ElementsAre("PARAMS 1: summary row does not fit its specification, 3",
+                                            "PARAMS 3: TIME decreases, 0.5",
                                             "PARAMS 3: summary row without a number, ",
                                             "SEQHDR 2: summary row is not whole, SEQHDR",
                                             "MINISTEP null: summary row is not whole, end of file"));

@@ -137,6 +137,20 @@ TEST(Summary, NamesValuesAndDatesOfAnOddRun) {
               nullptr);
 }
 
+TEST(Summary, RowsOfARunThatLacksAVectorShowNoValueOfIt) {
+  const test::TemporaryFolder folder;
+  test::SummaryBuilder run;
+  run.vectors = {{"TIME", "", 0, "DAYS"}, {"FOPR", "", 0, "SM3/DAY"}};
+  run.rows = {{{1, 10}}};
+  run.write(folder, "OLD", test::bigEndian);
+  run.vectors[1].mnemonic = "FGPR";
+  run.rows = {{{2, 20}}};
+  run.restart = "OLD";
+  const std::string path = run.write(folder, "NEW", test::bigEndian);
+  EXPECT_EQ(command({"summary", "--restart", "--format", "csv", path}).out,
+            "TIME,FGPR,FOPR\r\n1,,10\r\n2,20,\r\n");
+}
+
 TEST(Vectors, SayWhatTheSpecificationSays) {
   const test::TemporaryFolder folder;
   const auto rows =

@@ -54,10 +54,15 @@ TEST_F(Chains, EarlierRunsComeInFrontAndTheirVectorsBehind) {
   EXPECT_THAT(load.names(), ElementsAre("TIME", "FGPR", "FOPR"));
   EXPECT_THAT(load.column(2), ElementsAre(0, 0, 0, 0, 50, 60)) << "0 where a run has no such vector";
   EXPECT_THAT(load.column(3), ElementsAre(10, 20, 30, 40, 0, 0));
+  EXPECT_THAT(load.reader.RowsWithValues(1), ElementsAre(true, true, true, true, true, true));
+  EXPECT_THAT(load.reader.RowsWithValues(2), ElementsAre(false, false, false, false, true, true));
+  EXPECT_THAT(load.reader.RowsWithValues(3), ElementsAre(true, true, true, true, false, false));
   std::string runs;
   for (const auto& row : load.reader.Rows()) runs += std::to_string(row.iRun);
   EXPECT_EQ(runs, "332211");
-  EXPECT_THAT(load.session.diagnoses(), IsEmpty());
+  ASSERT_EQ(load.session.diagnoses().size(), 1U);
+  EXPECT_EQ(load.lastDiagnosis().message, Message::ChainNoValues);
+  EXPECT_EQ(load.lastDiagnosis().found, "FGPR, FOPR");
 
   SummaryLoad alone(folder_.file("NEW.SMSPEC"));
   ASSERT_TRUE(alone.run());
@@ -97,10 +102,10 @@ TEST_F(Chains, WhereAChainBreaksItSaysWhatItLookedFor) {
   for (const char* name : {"OLD.RUN.SMSPEC", "OLD.RUN.UNSMRY"}) fs::remove(folder_.file(name));
   SummaryLoad load(spec);
   EXPECT_THAT(load.chainTimes(), ElementsAre(3, 4, 5, 6));
-  ASSERT_EQ(load.session.diagnoses().size(), 1U);
-  EXPECT_THAT(load.lastDiagnosis().text(),
-              HasSubstr("MID.SMSPEC: the run that this one restarted from is not found"));
-  EXPECT_THAT(load.lastDiagnosis().expected, HasSubstr("OLD.RUN.SMSPEC"));
+  ASSERT_EQ(load.session.diagnoses().size(), 2U);
+  const Diagnosis& missing = load.session.diagnoses().front();
+  EXPECT_THAT(missing.text(), HasSubstr("MID.SMSPEC: the run that this one restarted from is not found"));
+  EXPECT_THAT(missing.expected, HasSubstr("OLD.RUN.SMSPEC"));
 
   writeFile(folder_.file("MID.UNSMRY"), std::vector{std::byte{1}});
   SummaryLoad noData(spec);
@@ -122,7 +127,7 @@ TEST_F(Chains, ARingEnds) {
   second_.write(folder_, "MID", form_);
   SummaryLoad load(third_.write(folder_, "NEW", form_));
   EXPECT_THAT(load.chainTimes(), ElementsAre(3, 4, 5, 6));
-  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("leads back"));
+  EXPECT_EQ(load.session.diagnoses().front().message, Message::ChainLoop);
 }
 
 TEST_F(Chains, CompletionDataTakeNoEarlierRunsUnlessTheyAreLeftOut) {
@@ -132,13 +137,130 @@ TEST_F(Chains, CompletionDataTakeNoEarlierRunsUnlessTheyAreLeftOut) {
   SummaryLoad load(spec);
   EXPECT_THAT(load.chainTimes(), ElementsAre(5, 6));
   EXPECT_TRUE(std::get<bool>(load.source(54)));
-  EXPECT_THAT(load.lastDiagnosis().problem, HasSubstr("completion"));
+  EXPECT_EQ(load.lastDiagnosis().message, Message::ChainConnections);
 
   SummaryLoad without(spec);
   without.reader.NoRestart = false;
   without.reader.zExcept = "COFR:*";
   ASSERT_TRUE(without.run());
   EXPECT_THAT(without.column(1), ElementsAre(1, 2, 3, 4, 5, 6));
+}
+
+/// Two runs of one chain whose vectors are to be matched: TIME and two others each, with values 1 and 2 in
+/// the earlier run and 3 and 4 in the later one.
+struct Matching {
+  using Vector = SummaryBuilder::Vector;
+  const char* what;
+  std::vector<Vector> earlier;
+  int earlierWidth;
+  std::vector<Vector> later;
+  int laterWidth;
+  std::vector<std::vector<float>> columns;
+  Message message = Message::None;
+};
+
+TEST(ChainMatching, ByCompleteNames) {
+  const std::string prefix(44, 'W');
+  const std::vector<std::vector<float>> swapped = {{1, 5}, {2, 3}, {1, 4}};
+  const Matching cases[] = {
+      {"parts of a name do not run together",
+       {{"SOFR", "P1", 12}, {"SOFR", "P11", 2}},
+       8,
+       {{"SOFR", "P11", 2}, {"SOFR", "P1", 12}},
+       8,
+       swapped},
+      {"names that agree in 40 characters",
+       {{"WOPR", prefix + "1"}, {"WOPR", prefix + "2"}},
+       48,
+       {{"WOPR", prefix + "2"}, {"WOPR", prefix + "1"}},
+       48,
+       swapped},
+      {"truncated names in the earlier run",
+       {{"WOPR", "PRODUCER"}, {"WOPR", "INJ-1"}},
+       8,
+       {{"WOPR", "INJ-1"}, {"WOPR", "PRODUCER-NORTH"}},
+       32,
+       swapped,
+       Message::ChainNames},
+      {"truncated names in the later run",
+       {{"WOPR", "PRODUCER-NORTH"}, {"WOPR", "INJ-1"}},
+       32,
+       {{"WOPR", "INJ-1"}, {"WOPR", "PRODUCER"}},
+       8,
+       swapped,
+       Message::ChainNames},
+      {"a truncated name that may be either of two",
+       {{"WOPR", "PRODUCER"}, {"WOPR", "PRODUCER"}},
+       8,
+       {{"WOPR", "PRODUCER-NORTH"}, {"WOPR", "PRODUCER-SOUTH"}},
+       32,
+       {{1, 5}, {0, 3}, {0, 4}, {1, 0}, {2, 0}},
+       Message::ChainNoValues},
+      {"units that cannot be converted",
+       {{"WOPR", "P1", 0, "STB/DAY"}, {"WOPR", "P2", 0, "SM3/DAY"}},
+       8,
+       {{"WOPR", "P1", 0, "SM3/DAY"}, {"WOPR", "P2", 0, ""}},
+       8,
+       {{1, 5}, {0, 3}, {2, 4}},
+       Message::ChainUnits},
+      {"units of time",
+       {{"TCPU", "", 0, "DAYS"}, {"WOPR", "P2"}},
+       8,
+       {{"TCPU", "", 0, " HOURS"}, {"WOPR", "P2"}},
+       8,
+       {{1, 5}, {24, 3}, {2, 4}}},
+  };
+  for (const Matching& one : cases) {
+    SCOPED_TRACE(one.what);
+    TemporaryFolder folder;
+    SummaryBuilder earlier = runAt({1}), later = runAt({5});
+    for (auto* run : {&earlier, &later}) run->vectors.resize(1);
+    earlier.vectors.insert(earlier.vectors.end(), one.earlier.begin(), one.earlier.end());
+    earlier.nameWidth = one.earlierWidth;
+    earlier.rows[0].values = {1, 1, 2};
+    later.vectors.insert(later.vectors.end(), one.later.begin(), one.later.end());
+    later.nameWidth = one.laterWidth;
+    later.rows[0].values = {5, 3, 4};
+    later.restart = "OLD";
+    earlier.write(folder, "OLD", bigEndian);
+    SummaryLoad load(later.write(folder, "NEW", bigEndian));
+    ASSERT_THAT(load.chainTimes(), ElementsAre(1, 5));
+    ASSERT_EQ(load.table.columns(), one.columns.size());
+    for (std::size_t i = 0; i < one.columns.size(); ++i) EXPECT_EQ(load.column(i + 1), one.columns[i]) << i;
+    if (one.message == Message::None) {
+      EXPECT_THAT(load.session.diagnoses(), IsEmpty());
+    } else {
+      EXPECT_EQ(load.session.diagnoses().at(0).message, one.message);
+    }
+  }
+}
+
+TEST_F(Chains, RunsWithOtherStartDatesAndUnitsOfTimeAreShifted) {
+  third_ = runAt({24, 48});
+  third_.vectors[0].unit = " HOURS";
+  third_.start = {5, 1, 2015};
+  SummaryLoad load(write());
+  EXPECT_THAT(load.chainTimes(), ElementsAre(-72, -48, -24, 0, 24, 48));
+  const auto dates = load.reader.RowDates(load.table);
+  ASSERT_EQ(dates.size(), 6U);
+  EXPECT_EQ(isoText(dates.front(), true), "2015-01-02");
+  EXPECT_EQ(isoText(dates.back(), true), "2015-01-07");
+  ASSERT_EQ(load.session.diagnoses().size(), 2U);
+  EXPECT_EQ(load.lastDiagnosis().message, Message::ChainStart);
+}
+
+TEST_F(Chains, RowsMissingBeforeARestartAreReported) {
+  second_.firstStep = 4;
+  SummaryLoad fits(write());
+  fits.chainTimes();
+  for (const Diagnosis& diagnosis : fits.session.diagnoses())
+    EXPECT_NE(diagnosis.message, Message::ChainGap) << diagnosis.text();
+  second_.firstStep = 6;
+  SummaryLoad load(write());
+  EXPECT_THAT(load.chainTimes(), ElementsAre(1, 2, 3, 4, 5, 6));
+  ASSERT_FALSE(load.session.diagnoses().empty());
+  EXPECT_EQ(load.session.diagnoses().front().message, Message::ChainGap);
+  EXPECT_EQ(load.session.diagnoses().front().found, "last report step 4");
 }
 
 TEST(EarlierRunCandidates, AreTriedFromTheLikeliestOn) {
@@ -188,6 +310,21 @@ TEST(Profiles, AreBuiltWithTheLoadAndHandedOutStepByStep) {
   EXPECT_FALSE(qOK);
   load.reader.getSUMMARYHorizontalData(1, false, profile, headers, source, qOK);
   EXPECT_FALSE(qOK) << "that table was not asked for";
+  EXPECT_THAT(load.session.diagnoses(), IsEmpty());
+
+  // Existing hosts expect the steps and dates of the newest run also where earlier rows precede its own.
+  run.write(folder, "OLD", bigEndian);
+  run.restart = "OLD";
+  for (auto& row : run.rows) row.values[0] += 4, row.values[1] += 4;
+  SummaryLoad chain(run.write(folder, "RUN", bigEndian));
+  chain.reader.HorizWell = chain.reader.InFlow = true;
+  chain.reader.NoRestart = false;
+  chain.reader.ECLReadData(qOK);
+  ASSERT_TRUE(qOK);
+  chain.reader.getSUMMARYHorizontalData(1, true, profile, headers, source, qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(std::get<std::string>(source(4)), "7 JAN 2015");
+  EXPECT_EQ(chain.lastDiagnosis().message, Message::ChainProfiles);
 }
 
 }  // namespace

@@ -1,4 +1,7 @@
+#include <array>
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <numeric>
 
 #include <gmock/gmock.h>
@@ -241,13 +244,200 @@ TEST_F(SummaryFiles, AGrowingFileIsReadOnFromItsLastStep) {
   EXPECT_THAT(second.column(1), ElementsAre(3, 4, 5, 6, 7, 8)) << "the last step again, then the new ones";
 }
 
-TEST_F(SummaryFiles, AMultipleSetEndsWhereItsStepNumbersFallBack) {
+/// Step files after a rerun with fewer steps, or with other faults, and what of them is read.
+TEST_F(SummaryFiles, StepFilesOfARun) {
+  struct Case {
+    const char* what;
+    std::vector<std::int32_t> seqhdr;
+    std::function<void(std::vector<std::vector<std::byte>>& files)> change;
+    std::vector<float> times;
+    Message message;
+    bool qOK = true;
+  };
+  const auto leftover = [&](std::vector<std::vector<std::byte>>& files) {
+    files.push_back(smallRun(2, 5).steps(form_)[0]);
+  };
+  const Case cases[] = {
+      {"SEQHDR that falls does not end a set",
+       {-952856885, -1000000000, 0},
+       {},
+       {1, 2, 3, 4, 5, 6},
+       Message::None},
+      {"rows of an earlier run are recognized by TIME",
+       {},
+       leftover,
+       {1, 2, 3, 4, 5, 6},
+       Message::SummaryTimeDecreases},
+      {"an empty file", {}, [](auto& files) { files[1].clear(); }, {1, 2, 5, 6}, Message::SummaryFileNoRows},
+      {"damage in the middle",
+       {},
+       [](auto& files) { files[1].resize(files[1].size() - 4); },
+       {1, 2, 3, 5, 6},
+       Message::RecordTruncated,
+       false},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.what);
+    TemporaryFolder folder;
+    auto run = smallRun(6);
+    run.seqhdr = one.seqhdr;
+    const auto spec = folder.file("RUN.SMSPEC");
+    writeFile(spec, run.spec(form_));
+    auto files = run.steps(form_);
+    if (one.change) one.change(files);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      writeFile(folder.file("RUN.S000" + std::to_string(i + 1)), files[i]);
+    }
+    SummaryLoad strict(spec);
+    EXPECT_EQ(strict.run(), one.qOK);
+    SummaryLoad load(spec);
+    load.reader.AcceptDamaged = true;
+    ASSERT_TRUE(load.run());
+    EXPECT_EQ(load.column(1), one.times);
+    EXPECT_EQ(load.session.diagnoses().size(), one.message == Message::None ? 0U : 1U);
+    if (one.message == Message::None) continue;
+    EXPECT_EQ(load.lastDiagnosis().message, one.message);
+    EXPECT_TRUE(load.lastDiagnosis().offset);
+  }
+}
+
+TEST_F(SummaryFiles, AStepFileOlderThanTheOneBeforeItMayBeLeftFromAnEarlierRun) {
   const auto spec = smallRun(6).write(folder_, "RUN", form_, false);
-  const auto old = smallRun(2, 100).steps(form_);  // a leftover whose step number is 1
-  writeFile(folder_.file("RUN.S0004"), old[0]);
+  fs::last_write_time(folder_.file("RUN.S0003"), fs::last_write_time(spec) - std::chrono::seconds(50));
+  SummaryLoad unpacked(spec);
+  EXPECT_TRUE(unpacked.run());
+  EXPECT_TRUE(unpacked.session.diagnoses().empty());
+  fs::last_write_time(folder_.file("RUN.S0003"), fs::last_write_time(spec) - std::chrono::hours(1));
   SummaryLoad load(spec);
   ASSERT_TRUE(load.run());
-  EXPECT_THAT(load.column(1), ElementsAre(1, 2, 3, 4, 5, 6));
+  EXPECT_EQ(load.table.rows(), 6U);
+  EXPECT_EQ(load.lastDiagnosis().path, folder_.file("RUN.S0003"));
+  EXPECT_EQ(load.lastDiagnosis().severity(), Severity::Incomplete);
+}
+
+/// Rows that do not pair up with ministeps, and TIME that decreases, within one file.
+TEST_F(SummaryFiles, RowsOfOneFile) {
+  struct Row {
+    const char* keyword;
+    float value;
+  };
+  struct Case {
+    std::vector<Row> records;
+    std::vector<float> times;
+    Message message;
+    std::uint64_t offset;  ///< of the record at fault: a record of one word has 36 bytes
+  };
+  const Case cases[] = {
+      {{{"MINISTEP", 0}, {"PARAMS", 1}, {"MINISTEP", 2}, {"PARAMS", 2}, {"MINISTEP", 2}, {"PARAMS", 3}},
+       {1, 2, 3},
+       Message::None,
+       0},
+      {{{"PARAMS", 1}, {"PARAMS", 2}}, {1, 2}, Message::None, 0},
+      {{{"MINISTEP", 0}, {"MINISTEP", 1}, {"PARAMS", 1}}, {1}, Message::SummaryRowMissing, 0},
+      {{{"MINISTEP", 0}, {"PARAMS", 1}, {"MINISTEP", 1}}, {1}, Message::SummaryRowMissing, 72},
+      {{{"MINISTEP", 0}, {"PARAMS", 1}, {"PARAMS", 2}}, {1, 2}, Message::SummaryRowTwice, 72},
+      {{{"PARAMS", 1}, {"PARAMS", 3}, {"PARAMS", 3}, {"PARAMS", 2}, {"PARAMS", 1}},
+       {1, 3, 3, 2, 1},
+       Message::SummaryTimeDecreases,
+       108},
+  };
+  SummaryBuilder run;
+  run.vectors = {{"TIME", ":+:+:+:+", 0, "DAYS"}};
+  const auto spec = run.write(folder_, "RUN", form_);
+  for (const Case& one : cases) {
+    SCOPED_TRACE(&one - cases);
+    std::vector<std::byte> bytes;
+    RecordWriter out(memorySink(bytes), form_);
+    for (const Row& record : one.records) {
+      if (std::string_view(record.keyword) == "PARAMS") {
+        out.singles(record.keyword, std::array{record.value});
+      } else {
+        out.integers(record.keyword, std::array{static_cast<std::int32_t>(record.value)});
+      }
+    }
+    writeFile(folder_.file("RUN.UNSMRY"), bytes);
+    SummaryLoad load(spec);
+    ASSERT_TRUE(load.run());
+    EXPECT_EQ(load.column(1), one.times);
+    EXPECT_EQ(load.reader.Damaged(), one.message != Message::None);
+    EXPECT_EQ(load.lastDiagnosis().message, one.message);
+    EXPECT_EQ(load.lastDiagnosis().offset.value_or(0), one.offset);
+  }
+}
+
+/// Report steps are numbered by SEQHDR only where it counts them.
+TEST_F(SummaryFiles, ReportStepsOfWritersThatUseSeqhdrInTheirOwnWay) {
+  struct Case {
+    std::vector<std::int32_t> seqhdr;
+    bool unified;
+    std::vector<std::int32_t> steps;
+  };
+  const Case cases[] = {
+      {{12, 13, 14}, true, {12, 12, 13, 13, 14, 14}},
+      {{0, 0, 0}, true, {11, 11, 12, 12, 13, 13}},
+      {{5, 6, -952856885}, true, {11, 11, 12, 12, 13, 13}},
+      {{20, 22, 23}, true, {11, 11, 12, 12, 13, 13}},
+      {{1, 2, 3}, false, {1, 1, 2, 2, 3, 3}},
+      {{7, 7, 7}, false, {11, 11, 12, 12, 13, 13}},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(&one - cases);
+    TemporaryFolder folder;
+    auto run = smallRun(6);
+    run.firstStep = 10;
+    run.seqhdr = one.seqhdr;
+    const auto spec = run.write(folder, "RUN", form_, one.unified);
+    SummaryLoad load(spec);
+    ASSERT_TRUE(load.run());
+    std::vector<std::int32_t> steps;
+    for (const SummaryRow& row : load.reader.Rows()) steps.push_back(row.iReportStep);
+    EXPECT_EQ(steps, one.steps);
+    if (!one.unified) continue;  // the range then chooses files
+    SummaryLoad limited(spec);
+    limited.reader.iStart = limited.reader.iEnd = one.steps[2];
+    ASSERT_TRUE(limited.run());
+    EXPECT_THAT(limited.column(1), ElementsAre(3, 4));
+  }
+}
+
+/// Hosts go on asking after a load or a fetch that ended early.
+TEST_F(SummaryFiles, NothingIsFetchedAfterACanceledLoadOrFetch) {
+  const auto spec = smallRun().write(folder_, "RUN", form_);
+  const auto fetch = [](SummaryLoad& load) {
+    bool qOK = true;
+    AttributeStores stores;
+    load.reader.GetStoreSUMMARYData(load.table, stores, load.headers, load.source, load.only, qOK);
+    EXPECT_FALSE(qOK);
+    load.reader.GetSUMMARYData(load.table, load.headers, load.source, load.only, qOK);
+    EXPECT_FALSE(qOK);
+    EXPECT_EQ(load.reader.Count(), 0);
+  };
+  for (int at = 0; at < 6; ++at) {  // at each point at which the host is asked
+    SummaryLoad load(spec);
+    int yields = 0;
+    load.session.hostYield = [&] {
+      if (yields++ == at) load.session.CancelLoad = true;
+    };
+    if (load.run()) break;
+    load.session.hostYield = nullptr;
+    load.session.CancelLoad = false;
+    fetch(load);
+  }
+  SummaryLoad load(spec);
+  bool qOK = false;
+  load.reader.ECLReadData(qOK);
+  ASSERT_TRUE(qOK);
+  load.session.CancelLoad = true;
+  load.reader.GetSUMMARYData(load.table, load.headers, load.source, load.only, qOK);
+  EXPECT_FALSE(qOK);
+  load.session.CancelLoad = false;
+  fetch(load);
+  SummaryLoad other(spec);
+  ASSERT_TRUE(other.run());
+  other.reader.FileName = folder_.file("NONE.SMSPEC");
+  other.reader.ECLReadData(qOK);
+  EXPECT_FALSE(qOK);
+  fetch(other);
 }
 
 TEST_F(SummaryFiles, ATableBeyondTheMemoryLimitGoesThroughAScratchFile) {

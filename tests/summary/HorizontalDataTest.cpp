@@ -142,14 +142,14 @@ TEST(TimeStepsUsed, LastRowOfEachRunOfEqualReportSteps) {
 TEST(DateStamp, DaysOrInLabUnitsHoursFromTheStart) {
   struct Row {
     const char* start;
-    std::int32_t unitSystem;
+    double unitsPerDay;
     float time;
     const char* date;  // empty: refused
   };
   const Row rows[] = {{"1 JAN 2015", 1, 0, "1 JAN 2015"},
-                      {"1 JAN 2015", 2, 31.75F, "1 FEB 2015"},
-                      {"1 JAN 2015", 3, 47.5F, "2 JAN 2015"},
-                      {"1 JAN 2015", 4, 366, "2 JAN 2016"},
+                      {"1 JAN 2015", 1, 31.75F, "1 FEB 2015"},
+                      {"1 JAN 2015", 24, 47.5F, "2 JAN 2015"},
+                      {"1 JAN 2015", 1, 366, "2 JAN 2016"},
                       {"1  2015", 1, 0, ""},
                       {"30 FEB 2015", 1, 0, ""},
                       {"1 JAN 2015", 1, 1e30F, ""},
@@ -158,7 +158,7 @@ TEST(DateStamp, DaysOrInLabUnitsHoursFromTheStart) {
   for (const Row& row : rows) {
     std::string date = "old";
     bool qOK = false;
-    GetDateStamp(session, row.start, row.unitSystem, row.time, date, qOK);
+    GetDateStamp(session, row.start, row.unitsPerDay, row.time, date, qOK);
     EXPECT_EQ(date, row.date) << row.start;
     EXPECT_EQ(qOK, *row.date != 0) << row.start;
   }

@@ -37,7 +37,12 @@ const std::vector<Kind> kinds = {
     {{"WOPR", "OP_1", 0, "SM3/DAY"}, "WELLS", "OP_1", "", "WOPR:OP_1"},
     {{"WOPR", ":+:+:+:+", 0, "SM3/DAY"}, "WELLS", "", "", "", false},
     {{"GOPR", "G1", 0, "SM3/DAY"}, "GROUPS", "G1", "", "GOPR:G1"},
-    {{"BPR", "OP_1", 240, "BARSA"}, "BLOCKS", "", "10 4 3", "BPR:10,4,3"},
+    {{"BPR", "OP_1", 240, "BARSA"}, "BLOCKS", "OP_1", "10 4 3", "BPR:OP_1:10,4,3"},
+    {{"BPR", "BLK 240", 240, "BARSA"}, "BLOCKS", "", "10 4 3", "BPR:10,4,3"},
+    {{"RPR", "NORTH", 2, "BARSA"}, "REGIONS", "NORTH", "2", "RPR:NORTH:2"},
+    {{"AAQR", "AQUIF1", 1, "SM3/DAY"}, "AQUIFERS", "", "1", "AAQR:1"},
+    {{"FOPT", "FIELD", 0, "SM3"}, "FIELD", "", "", "FOPT"},
+    {{"#WSTATH1", "OP_1", 0, ""}, "MISCELLANEOUS", "OP_1", "", "#WSTATH1:OP_1"},
     {{"BPR", ":+:+:+:+", 301, "BARSA"}, "BLOCKS", "", "", "BPR"},
     {{"COPR", "OP_1", 240, "SM3/DAY"}, "COMPLETIONS", "OP_1", "10 4 3", "COPR:OP_1:10,4,3"},
     {{"COPR", ":+:+:+:+", 240, "SM3/DAY"}, "COMPLETIONS", "", "10 4 3", "", false},
@@ -52,7 +57,7 @@ const std::vector<Kind> kinds = {
     {{"STEPTYPE", ":+:+:+:+", 0, ""}, "MISCELLANEOUS", "", "", "STEPTYPE"},
     {{"NEWTON", ":+:+:+:+", 0, ""}, "MISCELLANEOUS", "", "", "NEWTON"},
     {{"LWOPR", "OP_1", 0, "SM3/DAY", "LGR1", {2, 2, 1}}, "LGR", "OP_1", "", "LWOPR:LGR1:OP_1"},
-    {{"LBPR", "OP_1", 0, "BARSA", "LGR1", {2, 2, 1}}, "LGR", "", "2 2 1", "LBPR:LGR1:2,2,1"},
+    {{"LBPR", ":+:+:+:+", 0, "BARSA", "LGR1", {2, 2, 1}}, "LGR", "", "2 2 1", "LBPR:LGR1:2,2,1"},
     {{"LCOPR", "OP_1", 0, "SM3/DAY", "LGR2", {2, 2, 1}}, "LGR", "OP_1", "2 2 1", "LCOPR:LGR2:OP_1:2,2,1"},
 };
 
@@ -134,7 +139,7 @@ TEST_P(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
   const auto uses = [&](const char* word) { return classes.useCount(classes.find(word)); };
   EXPECT_EQ(uses("WELLS"), 1) << "without the dummy";
   EXPECT_EQ(uses("COMPLETIONS"), 1);
-  EXPECT_EQ(uses("MISCELLANEOUS"), 3);
+  EXPECT_EQ(uses("MISCELLANEOUS"), 4);
   EXPECT_EQ(uses("SEGMENTS"), 2) << "a segment numbered 0 is masked, but its well is no dummy";
 }
 
@@ -209,7 +214,10 @@ TEST_P(SpecFile, ArraysOfWrongLengthAreUsedAsFarAsTheyGo) {
   EXPECT_THAT(namesOf(spec), ElementsAre("TIME", "WOPR:P1", "BPR", "WOPT"))
       << "a grid of so many cells has no cell 5 that we could name";
   std::vector<std::string> told;
-  for (const Diagnosis& diagnosis : session.diagnoses()) told.push_back(diagnosis.keyword);
+  for (const Diagnosis& diagnosis : session.diagnoses()) {
+    told.push_back(diagnosis.keyword);
+    EXPECT_TRUE(diagnosis.offset) << diagnosis.text();
+  }
   EXPECT_THAT(told, ::testing::UnorderedElementsAre("KEYWORDS", "WGNAMES", "NUMS", "UNITS", "STARTDAT"));
 }
 
@@ -278,7 +286,7 @@ TEST_P(SpecFile, ConnectionVectorsComeWithTheirLengths) {
   spec.getHorizontalLengths(lengths, unit, qOK);
   ASSERT_TRUE(qOK);
   EXPECT_EQ(unit, "METRES");
-  EXPECT_THAT(lengths, ElementsAre(7, 8, 21)) << "the dummy too";
+  EXPECT_THAT(lengths, ElementsAre(12, 13, 26)) << "the dummy too";
   ASSERT_EQ(headers.entries(), 3U);
   EXPECT_EQ(field(headers, 3, attributeVariable), "LCOPR");
   EXPECT_EQ(std::ranges::count(mask, true), 3);
@@ -291,9 +299,9 @@ TEST_P(SpecFile, ConnectionVectorsComeWithTheirLengths) {
 
 TEST(SpecUnits, FirstUnitThatDecidesDoesMetricOnlyWhenNoneDoes) {
   const std::pair<std::vector<std::string>, std::int32_t> rows[] = {
-      {{"", "FRACTION"}, 2},      {{"SM3/DAY", "BARSA"}, 1},   {{"SM3", "psia"}, 2},
-      {{"HOURS", "STB"}, 3},      {{"SM3", "ATMA", "STB"}, 4}, {{"DAYS", "MSCF", "HOURS"}, 2},
-      {{"HOURS/M3", "KG/M3"}, 1},
+      {{"", "FRACTION"}, 2},      {{"SM3/DAY", "BARSA"}, 1},     {{"SM3", "psia"}, 2},
+      {{"HOURS", "STB"}, 3},      {{"SM3", "ATMA", "STB"}, 4},   {{"DAYS", "MSCF", "HOURS"}, 2},
+      {{"HOURS/M3", "KG/M3"}, 1}, {{" HOURS  ", "  SM3   "}, 3},
   };
   TemporaryFolder folder;
   for (const auto& [units, system] : rows) {
@@ -303,20 +311,32 @@ TEST(SpecUnits, FirstUnitThatDecidesDoesMetricOnlyWhenNoneDoes) {
     qvEclipseSPEC spec(session);
     ASSERT_TRUE(readSpec(spec, run.write(folder, "U", bigEndian)));
     EXPECT_EQ(spec.iUnitSystem, system) << units[1];
+    run.intehead = 4;
+    ASSERT_TRUE(readSpec(spec, run.write(folder, "U", bigEndian)));
+    EXPECT_EQ(spec.iUnitSystem, units[1] == "FRACTION" ? 4 : system) << "INTEHEAD decides what units do not";
   }
 }
 
-TEST(SpecLimits, MoreOwnersThanAHeaderCanNumberAreRefusedWithTheReason) {
+/// Only existing hosts' headers of 24 bytes have 16-bit numbers.
+TEST(SpecLimits, MoreNamesThanThirtyTwoThousandLoad) {
   TemporaryFolder folder;
   SummaryBuilder run;
   for (int well = 0; well < 32769; ++well)
     run.vectors.push_back({"WOPR", "W" + std::to_string(well), 0, "SM3"});
   Session session;
   qvEclipseSPEC spec(session);
-  EXPECT_FALSE(readSpec(spec, run.write(folder, "L", bigEndian)));
-  EXPECT_EQ(spec.nVectors, 0);
+  ASSERT_TRUE(readSpec(spec, run.write(folder, "L", bigEndian)));
+  ByteTable headers;
+  bool qOK = false;
+  spec.getHeaders(headers, qOK);
+  ASSERT_TRUE(qOK);
+  EXPECT_EQ(field(headers, 32769, attributeMember), "W32768");
+  EXPECT_TRUE(session.diagnoses().empty());
+  AttributeStores stores;
+  spec.getStoreHeaders(stores, headers, qOK);
+  EXPECT_FALSE(qOK);
   ASSERT_EQ(session.diagnoses().size(), 1U);
-  EXPECT_EQ(session.diagnoses()[0].keyword, "WGNAMES");
+  EXPECT_EQ(session.diagnoses()[0].message, Message::HeaderNumbers);
 }
 
 TEST(SpecCells, CellNumbersRunThroughIFastest) {

@@ -66,6 +66,13 @@ TEST_F(VectorSelectionTest, NamesWithSpecialCharactersMatchThemselves) {
   EXPECT_THAT(select({}, {"WOPR:P*"}), ::testing::Not(::testing::Contains("WOPR:P*")));
 }
 
+TEST_F(VectorSelectionTest, LatinNamesMatchPatternsOfEitherEncoding) {
+  vectors.emplace_back().name = "WBHP:\xD8ST";
+  for (const char* pattern : {"WBHP:\xD8ST", "WBHP:\xC3\x98*"}) {
+    EXPECT_THAT(select({pattern}), ElementsAre("WBHP:\xD8ST"));
+  }
+}
+
 TEST_F(VectorSelectionTest, PatternsWithoutAnyVectorAreTold) {
   EXPECT_THAT(select({"WOPR,FOPR,GOPR:*"}, {"NOPE"}), ElementsAre("FOPR", "FOPR"));
   EXPECT_THAT(selection.unmatched, ElementsAre("WOPR", "GOPR:*", "NOPE"));

@@ -33,11 +33,12 @@ struct SummaryBuilder {
   std::vector<Row> rows;
   std::array<std::int32_t, 3> grid = {10, 10, 3};
   std::vector<std::int32_t> start = {1, 1, 2015};
-  std::string restart;          ///< root name of the earlier run
-  std::int32_t firstStep = 0;   ///< report step at which that run was left
-  std::int32_t intehead = 0;    ///< unit system for an INTEHEAD in front; 0: begins with RESTART
-  int nameWidth = 8;            ///< above 8: NAMES instead of WGNAMES
-  std::string lengthUnit = {};  ///< with one, LENGTHS and LENUNITS are written
+  std::string restart;                    ///< root name of the earlier run
+  std::int32_t firstStep = 0;             ///< report step at which that run was left
+  std::int32_t intehead = 0;              ///< unit system for an INTEHEAD in front; 0: begins with RESTART
+  int nameWidth = 8;                      ///< above 8: NAMES instead of WGNAMES
+  std::string lengthUnit = {};            ///< with one, LENGTHS and LENUNITS are written
+  std::vector<std::int32_t> seqhdr = {};  ///< values of SEQHDR by step instead of the steps' numbers
 
   std::vector<std::byte> spec(Form form) const {
     std::vector<std::byte> bytes;
@@ -77,7 +78,7 @@ struct SummaryBuilder {
       if (begins) files.emplace_back();
       RecordWriter out(memorySink(files.back()), form);
       const auto step = firstStep + static_cast<std::int32_t>(files.size());
-      if (begins) out.integers("SEQHDR", std::array{step});
+      if (begins) out.integers("SEQHDR", std::array{seqhdr.empty() ? step : seqhdr.at(files.size() - 1)});
       out.integers("MINISTEP", std::array{ministep++});
       out.singles("PARAMS", row.values);
     }

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "../shapes/XYData.h"
+
+namespace lumbarn {
+
+class ScratchFile;
+
+/// Where a column of the table of a restart chain gets its values in one run.
+struct ChainSource {
+  std::int32_t column = 0;  ///< of the run's table, from 1; 0: the run has no values for the column
+  double factor = 1;        ///< from the units of the run to those of the table
+  double offset = 0;        ///< added to the result
+};
+
+/// What one run contributes to the table of a chain.
+struct ChainPart {
+  std::size_t rows = 0;              ///< its first rows
+  std::vector<ChainSource> sources;  ///< by column of the table; the run has no values for further columns
+};
+
+/// Rows and columns of the table of a restart chain: the rows of each earlier run precede those of the later
+/// ones, and a column has the values of every run that has the vector. The plan does not contain values, so
+/// it can be made before any are read. Runs are numbered from 0, newest first; columns count from 1, rows
+/// from 0.
+class ChainPlan {
+ public:
+  /// Adds an earlier run.
+  void add(ChainPart part);
+
+  std::size_t rows() const { return rows_; }
+  std::size_t columns() const { return columns_; }
+  const std::vector<ChainPart>& parts() const { return parts_; }
+  /// Values of the column in a run; `column` 0 for none.
+  ChainSource source(std::size_t run, std::size_t column) const;
+  /// Whether each row of the table has a value of the column.
+  std::vector<bool> rowsWithValues(std::size_t column) const;
+  /// The columns that some rows have no value of.
+  std::vector<std::size_t> columnsWithGaps() const;
+
+  /// Writes one column of the table from those of the runs, 0 where there is no value; all of `out` is
+  /// written. Throws Fault 9 for a source that is not there.
+  void fill(std::size_t column, std::span<const XYData* const> tables, std::span<float> out) const;
+
+ private:
+  std::vector<ChainPart> parts_;
+  std::size_t rows_ = 0;
+  std::size_t columns_ = 0;
+};
+
+/// Makes the table from those of the runs. Throws Fault 7 when there is not enough memory for it beside them.
+/// False when the load was canceled.
+bool fillTable(Session& session, const ChainPlan& plan, std::span<const XYData* const> tables,
+               XYData& merged);
+/// Writes the values of the table to a temporary file, column by column, so that the tables of the runs can
+/// be released before it is read back. False when the load was canceled.
+bool fillScratchFile(Session& session, const ChainPlan& plan, std::span<const XYData* const> tables,
+                     ScratchFile& scratch);
+
+}  // namespace lumbarn
