@@ -218,7 +218,7 @@ void checkIndex(const RunFamily& run, const RunMember& file, Session& session, c
   if (init) {
     indexOfInit(session, run.find(FileKind::Init)->path, file.path);
   } else {
-    indexOfRestart(session, restartFiles(run), file.path);
+    indexOfRestart(session, restartFiles(run, session), file.path);
   }
   session.diagnosisSink = shown;
 }

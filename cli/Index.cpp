@@ -49,7 +49,7 @@ void write(const RestartIndex& index, const std::string& target, Console& consol
 /// The walked indexes of what the run has; those that are there already do not count.
 std::vector<RestartIndex> walkAll(const RunFamily& run, Console& console) {
   std::vector<RestartIndex> indexes;
-  if (run.find(FileKind::Restart)) indexes.push_back(walkRestart(console.session(), restartFiles(run)));
+  if (run.find(FileKind::Restart)) indexes.push_back(walkRestart(console.session(), restartFiles(run, console.session())));
   if (const RunMember* init = run.find(FileKind::Init))
     indexes.push_back(walkInit(console.session(), init->path));
   console.progress().hide();

@@ -10,6 +10,7 @@
 #include "StepRange.h"
 #include "Suggestion.h"
 #include "VectorNames.h"
+#include "files/FileChoice.h"
 #include "reader/qvEclipseReader.h"
 #include "summary/VectorSelection.h"
 #include "support/Text.h"
@@ -63,7 +64,7 @@ class SummaryTable {
       : run_(run), options_(options), console_(console) {}
 
   void load() {
-    reader_.FileName = summarySpecification(run_).path;
+    reader_.FileName = summaryFile(run_);
     reader_.whichtype = 12;
     reader_.Silent = true;
     reader_.AcceptDamaged = true;
@@ -113,12 +114,13 @@ class SummaryTable {
     const StepRange steps = parseSteps(options_.steps);
     reader_.iStart = steps.first;
     reader_.iEnd = steps.last;
-    const auto files = run_.steps(FileKind::Summary);
-    if (files.empty()) return;
+    const FileChoice choice = chooseFiles(console_.session(), reader_.FileName, FileKind::Summary);
+    if (choice.unified) return;
     // Of a set with one file for each step the reader takes all files when the start is open, and the first
     // file alone when the end lies behind the last.
-    if (steps.first < 0) reader_.iStart = files.front()->step;
-    reader_.iEnd = std::max(reader_.iStart, std::min(steps.last, files.back()->step));
+    if (steps.first < 0) reader_.iStart = GetNumericPartOfFileName(choice.files.front());
+    reader_.iEnd =
+        std::max(reader_.iStart, std::min(steps.last, GetNumericPartOfFileName(choice.files.back())));
   }
 
   void fetch(bool& qOK) {

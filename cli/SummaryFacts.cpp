@@ -12,9 +12,9 @@ namespace lumbarn::cli {
 namespace {
 
 /// Rows, report steps and dates of the data; of the vectors only the time is read.
-void addRows(Facts& facts, const std::string& specification, Console& console) {
+void addRows(Facts& facts, const std::string& file, Console& console) {
   qvEclipseReader reader(console.session());
-  reader.FileName = specification;
+  reader.FileName = file;
   reader.whichtype = 12;
   reader.Silent = true;
   reader.AcceptDamaged = true;
@@ -59,7 +59,7 @@ Facts summaryFacts(const RunFamily& run, Console& console) {
   if (!qOK && !spec.qDamaged) return facts;
 
   if (const auto start = spec.start()) facts["start"] = isoText(*start, true);
-  addRows(facts, path, console);
+  addRows(facts, summaryFile(run), console);
   const auto vectors = summaryVectors(spec);
   facts["vectors"] = vectors.size();
   facts["units"] = unitSystemName(spec.iUnitSystem);

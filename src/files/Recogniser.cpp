@@ -160,7 +160,7 @@ std::optional<bool> isUnified(FileKind kind, const Evidence& evidence, const Ext
   const bool nameSaysMultiple = name.kind == kind && name.multiple();
   switch (kind) {
     case Restart:
-      return evidence.stepNumber();
+      return evidence.stepNumber() && !nameSaysMultiple;  // some writers begin step files with SEQNUM too
     case Summary:
       return evidence.severalReportSteps() || !nameSaysMultiple;
     case Save:

@@ -2,8 +2,9 @@
 #include <filesystem>
 #include <utility>
 
-#include "../files/Families.h"
+#include "../files/FileChoice.h"
 #include "../files/FileSets.h"
+#include "../files/Folder.h"
 #include "../index/IndexFile.h"
 #include "../record/ByteSource.h"
 #include "../restart/qvEclipseSOLUTION.h"
@@ -21,14 +22,12 @@ bool isRestartIndex(const std::string& zFile) {
   return meaningOf(FileName(zFile).extension).kind == FileKind::Rsspec;
 }
 
-/// The file that a restart load reads: a restart index leads to the set that it is the index of, any other
-/// file is itself. Empty when the index stands alone.
-std::string restartFileOf(const std::string& zFile) {
-  if (!isRestartIndex(zFile)) return zFile;
-  std::string why;
-  const auto runs = findRuns(zFile, why);
-  const RunMember* found = runs.empty() ? nullptr : runs.front().find(FileKind::Restart);
-  return found ? found->path : std::string();
+/// The files that a restart load reads: a restart index or the root name of a run leads to the run's set, any
+/// other file is itself, or a member of its set.
+FileChoice restartFilesOf(const std::string& zFile, Session& session) {
+  const bool belongsToSet = isStepFile(zFile) || meaningOf(FileName(zFile).extension).kind == FileKind::Restart;
+  if (isFile(zFile) && !belongsToSet && !isRestartIndex(zFile)) return {.files = {zFile}};
+  return chooseFiles(session, zFile, FileKind::Restart);
 }
 
 /// The names of all arrays of a set, in order of first appearance, and the numbers of its steps.
@@ -56,6 +55,7 @@ void fillChoice(const qvEclipseSOLUTION& all, ECLIPSEINFO& selection, LoadDialog
 /// What one restart load has found out before it reads.
 struct qvEclipseReader::SolutionLoad {
   std::unique_ptr<qvEclipseSOLUTION> set;
+  std::vector<std::string> files;  ///< one unified file, or step files
   std::vector<std::int32_t> iRestartList{-1};
   bool qWriteIndex = false;  ///< asked for by the dialog
 };
@@ -70,7 +70,9 @@ bool qvEclipseReader::readSolution() {
   if (isRestartIndex(FileName)) readRestartIndex();
   SolutionLoad load;
   load.set = std::make_unique<qvEclipseSOLUTION>(*session_);
-  const std::string path = restartFileOf(FileName);
+  load.files = restartFilesOf(FileName, *session_).files;
+  const bool named = isFile(FileName) && !isRestartIndex(FileName);
+  const std::string path = named ? FileName : load.files.empty() ? "" : load.files.front();
   if (path.empty() || !load.set->CheckRESTARTFile(path)) {
     tellNoRestart(path);
     return false;
@@ -80,7 +82,7 @@ bool qvEclipseReader::readSolution() {
   byteSwap = load.set->byteSwap;
   Unified = load.set->Unified;
   if (!Silent && dialog_ && !chooseSteps(load)) return false;
-  if (!listRestartFiles(*load.set) || session_->yield()) return false;
+  if (!setRestartFiles(*load.set, load.files) || session_->yield()) return false;
   return loadSolution(load);
 }
 
@@ -106,17 +108,13 @@ void qvEclipseReader::tellNoRestart(const std::string& path) {
   session_->diagnose(std::move(diagnosis));
 }
 
-/// The files of a multiple set. A file whose name belongs to no set is read alone; a range that holds none of
-/// the files is a set without steps.
-bool qvEclipseReader::listRestartFiles(qvEclipseSOLUTION& set) {
+/// The files of a multiple set. A range that holds none of the files is a set without steps.
+bool qvEclipseReader::setRestartFiles(qvEclipseSOLUTION& set, std::vector<std::string> files) {
   if (Unified) return true;
   bool qOK = false;
-  std::int32_t nFiles = 0;
-  std::vector<std::string> zFiles;
-  GetFileNamesToLoad(set.FileName, iStart, iEnd, Unified, "SOLUTION", nFiles, zFiles, qOK, *session_);
-  if (!qOK) return false;
-  if (zFiles.empty()) zFiles = {set.FileName}, nFiles = 1;
-  set.SetMultList(nFiles, zFiles, qOK);
+  auto nFiles = static_cast<std::int32_t>(files.size());
+  GetFileListUsingStartAndEnd(iStart, iEnd, Formatted, Unified, {}, nFiles, files, qOK);
+  set.SetMultList(nFiles, files, qOK);
   return qOK;
 }
 
@@ -128,7 +126,7 @@ bool qvEclipseReader::chooseSteps(SolutionLoad& load) {
   all.iStart = all.iEnd = -1;
   all.AcceptDamaged = true;
   all.setONLYList({}, true, qOK);
-  if (!listRestartFiles(all)) return false;
+  if (!setRestartFiles(all, load.files)) return false;
   all.getSOLUTIONData(qOK);
   if (!qOK) return false;
 

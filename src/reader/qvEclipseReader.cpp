@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "../files/Extensions.h"
+#include "../files/FileChoice.h"
 #include "../files/FileSets.h"
 #include "../record/ByteSource.h"
 #include "../shapes/HeaderLayout.h"
@@ -28,10 +29,17 @@ Variant stepSlot(std::int32_t step) {
   return step;
 }
 
+/// The specification that a summary load reads: a data file or the root name of a run leads to it.
+std::string specificationOf(const std::string& zFile) {
+  constexpr FileKind leads[] = {FileKind::Summary};
+  return fileOfRun(zFile, FileKind::SummarySpec, leads);
+}
+
 }  // namespace
 
 /// What one summary load has found out before it reads.
 struct qvEclipseReader::SummaryLoad {
+  std::string path;  ///< of the specification
   std::unique_ptr<qvEclipseSPEC> spec;
   std::int32_t nFiles = 0;
   std::vector<std::string> zFiles;
@@ -87,8 +95,9 @@ void qvEclipseReader::ReadSummaryFile(bool& qOK) {
 bool qvEclipseReader::readSummary() {
   if (session_->yield()) return false;
   SummaryLoad load;
+  load.path = specificationOf(FileName);
   load.spec = std::make_unique<qvEclipseSPEC>(*session_);
-  if (!load.spec->CheckSPECFile(FileName)) {
+  if (!load.spec->CheckSPECFile(load.path)) {
     tellNoSpecification();
     return false;
   }
@@ -122,10 +131,13 @@ bool qvEclipseReader::chooseSilently(SummaryLoad& load) {
     load.spec->qScanOnly = true;
     InitEclipseINFO(shared, qOK);
   }
-  if (Unified) return true;
-  GetFileNamesToLoad(FileName, iStart, iEnd, Unified, "SUMMARY", load.nFiles, load.zFiles, qOK, *session_);
-  // No multiple files at all: the set is unified. A range that holds none of them is a set without rows.
-  if (load.nFiles == 0 && load.zFiles.empty()) Unified = true;
+  FileChoice choice = chooseFiles(*session_, FileName, FileKind::Summary,
+                                  Unified ? std::optional<bool>(true) : std::nullopt);
+  Unified = choice.unified;
+  load.zFiles = std::move(choice.files);
+  load.nFiles = static_cast<std::int32_t>(load.zFiles.size());
+  // A range that holds none of the step files is a set without rows.
+  GetFileListUsingStartAndEnd(iStart, iEnd, Formatted, Unified, {}, load.nFiles, load.zFiles, qOK);
   return qOK;
 }
 
@@ -170,7 +182,7 @@ bool qvEclipseReader::loadSummary(SummaryLoad& load) {
   SetOriginFromFileName();
   summary_ = std::make_unique<qvEclipseSUMMARYFile>(*session_);
   auto& file = *summary_;
-  file.zFileName = FileName;
+  file.zFileName = load.path;
   file.Formatted = Formatted;
   file.UNIX = UNIX;
   file.byteSwap = byteSwap;
@@ -384,7 +396,7 @@ std::vector<SummaryVector> qvEclipseReader::ListSummaryVectors(bool& qOK) {
   std::vector<SummaryVector> found;
   guarded(*session_, qOK, className, "ListSummaryVectors", [&] {
     qvEclipseSPEC spec(*session_);
-    if (!spec.CheckSPECFile(FileName)) {
+    if (!spec.CheckSPECFile(specificationOf(FileName))) {
       tellNoSpecification();
       return false;
     }

@@ -396,7 +396,7 @@ class qvEclipseReader : public ReaderOptions {
   bool readSolution();
   void readRestartIndex();
   void tellNoRestart(const std::string& path);
-  bool listRestartFiles(qvEclipseSOLUTION& set);
+  bool setRestartFiles(qvEclipseSOLUTION& set, std::vector<std::string> files);
   bool chooseSteps(SolutionLoad& load);
   bool loadSolution(SolutionLoad& load);
   bool hasIndexFolder(const std::string& path) const;
