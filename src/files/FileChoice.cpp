@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "../support/Diagnosis.h"
+#include "../support/System.h"
 #include "Folder.h"
 #include "SetSearch.h"
 
@@ -14,27 +15,27 @@ namespace lumbarn {
 namespace {
 
 // Files that were unpacked or copied together differ by less than this; those of two runs by more.
-constexpr std::chrono::minutes sameRun{1};
+constexpr std::int64_t sameRun = std::chrono::nanoseconds(std::chrono::minutes(1)).count();
 
 bool allNewer(const std::vector<std::string>& steps, const std::string& unified) {
-  const auto time = modificationTime(unified);
-  return time && std::ranges::all_of(steps, [&](const std::string& step) {
-           const auto stepTime = modificationTime(step);
-           return stepTime && *stepTime >= *time + sameRun;
+  const auto stamp = stampOf(unified);
+  return stamp && std::ranges::all_of(steps, [&](const std::string& step) {
+           const auto stepStamp = stampOf(step);
+           return stepStamp && stepStamp->modified >= stamp->modified + sameRun;
          });
 }
 
 std::string nameIn(const std::string& path) { return path.substr(FileName(path).folder.size()); }
 
 void reportChoice(Session& session, const SetFiles& found, bool unified) {
-  const std::string steps = found.steps.size() == 1
-                                ? nameIn(found.steps.front())
-                                : fmt::format("{} to {}", nameIn(found.steps.front()), nameIn(found.steps.back()));
-  session.diagnose(Diagnosis{
-      .message = Message::FilesBothSets,
-      .path = found.unified,
-      .found = steps,
-      .action = unified ? "read the unified file" : "read the step files, which are newer"});
+  const std::string steps = found.steps.size() == 1 ? nameIn(found.steps.front())
+                                                    : fmt::format("{} to {}", nameIn(found.steps.front()),
+                                                                  nameIn(found.steps.back()));
+  session.diagnose(
+      Diagnosis{.message = Message::FilesBothSets,
+                .path = found.unified,
+                .found = steps,
+                .action = unified ? "read the unified file" : "read the step files, which are newer"});
 }
 
 // A step file of another type (X0003 where the summary is asked for) indicates the form only.
@@ -94,26 +95,27 @@ FileChoice chooseFiles(Session& session, const RunFamily& run, FileKind kind) {
 bool isStepFile(const std::string& path) { return GetNumericPartOfFileName(path) >= 0; }
 
 std::string fileOfRun(const std::string& path, FileKind kind, std::span<const FileKind> leads) {
-  const bool leading = std::ranges::count(leads, meaningOf(FileName(path).extension).kind) > 0;
-  if (isFile(path) && !leading) return path;
+  const FileName parts(path);
+  const bool leading = std::ranges::count(leads, meaningOf(parts.extension).kind) > 0;
+  const bool exists = isFile(path);
+  if (exists && !leading) return path;
   std::string why;
-  const auto runs = findRuns(path, why);
-  if (runs.size() != 1) return {};
-  const RunMember* member = runs.front().find(kind);
-  return member ? member->path : std::string();
+  const auto runs = findRuns(leading && !exists ? parts.folder + parts.base : path, why);
+  const RunMember* member = runs.size() == 1 ? runs.front().find(kind) : nullptr;
+  return member ? member->path : path;
 }
 
 void reportOlderStepFiles(Session& session, std::span<const std::string> files) {
-  std::optional<std::chrono::file_clock::time_point> before;
+  std::optional<FileStamp> before;
   for (std::size_t i = 0; i < files.size(); ++i) {
-    const auto time = modificationTime(files[i]);
-    if (time && before && *time + sameRun < *before) {
+    const auto stamp = stampOf(files[i]);
+    if (stamp && before && stamp->modified + sameRun < before->modified) {
       session.diagnose(Diagnosis{.message = Message::FileOlder,
                                  .path = files[i],
                                  .expected = "written after " + nameIn(files[i - 1]),
                                  .action = "read it"});
     }
-    before = time;
+    before = stamp;
   }
 }
 

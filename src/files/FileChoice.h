@@ -33,10 +33,10 @@ FileChoice chooseFiles(Session& session, const RunFamily& run, FileKind kind);
 /// these files with SEQNUM, as unified files begin, so the content does not decide this.
 bool isStepFile(const std::string& path);
 
-/// The file of a type that a path leads to: the path itself when it is a file, unless its name makes it a file
-/// of another type listed in `leads` (a data file that leads to its specification, an index that leads to
-/// its data); otherwise the file of that type of the run whose root name or folder it is. Empty when there is
-/// none.
+/// The file of a type that a path leads to: the path itself when it is a file, unless its name makes it a
+/// file of another type listed in `leads` (a data file that leads to its specification, an index that leads
+/// to its data); otherwise the file of that type of the run whose root name or folder it is. The path itself
+/// when there is none.
 std::string fileOfRun(const std::string& path, FileKind kind, std::span<const FileKind> leads = {});
 
 /// Reports each step file that is more than a minute older than the one before it. It may be left from an

@@ -50,11 +50,4 @@ bool isFile(const std::string& path) {
   return fs::exists(status) && !fs::is_directory(status);
 }
 
-std::optional<std::chrono::file_clock::time_point> modificationTime(const std::string& path) {
-  std::error_code unknown;
-  const auto time = fs::last_write_time(toPath(path), unknown);
-  if (unknown) return std::nullopt;
-  return time;
-}
-
 }  // namespace lumbarn

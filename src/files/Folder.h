@@ -1,8 +1,6 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +20,5 @@ bool listFolder(const std::string& folder, const std::function<bool(std::string_
 bool isFolder(const std::string& path);
 /// True for anything that exists and is not a folder.
 bool isFile(const std::string& path);
-/// When a file was last written; nothing when that is not known.
-std::optional<std::chrono::file_clock::time_point> modificationTime(const std::string& path);
 
 }  // namespace lumbarn

@@ -64,7 +64,7 @@ struct MessageRow {
   /* export */                                                                                               \
   /* command */                                                                                              \
   ROW(FileContent, "check.content", Damage, "content is not what the name says")                             \
-  ROW(RecordOrder, "check.order", Damage, "number does not increase")                                        \
+  ROW(RecordOrder, "check.records", Damage, "records do not fit together")                                   \
   ROW(SummaryRowOrder, "check.summary-row", Incomplete, "summary row is not complete")                       \
   /* end of the table */
 // clang-format on
