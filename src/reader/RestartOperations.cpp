@@ -6,17 +6,14 @@
 #include "../files/FileSets.h"
 #include "../files/Folder.h"
 #include "../index/IndexFile.h"
-#include "../record/ByteSource.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../support/Diagnosis.h"
-#include "../support/Guarded.h"
-#include "qvEclipseReader.h"
+#include "../support/Text.h"
+#include "ReaderLoad.h"
 
 namespace lumbarn {
 
 namespace {
-
-constexpr const char* className = "qvEclipseReader";
 
 bool isRestartIndex(const std::string& zFile) {
   return meaningOf(FileName(zFile).extension).kind == FileKind::Rsspec;
@@ -25,7 +22,8 @@ bool isRestartIndex(const std::string& zFile) {
 /// The files that a restart load reads: a restart index or the root name of a run leads to the run's set, any
 /// other file is itself, or a member of its set.
 FileChoice restartFilesOf(const std::string& zFile, Session& session) {
-  const bool belongsToSet = isStepFile(zFile) || meaningOf(FileName(zFile).extension).kind == FileKind::Restart;
+  const bool belongsToSet =
+      isStepFile(zFile) || meaningOf(FileName(zFile).extension).kind == FileKind::Restart;
   if (isFile(zFile) && !belongsToSet && !isRestartIndex(zFile)) return {.files = {zFile}};
   return chooseFiles(session, zFile, FileKind::Restart);
 }
@@ -61,7 +59,7 @@ struct qvEclipseReader::SolutionLoad {
 };
 
 void qvEclipseReader::ReadSolutionFile(bool& qOK) {
-  guarded(*session_, qOK, className, "ReadSolutionFile", [&] { return readSolution(); });
+  load(Loaded::Restart, "ReadSolutionFile", qOK, [&] { return readSolution(); });
 }
 
 bool qvEclipseReader::readSolution() {
@@ -73,8 +71,18 @@ bool qvEclipseReader::readSolution() {
   load.files = restartFilesOf(FileName, *session_).files;
   const bool named = isFile(FileName) && !isRestartIndex(FileName);
   const std::string path = named ? FileName : load.files.empty() ? "" : load.files.front();
-  if (path.empty() || !load.set->CheckRESTARTFile(path)) {
-    tellNoRestart(path);
+  if (path.empty()) {
+    session_->diagnose(isRestartIndex(FileName)
+                           ? Diagnosis{.message = Message::RunMember,
+                                       .path = FileName,
+                                       .problem = "is an index; no restart files go with it",
+                                       .expected = "restart files of the same name",
+                                       .action = "read the index only"}
+                           : refusal(FileName, FileKind::Restart));
+    return false;
+  }
+  if (!load.set->CheckRESTARTFile(path) || isOfOtherType(path, FileKind::Restart)) {
+    session_->diagnose(refusal(path, FileKind::Restart));
     return false;
   }
   Formatted = load.set->Formatted;
@@ -93,19 +101,6 @@ void qvEclipseReader::readRestartIndex() {
   index->CheckRESTARTFile(FileName, qOK);
   if (qOK) index->getRSSPECData(qOK);
   if (qOK) rsspec_ = std::move(index);
-}
-
-/// A check that says no ends a load without a message; the diagnosis is for whoever wants to know.
-void qvEclipseReader::tellNoRestart(const std::string& path) {
-  Diagnosis diagnosis;
-  diagnosis.path = path.empty() ? FileName : path;
-  const auto source = FileSource::open(diagnosis.path, diagnosis.problem);
-  if (path.empty()) {
-    diagnosis.problem = "is an index; no restart files go with it";
-  } else if (source) {
-    diagnosis.problem = source->size() == 0 ? "file is empty" : "is no restart file";
-  }
-  session_->diagnose(std::move(diagnosis));
 }
 
 /// The files of a multiple set. A range that holds none of the files is a set without steps.
@@ -182,11 +177,10 @@ bool qvEclipseReader::loadSolution(SolutionLoad& load) {
 /// Index files are never written beside the data unless the host names their folder.
 bool qvEclipseReader::hasIndexFolder(const std::string& path) const {
   if (!IndexFolder.empty()) return true;
-  Diagnosis diagnosis;
-  diagnosis.path = path;
-  diagnosis.problem = "no folder is named for the index";
-  diagnosis.action = "no index was written";
-  session_->diagnose(std::move(diagnosis));
+  session_->diagnose(Diagnosis{.message = Message::IndexFolder,
+                               .path = path,
+                               .expected = "IndexFolder",
+                               .action = "no index was written"});
   return false;
 }
 
@@ -207,8 +201,8 @@ bool qvEclipseReader::writeRestartIndex(const qvEclipseSOLUTION& set) {
 /// What all fetches of a step have in common.
 template <class Fetch>
 void qvEclipseReader::fetchStep(const char* routine, bool& qOK, Fetch fetch) {
-  guarded(*session_, qOK, className, routine, [&] {
-    if (!solution_) return false;
+  perform(routine, qOK, [&] {
+    if (!requireLoaded(solution_ != nullptr, "restart")) return false;
     solution_->iGridNumber = iGridNumber;
     bool qDone = false;
     fetch(*solution_, qDone);
@@ -293,7 +287,7 @@ std::span<const float> qvEclipseReader::RestartValues(std::int32_t iSeqnum, std:
 std::span<const float> qvEclipseReader::RestartValues(std::int32_t iSeqnum, std::int32_t iGrid,
                                                       std::string_view zName) const {
   const RESTARTGRID* grid = RestartGrid(iSeqnum, iGrid);
-  return RestartValues(iSeqnum, iGrid, grid ? grid->arrays.find(zName) : 0);
+  return RestartValues(iSeqnum, iGrid, grid ? grid->arrays.find(upper(trim(zName))) : 0);
 }
 
 }  // namespace lumbarn
