@@ -103,7 +103,7 @@ class RunCheck {
 
   void check(const RunFamily& run, const RunMember& file) {
     auto& vectors = vectors_[file.formatted ? 1 : 0];
-    const FindingSink add = [this](const Diagnosis& finding) { add(finding); };
+    const FindingSink add = [this](const Diagnosis& finding) { this->add(finding); };
     FileCheck result =
         checkFile(file, file.kind == FileKind::Summary ? vectors : std::nullopt, console_, add);
     if (result.findings == 0) {

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "Failure.h"
+#include "support/Text.h"
 
 namespace lumbarn::cli {
 
@@ -38,7 +39,7 @@ Console::~Console() {
 
 void Console::say(std::string_view text) {
   progress_.hide();
-  err_ << fmt::format("lumbarn: {}\n", printable(text)) << std::flush;
+  err_ << fmt::format("lumbarn: {}\n", printable(toUtf8(text))) << std::flush;
 }
 
 void Console::tell(const Diagnosis& diagnosis) {

@@ -124,7 +124,7 @@ void listCorners(const Hadrick& grid, Format format, Console& console, std::ostr
 void exportGrid(const Hadrick& grid, const RunFamily& run, const GridOptions& options, Console& console) {
 #ifdef LUMBARN_WITH_HDF5
   const auto inputs = pathsOf(run);
-  refuseInputs(options.vtk, inputs);
+  checkTarget(options.vtk, inputs, options.output.replace);
   std::vector<CellArray> arrays;
   VtkOptions how{.zUp = options.zUp};
   std::optional<GridArrays> source;

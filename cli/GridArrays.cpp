@@ -20,7 +20,7 @@ class GridArrays::Source {
       std::string why;
       cursor_ = openRecords(place.path, why);
       headerAt_.reset();
-      if (!cursor_) throw BadRecord({.path = place.path, .problem = why});
+      if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = place.path, .problem = why});
     }
     if (headerAt_ != place.header.headerAt) cursor_->setCurrent(place.header);
     headerAt_ = place.header.headerAt;
@@ -60,7 +60,10 @@ void GridArrays::walk(const std::string& path, std::vector<Step>& steps, Console
   std::string section;  // the local grid that records belong to
   std::string why;
   const auto cursor = openRecords(path, why);
-  if (!cursor) return console.tell({.path = path, .problem = why, .action = "read nothing of it"});
+  if (!cursor) {
+    return console.tell(
+        {.message = Message::FileOpen, .path = path, .problem = why, .action = "read nothing of it"});
+  }
   try {
     while (cursor->next()) {
       console.checkCancelled();

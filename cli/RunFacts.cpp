@@ -26,7 +26,8 @@ void walk(const std::string& path, Console& console, const std::function<void(Re
   std::string why;
   const auto cursor = openRecords(path, why);
   if (!cursor) {
-    console.tell({.path = path, .problem = why, .action = "read nothing of it"});
+    console.tell(
+        {.message = Message::FileOpen, .path = path, .problem = why, .action = "read nothing of it"});
     return;
   }
   try {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
 #include <fmt/format.h>
 
@@ -12,7 +13,9 @@
 #include "VectorNames.h"
 #include "files/FileChoice.h"
 #include "reader/qvEclipseReader.h"
+#include "summary/RestartChain.h"
 #include "summary/VectorSelection.h"
+#include "summary/qvEclipseSPEC.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {
@@ -190,9 +193,26 @@ class SummaryTable {
   bool dateOnly_ = false;
 };
 
+/// The files that are read: those of the run and of the runs that it restarted from.
+std::vector<std::string> inputsOf(const RunFamily& run, const SummaryOptions& options, Console& console) {
+  auto inputs = pathsOf(run);
+  if (!options.restart || !options.output.replace) return inputs;  // without it, simulator files are safe
+  auto spec = std::make_unique<qvEclipseSPEC>(console.session());
+  if (!spec->CheckSPECFile(summarySpecification(run).path)) return inputs;
+  while (spec) {
+    bool qOK = false;
+    spec->ReadEclipseSPECFile(qOK);
+    if (!qOK || spec->zRestartName.empty()) break;
+    spec = findEarlierRun(spec->zRestartName, spec->zFileName, spec->Formatted, console.session());
+    if (!spec || std::ranges::count(inputs, spec->zFileName) > 0) break;  // a chain may lead back
+    std::ranges::move(pathsOf(findRun(spec->zFileName)), std::back_inserter(inputs));
+  }
+  return inputs;
+}
+
 ExitStatus showSummary(const SummaryOptions& options, Console& console) {
   const RunFamily run = findRun(options.path);
-  Output output(options.output, console.out(), pathsOf(run));
+  Output output(options.output, console.out(), inputsOf(run, options, console));
   SummaryTable table(run, options, console);
   table.load();
   table.write(options.output.format, output.stream());

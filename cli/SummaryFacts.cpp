@@ -5,6 +5,7 @@
 #include "Failure.h"
 #include "PathArgument.h"
 #include "RunFacts.h"
+#include "files/Recogniser.h"
 #include "reader/qvEclipseReader.h"
 #include "vocabulary/Units.h"
 
@@ -52,7 +53,7 @@ Facts summaryFacts(const RunFamily& run, Console& console) {
   if (spec.CheckSPECFile(path)) {
     spec.ReadEclipseSPECFile(qOK);
   } else {
-    console.tell({.path = path, .problem = "is no summary specification"});
+    console.tell(refusal(path, FileKind::SummarySpec));
   }
   console.checkCancelled();
   Facts facts = Facts::object();
