@@ -32,7 +32,7 @@ class FindingReport {
       return;
     }
     table_->text(finding.path);
-    table_->text(finding.problem);
+    table_->text(finding.problem.empty() ? rowOf(finding.message).text : finding.problem);
     table_->text(finding.keyword);
     finding.occurrence > 0 ? table_->number(finding.occurrence) : table_->empty();
     finding.offset ? table_->number(*finding.offset) : table_->empty();
@@ -86,30 +86,34 @@ class RunCheck {
     }
     checkPair(run, FileKind::SummarySpec, FileKind::Summary, "no summary data go with it");
     checkPair(run, FileKind::Summary, FileKind::SummarySpec, "no specification goes with it");
-    return status_;
+    if (!anyRecord_) return Unreadable;
+    return incomplete_ ? Partial : Done;
   }
 
  private:
   void checkPair(const RunFamily& run, FileKind kind, FileKind other, const char* problem) {
     if (!run.find(kind) || run.find(other)) return;
-    report_.add({.path = run.find(kind)->path, .problem = problem});
-    if (status_ == Done) status_ = Partial;
+    add({.message = Message::RunMember, .path = run.find(kind)->path, .problem = problem});
+  }
+
+  void add(const Diagnosis& finding) {
+    incomplete_ = incomplete_ || finding.severity() != Severity::Remark;
+    report_.add(finding);
   }
 
   void check(const RunFamily& run, const RunMember& file) {
     auto& vectors = vectors_[file.formatted ? 1 : 0];
-    const FindingSink add = [this](const Diagnosis& finding) { report_.add(finding); };
+    const FindingSink add = [this](const Diagnosis& finding) { this->add(finding); };
     FileCheck result =
         checkFile(file, file.kind == FileKind::Summary ? vectors : std::nullopt, console_, add);
     if (result.findings == 0) {
       checkContent(run, file, result, vectors, [&](const Diagnosis& finding) {
         ++result.findings;
-        report_.add(finding);
+        add(finding);
       });
     }
     console_.checkCancelled();
-    if (result.findings > 0 && status_ == Done) status_ = Partial;
-    if (!result.readable) status_ = Unreadable;
+    anyRecord_ = anyRecord_ || result.readable;
     console_.progress().hide();
     report_.file(file.path, result);
   }
@@ -147,7 +151,8 @@ class RunCheck {
   Console& console_;
   FindingReport& report_;
   std::optional<std::int64_t> vectors_[2];  // of the unformatted and the formatted specification
-  ExitStatus status_ = Done;
+  bool anyRecord_ = false;
+  bool incomplete_ = false;  // something was found that is more than a remark
 };
 
 ExitStatus checkRun(const CheckOptions& options, Console& console) {
@@ -168,7 +173,7 @@ void addCheck(CommandLine& line) {
   command.path(options.path);
   command.output(options.output);
   command.footer(
-      "Exit status: 0 clean, 3 something was found, 1 a file could not be read at all.\nExample:\n"
+      "Exit status: 0 clean or remarks only, 3 incomplete or damaged, 1 no record could be read.\nExample:\n"
       "  lumbarn check RUN");
 }
 

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "Failure.h"
+#include "support/Text.h"
 
 namespace lumbarn::cli {
 
@@ -21,7 +22,10 @@ Console::Console(std::ostream& out, std::ostream& err, Session& session, bool te
     : out_(out), err_(err), session_(session), progress_(err, session, terminal) {
   session.Container = &progress_;
   session.diagnosisSink = [this](const Diagnosis& diagnosis) { tell(diagnosis); };
-  session.faultReporter = [this](std::string_view text) { say(text); };
+  session.faultReporter = [this](std::string_view text) {
+    note(Severity::Damage);  // whatever the operation returned, it did not run to its end
+    say(text);
+  };
 }
 
 Console::~Console() {
@@ -35,10 +39,11 @@ Console::~Console() {
 
 void Console::say(std::string_view text) {
   progress_.hide();
-  err_ << fmt::format("lumbarn: {}\n", printable(text)) << std::flush;
+  err_ << fmt::format("lumbarn: {}\n", printable(toUtf8(text))) << std::flush;
 }
 
 void Console::tell(const Diagnosis& diagnosis) {
+  note(diagnosis.severity());
   std::string text = diagnosis.text();
   if (std::ranges::count(told_, text) > 0) return;  // met again as a file is read for another purpose
   if (++diagnoses_ > shownDiagnoses) return;
@@ -47,7 +52,7 @@ void Console::tell(const Diagnosis& diagnosis) {
 }
 
 void Console::giveUp(const std::string& path, const std::string& problem) const {
-  throw Failure(Unreadable, diagnoses_ > 0 ? "" : path + ": " + problem);
+  throw Failure(Unreadable, !complete() ? "" : path + ": " + problem);
 }
 
 void Console::checkCancelled() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -30,9 +32,10 @@ class Console {
   void say(std::string_view text);
   /// A diagnosis as a line, each once. Beyond `shownDiagnoses` they are counted only.
   void tell(const Diagnosis& diagnosis);
-  /// Done, or Partial when a diagnosis was told.
-  ExitStatus doneStatus() const { return diagnoses_ == 0 ? Done : Partial; }
-  /// Throws Failure for a file that cannot be read; the message is left out when diagnoses told why.
+  /// The exit status that follows from the worst diagnosis or fault of the run: Done when nothing is missing,
+  /// otherwise Partial.
+  ExitStatus doneStatus() const { return complete() ? Done : Partial; }
+  /// Throws Failure for a file that cannot be read. Without a message when diagnoses explain it.
   [[noreturn]] void giveUp(const std::string& path, const std::string& problem) const;
   /// Throws Failure when Ctrl-C was pressed.
   void checkCancelled() const;
@@ -44,7 +47,11 @@ class Console {
   std::ostream& err_;
   Session& session_;
   ProgressBar progress_;
+  bool complete() const { return !worst_ || *worst_ == Severity::Remark; }
+  void note(Severity severity) { worst_ = std::max(worst_.value_or(severity), severity); }
+
   int diagnoses_ = 0;
+  std::optional<Severity> worst_;  // of the diagnoses and faults so far
   std::vector<std::string> told_;
 };
 

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Console.h"
+#include "support/Text.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -16,7 +17,7 @@ bool isGroup(const Facts& fact) {
 
 /// A fact that is no group, as text; a list with its items side by side. Lists of numbers are sizes of grids.
 std::string plain(const Facts& fact) {
-  if (fact.is_string()) return fact.get<std::string>();
+  if (fact.is_string()) return toUtf8(fact.get_ref<const std::string&>());
   if (!fact.is_array()) return fact.dump();
   std::string all;
   for (const Facts& item : fact) all += (all.empty() ? "" : item.is_number() ? " x " : ", ") + plain(item);
@@ -76,15 +77,28 @@ void writeRows(const Facts& fact, const std::string& name, TableWriter& table) {
   }
 }
 
+/// Names in files may have Latin-1 letters, which JSON cannot contain.
+Facts inUtf8(const Facts& fact) {
+  if (fact.is_string()) return toUtf8(fact.get_ref<const std::string&>());
+  if (!fact.is_structured()) return fact;
+  Facts all = fact.is_array() ? Facts::array() : Facts::object();
+  for (const auto& [name, item] : fact.items()) {
+    if (fact.is_array()) {
+      all.push_back(inUtf8(item));
+    } else {
+      all[toUtf8(name)] = inUtf8(item);
+    }
+  }
+  return all;
+}
+
 }  // namespace
 
-std::string quotedJson(std::string_view text) {
-  return Facts(text).dump(-1, ' ', false, Facts::error_handler_t::replace);
-}
+std::string quotedJson(std::string_view text) { return Facts(toUtf8(text)).dump(); }
 
 void writeFacts(const Facts& facts, Format format, std::ostream& out) {
   if (format == Format::Json) {
-    out << facts.dump(2, ' ', false, Facts::error_handler_t::replace) << "\n";
+    out << inUtf8(facts).dump(2) << "\n";
     return;
   }
   if (format == Format::Csv) {

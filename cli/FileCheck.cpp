@@ -65,7 +65,8 @@ class Walk {
       showProgress(cursor_, console_);
     }
     if (openMinistep_) {
-      add({.problem = "summary row is not whole",
+      add({.message = Message::SummaryRowOrder,
+           .problem = "summary row is not whole",
            .keyword = "MINISTEP",
            .offset = ministepAt_,
            .expected = "PARAMS behind it",
@@ -143,7 +144,8 @@ class Walk {
   }
 
   void addHere(std::string problem, std::string expected, std::string found) {
-    add({.problem = std::move(problem),
+    add({.message = Message::RecordOrder,
+         .problem = std::move(problem),
          .keyword = cursor_.header().keyword,
          .occurrence = cursor_.occurrence(),
          .offset = cursor_.header().headerAt,
@@ -189,12 +191,16 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
   std::string why;
   const auto cursor = openRecords(file.path, why);
   if (!cursor) {
-    count({.path = file.path, .problem = why, .action = "read nothing of it"});
+    count({.message = Message::FileOpen, .path = file.path, .problem = why, .action = "read nothing of it"});
     return result;
   }
   if (recognised.byContent && file.kind != FileKind::Unknown && recognised.kind != file.kind) {
-    count({.path = file.path,
+    count({.message = Message::FileContent,
+           .path = file.path,
            .problem = "content is not what the name says",
+           .keyword = recognised.keyword,
+           .occurrence = 1,
+           .offset = recognised.offset,
            .expected = std::string(nameOf(file.kind)),
            .found = std::string(nameOf(recognised.kind))});
   }
@@ -267,7 +273,7 @@ void checkIndex(const RunFamily& run, const RunMember& file, Session& session, c
   if (init) {
     indexOfInit(session, run.find(FileKind::Init)->path, file.path);
   } else {
-    indexOfRestart(session, restartFiles(run), file.path);
+    indexOfRestart(session, restartFiles(run, session), file.path);
   }
   session.diagnosisSink = shown;
 }

@@ -134,7 +134,7 @@ void exportGrids(const Grids& grids, std::int32_t iGrid, const RunFamily& run, c
                  Console& console) {
 #ifdef LUMBARN_WITH_HDF5
   const auto inputs = pathsOf(run);
-  refuseInputs(options.vtk, inputs);
+  checkTarget(options.vtk, inputs, options.output.replace);
   std::vector<CellArray> arrays;
   VtkOptions how{.zUp = options.zUp, .iGrid = iGrid};
   std::optional<RunArrays> source;

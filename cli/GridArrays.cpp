@@ -8,6 +8,7 @@
 #include "Failure.h"
 #include "RecordData.h"
 #include "Suggestion.h"
+#include "files/FileChoice.h"
 
 namespace lumbarn::cli {
 
@@ -19,7 +20,7 @@ class GridArrays::Source {
       std::string why;
       cursor_ = openRecords(place.path, why);
       headerAt_.reset();
-      if (!cursor_) throw BadRecord({.path = place.path, .problem = why});
+      if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = place.path, .problem = why});
     }
     if (headerAt_ != place.header.headerAt) cursor_->setCurrent(place.header);
     headerAt_ = place.header.headerAt;
@@ -39,15 +40,15 @@ GridArrays::GridArrays(const RunFamily& run, const Hadrick& grid, std::optional<
     walk(file->path, whole, console);
     init_ = std::move(whole.front());
   }
-  const RunMember* restart = run.find(FileKind::Restart);
-  if (restart && restart->multiple()) {
-    for (const RunMember* file : run.steps(FileKind::Restart)) {
-      std::vector<Step> one{{file->step, static_cast<double>(file->step), {}}};
-      walk(file->path, one, console);
-      steps_.push_back(std::move(one.back()));
+  for (const std::string& file : chooseFiles(console.session(), run, FileKind::Restart).files) {
+    if (!isStepFile(file)) {
+      walk(file, steps_, console);
+      continue;
     }
-  } else if (restart) {
-    walk(restart->path, steps_, console);
+    const std::int32_t number = GetNumericPartOfFileName(file);
+    std::vector<Step> one{{number, static_cast<double>(number), {}}};
+    walk(file, one, console);
+    steps_.push_back(std::move(one.back()));
   }
   if (!step) return;
   std::erase_if(steps_, [&](const Step& each) { return each.number != *step; });
@@ -59,7 +60,10 @@ void GridArrays::walk(const std::string& path, std::vector<Step>& steps, Console
   std::string section;  // the local grid that records belong to
   std::string why;
   const auto cursor = openRecords(path, why);
-  if (!cursor) return console.tell({.path = path, .problem = why, .action = "read nothing of it"});
+  if (!cursor) {
+    return console.tell(
+        {.message = Message::FileOpen, .path = path, .problem = why, .action = "read nothing of it"});
+  }
   try {
     while (cursor->next()) {
       console.checkCancelled();

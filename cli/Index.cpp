@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
+#include "Output.h"
 #include "PathArgument.h"
 #include "RunIndex.h"
 #include "files/Folder.h"
@@ -29,6 +30,7 @@ std::string targetOf(const RestartIndex& index, const RunFamily& run, const Inde
                                        upperCase ? upper(extension) : extension);
   if (isFile(path) && !options.replace)
     throw Failure(Usage, fmt::format("{}: is there already; --replace writes it anew", path));
+  checkTarget(path, index.files, true);
   return path;
 }
 
@@ -49,7 +51,8 @@ void write(const RestartIndex& index, const std::string& target, Console& consol
 /// The walked indexes of what the run has; those that are there already do not count.
 std::vector<RestartIndex> walkAll(const RunFamily& run, Console& console) {
   std::vector<RestartIndex> indexes;
-  if (run.find(FileKind::Restart)) indexes.push_back(walkRestart(console.session(), restartFiles(run)));
+  if (run.find(FileKind::Restart))
+    indexes.push_back(walkRestart(console.session(), restartFiles(run, console.session())));
   if (const RunMember* init = run.find(FileKind::Init))
     indexes.push_back(walkInit(console.session(), init->path));
   console.progress().hide();

@@ -51,7 +51,9 @@ Facts indexFacts(const RunFamily& run, FileKind kind, Console& console) {
     addHead(facts, index.head);
   }
   console.checkCancelled();
-  if (!qOK) console.tell({.path = path, .problem = "index cannot be read to its end"});
+  if (!qOK)
+    console.tell(
+        {.message = Message::RecordTruncated, .path = path, .problem = "index cannot be read to its end"});
   if (!run.find(kind == FileKind::Rsspec ? FileKind::Restart : FileKind::Init)) return facts;
   const RestartIndex used = kind == FileKind::Rsspec ? restartIndex(run, console) : initIndex(run, console);
   facts["agrees_with_files"] = used.fromFile ? "yes" : "no";

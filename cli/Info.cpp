@@ -114,8 +114,7 @@ ExitStatus tellAbout(const InfoOptions& options, Console& console) {
     const Recognised recognised = recogniseFile(file.path);
     addFile(facts, file, recognised);
     unknown = recognised.kind == FileKind::Unknown;
-    if (!isText(recognised.kind) && !recognised.problem.empty())
-      console.tell({.path = file.path, .problem = recognised.problem});
+    if (!isText(recognised.kind) && recognised.problem) console.tell(*recognised.problem);
     file.kind = recognised.kind;
     kinds = {file.kind == FileKind::Summary ? FileKind::SummarySpec : file.kind};
   }

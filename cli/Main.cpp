@@ -5,13 +5,20 @@
 
 #include "Failure.h"
 #include "Run.h"
+#include "support/StandardStreams.h"
 #include "support/System.h"
 
 namespace {
 
+#ifdef SIGHUP
+constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+#else
+constexpr int endingSignals[] = {SIGINT, SIGTERM};
+#endif
+
 volatile std::sig_atomic_t receivedSignal = 0;
 
-/// The first Ctrl-C asks the load to end, so that files are put in order; a second one ends the program.
+/// The first signal asks the load to end, so that temporary files are removed; a second one ends the program.
 extern "C" void cancel(int signal) {
   receivedSignal = signal;
   lumbarn::Session::process().CancelLoad = true;
@@ -21,9 +28,13 @@ extern "C" void cancel(int signal) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  lumbarn::openStandardStreams();
   std::ios::sync_with_stdio(false);
   lumbarn::Session::process();  // made here, as the handler must not make it
-  for (const int signal : {SIGINT, SIGTERM}) {
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);  // writing beyond the size limit then fails, and is reported
+#endif
+  for (const int signal : endingSignals) {
     // What was started to ignore it, as shells start work in the background, goes on ignoring it.
     if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, cancel);
   }

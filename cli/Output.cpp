@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "Failure.h"
+#include "files/Recogniser.h"
 
 namespace lumbarn::cli {
 
@@ -33,12 +34,59 @@ fs::path temporaryBeside(const fs::path& target) {
 
 }  // namespace
 
-void refuseInputs(const std::string& file, std::span<const std::string> inputs) {
-  std::error_code unknown;
+void checkTarget(const std::string& file, std::span<const std::string> inputs, bool replace) {
+  const auto target = stampOf(file);
+  if (!target) return;
   for (const std::string& input : inputs) {
-    if (fs::equivalent(toPath(file), toPath(input), unknown))
+    const auto stamp = stampOf(input);
+    if (stamp && stamp->device == target->device && stamp->inode == target->inode)
       throw Failure(Usage, input + ": is an input, not replaced");
   }
+  if (replace || !fs::is_regular_file(toPath(file))) return;
+  const Recognised found = recogniseFile(file);
+  const bool simulatorFile = found.form && (found.byContent || found.kind != FileKind::Unknown);
+  if (simulatorFile || found.kind == FileKind::Deck) {
+    throw Failure(Usage,
+                  fmt::format("{}: is a {} file, not replaced without --replace", file, nameOf(found.kind)));
+  }
+}
+
+bool FileBuffer::open(const std::string& path) {
+  file_ = OutputFile(path, error_);
+  return file_.isOpen();
+}
+
+bool FileBuffer::close() {
+  sync();
+  errno = 0;
+  if (!file_.close() && error_.empty()) error_ = std::generic_category().message(errno);
+  return error_.empty();
+}
+
+FileBuffer::int_type FileBuffer::overflow(int_type c) {
+  if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
+  const char one = traits_type::to_char_type(c);
+  return xsputn(&one, 1) == 1 ? c : traits_type::eof();
+}
+
+std::streamsize FileBuffer::xsputn(const char* text, std::streamsize count) {
+  constexpr std::size_t heldBytes = std::size_t{64} << 10;
+  pending_.append(text, static_cast<std::size_t>(count));
+  return pending_.size() < heldBytes || sync() == 0 ? count : 0;
+}
+
+int FileBuffer::sync() {
+  const bool written = put(pending_);
+  pending_.clear();
+  return written ? 0 : -1;
+}
+
+bool FileBuffer::put(std::string_view bytes) {
+  if (!error_.empty()) return false;
+  errno = 0;
+  if (!bytes.empty() && !file_.write(std::as_bytes(std::span(bytes))))
+    error_ = std::generic_category().message(errno);
+  return error_.empty();
 }
 
 Output::Output(const OutputOptions& options, std::ostream& standard, std::span<const std::string> inputs)
@@ -48,37 +96,35 @@ Output::Output(const OutputOptions& options, std::ostream& standard, std::span<c
   std::error_code unknown;
   const fs::path real = fs::weakly_canonical(target_, unknown);  // a link stays, what it points to is written
   if (!unknown) target_ = real;
-  refuseInputs(options.file, inputs);
+  checkTarget(options.file, inputs, options.replace);
   const fs::file_status status = fs::status(target_, unknown);
   if (fs::is_directory(status)) throw Failure(Usage, target_.string() + ": is a folder");
   // A pipe or a device cannot be replaced by a file of that name.
   const bool inPlace = fs::exists(status) && !fs::is_regular_file(status);
   if (!inPlace) temporary_ = temporaryBeside(target_);
-  errno = 0;
-  file_.open(inPlace ? target_ : temporary_, std::ios::binary);
-  if (!file_) {
+  if (!buffer_.open((inPlace ? target_ : temporary_).string())) {
     temporary_.clear();
-    cannotWrite(target_, std::generic_category().message(errno));
+    cannotWrite(target_, buffer_.error());
   }
   if (!inPlace && fs::exists(status)) fs::permissions(temporary_, status.permissions(), unknown);
 }
 
 Output::~Output() {
   if (temporary_.empty()) return;
-  file_.close();
+  buffer_.close();
   std::error_code unknown;
   fs::remove(temporary_, unknown);
 }
 
 void Output::commit() {
-  stream().flush();
   if (target_.empty()) {
-    if (!standard_) throw Failure(Unreadable, "standard output cannot be written");
-    return;
+    errno = 0;
+    stream().flush();
+    if (standard_) return;
+    const std::string why = errno != 0 ? ": " + std::generic_category().message(errno) : "";
+    throw Failure(Unreadable, "standard output cannot be written" + why);
   }
-  errno = 0;
-  file_.close();
-  if (!file_) cannotWrite(target_, std::generic_category().message(errno));
+  if (!buffer_.close()) cannotWrite(target_, buffer_.error());
   if (temporary_.empty()) return;
   std::error_code failure;
   fs::rename(temporary_, target_, failure);

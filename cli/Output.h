@@ -1,30 +1,54 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <ostream>
 #include <span>
+#include <streambuf>
 #include <string>
+#include <string_view>
 
 #include "TableWriter.h"
+#include "support/System.h"
 
 namespace lumbarn::cli {
 
 /// What `--format` and `-o` say.
 struct OutputOptions {
   Format format = Format::Table;
-  std::string file;  ///< empty: standard output
+  std::string file;      ///< empty: standard output
+  bool replace = false;  ///< `file` may be a simulator file or a deck
 };
 
-/// Throws Failure when a file to be written is one of `inputs`.
-void refuseInputs(const std::string& file, std::span<const std::string> inputs);
+/// Throws Failure when a file to be written is one of `inputs`, by whatever name, or, unless `replace` is
+/// given, when it is a simulator file by its content or a deck.
+void checkTarget(const std::string& file, std::span<const std::string> inputs, bool replace);
+
+/// Writes to a file and keeps the reason of the first failure.
+class FileBuffer final : public std::streambuf {
+ public:
+  bool open(const std::string& path);
+  bool close();
+  const std::string& error() const { return error_; }
+
+ protected:
+  int_type overflow(int_type c) override;
+  std::streamsize xsputn(const char* text, std::streamsize count) override;
+  int sync() override;
+
+ private:
+  bool put(std::string_view bytes);
+
+  OutputFile file_;
+  std::string pending_;
+  std::string error_;
+};
 
 /// Where a subcommand's data go: standard output, or a file that appears under its name once it is complete.
 /// Until then it has a temporary name in the same folder, and nothing of it stays behind unless `commit` is
 /// reached.
 class Output {
  public:
-  /// Throws Failure when the file cannot be written, or is one of `inputs`.
+  /// Throws Failure when the file cannot be written, or is refused by `checkTarget`.
   Output(const OutputOptions& options, std::ostream& standard, std::span<const std::string> inputs);
   ~Output();
   Output(const Output&) = delete;
@@ -38,7 +62,8 @@ class Output {
   std::ostream& standard_;
   std::filesystem::path target_;     // empty: standard output
   std::filesystem::path temporary_;  // empty: written in place, or committed
-  std::ofstream file_;
+  FileBuffer buffer_;
+  std::ostream file_{&buffer_};
 };
 
 }  // namespace lumbarn::cli

@@ -56,6 +56,12 @@ RunMember summarySpecification(const RunFamily& run) {
   throw Failure(Usage, fmt::format("{}{}: has no summary specification (SMSPEC)", run.folder, run.base));
 }
 
+std::string summaryFile(const RunFamily& run) {
+  const RunMember* given = run.givenMember();
+  const RunMember specification = summarySpecification(run);
+  return given && given->kind == FileKind::Summary ? given->path : specification.path;
+}
+
 std::string nameOfFile(const std::string& path) {
   return path.substr(path.find_last_of(folderSeparators()) + 1);
 }

@@ -18,6 +18,10 @@ std::string oneFile(const std::string& argument);
 /// The summary specification of a run. Throws Failure when it has none.
 RunMember summarySpecification(const RunFamily& run);
 
+/// The file to load a run's summary by: its data file if that was named, which is then the one that is read,
+/// otherwise its specification.
+std::string summaryFile(const RunFamily& run);
+
 /// The paths of a run's files.
 std::vector<std::string> pathsOf(const RunFamily& run);
 

@@ -129,21 +129,22 @@ const IndexStep& stepOf(const RestartIndex& index, std::int32_t number) {
 }
 
 ExitStatus showRestart(const RestartOptions& options, Console& console) {
+  const RunFamily run = findRun(options.path);
+  const auto number = options.step ? options.step : namedStep(run);
   const bool values = !options.arrays.names.empty();
-  if (values && !options.step) throw Failure(Usage, "--array needs --step N: the report step to show");
+  if (values && !number) throw Failure(Usage, "--array needs --step N: the report step to show");
   if (!values && (options.arrays.all || options.arrays.ijk)) {
     throw Failure(Usage, fmt::format("{} goes with --array", options.arrays.all ? "--all" : "--ijk"));
   }
-  const RunFamily run = findRun(options.path);
   Output output(options.output, console.out(), pathsOf(run));
   ArrayReader reader(restartIndex(run, console), console.session());
   const RestartIndex& index = reader.index();
   std::vector<const IndexStep*> steps;
   for (const IndexStep& step : index.steps) steps.push_back(&step);
-  if (options.step) steps = {&stepOf(index, *options.step)};
+  if (number) steps = {&stepOf(index, *number)};
   const std::string& grid = options.arrays.grid;
   if (!grid.empty() && !values) {
-    requireGrid(steps, grid, options.step ? fmt::format("step {}", *options.step) : index.files.front());
+    requireGrid(steps, grid, number ? fmt::format("step {}", *number) : index.files.front());
   }
   const Format format = options.output.format;
   if (values) {

@@ -9,7 +9,9 @@
 
 #include "InitFile.h"
 #include "RecordData.h"
+#include "RunIndex.h"
 #include "WellTestFile.h"
+#include "files/FileChoice.h"
 #include "files/Recogniser.h"
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
@@ -24,7 +26,8 @@ void walk(const std::string& path, Console& console, const std::function<void(Re
   std::string why;
   const auto cursor = openRecords(path, why);
   if (!cursor) {
-    console.tell({.path = path, .problem = why, .action = "read nothing of it"});
+    console.tell(
+        {.message = Message::FileOpen, .path = path, .problem = why, .action = "read nothing of it"});
     return;
   }
   try {
@@ -94,16 +97,12 @@ class HeaderFacts {
 Facts restartFacts(const RunFamily& run, Console& console) {
   HeaderFacts headers;
   std::vector<std::int32_t> steps;
-  const RunMember* file = run.find(FileKind::Restart);
-  if (file->multiple()) {
-    for (const RunMember* step : run.steps(FileKind::Restart)) {
-      steps.push_back(step->step);
-      walk(step->path, console, [&](RecordCursor& cursor) { headers.visit(cursor); });
-    }
-  } else {
-    walk(file->path, console, [&](RecordCursor& cursor) {
+  for (const std::string& file : restartFiles(run, console.session())) {
+    const bool oneStep = isStepFile(file);
+    if (oneStep) steps.push_back(GetNumericPartOfFileName(file));
+    walk(file, console, [&](RecordCursor& cursor) {
       headers.visit(cursor);
-      if (cursor.header().keyword != "SEQNUM") return;
+      if (oneStep || cursor.header().keyword != "SEQNUM") return;
       for (const auto step : firstWords(cursor, 1)) steps.push_back(step);
     });
   }

@@ -6,6 +6,7 @@
 #include <fmt/ranges.h>
 
 #include "Failure.h"
+#include "files/FileChoice.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
 
@@ -37,17 +38,21 @@ const RestartIndex& checked(const RestartIndex& index, Console& console) {
 
 }  // namespace
 
-std::vector<std::string> restartFiles(const RunFamily& run) {
-  const RunMember* file = run.find(FileKind::Restart);
-  if (!file) throw Failure(Usage, fmt::format("{}{}: has no restart files", run.folder, run.base));
-  if (!file->multiple()) return {file->path};
-  std::vector<std::string> files;
-  for (const RunMember* step : run.steps(FileKind::Restart)) files.push_back(step->path);
-  return files;
+std::vector<std::string> restartFiles(const RunFamily& run, Session& session) {
+  FileChoice choice = chooseFiles(session, run, FileKind::Restart);
+  if (choice.files.empty())
+    throw Failure(Usage, fmt::format("{}{}: has no restart files", run.folder, run.base));
+  return std::move(choice.files);
+}
+
+std::optional<std::int32_t> namedStep(const RunFamily& run) {
+  const RunMember* given = run.givenMember();
+  if (!given || given->kind != FileKind::Restart || !given->multiple()) return std::nullopt;
+  return given->step;
 }
 
 RestartIndex restartIndex(const RunFamily& run, Console& console) {
-  const auto files = restartFiles(run);
+  const auto files = restartFiles(run, console.session());
   return checked(indexOfRestart(console.session(), files, pathOf(run.find(FileKind::Rsspec))), console);
 }
 

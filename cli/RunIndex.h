@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -12,7 +13,9 @@ namespace lumbarn::cli {
 
 /// The files of a run's restart set in order of step: one unified file, or one for each step. Throws Failure
 /// when it has none.
-std::vector<std::string> restartFiles(const RunFamily& run);
+std::vector<std::string> restartFiles(const RunFamily& run, Session& session);
+/// The step of the step file that the run was named by: the default of `--step`.
+std::optional<std::int32_t> namedStep(const RunFamily& run);
 
 /// What stands where in a run's restart set, or in its INIT file; by the index file beside it when there is
 /// one that agrees. Throws Failure when the run has no such files, when nothing can be read, and when

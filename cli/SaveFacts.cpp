@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "RunFacts.h"
+#include "files/Recogniser.h"
 #include "restart/qvEclipseSAVE.h"
 #include "support/Dates.h"
 
@@ -14,7 +15,7 @@ Facts saveFacts(const RunFamily& run, Console& console) {
   if (save.CheckSAVEFile(path)) {
     save.getSAVEData(qOK);
   } else {
-    console.tell({.path = path, .problem = "is no save file"});
+    console.tell(refusal(path, FileKind::Save));
   }
   console.checkCancelled();
   Facts facts = {{"steps", save.NumSequences}};

@@ -89,6 +89,7 @@ void Subcommand::output(OutputOptions& options) {
   command_.add_option_function<std::string>("--format", setFormat, "Form of the output: table, csv or json")
       ->option_text("FORMAT");
   value("-o,--output", options.file, "FILE", "Write to FILE, which appears when it is complete");
+  flag("--replace", options.replace, "Let FILE replace a simulator file or a deck");
 }
 
 void Subcommand::footer(const std::string& text) { command_.footer(text); }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
 #include <fmt/format.h>
 
@@ -10,8 +11,11 @@
 #include "StepRange.h"
 #include "Suggestion.h"
 #include "VectorNames.h"
+#include "files/FileChoice.h"
 #include "reader/qvEclipseReader.h"
+#include "summary/RestartChain.h"
 #include "summary/VectorSelection.h"
+#include "summary/qvEclipseSPEC.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {
@@ -63,7 +67,7 @@ class SummaryTable {
       : run_(run), options_(options), console_(console) {}
 
   void load() {
-    reader_.FileName = summarySpecification(run_).path;
+    reader_.FileName = summaryFile(run_);
     reader_.whichtype = 12;
     reader_.Silent = true;
     reader_.AcceptDamaged = true;
@@ -115,12 +119,13 @@ class SummaryTable {
     const StepRange steps = parseSteps(options_.steps);
     reader_.iStart = steps.first;
     reader_.iEnd = steps.last;
-    const auto files = run_.steps(FileKind::Summary);
-    if (files.empty()) return;
+    const FileChoice choice = chooseFiles(console_.session(), reader_.FileName, FileKind::Summary);
+    if (choice.unified) return;
     // Of a set with one file for each step the reader takes all files when the start is open, and the first
     // file alone when the end lies behind the last.
-    if (steps.first < 0) reader_.iStart = files.front()->step;
-    reader_.iEnd = std::max(reader_.iStart, std::min(steps.last, files.back()->step));
+    if (steps.first < 0) reader_.iStart = GetNumericPartOfFileName(choice.files.front());
+    reader_.iEnd =
+        std::max(reader_.iStart, std::min(steps.last, GetNumericPartOfFileName(choice.files.back())));
   }
 
   void fetch(bool& qOK) {
@@ -198,9 +203,26 @@ class SummaryTable {
   bool dateOnly_ = false;
 };
 
+/// The files that are read: those of the run and of the runs that it restarted from.
+std::vector<std::string> inputsOf(const RunFamily& run, const SummaryOptions& options, Console& console) {
+  auto inputs = pathsOf(run);
+  if (!options.restart || !options.output.replace) return inputs;  // without it, simulator files are safe
+  auto spec = std::make_unique<qvEclipseSPEC>(console.session());
+  if (!spec->CheckSPECFile(summarySpecification(run).path)) return inputs;
+  while (spec) {
+    bool qOK = false;
+    spec->ReadEclipseSPECFile(qOK);
+    if (!qOK || spec->zRestartName.empty()) break;
+    spec = findEarlierRun(spec->zRestartName, spec->zFileName, spec->Formatted, console.session());
+    if (!spec || std::ranges::count(inputs, spec->zFileName) > 0) break;  // a chain may lead back
+    std::ranges::move(pathsOf(findRun(spec->zFileName)), std::back_inserter(inputs));
+  }
+  return inputs;
+}
+
 ExitStatus showSummary(const SummaryOptions& options, Console& console) {
   const RunFamily run = findRun(options.path);
-  Output output(options.output, console.out(), pathsOf(run));
+  Output output(options.output, console.out(), inputsOf(run, options, console));
   SummaryTable table(run, options, console);
   table.load();
   table.write(options.output.format, output.stream());

@@ -5,6 +5,7 @@
 #include "Failure.h"
 #include "PathArgument.h"
 #include "RunFacts.h"
+#include "files/Recogniser.h"
 #include "reader/qvEclipseReader.h"
 #include "vocabulary/Units.h"
 
@@ -12,9 +13,9 @@ namespace lumbarn::cli {
 namespace {
 
 /// Rows, report steps and dates of the data; of the vectors only the time is read.
-void addRows(Facts& facts, const std::string& specification, Console& console) {
+void addRows(Facts& facts, const std::string& file, Console& console) {
   qvEclipseReader reader(console.session());
-  reader.FileName = specification;
+  reader.FileName = file;
   reader.whichtype = 12;
   reader.Silent = true;
   reader.AcceptDamaged = true;
@@ -52,14 +53,14 @@ Facts summaryFacts(const RunFamily& run, Console& console) {
   if (spec.CheckSPECFile(path)) {
     spec.ReadEclipseSPECFile(qOK);
   } else {
-    console.tell({.path = path, .problem = "is no summary specification"});
+    console.tell(refusal(path, FileKind::SummarySpec));
   }
   console.checkCancelled();
   Facts facts = Facts::object();
   if (!qOK && !spec.qDamaged) return facts;
 
   if (const auto start = spec.start()) facts["start"] = isoText(*start, true);
-  addRows(facts, path, console);
+  addRows(facts, summaryFile(run), console);
   const auto vectors = summaryVectors(spec);
   facts["vectors"] = vectors.size();
   facts["units"] = unitSystemName(spec.iUnitSystem);

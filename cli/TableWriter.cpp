@@ -5,6 +5,7 @@
 #include "Console.h"
 #include "Facts.h"
 #include "Numbers.h"
+#include "support/Text.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -113,6 +114,10 @@ std::unique_ptr<TableWriter> TableWriter::make(Format format, std::vector<Column
       writer = std::make_unique<ReadableWriter>(std::move(columns), out);
       break;
   }
+  for (Column& column : writer->columns_) {
+    column.name = toUtf8(column.name);
+    column.units = toUtf8(column.units);
+  }
   writer->forPeople_ = format == Format::Table;
   writer->begin();
   return writer;
@@ -127,7 +132,7 @@ void TableWriter::add(Cell cell, std::string_view value) {
   if (buffer_.size() >= bufferBytes) flush();
 }
 
-void TableWriter::text(std::string_view value) { add(Cell::Text, value); }
+void TableWriter::text(std::string_view value) { add(Cell::Text, toUtf8(value)); }
 void TableWriter::empty() { add(Cell::Empty, {}); }
 
 template <class Number>

@@ -16,6 +16,7 @@
 #include "RunFacts.h"
 #include "RunIndex.h"
 #include "Suggestion.h"
+#include "files/FileChoice.h"
 #include "reader/qvEclipseReader.h"
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
@@ -180,26 +181,29 @@ Facts factsOf(const Field<Record> (&fields)[n], const Record& record) {
 class StepWells {
  public:
   StepWells(const RunFamily& run, const WellsOptions& options, Console& console)
-      : run_(run), options_(options), console_(console) {}
+      : run_(run),
+        options_(options),
+        wanted_(options.step ? options.step : namedStep(run)),
+        console_(console) {}
 
   void load() {
-    const RunMember* file = run_.find(FileKind::Restart);
-    if (!file) throw Failure(Usage, run_.folder + run_.base + ": has no restart files");
-    const auto steps = stepNumbers(*file);
-    if (options_.step && std::ranges::find(steps, *options_.step) == steps.end()) {
+    const auto files = restartFiles(run_, console_.session());
+    const std::string& file = files.front();
+    const auto steps = stepNumbers(files);
+    if (wanted_ && std::ranges::find(steps, *wanted_) == steps.end()) {
       if (damage_) console_.tell(*damage_);
-      throw Failure(damage_ ? Unreadable : Usage, noStepText(file->path, *options_.step, steps));
+      throw Failure(damage_ ? Unreadable : Usage, noStepText(file, *wanted_, steps));
     }
     // The last step of a running simulation is not whole yet; then the one before it is the last.
-    bool found = options_.step && read(*file, *options_.step);
-    for (auto step = steps.rbegin(); !options_.step && !found && step != steps.rend(); ++step)
-      found = read(*file, *step);
-    if (!found) console_.giveUp(file->path, "no report step can be read from it");
+    bool found = wanted_ && read(file, *wanted_);
+    for (auto step = steps.rbegin(); !wanted_ && !found && step != steps.rend(); ++step)
+      found = read(file, *step);
+    if (!found) console_.giveUp(file, "no report step can be read from it");
     step_ = reader_.RestartSteps().front();
     chooseGrid();
     bool qOK = false;
     wells_ = reader_.RestartWells(1, iGrid_, qOK);
-    if (!qOK) console_.giveUp(file->path, "its wells cannot be read");
+    if (!qOK) console_.giveUp(file, "its wells cannot be read");
     if (wells_.empty()) console_.say(fmt::format("step {} has no wells", step_.iSeqnum));
   }
 
@@ -211,15 +215,15 @@ class StepWells {
 
  private:
   /// Numbers of the steps, found without reading them: damage is told when a step is read.
-  std::vector<std::int32_t> stepNumbers(const RunMember& file) {
+  std::vector<std::int32_t> stepNumbers(const std::vector<std::string>& files) {
     std::vector<std::int32_t> steps;
-    if (file.multiple()) {
-      for (const RunMember* member : run_.steps(FileKind::Restart)) steps.push_back(member->step);
+    if (isStepFile(files.front())) {
+      for (const std::string& file : files) steps.push_back(GetNumericPartOfFileName(file));
       return steps;
     }
     std::string why;
-    const auto cursor = openRecords(file.path, why);
-    if (!cursor) throw Failure(Unreadable, file.path + ": " + why);
+    const auto cursor = openRecords(files.front(), why);
+    if (!cursor) throw Failure(Unreadable, files.front() + ": " + why);
     try {
       while (cursor->next()) {
         console_.checkCancelled();
@@ -235,8 +239,8 @@ class StepWells {
     return steps;
   }
 
-  bool read(const RunMember& file, std::int32_t step) {
-    reader_.FileName = file.path;
+  bool read(const std::string& file, std::int32_t step) {
+    reader_.FileName = file;
     reader_.whichtype = 11;
     reader_.Silent = true;
     reader_.AcceptDamaged = true;
@@ -254,7 +258,7 @@ class StepWells {
     console_.checkCancelled();
     const bool found = qOK && !reader_.RestartSteps().empty();
     for (Diagnosis& diagnosis : damage) {
-      if (!found) diagnosis.action = options_.step ? "" : "took the step before it";
+      if (!found) diagnosis.action = wanted_ ? "" : "took the step before it";
       console_.tell(diagnosis);
     }
     return found;
@@ -347,6 +351,7 @@ class StepWells {
 
   const RunFamily& run_;
   const WellsOptions& options_;
+  std::optional<std::int32_t> wanted_;  // step; none: the last one
   Console& console_;
   qvEclipseReader reader_{console_.session()};
   std::optional<Diagnosis> damage_;  // that ended the search for steps

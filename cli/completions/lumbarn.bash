@@ -1,7 +1,7 @@
 # Completion of the lumbarn command for bash.
 
 _lumbarn() {
-  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output -h --help'
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
     mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft init tables -h --help --version' -- "$word")

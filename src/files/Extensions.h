@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace lumbarn {
 
@@ -46,6 +47,9 @@ struct FileName {
   std::string extension;  ///< without the dot; empty when there is none
 
   explicit FileName(std::string_view zFile);
+  /// For a base name that has a dot in it.
+  FileName(std::string zFolder, std::string zBase, std::string zExtension)
+      : folder(std::move(zFolder)), base(std::move(zBase)), extension(std::move(zExtension)) {}
 };
 
 /// How the files of one set are named: one row for each kind, form and generation of names. All in lower

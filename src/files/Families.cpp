@@ -54,6 +54,11 @@ void sortMembers(RunFamily& family) {
   });
 }
 
+// The text of a deck's grid section is often in a file named as a GRID file; it is no file of the run.
+bool isInclude(const std::string& path, FileKind kind) {
+  return kind == Grid && recogniseFile(path).kind == Deck;
+}
+
 // The families in a folder whose base name `takes` accepts.
 template <class Takes>
 Families collect(const std::string& folder, Takes takes, std::string& why) {
@@ -66,8 +71,9 @@ Families collect(const std::string& folder, Takes takes, std::string& why) {
   if (!listFolder(folder, wanted, names, why)) return families;
   for (const std::string& name : names) {
     const FileName parts(name);
-    RunFamily& family = families[parts.base];
     const ExtensionMeaning meaning = meaningOf(parts.extension);
+    if (isInclude(folder + name, meaning.kind)) continue;
+    RunFamily& family = families[parts.base];
     family.members.push_back({folder + name, meaning.kind, meaning.formatted, meaning.step, meaning.set});
   }
   for (auto& [base, family] : families) {
@@ -114,7 +120,7 @@ void setGiven(RunFamily& family, const std::string& path) {
   if (member == family.members.end()) {
     const ExtensionMeaning meaning = meaningOf(FileName(path).extension);
     RunMember added{path, meaning.kind, meaning.formatted, meaning.step, meaning.set};
-    if (added.kind == Unknown) {
+    if (added.kind == Unknown || added.kind == Grid) {
       const Recognised recognised = recogniseFile(path);
       added.kind = recognised.kind;
       added.formatted = recognised.form && recognised.form->formatted();

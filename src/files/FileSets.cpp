@@ -1,13 +1,12 @@
 #include "FileSets.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "Extensions.h"
-#include "Folder.h"
+#include "SetSearch.h"
 
 namespace lumbarn {
 namespace {
@@ -22,75 +21,6 @@ FileKind kindOfWord(std::string_view zKind) {
     if (equalNoCase(trim(zKind), word)) return kind;
   }
   return FileKind::Unknown;
-}
-
-// The sets that a file can stand for, the likeliest first.
-std::vector<ExtensionSet> candidateSets(const std::string& extension, FileKind kind) {
-  const ExtensionMeaning meaning = meaningOf(extension);
-  if (meaning.multiple()) return {*meaning.set};
-  const bool shortNames = meaning.set && meaning.set->shortNames;
-  const bool indexOnly = meaning.kind == FileKind::Rsspec;
-  if (meaning.set && (kind == meaning.set->kind || kind == FileKind::Unknown) && !indexOnly)
-    return {*meaning.set};
-  if (indexOnly && kind == FileKind::Unknown) kind = FileKind::Restart;
-  std::vector<ExtensionSet> candidates;
-  for (const bool formatted : {meaning.formatted, !meaning.formatted}) {
-    if (const ExtensionSet* set = findExtensionSet(kind, formatted, shortNames)) candidates.push_back(*set);
-  }
-  return candidates;
-}
-
-struct Found {
-  std::string name;
-  std::size_t candidate;  // which set
-  std::int32_t step;
-  bool otherBase;  // differs from the given base name in case
-  bool otherCase;  // its extension is not in the case of the given one
-};
-
-// Of all that matches keeps one set and one file of each step, in order of step, which is the order of
-// patterns and, within a pattern, of digits.
-void keepOneSet(std::vector<Found>& found) {
-  const auto rank = [](const Found& file) { return std::pair(file.otherBase, file.candidate); };
-  const auto best = std::ranges::min_element(found, {}, rank);
-  if (best == found.end()) return;
-  std::erase_if(found, [&, wanted = rank(*best)](const Found& file) { return rank(file) != wanted; });
-  std::ranges::stable_sort(found, {}, [](const Found& file) { return std::pair(file.step, file.otherCase); });
-  const auto sameStep = [](const Found& a, const Found& b) { return a.step == b.step; };
-  found.erase(std::unique(found.begin(), found.end(), sameStep), found.end());
-}
-
-std::vector<Found> findStepFiles(const FileName& given, const std::vector<ExtensionSet>& candidates,
-                                 Session& session, bool& qOK) {
-  std::vector<Found> found;
-  const auto wanted = [&](std::string_view name) {
-    if (name.size() <= given.base.size() || !equalNoCase(name.substr(0, given.base.size()), given.base))
-      return false;
-    const FileName parts(name);
-    if (parts.base.size() != given.base.size()) return false;
-    return std::ranges::any_of(candidates,
-                               [&](const auto& set) { return set.stepOf(parts.extension).has_value(); });
-  };
-  std::vector<std::string> names;
-  std::string why;
-  qOK = listFolder(given.folder, wanted, names, why);
-  if (!qOK) {
-    session.diagnose(Diagnosis{.path = given.folder.empty() ? "." : given.folder,
-                               .problem = "the folder cannot be listed: " + why,
-                               .action = "no step files were looked for"});
-  }
-  for (std::string& name : names) {
-    const FileName parts(name);
-    const bool otherCase = isUpperCase(parts.extension) != isUpperCase(given.extension);
-    for (std::size_t i = 0; i < candidates.size(); ++i) {
-      if (const auto step = candidates[i].stepOf(parts.extension)) {
-        found.push_back({name, i, *step, parts.base != given.base, otherCase});
-        break;
-      }
-    }
-  }
-  keepOneSet(found);
-  return found;
 }
 
 // Index, from 1, of the first file of that step or a later one; 0 when there is none.
@@ -125,19 +55,11 @@ void GetFileNamesToLoad(std::string_view zFile, std::int32_t iStart, std::int32_
   nFiles = 0;
   zFiles.clear();
   guarded(session, qOK, "FileSets", "GetFileNamesToLoad", [&] {
-    std::vector<ExtensionSet> candidates = candidateSets(given.extension, kindOfWord(zKind));
-    std::string letter;
-    std::int32_t number = -1;
-    if (const std::int32_t digits = checkMultipleExtension(given.extension, letter, number);
-        digits > 0 && !meaningOf(given.extension).multiple()) {
-      // A numbered file of a series that no table has: its own letter is the set.
-      candidates = {{.kind = FileKind::Unknown, .digits = digits, .stems = {letter}}};
-    }
+    const auto candidates = candidateSets(given.extension, kindOfWord(zKind));
     if (qUnified || candidates.empty()) return true;
-    bool listed = false;
-    for (const Found& file : findStepFiles(given, candidates, session, listed)) {
-      zFiles.push_back(given.folder + file.name);
-    }
+    SetFiles found;
+    const bool listed = findSetFiles(given, candidates, session, found);
+    zFiles = std::move(found.steps);
     nFiles = static_cast<std::int32_t>(zFiles.size());
     if (!listed || (iStart < 0 && iEnd < 0)) return listed;
     bool cut = false;

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "../record/LineReader.h"
 #include "../record/RecordCursor.h"
 #include "../support/Diagnosis.h"
@@ -20,10 +22,10 @@ constexpr int headersLookedAt = 256;
 
 // Keywords that tell a kind wherever they stand among the first records.
 constexpr std::pair<std::string_view, FileKind> signs[] = {
-    {"SEQHDR", Summary},      {"MINISTEP", Summary},    {"PARAMS", Summary}, {"KEYWORDS", SummarySpec},
-    {"FILEHEAD", EGrid},      {"GRIDHEAD", EGrid},      {"COORDS", Grid},    {"CORNERS", Grid},
-    {"GEOMETRY", Streamline}, {"GEOMINDX", Streamline}, {"WELLETC", Rft},    {"ITIME", Rsspec},
-    {"NAME", Inspec},         {"LGRNAME", Inspec},      {"POINTER", Inspec},
+    {"PARAMS", Summary}, {"KEYWORDS", SummarySpec}, {"FILEHEAD", EGrid},      {"GRIDHEAD", EGrid},
+    {"COORDS", Grid},    {"CORNERS", Grid},         {"GEOMETRY", Streamline}, {"GEOMINDX", Streamline},
+    {"WELLETC", Rft},    {"ITIME", Rsspec},         {"NAME", Inspec},         {"LGRNAME", Inspec},
+    {"POINTER", Inspec},
 };
 
 // Keywords that tell a kind behind INTEHEAD.
@@ -94,12 +96,13 @@ class Evidence {
     const bool first = count_++ == 0;
     if (keyword == "SEQHDR") ++reportSteps_;
     if (kind_ == Unknown) conclude(header, first);
-    return kind_ == Unknown || (kind_ == Summary && reportSteps_ < 2);
+    return (kind_ == Unknown && !foreign_) || (kind_ == Summary && reportSteps_ < 2);
   }
 
   // What the records tell when no more come.
   FileKind kind() const {
-    if (kind_ != Unknown) return kind_;
+    if (kind_ != Unknown || foreign_) return kind_;
+    if (inSummaryStep_) return Summary;
     if (restartRecord_) return byName_ == StreamlineSpec ? StreamlineSpec : SummarySpec;
     if (welltest_) return Rft;
     if (headWords_ == 2) return SummarySpec;
@@ -120,7 +123,11 @@ class Evidence {
 
   void conclude(const RecordHeader& header, bool first) {
     const std::string_view keyword = header.keyword;
-    if (first && isAnyOf(keyword, {"INITIAL", "SAVEHEAD", "STATIC", "DYNAMIC"})) {
+    if (isForeign(keyword)) {
+      foreign_ = true;
+    } else if (isAnyOf(keyword, {"SEQHDR", "MINISTEP"})) {
+      inSummaryStep_ = true;
+    } else if (first && isAnyOf(keyword, {"INITIAL", "SAVEHEAD", "STATIC", "DYNAMIC"})) {
       kind_ = Save;
     } else if (restartRecord_) {
       // A streamline specification begins as that of a summary does.
@@ -146,8 +153,19 @@ class Evidence {
     }
   }
 
+  // FLUX files have steps as summaries have, with other records in them, and some begin with a head of two
+  // words. KEYCHECK is in copies of a summary that are arranged by vector, which begin as specifications do.
+  bool isForeign(std::string_view keyword) const {
+    if (keyword == "KEYCHECK") return true;
+    if (byName_ == Summary || byName_ == SummarySpec) return false;
+    if (inSummaryStep_) return !isAnyOf(keyword, {"SEQHDR", "MINISTEP", "PARAMS"});
+    return headWords_ == 2 && !restartRecord_ && !isAnyOf(keyword, {"RESTART", "DIMENS"});
+  }
+
   FileKind byName_;
   FileKind kind_ = Unknown;
+  bool foreign_ = false;        // of no type in the table
+  bool inSummaryStep_ = false;  // SEQHDR or MINISTEP has been met
   std::int64_t count_ = 0;
   std::int64_t reportSteps_ = 0;
   std::optional<std::int64_t> headWords_;  // words of INTEHEAD, once it has been met
@@ -160,7 +178,7 @@ std::optional<bool> isUnified(FileKind kind, const Evidence& evidence, const Ext
   const bool nameSaysMultiple = name.kind == kind && name.multiple();
   switch (kind) {
     case Restart:
-      return evidence.stepNumber();
+      return evidence.stepNumber() && !nameSaysMultiple;  // some writers begin step files with SEQNUM too
     case Summary:
       return evidence.severalReportSteps() || !nameSaysMultiple;
     case Save:
@@ -177,17 +195,24 @@ void gather(const std::shared_ptr<const ByteSource>& source, const std::string& 
             Recognised& result) {
   const auto detected = detectForm(*source);
   if (!detected) {
-    result.problem = source->size() == 0 ? "the file is empty" : "no record header at the start";
+    const bool empty = source->size() == 0;
+    result.problem = Diagnosis{.message = empty ? Message::FileEmpty : Message::FileType,
+                               .path = name,
+                               .problem = empty ? "" : "not a record file",
+                               .offset = 0,
+                               .expected = empty ? "" : "a record header",
+                               .action = "read nothing of it"};
     return;
   }
   result.form = detected->form;
   RecordCursor cursor(source, detected->form, name);
   try {
     for (int taken = 0; taken < headersLookedAt && cursor.next(); ++taken) {
+      if (taken == 0) result.keyword = cursor.header().keyword, result.offset = cursor.header().headerAt;
       if (!evidence.take(cursor.header())) return;
     }
   } catch (const BadRecord& bad) {
-    result.problem = bad.diagnosis().text();
+    result.problem = bad.diagnosis();
     // A sound header counts even when its data are cut off.
     if (cursor.occurrence() > 0) evidence.take(cursor.header());
   }
@@ -216,6 +241,38 @@ FileKind userTestKind(const ByteSource& source) {
   return Unknown;
 }
 
+std::string withArticle(FileKind kind) {
+  const std::string_view name = nameOf(kind);
+  const bool vowel = std::string_view("AEIOUaeiou").find(name.front()) != std::string_view::npos;
+  return fmt::format("{} {}", vowel || kind == Rft ? "an" : "a", name);  // "an RFT"
+}
+
+bool isKeyword(std::string_view word) {
+  const auto isFirst = [](char c) { return c >= 'A' && c <= 'Z'; };
+  const auto isAny = [&](char c) { return isFirst(c) || (c >= '0' && c <= '9'); };
+  return !word.empty() && word.size() <= 8 && isFirst(word.front()) && std::ranges::all_of(word, isAny);
+}
+
+/// Whether a text is a deck or one of its INCLUDE files: a keyword, and a record that a slash ends.
+bool isDeckText(const ByteSource& source) {
+  if (!looksLikeText(source)) return false;
+  LineReader reader(std::make_shared<MemorySource>(front(source)), "");
+  bool keyword = false;
+  while (reader.next()) {
+    const std::string line = upper(trim(reader.line()));
+    if (line.empty() || line.starts_with("--")) continue;
+    if (!keyword && !isKeyword(words(line).front())) return false;
+    keyword = true;
+    if (words(line).back().ends_with('/')) return true;
+  }
+  return false;
+}
+
+FileKind textKind(const ByteSource& source) {
+  const FileKind kind = userTestKind(source);
+  return kind == Unknown && isDeckText(source) ? Deck : kind;
+}
+
 }  // namespace
 
 bool looksLikeText(const ByteSource& source) {
@@ -229,10 +286,12 @@ Recognised recognise(std::shared_ptr<const ByteSource> source, const std::string
   Evidence evidence(byName.kind);
   try {
     gather(source, name, evidence, result);
-    result.kind = result.form ? Unknown : userTestKind(*source);
-    if (result.kind != Unknown) result.problem.clear();
+    result.kind = result.form ? Unknown : textKind(*source);
+    if (result.kind != Unknown) result.problem.reset();
+  } catch (const BadRecord& bad) {
+    result.problem = bad.diagnosis();
   } catch (const std::exception& failure) {
-    result.problem = failure.what();
+    result.problem = Diagnosis{.message = Message::FileRead, .path = name, .found = failure.what()};
   }
   if (result.kind == Unknown) result.kind = evidence.kind();
   result.byContent = result.kind != Unknown;
@@ -250,8 +309,24 @@ Recognised recogniseFile(const std::string& path) {
   if (std::shared_ptr<const ByteSource> source = FileSource::open(path, problem))
     return recognise(source, path);
   Recognised result = recognise(std::make_shared<MemorySource>(std::vector<std::byte>()), path);
-  result.problem = problem;
+  result.problem = Diagnosis{
+      .message = Message::FileOpen, .path = path, .problem = problem, .action = "read nothing of it"};
   return result;
+}
+
+Diagnosis refusal(const std::string& path, FileKind expected) {
+  const Recognised found = recogniseFile(path);
+  if (found.keyword.empty() && found.problem) return *found.problem;
+  Diagnosis diagnosis{.message = Message::FileType,
+                      .path = path,
+                      .keyword = found.keyword,
+                      .occurrence = found.keyword.empty() ? 0 : 1,
+                      .offset = found.offset,
+                      .expected = std::string(nameOf(expected)),
+                      .action = "read nothing of it"};
+  diagnosis.problem = fmt::format("not {} file", withArticle(expected));
+  diagnosis.found = found.byContent ? nameOf(found.kind) : "a file of unknown type";
+  return diagnosis;
 }
 
 }  // namespace lumbarn

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "../files/Extensions.h"
+#include "../files/FileChoice.h"
 #include "../record/RecordCursor.h"
 #include "RestartIndex.h"
 #include "RestartIndexHeads.h"
@@ -189,7 +190,7 @@ RestartIndex walk(Session& session, RestartIndex index) {
 RestartIndex walkRestart(Session& session, std::span<const std::string> files) {
   RestartIndex index;
   index.setFiles({files.begin(), files.end()});
-  index.unified = files.size() == 1 && GetNumericPartOfFileName(files[0]) < 0;
+  index.unified = files.size() == 1 && !isStepFile(files[0]);
   return walk(session, std::move(index));
 }
 

@@ -1,35 +1,32 @@
 #include <filesystem>
 #include <utility>
 
-#include "../files/Extensions.h"
+#include "../files/FileChoice.h"
 #include "../grid/GridCache.h"
 #include "../grid/qvGridProcessor.h"
-#include "../support/Guarded.h"
-#include "qvEclipseReader.h"
+#include "ReaderLoad.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "qvEclipseReader";
 constexpr std::int32_t egridCode = 23;
 constexpr std::size_t rowItems = 24;
 
 }  // namespace
 
 void qvEclipseReader::ReadGridOrEGridFile(std::int32_t iGridType, bool& qOK) {
-  guarded(*session_, qOK, className, "ReadGridOrEGridFile", [&] { return readGrids(iGridType); });
+  load(Loaded::Grid, "ReadGridOrEGridFile", qOK, [&] { return readGrids(iGridType); });
 }
 
 bool qvEclipseReader::readGrids(std::int32_t iGridType) {
   if (session_->yield()) return false;
   auto grid = std::make_unique<qvGRIDReader>(*session_);
   const bool egrid = iGridType == egridCode;
-  if (!(egrid ? grid->CheckEGRIDFile(FileName) : grid->CheckGRIDFile(FileName))) {
-    Diagnosis diagnosis{.path = FileName};
-    const auto source = FileSource::open(FileName, diagnosis.problem);
-    if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no grid file of this kind";
-    session_->diagnose(std::move(diagnosis));
+  const FileKind kind = egrid ? FileKind::EGrid : FileKind::Grid;
+  const std::string path = fileOfRun(FileName, kind);
+  if (!(egrid ? grid->CheckEGRIDFile(path) : grid->CheckGRIDFile(path))) {
+    session_->diagnose(refusal(path, kind));
     return false;
   }
   Formatted = grid->Formatted;
@@ -68,7 +65,7 @@ void qvEclipseReader::SetFileProps() {
 
 bool qvEclipseReader::HPGFileTest() {
   bool qUsable = false;
-  guarded(*session_, qUsable, className, "HPGFileTest", [&] {
+  perform("HPGFileTest", qUsable, [&] {
     SetFileProps();
     qvGRIDReader grid(*session_);
     if (HPGFolder.empty() || !(grid.CheckEGRIDFile(FileName) || grid.CheckGRIDFile(FileName))) return false;
@@ -87,11 +84,11 @@ Hadrick* qvEclipseReader::gridAt(std::int32_t iGrid) const {
 
 void qvEclipseReader::GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& cGridData, bool& qOK) {
   qOK = false;
-  if (grid_) grid_->GetGRIDData(iGrid, cGridData, qOK);
+  if (requireLoaded(grid_ != nullptr, "grid")) grid_->GetGRIDData(iGrid, cGridData, qOK);
 }
 
 void qvEclipseReader::getCorners(std::int32_t iGrid, XYData& sCorners, std::int32_t& nActive, bool& qOK) {
-  guarded(*session_, qOK, className, "getCorners", [&] {
+  perform("getCorners", qOK, [&] {
     const Hadrick* grid = gridAt(iGrid);
     if (!grid || !grid->hasGeometry()) return false;
     const auto rows = static_cast<std::size_t>(grid->nActive());
@@ -109,14 +106,15 @@ void qvEclipseReader::CreateCorners(std::int32_t iGrid, bool& qOK) {
 }
 
 void qvEclipseReader::SetACTNUM(std::int32_t iGrid, const std::vector<std::int32_t>& iACTNUM, bool& qOK) {
-  guarded(*session_, qOK, className, "SetACTNUM", [&] {
+  perform("SetACTNUM", qOK, [&] {
     Hadrick* grid = gridAt(iGrid);
     if (!grid) return false;
     // Deliberate: a list of another length is no failure, and has no effect.
     if (iACTNUM.size() != static_cast<std::size_t>(grid->nCells())) return true;
     const auto refused = grid->setActive(iACTNUM);
     if (refused > 0) {
-      session_->diagnose(Diagnosis{.path = FileName,
+      session_->diagnose(Diagnosis{.message = Message::CellGeometry,
+                                   .path = FileName,
                                    .problem = "geometry of inactive cells was not kept, grid " + grid->zName,
                                    .found = std::to_string(refused) + " cells to become active",
                                    .action = "left them inactive"});

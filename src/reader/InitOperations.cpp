@@ -1,35 +1,27 @@
 #include <algorithm>
 #include <utility>
 
-#include "../files/Extensions.h"
+#include <fmt/format.h>
+
+#include "../files/FileChoice.h"
 #include "../index/IndexFile.h"
 #include "../index/RestartIndex.h"
 #include "../init/qvEclipseINIT.h"
-#include "../record/ByteSource.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Diagnosis.h"
-#include "../support/Guarded.h"
 #include "../support/Text.h"
-#include "qvEclipseReader.h"
+#include "ReaderLoad.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "qvEclipseReader";
 constexpr std::int32_t initCode = 15;
 
-/// The INIT file that goes with an index; any other file is itself. Files of systems that tell case apart may
-/// have their extension in the case of the index.
+/// The INIT file that a load reads: its index or the root name of the run leads to it.
 std::string initFileOf(const std::string& zFile) {
-  const FileName name(zFile);
-  const std::string kind = lower(name.extension);
-  if (kind != "inspec" && kind != "finspec") return zFile;
-  const std::string init = kind == "finspec" ? "FINIT" : "INIT";
-  const std::string stem = name.folder + name.base + ".";
-  std::string why;
-  if (name.extension == kind && !FileSource::open(stem + init, why)) return stem + lower(init);
-  return stem + init;
+  constexpr FileKind leads[] = {FileKind::Inspec};
+  return fileOfRun(zFile, FileKind::Init, leads);
 }
 
 /// Names of bytes 1 to 16 of each entry.
@@ -43,15 +35,15 @@ std::vector<std::string> namesOf(const ByteTable& bOnly) {
 }  // namespace
 
 void qvEclipseReader::ReadINITFile(bool& qOK) {
-  guarded(*session_, qOK, className, "ReadINITFile", [&] { return readInit(); });
+  load(Loaded::Init, "ReadINITFile", qOK, [&] { return readInit(); });
 }
 
 bool qvEclipseReader::readInit() {
   if (session_->yield()) return false;
   FileName = initFileOf(FileName);
   auto file = std::make_unique<qvEclipseINIT>(*session_);
-  if (!file->CheckINITFile(FileName)) {
-    tellNoInit(FileName);
+  if (!file->CheckINITFile(FileName) || isOfOtherType(FileName, FileKind::Init)) {
+    session_->diagnose(refusal(FileName, FileKind::Init));
     return false;
   }
   Formatted = file->Formatted;
@@ -68,15 +60,6 @@ bool qvEclipseReader::readInit() {
     WriteEclipseInspecFile(walkInit(*session_, FileName), indexPath(FileName, "INSPEC"), qOK, *session_);
   }
   return qOK;
-}
-
-/// A check that says no ends a load without a message; the diagnosis is for whoever wants to know.
-void qvEclipseReader::tellNoInit(const std::string& path) {
-  Diagnosis diagnosis;
-  diagnosis.path = path;
-  const auto source = FileSource::open(path, diagnosis.problem);
-  if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no INIT file";
-  session_->diagnose(std::move(diagnosis));
 }
 
 bool qvEclipseReader::chooseInitArrays(bool& qWriteIndex) {
@@ -128,8 +111,17 @@ void qvEclipseReader::prepareInit(qvEclipseINIT& file) {
 /// What all fetches have in common: an object, its grid, one report.
 template <class Fetch>
 void qvEclipseReader::fetchInit(const char* routine, bool& qOK, Fetch fetch) {
-  guarded(*session_, qOK, className, routine, [&] {
-    if (!init_ || iGridNumber < 1 || iGridNumber > init_->nGrids()) return false;
+  perform(routine, qOK, [&] {
+    if (!requireLoaded(init_ != nullptr, "INIT")) return false;
+    if (iGridNumber < 1 || iGridNumber > init_->nGrids()) {
+      session_->diagnose(Diagnosis{.message = Message::NotLoaded,
+                                   .path = FileName,
+                                   .problem = "no grid with this number",
+                                   .expected = fmt::format("1 to {}", init_->nGrids()),
+                                   .found = std::to_string(iGridNumber),
+                                   .action = "returned nothing"});
+      return false;
+    }
     init_->iGrid = iGridNumber;
     init_->SaveScratchFile = SaveScratchFiles;
     return static_cast<bool>(fetch(*init_));
@@ -188,10 +180,11 @@ std::vector<Connection> qvEclipseReader::InitConnections(std::int32_t iType, boo
   fetchInit("InitConnections", qOK, [&](qvEclipseINIT& file) {
     constexpr GridConnection::Kind kinds[] = {GridConnection::Kind::Inside, GridConnection::Kind::LocalGlobal,
                                               GridConnection::Kind::Amalgamated};
+    if (!requireLoaded(grid_ != nullptr, "grid")) return false;
     bool qDone = false;
     XYData values;
     file.GetNNCData(iType, values, qDone);
-    if (!qDone || !grid_) return false;
+    if (!qDone) return false;
     const auto& grids = grid_->xGrids;
     const auto found = std::ranges::find_if(
         grids, [&](const auto& grid) { return upper(grid->zName) == upper(file.grid().GridName); });

@@ -9,35 +9,69 @@
 
 namespace lumbarn {
 
-/// The options of `qvEclipseReader`, each with its default. Options of file kinds that are not read yet are
-/// carried and have no effect. Step and file ranges count from 1 for summaries; -1 leaves an end open.
+/// The options of `qvEclipseReader`, each with its default, in two groups: those in effect and those that are
+/// carried only.
 struct ReaderOptions {
-  bool LoadData = true;  ///< load data after reading the header part
-  bool FullWellInfo = false;
-  std::int32_t MarkerMethod = 3;
-  std::int32_t FaceVisibility = 3;
-  std::string FileName;  ///< the file; for a summary its specification
-  std::string zOrigin;   ///< case label; when empty, taken from the file name
-  std::string zOnly;     ///< vectors to load, by full name or pattern, commas between; empty: all
-  std::string zExcept;   ///< vectors to leave out, likewise
-  std::int32_t nOnly = 0;
+  // --- In effect: the readers act on these, or set them.
+
+  std::string FileName;  ///< the file, or the root name or folder of a run
   /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 15 INIT, 18 RFT, 23 EGRID, 76 and 77 user
   /// RFT and PLT.
   std::int32_t whichtype = 0;
-  bool Silent = false;    ///< no dialog
-  bool Formatted = true;  ///< form of the file; replaced by what recognition finds, as the next two
+  bool Silent = false;   ///< no dialog
+  std::string zOrigin;   ///< case label; when empty, taken from the file name
+  bool LoadData = true;  ///< load data after reading the header part
+  bool FullWellInfo = false;
+  std::int32_t MarkerMethod = 3;
+  std::string zOnly;       ///< vectors to load, by full name or pattern, commas between; empty: all
+  std::string zExcept;     ///< vectors to skip, likewise
+  std::int32_t nOnly = 0;  ///< set by `ECLReadData`: vectors counted by a selection by class or name
+  bool Formatted = true;   ///< form of the file; set by recognition, as the next two
   bool UNIX = false;
   bool byteSwap = false;
-  bool Unified = false;   ///< one file for all steps; found out when no multiple files are there
-  bool NoRestart = true;  ///< do not follow the restart chain of a summary
+  /// One file for all steps. True makes a summary load read the unified file; otherwise it is set to what is
+  /// found. A restart load sets it always.
+  bool Unified = false;
+  bool NoRestart = true;       ///< do not follow the restart chain of a summary
+  bool AllData = true;         ///< set to False by a load with `iStart`
+  bool CompressOnLoad = true;  ///< keep geometry of active cells only; unformatted files
+  bool Coarsened = true;       ///< make blocks of coarsened cells one cell
+  bool NoInactive = false;     ///< all cells of a GRID file count as active
+  /// Steps to read, by report step number. Both -1: all steps. Unified file: `iStart` alone reads that one
+  /// step, `iEnd` alone the steps up to it (of a summary from 1). Step files: `iStart` alone reads that
+  /// step's file or the next one, `iEnd` alone has no effect.
+  std::int32_t iStart = -1;
+  std::int32_t iEnd = -1;
+  PositionWords ReadPosition64;   ///< resume position of a unified summary, counted from 1
+  std::int32_t iGridNumber = 1;   ///< grid of a fetch: 1 the global one
+  bool InitTables = true;         ///< read the simulation tables of an INIT file
+  bool HorizWell = false;         ///< build along-well profiles after a summary load
+  bool MiniSteps = false;         ///< profiles at every row, not only at the last of each report step
+  bool InFlow = false;            ///< profiles accumulated along the well
+  bool Connect = false;           ///< profiles by connection
+  bool SaveScratchFiles = false;  ///< return the scratch file of a table that memory cannot hold
+  bool LoadHPGridFiles = false;   ///< take grids from the cache in HPGFolder, when it is that of the file
+  bool SaveHPGridFiles = false;   ///< keep grids that were read there
+  std::string HPGFolder;          ///< folder for cached grid geometry; empty: none is read or written
+  std::string HPGFileName;    ///< the cache file of a grid; empty: in HPGFolder, by the name of the grid file
+  std::string HPGChosenFile;  ///< set: the cache file that the last grid load took its data from, or empty
+  ByteTable bOnly = emptyOnlyList();  ///< selection by class and member, 56 bytes an entry
+  bool qOnly = false;                 ///< bOnly says what to load; False: what to skip
+
+  // Additions to the options that existing hosts know.
+  std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both apply together
+  std::vector<std::string> ExceptPatterns;  ///< as zExcept
+  std::string
+      IndexFolder;  ///< folder for index files of restart sets and INIT files loaded; empty: none written
+  bool AcceptDamaged = false;  ///< succeed with what was read before damage; see `Damaged`
+
+  // --- Carried only: kept for the host, without effect on what is read.
+
+  std::int32_t FaceVisibility = 3;
   bool NoSat = true;
   bool NoPVT = true;
   bool NNC = false;
-  bool CompressOnLoad = true;  ///< keep geometry of active cells only; unformatted files
-  bool Coarsened = true;       ///< make blocks of coarsened cells one cell
   bool WellSeg = false;
-  bool AllData = true;      ///< all steps wanted
-  bool NoInactive = false;  ///< all cells of a GRID file count as active
   bool GridPrompts = false;
   bool EclipseNames = true;
   bool MergeRows = true;
@@ -50,10 +84,7 @@ struct ReaderOptions {
   std::int32_t RowLGR = 0;
   std::string RowDateFormat;
   std::int32_t FixedLength = 0;
-  std::int32_t iStart = -1;  ///< step or file range; -1 is open
-  std::int32_t iEnd = -1;
-  std::int32_t ReadPosition = -1;  ///< resume position of a unified summary, low word, counted from 1
-  PositionWords ReadPosition64;    ///< the same, both words; this is the one that is used
+  std::int32_t ReadPosition = -1;  ///< see ReadPosition64
   std::int32_t nMnemonics = 0;     ///< this and the next six: for the host's own use
   std::int32_t nScale = 0;
   std::int32_t nWells = 0;
@@ -61,46 +92,25 @@ struct ReaderOptions {
   std::int32_t nLocalCells = 0;
   std::int32_t nData = 0;
   std::int32_t nUnits = 0;
-  std::int32_t iGridNumber = 1;
   std::int32_t LoadEvery = 1;
   bool ImportSLN = false;
   bool ImportALLOC = false;
   bool LoadAllALLOC = false;
   bool AllocationsOnly = false;
-  bool InitTables = true;  ///< read the simulation tables of an INIT file
   bool RUNSPECOnly = false;
   bool ProcessCorners = true;
   bool ProcessAll = false;
-  bool ProcessPLT = true;  ///< this and the next two: kept with the tests and without effect on them
+  bool ProcessPLT = true;  ///< this and the next two: stored with the tests
   bool SortedPLT = true;
   bool ScaledPLT = true;
-  bool HorizWell = false;  ///< build along-well profiles after a summary load
-  bool MiniSteps = false;  ///< profiles at every row, not only at the last of each report step
-  bool InFlow = false;     ///< profiles accumulated along the well
-  bool Connect = false;    ///< profiles by connection
   bool RecordScheduleDeck = false;
   bool RecordReportStepKeywords = false;
   bool PrepareBaseRun = false;
   bool RecordComments = false;
   bool AppendSchedule = false;
   bool IPRCurve = false;
-  bool SaveScratchFiles = false;  ///< hand over the scratch file of a table that memory cannot hold
-  bool LoadHPGridFiles = false;   ///< take grids from the cache in HPGFolder, when it is that of the file
-  bool SaveHPGridFiles = false;   ///< keep grids that were read there
   bool HPGAllowed = false;
-  std::string HPGFolder;      ///< folder for cached grid geometry; empty: none is read or written
-  std::string HPGFileName;    ///< the cache file of a grid; empty: in HPGFolder, by the name of the grid file
-  std::string GILFFileName;   ///< carried for the host
-  std::string HPGChosenFile;  ///< the cache file that the last grid load took its data from; empty: none
-  ByteTable bOnly = emptyOnlyList();  ///< selection by class and member, 56 bytes an entry
-  bool qOnly = false;                 ///< bOnly says what to load; False: what to leave out
-
-  // Additions to the options that hosts know of old.
-  std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both are taken together
-  std::vector<std::string> ExceptPatterns;  ///< as zExcept
-  std::string
-      IndexFolder;  ///< folder for index files of what is loaded (restart sets, INIT); empty: none is written
-  bool AcceptDamaged = false;  ///< succeed with what was read before damage; see `Damaged`
+  std::string GILFFileName;
 };
 
 }  // namespace lumbarn

@@ -2,33 +2,30 @@
 #include <filesystem>
 #include <utility>
 
-#include "../files/Families.h"
+#include "../files/FileChoice.h"
 #include "../files/FileSets.h"
+#include "../files/Folder.h"
 #include "../index/IndexFile.h"
-#include "../record/ByteSource.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../support/Diagnosis.h"
-#include "../support/Guarded.h"
-#include "qvEclipseReader.h"
+#include "../support/Text.h"
+#include "ReaderLoad.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "qvEclipseReader";
-
 bool isRestartIndex(const std::string& zFile) {
   return meaningOf(FileName(zFile).extension).kind == FileKind::Rsspec;
 }
 
-/// The file that a restart load reads: a restart index leads to the set that it is the index of, any other
-/// file is itself. Empty when the index stands alone.
-std::string restartFileOf(const std::string& zFile) {
-  if (!isRestartIndex(zFile)) return zFile;
-  std::string why;
-  const auto runs = findRuns(zFile, why);
-  const RunMember* found = runs.empty() ? nullptr : runs.front().find(FileKind::Restart);
-  return found ? found->path : std::string();
+/// The files that a restart load reads: a restart index or the root name of a run leads to the run's set, any
+/// other file is itself, or a member of its set.
+FileChoice restartFilesOf(const std::string& zFile, Session& session) {
+  const bool belongsToSet =
+      isStepFile(zFile) || meaningOf(FileName(zFile).extension).kind == FileKind::Restart;
+  if (isFile(zFile) && !belongsToSet && !isRestartIndex(zFile)) return {.files = {zFile}};
+  return chooseFiles(session, zFile, FileKind::Restart);
 }
 
 /// The names of all arrays of a set, in order of first appearance, and the numbers of its steps.
@@ -56,12 +53,13 @@ void fillChoice(const qvEclipseSOLUTION& all, ECLIPSEINFO& selection, LoadDialog
 /// What one restart load has found out before it reads.
 struct qvEclipseReader::SolutionLoad {
   std::unique_ptr<qvEclipseSOLUTION> set;
+  std::vector<std::string> files;  ///< one unified file, or step files
   std::vector<std::int32_t> iRestartList{-1};
   bool qWriteIndex = false;  ///< asked for by the dialog
 };
 
 void qvEclipseReader::ReadSolutionFile(bool& qOK) {
-  guarded(*session_, qOK, className, "ReadSolutionFile", [&] { return readSolution(); });
+  load(Loaded::Restart, "ReadSolutionFile", qOK, [&] { return readSolution(); });
 }
 
 bool qvEclipseReader::readSolution() {
@@ -70,9 +68,21 @@ bool qvEclipseReader::readSolution() {
   if (isRestartIndex(FileName)) readRestartIndex();
   SolutionLoad load;
   load.set = std::make_unique<qvEclipseSOLUTION>(*session_);
-  const std::string path = restartFileOf(FileName);
-  if (path.empty() || !load.set->CheckRESTARTFile(path)) {
-    tellNoRestart(path);
+  load.files = restartFilesOf(FileName, *session_).files;
+  const bool named = isFile(FileName) && !isRestartIndex(FileName);
+  const std::string path = named ? FileName : load.files.empty() ? "" : load.files.front();
+  if (path.empty()) {
+    session_->diagnose(isRestartIndex(FileName)
+                           ? Diagnosis{.message = Message::RunMember,
+                                       .path = FileName,
+                                       .problem = "is an index; no restart files go with it",
+                                       .expected = "restart files of the same name",
+                                       .action = "read the index only"}
+                           : refusal(FileName, FileKind::Restart));
+    return false;
+  }
+  if (!load.set->CheckRESTARTFile(path) || isOfOtherType(path, FileKind::Restart)) {
+    session_->diagnose(refusal(path, FileKind::Restart));
     return false;
   }
   Formatted = load.set->Formatted;
@@ -80,7 +90,7 @@ bool qvEclipseReader::readSolution() {
   byteSwap = load.set->byteSwap;
   Unified = load.set->Unified;
   if (!Silent && dialog_ && !chooseSteps(load)) return false;
-  if (!listRestartFiles(*load.set) || session_->yield()) return false;
+  if (!setRestartFiles(*load.set, load.files) || session_->yield()) return false;
   return loadSolution(load);
 }
 
@@ -93,30 +103,13 @@ void qvEclipseReader::readRestartIndex() {
   if (qOK) rsspec_ = std::move(index);
 }
 
-/// A check that says no ends a load without a message; the diagnosis is for whoever wants to know.
-void qvEclipseReader::tellNoRestart(const std::string& path) {
-  Diagnosis diagnosis;
-  diagnosis.path = path.empty() ? FileName : path;
-  const auto source = FileSource::open(diagnosis.path, diagnosis.problem);
-  if (path.empty()) {
-    diagnosis.problem = "is an index; no restart files go with it";
-  } else if (source) {
-    diagnosis.problem = source->size() == 0 ? "file is empty" : "is no restart file";
-  }
-  session_->diagnose(std::move(diagnosis));
-}
-
-/// The files of a multiple set. A file whose name belongs to no set is read alone; a range that holds none of
-/// the files is a set without steps.
-bool qvEclipseReader::listRestartFiles(qvEclipseSOLUTION& set) {
+/// The files of a multiple set. A range that holds none of the files is a set without steps.
+bool qvEclipseReader::setRestartFiles(qvEclipseSOLUTION& set, std::vector<std::string> files) {
   if (Unified) return true;
   bool qOK = false;
-  std::int32_t nFiles = 0;
-  std::vector<std::string> zFiles;
-  GetFileNamesToLoad(set.FileName, iStart, iEnd, Unified, "SOLUTION", nFiles, zFiles, qOK, *session_);
-  if (!qOK) return false;
-  if (zFiles.empty()) zFiles = {set.FileName}, nFiles = 1;
-  set.SetMultList(nFiles, zFiles, qOK);
+  auto nFiles = static_cast<std::int32_t>(files.size());
+  GetFileListUsingStartAndEnd(iStart, iEnd, Formatted, Unified, {}, nFiles, files, qOK);
+  set.SetMultList(nFiles, files, qOK);
   return qOK;
 }
 
@@ -128,7 +121,7 @@ bool qvEclipseReader::chooseSteps(SolutionLoad& load) {
   all.iStart = all.iEnd = -1;
   all.AcceptDamaged = true;
   all.setONLYList({}, true, qOK);
-  if (!listRestartFiles(all)) return false;
+  if (!setRestartFiles(all, load.files)) return false;
   all.getSOLUTIONData(qOK);
   if (!qOK) return false;
 
@@ -184,11 +177,10 @@ bool qvEclipseReader::loadSolution(SolutionLoad& load) {
 /// Index files are never written beside the data unless the host names their folder.
 bool qvEclipseReader::hasIndexFolder(const std::string& path) const {
   if (!IndexFolder.empty()) return true;
-  Diagnosis diagnosis;
-  diagnosis.path = path;
-  diagnosis.problem = "no folder is named for the index";
-  diagnosis.action = "no index was written";
-  session_->diagnose(std::move(diagnosis));
+  session_->diagnose(Diagnosis{.message = Message::IndexFolder,
+                               .path = path,
+                               .expected = "IndexFolder",
+                               .action = "no index was written"});
   return false;
 }
 
@@ -209,8 +201,8 @@ bool qvEclipseReader::writeRestartIndex(const qvEclipseSOLUTION& set) {
 /// What all fetches of a step have in common.
 template <class Fetch>
 void qvEclipseReader::fetchStep(const char* routine, bool& qOK, Fetch fetch) {
-  guarded(*session_, qOK, className, routine, [&] {
-    if (!solution_) return false;
+  perform(routine, qOK, [&] {
+    if (!requireLoaded(solution_ != nullptr, "restart")) return false;
     solution_->iGridNumber = iGridNumber;
     bool qDone = false;
     fetch(*solution_, qDone);
@@ -295,7 +287,7 @@ std::span<const float> qvEclipseReader::RestartValues(std::int32_t iSeqnum, std:
 std::span<const float> qvEclipseReader::RestartValues(std::int32_t iSeqnum, std::int32_t iGrid,
                                                       std::string_view zName) const {
   const RESTARTGRID* grid = RestartGrid(iSeqnum, iGrid);
-  return RestartValues(iSeqnum, iGrid, grid ? grid->arrays.find(zName) : 0);
+  return RestartValues(iSeqnum, iGrid, grid ? grid->arrays.find(upper(trim(zName))) : 0);
 }
 
 }  // namespace lumbarn

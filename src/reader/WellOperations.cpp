@@ -1,12 +1,11 @@
-#include "../support/Guarded.h"
-#include "qvEclipseReader.h"
+#include "ReaderLoad.h"
 
 namespace lumbarn {
 
 std::vector<WellRecord> qvEclipseReader::RestartWells(std::int32_t iSeqnum, std::int32_t iGrid,
                                                       bool& qOK) const {
   std::vector<WellRecord> wells;
-  guarded(*session_, qOK, "qvEclipseReader", "RestartWells", [&] {
+  perform("RestartWells", qOK, [&] {
     const RESTARTGRID* grid = RestartGrid(iSeqnum, iGrid);
     if (grid) wells = wellRecords(*grid);
     return grid != nullptr;

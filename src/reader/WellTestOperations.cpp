@@ -1,24 +1,16 @@
+#include "../files/FileChoice.h"
 #include "../support/Diagnosis.h"
-#include "../support/Guarded.h"
-#include "qvEclipseReader.h"
+#include "ReaderLoad.h"
 
 namespace lumbarn {
 
-namespace {
-
-constexpr const char* className = "qvEclipseReader";
-
-}  // namespace
-
 void qvEclipseReader::ReadRFTFile(bool& qOK) {
-  guarded(*session_, qOK, className, "ReadRFTFile", [&] {
+  load(Loaded::Tests, "ReadRFTFile", qOK, [&] {
     if (session_->yield()) return false;
     auto file = std::make_unique<qvEclipseRFT>(*session_);
-    if (!file->CheckRFTFile(FileName)) {
-      Diagnosis diagnosis{.path = FileName, .problem = ""};
-      const auto source = FileSource::open(FileName, diagnosis.problem);
-      if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no RFT file";
-      session_->diagnose(std::move(diagnosis));
+    const std::string path = fileOfRun(FileName, FileKind::Rft);
+    if (!file->CheckRFTFile(path)) {
+      session_->diagnose(refusal(path, FileKind::Rft));
       return false;
     }
     Formatted = file->Formatted;
@@ -41,7 +33,7 @@ void qvEclipseReader::ReadUserPLTFile(bool& qOK) { readUserTests(UserTestKind::P
 
 void qvEclipseReader::readUserTests(UserTestKind kind, bool& qOK) {
   const bool rft = kind == UserTestKind::Rft;
-  guarded(*session_, qOK, className, rft ? "ReadUserRFTFile" : "ReadUserPLTFile", [&] {
+  load(Loaded::UserTests, rft ? "ReadUserRFTFile" : "ReadUserPLTFile", qOK, [&] {
     if (session_->yield()) return false;
     auto file = std::make_unique<qvUserRFT>(*session_);
     if (!(rft ? file->CheckRFTFile(FileName) : file->CheckPLTFile(FileName))) return false;
@@ -58,9 +50,9 @@ void qvEclipseReader::readUserTests(UserTestKind kind, bool& qOK) {
 template <class Source, class Ask>
 void qvEclipseReader::askTests(const std::unique_ptr<Source>& source, const char* routine, bool& qOK,
                                Ask ask) {
-  guarded(*session_, qOK, className, routine, [&] {
+  perform(routine, qOK, [&] {
     bool qDone = false;
-    if (source) ask(*source, qDone);
+    if (requireLoaded(source != nullptr, "well test")) ask(*source, qDone);
     return qDone;
   });
 }
@@ -149,8 +141,8 @@ std::int32_t qvEclipseReader::NumberUserTests() const { return userTests_ ? user
 
 std::vector<WellTest> qvEclipseReader::ListRFTTests(bool& qOK) const {
   std::vector<WellTest> tests;
-  guarded(*session_, qOK, className, "ListRFTTests", [&] {
-    tests = readWellTests(FileName, *session_);
+  perform("ListRFTTests", qOK, [&] {
+    tests = readWellTests(fileOfRun(FileName, FileKind::Rft), *session_);
     return !tests.empty();
   });
   return tests;

@@ -4,24 +4,23 @@
 #include <limits>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "../files/Extensions.h"
+#include "../files/FileChoice.h"
 #include "../files/FileSets.h"
-#include "../record/ByteSource.h"
 #include "../shapes/HeaderLayout.h"
 #include "../summary/VectorSelection.h"
 #include "../support/Diagnosis.h"
-#include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "../vocabulary/Units.h"
+#include "ReaderLoad.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "qvEclipseReader";
-
 constexpr std::int32_t initCode = 15;
-bool isRestartCode(std::int32_t code) { return code == 11 || code == 16; }
 
 /// Step numbers stand in slots of 16 bits; beyond them the slot widens rather than lie.
 Variant stepSlot(std::int32_t step) {
@@ -29,10 +28,17 @@ Variant stepSlot(std::int32_t step) {
   return step;
 }
 
+/// The specification that a summary load reads: a data file or the root name of a run leads to it.
+std::string specificationOf(const std::string& zFile) {
+  constexpr FileKind leads[] = {FileKind::Summary};
+  return fileOfRun(zFile, FileKind::SummarySpec, leads);
+}
+
 }  // namespace
 
 /// What one summary load has found out before it reads.
 struct qvEclipseReader::SummaryLoad {
+  std::string path;  ///< of the specification
   std::unique_ptr<qvEclipseSPEC> spec;
   std::int32_t nFiles = 0;
   std::vector<std::string> zFiles;
@@ -51,11 +57,17 @@ void qvEclipseReader::InitEclipseReader() {
   IOMethod = 1;
   NullValue = -999;
   UseNullValue = 1;
+  optionsBefore_.reset();
   bool qReset = false;
   InitEclipseINFO(session_->part<SelectionState>().xInfo, qReset);
 }
 
 void qvEclipseReader::ECLReadData(bool& qOK) {
+  readByCode(qOK);
+  nOnly = session_->part<SelectionState>().nOnly;
+}
+
+void qvEclipseReader::readByCode(bool& qOK) {
   qOK = false;
   session_->part<SelectionState>().nOnly = 0;
   switch (whichtype) {
@@ -77,21 +89,54 @@ void qvEclipseReader::ECLReadData(bool& qOK) {
     case initCode:
       return ReadINITFile(qOK);
     default:
-      return;
+      session_->diagnose(Diagnosis{.message = Message::FileCode,
+                                   .path = FileName,
+                                   .expected = "11 to 16, 18, 23, 76 or 77",
+                                   .found = std::to_string(whichtype),
+                                   .action = "read nothing"});
   }
 }
 
+void qvEclipseReader::restoreOptions() {
+  if (!optionsBefore_) return;
+  const auto restore = [](auto& option, const auto& before, const auto& after) {
+    if (option == after) option = before;
+  };
+  restore(Unified, optionsBefore_->Unified, optionsAfter_.Unified);
+  restore(AllData, optionsBefore_->AllData, optionsAfter_.AllData);
+  restore(zOrigin, optionsBefore_->zOrigin, optionsAfter_.zOrigin);
+  restore(HPGFileName, optionsBefore_->HPGFileName, optionsAfter_.HPGFileName);
+}
+
+bool qvEclipseReader::requireLoaded(bool loaded, std::string_view type) const {
+  if (loaded) return true;
+  session_->diagnose(Diagnosis{.message = Message::NotLoaded,
+                               .path = FileName,
+                               .expected = fmt::format("a load of {} data", type),
+                               .action = "returned nothing"});
+  return false;
+}
+
+/// Restart and INIT files begin alike, so the check of either accepts the other. A name that fits the code is
+/// enough: a step file may contain static arrays.
+bool qvEclipseReader::isOfOtherType(const std::string& path, FileKind kind) const {
+  if (meaningOf(lumbarn::FileName(path).extension).kind == kind) return false;
+  const Recognised found = recogniseFile(path);
+  return found.byContent && found.kind != kind;
+}
+
 void qvEclipseReader::ReadSummaryFile(bool& qOK) {
-  guarded(*session_, qOK, className, "ReadSummaryFile", [&] { return readSummary(); });
+  load(Loaded::Summary, "ReadSummaryFile", qOK, [&] { return readSummary(); });
 }
 
 bool qvEclipseReader::readSummary() {
   summary_.reset();  // a load that fails leaves nothing to fetch
   if (session_->yield()) return false;
   SummaryLoad load;
+  load.path = specificationOf(FileName);
   load.spec = std::make_unique<qvEclipseSPEC>(*session_);
-  if (!load.spec->CheckSPECFile(FileName)) {
-    tellNoSpecification();
+  if (!load.spec->CheckSPECFile(load.path)) {
+    session_->diagnose(refusal(load.path, FileKind::SummarySpec));
     return false;
   }
   Formatted = load.spec->Formatted;
@@ -100,15 +145,6 @@ bool qvEclipseReader::readSummary() {
   const bool chosen = Silent || !dialog_ ? chooseSilently(load) : chooseByDialog(load);
   if (!chosen || session_->yield()) return false;
   return loadSummary(load);
-}
-
-/// A check that says no ends a load without a message; the diagnosis is for whoever wants to know.
-void qvEclipseReader::tellNoSpecification() {
-  Diagnosis diagnosis;
-  diagnosis.path = FileName;
-  const auto source = FileSource::open(FileName, diagnosis.problem);
-  if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no summary specification";
-  session_->diagnose(std::move(diagnosis));
 }
 
 bool qvEclipseReader::chooseSilently(SummaryLoad& load) {
@@ -124,10 +160,13 @@ bool qvEclipseReader::chooseSilently(SummaryLoad& load) {
     load.spec->qScanOnly = true;
     InitEclipseINFO(shared, qOK);
   }
-  if (Unified) return true;
-  GetFileNamesToLoad(FileName, iStart, iEnd, Unified, "SUMMARY", load.nFiles, load.zFiles, qOK, *session_);
-  // No multiple files at all: the set is unified. A range that holds none of them is a set without rows.
-  if (load.nFiles == 0 && load.zFiles.empty()) Unified = true;
+  FileChoice choice =
+      chooseFiles(*session_, FileName, FileKind::Summary, Unified ? std::optional<bool>(true) : std::nullopt);
+  Unified = choice.unified;
+  load.zFiles = std::move(choice.files);
+  load.nFiles = static_cast<std::int32_t>(load.zFiles.size());
+  // A range that holds none of the step files is a set without rows.
+  GetFileListUsingStartAndEnd(iStart, iEnd, Formatted, Unified, {}, load.nFiles, load.zFiles, qOK);
   return qOK;
 }
 
@@ -172,7 +211,7 @@ bool qvEclipseReader::loadSummary(SummaryLoad& load) {
   SetOriginFromFileName();
   summary_ = std::make_unique<qvEclipseSUMMARYFile>(*session_);
   auto& file = *summary_;
-  file.zFileName = FileName;
+  file.zFileName = load.path;
   file.Formatted = Formatted;
   file.UNIX = UNIX;
   file.byteSwap = byteSwap;
@@ -214,14 +253,24 @@ void qvEclipseReader::SetOriginFromFileName() {
 }
 
 bool qvEclipseReader::CheckifEclipse(FileDescriptor& uFileDesc) {
-  const auto recognised = recogniseFile(uFileDesc.zFile);
-  if (recognised.whichtype() == 0) return false;
-  uFileDesc.iType = recognised.whichtype();
-  whichtype = uFileDesc.iType;
-  return true;
+  bool qKnown = false;
+  perform("CheckifEclipse", qKnown, [&] {
+    const auto recognised = recogniseFile(uFileDesc.zFile);
+    if (recognised.whichtype() == 0) return false;
+    uFileDesc.iType = recognised.whichtype();
+    whichtype = uFileDesc.iType;
+    return true;
+  });
+  return qKnown;
 }
 
 bool qvEclipseReader::CheckECLIPSEFileType(const std::string& zFileName, std::int32_t iFileType) {
+  bool qOfType = false;
+  perform("CheckECLIPSEFileType", qOfType, [&] { return isOfType(zFileName, iFileType); });
+  return qOfType;
+}
+
+bool qvEclipseReader::isOfType(const std::string& zFileName, std::int32_t iFileType) const {
   switch (iFileType) {
     case 12:
     case 13:  // the summary reader asks for the specification under both codes
@@ -266,6 +315,15 @@ bool qvEclipseReader::IsInitialised(std::int32_t iType) const {
   }
 }
 
+void qvEclipseReader::release(Loaded loaded) {
+  if (loaded == Loaded::Summary) summary_.reset();
+  if (loaded == Loaded::Restart) solution_.reset();
+  if (loaded == Loaded::Grid) grid_.reset();
+  if (loaded == Loaded::Init) init_.reset();
+  if (loaded == Loaded::Tests) tests_.reset();
+  if (loaded == Loaded::UserTests) userTests_.reset();
+}
+
 bool qvEclipseReader::DeleteObject(std::int32_t iType) {
   if (iType == 11) solution_.reset();
   if (iType == 13) summary_.reset();
@@ -301,15 +359,28 @@ void qvEclipseReader::fetchSummary(const char* routine, Fetch fetch, SourceData&
   // Deliberate: for other codes, 13 among them, nothing is handed out and the answer is True. Hosts test the
   // code.
   if (whichtype != 12) {
+    session_->diagnose(Diagnosis{.message = Message::OtherCode,
+                                 .path = FileName,
+                                 .expected = "12",
+                                 .found = std::to_string(whichtype),
+                                 .action = "returned nothing"});
     qOK = true;
     return;
   }
-  guarded(*session_, qOK, className, routine, [&] {
-    if (!summary_) return false;
+  perform(routine, qOK, [&] {
+    if (!requireLoaded(summary_ != nullptr, "summary")) return false;
+    if (summaryFetched_) {
+      session_->diagnose(Diagnosis{.message = Message::FetchedBefore,
+                                   .path = FileName,
+                                   .expected = "one fetch for each load",
+                                   .action = "returned nothing"});
+      return false;
+    }
     summary_->SaveScratchFile = SaveScratchFiles;
     bool qDone = false;
     fetch(*summary_, qDone);
     if (!qDone) return false;
+    summaryFetched_ = true;
     fillSourceData(*summary_, vSourceData, qDone);
     bOnlyUsed = bOnly;
     return qDone;
@@ -338,7 +409,7 @@ void qvEclipseReader::getSUMMARYHorizontalData(std::int32_t iStep, bool qInflow,
     qOK = true;
     return;
   }
-  guarded(*session_, qOK, className, "getSUMMARYHorizontalData", [&] {
+  perform("getSUMMARYHorizontalData", qOK, [&] {
     if (!summary_) return false;
     bool qDone = false;
     std::string zDate;
@@ -384,10 +455,11 @@ std::string qvEclipseReader::SummaryScratchFileName() const { return summary_ ? 
 
 std::vector<SummaryVector> qvEclipseReader::ListSummaryVectors(bool& qOK) {
   std::vector<SummaryVector> found;
-  guarded(*session_, qOK, className, "ListSummaryVectors", [&] {
+  perform("ListSummaryVectors", qOK, [&] {
     qvEclipseSPEC spec(*session_);
-    if (!spec.CheckSPECFile(FileName)) {
-      tellNoSpecification();
+    const std::string path = specificationOf(FileName);
+    if (!spec.CheckSPECFile(path)) {
+      session_->diagnose(refusal(path, FileKind::SummarySpec));
       return false;
     }
     bool qRead = false;
@@ -432,17 +504,30 @@ std::optional<Moment> qvEclipseReader::StartDate() const {
 }
 
 std::vector<std::string> qvEclipseReader::UnmatchedPatterns() const {
-  if (isRestartCode(whichtype))
-    return solution_ ? solution_->selection.unmatched() : std::vector<std::string>{};
-  if (whichtype == initCode) return init_ ? init_->selection.unmatched() : std::vector<std::string>{};
-  return summary_ ? summary_->unmatched : std::vector<std::string>{};
+  if (loaded_ == Loaded::Restart && solution_) return solution_->selection.unmatched();
+  if (loaded_ == Loaded::Init && init_) return init_->selection.unmatched();
+  if (loaded_ == Loaded::Summary && summary_) return summary_->unmatched;
+  return {};
 }
 
 bool qvEclipseReader::Damaged() const {
-  if (isRestartCode(whichtype)) return solution_ && solution_->qDamaged;
-  if (whichtype == 14 || whichtype == 23) return grid_ && grid_->qDamaged;
-  if (whichtype == initCode) return init_ && init_->qDamaged;
-  return summary_ && summary_->qDamaged;
+  switch (loaded_) {
+    case Loaded::Summary:
+      return summary_ && summary_->qDamaged;
+    case Loaded::Restart:
+      return solution_ && solution_->qDamaged;
+    case Loaded::Grid:
+      return grid_ && grid_->qDamaged;
+    case Loaded::Init:
+      return init_ && init_->qDamaged;
+    case Loaded::Tests:
+      return tests_ && tests_->qDamaged;
+    case Loaded::UserTests:
+      return userTests_ && userTests_->qDamaged;
+    case Loaded::None:
+      break;
+  }
+  return false;
 }
 
 }  // namespace lumbarn

@@ -13,6 +13,7 @@
 #include "../index/qvEclipseRSSPEC.h"
 #include "../init/Connections.h"
 #include "../init/qvEclipseINIT.h"
+#include "../restart/MarkerTable.h"
 #include "../restart/WellRecords.h"
 #include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
@@ -40,10 +41,11 @@ struct FileDescriptor {
 /// The public object: options, a file, load operations, and fetch operations for what was loaded. Set the
 /// options (they are plain members), call `ECLReadData` or a `ReadXxxFile`, then fetch.
 ///
-/// Operations never throw. Those with qOK set it False on entry and True as their last act; results are then
-/// whole. After a failure the outputs hold nothing of use unless told otherwise, and the session's diagnoses
-/// say why: path, record and byte. All results are the caller's; a table is moved out, so it can be fetched
-/// once for each load.
+/// Operations with qOK do not throw: they set it False on entry and True as their last act. The others return
+/// values or references and throw only std::bad_alloc; access to an element of a table beyond its bounds
+/// throws Fault 9. After a failure the outputs are unspecified unless stated otherwise, and the session's
+/// diagnoses say why: path, record and byte. All results are the caller's. A summary or INIT table is moved
+/// out: a summary can be fetched once for each load, an INIT file is read again.
 ///
 /// One object serves one load at a time. Objects that share a session must not load at the same time; give
 /// each its own to load in parallel.
@@ -65,11 +67,18 @@ class qvEclipseReader : public ReaderOptions {
 
   // --- Load
 
-  /// Reads `FileName` as what `whichtype` says. Codes with no reader leave qOK False and change nothing.
+  /// Reads `FileName` as what `whichtype` says: a file, or the root name or folder of a run, whose file of
+  /// that type is read then. Codes with no reader leave qOK False, with a diagnosis, and read nothing.
+  ///
+  /// A load replaces what was held of its type, also when it fails. It sets the options Formatted, UNIX and
+  /// byteSwap, and where the host left them at their defaults Unified, zOrigin, HPGFileName and AllData. The
+  /// next load sets these four back first, unless the host changed them in between, so that nothing of one
+  /// file applies to another.
   void ECLReadData(bool& qOK);
-  /// Reads a summary: `FileName` is its specification. The data files, unified or multiple, and with
-  /// `NoRestart` False the earlier runs of the chain are found from it. A last record that is not whole, as a
-  /// running simulation leaves it, is told as a diagnosis and no failure.
+  /// Reads a summary: `FileName` is its specification, its root name, or its data file, which is then the one
+  /// that is read. The data files, unified or multiple (see `chooseFiles`), and with `NoRestart` False the
+  /// earlier runs of the chain are found from it. A last record that is not whole, as a running simulation
+  /// leaves it, is told as a diagnosis and no failure.
   void ReadSummaryFile(bool& qOK);
   /// Reads the well tests of a simulator's RFT file. Damage ends the reading and is told as a diagnosis; what
   /// stands before it is there, and that is no failure unless it is nothing.
@@ -314,9 +323,10 @@ class qvEclipseReader : public ReaderOptions {
   std::vector<Moment> RowDates(const XYData& xyData) const;
   /// Start of the run, with its time of day.
   std::optional<Moment> StartDate() const;
-  /// Patterns of the last load that no vector or array matched.
+  /// Patterns of the last load that no vector or array matched, whatever `whichtype` is now.
   std::vector<std::string> UnmatchedPatterns() const;
-  /// Whether the last load met damage or a record that is not whole. What is fetched lies before it.
+  /// Whether the last load met damage or an incomplete record, whatever `whichtype` is now. What is fetched
+  /// was read before it.
   bool Damaged() const;
 
   // --- RFT and PLT results
@@ -375,13 +385,31 @@ class qvEclipseReader : public ReaderOptions {
   std::vector<UserTest> ListUserTests() const;
 
  private:
+  /// What the last load loads.
+  enum class Loaded : std::uint8_t { None, Summary, Restart, Grid, Init, Tests, UserTests };
+  /// Options that a load sets where the host did not.
+  struct FoundOptions {
+    bool Unified, AllData;
+    std::string zOrigin, HPGFileName;
+  };
   struct SummaryLoad;
+
+  void readByCode(bool& qOK);
+  template <class Body>
+  void perform(const char* routine, bool& qOK, Body body) const;
+  template <class Read>
+  void load(Loaded loaded, const char* routine, bool& qOK, Read read);
+  void restoreOptions();
+  FoundOptions foundOptions() const { return {Unified, AllData, zOrigin, HPGFileName}; }
+  void release(Loaded loaded);
+  bool requireLoaded(bool loaded, std::string_view type) const;
+  bool isOfType(const std::string& zFileName, std::int32_t iFileType) const;
+  bool isOfOtherType(const std::string& path, FileKind kind) const;
 
   bool readSummary();
   bool chooseSilently(SummaryLoad& load);
   bool chooseByDialog(SummaryLoad& load);
   bool loadSummary(SummaryLoad& load);
-  void tellNoSpecification();
   void takePatterns(qvEclipseSUMMARYFile& file) const;
   void SetOriginFromFileName();
   bool readGrids(std::int32_t iGridType);
@@ -398,8 +426,7 @@ class qvEclipseReader : public ReaderOptions {
   struct SolutionLoad;
   bool readSolution();
   void readRestartIndex();
-  void tellNoRestart(const std::string& path);
-  bool listRestartFiles(qvEclipseSOLUTION& set);
+  bool setRestartFiles(qvEclipseSOLUTION& set, std::vector<std::string> files);
   bool chooseSteps(SolutionLoad& load);
   bool loadSolution(SolutionLoad& load);
   bool hasIndexFolder(const std::string& path) const;
@@ -409,7 +436,6 @@ class qvEclipseReader : public ReaderOptions {
   void fetchStep(const char* routine, bool& qOK, Fetch fetch);
 
   bool readInit();
-  void tellNoInit(const std::string& path);
   bool chooseInitArrays(bool& qWriteIndex);
   void prepareInit(qvEclipseINIT& file);
   template <class Fetch>
@@ -427,6 +453,10 @@ class qvEclipseReader : public ReaderOptions {
   std::unique_ptr<qvEclipseSOLUTION> solution_;
   std::unique_ptr<qvEclipseRSSPEC> rsspec_;
   std::unique_ptr<qvEclipseINIT> init_;
+  Loaded loaded_ = Loaded::None;
+  bool summaryFetched_ = false;
+  std::optional<FoundOptions> optionsBefore_;  // of the last load, as the host set them
+  FoundOptions optionsAfter_{};                // as the load left them
 };
 
 }  // namespace lumbarn

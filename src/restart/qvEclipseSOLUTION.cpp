@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "../files/Extensions.h"
+#include "../files/FileChoice.h"
 #include "../files/Recogniser.h"
 #include "../record/ByteSource.h"
 #include "../record/cFILETYPE.h"
@@ -34,7 +35,7 @@ bool qvEclipseSOLUTION::CheckRESTARTFile(const std::string& zFile) {
   Form found;
   if (detected) {
     found = detected->form;
-    Unified = detected->keyword == "SEQNUM";
+    Unified = detected->keyword == "SEQNUM" && !isStepFile(zFile);
   } else {
     // Some writers put an array in front of the first SEQNUM.
     const auto recognised = recognise(source, zFile);

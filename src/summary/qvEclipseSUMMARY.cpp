@@ -82,12 +82,7 @@ bool qvEclipseSUMMARY::readRun() {
   bool qLimits = false;
   setEclipseSequenceLimits("SUMMARY", Unified, iStart, iEnd, request.iFirst, request.iLast, qLimits);
   if (Unified) {
-    std::string extension;
-    std::string unified;
-    bool qName = false;
-    setEclipseFileName(zFileName, "SUMMARY", extension, true, Formatted, unified, qName);
-    if (!qName) return false;
-    setMultList(1, {unified});
+    if (nFiles != 1 && !setUnifiedName()) return false;
     request.resume = {iPosition, iPositionHigh};
   }
   request.zFiles = zFiles;
@@ -117,6 +112,16 @@ bool qvEclipseSUMMARY::readRun() {
   }
   if (session_->cancelled()) return false;
   return AcceptDamaged || !index_.damaged;
+}
+
+/// Without a file that was chosen, the unified file has the name that belongs to the specification.
+bool qvEclipseSUMMARY::setUnifiedName() {
+  std::string extension;
+  std::string unified;
+  bool qName = false;
+  setEclipseFileName(zFileName, "SUMMARY", extension, true, Formatted, unified, qName);
+  if (qName) setMultList(1, {unified});
+  return qName;
 }
 
 /// The columns of these vectors, for the rows that can be read: damage within a row is found only when its

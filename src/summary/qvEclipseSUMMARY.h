@@ -68,6 +68,7 @@ class qvEclipseSUMMARY : public FormFlags {
 
  private:
   bool readRun();
+  bool setUnifiedName();
   XYData readColumns(std::span<const std::int32_t> vectors);
   void readInto(XYData& table, std::span<const std::int32_t> vectors);
   void dropDamagedRows(Diagnosis& diagnosis, std::size_t good);

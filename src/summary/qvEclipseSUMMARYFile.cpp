@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "../files/FileSets.h"
+#include "../files/FileChoice.h"
 #include "../shapes/HeaderLayout.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
@@ -199,12 +199,9 @@ std::unique_ptr<qvEclipseSUMMARY> qvEclipseSUMMARYFile::readData(qvEclipseSPEC& 
     summary->iPositionHigh = iPositionHigh;
     summary->setMultList(nMult, zMult);
   } else if (!spec.Unified) {
-    std::vector<std::string> files;
-    std::int32_t count = 0;
-    bool qListed = false;
-    GetFileNamesToLoad(spec.zFileName, -1, -1, false, "SUMMARY", count, files, qListed, *session_);
-    summary->setMultList(count, files);
-    summary->Unified = count == 0;
+    const FileChoice choice = chooseFiles(*session_, spec.zFileName, FileKind::Summary);
+    summary->setMultList(static_cast<std::int32_t>(choice.files.size()), choice.files);
+    summary->Unified = choice.unified;
   }
   summary->setKeyMask(spec.getKeyMask());
   qMask = spec.getKeyMask();

@@ -39,6 +39,9 @@ struct MessageRow {
   ROW(FileChanged, "file.changed", Damage, "file changed while it was being read")                           \
   ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
   /* files */                                                                                                \
+  ROW(FolderList, "files.folder", Damage, "folder cannot be listed")                                         \
+  ROW(FilesBothSets, "files.both", Remark, "the run has a unified file and step files")                      \
+  ROW(FileOlder, "files.older", Incomplete, "older than the file before it; may be left from an earlier run") \
   /* index */                                                                                                \
   ROW(StepIncomplete, "step.incomplete", Incomplete, "report step is not complete")                          \
   ROW(StepTwice, "step.twice", Remark, "two report steps have the same number")                              \
@@ -98,9 +101,19 @@ struct MessageRow {
   ROW(GridCacheNotKept, "grid.cache.kept", Incomplete, "grid cache cannot be written")                       \
   /* welltests */                                                                                            \
   /* reader */                                                                                               \
+  ROW(FileCode, "reader.code", Incomplete, "no reader for this file type code")                              \
+  ROW(RunMember, "reader.run-member", Incomplete, "a file that belongs to this one is missing")              \
+  ROW(NotLoaded, "reader.not-loaded", Incomplete, "no data of this type are loaded")                         \
+  ROW(FetchedBefore, "reader.fetched-before", Incomplete, "the table was fetched before")                    \
+  ROW(OtherCode, "reader.other-code", Remark, "nothing is returned for this file type code")                 \
+  ROW(IndexFolder, "reader.index-folder", Incomplete, "no folder is specified for the index")                \
+  ROW(CellGeometry, "reader.cell-geometry", Incomplete, "geometry of inactive cells was not kept")           \
   /* export */                                                                                               \
   ROW(ExportHdf, "export.hdf5", Damage, "cannot be written as an HDF5 file")                                 \
   /* command */                                                                                              \
+  ROW(FileContent, "check.content", Damage, "content is not what the name says")                             \
+  ROW(RecordOrder, "check.records", Damage, "records do not fit together")                                   \
+  ROW(SummaryRowOrder, "check.summary-row", Incomplete, "summary row is not complete")                       \
   /* end of the table */
 // clang-format on
 

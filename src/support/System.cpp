@@ -13,6 +13,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "StandardStreams.h"
+
 namespace lumbarn {
 
 namespace {
@@ -45,7 +47,8 @@ std::optional<FileStamp> stampOf(const std::string& path) {
 FileChange changeBetween(const FileStamp& before, const FileStamp& now) {
   if (now.device != before.device || now.inode != before.inode) return FileChange::Replaced;
   if (now.size < before.size) return FileChange::Shrunk;
-  return now.size == before.size && now.modified != before.modified ? FileChange::Rewritten : FileChange::None;
+  return now.size == before.size && now.modified != before.modified ? FileChange::Rewritten
+                                                                    : FileChange::None;
 }
 
 InputFile::InputFile(const std::string& path, std::string& error) {
@@ -211,6 +214,14 @@ std::string thisModulePath() {
   Dl_info info{};
   const bool found = ::dladdr(reinterpret_cast<const void*>(&thisModulePath), &info) != 0 && info.dli_fname;
   return found ? info.dli_fname : "";
+}
+
+void openStandardStreams() {
+  for (const int handle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    const bool closed = ::fcntl(handle, F_GETFD) < 0 && errno == EBADF;
+    // The lowest free number is given, which is this one, as those below it are open.
+    if (closed) ::open("/dev/null", handle == STDOUT_FILENO ? O_RDONLY : O_RDWR);
+  }
 }
 
 bool stderrIsTerminal() { return ::isatty(STDERR_FILENO) == 1; }

@@ -66,6 +66,30 @@ TEST(Output, PlacesThatCannotBeReplaced) {
   }
 }
 
+TEST(Output, SimulatorFilesAndDecksAreReplacedOnRequestOnly) {
+  const test::TemporaryFolder folder;
+  for (const char* name : {"SMSPEC", "UNSMRY"})
+    store(folder.file(std::string("A.") + name), content(sample(std::string("ARBOR/ARBOR.") + name)));
+  const std::string other = content(sample("ARBOR/ARBOR.UNRST"));
+  const std::string deck = "RUNSPEC\nDIMENS\n 1 1 1 /\n";
+  store(folder.file("other"), other);
+  store(folder.file("deck"), deck);
+  store(folder.file("table.csv"), "a,b\r\n1,2\r\n");
+  fs::create_hard_link(folder.file("A.UNSMRY"), folder.file("link"));
+  const auto write = [&](const char* name, bool replace) {
+    std::vector<std::string> args{"vectors", "-o", folder.file(name), folder.file("A")};
+    if (replace) args.emplace_back("--replace");
+    return command(args).status;
+  };
+  for (const auto& [name, bytes] : {std::pair("other", other), std::pair("deck", deck)}) {
+    EXPECT_EQ(write(name, false), 2) << name;
+    EXPECT_EQ(content(folder.file(name)), bytes);
+    EXPECT_EQ(write(name, true), 0) << name;
+  }
+  EXPECT_EQ(write("table.csv", false), 0);
+  EXPECT_EQ(write("link", true), 2) << "another name of a file that is read";
+}
+
 std::string tableOf(Format format) {
   std::ostringstream out;
   const auto table = TableWriter::make(format, {{"name"}, {"value", true, 5, "BARSA"}, {"note, \"x\""}}, out);
@@ -88,11 +112,11 @@ TEST(TableWriter, QuotesWhatEachFormatNeeds) {
             "\"say \"\"hi\"\"\",-100,-\r\n"
             "\"line\r\nend\",1e+05,-\r\n"
             "\xC3\xA9t\xC3\xA9,-1e+08,-\r\n"
-            "bad \xFF,1e+11,-\r\n"
+            "bad \xC3\xBF,1e+11,-\r\n"
             ",-1e+14,-\r\n");
   const auto json = nlohmann::json::parse(tableOf(Format::Json));
   EXPECT_EQ(json[2], (nlohmann::json{{"name", "line\r\nend"}, {"value", 1e5}, {"note, \"x\"", "-"}}));
-  EXPECT_EQ(json[4]["name"], "bad \xEF\xBF\xBD");
+  EXPECT_EQ(json[4]["name"], "bad \xC3\xBF");
   EXPECT_EQ(tableOf(Format::Table),
             "name  value  note, \"x\"\n"
             "      BARSA\n"
@@ -100,7 +124,7 @@ TEST(TableWriter, QuotesWhatEachFormatNeeds) {
             "say \"hi\"   -100  -\n"
             "line??end  100000  -\n"
             "\xC3\xA9t\xC3\xA9   -100000000  -\n"
-            "bad \xFF  1e+11  -\n"
+            "bad \xC3\xBF  1e+11  -\n"
             "      -1e+14  -\n");
 }
 

@@ -122,7 +122,55 @@ TEST(Program, ExitStatus) {
   if (std::filesystem::exists("/dev/full")) {
     EXPECT_EQ(statusOf("vectors" + quoted(sample("ARBOR")) + ">/dev/full", messages), 1);
     EXPECT_EQ(statusOf("--help >/dev/full", messages), 1);
-    EXPECT_EQ(content(messages), "lumbarn: standard output cannot be written\n");
+    EXPECT_THAT(content(messages), HasSubstr("lumbarn: standard output cannot be written"));
+    EXPECT_EQ(statusOf("vectors -o /dev/full" + quoted(sample("ARBOR")), messages), 1);
+    EXPECT_EQ(content(messages), "lumbarn: /dev/full: cannot be written: No space left on device\n");
+  }
+}
+
+TEST(Program, MessagesAndFilesWithClosedStreamsAndLimits) {
+  const test::TemporaryFolder folder;
+  store(folder.file("CUT.UNSMRY"), content(sample("ARBOR/ARBOR.UNSMRY")).substr(0, 9000));
+  store(folder.file("CUT.SMSPEC"), content(sample("ARBOR/ARBOR.SMSPEC")));
+  const std::string target = folder.file("out.csv");
+  const auto shell = [&](const std::string& before, const std::string& behind) {
+    const std::string line = before + "'" + commandPath() + "' summary --format csv -o '" + target + "' '" +
+                             folder.file("CUT") + "' " + behind;
+    return WEXITSTATUS(std::system(line.c_str()));
+  };
+  EXPECT_EQ(shell("", "2>&-"), 3);
+  EXPECT_EQ(content(target).find("lumbarn:"), std::string::npos) << "a message in the output";
+  std::filesystem::remove(target);
+  EXPECT_EQ(shell("ulimit -f 0; ", "2>/dev/null"), 1)
+      << "the signal of the size limit must not end the process";
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.file("")), {}), 2)
+      << "a temporary file was left";
+}
+
+TEST(Run, StatusFollowsFromTheWorstDiagnosis) {
+  const test::TemporaryFolder folder;
+  test::SummaryBuilder run;
+  run.vectors = {{"TIME", "", 0, "DAYS"}, {"FOPR", "", 0, "SM3/DAY"}};
+  run.rows = {{{1, 2}}, {{2, 3}}};
+  run.write(folder, "BOTH", test::bigEndian, true);
+  run.write(folder, "BOTH", test::bigEndian, false);
+  const Outcome remark = command({"summary", folder.file("BOTH")});
+  EXPECT_EQ(remark.status, 0);
+  EXPECT_THAT(remark.err, HasSubstr("BOTH.UNSMRY: the run has a unified file and step files"));
+  EXPECT_EQ(command({"summary", folder.file("BOTH.UNSMRY")}).err, "");
+  EXPECT_EQ(command({"summary", "--vectors", "FOPR,NONE", folder.file("BOTH.UNSMRY")}).status, 0);
+  EXPECT_EQ(command({"check", folder.file("BOTH")}).status, 0);
+  store(folder.file("BOTH.UNSMRY"), content(folder.file("BOTH.UNSMRY")).substr(0, 60));
+  EXPECT_EQ(command({"check", folder.file("BOTH")}).status, 3);
+  for (const char* name : {"BOTH.SMSPEC", "BOTH.UNSMRY", "BOTH.S0001", "BOTH.S0002"})
+    store(folder.file(name), "");
+  EXPECT_EQ(command({"check", folder.file("BOTH")}).status, 1);
+
+  for (const char* subcommand : {"summary", "vectors"}) {
+    Session small;
+    small.memoryLimit = 16;
+    const Outcome outcome = command({subcommand, sample("ARBOR")}, small);
+    EXPECT_TRUE(outcome.err.empty() || outcome.status != 0) << subcommand << ": an empty table with exit 0";
   }
 }
 

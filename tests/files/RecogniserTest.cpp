@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "files/Families.h"
 #include "files/Recogniser.h"
 #include "record/RecordWriter.h"
 #include "support/Forms.h"
@@ -68,11 +69,17 @@ const Case cases[] = {
     {"INTEHEAD:10 GEOMETRY:D9 GEOMINDX:2", "", Streamline, false},
     {"RESTART:T9 EXTENT:D6 NAMES:T5", "", StreamlineSpec, {}},
 
+    // Types that begin as others do: FLUX files, copies of a summary arranged by vector.
+    {"SEQHDR MINISTEP FLOOIL:S9", "RUN.FLUX", Unknown, {}, false},
+    {"SEQHDR FLOOIL:S9 MINISTEP PARAMS:S9", "", Unknown, {}, false},
+    {"INTEHEAD:2 FLUXNUM:9", "RUN.FLUX", Unknown, {}, false},
+    {"START:6 RESTART:T9 KEYCHECK:T9 UNITS:T9", "RUN.ESMRY", Unknown, {}, false},
+
     // Content before a misleading name.
     {"INTEHEAD:2 RESTART:T9 DIMENS:6", "RUN.UNRST", SummarySpec, {}},
     {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1 PORV:S9", "RUN.X0001", Init, {}},
     {"INTEHEAD:95 LOGIHEAD DOUBHEAD:D1 IWEL", "RUN.INIT", Restart, false},
-    {"SEQNUM INTEHEAD:95 IGRP", "RUN.X0003", Restart, true},
+    {"SEQNUM INTEHEAD:95 IGRP", "RUN.X0003", Restart, false},  // some writers begin step files so
     {"SEQHDR PARAMS:S5 SEQHDR PARAMS:S5", "RUN.S0001", Summary, true},
     {"FILEHEAD:100", "RUN.DATA", EGrid, {}},
 
@@ -124,7 +131,7 @@ TEST(Recogniser, ACutFileGivesItsKindOrAnOpenOneAndWhy) {
       EXPECT_EQ(recognise(source, "RUN.INIT").kind, Init) << size;
       const Recognised nameless = recognise(source, "");
       EXPECT_TRUE(nameless.kind == Unknown || nameless.kind == Restart || nameless.kind == Init) << size;
-      EXPECT_TRUE(nameless.kind != Unknown || !nameless.problem.empty()) << size;
+      EXPECT_TRUE(nameless.kind != Unknown || nameless.problem) << size;
     }
   }
 }
@@ -137,7 +144,7 @@ TEST(Recogniser, TellsTextsOfTestsByTheirFirstLines) {
     EXPECT_EQ(kindOf("-- a\r\n\r\n  rft\tP1\r\n", name).kind, UserRft) << name;
     EXPECT_EQ(kindOf("ORIGIN X\nDATE1 JAN 1990\nPLT", name).whichtype(), 77) << name;
   }
-  EXPECT_EQ(kindOf("RFT\n", "").problem, "");
+  EXPECT_FALSE(kindOf("RFT\n", "").problem);
   EXPECT_TRUE(kindOf("RFT\n", "").byContent);
   for (const char* text : {"-- RFT\n", "RFTPLT\n", "DEPTH\nRFT\n", "WELLNAME P1\nDEPTH\nRFT", "RFT1\n", ""}) {
     EXPECT_EQ(kindOf(text, "P1.TXT").kind, Unknown) << text;
@@ -145,12 +152,61 @@ TEST(Recogniser, TellsTextsOfTestsByTheirFirstLines) {
   EXPECT_EQ(kindOf(std::string_view("RFT\n\0", 5), "").kind, Unknown);
 }
 
+// INCLUDE files of the grid section are often named RUN.grid.
+TEST(Recogniser, ADeckTextIsADeckWhateverItsName) {
+  const TemporaryFolder folder;
+  const std::pair<std::string_view, FileKind> rows[] = {
+      {"-- made by hand\n\nDXV\n 3*100 /\n", Deck},
+      {"RUNSPEC\r\nDIMENS\r\n 10 10 3 / size\r\n/\r\n", Deck},
+      {"TIME\n1\n2\n", Grid},
+      {"name,mnemonic\na/b,c/\n", Grid},
+  };
+  for (const auto& [text, kind] : rows) {
+    writeFile(folder.file("R.grid"), bytesOf(text));
+    EXPECT_EQ(recogniseFile(folder.file("R.grid")).kind, kind) << text;
+  }
+  writeFile(folder.file("R.grid"), bytesOf(rows[0].first));
+  folder.add({"R.EGRID"});
+  std::string why;
+  const auto runs = findRuns(folder.file("R"), why);
+  ASSERT_EQ(runs.size(), 1U);
+  EXPECT_EQ(runs[0].find(Grid), nullptr);
+  EXPECT_EQ(findRuns(folder.file("R.grid"), why)[0].givenMember()->kind, Deck);
+}
+
+TEST(Recogniser, ARefusalStatesWhereWhatWasExpectedAndFound) {
+  const TemporaryFolder folder;
+  struct Row {
+    std::vector<std::byte> bytes;
+    Message message;
+    std::string expected, found, keyword;
+  };
+  const Row rows[] = {
+      {{}, Message::FileEmpty, "", "", ""},
+      {bytesOf("just text"), Message::FileType, "a record header", "", ""},
+      {write("FILEHEAD:100", bigEndian), Message::FileType, "INIT", "EGRID", "FILEHEAD"},
+      {write("ODD:9", bigEndian), Message::FileType, "INIT", "a file of unknown type", "ODD"},
+  };
+  for (const Row& row : rows) {
+    writeFile(folder.file("F"), row.bytes);
+    const Diagnosis diagnosis = refusal(folder.file("F"), Init);
+    EXPECT_EQ(diagnosis.message, row.message);
+    EXPECT_EQ(diagnosis.path, folder.file("F"));
+    EXPECT_EQ(diagnosis.offset, 0U);
+    EXPECT_EQ(diagnosis.keyword, row.keyword);
+    EXPECT_EQ(diagnosis.expected, row.expected);
+    EXPECT_EQ(diagnosis.found, row.found);
+    EXPECT_FALSE(diagnosis.action.empty());
+  }
+  EXPECT_EQ(refusal(folder.file("NONE"), Init).message, Message::FileOpen);
+}
+
 TEST(Recogniser, TellsWhatCannotBeOpened) {
   const TemporaryFolder folder;
   const Recognised missing = recogniseFile(folder.file("RUN.EGRID"));
   EXPECT_EQ(missing.kind, EGrid);
   EXPECT_FALSE(missing.byContent);
-  EXPECT_FALSE(missing.problem.empty());
+  EXPECT_TRUE(missing.problem);
   EXPECT_EQ(recogniseFile(folder.file("")).kind, Unknown);
 
   writeFile(folder.file("odd name"), write("SEQNUM INTEHEAD:95 IGRP", bigEndian));

@@ -153,7 +153,7 @@ TEST(GridOperations, AnswerForWhatIsHeld) {
   EXPECT_FALSE(qOK) << "nothing is loaded";
   host.reader.ReadGridFile(qOK);
   EXPECT_FALSE(qOK) << "it is no GRID file";
-  EXPECT_THAT(host.problem(), HasSubstr("no grid file of this kind"));
+  EXPECT_THAT(host.problem(), HasSubstr("not a GRID file"));
   EXPECT_FALSE(host.reader.IsInitialised(14));
   ASSERT_TRUE(host.run());
   EXPECT_EQ(host.reader.zOrigin, "RUN");

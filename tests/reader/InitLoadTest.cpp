@@ -139,7 +139,7 @@ TEST_F(InitOperations, FindTheFileOfAnIndex) {
   reader_.FileName = folder_.file("NONE.INSPEC");
   load();
   EXPECT_FALSE(qOK_);
-  EXPECT_THAT(session_.diagnoses().back().text(), testing::HasSubstr("NONE.INIT"));
+  EXPECT_THAT(session_.diagnoses().back().text(), testing::HasSubstr("NONE.INSPEC"));
 }
 
 TEST_F(InitOperations, WriteTheIndexWhereTheHostNamesAFolder) {

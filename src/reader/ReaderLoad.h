@@ -1,0 +1,34 @@
+#pragma once
+
+#include "../support/Guarded.h"
+#include "qvEclipseReader.h"
+
+namespace lumbarn {
+
+/// Runs an operation; a fault in it is reported with the file too, which the fault's own text does not name.
+template <class Body>
+void qvEclipseReader::perform(const char* routine, bool& qOK, Body body) const {
+  constexpr const char* className = "qvEclipseReader";
+  const auto faults = session_->faults();
+  guarded(*session_, qOK, className, routine, body);
+  if (session_->faults() == faults) return;
+  bool qReported = false;
+  guarded(*session_, qReported, className, routine, [&] {
+    session_->diagnose(Diagnosis{.message = Message::SystemFault, .path = FileName, .action = "stopped"});
+  });
+}
+
+/// What all loads share: what was held of the type is released and what an earlier load set among the options
+/// is set back, so that nothing of one file is returned as that of another, also when the load fails.
+template <class Read>
+void qvEclipseReader::load(Loaded loaded, const char* routine, bool& qOK, Read read) {
+  loaded_ = loaded;
+  release(loaded);
+  restoreOptions();
+  optionsBefore_ = foundOptions();
+  if (loaded == Loaded::Summary) summaryFetched_ = false;
+  perform(routine, qOK, read);
+  optionsAfter_ = foundOptions();
+}
+
+}  // namespace lumbarn
