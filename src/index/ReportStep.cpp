@@ -24,6 +24,11 @@ std::string_view missingPart(const StepParts& step, const StepParts* before) {
   return {};
 }
 
+bool isCompleteBeforeDamage(const StepParts& step, std::string_view keyword, const StepParts* before) {
+  if (keyword == "SEQNUM") return isComplete(step);
+  return keyword.empty() && step.solutions > 0 && isComplete(step, before);
+}
+
 Diagnosis incompleteStep(const std::string& path, std::int32_t number, std::string_view missing,
                          std::uint64_t offset, const std::string& found) {
   return {.message = Message::StepIncomplete,

@@ -36,6 +36,9 @@ std::string_view missingPart(const StepParts& step, const StepParts* before = nu
 inline bool isComplete(const StepParts& step, const StepParts* before = nullptr) {
   return missingPart(step, before).empty();
 }
+/// Whether a step is complete although what follows it cannot be read: the record of that keyword, empty when
+/// its header cannot be read either.
+bool isCompleteBeforeDamage(const StepParts& step, std::string_view keyword, const StepParts* before);
 /// What is reported of a step that is not: `found` is the record at `offset`, empty at the end of the file.
 Diagnosis incompleteStep(const std::string& path, std::int32_t number, std::string_view missing,
                          std::uint64_t offset, const std::string& found);

@@ -47,6 +47,11 @@ struct MessageRow {
   /* arrays */                                                                                               \
   /* summary */                                                                                              \
   /* restart */                                                                                              \
+  ROW(RestartRecordType, "restart.record.type", Damage, "restart files have no records of this type")        \
+  ROW(CellCount, "grid.cell-count", Damage, "cell count cannot be")                                          \
+  ROW(WellRecordLength, "restart.well-record.length", Damage, "well record does not fit the header")         \
+  ROW(RestartStepsMissing, "restart.steps.missing", Incomplete, "none of the report steps requested exists") \
+  ROW(SaveRecordType, "save.record.type", Damage, "SAVE files have no records of this type")                 \
   /* init */                                                                                                 \
   /* grid */                                                                                                 \
   /* welltests */                                                                                            \
