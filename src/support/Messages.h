@@ -51,6 +51,7 @@ struct MessageRow {
   ROW(CellCount, "grid.cell-count", Damage, "cell count cannot be")                                          \
   ROW(WellRecordLength, "restart.well-record.length", Damage, "well record does not fit the header")         \
   ROW(RestartStepsMissing, "restart.steps.missing", Incomplete, "none of the report steps requested exists") \
+  ROW(HeaderLength, "header.length", Damage, "header is too short")                                          \
   ROW(SaveRecordType, "save.record.type", Damage, "SAVE files have no records of this type")                 \
   /* init */                                                                                                 \
   /* grid */                                                                                                 \
