@@ -237,7 +237,10 @@ struct GridCache::Source {
 };
 
 GridCache::GridCache(std::string path, const qvGRIDReader& reader, Session& session)
-    : path_(std::move(path)), reader_(&reader), session_(&session), made_(stampOf(reader.FileName).value_or(FileStamp{})) {}
+    : path_(std::move(path)),
+      reader_(&reader),
+      session_(&session),
+      made_(stampOf(reader.FileName).value_or(FileStamp{})) {}
 
 GridCache::Source GridCache::source(FileStamp& stamp) const {
   Source facts;

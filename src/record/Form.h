@@ -32,9 +32,9 @@ struct DetectedForm {
   std::string keyword;  ///< trimmed, upper case
 };
 
-/// The form in which a file begins with a sound record header: tried as formatted, with 4-byte and with 1-byte
-/// marks, in this order, since a short text header could satisfy a later probe. Whatever its keyword is: files begin
-/// with a writer's own records too. Throws BadRecord when the file cannot be read.
+/// The form in which a file begins with a sound record header: tried as formatted, with 4-byte and with
+/// 1-byte marks, in this order, since a short text header could satisfy a later probe. Whatever its keyword
+/// is: files begin with a writer's own records too. Throws BadRecord when the file cannot be read.
 std::optional<DetectedForm> detectForm(const ByteSource& source);
 
 /// For operations that ask whether a file is of a type: the form, if the first keyword is one of these.

@@ -48,7 +48,8 @@ class TextScanner {
       if (text_.size() - at_ >= token) return true;
       if (ended_) return at_ < text_.size();
       if (position() - start > mostBlanks) {
-        throwBadRecord("blanks instead of a record", start, fmt::format("at most {} blanks", mostBlanks), "more");
+        throwBadRecord("blanks instead of a record", start, fmt::format("at most {} blanks", mostBlanks),
+                       "more");
       }
       refill(token);
     }
@@ -334,7 +335,9 @@ DataLayout FormattedCodec::locate(Window& window, const RecordHeader& header) co
   layout.end += count / perBlock * blockBytes(shape, perBlock, layout.lineEndBytes) +
                 blockBytes(shape, count % perBlock, layout.lineEndBytes);
   const auto around = window.at(layout.end - 1, 3);
-  const auto letter = [&](std::size_t i) { return i < around.size() ? std::to_integer<char>(around[i]) : '\0'; };
+  const auto letter = [&](std::size_t i) {
+    return i < around.size() ? std::to_integer<char>(around[i]) : '\0';
+  };
   const bool lineEnds = layout.end <= window.size() && letter(0) == '\n';
   // Some writers begin their headers in column 1, where texts of other widths may begin too.
   const bool headerFollows = around.size() == 1 || (letter(1) == ' ' && letter(2) == '\'') ||

@@ -181,8 +181,8 @@ DataLayout MarkedCodec::walkUnknown(Window& window, const RecordHeader& header) 
   return layout;
 }
 
-/// Whether bytes, which go on to the end of the file or farther than one block, are a header with marks that agree
-/// and the marks of its first block, or those of the next header where it has no data.
+/// Whether bytes, which go on to the end of the file or farther than one block, are a header with marks that
+/// agree and the marks of its first block, or those of the next header where it has no data.
 bool MarkedCodec::isHeader(std::span<const std::byte> bytes) const {
   const auto mark = static_cast<std::size_t>(markBytes_);
   const auto* body = bytes.data() + mark;
@@ -317,8 +317,8 @@ void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataL
   }
 }
 
-/// The byte offset of that mark of a piece which is nearer to the place asked for. Both hold the piece's length,
-/// and either shows that the file still has the layout that was found when it was walked.
+/// The byte offset of that mark of a piece which is nearer to the place asked for. Both hold the piece's
+/// length, and either shows that the file still has the layout that was found when it was walked.
 std::uint64_t MarkedCodec::nearerMark(const Piece& piece) const {
   const bool opening = 2 * piece.before <= piece.bytes;
   return opening ? piece.dataAt - static_cast<std::uint64_t>(markBytes_) : piece.dataAt + piece.bytes;

@@ -70,9 +70,7 @@ bool qvEclipseSEQUENCE::readStep(RecordCursor& cFile) {
   grid().iSeqnum = iSeqnum;
   bool qMore = true;
   while (!walk.stop && qMore) {
-    qMore = nextRecord(cFile);
-    qAnyRecord = qAnyRecord || qMore;
-    if (qMore) takeRecord(cFile, walk);
+    qMore = takeNext(cFile, walk);
     if (session_->cancelled()) return false;
   }
   qAtEnd = !qMore || cFile.nextPosition() >= cFile.fileSize();
@@ -83,14 +81,28 @@ bool qvEclipseSEQUENCE::readStep(RecordCursor& cFile) {
   return true;
 }
 
-/// False at the end of the file, and at damage behind which the step is known to be complete.
-bool qvEclipseSEQUENCE::nextRecord(RecordCursor& cFile) {
+/// Reads the next record. False at the end of the file. Of damage only what it hides is lost, as long as it
+/// is known which step the records behind it belong to.
+bool qvEclipseSEQUENCE::takeNext(RecordCursor& cFile, Walk& walk) {
   try {
-    return cFile.next() && !cFile.header().keyword.empty();
+    if (!cFile.next() || cFile.header().keyword.empty()) return false;
+    qAnyRecord = true;
+    takeRecord(cFile, walk);
+    return true;
   } catch (BadRecord& damage) {
-    if (!isCompleteBeforeDamage(parts(), cFile.header().keyword, partsBefore)) throw;
-    damageBehind = std::move(damage.diagnosis());
-    return false;
+    const RecordHeader damaged = cFile.header();
+    const bool complete = isCompleteBeforeDamage(parts(), damaged.keyword, partsBefore);
+    const auto gap = passDamage(cFile, damage.diagnosis());
+    if (!gap && !complete) throw;
+    if (!gap || sections_.beginsAnother(damaged)) {
+      damageBehind = std::move(damage.diagnosis());
+      walk.stop = gap.has_value();
+      return walk.stop;
+    }
+    qAnyRecord = qDamaged = true;
+    sections_.passGap(damaged, *gap);
+    session_->diagnose(std::move(damage.diagnosis()));
+    return true;
   }
 }
 
@@ -103,13 +115,14 @@ void qvEclipseSEQUENCE::dropLastGrid() {
 
 void qvEclipseSEQUENCE::takeRecord(RecordCursor& cFile, Walk& walk) {
   const RecordHeader& header = cFile.header();
-  const bool another = sections_.seqnum() || parts().header;
-  if (another && SectionTracker::marksStep(header)) {
+  if (sections_.beginsAnother(header)) {
     cFile.unread();
     walk.stop = true;
     return;
   }
   takeMark(sections_.take(cFile), walk);
+  if (sections_.afterGap() && grid().arrays.find(header.keyword) > 0) sections_.repeated();
+  if (sections_.lost()) return;
   if (!isUsual(header)) {
     throw BadRecord(recordDiagnosis(cFile, Message::RestartRecordType, "INTE, REAL, DOUB, CHAR or LOGI",
                                     header.typeWord, {}));

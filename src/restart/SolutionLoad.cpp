@@ -116,6 +116,7 @@ bool qvEclipseSOLUTION::readFile(Load& load, std::size_t entry) {
   constexpr std::string_view firstWords[] = {"INTEHEAD", "SEQNUM"};
   const auto detected = detectForm(*source, firstWords);
   RecordCursor cursor(std::move(source), detected ? detected->form : form(), path);
+  cursor.attach(*session_, RecordFile::Restart);
   try {
     bool qMore = true;
     while (qMore && !load.stop) {
@@ -126,8 +127,9 @@ bool qvEclipseSOLUTION::readFile(Load& load, std::size_t entry) {
                                       static_cast<double>(std::max<std::uint64_t>(cursor.fileSize(), 1)));
       }
     }
+    cursor.checkUnchanged();
   } catch (BadRecord& damage) {
-    passDamage(load, entry, std::move(damage.diagnosis()));
+    reportDamage(load, entry, std::move(damage.diagnosis()));
   } catch (const Fault& fault) {
     if (fault.number() != FaultNumber::Overflow || !AcceptDamaged) throw;
     qDamaged = load.qFailed = true;  // a header that cannot be is damage too
@@ -154,6 +156,7 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   load.qAtEnd = step->qAtEnd;
   if (!step->qAnyRecord) return true;  // blank lines behind the last record
   const auto behind = step->damageBehind;
+  if (step->qDamaged) qDamaged = load.qFailed = true;
   const bool last = step->qAtEnd && !behind && entry + 1 == zMultList.size();
   const bool complete = checkComplete(load, *step, cursor, last);
   if (complete && !step->qHeadersOnly) load.before = step->parts();
@@ -168,7 +171,11 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   checkForExit(Unified, step->iSeqnum, load.jEnd, load.stop, qDone);
   load.stop = load.stop || step->qPastEnd;
   if (qUse && complete && !keepStep(load, cursor, std::move(step))) return false;
-  if (behind) throw BadRecord(*behind);
+  if (behind && load.qAtEnd) throw BadRecord(*behind);
+  if (behind) {
+    qDamaged = load.qFailed = true;
+    session_->diagnose(*behind);
+  }
   return !session_->yield();
 }
 
@@ -220,9 +227,9 @@ bool qvEclipseSOLUTION::checkComplete(const Load& load, const qvEclipseSEQUENCE&
   return false;
 }
 
-/// Reports damage, which ends a file but says nothing of the other files of a set. A last record that is
-/// truncated is what a running simulation leaves.
-void qvEclipseSOLUTION::passDamage(Load& load, std::size_t entry, Diagnosis diagnosis) {
+/// Reports damage that no record follows. It ends a file but says nothing of the other files of a set. A last
+/// record that is truncated is what a running simulation leaves.
+void qvEclipseSOLUTION::reportDamage(Load& load, std::size_t entry, Diagnosis diagnosis) {
   const bool last = entry + 1 == zMultList.size();
   qDamaged = true;
   load.qFailed = load.qFailed || !(last && diagnosis.cutOff);

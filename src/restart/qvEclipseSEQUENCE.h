@@ -75,6 +75,7 @@ class qvEclipseSEQUENCE {
   ArraySelection* selection = nullptr;  ///< patterns of array names; not owned, null: all
   bool qAnyRecord = false;              ///< the step has records at all
   bool qAtEnd = false;                  ///< reading ended at the end of the file
+  bool qDamaged = false;                ///< records of the step were damaged; the others were read
   bool qHeadersOnly = false;            ///< reading ended behind the headers, as nothing else was wanted
 
   const StepParts* partsBefore = nullptr;  ///< of the step before; not owned, null: none
@@ -179,7 +180,7 @@ class qvEclipseSEQUENCE {
   void takeHeader(RecordCursor& cFile, Walk& walk);
   void takeArray(RecordCursor& cFile);
   void stopBehindHeaders(Walk& walk);
-  bool nextRecord(RecordCursor& cFile);
+  bool takeNext(RecordCursor& cFile, Walk& walk);
   void dropLastGrid();
   void reportDropped(const RecordCursor& cFile);
   void deriveSaturation();

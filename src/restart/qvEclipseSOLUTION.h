@@ -133,7 +133,7 @@ class qvEclipseSOLUTION : public FormFlags {
   void addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step);
   std::size_t firstCapacity(const Load& load, const RecordCursor& cursor) const;
   bool checkComplete(const Load& load, const qvEclipseSEQUENCE& step, const RecordCursor& cursor, bool last);
-  void passDamage(Load& load, std::size_t entry, Diagnosis diagnosis);
+  void reportDamage(Load& load, std::size_t entry, Diagnosis diagnosis);
   qvEclipseSEQUENCE& select(std::int32_t iSeqnum);
   bool fetchStep(const qvEclipseSEQUENCE& from, XYData& xyData, ByteTable& bHeaders,
                  SourceData& vSourceData) const;

@@ -45,7 +45,8 @@ std::optional<FileStamp> stampOf(const std::string& path) {
 FileChange changeBetween(const FileStamp& before, const FileStamp& now) {
   if (now.device != before.device || now.inode != before.inode) return FileChange::Replaced;
   if (now.size < before.size) return FileChange::Shrunk;
-  return now.size == before.size && now.modified != before.modified ? FileChange::Rewritten : FileChange::None;
+  return now.size == before.size && now.modified != before.modified ? FileChange::Rewritten
+                                                                    : FileChange::None;
 }
 
 InputFile::InputFile(const std::string& path, std::string& error) {
