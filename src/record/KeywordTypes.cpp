@@ -42,7 +42,7 @@ constexpr Row specification[] = {{"RESTART", text}, {"DIMENS", inte, 1},   {"KEY
                                  {"NUMLX", inte},   {"NUMLY", inte},       {"NUMLZ", inte}};
 constexpr Row summary[] = {{"SEQHDR", inte}, {"MINISTEP", inte, 1}, {"PARAMS", real, 1}};
 constexpr Row restart[] = {
-    {"SEQNUM", inte, 1}, {"INTEHEAD", inte, 67}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub, 1}, {"IGRP", inte},
+    {"SEQNUM", inte, 1}, {"INTEHEAD", inte, 12}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub, 1}, {"IGRP", inte},
     {"SGRP", reals},     {"XGRP", doub},         {"ZGRP", text},     {"IWEL", inte},        {"SWEL", real},
     {"XWEL", doub},      {"ZWEL", text},         {"ICON", inte},     {"SCON", real},        {"XCON", doub},
     {"LGR", text, 1},    {"LGRHEADI", inte},     {"LGRNAMES", text}};
@@ -50,7 +50,7 @@ constexpr Row restartIndex[] = {{"INTEHEAD", inte},  {"TIME", reals, 1},  {"ITIM
                                 {"NAME", text},      {"TYPE", text},      {"NUMBER", inte},
                                 {"POINTER", inte},   {"POINTERB", inte},  {"LGRNAME", text},
                                 {"ARRAYMAX", reals}, {"ARRAYMIN", reals}, {"UNITS", text}};
-constexpr Row init[] = {{"INTEHEAD", inte, 67}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub},
+constexpr Row init[] = {{"INTEHEAD", inte, 12}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub},
                         {"PORV", reals},        {"TABDIMS", inte},  {"TAB", doub},
                         {"LGR", text, 1},       {"LGRNAMES", text}, {"CON", doub}};
 constexpr Row grid[] = {{"DIMENS", inte, 3},   {"MAPUNITS", text},  {"MAPAXES", real, 6},

@@ -221,9 +221,11 @@ bool qvEclipseSOLUTION::checkComplete(const Load& load, const qvEclipseSEQUENCE&
   const auto missing = step.qHeadersOnly ? std::string_view() : missingPart(step.parts(), before);
   if (missing.empty()) return true;
   qDamaged = true;
-  session_->diagnose(
-      step.qAtEnd ? incompleteStep(cursor.path(), step.iSeqnum, missing, cursor.fileSize(), {})
-                  : incompleteStep(cursor.path(), step.iSeqnum, missing, cursor.nextPosition(), "SEQNUM"));
+  const bool atEnd = step.qAtEnd;
+  auto diagnosis = incompleteStep(cursor.path(), step.iSeqnum, missing,
+                                  atEnd ? cursor.fileSize() : cursor.nextPosition(), atEnd ? "" : "SEQNUM");
+  diagnosis.action = fmt::format("skipped the step; kept {} steps", nSequences_);
+  session_->diagnose(std::move(diagnosis));
   return false;
 }
 
