@@ -12,6 +12,7 @@ std::unique_ptr<RecordCursor> openIndexFile(const std::string& path, const cFILE
     return nullptr;
   }
   auto cursor = std::make_unique<RecordCursor>(std::move(source), xFile.form(), path);
+  cursor->attach(session, RecordFile::RestartIndex);
   cursor->readAhead();
   return cursor;
 }
@@ -35,6 +36,7 @@ bool readIndexFile(RecordCursor& cursor, Session& session, IndexFileHead& head,
                                   static_cast<double>(cursor.fileSize()));
     }
   }
+  cursor.checkUnchanged();
   return !session.cancelled();
 }
 

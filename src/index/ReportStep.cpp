@@ -15,9 +15,10 @@ std::int32_t stepNumber(std::optional<std::int32_t> seqnum, std::int32_t fileNum
   return std::max(stepOfHead(intehead), -1);
 }
 
-std::string_view missingPart(const StepParts& step, const StepParts* before) {
+std::string_view missingPart(const StepParts& step, const StepParts* before, bool onlyOfUnified) {
   if (!step.header) return "INTEHEAD";
   if (step.solutionOpen()) return "ENDSOL";
+  if (onlyOfUnified && step.solutions == 0 && !step.arrays) return "STARTSOL";
   if (!before) return {};
   if (step.localGrids < before->localGrids) return "LGR";
   if (step.solutions < before->solutions) return "STARTSOL";

@@ -22,6 +22,7 @@ struct StepParts {
   std::int32_t solutions = 0;     ///< STARTSOL records, one for each grid with a solution
   std::int32_t solutionEnds = 0;  ///< ENDSOL records
   std::int32_t localGrids = 0;    ///< LGR records
+  bool arrays = false;            ///< records of numbers that may be cell arrays
 
   bool solutionOpen() const { return solutions > solutionEnds; }
 };
@@ -31,8 +32,10 @@ struct StepParts {
 ///
 /// `before` is set for the last step of a unified file or of a set of step files: the step before it, whose
 /// solutions and local grids it must have too, as a file that is truncated between two records shows nothing
-/// else. It is null for other steps and for a single step, which may have wells and no solution.
-std::string_view missingPart(const StepParts& step, const StepParts* before = nullptr);
+/// else. It is null for other steps and for a single step. A single step file may have wells and no solution;
+/// `onlyOfUnified` is set for the single step of a unified file, which then is still being written.
+std::string_view missingPart(const StepParts& step, const StepParts* before = nullptr,
+                             bool onlyOfUnified = false);
 inline bool isComplete(const StepParts& step, const StepParts* before = nullptr) {
   return missingPart(step, before).empty();
 }

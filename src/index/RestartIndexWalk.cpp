@@ -51,7 +51,7 @@ class Builder {
       endStep(gap.from, damaged.keyword, false);
       beginStep(gap.from);
       sections_.beginStep(true);
-    } else if (open_) {
+    } else if (open_ && !index_.init) {
       sections_.passGap(damaged, gap);
     }
   }
@@ -87,7 +87,8 @@ class Builder {
     step_.date = dateOfHead(head_, step_.days);
     sections_.beginStep();
     if (!index_.init) {
-      const auto missing = missingPart(parts, last && before_ ? &*before_ : nullptr);
+      const auto missing =
+          missingPart(parts, last && before_ ? &*before_ : nullptr, last && !before_ && index_.unified);
       if (!missing.empty()) {
         index_.whole = false;
         return session_.diagnose(incompleteStep(index_.files[file_], step_.number, missing, at, next));

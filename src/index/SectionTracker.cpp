@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "RestartIndex.h"
 #include "RestartIndexHeads.h"
 
 namespace lumbarn {
@@ -51,6 +52,8 @@ SectionMark SectionTracker::take(RecordCursor& cursor) {
     ++parts_.solutionEnds;
     return SectionMark::SolutionEnd;
   }
+  const bool numbers = header.type == ElementType::Integer || header.type == ElementType::Single;
+  if (!parts_.arrays && numbers && header.count > 0) parts_.arrays = !isRefusedArrayName(header.keyword);
   return SectionMark::None;
 }
 

@@ -113,6 +113,10 @@ bool qvEclipseSOLUTION::readFile(Load& load, std::size_t entry) {
                         .action = missing ? "skipped the file" : "stopped"});
     return missing;
   }
+  if (source->size() == 0) {  // not an error of the last file, which a running simulation has just created
+    reportDamage(load, entry, {.message = Message::FileEmpty, .path = path, .offset = 0, .cutOff = true});
+    return true;
+  }
   constexpr std::string_view firstWords[] = {"INTEHEAD", "SEQNUM"};
   const auto detected = detectForm(*source, firstWords);
   RecordCursor cursor(std::move(source), detected ? detected->form : form(), path);
@@ -218,7 +222,8 @@ void qvEclipseSOLUTION::addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step) {
 bool qvEclipseSOLUTION::checkComplete(const Load& load, const qvEclipseSEQUENCE& step,
                                       const RecordCursor& cursor, bool last) {
   const StepParts* before = last && load.before ? &*load.before : nullptr;
-  const auto missing = step.qHeadersOnly ? std::string_view() : missingPart(step.parts(), before);
+  const auto missing =
+      step.qHeadersOnly ? std::string_view() : missingPart(step.parts(), before, last && !before && Unified);
   if (missing.empty()) return true;
   qDamaged = true;
   const bool atEnd = step.qAtEnd;

@@ -70,7 +70,7 @@ const FileCase unifiedFiles[] = {
     {"no SEQNUM", [](auto& to) { to.head(4).solution(); }, {4}},
     {"neither STARTSOL nor ENDSOL", [](auto& to) { to.seqnum(1).head(1).seqnum(2).head(2); }, {1, 2}},
     {"an array before SEQNUM", [](auto& to) { to.array("FOREIGN", 0).step(2); }, {2}},
-    {"one step without solution", [](auto& to) { to.seqnum(1).head(1); }, {1}},
+    {"one step, still without solution", [](auto& to) { to.seqnum(1).head(1); }, {}, 1},
     {"SEQNUM alone at the end", [](auto& to) { to.step(1).seqnum(2); }, {1}, 1},
     {"SEQNUM alone between", [](auto& to) { to.step(1).seqnum(2).step(3); }, {1, 3}, 1},
     {"no ENDSOL at the end", [](auto& to) { to.step(1).seqnum(2).head(2).open(); }, {1}, 1},
@@ -147,6 +147,7 @@ TEST(StepRules, StepFiles) {
       {"a file with wells only", {usual(1), wells, usual(3)}, {1, 2, 3}},
       {"a truncated file between", {usual(1), truncated, usual(3)}, {1, 3}, false, false},
       {"an empty file between", {usual(1), empty, usual(3)}, {1, 3}, false, false},
+      {"one file with wells only", {wells}, {1}},
       {"a truncated last file", {usual(1), truncated}, {1}, true, false},
   };
   for (const auto& [name, files, steps, qOK, whole] : sets) {
