@@ -67,11 +67,12 @@ bool RecordCursor::next() {
 }
 
 Gap RecordCursor::skipDamage() {
-  const bool inHeader = next_ == start_;  // else the data are damaged, and where they end is known
-  const std::uint64_t from = inHeader ? start_ : header_.headerAt;
+  const bool endKnown = next_ > start_;  // only the data, or the keyword's type, are wrong
+  const bool headerSound = header_.dataAt > start_;
+  const std::uint64_t behind = endKnown ? next_ : headerSound ? header_.dataAt : start_ + 1;
   return located([&] {
-    next_ = codec_->findHeader(*window_, inHeader ? start_ + 1 : next_);
-    return Gap{from, next_};
+    next_ = codec_->findHeader(*window_, behind);
+    return Gap{start_, next_};
   });
 }
 
