@@ -46,8 +46,7 @@ SwappedBytes readSwapped(const std::filesystem::path& path) {
   SwappedBytes result{std::make_unique_for_overwrite<std::byte[]>(size), size};
   for (std::size_t at = 0; at < size; at += piece) {
     const std::span part(result.bytes.get() + at, std::min(piece, size - at));
-    if (file.readAt(at, part, error) != part.size())
-      throw std::runtime_error(path.string() + ": " + error);
+    if (file.readAt(at, part, error) != part.size()) throw std::runtime_error(path.string() + ": " + error);
     turnWords(part.data(), part.size() / 4);
   }
   benchmark::DoNotOptimize(result.bytes.get());

@@ -120,9 +120,10 @@ void writeRows(const RestartIndex& index, std::span<const IndexStep* const> step
   table->finish();
 }
 
-/// The step that was asked for. Throws Failure, with the steps that there are.
-const IndexStep& stepOf(const RestartIndex& index, std::int32_t number) {
-  if (const IndexStep* step = index.find(number)) return *step;
+/// The steps of the number requested: mostly one. Throws Failure, with the steps that there are.
+std::vector<const IndexStep*> stepsOf(const RestartIndex& index, std::int32_t number) {
+  auto found = index.findAll(number);
+  if (!found.empty()) return found;
   std::vector<std::int32_t> numbers;
   for (const IndexStep& step : index.steps) numbers.push_back(step.number);
   throw Failure(Usage, noStepText(index.files.front(), number, numbers));
@@ -141,14 +142,15 @@ ExitStatus showRestart(const RestartOptions& options, Console& console) {
   const RestartIndex& index = reader.index();
   std::vector<const IndexStep*> steps;
   for (const IndexStep& step : index.steps) steps.push_back(&step);
-  if (number) steps = {&stepOf(index, *number)};
+  if (number) steps = stepsOf(index, *number);
   const std::string& grid = options.arrays.grid;
   if (!grid.empty() && !values) {
     requireGrid(steps, grid, number ? fmt::format("step {}", *number) : index.files.front());
   }
   const Format format = options.output.format;
   if (values) {
-    ArrayValues(reader, *steps.front(), run, options.arrays, console).write(format, output.stream());
+    // Of steps with the same number the one that was written last.
+    ArrayValues(reader, *steps.back(), run, options.arrays, console).write(format, output.stream());
   } else if (format == Format::Table) {
     writeReadable(index, steps, grid, output.stream());
   } else {

@@ -22,6 +22,7 @@ struct StepParts {
   std::int32_t solutions = 0;     ///< STARTSOL records, one for each grid with a solution
   std::int32_t solutionEnds = 0;  ///< ENDSOL records
   std::int32_t localGrids = 0;    ///< LGR records
+  bool arrays = false;            ///< records of numbers that may be cell arrays
 
   bool solutionOpen() const { return solutions > solutionEnds; }
 };
@@ -31,11 +32,16 @@ struct StepParts {
 ///
 /// `before` is set for the last step of a unified file or of a set of step files: the step before it, whose
 /// solutions and local grids it must have too, as a file that is truncated between two records shows nothing
-/// else. It is null for other steps and for a single step, which may have wells and no solution.
-std::string_view missingPart(const StepParts& step, const StepParts* before = nullptr);
+/// else. It is null for other steps and for a single step. A single step file may have wells and no solution;
+/// `onlyOfUnified` is set for the single step of a unified file, which then is still being written.
+std::string_view missingPart(const StepParts& step, const StepParts* before = nullptr,
+                             bool onlyOfUnified = false);
 inline bool isComplete(const StepParts& step, const StepParts* before = nullptr) {
   return missingPart(step, before).empty();
 }
+/// Whether a step is complete although what follows it cannot be read: the record of that keyword, empty when
+/// its header cannot be read either.
+bool isCompleteBeforeDamage(const StepParts& step, std::string_view keyword, const StepParts* before);
 /// What is reported of a step that is not: `found` is the record at `offset`, empty at the end of the file.
 Diagnosis incompleteStep(const std::string& path, std::int32_t number, std::string_view missing,
                          std::uint64_t offset, const std::string& found);

@@ -111,8 +111,9 @@ struct RestartIndex {
 };
 
 /// Makes the index of a restart set by walking from header to header. The time goes with the number of
-/// records, not with their size. Files that are not there end it as damage does: with the steps before, a
-/// diagnosis, and `whole` False. So does a cancel, without a diagnosis.
+/// records, not with their size. Steps that are not complete are skipped, and so is damage, as long as
+/// records follow it; files that cannot be opened are skipped too. Each gives a diagnosis, and `whole` is
+/// False then. A cancel ends the walk with the steps so far, `whole` False and no diagnosis.
 RestartIndex walkRestart(Session& session, std::span<const std::string> files);
 /// The same for an INIT file: one step.
 RestartIndex walkInit(Session& session, const std::string& file);

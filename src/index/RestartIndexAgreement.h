@@ -18,7 +18,8 @@ namespace lumbarn {
 /// the file, in front of some 64 steps spread over it, and behind the last the headers are read: the records
 /// there must be those that the index tells, with no report step between or behind them that it does not
 /// know, and with the number that the index tells. Numbers and times of all steps must rise. The headers of
-/// the first and the last step must tell the step number, date and time that the index has.
+/// the first and the last step must have the date and time that the index has, and the last step must be
+/// complete.
 ///
 /// A wrong position elsewhere is found when the record is read.
 std::string disagreement(RestartIndex& index);

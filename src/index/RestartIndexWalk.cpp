@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -26,11 +27,11 @@ class Builder {
 
   void take(RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
-    // Some writers put an array in front of the first SEQNUM; it belongs to that step.
-    const bool another = sections_.seqnum() || sections_.parts().header;
-    if (another && SectionTracker::marksStep(header)) endStep(header.headerAt, header.keyword, false);
+    if (sections_.beginsAnother(header)) endStep(header.headerAt, header.keyword, false);
     if (!open_) beginStep(header.headerAt);
     const SectionMark mark = sections_.take(cursor);
+    if (sections_.afterGap()) checkRepeated(header);
+    if (sections_.lost()) return;
     if (mark == SectionMark::LocalGrid) beginGroup();
     if (header.is("INTEHEAD", ElementType::Integer)) {
       takeHead(headWords(cursor));
@@ -45,12 +46,26 @@ class Builder {
     if (mark == SectionMark::GlobalGrid && !step_.groups.back().grid.empty()) beginGroup();
   }
 
+  /// Damage that ends in front of another record.
+  void passGap(const RecordHeader& damaged, const Gap& gap) {
+    if (!index_.init && sections_.beginsAnother(damaged)) {
+      endStep(gap.from, damaged.keyword, false);
+      beginStep(gap.from);
+      sections_.beginStep(true);
+    } else if (open_ && !index_.init) {
+      sections_.passGap(damaged, gap);
+    }
+  }
+
   /// The end of a file ends its last step. `last`: no more files follow.
   void endFile(const RecordCursor& cursor, bool last) { endStep(cursor.fileSize(), {}, last); }
 
-  /// Drops the step that damage has ended; of an INIT file what precedes the damage is kept.
-  void endAtDamage() {
-    if (index_.init) return endStep(0, {}, false);
+  /// Damage that nothing follows drops the step unless it is known to be complete; of an INIT file what
+  /// precedes the damage is kept.
+  void endAtDamage(const std::string& keyword) {
+    const StepParts* before = before_ ? &*before_ : nullptr;
+    if (index_.init || isCompleteBeforeDamage(sections_.parts(), keyword, before))
+      return endStep(0, {}, false);
     open_ = false;
     sections_.beginStep();
   }
@@ -73,7 +88,8 @@ class Builder {
     step_.date = dateOfHead(head_, step_.days);
     sections_.beginStep();
     if (!index_.init) {
-      const auto missing = missingPart(parts, last && before_ ? &*before_ : nullptr);
+      const auto missing =
+          missingPart(parts, last && before_ ? &*before_ : nullptr, last && !before_ && index_.unified);
       if (!missing.empty()) {
         index_.whole = false;
         return session_.diagnose(incompleteStep(index_.files[file_], step_.number, missing, at, next));
@@ -81,6 +97,13 @@ class Builder {
       before_ = parts;
     }
     keepStep();
+  }
+
+  void checkRepeated(const RecordHeader& header) {
+    if (index_.init || header.count <= 0) return;
+    const auto& entries = step_.groups.back().entries;
+    if (std::ranges::find(entries, FixedText<8>(header.keyword), &IndexEntry::keyword) != entries.end())
+      sections_.repeated();
   }
 
   void keepStep() {
@@ -119,43 +142,80 @@ class Builder {
   bool open_ = false;
 };
 
-/// False when the load was cancelled. Throws BadRecord.
-bool walkFile(Session& session, std::size_t file, RestartIndex& index, Builder& builder) {
-  const std::string& path = index.files[file];
-  std::string why;
-  const auto cursor = openRecords(path, why);
-  if (!cursor) throw BadRecord({.message = Message::FileOpen, .path = path, .problem = why});
-  if (file == 0) index.form = cursor->form();
-  builder.beginFile(file);
-  while (cursor->next()) {
-    if (session.cancelled()) return false;
-    builder.take(*cursor);
-    if (session.Container && index.files.size() == 1) {
-      session.Container->fraction(static_cast<double>(cursor->nextPosition()) /
-                                  static_cast<double>(cursor->fileSize()));
+/// Walks one file; data behind damage are found again. Throws BadRecord, LoadCanceled.
+class FileWalk {
+ public:
+  FileWalk(Session& session, RestartIndex& index, std::size_t file) : session_(session), index_(index) {
+    const std::string& path = index.files[file];
+    std::string why;
+    cursor_ = openRecords(path, why);
+    if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = path, .problem = why});
+    cursor_->attach(session, index.init ? RecordFile::Init : RecordFile::Restart);
+    if (file == 0) index.form = cursor_->form();
+    last_ = file + 1 == index.files.size();
+  }
+
+  void run(Builder& builder) {
+    while (next(builder)) {
+      if (session_.cancelled()) throw LoadCanceled();
+      if (session_.Container && index_.files.size() == 1) {
+        session_.Container->fraction(static_cast<double>(cursor_->nextPosition()) /
+                                     static_cast<double>(cursor_->fileSize()));
+      }
+    }
+    if (!ended_) builder.endFile(*cursor_, last_);
+    cursor_->checkUnchanged();
+  }
+
+ private:
+  bool next(Builder& builder) {
+    try {
+      if (!cursor_->next()) return false;
+      builder.take(*cursor_);
+      return true;
+    } catch (BadRecord& damage) {
+      return passed(builder, std::move(damage.diagnosis()));
     }
   }
-  builder.endFile(*cursor, file + 1 == index.files.size());
-  return true;
-}
+
+  bool passed(Builder& builder, Diagnosis diagnosis) {
+    index_.whole = false;
+    const RecordHeader damaged = cursor_->header();
+    if (const auto gap = passDamage(*cursor_, diagnosis)) {
+      builder.passGap(damaged, *gap);
+      session_.diagnose(std::move(diagnosis));
+      return true;
+    }
+    ended_ = true;
+    builder.endAtDamage(damaged.keyword);
+    diagnosis.action = !last_        ? "continued with the next file"
+                       : index_.init ? "kept what precedes it"
+                                     : fmt::format("listed {} steps", index_.steps.size());
+    session_.diagnose(std::move(diagnosis));
+    return false;
+  }
+
+  Session& session_;
+  RestartIndex& index_;
+  std::unique_ptr<RecordCursor> cursor_;
+  bool last_ = false;
+  bool ended_ = false;  // by damage
+};
 
 /// Damage of one file of a set says nothing of the others.
 void walkFiles(Session& session, RestartIndex& index) {
   Builder builder(index, session);
   for (std::size_t file = 0; file < index.files.size(); ++file) {
     try {
-      if (!walkFile(session, file, index, builder)) {
-        index.whole = false;
-        return;
-      }
-    } catch (BadRecord& damage) {
-      builder.endAtDamage();
+      builder.beginFile(file);
+      FileWalk(session, index, file).run(builder);
+    } catch (const LoadCanceled&) {
       index.whole = false;
-      Diagnosis diagnosis = std::move(damage.diagnosis());
-      diagnosis.action = index.init                      ? "kept what precedes it"
-                         : file + 1 < index.files.size() ? "continued with the next file"
-                                                         : fmt::format("listed {} steps", index.steps.size());
-      session.diagnose(std::move(diagnosis));
+      return;
+    } catch (BadRecord& damage) {
+      index.whole = false;
+      damage.diagnosis().action = fmt::format("listed {} steps", index.steps.size());
+      session.diagnose(std::move(damage.diagnosis()));
     }
     if (session.Container && index.files.size() > 1) session.Container->fileDone();
   }

@@ -36,13 +36,37 @@ class SectionTracker {
   /// Of the current step so far.
   const StepParts& parts() const { return parts_; }
 
-  /// Begins another step, as when another file is opened or a step begins without SEQNUM.
-  void beginStep();
+  /// Whether the record begins another step than the current one. Some writers put an array in front of the
+  /// first SEQNUM; it belongs to that step.
+  bool beginsAnother(const RecordHeader& header) const {
+    return marksStep(header) && (numbered_ || parts_.header);
+  }
+  /// Begins another step, as when another file is opened. `numbered`: by a SEQNUM that cannot be read.
+  void beginStep(bool numbered = false);
+
+  /// Damage was passed over: `damaged` is the header of the record if it could be read. SEQNUM may have been
+  /// in it, so that what follows belongs to another step.
+  void passGap(const RecordHeader& damaged, const Gap& gap);
+  bool afterGap() const { return gap_; }
+  /// A record of a name that the step's grid has already: behind a gap it is another step's.
+  void repeated() { lost_ = lost_ || gap_; }
+  /// It is not known which step the records belong to, until the next SEQNUM.
+  bool lost() const { return lost_; }
 
  private:
   std::string grid_;
   std::optional<std::int32_t> seqnum_;
   StepParts parts_;
+  std::uint64_t start_ = 0;  // of the step
+  bool started_ = false;
+  bool numbered_ = false;    // SEQNUM was met
+  bool gridHeader_ = false;  // INTEHEAD of the grid was met
+  bool gap_ = false;
+  bool lost_ = false;
 };
+
+/// Makes `cursor` continue behind damage and states in `diagnosis` what was passed over. Gives nothing when
+/// no record follows: then the file ends there, or cannot be read.
+std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis);
 
 }  // namespace lumbarn

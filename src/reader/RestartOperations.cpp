@@ -64,6 +64,7 @@ void qvEclipseReader::ReadSolutionFile(bool& qOK) {
 
 bool qvEclipseReader::readSolution() {
   if (session_->yield()) return false;
+  solution_.reset();
   rsspec_.reset();
   if (isRestartIndex(FileName)) readRestartIndex();
   SolutionLoad load;

@@ -46,9 +46,9 @@ class Codec {
   /// become 32 bits, Logical -1 or 0.
   virtual void decode(Window& window, const RecordHeader& header, const DataLayout& layout,
                       std::int64_t first, std::size_t count, std::byte* out) const = 0;
-  /// The offset of the first header at or behind a position that is sound and has plausible data behind it; the
-  /// size of the file when there is none. For a file that is damaged before: reads on in order, in time linear in
-  /// the bytes passed, and keeps no more than the window.
+  /// The offset of the first header at or behind a position that is sound and has plausible data behind it;
+  /// the size of the file when there is none. For a file that is damaged before: reads on in order, in time
+  /// linear in the bytes passed, and keeps no more than the window.
   virtual std::uint64_t findHeader(Window& window, std::uint64_t position) const = 0;
   /// The singles with these ascending numbers.
   virtual void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
@@ -61,8 +61,8 @@ std::unique_ptr<const Codec> makeCodec(const Form& form);
 /// keyword has characters outside of printable ASCII or the type word is no word of letters and digits.
 bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_view typeWord);
 
-/// Whether a header that was met in the search for one may be meant: a keyword, a known type, and a count that
-/// goes with it.
+/// Whether a header that was met in the search for one may be meant: a keyword, a known type, and a count
+/// that goes with it.
 bool isPlausible(const RecordHeader& header);
 
 /// Throws BadRecord with RecordDamaged and this specific text.

@@ -34,33 +34,36 @@ struct Row {
       : key(keywordKey(keyword)), types(allowed), least(needed) {}
 };
 
-// Only keywords whose data are read. A record of 0 elements is accepted unless the row says otherwise: writers
-// leave such records for wells, groups or connections that the run does not have.
-constexpr Row specification[] = {{"RESTART", text}, {"DIMENS", inte, 1}, {"KEYWORDS", text}, {"WGNAMES", text},
-                                 {"NAMES", text},   {"NUMS", inte},      {"UNITS", text},    {"STARTDAT", inte, 3},
-                                 {"LGRS", text},    {"NUMLX", inte},     {"NUMLY", inte},    {"NUMLZ", inte}};
+// Only keywords whose data are read. A record of 0 elements is accepted unless the row says otherwise:
+// writers leave such records for wells, groups or connections that the run does not have.
+constexpr Row specification[] = {{"RESTART", text}, {"DIMENS", inte, 1},   {"KEYWORDS", text},
+                                 {"WGNAMES", text}, {"NAMES", text},       {"NUMS", inte},
+                                 {"UNITS", text},   {"STARTDAT", inte, 3}, {"LGRS", text},
+                                 {"NUMLX", inte},   {"NUMLY", inte},       {"NUMLZ", inte}};
 constexpr Row summary[] = {{"SEQHDR", inte}, {"MINISTEP", inte, 1}, {"PARAMS", real, 1}};
 constexpr Row restart[] = {
-    {"SEQNUM", inte, 1}, {"INTEHEAD", inte, 67}, {"LOGIHEAD", logi},    {"DOUBHEAD", doub, 1},
-    {"IGRP", inte},      {"SGRP", reals},        {"XGRP", doub},        {"ZGRP", text},
-    {"IWEL", inte},      {"SWEL", real},         {"XWEL", doub},        {"ZWEL", text},
-    {"ICON", inte},      {"SCON", real},         {"XCON", doub},        {"LGR", text, 1},
-    {"LGRHEADI", inte},  {"LGRNAMES", text}};
-constexpr Row restartIndex[] = {{"INTEHEAD", inte}, {"TIME", reals, 1},    {"ITIME", inte, 1},   {"NAME", text},
-                                {"TYPE", text},     {"NUMBER", inte},      {"POINTER", inte},    {"POINTERB", inte},
-                                {"LGRNAME", text},  {"ARRAYMAX", reals},   {"ARRAYMIN", reals},  {"UNITS", text}};
-constexpr Row init[] = {{"INTEHEAD", inte, 67}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub}, {"PORV", reals},
-                        {"TABDIMS", inte},      {"TAB", doub},      {"LGR", text, 1},   {"LGRNAMES", text},
-                        {"CON", doub}};
-constexpr Row grid[] = {{"DIMENS", inte, 3}, {"MAPUNITS", text},   {"MAPAXES", reals}, {"GRIDUNIT", text, 1},
-                        {"COORDS", inte, 4}, {"CORNERS", real, 24}, {"RADIAL", text}};
-constexpr Row egrid[] = {{"FILEHEAD", inte, 1},   {"MAPUNITS", text}, {"MAPAXES", reals}, {"GRIDUNIT", text, 1},
-                         {"GDORIENT", text},      {"GRIDHEAD", inte, 4}, {"COORD", real},   {"ZCORN", real},
-                         {"ACTNUM", inte},        {"HOSTNUM", inte},  {"LGR", text, 1},     {"LGRPARNT", text},
-                         {"NNCHEAD", inte, 1},    {"NNC1", inte},     {"NNC2", inte},       {"NNCL", inte},
-                         {"NNCG", inte}};
-constexpr Row wellTest[] = {{"TIME", real, 1},  {"DATE", inte, 3},  {"WELLETC", text, 2}, {"CONIPOS", inte},
-                            {"CONJPOS", inte},  {"CONKPOS", inte},  {"HOSTGRID", text}};
+    {"SEQNUM", inte, 1}, {"INTEHEAD", inte, 12}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub, 1}, {"IGRP", inte},
+    {"SGRP", reals},     {"XGRP", doub},         {"ZGRP", text},     {"IWEL", inte},        {"SWEL", real},
+    {"XWEL", doub},      {"ZWEL", text},         {"ICON", inte},     {"SCON", real},        {"XCON", doub},
+    {"LGR", text, 1},    {"LGRHEADI", inte},     {"LGRNAMES", text}};
+constexpr Row restartIndex[] = {{"INTEHEAD", inte},  {"TIME", reals, 1},  {"ITIME", inte, 1},
+                                {"NAME", text},      {"TYPE", text},      {"NUMBER", inte},
+                                {"POINTER", inte},   {"POINTERB", inte},  {"LGRNAME", text},
+                                {"ARRAYMAX", reals}, {"ARRAYMIN", reals}, {"UNITS", text}};
+constexpr Row init[] = {{"INTEHEAD", inte, 12}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub},
+                        {"PORV", reals},        {"TABDIMS", inte},  {"TAB", doub},
+                        {"LGR", text, 1},       {"LGRNAMES", text}, {"CON", doub}};
+constexpr Row grid[] = {{"DIMENS", inte, 3},   {"MAPUNITS", text},  {"MAPAXES", reals},
+                        {"GRIDUNIT", text, 1}, {"COORDS", inte, 4}, {"CORNERS", real, 24},
+                        {"RADIAL", text}};
+constexpr Row egrid[] = {{"FILEHEAD", inte, 1}, {"MAPUNITS", text}, {"MAPAXES", reals},
+                         {"GRIDUNIT", text, 1}, {"GDORIENT", text}, {"GRIDHEAD", inte, 4},
+                         {"COORD", real},       {"ZCORN", real},    {"ACTNUM", inte},
+                         {"HOSTNUM", inte},     {"LGR", text, 1},   {"LGRPARNT", text},
+                         {"NNCHEAD", inte, 1},  {"NNC1", inte},     {"NNC2", inte},
+                         {"NNCL", inte},        {"NNCG", inte}};
+constexpr Row wellTest[] = {{"TIME", real, 1}, {"DATE", inte, 3}, {"WELLETC", text, 2}, {"CONIPOS", inte},
+                            {"CONJPOS", inte}, {"CONKPOS", inte}, {"HOSTGRID", text}};
 
 std::span<const Row> rowsOf(RecordFile file) {
   switch (file) {
@@ -89,9 +92,11 @@ std::span<const Row> rowsOf(RecordFile file) {
 }
 
 std::string typeNames(Types types) {
-  constexpr std::pair<ElementType, std::string_view> names[] = {
-      {ElementType::Integer, "INTE"}, {ElementType::Single, "REAL"}, {ElementType::Double, "DOUB"},
-      {ElementType::Text, "CHAR"},    {ElementType::Logical, "LOGI"}};
+  constexpr std::pair<ElementType, std::string_view> names[] = {{ElementType::Integer, "INTE"},
+                                                                {ElementType::Single, "REAL"},
+                                                                {ElementType::Double, "DOUB"},
+                                                                {ElementType::Text, "CHAR"},
+                                                                {ElementType::Logical, "LOGI"}};
   std::string found;
   for (const auto& [type, name] : names) {
     if ((types & setOf(type)) == 0) continue;

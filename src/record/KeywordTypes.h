@@ -23,8 +23,9 @@ enum class RecordFile : std::uint8_t {
   Save,
 };
 
-/// The damage that a keyword has a type, or fewer elements, than it has in a file of that type: what is read of
-/// it would be skipped or misread. Gives offset, keyword, expected and found; empty for a keyword without a row.
+/// The damage that a keyword has a type, or fewer elements, than it has in a file of that type: what is read
+/// of it would be skipped or misread. Gives offset, keyword, expected and found; empty for a keyword without
+/// a row.
 std::optional<Diagnosis> unexpected(RecordFile file, const RecordHeader& header);
 
 }  // namespace lumbarn

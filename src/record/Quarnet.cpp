@@ -47,7 +47,8 @@ void Quarnet::OpenRecordFile(const std::string& zFile, cFILETYPE& cFile, bool& q
     std::string why;
     cFile.source_ = FileSource::open(zFile, why);
     if (!cFile.source_) {
-      session_->diagnose({.message = Message::FileOpen, .path = zFile, .problem = "cannot be opened: " + why});
+      session_->diagnose(
+          {.message = Message::FileOpen, .path = zFile, .problem = "cannot be opened: " + why});
       return false;
     }
     cFile.path_ = zFile;

@@ -56,11 +56,12 @@ class RecordCursor {
   /// Tells that all of the file will be read, in order, so that it comes in large pieces: right for files of
   /// many small records, wrong where data are skipped.
   void readAhead();
-  /// After BadRecord: makes `next` continue at the next sound header behind the damage, or at the end of the file,
-  /// and gives what was passed over, from the damaged record on.
+  /// After BadRecord: makes `next` continue at the next sound header behind the damage, or at the end of the
+  /// file, and gives what was passed over, from the damaged record on.
   Gap skipDamage();
-  /// Throws BadRecord (FileChanged) when the file is not the one that was opened, or was truncated or rewritten
-  /// since. To be called at the end of a load, and before a file is read again. Growth is not a change.
+  /// Throws BadRecord (FileChanged) when the file is not the one that was opened, or was truncated or
+  /// rewritten since. To be called at the end of a load, and before a file is read again. Growth is not a
+  /// change.
   void checkUnchanged() const;
   /// Makes `next` find the current record once more, as if it had not been met.
   void unread();

@@ -17,18 +17,17 @@ namespace {
 
 constexpr const char* className = "qvEclipseSEQUENCE";
 
-Diagnosis recordDiagnosis(const RecordCursor& cFile, std::string problem, std::string expected,
-                          std::string found) {
+Diagnosis recordDiagnosis(const RecordCursor& cFile, Message message, std::string expected, std::string found,
+                          std::string action) {
   const RecordHeader& header = cFile.header();
-  Diagnosis diagnosis;
-  diagnosis.path = cFile.path();
-  diagnosis.problem = std::move(problem);
-  diagnosis.keyword = header.keyword;
-  diagnosis.occurrence = cFile.occurrence();
-  diagnosis.offset = header.headerAt;
-  diagnosis.expected = std::move(expected);
-  diagnosis.found = std::move(found);
-  return diagnosis;
+  return {.message = message,
+          .path = cFile.path(),
+          .keyword = header.keyword,
+          .occurrence = cFile.occurrence(),
+          .offset = header.headerAt,
+          .expected = std::move(expected),
+          .found = std::move(found),
+          .action = std::move(action)};
 }
 
 bool hasData(const RecordHeader& header) { return header.count > 0; }
@@ -56,7 +55,7 @@ struct qvEclipseSEQUENCE::Walk {
   bool seenTime = false;
   bool firstTime = true;
   bool stop = false;
-  int stepNumbers = 0;
+  std::int32_t lastLocalGrid = 0;
 };
 
 void qvEclipseSEQUENCE::getEclipseSEQUENCE(RecordCursor& cFile, bool& qOK) {
@@ -66,56 +65,67 @@ void qvEclipseSEQUENCE::getEclipseSEQUENCE(RecordCursor& cFile, bool& qOK) {
 bool qvEclipseSEQUENCE::readStep(RecordCursor& cFile) {
   Walk walk;
   walk.keep = !ReadOnlyHeader;
+  iFileNumber_ = iSeqnum;
   grid().Origin = Origin;
   grid().iSeqnum = iSeqnum;
   bool qMore = true;
   while (!walk.stop && qMore) {
-    qMore = nextRecord(cFile);
-    qAnyRecord = qAnyRecord || qMore;
-    if (qMore) takeRecord(cFile, walk);
+    qMore = takeNext(cFile, walk);
     if (session_->cancelled()) return false;
   }
   qAtEnd = !qMore || cFile.nextPosition() >= cFile.fileSize();
   // Deliberate: only at the end of the file, so a local grid without arrays stays in all steps but the last.
-  if (!qMore && iGrid > 1 && iGrid == nGrids && grid().arrays.nVectors() == 0) giveUpLastGrid();
+  const bool endsLocal = !qMore && nGrids > 1 && walk.lastLocalGrid == nGrids;
+  if (endsLocal && tGrids.back().arrays.nVectors() == 0) dropLastGrid();
   grid().arrays.TidyVectors();
   return true;
 }
 
-/// False at the end of the file. A step that its ENDSOL closes is whole even when the record behind it cannot
-/// be read, unless that belongs to a local grid of the step.
-bool qvEclipseSEQUENCE::nextRecord(RecordCursor& cFile) {
+/// Reads the next record. False at the end of the file. Of damage only what it hides is lost, as long as it
+/// is known which step the records behind it belong to.
+bool qvEclipseSEQUENCE::takeNext(RecordCursor& cFile, Walk& walk) {
   try {
-    return cFile.next() && !cFile.header().keyword.empty();
+    if (!cFile.next() || cFile.header().keyword.empty()) return false;
+    qAnyRecord = true;
+    takeRecord(cFile, walk);
+    return true;
   } catch (BadRecord& damage) {
-    const std::string& name = cFile.header().keyword;
-    const bool closed = qHasEnd && !qSolutionOpen && nGrids >= nGridsExpected;
-    if (!qHaveHeader || !(name == "SEQNUM" || (closed && name.empty()))) throw;
-    damageBehind = std::move(damage.diagnosis());
-    return false;
+    const RecordHeader damaged = cFile.header();
+    const bool complete = isCompleteBeforeDamage(parts(), damaged.keyword, partsBefore);
+    const auto gap = passDamage(cFile, damage.diagnosis());
+    if (!gap && !complete) throw;
+    if (!gap || sections_.beginsAnother(damaged)) {
+      damageBehind = std::move(damage.diagnosis());
+      walk.stop = gap.has_value();
+      return walk.stop;
+    }
+    qAnyRecord = qDamaged = true;
+    sections_.passGap(damaged, *gap);
+    session_->diagnose(std::move(damage.diagnosis()));
+    return true;
   }
 }
 
-void qvEclipseSEQUENCE::giveUpLastGrid() {
+void qvEclipseSEQUENCE::dropLastGrid() {
   gridOf_.erase(tGrids.back().GridName);
   tGrids.pop_back();
-  iGrid = --nGrids;
+  --nGrids;
+  iGrid = std::min(iGrid, nGrids);
 }
 
 void qvEclipseSEQUENCE::takeRecord(RecordCursor& cFile, Walk& walk) {
   const RecordHeader& header = cFile.header();
-  if (header.keyword == "STARTSOL" || header.keyword == "ENDSOL") {
-    qHasSolution = true;
-    qSolutionOpen = header.keyword == "STARTSOL";
-    qHasEnd = !qSolutionOpen;
-  } else if (header.keyword == "LGR") {
-    qHasEnd = false;  // of this grid, again
-  } else if (header.keyword == "ENDLGR") {
-    qHasEnd = true;
+  if (sections_.beginsAnother(header)) {
+    cFile.unread();
+    walk.stop = true;
+    return;
   }
+  takeMark(sections_.take(cFile), walk);
+  if (sections_.afterGap() && grid().arrays.find(header.keyword) > 0) sections_.repeated();
+  if (sections_.lost()) return;
   if (!isUsual(header)) {
-    throw BadRecord(recordDiagnosis(cFile, "record of a type that restart files do not have",
-                                    "INTE, REAL, DOUB, CHAR or LOGI", header.typeWord));
+    throw BadRecord(recordDiagnosis(cFile, Message::RestartRecordType, "INTE, REAL, DOUB, CHAR or LOGI",
+                                    header.typeWord, {}));
   }
   switch (header.type) {
     case ElementType::Integer:
@@ -134,9 +144,29 @@ void qvEclipseSEQUENCE::takeRecord(RecordCursor& cFile, Walk& walk) {
   }
 }
 
+void qvEclipseSEQUENCE::takeMark(SectionMark mark, Walk& walk) {
+  switch (mark) {
+    case SectionMark::Step:
+      walk.keep = !ReadOnlyHeader;
+      iSeqnum = grid().iSeqnum = stepNumber(sections_.seqnum(), iFileNumber_, {});
+      return;
+    case SectionMark::LocalGrid:
+      grid().arrays.TidyVectors();
+      AddLGRGrid(sections_.grid());
+      walk.lastLocalGrid = iGrid;
+      return;
+    case SectionMark::GlobalGrid:
+      grid().arrays.TidyVectors();
+      iGrid = 1;
+      return;
+    default:
+      return;
+  }
+}
+
 void qvEclipseSEQUENCE::takeInteger(RecordCursor& cFile, Walk& walk) {
   const std::string& name = cFile.header().keyword;
-  if (name == "SEQNUM") return takeStepNumber(cFile, walk);
+  if (SectionTracker::marksStep(cFile.header())) return;
   if (name == "INTEHEAD") return takeHeader(cFile, walk);
   bool qKept = true;
   if (name == "IWEL") {
@@ -148,7 +178,7 @@ void qvEclipseSEQUENCE::takeInteger(RecordCursor& cFile, Walk& walk) {
   } else if (walk.keep && name != "IGRP") {
     takeArray(cFile);
   }
-  if (!qKept) tellDropped(cFile);
+  if (!qKept) reportDropped(cFile);
 }
 
 void qvEclipseSEQUENCE::takeSingle(RecordCursor& cFile, Walk& walk) {
@@ -162,7 +192,7 @@ void qvEclipseSEQUENCE::takeSingle(RecordCursor& cFile, Walk& walk) {
   } else {
     takeArray(cFile);
   }
-  if (!qKept) tellDropped(cFile);
+  if (!qKept) reportDropped(cFile);
 }
 
 void qvEclipseSEQUENCE::takeDouble(RecordCursor& cFile, Walk& walk) {
@@ -177,7 +207,7 @@ void qvEclipseSEQUENCE::takeDouble(RecordCursor& cFile, Walk& walk) {
   } else if (header.keyword == "XWEL" && walk.keep && qMarkers) {
     bool qKept = true;
     processXWEL(cFile.doubles(), qKept);
-    if (!qKept) tellDropped(cFile);
+    if (!qKept) reportDropped(cFile);
   }
 }
 
@@ -188,12 +218,8 @@ void qvEclipseSEQUENCE::takeText(RecordCursor& cFile) {
     processZWEL(cFile.texts(), qKept);
   } else if (name == "ZGRP") {
     processZGRP(cFile.texts(), qKept);
-  } else if (name == "LGR") {
-    const auto names = cFile.texts();
-    grid().arrays.TidyVectors();
-    AddLGRGrid(names.empty() ? std::string_view() : names.front());
   }
-  if (!qKept) tellDropped(cFile);
+  if (!qKept) reportDropped(cFile);
 }
 
 void qvEclipseSEQUENCE::takeLogicals(RecordCursor& cFile) {
@@ -204,36 +230,23 @@ void qvEclipseSEQUENCE::takeLogicals(RecordCursor& cFile) {
   processLOGIHEAD(first);
 }
 
-void qvEclipseSEQUENCE::takeStepNumber(RecordCursor& cFile, Walk& walk) {
-  walk.keep = !ReadOnlyHeader;
-  if (++walk.stepNumbers > 1) {
-    cFile.unread();
-    walk.stop = true;
-    return;
-  }
-  if (hasData(cFile.header())) cFile.read(std::span(&grid().iSeqnum, 1));
-}
-
 void qvEclipseSEQUENCE::takeHeader(RecordCursor& cFile, Walk& walk) {
   iHeader = cFile.integers();
   qHaveHeader = walk.seenHeader = true;
   try {
     processINTEHEAD(HeaderWords(iHeader));
   } catch (const Fault& fault) {
-    auto diagnosis = recordDiagnosis(cFile, "cell count cannot be", "a product below 2^31",
-                                     fmt::format("{} x {} x {}", grid().Nx, grid().Ny, grid().Nz));
-    diagnosis.action = fault.what();
-    session_->diagnose(std::move(diagnosis));
+    session_->diagnose(recordDiagnosis(cFile, Message::CellCount, "a product below 2^31",
+                                       fmt::format("{} x {} x {}", grid().Nx, grid().Ny, grid().Nz),
+                                       fault.what()));
     throw;
   }
-  if (iSeqnum < 1 && grid().iSeqnum >= 0) iSeqnum = grid().iSeqnum;
   if (iStart >= 0 && iSeqnum < iStart) walk.keep = false;
   if (iEnd >= 0 && iSeqnum > iEnd) {
     qPastEnd = true;
     walk.keep = false;
   }
   stopBehindHeaders(walk);
-  qWanted = qWanted || walk.keep;
   if (!walk.keep || !walk.firstTime) return;
   walk.firstTime = false;
   bool qUsual = false;
@@ -241,27 +254,22 @@ void qvEclipseSEQUENCE::takeHeader(RecordCursor& cFile, Walk& walk) {
   if (nVectors > 0) nVectorEstimate = nVectors;
 }
 
-void qvEclipseSEQUENCE::stopBehindHeaders(Walk& walk) const {
-  if (ReadOnlyHeader && !Unified && walk.seenHeader && walk.seenTime) walk.stop = true;
+void qvEclipseSEQUENCE::stopBehindHeaders(Walk& walk) {
+  if (ReadOnlyHeader && !Unified && walk.seenHeader && walk.seenTime) walk.stop = qHeadersOnly = true;
 }
 
 void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile) {
   const RecordHeader& header = cFile.header();
-  const RESTARTGRID& to = grid();
-  qHasSolution =
-      qHasSolution || (hasData(header) && (header.count == to.nActive || header.count == to.nCells));
   if (!checkIfRESTARTArray(header)) return;
   // An array whose length is not that of the first is left out without a word, as hosts know it.
   grid().arrays.add(cFile, arrayUnit(header.keyword, grid().iUnits), {LoadData, nVectorEstimate}, *session_);
 }
 
-void qvEclipseSEQUENCE::tellDropped(const RecordCursor& cFile) {
-  auto diagnosis = recordDiagnosis(
-      cFile, "well record does not fit the header",
+void qvEclipseSEQUENCE::reportDropped(const RecordCursor& cFile) {
+  session_->diagnose(recordDiagnosis(
+      cFile, Message::WellRecordLength,
       fmt::format("whole blocks for {} wells of up to {} connections", grid().nWells, grid().nCWMAX),
-      fmt::format("{} words", cFile.header().count));
-  diagnosis.action = "left out";
-  session_->diagnose(std::move(diagnosis));
+      fmt::format("{} words", cFile.header().count), "skipped the record"));
 }
 
 /// The arrays of the global grid that will be kept, by a look ahead at the headers of the step.

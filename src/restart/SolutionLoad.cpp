@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
@@ -22,40 +23,17 @@ constexpr std::size_t stepGrowth = 50;
 /// However small the first step is beside its file: room for more is made when they come.
 constexpr std::size_t mostExpected = 100000;
 
-void tell(Session& session, const std::string& path, std::string problem, std::string action) {
-  Diagnosis diagnosis;
-  diagnosis.path = path;
-  diagnosis.problem = std::move(problem);
-  diagnosis.action = std::move(action);
-  session.diagnose(std::move(diagnosis));
-}
-
-/// Throws when a file ends inside a step: its solution is open, or is missing though the step before had one.
-/// Nothing else tells that a step which ends between two records is whole.
-void requireWhole(const qvEclipseSEQUENCE& step, const RecordCursor& cursor, bool qSolutionExpected) {
-  const bool missing = !step.qHaveHeader || (qSolutionExpected && step.qWanted && !step.qHasSolution);
-  if (!missing && !step.qSolutionOpen) return;
-  Diagnosis diagnosis;
-  diagnosis.path = cursor.path();
-  diagnosis.problem = "report step is not whole";
-  diagnosis.offset = cursor.fileSize();
-  diagnosis.expected = !step.qHaveHeader ? "INTEHEAD" : step.qSolutionOpen ? "ENDSOL" : "STARTSOL";
-  diagnosis.found = "end of file";
-  diagnosis.cutOff = true;
-  throw BadRecord(std::move(diagnosis));
-}
-
 }  // namespace
 
 /// What one load has found out.
 struct qvEclipseSOLUTION::Load {
   std::int32_t jStart = -1;
   std::int32_t jEnd = -1;
-  std::vector<std::int32_t> iSteps;  ///< number of each entry as the names or the list tell it
-  std::size_t expected = 0;          ///< steps of a multiple set
-  bool qSized = false;               ///< the capacity of the step table is known
-  bool qSolutionExpected = false;    ///< the step before had one, or there is none before
-  bool qAtEnd = false;               ///< the unified file has no more records
+  std::size_t expected = 0;         ///< steps of a multiple set
+  bool qSized = false;              ///< the capacity of the step table is known
+  bool qAtEnd = false;              ///< the unified file has no more records
+  bool qFailed = false;             ///< something was damaged; a truncated last step is not
+  std::optional<StepParts> before;  ///< of the last complete step
   bool stop = false;
 };
 
@@ -69,7 +47,7 @@ void qvEclipseSOLUTION::getSOLUTIONData(bool& qOK) {
     iFirstHeader.clear();
     qDamaged = false;
     Load load;
-    return prepare(load) && readEntries(load);
+    return prepare(load) && readEntries(load) && (!load.qFailed || AcceptDamaged);
   });
   xSEQ_.resize(static_cast<std::size_t>(std::max(nSequences_, 1)));
 }
@@ -90,30 +68,24 @@ bool qvEclipseSOLUTION::prepare(Load& load) {
     // A file that was looked at and is a unified one is read whatever its name.
     if (checkedUnified_ || !qDone) unified = FileName;
     SetMultList(1, {unified}, qDone);
-    load.iSteps = {1};
-    load.qSolutionExpected = true;
     return true;
   }
   load.expected = zMultList.size();
-  load.qSolutionExpected = zMultList.size() == 1;
-  if (qList) return applyStepList(load);
-  for (const auto& file : zMultList) load.iSteps.push_back(GetNumericPartOfFileName(file));
-  return true;
+  return !qList || applyStepList();
 }
 
-bool qvEclipseSOLUTION::applyStepList(Load& load) {
+bool qvEclipseSOLUTION::applyStepList() {
   std::vector<std::string> kept;
   for (const auto& file : zMultList) {
     const bool listed = std::ranges::count(iRestartList, GetNumericPartOfFileName(file)) > 0;
     if (listed && kept.size() < iRestartList.size()) kept.push_back(file);
   }
   if (kept.empty()) {
-    tell(*session_, FileName, "no file of the report steps asked for", "nothing read");
+    session_->diagnose({.message = Message::RestartStepsMissing, .path = FileName, .action = "read nothing"});
     return false;
   }
   bool qDone = false;
   SetMultList(static_cast<std::int32_t>(kept.size()), kept, qDone);
-  load.iSteps = iRestartList;
   return qDone;
 }
 
@@ -135,12 +107,20 @@ bool qvEclipseSOLUTION::readFile(Load& load, std::size_t entry) {
     std::error_code none;
     const bool missing = !std::filesystem::exists(path, none);
     // Deliberate: a file that has gone is passed over, one that cannot be opened is a failure.
-    tell(*session_, path, "cannot be opened: " + why, missing ? "passed over" : "stopped");
+    session_->diagnose({.message = Message::FileOpen,
+                        .path = path,
+                        .problem = "cannot be opened: " + why,
+                        .action = missing ? "skipped the file" : "stopped"});
     return missing;
+  }
+  if (source->size() == 0) {  // not an error of the last file, which a running simulation has just created
+    reportDamage(load, entry, {.message = Message::FileEmpty, .path = path, .offset = 0, .cutOff = true});
+    return true;
   }
   constexpr std::string_view firstWords[] = {"INTEHEAD", "SEQNUM"};
   const auto detected = detectForm(*source, firstWords);
   RecordCursor cursor(std::move(source), detected ? detected->form : form(), path);
+  cursor.attach(*session_, RecordFile::Restart);
   try {
     bool qMore = true;
     while (qMore && !load.stop) {
@@ -151,11 +131,12 @@ bool qvEclipseSOLUTION::readFile(Load& load, std::size_t entry) {
                                       static_cast<double>(std::max<std::uint64_t>(cursor.fileSize(), 1)));
       }
     }
+    cursor.checkUnchanged();
   } catch (BadRecord& damage) {
-    return endAtDamage(load, entry, damage.diagnosis());
+    reportDamage(load, entry, std::move(damage.diagnosis()));
   } catch (const Fault& fault) {
     if (fault.number() != FaultNumber::Overflow || !AcceptDamaged) throw;
-    qDamaged = load.stop = true;  // a header that cannot be is damage too
+    qDamaged = load.qFailed = true;  // a header that cannot be is damage too
     reportCurrentException(*session_, className, "getSOLUTIONData");
   }
   return true;
@@ -165,7 +146,7 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   auto step = std::make_unique<qvEclipseSEQUENCE>(*session_);
   step->LoadData = LoadData;
   step->FileName = cursor.path();
-  step->iSeqnum = entry < load.iSteps.size() ? load.iSteps[entry] : -1;
+  step->iSeqnum = Unified ? -1 : GetNumericPartOfFileName(cursor.path());
   // The working limits, where there are such: an end below the start counts as the start.
   step->iStart = Unified ? load.jStart : iStart;
   step->iEnd = Unified ? load.jEnd : iEnd;
@@ -174,14 +155,15 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   step->qMarkers = qMarkers;
   step->Origin = Origin;
   step->selection = &selection;
-  step->nGridsExpected = std::max(nGrids, 1);
+  step->partsBefore = load.before ? &*load.before : nullptr;
   if (!step->readStep(cursor)) return false;
   load.qAtEnd = step->qAtEnd;
   if (!step->qAnyRecord) return true;  // blank lines behind the last record
   const auto behind = step->damageBehind;
-  if (step->qAtEnd && !behind) requireWhole(*step, cursor, load.qSolutionExpected);
-  if (step->qWanted) load.qSolutionExpected = step->qHasSolution;
-
+  if (step->qDamaged) qDamaged = load.qFailed = true;
+  const bool last = step->qAtEnd && !behind && entry + 1 == zMultList.size();
+  const bool complete = checkComplete(load, *step, cursor, last);
+  if (complete && !step->qHeadersOnly) load.before = step->parts();
   step->getRESTARTDate(iDay_, iMonth_, iYear_);
   iLastStep = step->iSeqnum;
   nGrids = step->nGrids;
@@ -192,8 +174,12 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   checkSequence(Unified, step->iSeqnum, load.jStart, load.jEnd, qUse, qPast, qDone);
   checkForExit(Unified, step->iSeqnum, load.jEnd, load.stop, qDone);
   load.stop = load.stop || step->qPastEnd;
-  if (qUse && !keepStep(load, cursor, std::move(step))) return false;
-  if (behind) throw BadRecord(*behind);
+  if (qUse && complete && !keepStep(load, cursor, std::move(step))) return false;
+  if (behind && load.qAtEnd) throw BadRecord(*behind);
+  if (behind) {
+    qDamaged = load.qFailed = true;
+    session_->diagnose(*behind);
+  }
   return !session_->yield();
 }
 
@@ -232,15 +218,30 @@ void qvEclipseSOLUTION::addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step) {
   ++nSequences_;
 }
 
-/// A last step that is not whole is what a running or a killed simulation leaves: no damage.
-bool qvEclipseSOLUTION::endAtDamage(Load& load, std::size_t entry, Diagnosis diagnosis) {
-  const bool last = entry + 1 == zMultList.size();
-  const bool half = last && diagnosis.cutOff;
+/// Reports a step that is not complete, as a running or a killed simulation leaves it: not an error.
+bool qvEclipseSOLUTION::checkComplete(const Load& load, const qvEclipseSEQUENCE& step,
+                                      const RecordCursor& cursor, bool last) {
+  const StepParts* before = last && load.before ? &*load.before : nullptr;
+  const auto missing =
+      step.qHeadersOnly ? std::string_view() : missingPart(step.parts(), before, last && !before && Unified);
+  if (missing.empty()) return true;
   qDamaged = true;
-  load.stop = true;
-  diagnosis.action = fmt::format("kept {} steps", nSequences_);
+  const bool atEnd = step.qAtEnd;
+  auto diagnosis = incompleteStep(cursor.path(), step.iSeqnum, missing,
+                                  atEnd ? cursor.fileSize() : cursor.nextPosition(), atEnd ? "" : "SEQNUM");
+  diagnosis.action = fmt::format("skipped the step; kept {} steps", nSequences_);
   session_->diagnose(std::move(diagnosis));
-  return half || AcceptDamaged;
+  return false;
+}
+
+/// Reports damage that no record follows. It ends a file but says nothing of the other files of a set. A last
+/// record that is truncated is what a running simulation leaves.
+void qvEclipseSOLUTION::reportDamage(Load& load, std::size_t entry, Diagnosis diagnosis) {
+  const bool last = entry + 1 == zMultList.size();
+  qDamaged = true;
+  load.qFailed = load.qFailed || !(last && diagnosis.cutOff);
+  diagnosis.action = last ? fmt::format("kept {} steps", nSequences_) : "continued with the next file";
+  session_->diagnose(std::move(diagnosis));
 }
 
 }  // namespace lumbarn

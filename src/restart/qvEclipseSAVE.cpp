@@ -105,7 +105,10 @@ bool qvEclipseSAVE::readFile(const std::string& zFile, const Limits& limits, boo
   std::shared_ptr<const ByteSource> source = FileSource::open(zFile, why);
   if (!source) {
     const bool qMissing = Unified && !isFile(zFile);
-    session_->diagnose({.path = zFile, .problem = "cannot be opened: " + why});
+    session_->diagnose({.message = Message::FileOpen,
+                        .path = zFile,
+                        .problem = "cannot be opened: " + why,
+                        .action = qMissing ? "skipped the file" : "stopped"});
     return qMissing;
   }
   cFILETYPE settings(*session_);

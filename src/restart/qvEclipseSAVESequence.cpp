@@ -26,10 +26,10 @@ std::int32_t fullYear(std::int32_t year) {
   return year + (year >= 90 ? 1900 : 2000);
 }
 
-void tellShortHeader(Session& session, const RecordCursor& cFile) {
+void reportShortHeader(Session& session, const RecordCursor& cFile) {
   const RecordHeader& header = cFile.header();
-  session.diagnose({.path = cFile.path(),
-                    .problem = "header is too short",
+  session.diagnose({.message = Message::HeaderLength,
+                    .path = cFile.path(),
                     .keyword = header.keyword,
                     .occurrence = cFile.occurrence(),
                     .offset = header.headerAt,
@@ -52,10 +52,10 @@ void qvEclipseSAVESequence::getEclipseSAVESequence(RecordCursor& cFile, bool& qO
       return walk(cFile);
     } catch (BadRecord& damage) {
       qCutOff = damage.diagnosis().cutOff;
-      damage.diagnosis().action = qCutOff ? "left this step out" : "stopped at this step";
+      damage.diagnosis().action = qCutOff ? "skipped the step" : "stopped at this step";
       throw;
     } catch (const Fault& fault) {
-      if (fault.number() == FaultNumber::Subscript) tellShortHeader(*session_, cFile);
+      if (fault.number() == FaultNumber::Subscript) reportShortHeader(*session_, cFile);
       throw;
     }
   });
@@ -84,7 +84,7 @@ qvEclipseSAVESequence::After qvEclipseSAVESequence::takeRecord(RecordCursor& cFi
         bool qDone = false;
         processDBLEHEAD(cFile.doubles(), qDone);
         if (!qDone) {
-          tellShortHeader(*session_, cFile);
+          reportShortHeader(*session_, cFile);
           return After::Failed;
         }
         seen.doubHead = true;
@@ -100,8 +100,8 @@ qvEclipseSAVESequence::After qvEclipseSAVESequence::takeRecord(RecordCursor& cFi
       break;
   }
   if (header.count <= 0) return After::GoOn;
-  session_->diagnose({.path = cFile.path(),
-                      .problem = "record of a type that save files do not have",
+  session_->diagnose({.message = Message::SaveRecordType,
+                      .path = cFile.path(),
                       .keyword = header.keyword,
                       .occurrence = cFile.occurrence(),
                       .offset = header.headerAt,
@@ -142,7 +142,7 @@ qvEclipseSAVESequence::After qvEclipseSAVESequence::takeINTEHEAD(RecordCursor& c
   bool qDone = false;
   processINTEHEAD(cFile.integers(), qDone);
   if (!qDone) {
-    tellShortHeader(*session_, cFile);
+    reportShortHeader(*session_, cFile);
     return After::Failed;
   }
   seen.inteHead = true;

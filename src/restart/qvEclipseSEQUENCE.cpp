@@ -73,8 +73,6 @@ bool qvEclipseSEQUENCE::checkIfRESTARTArray(const RecordHeader& header) const {
 void qvEclipseSEQUENCE::processINTEHEAD(const HeaderWords& words) {
   RESTARTGRID& to = grid();
   const std::pair wells(to.nWells, to.nCWMAX);
-  // Without the word, the number that the SEQNUM record or the file's name gives stands.
-  iSeqnum = words(69);
   for (const auto& [word, field] : std::initializer_list<std::pair<std::size_t, std::int32_t*>>{
            {3, &to.iUnits},   {9, &to.Nx},      {10, &to.Ny},     {11, &to.Nz},      {12, &to.nActive},
            {15, &to.iPhases}, {17, &to.nWells}, {18, &to.nCWMAX}, {19, &to.nGroups}, {21, &to.iWord21},
@@ -89,9 +87,12 @@ void qvEclipseSEQUENCE::processINTEHEAD(const HeaderWords& words) {
   to.nCells = cellCount(to.Nx, to.Ny, to.Nz);
   to.qE100 = !words.isE300();
   to.zDate = dateText(to);
-  iDay = to.iDay;
-  iMonth = to.iMonth;
-  iYear = to.iYear;
+  if (iGrid == 1) {  // headers of local grids state nothing of the step
+    iSeqnum = to.iSeqnum = stepNumber(sections_.seqnum(), iFileNumber_, words.words());
+    iDay = to.iDay;
+    iMonth = to.iMonth;
+    iYear = to.iYear;
+  }
   qHaveWells = to.nWells >= 1;
   qHaveGroups = to.nGroups >= 1;
   const std::int32_t sizes[] = {to.nIWELZ, to.nSWELZ, to.nXWELZ, to.nZWELZ, to.nICONZ, to.nSCONZ, to.nXCONZ};
@@ -108,11 +109,13 @@ void qvEclipseSEQUENCE::processLOGIHEAD(std::span<const std::int16_t> words) {
 
 void qvEclipseSEQUENCE::processDBLEHEAD(std::span<const double> words) {
   if (words.empty()) return;
-  dTime = words[0];
-  sFraction = std::isfinite(dTime) ? static_cast<float>(dTime - std::trunc(dTime)) : 0;
   RESTARTGRID& to = grid();
-  to.dTime = dTime;
-  const auto [hour, minute] = timeOfDay(dTime);
+  to.dTime = words[0];
+  if (iGrid == 1) {
+    dTime = words[0];
+    sFraction = std::isfinite(dTime) ? static_cast<float>(dTime - std::trunc(dTime)) : 0;
+  }
+  const auto [hour, minute] = timeOfDay(to.dTime);
   if (hour > 0 || minute >= 1) to.zDate = fmt::format("{} {}:{}", dateText(to), hour, minute);
 }
 

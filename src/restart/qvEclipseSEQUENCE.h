@@ -12,6 +12,7 @@
 
 #include "../arrays/ArraySelection.h"
 #include "../index/HeaderWords.h"
+#include "../index/SectionTracker.h"
 #include "../record/RecordCursor.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
@@ -49,7 +50,7 @@ class qvEclipseSEQUENCE {
   std::string Origin;           ///< label for all grids
   bool Unified = false;         ///< the file holds several steps
   bool ReadOnlyHeader = false;  ///< keep no arrays
-  std::int32_t iSeqnum = -1;    ///< report step
+  std::int32_t iSeqnum = -1;    ///< report step; before reading, the number in the name of the file
   std::int32_t iStart = -1;     ///< limits of the file set; negative: open
   std::int32_t iEnd = -1;
   std::int32_t iDay = -1;
@@ -74,13 +75,13 @@ class qvEclipseSEQUENCE {
   ArraySelection* selection = nullptr;  ///< patterns of array names; not owned, null: all
   bool qAnyRecord = false;              ///< the step has records at all
   bool qAtEnd = false;                  ///< reading ended at the end of the file
-  bool qWanted = false;                 ///< arrays of the step were looked for
-  bool qHasSolution = false;            ///< STARTSOL, ENDSOL or an array as long as its grid was met
-  bool qHasEnd = false;                 ///< the last of the two was ENDSOL
-  bool qSolutionOpen = false;           ///< STARTSOL was met and its ENDSOL was not
+  bool qDamaged = false;                ///< records of the step were damaged; the others were read
+  bool qHeadersOnly = false;            ///< reading ended behind the headers, as nothing else was wanted
 
-  std::int32_t nGridsExpected = 1;        ///< as many as the step before had
-  std::optional<Diagnosis> damageBehind;  ///< the step is whole, but what follows it cannot be read
+  const StepParts* partsBefore = nullptr;  ///< of the step before; not owned, null: none
+  std::optional<Diagnosis> damageBehind;   ///< the step is complete, but what follows it cannot be read
+  /// What the step consists of, for `missingPart`.
+  const StepParts& parts() const { return sections_.parts(); }
 
   /// Reads the records of one step from where the cursor stands. In a unified file it ends in front of the
   /// next SEQNUM. qOK False for damage, which is told as a diagnosis, for a cell count that overflows, and
@@ -175,18 +176,20 @@ class qvEclipseSEQUENCE {
   void takeDouble(RecordCursor& cFile, Walk& walk);
   void takeText(RecordCursor& cFile);
   void takeLogicals(RecordCursor& cFile);
-  void takeStepNumber(RecordCursor& cFile, Walk& walk);
+  void takeMark(SectionMark mark, Walk& walk);
   void takeHeader(RecordCursor& cFile, Walk& walk);
   void takeArray(RecordCursor& cFile);
-  void stopBehindHeaders(Walk& walk) const;
-  bool nextRecord(RecordCursor& cFile);
-  void giveUpLastGrid();
-  void tellDropped(const RecordCursor& cFile);
+  void stopBehindHeaders(Walk& walk);
+  bool takeNext(RecordCursor& cFile, Walk& walk);
+  void dropLastGrid();
+  void reportDropped(const RecordCursor& cFile);
   void deriveSaturation();
   std::vector<std::int32_t> rowOfFOD(std::size_t iRow) const;
   std::int32_t dimension(std::int32_t number, std::int32_t RESTARTGRID::*field, bool& qOK) const;
 
   Session* session_;
+  SectionTracker sections_;
+  std::int32_t iFileNumber_ = -1;  // step number that iSeqnum was set to before reading
   std::map<std::string, std::int32_t, std::less<>> gridOf_{{"ROOT", 1}};
 };
 

@@ -27,7 +27,7 @@ constexpr std::int32_t unbufferedMethod = 8;
 
 bool qvEclipseSOLUTION::CheckRESTARTFile(const std::string& zFile) {
   setFlags({});
-  Unified = false;
+  Unified = checkedUnified_ = false;
   std::string why;
   const std::shared_ptr<const ByteSource> source = FileSource::open(zFile, why);
   if (!source) return false;
@@ -35,13 +35,14 @@ bool qvEclipseSOLUTION::CheckRESTARTFile(const std::string& zFile) {
   Form found;
   if (detected) {
     found = detected->form;
+    // Some writers begin step files with SEQNUM too.
     Unified = detected->keyword == "SEQNUM" && !isStepFile(zFile);
   } else {
     // Some writers put an array in front of the first SEQNUM.
     const auto recognised = recognise(source, zFile);
     if (recognised.kind != FileKind::Restart || !recognised.byContent || !recognised.form) return false;
     found = *recognised.form;
-    Unified = recognised.unified.value_or(false);
+    Unified = recognised.unified.value_or(false) && GetNumericPartOfFileName(zFile) < 0;
   }
   setForm(found);
   FileName = zFile;

@@ -23,9 +23,10 @@ namespace lumbarn {
 /// bytes swapped, and whether the I/O method is 8.
 using FileTypeSettings = std::array<bool, 5>;
 
-/// What tells one step from another.
+/// What tells one step from another. `iSeqnum` is the number of the report step; operations that fetch a step
+/// take a parameter of that name which is a position in the list of steps, from 1.
 struct RestartStep {
-  std::int32_t iSeqnum = 0;  ///< report step number
+  std::int32_t iSeqnum = 0;  ///< report step number, see `stepNumber`
   double dTime = 0;          ///< days
   std::int32_t iDay = -1;
   std::int32_t iMonth = -1;
@@ -39,9 +40,9 @@ struct RestartStep {
 /// `CheckRESTARTFile` look at the file, call `getSOLUTIONData`, then fetch the steps that were kept by their
 /// place, from 1.
 ///
-/// Operations never throw and set qOK False on entry. A step that cannot be read ends the load; the steps
-/// before stay and can be fetched. A last step that is not whole, as a running simulation leaves it, is left
-/// out, told as a diagnosis, and is no failure.
+/// Operations never throw and set qOK False on entry. Damage gives qOK False; the steps that could be read
+/// stay and can be fetched. A step that is not complete, as a running simulation leaves it, is skipped and
+/// reported as a diagnosis, and is not an error.
 class qvEclipseSOLUTION : public FormFlags {
  public:
   explicit qvEclipseSOLUTION(Session& session = Session::process())
@@ -69,7 +70,7 @@ class qvEclipseSOLUTION : public FormFlags {
   // Beyond what hosts of old ask for.
   ArraySelection selection;    ///< patterns of array names
   bool AcceptDamaged = false;  ///< succeed with the steps before damage
-  bool qDamaged = false;       ///< reading ended at damage, or the last step was not whole
+  bool qDamaged = false;       ///< something was damaged, or a step was not complete
 
   /// Whether a file is a restart file: its first record is INTEHEAD or SEQNUM, or what follows tells so. Sets
   /// Formatted, UNIX, byteSwap, Unified and FileName.
@@ -124,14 +125,15 @@ class qvEclipseSOLUTION : public FormFlags {
   struct Load;
 
   bool prepare(Load& load);
-  bool applyStepList(Load& load);
+  bool applyStepList();
   bool readEntries(Load& load);
   bool readFile(Load& load, std::size_t entry);
   bool readOneStep(Load& load, RecordCursor& cursor, std::size_t entry);
   bool keepStep(Load& load, const RecordCursor& cursor, std::unique_ptr<qvEclipseSEQUENCE> step);
   void addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step);
   std::size_t firstCapacity(const Load& load, const RecordCursor& cursor) const;
-  bool endAtDamage(Load& load, std::size_t entry, Diagnosis diagnosis);
+  bool checkComplete(const Load& load, const qvEclipseSEQUENCE& step, const RecordCursor& cursor, bool last);
+  void reportDamage(Load& load, std::size_t entry, Diagnosis diagnosis);
   qvEclipseSEQUENCE& select(std::int32_t iSeqnum);
   bool fetchStep(const qvEclipseSEQUENCE& from, XYData& xyData, ByteTable& bHeaders,
                  SourceData& vSourceData) const;

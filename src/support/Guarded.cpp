@@ -35,7 +35,8 @@ void reportCurrentException(Session& session, const char* className, const char*
       report(session, other.what(), FaultNumber::InvalidCall, className, routine);
     }
   } catch (...) {
-    // Reporting itself ran out of memory, or a host's callback threw: qOK False and the count are what is left.
+    // Reporting itself ran out of memory, or a host's callback threw: qOK False and the count are what is
+    // left.
     session.countFault();
   }
 }

@@ -76,6 +76,12 @@ struct MessageRow {
   ROW(HeaderNumbers, "summary.headers.numbers", Incomplete,                                                  \
       "more different texts than a header of 24 bytes can number")                                           \
   /* restart */                                                                                              \
+  ROW(RestartRecordType, "restart.record.type", Damage, "restart files have no records of this type")        \
+  ROW(CellCount, "grid.cell-count", Damage, "cell count cannot be")                                          \
+  ROW(WellRecordLength, "restart.well-record.length", Damage, "well record does not fit the header")         \
+  ROW(RestartStepsMissing, "restart.steps.missing", Incomplete, "none of the report steps requested exists") \
+  ROW(HeaderLength, "header.length", Damage, "header is too short")                                          \
+  ROW(SaveRecordType, "save.record.type", Damage, "SAVE files have no records of this type")                 \
   /* init */                                                                                                 \
   /* grid */                                                                                                 \
   ROW(GridType, "grid.type", Incomplete, "file contains no corner point grid")                               \

@@ -50,8 +50,9 @@ class InputFile {
   std::uint64_t size() const;
   /// The state of the open file at this moment; empty when the system does not report it.
   std::optional<FileStamp> stamp() const;
-  /// Reads up to out.size() bytes at a position and returns the number read, which is smaller only at the end of
-  /// the file or at a read error; `error` then states the reason, and is left alone at the end of the file.
+  /// Reads up to out.size() bytes at a position and returns the number read, which is smaller only at the end
+  /// of the file or at a read error; `error` then states the reason, and is left alone at the end of the
+  /// file.
   std::size_t readAt(std::uint64_t position, std::span<std::byte> out, std::string& error) const;
 
  private:

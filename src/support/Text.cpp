@@ -18,8 +18,10 @@ bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' ||
 std::size_t sequenceLength(std::string_view text) {
   const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
   const unsigned first = byte(0);
-  const std::size_t length = first >= 0xC2 && first < 0xE0 ? 2 : first >= 0xE0 && first < 0xF0 ? 3
-                             : first >= 0xF0 && first < 0xF5 ? 4 : 0;
+  const std::size_t length = first >= 0xC2 && first < 0xE0   ? 2
+                             : first >= 0xE0 && first < 0xF0 ? 3
+                             : first >= 0xF0 && first < 0xF5 ? 4
+                                                             : 0;
   for (std::size_t i = 1; i < length; ++i) {
     if ((byte(i) & 0xC0U) != 0x80) return 0;
   }

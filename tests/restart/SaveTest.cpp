@@ -162,7 +162,7 @@ TEST_P(SaveForm, DamageLeavesTheStepsBeforeIt) {
     if (load.session.diagnoses().empty()) continue;
     ASSERT_GE(static_cast<std::size_t>(load.nSteps), before) << size;
     before = static_cast<std::size_t>(load.nSteps);
-    EXPECT_THAT(load.told(), AllOf(HasSubstr("RUN."), HasSubstr("byte"), HasSubstr("left this step out")));
+    EXPECT_THAT(load.told(), AllOf(HasSubstr("RUN."), HasSubstr("byte"), HasSubstr("skipped the step")));
   }
   EXPECT_EQ(before, 2U);
   for (std::size_t at = 0; at < bytes.size(); at += 23) {
@@ -213,7 +213,7 @@ TEST(Save, WhatEndsAStepWithoutSuccess) {
   const std::string path = folder.file("RUN.SAVE");
   const std::tuple<std::function<void(RecordWriter&)>, const char*> rows[] = {
       {[](RecordWriter& out) { out.header("ODD", 0, "WHAT"); }, ""},
-      {[](RecordWriter& out) { out.header("ODD", 1, "WHAT"); }, "save files do not have (ODD, occurrence 1"},
+      {[](RecordWriter& out) { out.header("ODD", 1, "WHAT"); }, "of this type (ODD, occurrence 1"},
       {[](RecordWriter& out) { writeStep(out, 2, head(2, 38)); }, "too short (INTEHEAD, occurrence 3"},
       {[](RecordWriter& out) { out.integers("SEQNUM", {}); }, "too short (SEQNUM, occurrence 2"}};
   for (const auto& [add, told] : rows) {

@@ -283,7 +283,7 @@ TEST_P(RestartSets, AFileCutAnywhereGivesTheWholeSteps) {
     for (std::size_t size = first; size <= whole.size(); ++size) {
       test::writeFile(last, std::span(whole).first(size));
       RestartLoad load(file);
-      ASSERT_TRUE(load.run()) << "what is cut off is what a running simulation leaves: " << size;
+      ASSERT_TRUE(load.run()) << "what a running simulation leaves: " << load.lastDiagnosis().text();
       ASSERT_GE(load.steps().size(), stepsBefore) << size;
       stepsBefore = load.steps().size();
       for (std::size_t i = 0; i < stepsBefore; ++i) {

@@ -124,7 +124,7 @@ TEST_P(WellTables, RecordsThatDoNotFitAreLeftOut) {
     const auto& grid = *loaded.reader.RestartGrid(1, 1);
     EXPECT_EQ(grid.*words, 0) << word;
     EXPECT_FALSE(grid.*flag) << word;
-    EXPECT_EQ(loaded.session.diagnoses().front().problem, "well record does not fit the header");
+    EXPECT_EQ(loaded.session.diagnoses().front().id(), "restart.well-record.length");
     EXPECT_EQ(loaded.values("PRESSURE").size(), 4U);
   }
 }
