@@ -42,7 +42,7 @@ struct GRIDINFO {
   std::int32_t Nx = 1;
   std::int32_t Ny = 1;
   std::int32_t Nz = 1;
-  std::int32_t nCells = 0;
+  std::int64_t nCells = 0;
   std::int32_t nActive = 0;
   std::int32_t iProgram = 0;
   std::int32_t iDay = 1;

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "../arrays/ArrayUnits.h"
+#include "../index/ActiveCount.h"
 #include "../record/ByteSource.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Dates.h"
@@ -207,7 +208,7 @@ void qvEclipseINIT::processINTEHEAD(HeaderWords words) {
   grid.Ny = words(10);
   grid.Nz = words(11);
   grid.nCells = cellCount(grid.Nx, grid.Ny, grid.Nz);
-  grid.nActive = activeCellsOfInit(words);
+  grid.nActive = static_cast<std::int32_t>(statedActiveCells(words, true).active);
   grid.nPhases = words(15);
   auto& flags = grid.flags;
   bool qPhases = false;

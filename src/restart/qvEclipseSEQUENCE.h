@@ -168,7 +168,8 @@ class qvEclipseSEQUENCE {
  private:
   struct Walk;
 
-  std::vector<std::string> listArrays(RecordCursor& cFile, bool& qUsual) const;
+  std::vector<RecordHeader> lookAhead(RecordCursor& cFile, bool& qUsual) const;
+  void decideActive(std::span<const RecordHeader> candidates);
   void takeRecord(RecordCursor& cFile, Walk& walk);
   void takeInteger(RecordCursor& cFile, Walk& walk);
   void takeSingle(RecordCursor& cFile, Walk& walk);
@@ -177,7 +178,7 @@ class qvEclipseSEQUENCE {
   void takeLogicals(RecordCursor& cFile);
   void takeStepNumber(RecordCursor& cFile, Walk& walk);
   void takeHeader(RecordCursor& cFile, Walk& walk);
-  void takeArray(RecordCursor& cFile);
+  void takeArray(RecordCursor& cFile, Walk& walk);
   void stopBehindHeaders(Walk& walk) const;
   bool nextRecord(RecordCursor& cFile);
   void giveUpLastGrid();
