@@ -44,14 +44,15 @@ class GridArrays::Source {
 
 GridArrays::GridArrays(const RunFamily& run, const Hadrick& grid, std::optional<std::int32_t> step,
                        Console& console)
-    : run_(run),
+    : initFile_(pathOf(run.find(FileKind::Init))),
+      egridFile_(pathOf(run.find(FileKind::EGrid))),
       grid_(grid),
       zGrid_(grid.isLocal() ? grid.zName : ""),
       oneStep_(step.has_value()),
       source_(std::make_shared<Source>()),
       console_(console) {
-  if (const RunMember* file = run.find(FileKind::Init))
-    init_ = indexOfInit(console.session(), file->path, pathOf(run.find(FileKind::Inspec)));
+  if (!initFile_.empty())
+    init_ = indexOfInit(console.session(), initFile_, pathOf(run.find(FileKind::Inspec)));
   if (run.find(FileKind::Restart))
     restart_ = indexOfRestart(console.session(), restartFiles(run), pathOf(run.find(FileKind::Rsspec)));
   console.checkCancelled();
@@ -136,8 +137,7 @@ CellArray GridArrays::array(const std::string& name) {
 /// pore volume.
 void GridArrays::needActiveCells(const GridCells& cells) {
   if (active_ || cells.active == grid_.nActive()) return;
-  active_ = findActiveCells(console_.session(), pathOf(run_.find(FileKind::Init)),
-                            pathOf(run_.find(FileKind::EGrid)), zGrid_, cells);
+  active_ = findActiveCells(console_.session(), initFile_, egridFile_, zGrid_, cells);
   console_.checkCancelled();
   if (active_) return;
   throw Failure(Unreadable,

@@ -47,7 +47,8 @@ class GridArrays {
   template <class Number>
   CellReader<Number> reader(std::vector<Place> places) const;
 
-  const RunFamily& run_;
+  std::string initFile_;   // empty: none
+  std::string egridFile_;  // likewise
   const Hadrick& grid_;
   std::string zGrid_;  // as the restart and INIT files name it: empty for the global grid
   bool oneStep_;

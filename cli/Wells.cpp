@@ -77,6 +77,7 @@ constexpr Field<WellRecord> wellFields[] = {
     {"oil_rate", true, Quantity::LiquidRate, rateOf<&WellRates::oil>},
     {"water_rate", true, Quantity::LiquidRate, rateOf<&WellRates::water>},
     {"gas_rate", true, Quantity::GasRate, rateOf<&WellRates::gas>},
+    {"reservoir_rate", true, Quantity::ReservoirRate, rateOf<&WellRates::reservoir>},
     {"water_cut", true, Quantity::None, rateOf<&WellRates::waterCut>},
     {"bhp", true, Quantity::Pressure, rateOf<&WellRates::bhp>},
 };

@@ -86,9 +86,8 @@ std::vector<std::int32_t> expandActnum(std::vector<std::int32_t> actnum, std::in
 std::optional<DecidedCells> decideActiveCells(const ActivityEvidence& evidence) {
   if (beyondNumbers(evidence.cells)) return std::nullopt;
   const auto agrees = [&](const Numbers& numbers) { return std::cmp_equal(numbers.size(), evidence.active); };
-  const auto decided = [&](Numbers numbers) {
-    return DecidedCells{{std::move(numbers), evidence.cells}};
-  };
+  const auto decided = [&](Numbers numbers) { return DecidedCells{{std::move(numbers), evidence.cells}}; };
+  if (evidence.active < 1) return std::nullopt;
   if (evidence.active == evidence.cells) return DecidedCells{ActiveCells::all(evidence.cells)};
   const auto actnum = activeInActnum(evidence);
   for (const auto& numbers : {evidence.porous, actnum}) {
@@ -98,8 +97,7 @@ std::optional<DecidedCells> decideActiveCells(const ActivityEvidence& evidence) 
     if (!numbers || evidence.hosts.empty()) continue;
     if (auto all = withHosts(*numbers, evidence); agrees(all)) return decided(std::move(all));
   }
-  if (!evidence.porous || std::cmp_less(evidence.porous->size(), std::max<std::int64_t>(evidence.active, 1)))
-    return std::nullopt;
+  if (!evidence.porous || std::cmp_less(evidence.porous->size(), evidence.active)) return std::nullopt;
   auto first = decided({evidence.porous->begin(), evidence.porous->begin() + evidence.active});
   first.certainty = Certainty::Guess;
   return first;

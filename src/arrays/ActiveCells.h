@@ -19,8 +19,7 @@ class ActiveCells {
  public:
   ActiveCells() = default;
   /// By the numbers of the active cells, ascending.
-  ActiveCells(std::vector<std::int32_t> iA2N, std::int64_t cells)
-      : cells_(cells), iA2N_(std::move(iA2N)) {}
+  ActiveCells(std::vector<std::int32_t> iA2N, std::int64_t cells) : cells_(cells), iA2N_(std::move(iA2N)) {}
   /// A grid without inactive cells. Throws Fault 6 when cell numbers do not fit into 32 bits.
   static ActiveCells all(std::int64_t cells);
 

@@ -284,6 +284,33 @@ TEST_P(RestartForms, AShortHeaderTakesTheStepFromElsewhere) {
   }
 }
 
+/// The header counts cells without pore volume as active, in both grids; arrays have values for the others.
+TEST_P(RestartForms, TheLengthOfTheArraysDecidesTheActiveCells) {
+  RestartBuilder run;
+  const std::vector<RestartBuilder::Array> arrays{{"PRESSURE", {1, 2, 3}}, {"RS", {4, 5, 6}}};
+  run.steps = {{.number = 1, .grids = {{.arrays = arrays}, {.name = "FINE", .arrays = arrays}}}};
+  auto loaded = load(run);
+  ASSERT_TRUE(loaded.run());
+  for (const std::int32_t grid : {1, 2}) {
+    EXPECT_EQ(loaded.reader.RestartGrid(1, grid)->nActive, 3);
+    EXPECT_THAT(loaded.values("rs", 1, grid), ElementsAre(4, 5, 6));
+  }
+}
+
+/// Wells and arrays of active cells do not depend on the number of all cells.
+TEST_P(RestartForms, GridsBeyond2To31Cells) {
+  auto run = threePhases();
+  run.head = {{9, 65536}, {10, 65536}};
+  run.steps[0].grids[0].wells = {{"A", {{1, 2, 1}}, {}}};
+  run.dualPorosity = true;
+  auto loaded = load(run);
+  ASSERT_TRUE(loaded.run());
+  const auto& grid = *loaded.reader.RestartGrid(1, 1);
+  EXPECT_TRUE(grid.qIWEL && grid.qLogi15);
+  EXPECT_EQ(grid.nCells, std::int64_t{65536} * 65536);
+  EXPECT_EQ(loaded.values("PRESSURE").size(), 4U);
+}
+
 TEST_P(RestartForms, WhatCannotBeReadSaysWhere) {
   auto overflow = threePhases();
   overflow.head = {{9, 2147483647}, {10, 2147483647}, {11, 3}};
