@@ -17,7 +17,6 @@
 #include "RunIndex.h"
 #include "Suggestion.h"
 #include "reader/qvEclipseReader.h"
-#include "record/RecordCursor.h"
 #include "support/Dates.h"
 #include "support/Text.h"
 #include "vocabulary/Units.h"
@@ -184,23 +183,22 @@ class StepWells {
       : run_(run), options_(options), console_(console) {}
 
   void load() {
-    const RunMember* file = run_.find(FileKind::Restart);
-    if (!file) throw Failure(Usage, run_.folder + run_.base + ": has no restart files");
-    const auto steps = stepNumbers(*file);
-    if (options_.step && std::ranges::find(steps, *options_.step) == steps.end()) {
-      if (damage_) console_.tell(*damage_);
-      throw Failure(damage_ ? Unreadable : Usage, noStepText(file->path, *options_.step, steps));
-    }
-    // The last step of a running simulation is not whole yet; then the one before it is the last.
-    bool found = options_.step && read(*file, *options_.step);
+    const RestartIndex index = restartIndex(run_, console_);
+    const std::string& file = index.files.front();
+    std::vector<std::int32_t> steps;
+    for (const IndexStep& step : index.steps) steps.push_back(step.number);
+    if (options_.step && !index.find(*options_.step))
+      throw Failure(index.whole ? Usage : Unreadable, noStepText(file, *options_.step, steps));
+    // When the last step cannot be read, the one before it is the last.
+    bool found = options_.step && read(file, *options_.step);
     for (auto step = steps.rbegin(); !options_.step && !found && step != steps.rend(); ++step)
-      found = read(*file, *step);
-    if (!found) console_.giveUp(file->path, "no report step can be read from it");
+      found = read(file, *step);
+    if (!found) console_.giveUp(file, "no report step can be read from it");
     step_ = reader_.RestartSteps().front();
     chooseGrid();
     bool qOK = false;
     wells_ = reader_.RestartWells(1, iGrid_, qOK);
-    if (!qOK) console_.giveUp(file->path, "its wells cannot be read");
+    if (!qOK) console_.giveUp(file, "its wells cannot be read");
     if (wells_.empty()) console_.say(fmt::format("step {} has no wells", step_.iSeqnum));
   }
 
@@ -211,33 +209,8 @@ class StepWells {
   }
 
  private:
-  /// Numbers of the steps, found without reading them: damage is told when a step is read.
-  std::vector<std::int32_t> stepNumbers(const RunMember& file) {
-    std::vector<std::int32_t> steps;
-    if (file.multiple()) {
-      for (const RunMember* member : run_.steps(FileKind::Restart)) steps.push_back(member->step);
-      return steps;
-    }
-    std::string why;
-    const auto cursor = openRecords(file.path, why);
-    if (!cursor) throw Failure(Unreadable, file.path + ": " + why);
-    try {
-      while (cursor->next()) {
-        console_.checkCancelled();
-        const RecordHeader& header = cursor->header();
-        if (!header.is("SEQNUM", ElementType::Integer) || header.count < 1) continue;
-        steps.emplace_back();
-        cursor->read(std::span(&steps.back(), 1));
-      }
-    } catch (const BadRecord& damage) {
-      damage_ = damage.diagnosis();
-      damage_->action = "looked for no step behind it";
-    }
-    return steps;
-  }
-
-  bool read(const RunMember& file, std::int32_t step) {
-    reader_.FileName = file.path;
+  bool read(const std::string& file, std::int32_t step) {
+    reader_.FileName = file;
     reader_.whichtype = 11;
     reader_.Silent = true;
     reader_.AcceptDamaged = true;
@@ -350,7 +323,6 @@ class StepWells {
   const WellsOptions& options_;
   Console& console_;
   qvEclipseReader reader_{console_.session()};
-  std::optional<Diagnosis> damage_;  // that ended the search for steps
   RestartStep step_;
   std::int32_t iGrid_ = 1;
   std::vector<WellRecord> wells_;

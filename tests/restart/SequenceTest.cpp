@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <fstream>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -309,6 +312,45 @@ TEST_P(RestartForms, GridsBeyond2To31Cells) {
   EXPECT_TRUE(grid.qIWEL && grid.qLogi15);
   EXPECT_EQ(grid.nCells, std::int64_t{65536} * 65536);
   EXPECT_EQ(loaded.values("PRESSURE").size(), 4U);
+}
+
+/// One value for each of 65536 x 32769 cells; the values are a hole in the file.
+TEST(RestartArrays, ArraysBeyond2To31ElementsAreArraysOfCells) {
+  const TemporaryFolder folder;
+  RestartBuilder run;
+  run.head = {{9, 65536}, {10, 32769}};
+  run.steps = {{.number = 1}};
+  const auto path = run.write(folder, "RUN", test::bigEndian);
+  const std::uint64_t count = std::uint64_t{65536} * 32769;
+  const auto marks = [](std::uint32_t bytes) {
+    return std::vector{std::byte{0}, std::byte{0}, static_cast<std::byte>(bytes >> 8),
+                       static_cast<std::byte>(bytes & 255)};
+  };
+  std::vector<std::byte> head;
+  RecordWriter out(memorySink(head), test::bigEndian);
+  out.header("PORO", -1, "X231");
+  out.header("PORO", 65536, "REAL");
+  const auto first = marks(4000);
+  head.insert(head.end(), first.begin(), first.end());
+  auto tail = marks(4 * (count % 1000));
+  RecordWriter(memorySink(tail), test::bigEndian).message("ENDSOL");
+
+  auto bytes = run.bytes(test::bigEndian);
+  constexpr std::size_t endsol = 24;
+  bytes.resize(bytes.size() - endsol);
+  const std::uint64_t dataAt = bytes.size() + 2 * endsol;
+  bytes.insert(bytes.end(), head.begin(), head.end());
+  test::writeFile(path, bytes);
+  const std::uint64_t end = dataAt + 4 * count + 8 * ((count + 999) / 1000);
+  std::filesystem::resize_file(path, end - 4);
+  std::ofstream file(path, std::ios::binary | std::ios::app);
+  file.write(reinterpret_cast<const char*>(tail.data()), static_cast<std::streamsize>(tail.size()));
+  file.close();
+
+  RestartLoad loaded(path);
+  loaded.reader.LoadData = false;
+  ASSERT_TRUE(loaded.run()) << loaded.lastDiagnosis().text();
+  EXPECT_THAT(loaded.names(), ElementsAre("PORO"));
 }
 
 TEST_P(RestartForms, WhatCannotBeReadSaysWhere) {
