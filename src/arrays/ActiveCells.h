@@ -48,6 +48,7 @@ struct ActivityEvidence {
   std::optional<std::vector<std::int32_t>> actnum = std::nullopt;
   bool dualPorosity = false;             ///< FILEHEAD word 6 is above 0
   std::vector<std::int32_t> hosts = {};  ///< HOSTNUM of the local grids inside this grid, from 1
+  std::optional<std::uint64_t> porvAt = std::nullopt;  ///< byte offset of PORV, for diagnoses
 };
 
 struct DecidedCells {

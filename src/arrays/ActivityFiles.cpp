@@ -86,6 +86,7 @@ void collectPoreVolumes(RecordCursor& cursor, const Session& session, ActivityEv
     }
   }
   evidence.porous = std::move(porous);
+  evidence.porvAt = cursor.header().headerAt;
 }
 
 }  // namespace
@@ -143,6 +144,7 @@ std::optional<ActiveCells> findActiveCells(Session& session, const std::string& 
     session.diagnose({.message = Message::ActiveCellsGuessed,
                       .path = initFile,
                       .keyword = "PORV",
+                      .offset = evidence.porvAt,
                       .expected = fmt::format("{} cells with pore volume", cells.active),
                       .found = std::to_string(evidence.porous->size()),
                       .action = "took the first ones as active",
