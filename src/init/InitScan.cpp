@@ -174,6 +174,7 @@ void qvEclipseINIT::takeHeader(Scan& scan) {
     if (AcceptDamaged) throw BadRecord(std::move(diagnosis));
     diagnosis.action = fault.what();
     session_->diagnose(std::move(diagnosis));
+    keepArrays();
     throw;
   }
 }

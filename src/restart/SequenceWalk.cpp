@@ -260,9 +260,11 @@ void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile, Walk& walk) {
       mayBeCellArray(header.type, header.keyword)) {
     walk.lengthsOf = iGrid;
     bool qUsual = false;
+    const RecordHeader here = header;
     auto candidates = lookAhead(cFile, qUsual);
-    candidates.push_back(header);
+    candidates.push_back(here);
     decideActive(candidates);
+    cFile.setCurrent(here);
   }
   qHasSolution =
       qHasSolution || (hasData(header) && (header.count == to.nActive || header.count == to.nCells));

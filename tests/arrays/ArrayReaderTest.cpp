@@ -70,7 +70,8 @@ TEST_P(ArrayReading, ByNameAsItStands) {
     EXPECT_FALSE(qOK_) << row.name;
     EXPECT_EQ(session_.diagnoses().size(), row.told) << row.name;
     EXPECT_EQ(faults_, row.told == 0 ? 1 : 0) << row.name;
-    if (row.told > 0) EXPECT_TRUE(session_.diagnoses()[0].offset) << row.name;
+    if (row.told == 0) continue;
+    EXPECT_TRUE(session_.diagnoses()[0].offset) << row.name;
   }
 }
 
