@@ -19,7 +19,7 @@ struct IndexStep;
 struct StatedActive {
   std::int64_t active = 0;  ///< word 12; for the simulator with code 300 word 4 where it is above 0, in
                             ///< restart files only if word 96 is below 1
-  std::int64_t other = 0;  ///< the other word of that simulator; 0 for all others
+  std::int64_t other = 0;   ///< the other word of that simulator; 0 for all others
 };
 StatedActive statedActiveCells(const HeaderWords& iHeader, bool init);
 

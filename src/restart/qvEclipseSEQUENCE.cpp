@@ -275,8 +275,7 @@ void qvEclipseSEQUENCE::deriveSaturation() {
   ArrayTable& arrays = grid().arrays;
   const std::int32_t water = arrays.find("SWAT");
   const std::int32_t gas = arrays.find("SGAS");
-  const auto derived =
-      derivedSaturation(grid().iPhases, arrays.find("SOIL") > 0, water > 0, gas > 0);
+  const auto derived = derivedSaturation(grid().iPhases, arrays.find("SOIL") > 0, water > 0, gas > 0);
   if (!derived || (selection && !selection->choosesDerived(derived->name))) return;
   if (!arrays.addDerived(derived->name, "", grid().nActive, {LoadData, nVectorEstimate}, *session_)) return;
   if (!arrays.hasValues()) return;

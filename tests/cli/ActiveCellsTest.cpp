@@ -95,7 +95,7 @@ TEST(ActiveCellsOfRuns, DerivedSaturationsAndNamesThatOccurTwice) {
              {"RS", {1, 2, 3, 4}},
              {"RS", {5, 6, 7, 8}}});
   const auto list = parseCsv(command({"restart", "--format", "csv", folder.file("R")}).out);
-  EXPECT_THAT(list.back(), ElementsAre("1", "2015-01-01", "0", "ROOT", "SOIL", "derived", "4", ""));
+  EXPECT_THAT(list.back(), ElementsAre("1", "2015-01-01T00:00:00", "0", "ROOT", "SOIL", "derived", "4", ""));
   const Outcome run =
       command({"restart", "--step", "1", "--array", "RS,S?IL", "--format", "csv", folder.file("R")});
   EXPECT_THAT(run.out, HasSubstr("RS,RS,SOIL\r\n1,5,0.5\r\n2,6,0.25\r\n"));
