@@ -9,6 +9,7 @@
 #include "RunIndex.h"
 #include "Suggestion.h"
 #include "arrays/ArrayUnits.h"
+#include "arrays/DerivedSaturation.h"
 #include "support/Pattern.h"
 #include "support/Text.h"
 
@@ -45,6 +46,7 @@ ArrayValues::ArrayValues(ArrayReader& reader, const IndexStep& step, const RunFa
     : reader_(reader), step_(step), options_(options), console_(console), cells_(step.cellsOf(options.grid)) {
   const IndexStep* const steps[] = {&step};
   requireGrid(steps, options.grid, stepName());
+  if (!reader.index().init) derived_ = derivedArray(step, options.grid);
   for (const std::string& list : options.names) {
     for (const std::string& pattern : split(list, ',')) {
       if (!trim(pattern).empty()) choose(std::string(trim(pattern)));
@@ -64,16 +66,21 @@ void ArrayValues::choose(const std::string& pattern) {
   std::vector<std::string> names;
   const bool any = pattern.find_first_of("*?") != pattern.npos;
   const std::size_t before = chosen_.size();
+  const auto offer = [&](const IndexEntry& entry) {
+    const std::string name = nameOf(entry);
+    const bool array = isCellArray(entry, cells_);
+    if (array) names.push_back(name);
+    const bool fits = any ? array && matchesPattern(name, pattern) : equalNoCase(name, pattern);
+    if (!fits || std::ranges::count(chosen_, &entry) != 0) return;
+    if (std::ranges::any_of(chosen_, [&](const auto* one) { return one->keyword == entry.keyword; }))
+      reportTwice(entry);
+    chosen_.push_back(&entry);
+  };
   for (const IndexGroup& group : step_.groups) {
     if (!sameGrid(group.grid, options_.grid)) continue;
-    for (const IndexEntry& entry : group.entries) {
-      const std::string name = nameOf(entry);
-      if (isCellArray(entry, cells_)) names.push_back(name);
-      const bool fits = any ? isCellArray(entry, cells_) && matchesPattern(name, pattern)
-                            : equalNoCase(name, pattern) && chosen_.size() == before;
-      if (fits && std::ranges::count(chosen_, &entry) == 0) chosen_.push_back(&entry);
-    }
+    for (const IndexEntry& entry : group.entries) offer(entry);
   }
+  if (derived_) offer(*derived_);
   if (chosen_.size() > before) {
     if (isNumber(*chosen_.back())) return;
     throw Failure(Usage, fmt::format("{} holds no numbers but {}", nameOf(*chosen_.back()),
@@ -85,6 +92,15 @@ void ArrayValues::choose(const std::string& pattern) {
                                    names.empty()     ? "it has none"
                                    : !better.empty() ? fmt::format("did you mean \"{}\"?", better)
                                                      : "it has " + listText(names)));
+}
+
+void ArrayValues::reportTwice(const IndexEntry& entry) {
+  console_.tell({.message = Message::ArrayTwice,
+                 .path = reader_.index().files[step_.file],
+                 .problem = fmt::format("{} occurs twice in {}", nameOf(entry), stepName()),
+                 .keyword = nameOf(entry),
+                 .offset = entry.position,
+                 .action = "shown in the order of the file"});
 }
 
 void ArrayValues::checkCells() { rows_ = options_.all ? cells_.cells : cells_.active; }
@@ -145,18 +161,17 @@ std::vector<Column> ArrayValues::columns(Format format) const {
 /// Rows [first, first + values.size()) of a column.
 void ArrayValues::readPiece(std::int64_t first, std::size_t column, std::span<double> values) {
   const IndexEntry& entry = *chosen_[column];
-  const auto name = entry.keyword.view();
   const auto done = [&](bool qOK) {
     console_.checkCancelled();
     if (!qOK) console_.giveUp(reader_.index().files[step_.file], "cannot be read on");
   };
   bool qOK = false;
   if (ofCells_ && options_.all) {
-    reader_.readCells(step_.number, name, options_.grid, first, values, qOK);
+    reader_.readCells(step_, entry, options_.grid, first, values, qOK);
     return done(qOK);
   }
   if (!ofCells_ || entry.count != cells_.cells || !active_) {
-    reader_.read(step_.number, name, options_.grid, first, values, qOK);
+    reader_.read(step_, entry, options_.grid, first, values, qOK);
     return done(qOK);
   }
   // Of an array of all cells those that are active.
@@ -164,7 +179,7 @@ void ArrayValues::readPiece(std::int64_t first, std::size_t column, std::span<do
   for (std::size_t row = 0; row < cells.size();) {
     std::size_t to = row + 1;
     while (to < cells.size() && cells[to] == cells[to - 1] + 1) ++to;
-    reader_.read(step_.number, name, options_.grid, cells[row] - 1, values.subspan(row, to - row), qOK);
+    reader_.read(step_, entry, options_.grid, cells[row] - 1, values.subspan(row, to - row), qOK);
     done(qOK);
     row = to;
   }

@@ -31,6 +31,7 @@ class ArrayValues {
 
  private:
   void choose(const std::string& pattern);
+  void reportTwice(const IndexEntry& entry);
   void checkCells();
   void checkElements();
   void findActive(const RunFamily& run);
@@ -43,6 +44,7 @@ class ArrayValues {
   const ArrayOptions& options_;
   Console& console_;
   GridCells cells_;
+  std::optional<IndexEntry> derived_;  // of the step, beside its entries
   std::vector<const IndexEntry*> chosen_;
   std::optional<ActiveCells> active_;
   bool ofCells_ = true;

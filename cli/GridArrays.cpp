@@ -6,137 +6,125 @@
 #include <fmt/format.h>
 
 #include "Failure.h"
-#include "RecordData.h"
+#include "RunIndex.h"
 #include "Suggestion.h"
-#include "files/FileChoice.h"
+#include "index/RestartIndexAgreement.h"
+#include "index/qvEclipseINSPEC.h"
+#include "record/RecordCursor.h"
 
 namespace lumbarn::cli {
+namespace {
+
+std::string pathOf(const RunMember* member) { return member ? member->path : std::string(); }
+
+}  // namespace
 
 class GridArrays::Source {
  public:
   /// A cursor on the record.
   RecordCursor& at(const Place& place) {
-    if (!cursor_ || cursor_->path() != place.path) {
+    if (!cursor_ || cursor_->path() != *place.path) {
       std::string why;
-      cursor_ = openRecords(place.path, why);
-      headerAt_.reset();
-      if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = place.path, .problem = why});
+      cursor_ = openRecords(*place.path, why);
+      entry_ = nullptr;
+      if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = *place.path, .problem = why});
     }
-    if (headerAt_ != place.header.headerAt) cursor_->setCurrent(place.header);
-    headerAt_ = place.header.headerAt;
+    if (entry_ != place.entry) {
+      cursor_->seek(place.entry->position);
+      cursor_->next();
+    }
+    entry_ = place.entry;
     return *cursor_;
   }
 
  private:
   std::unique_ptr<RecordCursor> cursor_;
-  std::optional<std::uint64_t> headerAt_;
+  const IndexEntry* entry_ = nullptr;  // the current record
 };
 
 GridArrays::GridArrays(const RunFamily& run, const Hadrick& grid, std::optional<std::int32_t> step,
                        Console& console)
-    : grid_(grid), oneStep_(step.has_value()), source_(std::make_shared<Source>()), console_(console) {
-  if (const RunMember* file = run.find(FileKind::Init)) {
-    std::vector<Step> whole(1);
-    walk(file->path, whole, console);
-    init_ = std::move(whole.front());
+    : initFile_(pathOf(run.find(FileKind::Init))),
+      egridFile_(pathOf(run.find(FileKind::EGrid))),
+      grid_(grid),
+      zGrid_(grid.isLocal() ? grid.zName : ""),
+      oneStep_(step.has_value()),
+      source_(std::make_shared<Source>()),
+      console_(console) {
+  if (!initFile_.empty())
+    init_ = indexOfInit(console.session(), initFile_, pathOf(run.find(FileKind::Inspec)));
+  if (run.find(FileKind::Restart))
+    restart_ = indexOfRestart(console.session(), restartFiles(run, console.session()), pathOf(run.find(FileKind::Rsspec)));
+  console.checkCancelled();
+  for (const IndexStep& each : restart_.steps) {
+    if (!step || each.number == *step) steps_.push_back(&each);
   }
-  for (const std::string& file : chooseFiles(console.session(), run, FileKind::Restart).files) {
-    if (!isStepFile(file)) {
-      walk(file, steps_, console);
-      continue;
-    }
-    const std::int32_t number = GetNumericPartOfFileName(file);
-    std::vector<Step> one{{number, static_cast<double>(number), {}}};
-    walk(file, one, console);
-    steps_.push_back(std::move(one.back()));
-  }
-  if (!step) return;
-  std::erase_if(steps_, [&](const Step& each) { return each.number != *step; });
-  if (steps_.empty()) throw Failure(Usage, fmt::format("no restart step {} is there", *step));
-}
-
-void GridArrays::walk(const std::string& path, std::vector<Step>& steps, Console& console) const {
-  const std::string wanted = grid_.isLocal() ? grid_.zName : "";
-  std::string section;  // the local grid that records belong to
-  std::string why;
-  const auto cursor = openRecords(path, why);
-  if (!cursor) {
-    return console.tell(
-        {.message = Message::FileOpen, .path = path, .problem = why, .action = "read nothing of it"});
-  }
-  try {
-    while (cursor->next()) {
-      console.checkCancelled();
-      showProgress(*cursor, console);
-      const RecordHeader& header = cursor->header();
-      const std::int64_t count = header.count;
-      if (header.is("SEQNUM", ElementType::Integer) && count > 0) {
-        std::int32_t number = 0;
-        cursor->read(std::span(&number, 1));
-        // A file of one step may begin with the step's number too.
-        if (steps.empty() || !steps.back().arrays.empty() || steps.back().number != number)
-          steps.push_back({number, static_cast<double>(number), {}});
-        section.clear();
-      } else if (header.is("LGR", ElementType::Text) && count > 0) {
-        section = cursor->texts().front();
-      } else if (header.keyword == "ENDLGR" || header.keyword == "LGRSGONE") {
-        section.clear();
-      } else if (steps.empty()) {
-        continue;  // what stands before the first step belongs to none
-      } else if (header.is("DOUBHEAD", ElementType::Double) && count > 0 && section.empty()) {
-        cursor->read(std::span(&steps.back().days, 1));
-      }
-      const bool numbers = header.type == ElementType::Single || header.type == ElementType::Double ||
-                           header.type == ElementType::Integer;
-      const bool forCells = count == grid_.nActive() || count == grid_.nCells();
-      if (numbers && forCells && section == wanted && !steps.empty())
-        steps.back().arrays.try_emplace(header.keyword, Place{path, header});
-    }
-  } catch (const BadRecord& damage) {
-    Diagnosis diagnosis = damage.diagnosis();
-    diagnosis.action = "took what stands before it";
-    console.tell(diagnosis);
-  }
+  if (step && steps_.empty()) throw Failure(Usage, fmt::format("no restart step {} is there", *step));
 }
 
 std::vector<double> GridArrays::times() const {
   std::vector<double> times;
-  for (const Step& step : steps_) times.push_back(step.days);
+  for (const IndexStep* step : steps_) {
+    const bool stated = step->days != 0 || restart_.fromFile || step->find("DOUBHEAD");
+    times.push_back(stated ? step->days : static_cast<double>(step->number));
+  }
   return times;
+}
+
+/// A file without headers has arrays for the cells that the grid file states.
+GridCells GridArrays::cellsOf(const IndexStep& step) const {
+  const GridCells cells = step.cellsOf(zGrid_);
+  return cells.known() ? cells
+                       : GridCells{{grid_.Nx(), grid_.Ny(), grid_.Nz()}, grid_.nCells(), grid_.nActive()};
+}
+
+bool GridArrays::isArray(const IndexEntry& entry, const GridCells& cells) const {
+  if (cells.cells != grid_.nCells()) return false;
+  const bool doubles = typeInfo(entry.typeWord.view()).type == ElementType::Double &&
+                       (entry.count == cells.active || entry.count == cells.cells);
+  return doubles || isCellArray(entry, cells);
+}
+
+GridArrays::Place GridArrays::find(const RestartIndex& index, const IndexStep& step,
+                                   const std::string& name) const {
+  const GridCells cells = cellsOf(step);
+  const IndexEntry* entry = step.find(name, zGrid_);
+  if (!entry || !isArray(*entry, cells)) return {};
+  return {&index.files[step.file], entry, cells};
 }
 
 std::vector<std::string> GridArrays::names() const {
   std::vector<std::string> all;
-  const auto add = [&](const Step& step) {
-    for (const auto& [name, place] : step.arrays) {
-      if (std::ranges::count(all, name) == 0) all.push_back(name);
+  const auto add = [&](const IndexStep& step) {
+    const GridCells cells = cellsOf(step);
+    for (const IndexGroup& group : step.groups) {
+      if (!sameGrid(group.grid, zGrid_)) continue;
+      for (const IndexEntry& entry : group.entries) {
+        std::string name(entry.keyword.view());
+        if (isArray(entry, cells) && std::ranges::count(all, name) == 0) all.push_back(std::move(name));
+      }
     }
   };
-  for (const Step& step : steps_) add(step);
-  add(init_);
+  for (const IndexStep* step : steps_) add(*step);
+  for (const IndexStep& step : init_.steps) add(step);
   return all;
 }
 
-CellArray GridArrays::array(const std::string& name) const {
-  std::vector<const Place*> places;
-  const auto find = [&](const Step& step) -> const Place* {
-    const auto found = step.arrays.find(name);
-    return found == step.arrays.end() ? nullptr : &found->second;
-  };
-  bool any = false;
-  for (const Step& step : steps_) {
-    places.push_back(find(step));
-    any = any || places.back();
-  }
-  if (any) {
+CellArray GridArrays::array(const std::string& name) {
+  std::vector<Place> places;
+  for (const IndexStep* step : steps_) places.push_back(find(restart_, *step, name));
+  if (std::ranges::any_of(places, &Place::entry)) {
     for (std::size_t i = 0; i < places.size(); ++i) {
-      if (!places[i]) console_.say(fmt::format("{} has no values in step {}", name, steps_[i].number));
+      if (!places[i].entry) console_.say(fmt::format("{} has no values in step {}", name, steps_[i]->number));
     }
-    CellArray array = arrayOf(name, places);
+    CellArray array = arrayOf(name, std::move(places));
     array.changes = !oneStep_;
     return array;
   }
-  if (const Place* place = find(init_)) return arrayOf(name, {place});
+  if (!init_.steps.empty()) {
+    const Place place = find(init_, init_.steps.front(), name);
+    if (place.entry) return arrayOf(name, {place});
+  }
   const auto known = names();
   const std::string better = closest(name, known);
   throw Failure(Usage,
@@ -145,13 +133,30 @@ CellArray GridArrays::array(const std::string& name) const {
                             name, better.empty() ? "" : fmt::format("; did you mean \"{}\"?", better)));
 }
 
+/// The grid file may count other cells as active than the arrays have values for: IX counts cells without
+/// pore volume.
+void GridArrays::needActiveCells(const GridCells& cells) {
+  if (active_ || cells.active == grid_.nActive()) return;
+  active_ = findActiveCells(console_.session(), initFile_, egridFile_, zGrid_, cells);
+  console_.checkCancelled();
+  if (active_) return;
+  throw Failure(Unreadable,
+                fmt::format("the grid has {} active cells and its arrays have {} values: which cells these "
+                            "belong to is not known",
+                            grid_.nActive(), cells.active));
+}
+
 /// An array has the type that it has in its first step.
-CellArray GridArrays::arrayOf(const std::string& name, std::vector<const Place*> places) const {
-  const Place* first = *std::ranges::find_if(places, [](const Place* place) { return place != nullptr; });
+CellArray GridArrays::arrayOf(const std::string& name, std::vector<Place> places) {
+  const auto first = std::ranges::find_if(places, [](const Place& place) { return place.entry != nullptr; });
+  for (const Place& place : places) {
+    if (place.entry && place.entry->count != place.cells.cells) needActiveCells(place.cells);
+  }
   CellArray array{.name = name, .read = {}};
-  if (first->header.type == ElementType::Integer) {
+  const ElementType type = typeInfo(first->entry->typeWord.view()).type;
+  if (type == ElementType::Integer) {
     array.read = reader<std::int32_t>(std::move(places));
-  } else if (first->header.type == ElementType::Double) {
+  } else if (type == ElementType::Double) {
     array.read = reader<double>(std::move(places));
   } else {
     array.read = reader<float>(std::move(places));
@@ -160,20 +165,28 @@ CellArray GridArrays::arrayOf(const std::string& name, std::vector<const Place*>
 }
 
 template <class Number>
-CellReader<Number> GridArrays::reader(std::vector<const Place*> places) const {
+CellReader<Number> GridArrays::reader(std::vector<Place> places) const {
   return [this, places = std::move(places)](std::size_t step, std::size_t first, std::span<Number> values) {
-    // No number, or for integers, which have none that says so, 0.
+    // Not a number, or 0 for integers.
     std::ranges::fill(values, std::numeric_limits<Number>::quiet_NaN());
-    if (!places[step] || values.empty()) return;
-    RecordCursor& cursor = source_->at(*places[step]);
-    if (cursor.header().count == grid_.nActive())
-      return cursor.read(values, static_cast<std::int64_t>(first));
-    const auto cellOf = [&](std::size_t i) { return grid_.cellOf(static_cast<std::int32_t>(first + i) + 1); };
-    const std::int32_t firstCell = cellOf(0);
-    std::vector<Number> cells(static_cast<std::size_t>(cellOf(values.size() - 1) - firstCell) + 1);
-    cursor.read(std::span(cells), firstCell - 1);
-    for (std::size_t i = 0; i < values.size(); ++i)
-      values[i] = cells[static_cast<std::size_t>(cellOf(i) - firstCell)];
+    const Place& place = places[step];
+    if (!place.entry || values.empty()) return;
+    RecordCursor& cursor = source_->at(place);
+    const bool all = place.entry->count == place.cells.cells;
+    if (!all && !active_) return cursor.read(values, static_cast<std::int64_t>(first));
+    // The elements of the array, from 0, that the cells have; -1: none.
+    std::vector<std::int64_t> elements(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const std::int32_t cell = grid_.cellOf(static_cast<std::int32_t>(first + i) + 1);
+      elements[i] = (all ? cell : active_->activeOf(cell)) - 1;
+    }
+    const auto from = std::ranges::find_if(elements, [](std::int64_t element) { return element >= 0; });
+    if (from == elements.end()) return;
+    std::vector<Number> piece(static_cast<std::size_t>(std::ranges::max(elements) - *from) + 1);
+    cursor.read(std::span(piece), *from);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (elements[i] >= 0) values[i] = piece[static_cast<std::size_t>(elements[i] - *from)];
+    }
   };
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,9 +7,10 @@
 
 #include "Console.h"
 #include "VtkExport.h"
+#include "arrays/ActiveCells.h"
 #include "files/Families.h"
 #include "grid/Hadrick.h"
-#include "record/RecordCursor.h"
+#include "index/RestartIndex.h"
 
 namespace lumbarn::cli {
 
@@ -18,40 +18,45 @@ namespace lumbarn::cli {
 /// grid, ready to be exported.
 class GridArrays {
  public:
-  /// Walks the files. `step`: take this one step of the restart alone, as if its arrays did not change.
+  /// Indexes the files. `step`: take this one step of the restart alone, as if its arrays did not change.
   /// Throws Failure when the run has no such step.
   GridArrays(const RunFamily& run, const Hadrick& grid, std::optional<std::int32_t> step, Console& console);
 
-  /// An array by name: of the restart, or of INIT if the restart has none. Throws Failure if neither has.
-  CellArray array(const std::string& name) const;
-  /// Days of each restart step, or the step's number where the file does not tell.
+  /// An array by name, in any letter case: of the restart, or of INIT if the restart has none. Throws Failure
+  /// if neither has it, and if it is not known which cells its values belong to.
+  CellArray array(const std::string& name);
+  /// Days of each restart step, or the step's number where the file does not state them.
   std::vector<double> times() const;
 
  private:
-  /// A record of numbers, and how to come to it.
+  /// An array of a step, and where it is.
   struct Place {
-    std::string path;
-    RecordHeader header;
-  };
-  struct Step {
-    std::int32_t number = 0;
-    double days = 0;
-    std::map<std::string, Place> arrays;
+    const std::string* path = nullptr;
+    const IndexEntry* entry = nullptr;  ///< null: the step has no such array
+    GridCells cells;
   };
   /// Keeps the file open that was read last: steps may be in a file each.
   class Source;
 
-  /// The arrays of a file, step by step; all in one step when the file has no steps.
-  void walk(const std::string& path, std::vector<Step>& steps, Console& console) const;
-  template <class Number>
-  CellReader<Number> reader(std::vector<const Place*> places) const;
-  CellArray arrayOf(const std::string& name, std::vector<const Place*> places) const;
+  GridCells cellsOf(const IndexStep& step) const;
+  bool isArray(const IndexEntry& entry, const GridCells& cells) const;
+  Place find(const RestartIndex& index, const IndexStep& step, const std::string& name) const;
   std::vector<std::string> names() const;
+  CellArray arrayOf(const std::string& name, std::vector<Place> places);
+  void needActiveCells(const GridCells& cells);
+  template <class Number>
+  CellReader<Number> reader(std::vector<Place> places) const;
 
+  std::string initFile_;   // empty: none
+  std::string egridFile_;  // likewise
   const Hadrick& grid_;
+  std::string zGrid_;  // as the restart and INIT files name it: empty for the global grid
   bool oneStep_;
-  std::vector<Step> steps_;  // of the restart
-  Step init_;
+  RestartIndex init_;
+  RestartIndex restart_;
+  std::vector<const IndexStep*> steps_;  // of the restart
+  // The cells that arrays have values for, where the grid file states others to be active.
+  std::optional<ActiveCells> active_;
   std::shared_ptr<Source> source_;
   Console& console_;
 };

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 
 #include <fmt/format.h>
 
@@ -9,6 +10,7 @@
 #include "PathArgument.h"
 #include "RunIndex.h"
 #include "arrays/ArrayUnits.h"
+#include "arrays/DerivedSaturation.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -29,13 +31,17 @@ struct ArrayRow {
 
 std::vector<ArrayRow> arraysOf(const IndexStep& step, const std::string& onlyGrid) {
   std::vector<ArrayRow> rows;
+  std::set<std::string> derived;  // the grids whose derived array is listed, which may have several groups
   for (const IndexGroup& group : step.groups) {
     if (!onlyGrid.empty() && !sameGrid(group.grid, onlyGrid)) continue;
-    for (const IndexEntry* entry : cellArrays(group)) {
-      rows.push_back({shownGrid(group.grid), std::string(entry->keyword.view()),
-                      std::string(entry->typeWord.view()),
-                      std::string(arrayUnit(entry->keyword.view(), group.cells.units)), entry->count});
-    }
+    const auto add = [&](const IndexEntry& entry) {
+      rows.push_back({shownGrid(group.grid), std::string(entry.keyword.view()),
+                      std::string(entry.isDerived() ? "derived" : entry.typeWord.view()),
+                      std::string(arrayUnit(entry.keyword.view(), group.cells.units)), entry.count});
+    };
+    for (const IndexEntry* entry : cellArrays(group)) add(*entry);
+    const auto saturation = derivedArray(step, group.grid);
+    if (saturation && derived.insert(group.grid).second) add(*saturation);
   }
   return rows;
 }

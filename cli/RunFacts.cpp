@@ -11,8 +11,12 @@
 #include "RecordData.h"
 #include "RunIndex.h"
 #include "WellTestFile.h"
+#include "arrays/ActiveCells.h"
 #include "files/FileChoice.h"
 #include "files/Recogniser.h"
+#include "index/ActiveCount.h"
+#include "index/RestartIndexHeads.h"
+#include "index/SectionTracker.h"
 #include "record/RecordCursor.h"
 #include "support/Dates.h"
 #include "support/Text.h"
@@ -51,27 +55,28 @@ std::vector<std::int32_t> firstWords(RecordCursor& cursor, std::int64_t count) {
   return words;
 }
 
-/// What the headers of a restart or INIT file say. Those of local grids stand between `LGR` and the next step
-/// or the end of the local grid, and say nothing of the run.
+/// What the headers of a restart or INIT file state. Those of local grids state nothing about the run.
 class HeaderFacts {
  public:
+  explicit HeaderFacts(bool init) : init_(init) {}
+
   void visit(RecordCursor& cursor) {
-    const std::string& keyword = cursor.header().keyword;
-    if (keyword == "LGR" && cursor.header().type == ElementType::Text) {
-      const auto names = cursor.texts();
-      if (!names.empty() && localGrids_.insert(names[0]).second) localGridsInOrder_.push_back(names[0]);
-      inLocalGrid_ = true;
-    } else if (keyword == "ENDLGR" || keyword == "LGRSGONE" || keyword == "SEQNUM") {
-      inLocalGrid_ = false;
-    } else if (keyword == "INTEHEAD" && !inLocalGrid_) {
-      takeHead(firstWords(cursor, 67));
+    const SectionMark mark = section_.take(cursor);
+    const RecordHeader& header = cursor.header();
+    if (mark == SectionMark::LocalGrid && localGrids_.insert(section_.grid()).second)
+      localGridsInOrder_.push_back(section_.grid());
+    if (section_.inLocalGrid()) return;
+    if (header.is("INTEHEAD", ElementType::Integer)) {
+      takeHead(headWords(cursor));
+    } else if (header.count > 0 && mayBeCellArray(header.type, header.keyword)) {
+      lengths_.add(header.count);
     }
   }
   void addTo(Facts& facts, bool manyDates) const {
     if (firstDate_) facts[manyDates ? "first_date" : "date"] = isoText(*firstDate_, true);
     if (lastDate_ && manyDates) facts["last_date"] = isoText(*lastDate_, true);
     if (head_.size() >= 11) facts["grid"] = {head_[8], head_[9], head_[10]};
-    if (head_.size() >= 12) facts["active_cells"] = head_[11];
+    if (head_.size() >= 12) facts["active_cells"] = lengths_.decideActive(gridCells(head_, init_));
     if (head_.size() >= 3) facts["units"] = unitSystemName(head_[2]);
     if (!localGridsInOrder_.empty()) facts["local_grids"] = localGridsInOrder_;
   }
@@ -84,7 +89,9 @@ class HeaderFacts {
     if (!firstDate_) firstDate_ = lastDate_;
   }
 
-  bool inLocalGrid_ = false;
+  bool init_;
+  SectionTracker section_;
+  ArrayLengths lengths_;  // of the global grid
   std::vector<std::int32_t> head_;
   std::optional<Moment> firstDate_;
   std::optional<Moment> lastDate_;
@@ -95,7 +102,7 @@ class HeaderFacts {
 }  // namespace
 
 Facts restartFacts(const RunFamily& run, Console& console) {
-  HeaderFacts headers;
+  HeaderFacts headers(false);
   std::vector<std::int32_t> steps;
   for (const std::string& file : restartFiles(run, console.session())) {
     const bool oneStep = isStepFile(file);
@@ -113,7 +120,7 @@ Facts restartFacts(const RunFamily& run, Console& console) {
 }
 
 Facts initFacts(const RunFamily& run, Console& console) {
-  HeaderFacts headers;
+  HeaderFacts headers(true);
   std::int64_t records = 0;
   walk(run.find(FileKind::Init)->path, console, [&](RecordCursor& cursor) {
     ++records;
@@ -131,15 +138,21 @@ Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
   std::optional<std::int64_t> active;  // of the global grid
   std::optional<std::int64_t> cells;
   bool told = false;
+  bool dual = false;  // two porosity systems, of which the file has the layers of the first
   walk(run.find(kind)->path, console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.is("LGR", ElementType::Text)) {
       for (const auto& name : cursor.texts()) localGrids.push_back(name);
+    } else if (header.keyword == "FILEHEAD") {
+      const auto words = firstWords(cursor, 6);
+      dual = words.size() == 6 && words[5] >= 1;
     } else if (header.keyword == "ACTNUM" && localGrids.empty()) {
       told = true;
-      if (header.count != cells) return;  // of one of two porosity systems, or of a part of a radial grid
-      active =
-          std::ranges::count_if(firstWords(cursor, header.count), [](auto number) { return number > 0; });
+      const bool half = dual && 2 * header.count == cells;
+      if (!half && header.count != cells) return;  // of a part of a radial grid
+      auto words = firstWords(cursor, header.count);
+      if (half) words = expandActnum(std::move(words));
+      active = std::ranges::count_if(words, [](auto number) { return number > 0; });
     } else if (header.keyword == "COORDS" && localGrids.empty()) {
       const auto words = firstWords(cursor, 5);  // I, J, K, number, 1 for an active cell
       active = active.value_or(0) + (words.size() < 5 || words[4] > 0 ? 1 : 0);
@@ -148,14 +161,15 @@ Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
     } else if (header.keyword == "GRIDHEAD" && !facts.contains("grid")) {
       const auto words = firstWords(cursor, 4);
       if (words.size() < 4) return;
-      facts["grid"] = {words[1], words[2], words[3]};
-      cells = std::int64_t{words[1]} * words[2] * words[3];
+      const std::int64_t layers = std::int64_t{words[3]} * (dual ? 2 : 1);
+      facts["grid"] = {words[1], words[2], layers};
+      cells = std::int64_t{words[1]} * words[2] * layers;
     } else if (header.keyword == "DIMENS" && !facts.contains("grid")) {
       const auto words = firstWords(cursor, 3);
       if (words.size() == 3) facts["grid"] = words;
     }
   });
-  if (!told && !active) active = cells;  // ACTNUM is left out when all are
+  if (!told && !active) active = cells;  // ACTNUM is omitted when all are
   if (active) facts["active_cells"] = *active;
   if (!localGrids.empty()) facts["local_grids"] = localGrids;
   return facts;

@@ -18,7 +18,6 @@
 #include "Suggestion.h"
 #include "files/FileChoice.h"
 #include "reader/qvEclipseReader.h"
-#include "record/RecordCursor.h"
 #include "support/Dates.h"
 #include "support/Text.h"
 #include "vocabulary/Units.h"
@@ -78,6 +77,7 @@ constexpr Field<WellRecord> wellFields[] = {
     {"oil_rate", true, Quantity::LiquidRate, rateOf<&WellRates::oil>},
     {"water_rate", true, Quantity::LiquidRate, rateOf<&WellRates::water>},
     {"gas_rate", true, Quantity::GasRate, rateOf<&WellRates::gas>},
+    {"reservoir_rate", true, Quantity::ReservoirRate, rateOf<&WellRates::reservoir>},
     {"water_cut", true, Quantity::None, rateOf<&WellRates::waterCut>},
     {"bhp", true, Quantity::Pressure, rateOf<&WellRates::bhp>},
 };
@@ -187,14 +187,13 @@ class StepWells {
         console_(console) {}
 
   void load() {
-    const auto files = restartFiles(run_, console_.session());
-    const std::string& file = files.front();
-    const auto steps = stepNumbers(files);
-    if (wanted_ && std::ranges::find(steps, *wanted_) == steps.end()) {
-      if (damage_) console_.tell(*damage_);
-      throw Failure(damage_ ? Unreadable : Usage, noStepText(file, *wanted_, steps));
-    }
-    // The last step of a running simulation is not whole yet; then the one before it is the last.
+    const RestartIndex index = restartIndex(run_, console_);
+    const std::string& file = index.files.front();
+    std::vector<std::int32_t> steps;
+    for (const IndexStep& step : index.steps) steps.push_back(step.number);
+    if (wanted_ && !index.find(*wanted_))
+      throw Failure(index.whole ? Usage : Unreadable, noStepText(file, *wanted_, steps));
+    // When the last step cannot be read, the one before it is the last.
     bool found = wanted_ && read(file, *wanted_);
     for (auto step = steps.rbegin(); !wanted_ && !found && step != steps.rend(); ++step)
       found = read(file, *step);
@@ -214,31 +213,6 @@ class StepWells {
   }
 
  private:
-  /// Numbers of the steps, found without reading them: damage is told when a step is read.
-  std::vector<std::int32_t> stepNumbers(const std::vector<std::string>& files) {
-    std::vector<std::int32_t> steps;
-    if (isStepFile(files.front())) {
-      for (const std::string& file : files) steps.push_back(GetNumericPartOfFileName(file));
-      return steps;
-    }
-    std::string why;
-    const auto cursor = openRecords(files.front(), why);
-    if (!cursor) throw Failure(Unreadable, files.front() + ": " + why);
-    try {
-      while (cursor->next()) {
-        console_.checkCancelled();
-        const RecordHeader& header = cursor->header();
-        if (!header.is("SEQNUM", ElementType::Integer) || header.count < 1) continue;
-        steps.emplace_back();
-        cursor->read(std::span(&steps.back(), 1));
-      }
-    } catch (const BadRecord& damage) {
-      damage_ = damage.diagnosis();
-      damage_->action = "looked for no step behind it";
-    }
-    return steps;
-  }
-
   bool read(const std::string& file, std::int32_t step) {
     reader_.FileName = file;
     reader_.whichtype = 11;
@@ -354,7 +328,6 @@ class StepWells {
   std::optional<std::int32_t> wanted_;  // step; none: the last one
   Console& console_;
   qvEclipseReader reader_{console_.session()};
-  std::optional<Diagnosis> damage_;  // that ended the search for steps
   RestartStep step_;
   std::int32_t iGrid_ = 1;
   std::vector<WellRecord> wells_;

@@ -1,97 +1,61 @@
 #include "ActiveCells.h"
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <numeric>
+#include <utility>
 
-#include "../index/RestartIndexHeads.h"
-#include "../record/RecordCursor.h"
 #include "../support/Fault.h"
 
 namespace lumbarn {
 namespace {
 
-void checkNumbers(std::int64_t cells) {
-  if (cells > std::numeric_limits<std::int32_t>::max()) throw Fault(FaultNumber::Overflow);
-}
+using Numbers = std::vector<std::int32_t>;
 
-std::int32_t numberOf(std::size_t index) { return static_cast<std::int32_t>(index) + 1; }
+bool beyondNumbers(std::int64_t cells) { return cells > std::numeric_limits<std::int32_t>::max(); }
 
-/// Calls `visit` for each record of the grid until it answers True; stops at the end of the file. The records
-/// of a local grid stand behind its LGR.
-void visitGrid(RecordCursor& cursor, const Session& session, std::string_view grid,
-               const std::function<bool(RecordCursor&)>& visit) {
-  std::string current;
-  while (cursor.next() && !session.cancelled()) {
-    const RecordHeader& header = cursor.header();
-    if (header.is("LGR", ElementType::Text) && header.count > 0) {
-      current = firstText(cursor);
-    } else if (header.keyword == "LGRSGONE" || header.keyword == "ENDLGR") {
-      current.clear();
-    } else if (sameGrid(current, grid) && visit(cursor)) {
-      return;
-    }
+/// The numbers of the cells whose word is not 0.
+Numbers numbersOf(std::span<const std::int32_t> actnum) {
+  Numbers numbers;
+  for (std::size_t i = 0; i < actnum.size(); ++i) {
+    if (actnum[i] != 0) numbers.push_back(static_cast<std::int32_t>(i) + 1);
   }
+  return numbers;
 }
 
-std::optional<ActiveCells> ofPoreVolumes(RecordCursor& cursor, const Session& session, std::string_view grid,
-                                         const GridCells& cells) {
-  std::optional<ActiveCells> result;
-  visitGrid(cursor, session, grid, [&](RecordCursor& at) {
-    if (!at.header().is("PORV", ElementType::Single) || at.header().count != cells.cells) return false;
-    session.checkMemory(static_cast<std::size_t>(cells.cells) * sizeof(float));
-    // Without the limit: pore volumes of more cells than are active do not tell which these are.
-    result = ActiveCells::fromPoreVolumes(at.singles(), cells.cells);
-    return true;
-  });
-  return result;
+/// The cells of ACTNUM; nothing where it is unknown or of another grid.
+std::optional<Numbers> activeInActnum(const ActivityEvidence& evidence) {
+  if (!evidence.actnum) return std::nullopt;
+  auto words = *evidence.actnum;
+  const auto cells = static_cast<std::size_t>(evidence.cells);
+  if (words.empty()) words.assign(evidence.dualPorosity ? cells / 2 : cells, 1);
+  if (2 * words.size() == cells) words = expandActnum(std::move(words), evidence.active);
+  if (words.size() != cells) return std::nullopt;
+  return numbersOf(words);
 }
 
-std::optional<ActiveCells> ofActnum(RecordCursor& cursor, const Session& session, std::string_view grid,
-                                    const GridCells& cells) {
-  std::optional<ActiveCells> result;
-  visitGrid(cursor, session, grid, [&](RecordCursor& at) {
-    if (at.header().is("ACTNUM", ElementType::Integer) && at.header().count == cells.cells) {
-      session.checkMemory(static_cast<std::size_t>(cells.cells) * sizeof(std::int32_t));
-      result = ActiveCells::fromActnum(at.integers());
-    } else if (at.header().keyword == "ENDGRID" && cells.active == cells.cells) {
-      result = ActiveCells::all(cells.cells);  // ACTNUM is left out when all cells are active
-    }
-    return result.has_value();
-  });
-  return result;
+Numbers withHosts(const Numbers& numbers, const ActivityEvidence& evidence) {
+  const std::int64_t half = evidence.dualPorosity ? evidence.cells / 2 : 0;
+  Numbers hosts;
+  for (const std::int32_t host : evidence.hosts) {
+    if (host < 1 || host > evidence.cells - half) continue;
+    hosts.push_back(host);
+    if (half > 0) hosts.push_back(static_cast<std::int32_t>(host + half));
+  }
+  std::ranges::sort(hosts);
+  hosts.erase(std::unique(hosts.begin(), hosts.end()), hosts.end());
+  Numbers all;
+  std::ranges::set_union(numbers, hosts, std::back_inserter(all));
+  return all;
 }
 
 }  // namespace
 
-ActiveCells ActiveCells::fromPoreVolumes(std::span<const float> porv, std::int64_t nActive) {
-  checkNumbers(static_cast<std::int64_t>(porv.size()));
-  ActiveCells result;
-  result.cells_ = static_cast<std::int64_t>(porv.size());
-  for (std::size_t i = 0; i < porv.size() && result.active() < nActive; ++i) {
-    if (porv[i] > 0) result.iA2N_.push_back(numberOf(i));
-  }
-  return result;
-}
-
-ActiveCells ActiveCells::fromActnum(std::span<const std::int32_t> actnum) {
-  checkNumbers(static_cast<std::int64_t>(actnum.size()));
-  ActiveCells result;
-  result.cells_ = static_cast<std::int64_t>(actnum.size());
-  for (std::size_t i = 0; i < actnum.size(); ++i) {
-    if (actnum[i] != 0) result.iA2N_.push_back(numberOf(i));
-  }
-  return result;
-}
-
 ActiveCells ActiveCells::all(std::int64_t cells) {
-  checkNumbers(cells);
-  ActiveCells result;
-  result.cells_ = cells;
-  result.iA2N_.resize(static_cast<std::size_t>(cells));
-  std::iota(result.iA2N_.begin(), result.iA2N_.end(), 1);
-  return result;
+  if (beyondNumbers(cells)) throw Fault(FaultNumber::Overflow);
+  Numbers numbers(static_cast<std::size_t>(cells));
+  std::iota(numbers.begin(), numbers.end(), 1);
+  return {std::move(numbers), cells};
 }
 
 std::int32_t ActiveCells::cellOf(std::int64_t iActive) const {
@@ -106,29 +70,37 @@ std::int32_t ActiveCells::activeOf(std::int64_t iCell) const {
   return isActive ? static_cast<std::int32_t>(found - iA2N_.begin()) + 1 : 0;
 }
 
-std::optional<ActiveCells> findActiveCells(Session& session, const std::string& initFile,
-                                           const std::string& egridFile, std::string_view grid,
-                                           const GridCells& cells) {
-  if (!cells.known()) return std::nullopt;
-  const auto read = [&](const std::string& file, auto from) -> std::optional<ActiveCells> {
-    if (file.empty()) return std::nullopt;
-    try {
-      std::string why;
-      const auto cursor = openRecords(file, why);
-      if (!cursor) throw BadRecord({.path = file, .problem = why});
-      auto found = from(*cursor, session, grid, cells);
-      return found && found->active() == cells.active ? found : std::nullopt;
-    } catch (BadRecord& damage) {
-      damage.diagnosis().action = "looked no further in it for active cells";
-      session.diagnose(std::move(damage.diagnosis()));
-      return std::nullopt;
-    }
-  };
-  auto found = read(initFile, ofPoreVolumes);
-  if (!found) found = read(egridFile, ofActnum);
-  // Nobody needs to be told where all cells are active.
-  if (!found && cells.active == cells.cells) found = ActiveCells::all(cells.cells);
-  return found;
+std::vector<std::int32_t> expandActnum(std::vector<std::int32_t> actnum, std::int64_t active) {
+  const std::size_t half = actnum.size();
+  const bool ones = std::ranges::all_of(actnum, [](std::int32_t word) { return word == 0 || word == 1; });
+  const bool bits = !ones || std::ranges::count(actnum, 1) == active;
+  actnum.resize(2 * half);
+  for (std::size_t n = 0; n < half; ++n) {
+    const std::int32_t word = actnum[n];
+    actnum[n] = bits ? word & 1 : word;
+    actnum[n + half] = bits ? (word & 2) >> 1 : word;
+  }
+  return actnum;
+}
+
+std::optional<DecidedCells> decideActiveCells(const ActivityEvidence& evidence) {
+  if (beyondNumbers(evidence.cells)) return std::nullopt;
+  const auto agrees = [&](const Numbers& numbers) { return std::cmp_equal(numbers.size(), evidence.active); };
+  const auto decided = [&](Numbers numbers) { return DecidedCells{{std::move(numbers), evidence.cells}}; };
+  if (evidence.active < 1) return std::nullopt;
+  if (evidence.active == evidence.cells) return DecidedCells{ActiveCells::all(evidence.cells)};
+  const auto actnum = activeInActnum(evidence);
+  for (const auto& numbers : {evidence.porous, actnum}) {
+    if (numbers && agrees(*numbers)) return decided(*numbers);
+  }
+  for (const auto& numbers : {evidence.porous, actnum}) {
+    if (!numbers || evidence.hosts.empty()) continue;
+    if (auto all = withHosts(*numbers, evidence); agrees(all)) return decided(std::move(all));
+  }
+  if (!evidence.porous || std::cmp_less(evidence.porous->size(), evidence.active)) return std::nullopt;
+  auto first = decided({evidence.porous->begin(), evidence.porous->begin() + evidence.active});
+  first.certainty = Certainty::Guess;
+  return first;
 }
 
 }  // namespace lumbarn

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "../index/RestartIndex.h"
+#include "../record/RecordCursor.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
@@ -17,12 +18,9 @@ namespace lumbarn {
 class ActiveCells {
  public:
   ActiveCells() = default;
-  /// Cells with a pore volume above 0, in order, while the count has not passed nActive; one value for each
-  /// cell. Values that are no numbers do not count.
-  static ActiveCells fromPoreVolumes(std::span<const float> porv, std::int64_t nActive);
-  /// Cells whose word is not 0. Dual porosity grids tell matrix and fracture by its bits.
-  static ActiveCells fromActnum(std::span<const std::int32_t> actnum);
-  /// A grid without inactive cells. Throws Fault 6 when their numbers are beyond 32 bits, as the others do.
+  /// By the numbers of the active cells, ascending.
+  ActiveCells(std::vector<std::int32_t> iA2N, std::int64_t cells) : cells_(cells), iA2N_(std::move(iA2N)) {}
+  /// A grid without inactive cells. Throws Fault 6 when cell numbers do not fit into 32 bits.
   static ActiveCells all(std::int64_t cells);
 
   std::int64_t cells() const { return cells_; }
@@ -39,9 +37,44 @@ class ActiveCells {
   std::vector<std::int32_t> iA2N_;
 };
 
-/// Which cells of a grid are active: from PORV of the run's INIT file, else from ACTNUM of its EGRID file;
-/// empty names are passed over. Nothing when neither tells of just `cells.active` active cells.
-/// Only that one array is read. Damage is told as a diagnosis.
+/// What the files of a run state about which cells of a grid are active.
+struct ActivityEvidence {
+  std::int64_t cells = 0;   ///< of both systems of a grid with dual porosity
+  std::int64_t active = 0;  ///< how many: the length of the arrays, see `ArrayLengths`
+  /// Of PORV in INIT: the cells with a pore volume above 0, ascending, from 1.
+  std::optional<std::vector<std::int32_t>> porous = std::nullopt;
+  /// Of EGRID: ACTNUM as it is stored, with a word for each cell, or with dual porosity for each cell of the
+  /// first system; empty where the grid has none because all cells are active.
+  std::optional<std::vector<std::int32_t>> actnum = std::nullopt;
+  bool dualPorosity = false;             ///< FILEHEAD word 6 is above 0
+  std::vector<std::int32_t> hosts = {};  ///< HOSTNUM of the local grids inside this grid, from 1
+  std::optional<std::uint64_t> porvAt = std::nullopt;  ///< byte offset of PORV, for diagnoses
+};
+
+struct DecidedCells {
+  ActiveCells cells;
+  Certainty certainty = Certainty::Certain;
+};
+/// Which cells are active: the first of PORV and ACTNUM that agrees with the number of active cells, as
+/// stored or with the cells that local grids replace, which are active in their parent although some writers
+/// say otherwise. Pore volumes of too many cells give the first of them, as a guess, when nothing agrees, as
+/// existing hosts expect; too few decide nothing.
+std::optional<DecidedCells> decideActiveCells(const ActivityEvidence& evidence);
+
+/// ACTNUM with a word for each cell of both systems of a grid with dual porosity, from the words of the first
+/// system: bit 1 is the matrix, bit 2 the fracture. In an ACTNUM without words above 1 some writers mean both
+/// systems by 1; `active` decides, and is -1 where it is not known.
+std::vector<std::int32_t> expandActnum(std::vector<std::int32_t> actnum, std::int64_t active = -1);
+
+/// Reads PORV of a grid in an INIT file, and what an EGRID file states about a grid. Throw BadRecord.
+void collectInit(const Session& session, const std::string& initFile, std::string_view grid,
+                 ActivityEvidence& evidence);
+void collectEGrid(const Session& session, const std::string& egridFile, std::string_view grid,
+                  ActivityEvidence& evidence);
+
+/// Which cells of a grid are active by the run's INIT and EGRID files; empty names are skipped. Nothing when
+/// these do not decide it. A file is read only if the one before it does not decide, and no more of it than
+/// that one array if it agrees. Damage and a guess are reported as diagnoses.
 std::optional<ActiveCells> findActiveCells(Session& session, const std::string& initFile,
                                            const std::string& egridFile, std::string_view grid,
                                            const GridCells& cells);

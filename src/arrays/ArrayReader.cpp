@@ -10,6 +10,7 @@
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
+#include "DerivedSaturation.h"
 
 namespace lumbarn {
 namespace {
@@ -21,10 +22,11 @@ struct Cancelled {};
 
 std::string gridKey(std::string_view grid) { return isGlobalGrid(grid) ? "" : upper(trim(grid)); }
 
+constexpr std::size_t pieceElements = std::size_t{1} << 16;
+
 /// Decodes straight into the array where the types are the same, a piece at a time otherwise.
 template <class Stored, class Number>
 void readAs(RecordCursor& cursor, const Session& session, std::int64_t first, std::span<Number> values) {
-  constexpr std::size_t pieceElements = std::size_t{1} << 16;
   std::vector<Stored> piece(std::is_same_v<Stored, Number> ? 0 : std::min(values.size(), pieceElements));
   for (std::size_t done = 0; done < values.size();) {
     if (session.cancelled()) throw Cancelled();
@@ -99,13 +101,14 @@ void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>
     if (!cursor_ || cursor_->path() != file || !(cursor_->form() == form)) {
       std::string why;
       std::shared_ptr<const ByteSource> source = FileSource::open(file, why);
-      if (!source) throw BadRecord({.path = file, .problem = why});
+      if (!source) throw BadRecord({.message = Message::FileOpen, .path = file, .problem = why});
       cursor_ = std::make_unique<RecordCursor>(std::move(source), form, file);
     }
     if (header.dataAt > cursor_->fileSize()) {
-      throw BadRecord({.path = file,
-                       .problem = "array stands behind the end of the file",
+      throw BadRecord({.message = Message::ArrayBehindEnd,
+                       .path = file,
                        .offset = header.dataAt,
+                       .expected = fmt::format("{} elements", header.count),
                        .found = fmt::format("{} bytes", cursor_->fileSize())});
     }
     cursor_->setCurrent(header);
@@ -115,18 +118,38 @@ void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>
 
 ArrayReader::Found ArrayReader::find(std::int32_t step, std::string_view name, std::string_view grid) const {
   const IndexStep* found = index_.init && !index_.steps.empty() ? &index_.steps.front() : index_.find(step);
-  const std::string path = index_.files.empty() ? "" : index_.files.front();
   if (!found) {
-    throw BadRecord({.path = path, .problem = fmt::format("has no report step {}", step)});
+    Diagnosis diagnosis{.message = Message::ArrayStepMissing,
+                        .path = index_.files.empty() ? "" : index_.files.front(),
+                        .expected = fmt::format("report step {}", step),
+                        .found = fmt::format("{} other steps", index_.steps.size())};
+    if (!index_.steps.empty()) diagnosis.offset = index_.steps.back().position;
+    throw BadRecord(std::move(diagnosis));
   }
-  const IndexEntry* entry = found->find(name, grid);
-  if (!entry) {
-    throw BadRecord({.path = index_.files[found->file],
-                     .problem = fmt::format("has no array {}{} in step {}", upper(trim(name)),
-                                            isGlobalGrid(grid) ? "" : fmt::format(" of grid {}", trim(grid)),
-                                            found->number)});
-  }
-  return {found, entry, found->cellsOf(grid)};
+  if (const IndexEntry* entry = found->find(name, grid)) return foundEntry(*found, *entry, grid);
+  const auto derived = index_.init ? std::nullopt : derivedArray(*found, grid);
+  if (derived && equalNoCase(derived->keyword.view(), trim(name))) return foundEntry(*found, *derived, grid);
+  throw BadRecord({.message = Message::ArrayMissing,
+                   .path = index_.files[found->file],
+                   .problem = fmt::format("has no array {}{} in step {}", upper(trim(name)),
+                                          isGlobalGrid(grid) ? "" : fmt::format(" of grid {}", trim(grid)),
+                                          found->number),
+                   .keyword = upper(trim(name)),
+                   .offset = found->position});
+}
+
+ArrayReader::Found ArrayReader::foundEntry(const IndexStep& step, const IndexEntry& entry,
+                                           std::string_view grid) const {
+  return {&step, entry, grid, step.cellsOf(grid)};
+}
+
+Diagnosis ArrayReader::refusal(const Found& array, Message message) const {
+  return {.message = message,
+          .path = index_.files[array.step->file],
+          .keyword = std::string(array.entry.keyword.view()),
+          .offset = array.entry.isDerived() ? array.step->position : array.entry.position,
+          .expected = fmt::format("{} of {} cells active", array.cells.active, array.cells.cells),
+          .found = fmt::format("{} values", array.entry.count)};
 }
 
 RecordCursor& ArrayReader::moveTo(const Found& array) {
@@ -134,61 +157,83 @@ RecordCursor& ArrayReader::moveTo(const Found& array) {
   if (!cursor_ || cursor_->path() != path) {
     std::string why;
     cursor_ = openRecords(path, why);
-    if (!cursor_) throw BadRecord({.path = path, .problem = why});
+    if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = path, .problem = why});
   }
   if (auto change = changedSince(index_.stamps[array.step->file], path)) throw BadRecord(std::move(*change));
-  cursor_->seek(array.entry->position);
+  const IndexEntry& entry = array.entry;
+  cursor_->seek(entry.position);
   const bool there = cursor_->next();
   const RecordHeader& header = cursor_->header();
-  if (!there || header.keyword != array.entry->keyword.view() || header.count != array.entry->count ||
-      header.typeWord != array.entry->typeWord.view()) {
-    throw BadRecord({.path = path,
-                     .problem = "record is not where its index says",
-                     .offset = array.entry->position,
-                     .expected = fmt::format("{} of {} {}", array.entry->keyword.view(), array.entry->count,
-                                             array.entry->typeWord.view()),
-                     .found = fmt::format("{} of {} {}", header.keyword, header.count, header.typeWord)});
+  if (!there || header.keyword != entry.keyword.view() || header.count != entry.count ||
+      header.typeWord != entry.typeWord.view()) {
+    Diagnosis diagnosis = refusal(array, Message::ArrayMoved);
+    diagnosis.expected = fmt::format("{} of {} {}", entry.keyword.view(), entry.count, entry.typeWord.view());
+    diagnosis.found = fmt::format("{} of {} {}", header.keyword, header.count, header.typeWord);
+    throw BadRecord(std::move(diagnosis));
   }
   return *cursor_;
 }
 
 template <class Number>
-void ArrayReader::readByName(std::int32_t step, std::string_view name, std::string_view grid,
-                             std::int64_t first, std::span<Number> values, bool& qOK) {
-  guarded(*session_, qOK, className, "read",
-          [&] { readNumbers(moveTo(find(step, name, grid)), *session_, first, values); });
+void ArrayReader::readElements(const Found& array, std::int64_t first, std::span<Number> values) {
+  if (array.entry.isDerived()) return readDerived(array, first, values);
+  readNumbers(moveTo(array), *session_, first, values);
+}
+
+/// As a load of the step derives it: in single precision, a piece at a time.
+template <class Number>
+void ArrayReader::readDerived(const Found& array, std::int64_t first, std::span<Number> values) {
+  std::vector<const IndexEntry*> sources;
+  for (const std::string_view name : {"SWAT", "SGAS"}) {
+    if (const auto* entry = storedSaturation(*array.step, array.grid, name)) sources.push_back(entry);
+  }
+  std::array<std::vector<float>, 2> pieces;
+  for (std::size_t done = 0; done < values.size();) {
+    const auto out = values.subspan(done, std::min(values.size() - done, pieceElements));
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+      pieces[i].resize(out.size());
+      const Found source = foundEntry(*array.step, *sources[i], array.grid);
+      readNumbers(moveTo(source), *session_, first + static_cast<std::int64_t>(done), std::span(pieces[i]));
+    }
+    for (std::size_t i = 0; i < out.size(); ++i) {
+      const float other = sources.size() > 1 ? pieces[1][i] : 0;
+      out[i] = static_cast<Number>(DerivedSaturation::remaining(pieces[0][i], other));
+    }
+    done += out.size();
+  }
 }
 
 void ArrayReader::read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
                        std::span<double> values, bool& qOK) {
-  readByName(step, name, grid, first, values, qOK);
+  guarded(*session_, qOK, className, "read", [&] { readElements(find(step, name, grid), first, values); });
 }
 
 void ArrayReader::read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
                        std::span<float> values, bool& qOK) {
-  readByName(step, name, grid, first, values, qOK);
+  guarded(*session_, qOK, className, "read", [&] { readElements(find(step, name, grid), first, values); });
+}
+
+void ArrayReader::read(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
+                       std::int64_t first, std::span<double> values, bool& qOK) {
+  guarded(*session_, qOK, className, "read",
+          [&] { readElements(foundEntry(step, entry, grid), first, values); });
 }
 
 void ArrayReader::setActiveCells(std::string_view grid, ActiveCells cells) {
   activeCells_.insert_or_assign(gridKey(grid), std::move(cells));
 }
 
-/// Null when nobody told which cells are active, or told of another grid.
-const ActiveCells* ArrayReader::knownActiveCells(std::string_view grid, const Found& array) const {
-  const auto cells = activeCells_.find(gridKey(grid));
+/// Null when the active cells were not set, or those of another grid were.
+const ActiveCells* ArrayReader::knownActiveCells(const Found& array) const {
+  const auto cells = activeCells_.find(gridKey(array.grid));
   const bool fits = cells != activeCells_.end() && cells->second.cells() == array.cells.cells &&
                     cells->second.active() == array.cells.active;
   return fits ? &cells->second : nullptr;
 }
 
-const ActiveCells& ArrayReader::activeCellsOf(std::string_view grid, const Found& array) const {
-  const auto* cells = knownActiveCells(grid, array);
-  if (!cells) {
-    throw BadRecord({.path = index_.files[array.step->file],
-                     .problem = "it is not known which cells are active",
-                     .keyword = std::string(array.entry->keyword.view()),
-                     .offset = array.entry->position});
-  }
+const ActiveCells& ArrayReader::activeCellsOf(const Found& array) const {
+  const auto* cells = knownActiveCells(array);
+  if (!cells) throw BadRecord(refusal(array, Message::ActiveCellsUnknown));
   return *cells;
 }
 
@@ -207,36 +252,38 @@ void ArrayReader::clearInactive(const ActiveCells& cells, std::int64_t first,
 
 void ArrayReader::readCells(std::int32_t step, std::string_view name, std::string_view grid,
                             std::int64_t first, std::span<double> values, bool& qOK) {
-  guarded(*session_, qOK, className, "readCells", [&] {
-    const Found array = find(step, name, grid);
-    if (!isCellArray(*array.entry, array.cells)) {
-      throw BadRecord({.path = index_.files[array.step->file],
-                       .problem = "array has no values for cells",
-                       .keyword = std::string(array.entry->keyword.view()),
-                       .offset = array.entry->position});
-    }
-    const auto count = static_cast<std::int64_t>(values.size());
-    if (first < 0 || first > array.cells.cells || count > array.cells.cells - first) {
-      throw Fault(FaultNumber::Subscript);
-    }
-    RecordCursor& cursor = moveTo(array);
-    if (array.entry->count == array.cells.cells) {
-      readNumbers(cursor, *session_, first, values);
-      if (const auto* active = knownActiveCells(grid, array)) clearInactive(*active, first, values);
-      return;
-    }
-    // The values of the active cells in the range lie next to each other: they are read to its front and
-    // moved to their places from behind.
-    const auto& iA2N = activeCellsOf(grid, array).iA2N();
-    const auto from = std::ranges::upper_bound(iA2N, first);
-    const auto to = std::ranges::upper_bound(iA2N, first + count);
-    auto left = static_cast<std::size_t>(to - from);
-    readNumbers(cursor, *session_, from - iA2N.begin(), values.first(left));
-    for (std::int64_t cell = count; cell-- > 0;) {
-      const bool active = left > 0 && *(from + static_cast<std::ptrdiff_t>(left) - 1) == first + cell + 1;
-      values[static_cast<std::size_t>(cell)] = active ? values[--left] : session_->NullValue;
-    }
-  });
+  guarded(*session_, qOK, className, "readCells",
+          [&] { readCellsOf(find(step, name, grid), first, values); });
+}
+
+void ArrayReader::readCells(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
+                            std::int64_t first, std::span<double> values, bool& qOK) {
+  guarded(*session_, qOK, className, "readCells",
+          [&] { readCellsOf(foundEntry(step, entry, grid), first, values); });
+}
+
+void ArrayReader::readCellsOf(const Found& array, std::int64_t first, std::span<double> values) {
+  if (!isCellArray(array.entry, array.cells)) throw BadRecord(refusal(array, Message::ArrayNotOfCells));
+  const auto count = static_cast<std::int64_t>(values.size());
+  if (first < 0 || first > array.cells.cells || count > array.cells.cells - first) {
+    throw Fault(FaultNumber::Subscript);
+  }
+  if (array.entry.count == array.cells.cells) {
+    readElements(array, first, values);
+    if (const auto* active = knownActiveCells(array)) clearInactive(*active, first, values);
+    return;
+  }
+  // The values of the active cells in the range lie next to each other: they are read to its front and
+  // moved to their positions from behind.
+  const auto& iA2N = activeCellsOf(array).iA2N();
+  const auto from = std::ranges::upper_bound(iA2N, first);
+  const auto to = std::ranges::upper_bound(iA2N, first + count);
+  auto left = static_cast<std::size_t>(to - from);
+  readElements(array, from - iA2N.begin(), values.first(left));
+  for (std::int64_t cell = count; cell-- > 0;) {
+    const bool active = left > 0 && *(from + static_cast<std::ptrdiff_t>(left) - 1) == first + cell + 1;
+    values[static_cast<std::size_t>(cell)] = active ? values[--left] : session_->NullValue;
+  }
 }
 
 void ArrayReader::readCell(std::int32_t step, std::string_view name, std::string_view grid, std::int32_t i,

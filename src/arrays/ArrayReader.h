@@ -24,6 +24,10 @@ using FetchColumn = std::span<const std::int32_t, 5>;
 /// gives and no more. Integers are given as the numbers they are; an array of integers read as singles loses
 /// what is beyond 24 bits, as double precision becomes single.
 ///
+/// Names are found in any letter case. A saturation that a step of a restart does not store and that follows
+/// from the others (see `derivedArray`) is read like an array of the file. Of two arrays with the same name
+/// the name means the first; both are read by their entries.
+///
 /// Elements, cells and steps' arrays count from 0 here, as positions in the array that is given; numbers i,
 /// j, k and of grids' cells count from 1. All operations leave their outputs untouched or partly written when
 /// qOK is False; a diagnosis or the fault report then says why.
@@ -52,11 +56,16 @@ class ArrayReader {
             std::span<double> values, bool& qOK);
   void read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
             std::span<float> values, bool& qOK);
+  /// By entry of a step of this reader's index, or one of `derivedArray`, which needs the grid.
+  void read(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
+            std::span<double> values, bool& qOK);
   /// One value for each cell of the grid from cell [first], in natural order; inactive cells get the
   /// session's null value. Which cells are active must be known, see `setActiveCells`, of an array with one
   /// value for each of them: fails with a diagnosis otherwise, and for an array that is no cell array. An
   /// array with a value for each cell is given as it stands when it is not known.
   void readCells(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
+                 std::span<double> values, bool& qOK);
+  void readCells(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
                  std::span<double> values, bool& qOK);
   /// The value of cell i, j, k, counted from 1; the session's null value for an inactive one. Throws nothing;
   /// a cell outside of the grid is a fault.
@@ -67,19 +76,25 @@ class ArrayReader {
   void setActiveCells(std::string_view grid, ActiveCells cells);
 
  private:
+  /// An array of the index.
   struct Found {
     const IndexStep* step;
-    const IndexEntry* entry;
+    IndexEntry entry;
+    std::string_view grid;
     GridCells cells;
   };
   Found find(std::int32_t step, std::string_view name, std::string_view grid) const;
+  Found foundEntry(const IndexStep& step, const IndexEntry& entry, std::string_view grid) const;
+  Diagnosis refusal(const Found& array, Message message) const;
   RecordCursor& moveTo(const Found& array);
-  const ActiveCells* knownActiveCells(std::string_view grid, const Found& array) const;
-  void clearInactive(const ActiveCells& cells, std::int64_t first, std::span<double> values) const;
-  const ActiveCells& activeCellsOf(std::string_view grid, const Found& array) const;
   template <class Number>
-  void readByName(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
-                  std::span<Number> values, bool& qOK);
+  void readElements(const Found& array, std::int64_t first, std::span<Number> values);
+  template <class Number>
+  void readDerived(const Found& array, std::int64_t first, std::span<Number> values);
+  void readCellsOf(const Found& array, std::int64_t first, std::span<double> values);
+  const ActiveCells* knownActiveCells(const Found& array) const;
+  void clearInactive(const ActiveCells& cells, std::int64_t first, std::span<double> values) const;
+  const ActiveCells& activeCellsOf(const Found& array) const;
 
   Session* session_;
   RestartIndex index_;

@@ -6,6 +6,7 @@
 
 #include "../record/cFILETYPE.h"
 #include "../support/Fault.h"
+#include "../support/Text.h"
 
 namespace lumbarn {
 
@@ -84,7 +85,8 @@ void ArrayTable::TidyVectors() {
 }
 
 std::int32_t ArrayTable::find(std::string_view zName) const {
-  const auto found = std::ranges::find(arrays_, zName, &KeptArray::name);
+  const auto found = std::ranges::find_if(
+      arrays_, [&](const KeptArray& array) { return equalNoCase(array.name, trim(zName)); });
   return found == arrays_.end() ? 0 : static_cast<std::int32_t>(found - arrays_.begin()) + 1;
 }
 

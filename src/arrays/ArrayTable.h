@@ -58,7 +58,7 @@ class ArrayTable {
   std::int32_t nVectors() const { return static_cast<std::int32_t>(arrays_.size()); }
   std::int32_t nVectorsMax() const { return capacity_; }
   const std::vector<KeptArray>& arrays() const { return arrays_; }
-  /// Place of an array by its name, from 1; 0 when there is none.
+  /// Number of an array by its name, in any letter case, from 1; 0 when there is none.
   std::int32_t find(std::string_view zName) const;
   /// Items of each array, 0 without arrays.
   std::size_t length() const { return length_; }

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "../arrays/ActiveCells.h"
 #include "qvGridProcessor.h"
 
 namespace lumbarn {
@@ -165,18 +166,12 @@ std::vector<std::int32_t> EGridRecords::cellArray() {
   set_.fail(Message::GridLength, cells, count);
 }
 
-/// Values above 1 tell the systems apart: 1 the first, 2 the second, 3 both. Where there are none of them,
-/// writers mean both systems by 1.
+/// ACTNUM states the cells of each system; all other words apply to the cells of both.
 std::vector<std::int32_t> EGridRecords::bothPorosities(std::vector<std::int32_t> values) {
+  if (set_.cursor().header().keyword == "ACTNUM") return expandActnum(std::move(values));
   const std::size_t half = values.size();
-  const bool actnum = set_.cursor().header().keyword == "ACTNUM";
-  const bool bits = actnum && std::ranges::any_of(values, [](std::int32_t v) { return v > 1; });
   values.resize(2 * half);
-  for (std::size_t n = 0; n < half; ++n) {
-    const std::int32_t value = values[n];
-    values[n] = bits ? value & 1 : value;
-    values[n + half] = bits ? (value & 2) >> 1 : value;
-  }
+  std::copy_n(values.begin(), half, values.begin() + static_cast<std::ptrdiff_t>(half));
   return values;
 }
 

@@ -31,16 +31,12 @@ class HeaderWords {
   std::vector<std::int32_t> words_;
 };
 
-/// Nx times Ny times Nz. Throws Fault 6 when 32 bits do not hold the product.
-std::int32_t cellCount(std::int32_t Nx, std::int32_t Ny, std::int32_t Nz);
+/// Nx times Ny times Nz. Throws Fault 6 when 64 bits do not hold the product, which is damage: grids of more
+/// than 2^31 cells exist, and their wells and arrays of active cells are read like those of any other.
+std::int64_t cellCount(std::int32_t Nx, std::int32_t Ny, std::int32_t Nz);
 
-/// The active cells of a grid of an INIT file: word 12, but word 4 of the simulator with code 300 when that
-/// is above 0. In a restart file it is word 12 always.
-std::int32_t activeCellsOfInit(const HeaderWords& iHeader);
-
-/// What can be told from a header alone: the active cells, where the simulator with code 300 has them in word
-/// 4 (when that is above 0 and word 96 below 1) and all others in word 12, and the cells. Absent words count
-/// as 0. Throws Fault 6 when the cell count overflows.
-void PreprocessINTEHEAD(const HeaderWords& iHeader, std::int32_t& nActive, std::int32_t& nCells);
+/// The number of active cells and of cells that the header of a restart file states; absent words count as 0.
+/// Throws Fault 6 when the cell count overflows.
+void PreprocessINTEHEAD(const HeaderWords& iHeader, std::int32_t& nActive, std::int64_t& nCells);
 
 }  // namespace lumbarn

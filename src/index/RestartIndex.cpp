@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "HeaderWords.h"
+#include "ActiveCount.h"
 
 namespace lumbarn {
 namespace {
@@ -54,7 +54,10 @@ GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init) {
     if (length < 1 || __builtin_mul_overflow(cells, length, &cells)) return result;
   }
   result.cells = cells;
-  result.active = init ? activeCellsOfInit(word) : word(12);
+  const StatedActive stated = statedActiveCells(word, init);
+  result.active = stated.active;
+  result.otherActive = stated.other;
+  result.phases = word(15);
   return result;
 }
 
@@ -100,11 +103,13 @@ bool isRefusedArrayName(std::string_view zName) {
   return flowName && (zName.ends_with("A+") || zName.ends_with("L+") || zName.ends_with("N+"));
 }
 
+bool mayBeCellArray(ElementType type, std::string_view zName) {
+  return isKept(type) && !isRefusedArrayName(zName) && !isAnyOf(zName, refusedInitNames);
+}
+
 bool isCellArray(const IndexEntry& entry, const GridCells& cells) {
-  const auto name = entry.keyword.view();
   return entry.count > 0 && (entry.count == cells.active || entry.count == cells.cells) &&
-         isKept(typeInfo(entry.typeWord.view()).type) && !isRefusedArrayName(name) &&
-         !isAnyOf(name, refusedInitNames);
+         mayBeCellArray(typeInfo(entry.typeWord.view()).type, entry.keyword.view());
 }
 
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group) {

@@ -43,11 +43,14 @@ struct IndexEntry {
   FixedText<8> keyword;
   FixedText<4> typeWord;       ///< as in the file: "REAL", "C032"
   std::int64_t count = 0;      ///< elements
-  std::uint64_t position = 0;  ///< byte offset, from 0, of the header record
+  std::uint64_t position = 0;  ///< byte offset, from 0, of the header record; `nowhere` if derived
   /// Smallest and largest value; not numbers when they are not known. 0 for texts and logicals.
   float minimum = std::numeric_limits<float>::quiet_NaN();
   float maximum = std::numeric_limits<float>::quiet_NaN();
 
+  /// Of an array that is not in the file but derived from others.
+  static constexpr std::uint64_t nowhere = std::numeric_limits<std::uint64_t>::max();
+  bool isDerived() const { return position == nowhere; }
   bool hasRange() const { return minimum <= maximum; }
 };
 
@@ -56,13 +59,14 @@ struct GridCells {
   std::array<std::int32_t, 3> size{};
   std::int64_t cells = 0;  ///< product of the three; 0 when it is beyond 64 bits or a size is below 1
   std::int64_t active = 0;
-  std::int32_t units = 0;  ///< 1 metric, 2 field, 3 lab
+  std::int32_t units = 0;        ///< 1 metric, 2 field, 3 lab
+  std::int64_t otherActive = 0;  ///< another number of active cells that the header states; 0 for none
+  std::int32_t phases = 0;       ///< bit 1 oil, 2 water, 4 gas
 
   bool known() const { return cells > 0; }
   bool operator==(const GridCells&) const = default;
 };
-/// By the header of a restart or INIT file, as a load of it counts them: the two differ in where the
-/// simulator with code 300 has the active cells.
+/// As the header of a restart or INIT file states them, see `statedActiveCells`.
 GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init);
 
 /// Records that belong to one grid and stand one behind the other. A grid may have several groups: an INIT
@@ -125,9 +129,11 @@ bool sameGrid(std::string_view a, std::string_view b);
 /// Names, upper case, of records of a restart file that are no arrays of cells whatever their length:
 /// headers, tables of wells, groups and aquifers, and flows across the faces of cells.
 bool isRefusedArrayName(std::string_view zName);
-/// An integer or a single for each cell or active cell of its grid, and a name that is not refused, nor that
-/// of an INIT record about cells that are no neighbours: the arrays that are kept of a restart or INIT file
-/// when all are wanted.
+/// Whether the type and name of a record are those of an array of cells: integers or singles, and a name that
+/// is neither refused nor that of an INIT record about connections between cells.
+bool mayBeCellArray(ElementType type, std::string_view zName);
+/// Such an array with a value for each cell or active cell of its grid: the arrays that are kept of a restart
+/// or INIT file when all are wanted.
 bool isCellArray(const IndexEntry& entry, const GridCells& cells);
 /// The entries of a group that are cell arrays.
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);

@@ -11,6 +11,7 @@
 #include "../files/Extensions.h"
 #include "../record/FormattedCodec.h"
 #include "../record/RecordCursor.h"
+#include "ActiveCount.h"
 #include "RestartIndexHeads.h"
 #include "SectionTracker.h"
 #include "qvEclipseRSSPEC.h"
@@ -310,6 +311,7 @@ class FileAgreement {
         }
         group.cells = grid->second;
       }
+      decideActiveCounts(*step);
     }
   }
 

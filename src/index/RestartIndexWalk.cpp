@@ -8,6 +8,7 @@
 #include "../files/Extensions.h"
 #include "../files/FileChoice.h"
 #include "../record/RecordCursor.h"
+#include "ActiveCount.h"
 #include "RestartIndex.h"
 #include "RestartIndexHeads.h"
 #include "SectionTracker.h"
@@ -112,6 +113,7 @@ class Builder {
       if (!group.cells.known()) group.cells = step_.cellsOf(group.grid);
       group.entries.shrink_to_fit();
     }
+    decideActiveCounts(step_);
     records_ = step_.groups.empty() ? 0 : step_.groups.front().entries.size();
     index_.steps.push_back(std::move(step_));
   }

@@ -90,7 +90,7 @@ void qvEclipseINSPECFile::setINSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) co
 
 void qvEclipseINSPECFile::getINSPECData(bool& qOK) {
   guarded(*session_, qOK, className, "getINSPECData", [&] {
-    head = {};
+    head = {.init = true};
     passes.clear();
     cFILETYPE xFile(*session_);
     bool qSet = false;

@@ -9,7 +9,7 @@
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
-#include "HeaderWords.h"
+#include "ActiveCount.h"
 #include "IndexFileReading.h"
 
 namespace lumbarn {
@@ -72,7 +72,7 @@ void IndexFileHead::processINTEHEAD(std::vector<std::int32_t> words) {
   header.take(9, Nx);
   header.take(10, Ny);
   header.take(11, Nz);
-  header.take(12, nActive);
+  if (header.has(12)) nActive = static_cast<std::int32_t>(statedActiveCells(header, init).active);
   header.take(15, iPhases);
   header.take(65, iDay);
   header.take(66, iMonth);

@@ -44,12 +44,13 @@ class qvEclipseRSSPECSequence {
 
 /// The header words that an index file repeats from the files that it indexes.
 struct IndexFileHead {
+  bool init = false;                  ///< of an INIT file
   std::vector<std::int32_t> iHeader;  ///< INTEHEAD as it stands
   std::int32_t iProgram = 0;          ///< word 95
   std::int32_t Nx = 0;                ///< words 9, 10, 11
   std::int32_t Ny = 0;
   std::int32_t Nz = 0;
-  std::int32_t nActive = 0;  ///< word 12
+  std::int32_t nActive = 0;  ///< see `statedActiveCells`
   std::int32_t iUnits = 0;   ///< word 3
   std::int32_t iPhases = 0;  ///< word 15
   std::int32_t iDay = 0;     ///< words 65, 66, 67

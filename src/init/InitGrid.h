@@ -29,10 +29,10 @@ struct tNNC {
 /// and the global one, 3 between two local grids, 4 for all other names.
 std::int32_t whichNNCType(std::string_view zName);
 
-/// The active cells of a grid, as its pore volumes tell them.
-struct ActiveFromPoreVolume {
+/// The active cells of a grid.
+struct InitActiveCells {
   std::vector<std::int32_t> iA2N;  ///< cell numbers, from 1, nActive of them; 0 where cells are too few
-  bool agrees = false;             ///< as many cells have pore volume as the header says are active, or more
+  bool agrees = false;             ///< the files decide which cells are active, see `decideActiveCells`
 };
 
 /// One grid of an INIT file: the global one, "ROOT", or a local one.
@@ -42,8 +42,9 @@ struct GRIDINFO {
   std::int32_t Nx = 1;
   std::int32_t Ny = 1;
   std::int32_t Nz = 1;
-  std::int32_t nCells = 0;
+  std::int64_t nCells = 0;
   std::int32_t nActive = 0;
+  std::int32_t nOtherActive = 0;  ///< another number that the header states; 0 for none
   std::int32_t iProgram = 0;
   std::int32_t iDay = 1;
   std::int32_t iMonth = 1;
@@ -54,10 +55,11 @@ struct GRIDINFO {
   bool qE100 = true;
   bool qFrontSim = false;
   ModelFlags flags;
-  std::vector<KeptArray> arrays;  ///< names, units, kinds and places, in the order of the file
-  XYData sData;                   ///< nActive values of each; empty once fetched, and without LoadData
+  std::vector<RecordHeader> candidates;  ///< records that may be arrays, until all of them are known
+  std::vector<KeptArray> arrays;         ///< names, units, kinds and places, in the order of the file
+  XYData sData;                          ///< nActive values of each; empty once fetched, and without LoadData
   std::optional<RecordHeader> PORV;
-  std::optional<ActiveFromPoreVolume> active;  ///< once asked for
+  std::optional<InitActiveCells> active;  ///< once asked for
   std::array<tNNC, 3> xNNC;
   std::string zScratchFile;  ///< holds the values in place of sData
 

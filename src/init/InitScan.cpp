@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 
 #include "../arrays/ArrayUnits.h"
+#include "../index/ActiveCount.h"
+#include "../index/RestartIndex.h"
 #include "../record/ByteSource.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Dates.h"
@@ -167,11 +169,12 @@ void qvEclipseINIT::takeHeader(Scan& scan) {
     auto diagnosis = unreadable(FileName, "cell count cannot be");
     diagnosis.keyword = header.keyword;
     diagnosis.offset = header.headerAt;
-    diagnosis.expected = "a product below 2^31";
+    diagnosis.expected = "a product below 2^63";
     diagnosis.found = fmt::format("{} x {} x {}", current().Nx, current().Ny, current().Nz);
     if (AcceptDamaged) throw BadRecord(std::move(diagnosis));
     diagnosis.action = fault.what();
     session_->diagnose(std::move(diagnosis));
+    keepArrays();
     throw;
   }
 }
@@ -207,7 +210,9 @@ void qvEclipseINIT::processINTEHEAD(HeaderWords words) {
   grid.Ny = words(10);
   grid.Nz = words(11);
   grid.nCells = cellCount(grid.Nx, grid.Ny, grid.Nz);
-  grid.nActive = activeCellsOfInit(words);
+  const StatedActive stated = statedActiveCells(words, true);
+  grid.nActive = static_cast<std::int32_t>(stated.active);
+  grid.nOtherActive = static_cast<std::int32_t>(stated.other);
   grid.nPhases = words(15);
   auto& flags = grid.flags;
   bool qPhases = false;
@@ -241,7 +246,7 @@ bool qvEclipseINIT::checkINITArray(const RecordHeader& header) {
 }
 
 /// Connection arrays have a place of their own, whatever their length and the selection; all other arrays
-/// must be as long as the grid.
+/// must be as long as the grid, which is known when all of them are.
 void qvEclipseINIT::takeArray(Scan& scan) {
   constexpr std::int32_t noConnections = 4;
   const auto& header = scan.cursor.header();
@@ -255,11 +260,32 @@ void qvEclipseINIT::takeArray(Scan& scan) {
     grid.PORV = header;
     grid.active.reset();
   }
-  if (!checkINITArray(header)) return;
-  const bool longer = header.count > grid.nActive && LoadData;
-  const auto kind = !single ? ArrayKind::Integer : longer ? ArrayKind::Compressed : ArrayKind::Single;
-  grid.arrays.push_back({header.keyword, std::string(arrayUnit(header.keyword, grid.iUnits)), kind, header});
-  grid.nVectorsMax = std::max(grid.nVectorsMax, grid.nVectors());
+  if (header.count > 0) grid.candidates.push_back(header);
+}
+
+/// The arrays that are as long as their grids and selected.
+void qvEclipseINIT::keepArrays() {
+  for (iGrid = 1; iGrid <= nGrids(); ++iGrid) {
+    auto& grid = current();
+    ArrayLengths lengths;
+    for (const RecordHeader& header : grid.candidates) {
+      if (mayBeCellArray(header.type, header.keyword)) lengths.add(header.count);
+    }
+    const GridCells cells{.cells = grid.nCells, .active = grid.nActive, .otherActive = grid.nOtherActive};
+    grid.nActive = static_cast<std::int32_t>(lengths.decideActive(cells));
+    for (RecordHeader& header : grid.candidates) {
+      if (!checkINITArray(header)) continue;
+      const bool longer = header.count > grid.nActive && LoadData;
+      const auto kind = header.type == ElementType::Integer ? ArrayKind::Integer
+                        : longer                            ? ArrayKind::Compressed
+                                                            : ArrayKind::Single;
+      const auto unit = arrayUnit(header.keyword, grid.iUnits);
+      grid.arrays.push_back({header.keyword, std::string(unit), kind, std::move(header)});
+    }
+    grid.candidates.clear();
+    grid.nVectorsMax = std::max(grid.nVectorsMax, grid.nVectors());
+  }
+  iGrid = 1;
 }
 
 void qvEclipseINIT::SetDates() {
@@ -302,6 +328,7 @@ void qvEclipseINIT::getEclipseINITArrays(bool& qOK) {
     if (!cursor) return false;
     Scan scan{*cursor};
     if (!walk(scan)) return false;
+    keepArrays();
     SetDates();
     setTableProperties();
     bool qTables = false;
@@ -329,6 +356,7 @@ void qvEclipseINIT::GetInitVectorList(std::int32_t& nVectors, std::vector<std::s
     if (!cursor) return false;
     Scan scan{*cursor, true};
     if (!probe.walk(scan)) return false;
+    probe.keepArrays();
     nVectors = probe.grid(1).nVectors();
     zVectors.clear();
     if (qList) {

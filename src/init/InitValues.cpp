@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <limits>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "../arrays/ActiveCells.h"
+#include "../files/Families.h"
 #include "../record/Quarnet.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
@@ -17,6 +20,8 @@ namespace lumbarn {
 namespace {
 
 constexpr const char* className = "qvEclipseINIT";
+
+std::size_t size(std::int32_t count) { return static_cast<std::size_t>(std::max(count, 0)); }
 
 /// Elements that are decoded at once when they do not go to their place as they are.
 constexpr std::size_t atOnce = std::size_t{1} << 14;
@@ -90,41 +95,77 @@ void qvEclipseINIT::tellUnnumbered(const GRIDINFO& grid) const {
   session_->diagnose(std::move(diagnosis));
 }
 
-/// The table of active cells from PORV, the cursor being anywhere; with a column, its values too, as they are
+/// The table of active cells, the cursor being anywhere; with a column, the values of PORV too, as they are
 /// at hand.
 void qvEclipseINIT::CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn) {
-  const auto nActive = static_cast<std::size_t>(std::max(grid.nActive, 0));
-  ActiveFromPoreVolume active;
-  active.iA2N.reserve(std::min(nActive, static_cast<std::size_t>(grid.PORV->count)));
-  std::size_t count = 0;
+  if (grid.nCells > std::numeric_limits<std::int32_t>::max()) {
+    session_->diagnose({.message = Message::ActiveCellsBeyondNumbers,
+                        .path = FileName,
+                        .keyword = "PORV",
+                        .offset = grid.PORV->headerAt,
+                        .found = fmt::format("{} cells", grid.nCells),
+                        .action = "cells are not numbered"});
+    grid.active.emplace();
+    return;
+  }
+  ActivityEvidence evidence{.cells = grid.nCells, .active = grid.nActive};
+  auto& porous = evidence.porous.emplace();
+  porous.reserve(std::min(size(grid.nActive), static_cast<std::size_t>(grid.PORV->count)));
   cursor.setCurrent(*grid.PORV);
   inParts(cursor, [&](std::size_t first, std::span<const float> part) {
     for (std::size_t i = 0; i < part.size(); ++i) {
       if (!(part[i] > 0)) continue;
-      if (count < nActive) active.iA2N.push_back(static_cast<std::int32_t>(first + i + 1));
-      if (count < porvColumn.size()) porvColumn[count] = part[i];
-      ++count;
+      if (porous.size() < porvColumn.size()) porvColumn[porous.size()] = part[i];
+      porous.push_back(static_cast<std::int32_t>(first + i + 1));
     }
   });
-  active.agrees = count >= nActive;
-  if (count != nActive) {
-    Diagnosis diagnosis;
-    diagnosis.path = FileName;
-    diagnosis.keyword = "PORV";
-    diagnosis.offset = grid.PORV->headerAt;
-    diagnosis.problem = fmt::format("pore volumes disagree with the active cells of grid {}", grid.GridName);
-    diagnosis.expected = fmt::format("{} cells with pore volume", nActive);
-    diagnosis.found = fmt::format("{}", count);
-    diagnosis.action = active.agrees ? "took the first ones as active" : "cells are not numbered by them";
-    diagnosis.certainty = Certainty::Guess;
-    session_->diagnose(std::move(diagnosis));
-    if (!active.agrees) active.iA2N.resize(std::min(nActive, static_cast<std::size_t>(grid.PORV->count)));
+  if (std::cmp_equal(porous.size(), grid.nActive)) {  // as usual, and without a copy
+    grid.active = InitActiveCells{std::move(porous), true};
+    return;
   }
-  grid.active = std::move(active);
+  auto decided = decideWithGridFile(evidence, grid);
+  const bool certain = decided && decided->certainty == Certainty::Certain;
+  if (!certain) {
+    session_->diagnose(
+        {.message = Message::ActiveCellsGuessed,
+         .path = FileName,
+         .problem = fmt::format("pore volumes disagree with the active cells of grid {}", grid.GridName),
+         .keyword = "PORV",
+         .offset = grid.PORV->headerAt,
+         .expected = fmt::format("{} cells with pore volume", grid.nActive),
+         .found = fmt::format("{}", porous.size()),
+         .action = decided ? "took the first ones as active" : "cells are not numbered by them",
+         .certainty = Certainty::Guess});
+  }
+  grid.active.emplace();
+  grid.active->agrees = decided.has_value();
+  grid.active->iA2N = decided ? decided->cells.iA2N() : std::move(porous);
+  grid.active->iA2N.resize(std::min(size(grid.nActive), static_cast<std::size_t>(grid.PORV->count)));
+  if (certain && !porvColumn.empty()) {
+    cursor.setCurrent(*grid.PORV);
+    readCompressed(cursor, grid.active->iA2N, porvColumn);
+  }
+}
+
+/// The grid file beside the INIT file is read only when pore volumes do not decide.
+std::optional<DecidedCells> qvEclipseINIT::decideWithGridFile(ActivityEvidence& evidence,
+                                                              const GRIDINFO& grid) const {
+  std::string why;
+  const auto runs = findRuns(FileName, why);
+  const RunMember* egrid = runs.empty() ? nullptr : runs.front().find(FileKind::EGrid);
+  if (egrid) {
+    try {
+      collectEGrid(*session_, egrid->path, grid.GridName, evidence);
+    } catch (BadRecord& damage) {
+      damage.diagnosis().action = "looked no further in it for active cells";
+      session_->diagnose(std::move(damage.diagnosis()));
+    }
+  }
+  return decideActiveCells(evidence);
 }
 
 /// Null when the file does not tell which cells are active.
-const ActiveFromPoreVolume* qvEclipseINIT::activeOf(RecordCursor& cursor, GRIDINFO& grid) {
+const InitActiveCells* qvEclipseINIT::activeOf(RecordCursor& cursor, GRIDINFO& grid) {
   if (!grid.active) {
     if (!grid.PORV || grid.PORV->count != grid.nCells) return nullptr;
     CreateINIT_A2N(cursor, grid);

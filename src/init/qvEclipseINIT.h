@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../arrays/ActiveCells.h"
 #include "../arrays/ArraySelection.h"
 #include "../arrays/ColumnTable.h"
 #include "../index/HeaderWords.h"
@@ -110,7 +111,7 @@ class qvEclipseINIT : public FormFlags {
   void GetArrayMin(std::vector<float>& sMin, bool& qOK);
   void GetArrayMax(std::vector<float>& sMax, bool& qOK);
   /// Cell numbers, from 1, of the active cells, as the pore volumes tell: nActive of them. Where fewer cells
-  /// have a pore volume the last numbers are 0; see `ActiveFromPoreVolume`. qOK False without pore volumes.
+  /// have a pore volume the last numbers are 0; see `InitActiveCells`. qOK False without pore volumes.
   void GetINITA2N(std::vector<std::int32_t>& iA2N, bool& qOK) { GetA2N(iA2N, qOK, iGrid); }
   void GetA2N(std::vector<std::int32_t>& iA2N, bool& qOK, std::int32_t iGridNumber);
   void getINITDataFromScratchFile(XYData& xyData, bool& qOK);
@@ -150,6 +151,7 @@ class qvEclipseINIT : public FormFlags {
   void takeText(Scan& scan);
   void takeLogical(Scan& scan);
   void takeArray(Scan& scan);
+  void keepArrays();
   bool checkINITArray(const RecordHeader& header);
   void processINTEHEAD(HeaderWords words);
   void AddLGRGrid(std::string_view zName);
@@ -163,7 +165,8 @@ class qvEclipseINIT : public FormFlags {
   bool readColumns(RecordCursor& cursor, GRIDINFO& grid);
   bool readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptArray& array, std::span<float> column);
   void CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn = {});
-  const ActiveFromPoreVolume* activeOf(RecordCursor& cursor, GRIDINFO& grid);
+  std::optional<DecidedCells> decideWithGridFile(ActivityEvidence& evidence, const GRIDINFO& grid) const;
+  const InitActiveCells* activeOf(RecordCursor& cursor, GRIDINFO& grid);
   void tellUnnumbered(const GRIDINFO& grid) const;
   void tellDropped(const KeptArray& array, const GRIDINFO& grid, std::string why) const;
   void ranges(std::vector<float>& values, bool wantMin, bool& qOK);

@@ -27,7 +27,7 @@ struct RESTARTGRID {
   std::int32_t Nx = 0;
   std::int32_t Ny = 0;
   std::int32_t Nz = 0;
-  std::int32_t nCells = 0;
+  std::int64_t nCells = 0;
   std::int32_t nActive = 0;
   std::int32_t iPhases = 0;   ///< bit 1 oil, 2 water, 4 gas
   std::int32_t iProgram = 0;  ///< simulator code; 0 when the header does not tell

@@ -5,6 +5,8 @@
 #include <fmt/format.h>
 
 #include "../arrays/ArrayUnits.h"
+#include "../index/ActiveCount.h"
+#include "../index/RestartIndex.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
@@ -56,6 +58,7 @@ struct qvEclipseSEQUENCE::Walk {
   bool firstTime = true;
   bool stop = false;
   std::int32_t lastLocalGrid = 0;
+  std::int32_t lengthsOf = 0;  ///< the grid whose active cells were decided by the lengths of its arrays
 };
 
 void qvEclipseSEQUENCE::getEclipseSEQUENCE(RecordCursor& cFile, bool& qOK) {
@@ -176,7 +179,7 @@ void qvEclipseSEQUENCE::takeInteger(RecordCursor& cFile, Walk& walk) {
     if (!walk.keep && (Unified || ReadOnlyHeader)) return;
     processICON(cFile.integers(), qKept);
   } else if (walk.keep && name != "IGRP") {
-    takeArray(cFile);
+    takeArray(cFile, walk);
   }
   if (!qKept) reportDropped(cFile);
 }
@@ -190,7 +193,7 @@ void qvEclipseSEQUENCE::takeSingle(RecordCursor& cFile, Walk& walk) {
   } else if (name == "SWEL") {
     if (qMarkers) processSWEL(cFile.singles(), qKept);
   } else {
-    takeArray(cFile);
+    takeArray(cFile, walk);
   }
   if (!qKept) reportDropped(cFile);
 }
@@ -236,7 +239,7 @@ void qvEclipseSEQUENCE::takeHeader(RecordCursor& cFile, Walk& walk) {
   try {
     processINTEHEAD(HeaderWords(iHeader));
   } catch (const Fault& fault) {
-    session_->diagnose(recordDiagnosis(cFile, Message::CellCount, "a product below 2^31",
+    session_->diagnose(recordDiagnosis(cFile, Message::CellCount, "a product below 2^63",
                                        fmt::format("{} x {} x {}", grid().Nx, grid().Ny, grid().Nz),
                                        fault.what()));
     throw;
@@ -250,7 +253,11 @@ void qvEclipseSEQUENCE::takeHeader(RecordCursor& cFile, Walk& walk) {
   if (!walk.keep || !walk.firstTime) return;
   walk.firstTime = false;
   bool qUsual = false;
-  const auto nVectors = static_cast<std::int32_t>(listArrays(cFile, qUsual).size());
+  const auto candidates = lookAhead(cFile, qUsual);
+  decideActive(candidates);
+  walk.lengthsOf = iGrid;
+  const auto isKept = [&](const RecordHeader& header) { return checkIfRESTARTArray(header); };
+  const auto nVectors = static_cast<std::int32_t>(std::ranges::count_if(candidates, isKept));
   if (nVectors > 0) nVectorEstimate = nVectors;
 }
 
@@ -258,8 +265,20 @@ void qvEclipseSEQUENCE::stopBehindHeaders(Walk& walk) {
   if (ReadOnlyHeader && !Unified && walk.seenHeader && walk.seenTime) walk.stop = qHeadersOnly = true;
 }
 
-void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile) {
+void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile, Walk& walk) {
   const RecordHeader& header = cFile.header();
+  const RESTARTGRID& to = grid();
+  const bool mayBeLength = hasData(header) && header.count != to.nActive && header.count < to.nCells;
+  if (mayBeLength && walk.lengthsOf != iGrid && to.arrays.nVectors() == 0 &&
+      mayBeCellArray(header.type, header.keyword)) {
+    walk.lengthsOf = iGrid;
+    bool qUsual = false;
+    const RecordHeader here = header;
+    auto candidates = lookAhead(cFile, qUsual);
+    candidates.push_back(here);
+    decideActive(candidates);
+    cFile.setCurrent(here);
+  }
   if (!checkIfRESTARTArray(header)) return;
   // An array whose length is not that of the first is left out without a word, as hosts know it.
   grid().arrays.add(cFile, arrayUnit(header.keyword, grid().iUnits), {LoadData, nVectorEstimate}, *session_);
@@ -272,30 +291,44 @@ void qvEclipseSEQUENCE::reportDropped(const RecordCursor& cFile) {
       fmt::format("{} words", cFile.header().count), "skipped the record"));
 }
 
-/// The arrays of the global grid that will be kept, by a look ahead at the headers of the step.
-std::vector<std::string> qvEclipseSEQUENCE::listArrays(RecordCursor& cFile, bool& qUsual) const {
+/// Headers of records behind the current one that may be arrays of its grid.
+std::vector<RecordHeader> qvEclipseSEQUENCE::lookAhead(RecordCursor& cFile, bool& qUsual) const {
+  constexpr std::string_view nextSection[] = {"", "SEQNUM", "LGR", "ENDLGR", "LGRSGONE"};
   const auto start = cFile.mark();
-  std::vector<std::string> names;
+  std::vector<RecordHeader> candidates;
   qUsual = true;
   try {
     while (qUsual && cFile.next()) {
       const RecordHeader& header = cFile.header();
-      if (header.keyword.empty() || header.keyword == "SEQNUM" || header.keyword == "LGR") break;
+      if (std::ranges::find(nextSection, header.keyword) != std::end(nextSection)) break;
       qUsual = isUsual(header);
-      if (checkIfRESTARTArray(header)) names.push_back(header.keyword);
+      if (hasData(header) && mayBeCellArray(header.type, header.keyword)) candidates.push_back(header);
     }
   } catch (const BadRecord&) {
     qUsual = false;  // the walk itself will meet it, and tell, if it lies in this step
   }
   cFile.goBack(start);
-  return names;
+  return candidates;
+}
+
+/// Once for each grid, before its first array is kept: all arrays of a grid have the same length.
+void qvEclipseSEQUENCE::decideActive(std::span<const RecordHeader> candidates) {
+  ArrayLengths lengths;
+  for (const RecordHeader& header : candidates) lengths.add(header.count);
+  GridCells cells = gridCells(iHeader, false);
+  cells.cells = grid().nCells;
+  cells.active = grid().nActive;
+  grid().nActive = static_cast<std::int32_t>(lengths.decideActive(cells));
 }
 
 void qvEclipseSEQUENCE::GetINITVectorList(RecordCursor& cFile, std::int32_t& nVectors,
                                           std::vector<std::string>& zVectors, bool& qOK, bool qList) {
   guarded(*session_, qOK, className, "GetINITVectorList", [&] {
     bool qUsual = false;
-    auto names = listArrays(cFile, qUsual);
+    std::vector<std::string> names;
+    for (const RecordHeader& header : lookAhead(cFile, qUsual)) {
+      if (checkIfRESTARTArray(header)) names.push_back(header.keyword);
+    }
     nVectors = static_cast<std::int32_t>(names.size());
     if (qList) zVectors = std::move(names);
     return qUsual;

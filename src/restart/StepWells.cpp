@@ -245,8 +245,7 @@ void qvEclipseSEQUENCE::processZGRP(std::span<const std::string> words, bool& qO
 void qvEclipseSEQUENCE::processICON(std::span<const std::int32_t> words, bool& qOK) {
   guarded(*session_, qOK, className, "processICON", [&] {
     RESTARTGRID& to = grid();
-    // Deliberate, as hosts know it: a slot of one word is no data here, while in SCON a single slot for each
-    // well is none.
+    // Deliberate, as existing hosts expect: a slot of one word is no data.
     if (to.nWells < 1 || to.nICONZ <= 1 || to.nCWMAX < 1) return true;
     const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
     if (const auto outcome = outcomeWithoutTable(words.size(), to.nICONZ, slots)) return *outcome;
@@ -268,7 +267,7 @@ void qvEclipseSEQUENCE::processICON(std::span<const std::int32_t> words, bool& q
 void qvEclipseSEQUENCE::processSCON(std::span<const float> words, bool& qOK) {
   guarded(*session_, qOK, className, "processSCON", [&] {
     RESTARTGRID& to = grid();
-    if (to.nWells < 1 || to.nSCONZ < 1 || to.nCWMAX <= 1) return true;  // deliberate, see processICON
+    if (to.nWells < 1 || to.nSCONZ < 1 || to.nCWMAX < 1) return true;
     const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
     if (const auto outcome = outcomeWithoutTable(words.size(), to.nSCONZ, slots)) return *outcome;
     if (!connectionsFit(to)) {

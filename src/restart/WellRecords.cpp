@@ -125,8 +125,9 @@ std::string phaseText(std::int32_t iPhase) {
 }
 
 std::string controlText(std::int32_t iControl) {
-  constexpr NumberName names[] = {
-      {1, "oil rate"}, {2, "water rate"}, {3, "gas rate"}, {4, "liquid rate"}, {-1000, "shut"}};
+  constexpr NumberName names[] = {{1, "oil rate"},    {2, "water rate"},     {3, "gas rate"},
+                                  {4, "liquid rate"}, {5, "reservoir rate"}, {6, "THP"},
+                                  {7, "BHP"},         {-1, "group"},         {-1000, "shut"}};
   return textOf(iControl, names);
 }
 

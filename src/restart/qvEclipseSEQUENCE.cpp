@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 
 #include "../arrays/ArrayUnits.h"
+#include "../arrays/DerivedSaturation.h"
+#include "../index/ActiveCount.h"
 #include "../index/RestartIndex.h"
 #include "../shapes/HeaderLayout.h"
 #include "../shapes/OnlyList.h"
@@ -74,13 +76,14 @@ void qvEclipseSEQUENCE::processINTEHEAD(const HeaderWords& words) {
   RESTARTGRID& to = grid();
   const std::pair wells(to.nWells, to.nCWMAX);
   for (const auto& [word, field] : std::initializer_list<std::pair<std::size_t, std::int32_t*>>{
-           {3, &to.iUnits},   {9, &to.Nx},      {10, &to.Ny},     {11, &to.Nz},      {12, &to.nActive},
-           {15, &to.iPhases}, {17, &to.nWells}, {18, &to.nCWMAX}, {19, &to.nGroups}, {21, &to.iWord21},
-           {25, &to.nIWELZ},  {26, &to.nSWELZ}, {27, &to.nXWELZ}, {28, &to.nZWELZ},  {33, &to.nICONZ},
-           {34, &to.nSCONZ},  {35, &to.nXCONZ}, {37, &to.nIGRPZ}, {38, &to.nSGRPZ},  {39, &to.nXGRPZ},
-           {40, &to.nZGRPZ},  {65, &to.iDay},   {66, &to.iMonth}, {67, &to.iYear},   {95, &to.iProgram}}) {
+           {3, &to.iUnits},  {9, &to.Nx},      {10, &to.Ny},      {11, &to.Nz},      {15, &to.iPhases},
+           {17, &to.nWells}, {18, &to.nCWMAX}, {19, &to.nGroups}, {21, &to.iWord21}, {25, &to.nIWELZ},
+           {26, &to.nSWELZ}, {27, &to.nXWELZ}, {28, &to.nZWELZ},  {33, &to.nICONZ},  {34, &to.nSCONZ},
+           {35, &to.nXCONZ}, {37, &to.nIGRPZ}, {38, &to.nSGRPZ},  {39, &to.nXGRPZ},  {40, &to.nZGRPZ},
+           {65, &to.iDay},   {66, &to.iMonth}, {67, &to.iYear},   {95, &to.iProgram}}) {
     words.take(word, *field);
   }
+  if (words.has(12)) to.nActive = static_cast<std::int32_t>(statedActiveCells(words, false).active);
   for (std::size_t i = 0; i < std::size(to.iAquiferSizes); ++i) words.take(41 + i, to.iAquiferSizes[i]);
   if (wells != std::pair(to.nWells, to.nCWMAX)) to.dropWells();  // a second header of the grid
   to.nWellsHeader = to.nWells;
@@ -275,38 +278,16 @@ void qvEclipseSEQUENCE::deriveSaturation() {
   ArrayTable& arrays = grid().arrays;
   const std::int32_t water = arrays.find("SWAT");
   const std::int32_t gas = arrays.find("SGAS");
-  std::string_view name = "SOIL";
-  bool possible = false;
-  switch (grid().iPhases) {
-    case 3:
-      possible = water > 0;
-      break;
-    case 5:
-      possible = gas > 0;
-      break;
-    case 7:
-      possible = water > 0 && gas > 0;
-      break;
-    case 6:
-      possible = (water > 0) != (gas > 0);
-      name = water > 0 ? "SGAS" : "SWAT";
-      break;
-    default:
-      break;
-  }
-  if (!possible || arrays.find(name) > 0 || (selection && !selection->choosesDerived(name))) return;
-  const std::int32_t first = grid().iPhases == 5 || (grid().iPhases == 6 && gas > 0) ? gas : water;
-  const std::int32_t second = grid().iPhases == 7 ? gas : 0;
-  if (!arrays.addDerived(name, "", grid().nActive, {LoadData, nVectorEstimate}, *session_)) return;
+  const auto derived = derivedSaturation(grid().iPhases, arrays.find("SOIL") > 0, water > 0, gas > 0);
+  if (!derived || (selection && !selection->choosesDerived(derived->name))) return;
+  if (!arrays.addDerived(derived->name, "", grid().nActive, {LoadData, nVectorEstimate}, *session_)) return;
   if (!arrays.hasValues()) return;
   const auto out = arrays.column(arrays.nVectors());
-  const auto one = std::as_const(arrays).column(first);
-  const auto other = second > 0 ? std::as_const(arrays).column(second) : std::span<const float>();
-  for (std::size_t i = 0; i < out.size(); ++i) {
-    float left = 1.0F - one[i];
-    if (!other.empty()) left -= other[i];
-    out[i] = std::clamp(left, 0.0F, 1.0F);
-  }
+  const auto one = std::as_const(arrays).column(derived->water ? water : gas);
+  const bool both = derived->water && derived->gas;
+  const auto other = both ? std::as_const(arrays).column(gas) : std::span<const float>();
+  for (std::size_t i = 0; i < out.size(); ++i)
+    out[i] = DerivedSaturation::remaining(one[i], both ? other[i] : 0);
 }
 
 }  // namespace lumbarn

@@ -169,7 +169,8 @@ class qvEclipseSEQUENCE {
  private:
   struct Walk;
 
-  std::vector<std::string> listArrays(RecordCursor& cFile, bool& qUsual) const;
+  std::vector<RecordHeader> lookAhead(RecordCursor& cFile, bool& qUsual) const;
+  void decideActive(std::span<const RecordHeader> candidates);
   void takeRecord(RecordCursor& cFile, Walk& walk);
   void takeInteger(RecordCursor& cFile, Walk& walk);
   void takeSingle(RecordCursor& cFile, Walk& walk);
@@ -178,7 +179,7 @@ class qvEclipseSEQUENCE {
   void takeLogicals(RecordCursor& cFile);
   void takeMark(SectionMark mark, Walk& walk);
   void takeHeader(RecordCursor& cFile, Walk& walk);
-  void takeArray(RecordCursor& cFile);
+  void takeArray(RecordCursor& cFile, Walk& walk);
   void stopBehindHeaders(Walk& walk);
   bool takeNext(RecordCursor& cFile, Walk& walk);
   void dropLastGrid();

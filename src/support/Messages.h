@@ -48,6 +48,15 @@ struct MessageRow {
   ROW(IndexDisagrees, "index.disagrees", Remark, "index does not agree with the files that it indexes")      \
   ROW(IndexNotWritten, "index.not-written", Incomplete, "no index can be written")                           \
   /* arrays */                                                                                               \
+  ROW(ArrayStepMissing, "arrays.step.missing", Incomplete, "report step not found")                          \
+  ROW(ArrayMissing, "arrays.array.missing", Incomplete, "array not found")                                   \
+  ROW(ArrayTwice, "arrays.array.twice", Remark, "two arrays have the same name")                             \
+  ROW(ArrayMoved, "arrays.array.moved", Damage, "record is not where its index says")                        \
+  ROW(ArrayBehindEnd, "arrays.array.end", Damage, "array is behind the end of the file")                     \
+  ROW(ArrayNotOfCells, "arrays.array.cells", Incomplete, "array has no values for cells")                    \
+  ROW(ActiveCellsGuessed, "arrays.active.guess", Incomplete, "pore volumes disagree with the active cells")  \
+  ROW(ActiveCellsUnknown, "arrays.active.unknown", Incomplete, "it is not known which cells are active")     \
+  ROW(ActiveCellsBeyondNumbers, "arrays.active.number", Incomplete, "grid has too many cells to number")     \
   /* summary */                                                                                              \
   ROW(SpecRecordTwice, "summary.spec.twice", Remark, "record occurs more than once")                         \
   ROW(SpecRecordLength, "summary.spec.length", Incomplete,                                                   \

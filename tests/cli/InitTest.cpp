@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -60,8 +61,10 @@ TEST_F(InitCommand, NumbersCellsByTheGridFileWherePoreVolumesDoNot) {
     file.integers("CELL", {16777217, 3, 4, 6}).singles("DEPTH", {1, 2, 3, 4, 5, 6});
     test::writeFile(folder.file("CASE.INIT"), file.bytes());
     const auto unknown = run({"init", "--array", "CELL", "--ijk"});
-    EXPECT_EQ(unknown.status, 1);
-    EXPECT_THAT(unknown.err, HasSubstr("which 4 of the 6 cells are active is not known"));
+    const bool tooMany = std::ranges::count(porv, 1.0F) > 4;
+    EXPECT_EQ(unknown.status, tooMany ? 3 : 1);
+    EXPECT_THAT(unknown.err, HasSubstr(tooMany ? "found 5); took the first ones as active"
+                                               : "which 4 of the 6 cells are active is not known"));
 
     test::InitBuilder grid(test::bigEndian);
     grid.integers("ACTNUM", {1, 0, 1, 1, 0, 1}).integers("ENDGRID", {});

@@ -8,7 +8,6 @@
 namespace lumbarn::cli::testing {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 /// Steps 1, 2 and 4, of which the last has a local grid with a well; SWAT only makes them long.
@@ -71,12 +70,24 @@ TEST(Wells, OfAFileThatIsCutOff) {
     const Outcome run = command({"wells", "--format", "json", path});
     ASSERT_EQ(run.status, 3) << size << run.err;
     EXPECT_EQ(nlohmann::json::parse(run.out)["step"], 2) << size;
-    EXPECT_THAT(run.err, AllOf(HasSubstr("RUN.UNRST: "), HasSubstr("took the step before it")));
+    EXPECT_THAT(run.err, HasSubstr("RUN.UNRST: "));
   }
   store(path, whole.substr(0, last + 40));
   const Outcome behind = command({"wells", "--step", "7", path});
   EXPECT_EQ(behind.status, 1);
-  EXPECT_THAT(behind.err, HasSubstr("looked for no step behind it"));
+  EXPECT_THAT(behind.err, HasSubstr("has no report step 7; it has 1, 2"));
+}
+
+/// As writers leave it that write a unified file for a single step.
+TEST(Wells, OfAFileOfOneStepWithoutItsNumber) {
+  const test::TemporaryFolder folder;
+  auto steps = threeSteps();
+  test::writeFile(folder.file("RUN.UNRST"), steps.bytes(test::bigEndian, steps.steps[1]));
+  const Outcome run = command({"wells", "--format", "json", folder.file("RUN.UNRST")});
+  ASSERT_EQ(run.status, 0) << run.err;
+  const auto wells = nlohmann::json::parse(run.out);
+  EXPECT_EQ(wells["step"], 2);
+  EXPECT_EQ(wells["wells"][0]["reservoir_rate"], 1005);
 }
 
 }  // namespace

@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <fstream>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -22,7 +25,7 @@ using ::testing::IsEmpty;
 struct HeaderCase {
   std::size_t words;
   std::int32_t word4, word12, program, word96;
-  std::int32_t nActive, ofInit;
+  std::int64_t nActive, ofInit;
 };
 
 TEST(HeaderWordsTest, ActiveCellsDependOnTheSimulator) {
@@ -35,16 +38,15 @@ TEST(HeaderWordsTest, ActiveCellsDependOnTheSimulator) {
     header[94] = program, header[95] = word96;
     header.resize(words);
     std::int32_t active = 0;
-    std::int32_t cells = 0;
+    std::int64_t cells = 0;
     PreprocessINTEHEAD(HeaderWords(header), active, cells);
     EXPECT_EQ(active, nActive) << words << " words, simulator " << program;
     EXPECT_EQ(cells, 24);
-    EXPECT_EQ(gridCells(header, true).active, ofInit) << "as a load of an INIT file counts them";
-    EXPECT_EQ(gridCells(header, false).active, 5) << "as a load of a restart file does";
+    EXPECT_EQ(gridCells(header, true).active, ofInit);
+    EXPECT_EQ(gridCells(header, false).active, nActive);
   }
-  EXPECT_EQ(cellCount(46340, 46340, 1), 2147395600);
-  EXPECT_THROW(cellCount(46341, 46341, 1), Fault);
-  EXPECT_THROW(cellCount(65536, 65536, 0), Fault);
+  EXPECT_EQ(cellCount(46341, 46341, 2), 4294976562);
+  EXPECT_THROW(cellCount(2147483647, 2147483647, 3), Fault);
 }
 
 TEST(ArrayUnitsTest, FollowTheUnitSystem) {
@@ -285,9 +287,75 @@ TEST_P(RestartForms, AShortHeaderTakesTheStepFromElsewhere) {
   }
 }
 
+/// The header counts cells without pore volume as active, in both grids; arrays have values for the others.
+TEST_P(RestartForms, TheLengthOfTheArraysDecidesTheActiveCells) {
+  RestartBuilder run;
+  const std::vector<RestartBuilder::Array> arrays{{"PRESSURE", {1, 2, 3}}, {"RS", {4, 5, 6}}};
+  run.steps = {{.number = 1, .grids = {{.arrays = arrays}, {.name = "FINE", .arrays = arrays}}}};
+  auto loaded = load(run);
+  ASSERT_TRUE(loaded.run());
+  for (const std::int32_t grid : {1, 2}) {
+    EXPECT_EQ(loaded.reader.RestartGrid(1, grid)->nActive, 3);
+    EXPECT_THAT(loaded.values("rs", 1, grid), ElementsAre(4, 5, 6));
+  }
+}
+
+/// Wells and arrays of active cells do not depend on the number of all cells.
+TEST_P(RestartForms, GridsBeyond2To31Cells) {
+  auto run = threePhases();
+  run.head = {{9, 65536}, {10, 65536}};
+  run.steps[0].grids[0].wells = {{"A", {{1, 2, 1}}, {}}};
+  run.dualPorosity = true;
+  auto loaded = load(run);
+  ASSERT_TRUE(loaded.run());
+  const auto& grid = *loaded.reader.RestartGrid(1, 1);
+  EXPECT_TRUE(grid.qIWEL && grid.qLogi15);
+  EXPECT_EQ(grid.nCells, std::int64_t{65536} * 65536);
+  EXPECT_EQ(loaded.values("PRESSURE").size(), 4U);
+}
+
+/// One value for each of 65536 x 32769 cells; the values are a hole in the file.
+TEST(RestartArrays, ArraysBeyond2To31ElementsAreArraysOfCells) {
+  const TemporaryFolder folder;
+  RestartBuilder run;
+  run.head = {{9, 65536}, {10, 32769}};
+  run.steps = {{.number = 1}};
+  const auto path = run.write(folder, "RUN", test::bigEndian);
+  const std::uint64_t count = std::uint64_t{65536} * 32769;
+  const auto marks = [](std::uint32_t bytes) {
+    return std::vector{std::byte{0}, std::byte{0}, static_cast<std::byte>(bytes >> 8),
+                       static_cast<std::byte>(bytes & 255)};
+  };
+  std::vector<std::byte> head;
+  RecordWriter out(memorySink(head), test::bigEndian);
+  out.header("PORO", -1, "X231");
+  out.header("PORO", 65536, "REAL");
+  const auto first = marks(4000);
+  head.insert(head.end(), first.begin(), first.end());
+  auto tail = marks(4 * (count % 1000));
+  RecordWriter(memorySink(tail), test::bigEndian).message("ENDSOL");
+
+  auto bytes = run.bytes(test::bigEndian);
+  constexpr std::size_t endsol = 24;
+  bytes.resize(bytes.size() - endsol);
+  const std::uint64_t dataAt = bytes.size() + 2 * endsol;
+  bytes.insert(bytes.end(), head.begin(), head.end());
+  test::writeFile(path, bytes);
+  const std::uint64_t end = dataAt + 4 * count + 8 * ((count + 999) / 1000);
+  std::filesystem::resize_file(path, end - 4);
+  std::ofstream file(path, std::ios::binary | std::ios::app);
+  file.write(reinterpret_cast<const char*>(tail.data()), static_cast<std::streamsize>(tail.size()));
+  file.close();
+
+  RestartLoad loaded(path);
+  loaded.reader.LoadData = false;
+  ASSERT_TRUE(loaded.run()) << loaded.lastDiagnosis().text();
+  EXPECT_THAT(loaded.names(), ElementsAre("PORO"));
+}
+
 TEST_P(RestartForms, WhatCannotBeReadSaysWhere) {
   auto overflow = threePhases();
-  overflow.head = {{9, 65536}, {10, 65536}};
+  overflow.head = {{9, 2147483647}, {10, 2147483647}, {11, 3}};
   auto loaded = load(overflow);
   EXPECT_FALSE(loaded.run());
   EXPECT_THAT(loaded.faults, ElementsAre(HasSubstr("(No.6)")));

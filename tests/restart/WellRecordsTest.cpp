@@ -150,5 +150,11 @@ TEST_P(WellsOfAFile, MarkersOfAStepByTheMethodOfTheReader) {
   }
 }
 
+TEST(WellRecords, ControlsHaveNames) {
+  for (const auto& [control, name] :
+       {std::pair(5, "reservoir rate"), {6, "THP"}, {7, "BHP"}, {-1, "group"}, {8, "8"}})
+    EXPECT_EQ(controlText(control), name);
+}
+
 }  // namespace
 }  // namespace lumbarn
