@@ -18,12 +18,6 @@ using namespace std::chrono;
 
 constexpr double testDays = 10.25;
 
-std::array<std::int32_t, 3> dayMonthYear(sys_seconds moment) {
-  const year_month_day date{floor<days>(moment)};
-  return {static_cast<std::int32_t>(static_cast<unsigned>(date.day())),
-          static_cast<std::int32_t>(static_cast<unsigned>(date.month())), static_cast<int>(date.year())};
-}
-
 /// Adds the words of one table to TAB, a column after the other.
 void append(std::vector<double>& tab, const ModelTable& table) {
   for (std::size_t column = 0; column < table.rows[0].size(); ++column) {
@@ -82,6 +76,12 @@ std::vector<std::int32_t> Model::restartSteps() const {
 double Model::daysAt(std::int32_t step) const { return writer_->firstDay + 10.0 * step; }
 sys_seconds Model::dateAt(double days) const {
   return start() + seconds{static_cast<std::int64_t>(days * 86400)};
+}
+
+std::array<std::int32_t, 3> Model::dayMonthYear(sys_seconds moment) {
+  const year_month_day date{floor<days>(moment)};
+  return {static_cast<std::int32_t>(static_cast<unsigned>(date.day())),
+          static_cast<std::int32_t>(static_cast<unsigned>(date.month())), static_cast<int>(date.year())};
 }
 
 std::vector<std::int32_t> Model::activeCells() const {

@@ -51,6 +51,7 @@ class Model {
   std::vector<std::int32_t> restartSteps() const;  ///< numbers of the report steps in the restart
   double daysAt(std::int32_t step) const;
   std::chrono::sys_seconds dateAt(double days) const;
+  static std::array<std::int32_t, 3> dayMonthYear(std::chrono::sys_seconds moment);
 
   // Cells: numbers from 0 in natural order.
   std::vector<std::int32_t> activeCells() const;  ///< that arrays of INIT and restart have values for
