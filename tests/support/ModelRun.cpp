@@ -195,9 +195,9 @@ SummaryBuilder Model::summary() const {
   if (writer_->earlier == Writer::Earlier::MovedPath)
     run.restart = "/no/such/folder/of/a/project/that/moved/to/another/machine/EARLIER";
   run.firstStep = firstStep();
-  run.intehead = writer_->specHead == Writer::SpecHead::Intehead ? writer_->units : 0;
+  run.intehead = writer_->specHead == Writer::SpecHead::Restart ? 0 : writer_->units;
   run.program = writer_->program;
-  run.restartRecord = writer_->specHead != Writer::SpecHead::Dimens;
+  run.restartRecord = writer_->specHead != Writer::SpecHead::InteheadDimens;
   run.namesRecord = writer_->namesRecord;
   run.nameWidth = writer_->nameWidth;
   run.sequence = writer_->sequence;

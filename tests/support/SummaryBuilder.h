@@ -44,7 +44,7 @@ struct SummaryBuilder {
   int nameWidth = 8;            ///< above 8: NAMES instead of WGNAMES
   std::string lengthUnit = {};  ///< with one, LENGTHS and LENUNITS are written
   std::int32_t program = 100;   ///< simulator code in that INTEHEAD
-  bool restartRecord = true;    ///< without it and without INTEHEAD the specification begins with DIMENS
+  bool restartRecord = true;    ///< without it DIMENS follows INTEHEAD
   bool namesRecord = false;     ///< NAMES with C008 too
   Sequence sequence = Sequence::Counting;
   std::vector<std::int32_t> ministeps = {};  ///< their numbers; empty: from 0 on

@@ -44,7 +44,7 @@ struct Writer {
   const char* ownRecord = nullptr;    ///< keyword of a record of its own at the start of UNSMRY and UNRST
 
   // Summary
-  SpecHead specHead = SpecHead::Intehead;
+  SpecHead specHead = SpecHead::InteheadRestart;
   Earlier earlier = Earlier::None;
   std::size_t startWords = 6;  ///< STARTDAT: 3, or 6 with the time of day
   bool namesRecord = false;    ///< NAMES (C008, C032) instead of WGNAMES
@@ -177,7 +177,7 @@ inline const std::array<Writer, 8> everyWriter{{
      .firstDay = 182500,
      .headersInFirstColumn = true,
      .carriageReturns = true,
-     .specHead = Writer::SpecHead::Dimens,
+     .specHead = Writer::SpecHead::InteheadDimens,
      .startWords = 3,
      .headerWords = 95,
      .logicalWords = 60,

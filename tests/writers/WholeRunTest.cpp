@@ -87,6 +87,7 @@ TEST_P(WholeRun, SummaryHasEveryVectorRowAndDate) {
   Host chain;
   chain.reader.NoRestart = false;
   ASSERT_TRUE(chain.load(run_.specificationPath, 12) && chain.fetchSummary());
+  EXPECT_THAT(chain.complaints(), SizeIs(writer_.running ? 1 : 0));
   auto all = model_.earlierRows();
   all.insert(all.end(), rows.begin(), rows.end());
   for (std::size_t n = 0; n < vectors.size(); ++n)
