@@ -12,11 +12,11 @@ namespace lumbarn::test {
 /// Habits of one writer of simulator files: everything that differs between writers although the run is the
 /// same. The defaults are what most of them do. Texts are raw bytes, as they are stored in the files.
 struct Writer {
-  enum class SpecHead { Intehead, Restart, Dimens };  ///< the first record of SMSPEC
-  enum class Padding { Left, Centered, Right };       ///< of unit strings in their eight characters
-  enum class Activity { Ones, Absent, Bits };         ///< ACTNUM: 0 and 1, not written, matrix + 2 * fracture
-  enum class ItimeWords { TimeStep, Marker };         ///< what follows the date in ITIME
-  enum class Measured { OneTest, TwoTests };          ///< RFT and PLT arrays of the same well and date
+  enum class SpecHead { InteheadRestart, InteheadDimens, Restart };  ///< first records of SMSPEC
+  enum class Padding { Left, Centered, Right };  ///< of unit strings in their eight characters
+  enum class Activity { Ones, Absent, Bits };    ///< ACTNUM: 0 and 1, not written, matrix + 2 * fracture
+  enum class ItimeWords { TimeStep, Marker };    ///< what follows the date in ITIME
+  enum class Measured { OneTest, TwoTests };     ///< RFT and PLT arrays of the same well and date
   enum class Earlier { None, Name, MovedPath };  ///< RESTART: no earlier run, its name, a path that moved
 
   const char* name;

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "support/Host.h"
+#include "support/ModelRun.h"
+
+namespace lumbarn::test {
+
+/// Everything that a host can fetch of one file: how much it is, and a number that changes with any value.
+struct Fetched {
+  bool ok = false;          ///< the load succeeded
+  bool complained = false;  ///< something was reported beyond remarks
+  std::size_t count = 0;
+  std::uint64_t digest = 14695981039346656037U;
+
+  template <class Number>
+  void add(std::span<const Number> values) {
+    count += values.size();
+    for (const Number value : values) {
+      std::uint64_t bits = 0;
+      std::memcpy(&bits, &value, sizeof(value));
+      digest = (digest ^ bits) * 1099511628211U;
+    }
+  }
+  bool operator==(const Fetched& other) const { return count == other.count && digest == other.digest; }
+};
+
+/// A file of a run with the code under which a host loads it.
+struct FileOfRun {
+  const char* type;
+  std::string path;
+  std::int32_t code;
+};
+inline std::vector<FileOfRun> filesOf(const ModelRun& run) {
+  std::vector<FileOfRun> files{{"summary", run.specificationPath, 12},
+                               {"restart", run.restartPath, 11},
+                               {"INIT", run.initPath, 15},
+                               {"grid", run.gridPath, run.writer().gridFile ? 14 : 23},
+                               {"well tests", run.testsPath, 18}};
+  if (!run.indexPath.empty()) files.push_back({"index", run.indexPath, 11});
+  return files;
+}
+
+/// Fetches everything that the last load of a host left; nothing when it has no data.
+inline void fetchAll(Host& host, std::int32_t code, Fetched& all) {
+  bool qOK = false;
+  if (code == 12 && host.fetchSummary()) all.add(host.table.values());
+  if (code == 11) {
+    for (std::int32_t step = 1; std::cmp_less_equal(step, host.reader.RestartSteps().size()); ++step) {
+      for (std::int32_t number = 1; const auto* grid = host.reader.RestartGrid(step, number); ++number) {
+        for (const auto& array : grid->arrays.arrays())
+          all.add(host.reader.RestartValues(step, number, array.name));
+        for (const auto& well : host.reader.RestartWells(step, number, qOK))
+          all.add(std::span<const std::int32_t>(&well.nConnections, 1));
+      }
+    }
+  }
+  if (code == 15 && host.reader.Init()) {
+    for (host.reader.iGridNumber = 1; host.reader.iGridNumber < 3; ++host.reader.iGridNumber) {
+      for (const char* name : {"PORV", "PORO", "PERMX", "FIPNUM"}) {
+        std::vector<float> values;
+        host.reader.GetINITArray(name, false, values, qOK);
+        if (qOK) all.add(std::span<const float>(values));
+      }
+    }
+    std::vector<std::string> names;
+    std::int32_t count = 0;
+    host.reader.GetTableTypes(names, count, qOK);
+    for (const auto& name : names) {
+      for (const auto& column : host.reader.GetINITPhysicalTable(name, 1, qOK).columns)
+        all.add(std::span<const double>(column.values));
+    }
+  }
+  if (code == 14 || code == 23) {
+    for (std::int32_t number = 1; number <= host.reader.NumberGrids(); ++number) {
+      std::int32_t active = 0;
+      host.reader.getCorners(number, host.table, active, qOK);
+      if (qOK) all.add(host.table.values());
+    }
+  }
+  if (code == 18) {
+    for (std::int32_t test = 1; host.fetchTest(test); ++test) all.add(host.table.values());
+  }
+}
+
+inline Fetched loadAll(const FileOfRun& file) {
+  Host host;
+  host.reader.FullWellInfo = true;
+  host.reader.AcceptDamaged = true;
+  Fetched all;
+  all.ok = host.load(file.path, file.code);
+  fetchAll(host, file.code, all);
+  all.complained = !host.complaints().empty();
+  return all;
+}
+
+}  // namespace lumbarn::test
