@@ -14,10 +14,9 @@
 
 #include <fmt/format.h>
 
-#include "Loads.h"
 #include "cli/CommandRun.h"
-#include "record/RecordCursor.h"
 #include "support/FaultySource.h"
+#include "support/Fetched.h"
 
 namespace lumbarn::test {
 namespace {
@@ -73,36 +72,6 @@ class Tally {
 
 std::string nameOf(const ModelRun& run, const FileOfRun& file) {
   return fmt::format("{} {} {}", run.writer().name, run.form.description(), file.type);
-}
-
-/// Empty unless a load that reported nothing has less than there is.
-std::string lacking(const Fetched& found, const Fetched& clean) {
-  if (!found.ok || found.complained || found.count >= clean.count) return {};
-  return fmt::format("succeeded with {} of {} values and reported nothing", found.count, clean.count);
-}
-
-/// The files that a load of `file` reads for data: of a summary its data file.
-std::string dataFileOf(const ModelRun& run, const FileOfRun& file) {
-  if (file.code != 12) return file.path;
-  for (const char* extension : {"UNSMRY", "FUNSMRY", "S0001", "A0001"}) {
-    const auto path = run.folder.file(std::string("RUN.") + extension);
-    if (run.writer().unified == (std::string_view(extension).ends_with("UNSMRY")) && fs::exists(path))
-      return path;
-  }
-  return file.path;
-}
-
-/// Where records begin: a file that ends there may be complete.
-std::vector<std::uint64_t> recordStarts(const std::string& path) {
-  std::vector<std::uint64_t> starts;
-  std::string why;
-  auto records = openRecords(path, why);
-  try {
-    while (records && records->next()) starts.push_back(records->header().headerAt);
-  } catch (const BadRecord&) {
-    // The last record of a running simulation is truncated.
-  }
-  return starts;
 }
 
 void damagedCopies(Tally& tally, const std::vector<std::unique_ptr<ModelRun>>& runs, int copies) {

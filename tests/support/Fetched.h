@@ -1,13 +1,19 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstring>
-#include <span>
+#include <filesystem>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
-#include "support/Host.h"
-#include "support/ModelRun.h"
+#include <fmt/format.h>
+
+#include "Host.h"
+#include "ModelRun.h"
+#include "record/RecordCursor.h"
 
 namespace lumbarn::test {
 
@@ -18,10 +24,10 @@ struct Fetched {
   std::size_t count = 0;
   std::uint64_t digest = 14695981039346656037U;
 
-  template <class Number>
-  void add(std::span<const Number> values) {
+  template <class Numbers>
+  void add(const Numbers& values) {
     count += values.size();
-    for (const Number value : values) {
+    for (const auto value : values) {
       std::uint64_t bits = 0;
       std::memcpy(&bits, &value, sizeof(value));
       digest = (digest ^ bits) * 1099511628211U;
@@ -56,7 +62,7 @@ inline void fetchAll(Host& host, std::int32_t code, Fetched& all) {
         for (const auto& array : grid->arrays.arrays())
           all.add(host.reader.RestartValues(step, number, array.name));
         for (const auto& well : host.reader.RestartWells(step, number, qOK))
-          all.add(std::span<const std::int32_t>(&well.nConnections, 1));
+          all.add(std::array{well.nConnections});
       }
     }
   }
@@ -65,7 +71,7 @@ inline void fetchAll(Host& host, std::int32_t code, Fetched& all) {
       for (const char* name : {"PORV", "PORO", "PERMX", "FIPNUM"}) {
         std::vector<float> values;
         host.reader.GetINITArray(name, false, values, qOK);
-        if (qOK) all.add(std::span<const float>(values));
+        if (qOK) all.add(values);
       }
     }
     std::vector<std::string> names;
@@ -73,7 +79,7 @@ inline void fetchAll(Host& host, std::int32_t code, Fetched& all) {
     host.reader.GetTableTypes(names, count, qOK);
     for (const auto& name : names) {
       for (const auto& column : host.reader.GetINITPhysicalTable(name, 1, qOK).columns)
-        all.add(std::span<const double>(column.values));
+        all.add(column.values);
     }
   }
   if (code == 14 || code == 23) {
@@ -97,6 +103,37 @@ inline Fetched loadAll(const FileOfRun& file) {
   fetchAll(host, file.code, all);
   all.complained = !host.complaints().empty();
   return all;
+}
+
+/// Empty unless a load that reported nothing has less than there is.
+inline std::string lacking(const Fetched& found, const Fetched& clean) {
+  if (!found.ok || found.complained || found.count >= clean.count) return {};
+  return fmt::format("succeeded with {} of {} values and reported nothing", found.count, clean.count);
+}
+
+/// The files that a load of `file` reads for data: of a summary its data file.
+inline std::string dataFileOf(const ModelRun& run, const FileOfRun& file) {
+  if (file.code != 12) return file.path;
+  for (const char* extension : {"UNSMRY", "FUNSMRY", "S0001", "A0001"}) {
+    const auto path = run.folder.file(std::string("RUN.") + extension);
+    if (run.writer().unified == (std::string_view(extension).ends_with("UNSMRY")) &&
+        std::filesystem::exists(path))
+      return path;
+  }
+  return file.path;
+}
+
+/// Where records begin: a file that ends there may be complete.
+inline std::vector<std::uint64_t> recordStarts(const std::string& path) {
+  std::vector<std::uint64_t> starts;
+  std::string why;
+  auto records = openRecords(path, why);
+  try {
+    while (records && records->next()) starts.push_back(records->header().headerAt);
+  } catch (const BadRecord&) {
+    // The last record of a running simulation is truncated.
+  }
+  return starts;
 }
 
 }  // namespace lumbarn::test
