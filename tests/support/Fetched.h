@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,16 +24,28 @@ struct Fetched {
   bool ok = false;          ///< the load succeeded
   bool complained = false;  ///< something was reported beyond remarks
   std::size_t count = 0;
-  std::uint64_t digest = 14695981039346656037U;
+  std::uint64_t digest = 0;
+  std::set<std::pair<std::size_t, std::uint64_t>> pieces;  ///< size and digest of what each fetch gave
 
   template <class Numbers>
   void add(const Numbers& values) {
-    count += values.size();
+    constexpr std::uint64_t seed = 14695981039346656037U, prime = 1099511628211U;
+    std::uint64_t piece = seed;
     for (const auto value : values) {
       std::uint64_t bits = 0;
       std::memcpy(&bits, &value, sizeof(value));
-      digest = (digest ^ bits) * 1099511628211U;
+      piece = (piece ^ bits) * prime;
     }
+    count += values.size();
+    digest = digest * prime + piece;
+    pieces.insert({values.size(), piece});
+  }
+  /// Whether a fetch gave as many values as one of `clean` did, and other ones.
+  bool hasOtherValuesThan(const Fetched& clean) const {
+    return std::ranges::any_of(pieces, [&](const auto& piece) {
+      const auto same = clean.pieces.lower_bound({piece.first, 0});
+      return same != clean.pieces.end() && same->first == piece.first && !clean.pieces.contains(piece);
+    });
   }
   bool operator==(const Fetched& other) const { return count == other.count && digest == other.digest; }
 };
