@@ -21,8 +21,9 @@ namespace lumbarn::test {
 
 /// Everything that a host can fetch of one file: how much it is, and a number that changes with any value.
 struct Fetched {
-  bool ok = false;          ///< the load succeeded
-  bool complained = false;  ///< something was reported beyond remarks
+  bool ok = false;            ///< the load succeeded
+  bool complained = false;    ///< something was reported beyond remarks
+  std::string unplaced = {};  ///< a report without the path of its file or, of a truncated record, its byte
   std::size_t count = 0;
   std::uint64_t digest = 0;
   std::set<std::pair<std::size_t, std::uint64_t>> pieces;  ///< size and digest of what each fetch gave
@@ -108,14 +109,17 @@ inline void fetchAll(Host& host, std::int32_t code, Fetched& all) {
   }
 }
 
-inline Fetched loadAll(const FileOfRun& file) {
+inline Fetched loadAll(const FileOfRun& file, bool acceptDamaged = true) {
   Host host;
   host.reader.FullWellInfo = true;
-  host.reader.AcceptDamaged = true;
+  host.reader.AcceptDamaged = acceptDamaged;
   Fetched all;
   all.ok = host.load(file.path, file.code);
   fetchAll(host, file.code, all);
   all.complained = !host.complaints().empty();
+  for (const auto& report : host.session.diagnoses()) {
+    if (report.path.empty() || (report.cutOff && !report.offset)) all.unplaced = report.text();
+  }
   return all;
 }
 
@@ -148,6 +152,18 @@ inline std::vector<std::uint64_t> recordStarts(const std::string& path) {
     // The last record of a running simulation is truncated.
   }
   return starts;
+}
+
+/// Whether a file that is truncated there ends between two records, as a complete shorter file does. In a
+/// formatted file a line end or a blank of the next header does not count.
+inline bool endsBetween(const std::string& bytes, const std::vector<std::uint64_t>& starts, std::size_t at) {
+  const auto blank = [&](std::size_t from, std::size_t to) {
+    return std::all_of(bytes.begin() + static_cast<std::ptrdiff_t>(from),
+                       bytes.begin() + static_cast<std::ptrdiff_t>(to),
+                       [](char c) { return c == ' ' || c == '\n' || c == '\r'; });
+  };
+  const auto next = std::ranges::lower_bound(starts, at);
+  return (next != starts.end() && blank(at, *next)) || (next != starts.begin() && blank(next[-1], at));
 }
 
 }  // namespace lumbarn::test
