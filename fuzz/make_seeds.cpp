@@ -14,12 +14,9 @@
 #include "index/IndexFile.h"
 #include "record/RecordWriter.h"
 #include "restart/qvEclipseSEQUENCE.h"
-#include "support/GridBuilder.h"
 #include "support/IndexedRun.h"
 #include "support/InitBuilder.h"
-#include "support/RestartBuilder.h"
-#include "support/SummaryBuilder.h"
-#include "support/WellTestBuilder.h"
+#include "support/ModelRun.h"
 
 /// make_seeds FOLDER: writes first inputs for every fuzz target, to FOLDER/TARGET.
 
@@ -98,46 +95,6 @@ std::vector<Bytes> recordFiles(const Form& form) {
   return files;
 }
 
-test::SummaryBuilder summary() {
-  test::SummaryBuilder run;
-  run.vectors = {{"TIME", ":+:+:+:+", 0, "DAYS"},
-                 {"FOPR", ":+:+:+:+", 0, "SM3/DAY"},
-                 {"WOPR", "OP_1", 1, "SM3/DAY"},
-                 {"WBHP", ":+:+:+:+", 0, "BARSA"},
-                 {"GOPR", "G1", 1, "SM3/DAY"},
-                 {"COFR", "OP_1", 123, "SM3/DAY"},
-                 {"BPR", ":+:+:+:+", 45, "BARSA"},
-                 {"RPR", ":+:+:+:+", 2, "BARSA"},
-                 {"ROFT", ":+:+:+:+", 1 + 32768 * 12, "SM3"},
-                 {"SOFR", "OP_1", 12, "SM3/DAY"},
-                 {"AAQR", ":+:+:+:+", 1, "SM3/DAY"},
-                 {"NPR", "NODE1", 0, "BARSA"},
-                 {"LWOPR", "OP_1", 1, "SM3/DAY", "LGR1", {2, 2, 1}},
-                 {"LBPR", ":+:+:+:+", 7, "BARSA", "LGR1", {2, 2, 1}}};
-  for (int row = 0; row < 4; ++row) {
-    std::vector<float> values(run.vectors.size(), static_cast<float>(row));
-    values[0] = 30.5F * static_cast<float>(row + 1);
-    run.rows.push_back({values, row != 2});
-  }
-  run.start = {1, 1, 2015, 0, 0, 0};
-  run.lengthUnit = "METRES";
-  return run;
-}
-
-test::RestartBuilder restart() {
-  test::RestartBuilder run;
-  test::RestartBuilder::Grid grid;
-  grid.arrays = {{"PRESSURE", {200, 201, 202, 203}},
-                 {"SWAT", {0.25F, 0.5F, 0.75F, 1}},
-                 {"SGAS", {0, 0, 0.5F, 0}},
-                 {"FIPNUM", {1, 1, 2, 2}, true}};
-  grid.wells = {{"P1", {{1, 1, 1}, {1, 2, 1}}, {{7, 1}}}, {"I1", {}, {{7, 3}}}};
-  test::RestartBuilder::Grid local{"FINE", {2, 1, 1}, 2, {{"PRESSURE", {1, 2}}}, {}};
-  run.steps = {{1, 10.25, {1, 2, 2020}, {grid, local}}, {2, 20, {1, 3, 2020}, {grid, local}}};
-  run.headerWords = 96;
-  return run;
-}
-
 /// Two steps of a save file, between the records that tell the simulator, or one behind its short header.
 Bytes saved(const Form& form, bool compositional) {
   Bytes bytes;
@@ -156,11 +113,12 @@ Bytes saved(const Form& form, bool compositional) {
   return bytes;
 }
 
-/// The markers of the restart's first step, packed.
+/// The markers of a restart's first step, packed.
 Bytes markers(std::int32_t iMethod) {
   Session session;
-  RecordCursor records(std::make_shared<MemorySource>(restart().bytes(test::bigEndian)), test::bigEndian,
-                       "seed");
+  const test::Model model(test::everyWriter.front());
+  RecordCursor records(std::make_shared<MemorySource>(model.restart().bytes(test::bigEndian)),
+                       test::bigEndian, "seed");
   qvEclipseSEQUENCE step(session);
   step.Unified = true;
   step.setMarkerMethod(iMethod);
@@ -174,26 +132,32 @@ Bytes markers(std::int32_t iMethod) {
   return block;
 }
 
-/// Grids with all there can be: inactive cells, a local grid, two reservoirs, coarsening, connections, two
-/// porosity systems, angles.
+/// What no run of the table of writers has: two reservoirs, coarsening, angles.
 std::vector<test::GridBuilder> grids() {
-  std::vector<test::GridBuilder> all(4);
-  all[0].grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1};
+  std::vector<test::GridBuilder> all(2);
+  all[0].grids[0].reservoirs = {{1, 1}, {2, 2}};
+  all[0].grids[0].coarse = {1, 1, 0, 0, 0, 0, 1, 1, 0, 2, 2, 2};
   all[0].grids[0].nnc1 = {1, 2};
   all[0].grids[0].nnc2 = {7, 12};
-  all[0].grids.push_back(
-      {.size = {2, 2, 1}, .name = "INNER", .hosts = {1, 2, 5, 3}, .nncl = {4}, .nncg = {11}});
-  all[0].mapAxes = {0, 1000, 0, 0, 1000, 0};
-  all[0].mapUnit = "METRES";
-  all[1].grids[0].reservoirs = {{1, 1}, {2, 2}};
-  all[1].grids[0].coarse = {1, 1, 0, 0, 0, 0, 1, 1, 0, 2, 2, 2};
-  all[2].dualPorosity = 1;
-  all[2].grids[0].halfDepths = true;
-  all[2].grids[0].activity = {1, 2, 3, 0, 3, 3};
-  all[3].grids[0].size = {2, 4, 1};
-  all[3].grids[0].angles = 4;
-  all[3].grids[0].activity = {1, 0, 0, 1};
+  all[1].grids[0].size = {2, 4, 1};
+  all[1].grids[0].angles = 4;
+  all[1].grids[0].activity = {1, 0, 0, 1};
   return all;
+}
+
+/// The files of one writer's run.
+void addRun(const Corpus& corpus, const test::Writer& writer, const Form& form) {
+  const test::Model model(writer);
+  const auto lines = [&](Bytes bytes) { return test::withLinesOf(writer, form, std::move(bytes)); };
+  const auto summary = model.summary();
+  corpus.addSummary(lines(summary.spec(form)), lines(summary.data(form)));
+  const auto restart = model.restart();
+  for (const int options : {0, 3}) corpus.add("fuzz_restart", {options}, lines(restart.bytes(form)));
+  corpus.add("fuzz_restart", {6}, lines(restart.bytes(form, restart.steps[0])));
+  corpus.addInit(lines(model.init(form)));
+  corpus.add("fuzz_grid", {0}, lines(model.grid().egrid(form)));
+  if (!writer.dualPorosity) corpus.add("fuzz_grid", {0}, lines(model.grid().grid(form)));
+  corpus.add("fuzz_welltests", {}, lines(model.wellTests().bytes(form)));
 }
 
 Bytes example(const std::string& name) {
@@ -227,19 +191,12 @@ void addExamples(const Corpus& corpus) {
   corpus.addSummary(example("HOLLIN/HOLLIN.SMSPEC"), example("HOLLIN/HOLLIN.UNSMRY"));
 }
 
-/// A well of all kinds of data: connections, segments with devices, branches.
+/// A well with segments, devices and branches.
 Bytes wellTests(const Form& form) {
   using Singles = test::WellTestBuilder::Singles;
   using Integers = test::WellTestBuilder::Integers;
   test::WellTestBuilder file;
-  file.tests = {{.arrays = {{"CONIPOS", Integers{1, 2}},
-                            {"CONJPOS", Integers{1, 1}},
-                            {"CONKPOS", Integers{1, 1}},
-                            {"DEPTH", Singles{1000, 1010}},
-                            {"PRESSURE", Singles{100, 101}},
-                            {"SWAT", Singles{0.25F, 0.5F}}},
-                 .grid = "LGR1"},
-                {.arrays = {{"CONLENST", Singles{20, 0, 10}},
+  file.tests = {{.arrays = {{"CONLENST", Singles{20, 0, 10}},
                             {"CONLENEN", Singles{30, 10, 20}},
                             {"CONORAT", Singles{1, 2, 3}},
                             {"CONWRAT", Singles{1, 0, 3}},
@@ -326,21 +283,13 @@ int main(int count, char** words) {
     for (const auto& file : recordFiles(form)) corpus.addFile(file, form, 9);
     corpus.addInit(test::twoLocalGrids(form));
     corpus.addInit(allTables(form));
-    auto run = summary();
-    corpus.addSummary(run.spec(form), run.data(form));
-    run.intehead = 1;
-    run.nameWidth = 32;
-    run.restart = "EARLIER";
-    run.firstStep = 3;
-    corpus.addSummary(run.spec(form), run.data(form));
-    for (const int options : {0, 3}) corpus.add("fuzz_restart", {options}, restart().bytes(form));
-    corpus.add("fuzz_restart", {6}, restart().bytes(form, restart().steps[0]));
+    for (const auto& writer : test::everyWriter) addRun(corpus, writer, form);
     for (const bool compositional : {true, false}) {
       for (const int options : {8, 12}) corpus.add("fuzz_restart", {options}, saved(form, compositional));
     }
     for (const auto& grid : grids()) {
       corpus.add("fuzz_grid", {0}, grid.egrid(form));
-      if (grid.dualPorosity == 0 && grid.grids[0].angles == 0) corpus.add("fuzz_grid", {0}, grid.grid(form));
+      if (grid.grids[0].angles == 0) corpus.add("fuzz_grid", {0}, grid.grid(form));
     }
   }
   for (const std::int32_t iMethod : {1, 2}) corpus.add("fuzz_restart", {16}, markers(iMethod));

@@ -43,6 +43,8 @@ struct GridBuilder {
   std::vector<float> mapAxes = {};
   std::vector<std::string> gridUnit = {"METRES", ""};
   std::string mapUnit = {};
+  bool orientation = false;    ///< GDORIENT is written
+  bool omitsInactive = false;  ///< inactive cells have no records in a GRID file
 
   static float top(std::int32_t i, std::int32_t k) {
     return 1000.0F + 5.0F * static_cast<float>(i) + 10.0F * static_cast<float>(k);
@@ -113,6 +115,7 @@ struct GridBuilder {
     if (!mapUnit.empty()) out.texts("MAPUNITS", std::array{mapUnit});
     if (!mapAxes.empty()) out.singles("MAPAXES", mapAxes);
     out.texts("GRIDUNIT", gridUnit);
+    if (orientation) out.texts("GDORIENT", std::array<std::string, 5>{"INC", "INC", "INC", "DOWN", "RIGHT"});
   }
   void writeEGrid(RecordWriter& out, const Grid& grid) const {
     if (!grid.name.empty()) {
@@ -154,6 +157,7 @@ struct GridBuilder {
     for (std::int32_t k = 0; k < grid.size[2]; ++k) {
       for (std::int32_t j = 0; j < grid.size[1]; ++j) {
         for (std::int32_t i = 0; i < grid.size[0]; ++i, ++cell) {
+          if (omitsInactive && !grid.isActive(cell)) continue;
           const auto host = grid.hosts.empty() ? 0 : grid.hosts[static_cast<std::size_t>(cell)];
           out.integers("COORDS",
                        std::array{i + 1, j + 1, k + 1, cell + 1, grid.isActive(cell) ? 1 : 0, host, 0});

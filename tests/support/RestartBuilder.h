@@ -32,12 +32,14 @@ struct RestartBuilder {
     std::int32_t nActive = 4;
     std::vector<Array> arrays;
     std::vector<Well> wells;
+    bool solution = true;  ///< False: headers and wells only
   };
   struct Step {
     std::int32_t number = 0;
     double days = 0;
     std::array<std::int32_t, 3> date = {1, 1, 2015};
     std::vector<Grid> grids = {Grid()};
+    std::int32_t headNumber = -1;  ///< word 69 when it differs from the number
   };
   /// How writers end a local grid.
   enum class GridEnd { Message, NoInteger, OneInteger };
@@ -49,7 +51,15 @@ struct RestartBuilder {
   std::size_t headerWords = 411;
   std::map<std::size_t, std::int32_t> head;  ///< words of every INTEHEAD; these win over all others
   bool logihead = true;
+  std::size_t logicalWords = 80;
   bool doubhead = true;
+  std::size_t doubleWords = 2;
+  bool icon = true;            ///< connections are written
+  int nameWidth = 8;           ///< of ZWEL
+  bool doubleGroups = false;   ///< SGRP as DOUB
+  std::string ownRecord = {};  ///< keyword of a record in front of a unified file
+  bool seqnum = true;          ///< in a unified file
+  bool seqnumInStepFiles = false;
   bool dualPorosity = false;
   bool solutionMarks = true;  ///< STARTSOL and ENDSOL
   GridEnd gridEnd = GridEnd::Message;
@@ -74,8 +84,9 @@ struct RestartBuilder {
   std::vector<std::byte> bytes(Form form) const {
     std::vector<std::byte> all;
     RecordWriter out(memorySink(all), form);
+    if (!ownRecord.empty()) out.texts(ownRecord, std::array{ownRecord});
     for (const Step& step : steps) {
-      out.integers("SEQNUM", std::array{step.number});
+      if (seqnum) out.integers("SEQNUM", std::array{step.number});
       write(out, step);
     }
     return all;
@@ -84,6 +95,7 @@ struct RestartBuilder {
   std::vector<std::byte> bytes(Form form, const Step& step) const {
     std::vector<std::byte> all;
     RecordWriter out(memorySink(all), form);
+    if (seqnumInStepFiles) out.integers("SEQNUM", std::array{step.number});
     write(out, step);
     return all;
   }
@@ -109,12 +121,28 @@ struct RestartBuilder {
 
   std::vector<std::int32_t> intehead(const Step& step, const Grid& grid) const {
     const auto wells = static_cast<std::int32_t>(grid.wells.size());
-    std::map<std::size_t, std::int32_t> words = {
-        {3, units},        {9, grid.size[0]}, {10, grid.size[1]}, {11, grid.size[2]}, {12, grid.nActive},
-        {15, phases},      {17, wells},       {18, nCWMAX},       {19, wells > 0},    {25, nIWELZ},
-        {26, nSWELZ},      {27, nXWELZ},      {28, nZWELZ},       {33, nICONZ},       {34, nSCONZ},
-        {35, 1},           {40, 2},           {65, step.date[0]}, {66, step.date[1]}, {67, step.date[2]},
-        {69, step.number}, {95, program}};
+    std::map<std::size_t, std::int32_t> words = {{3, units},
+                                                 {9, grid.size[0]},
+                                                 {10, grid.size[1]},
+                                                 {11, grid.size[2]},
+                                                 {12, grid.nActive},
+                                                 {15, phases},
+                                                 {17, wells},
+                                                 {18, nCWMAX},
+                                                 {19, wells > 0},
+                                                 {25, nIWELZ},
+                                                 {26, nSWELZ},
+                                                 {27, nXWELZ},
+                                                 {28, nZWELZ},
+                                                 {33, nICONZ},
+                                                 {34, nSCONZ},
+                                                 {35, 1},
+                                                 {40, 2},
+                                                 {65, step.date[0]},
+                                                 {66, step.date[1]},
+                                                 {67, step.date[2]},
+                                                 {69, step.headNumber < 0 ? step.number : step.headNumber},
+                                                 {95, program}};
     for (const auto& [word, value] : head) words[word] = value;
     std::vector<std::int32_t> header(headerWords);
     for (const auto& [word, value] : words) {
@@ -128,11 +156,11 @@ struct RestartBuilder {
       if (!grid.name.empty()) out.texts("LGR", std::array{grid.name});
       out.integers("INTEHEAD", intehead(step, grid));
       if (logihead) writeLogicals(out);
-      if (doubhead) out.doubles("DOUBHEAD", std::array{step.days, 0.0});
+      if (doubhead) writeDoubles(out, step);
       if (!grid.wells.empty()) writeWells(out, grid);
-      if (solutionMarks) out.message("STARTSOL");
+      if (solutionMarks && grid.solution) out.message("STARTSOL");
       for (const Array& array : grid.arrays) write(out, array);
-      if (solutionMarks) out.message("ENDSOL");
+      if (solutionMarks && grid.solution) out.message("ENDSOL");
       if (!grid.name.empty()) endGrid(out);
     }
   }
@@ -146,9 +174,14 @@ struct RestartBuilder {
     }
   }
   void writeLogicals(RecordWriter& out) const {
-    std::array<bool, 80> words{};
+    std::array<bool, 150> words{};
     words[14] = dualPorosity;
-    out.logicals("LOGIHEAD", words);
+    out.logicals("LOGIHEAD", std::span(words).first(logicalWords));
+  }
+  void writeDoubles(RecordWriter& out, const Step& step) const {
+    std::vector<double> words(doubleWords);
+    words.at(0) = step.days;
+    out.doubles("DOUBHEAD", words);
   }
   void endGrid(RecordWriter& out) const {
     if (gridEnd == GridEnd::Message) return out.message("ENDLGR");
@@ -179,7 +212,7 @@ struct RestartBuilder {
     }
     return all;
   }
-  std::vector<std::int32_t> icon(const Grid& grid) const {
+  std::vector<std::int32_t> connectionWords(const Grid& grid) const {
     const auto slots = static_cast<std::size_t>(nCWMAX);
     const auto words = static_cast<std::size_t>(nICONZ);
     std::vector<std::int32_t> all(grid.wells.size() * slots * words);
@@ -204,12 +237,14 @@ struct RestartBuilder {
   }
   void writeWells(RecordWriter& out, const Grid& grid) const {
     const std::size_t wells = grid.wells.size();
+    if (doubleGroups) out.doubles("SGRP", std::array{1.5, 2.5});
     out.texts("ZGRP", std::array<std::string, 2>{"FIELD", ""});
     out.integers("IWEL", iwel(grid));
     out.singles("SWEL", blocks<float>(wells, nSWELZ));
     out.doubles("XWEL", blocks<double>(wells, nXWELZ));
-    out.texts("ZWEL", zwel(grid));
-    out.integers("ICON", icon(grid));
+    out.texts("ZWEL", zwel(grid), nameWidth);
+    if (!icon) return;
+    out.integers("ICON", connectionWords(grid));
     out.singles("SCON", blocks<float>(wells * static_cast<std::size_t>(nCWMAX), nSCONZ));
   }
 };

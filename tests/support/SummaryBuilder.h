@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -29,28 +31,38 @@ struct SummaryBuilder {
     bool newStep = true;
   };
 
+  /// What writers store in SEQHDR: a time stamp, 0, or the number of the report step.
+  enum class Sequence { Stamp, Zero, Counting };
+
   std::vector<Vector> vectors;
   std::vector<Row> rows;
   std::array<std::int32_t, 3> grid = {10, 10, 3};
   std::vector<std::int32_t> start = {1, 1, 2015};
-  std::string restart;                    ///< root name of the earlier run
-  std::int32_t firstStep = 0;             ///< report step at which that run was left
-  std::int32_t intehead = 0;              ///< unit system for an INTEHEAD in front; 0: begins with RESTART
-  int nameWidth = 8;                      ///< above 8: NAMES instead of WGNAMES
-  std::string lengthUnit = {};            ///< with one, LENGTHS and LENUNITS are written
-  std::vector<std::int32_t> seqhdr = {};  ///< values of SEQHDR by step instead of the steps' numbers
+  std::string restart;          ///< root name of the earlier run
+  std::int32_t firstStep = 0;   ///< report step at which that run was left
+  std::int32_t intehead = 0;    ///< unit system for an INTEHEAD in front; 0: begins with RESTART
+  int nameWidth = 8;            ///< above 8: NAMES instead of WGNAMES
+  std::string lengthUnit = {};  ///< with one, LENGTHS and LENUNITS are written
+  std::int32_t program = 100;   ///< simulator code in that INTEHEAD
+  bool restartRecord = true;    ///< without it DIMENS follows INTEHEAD
+  bool namesRecord = false;     ///< NAMES with C008 too
+  Sequence sequence = Sequence::Counting;
+  std::vector<std::int32_t> ministeps = {};  ///< their numbers; empty: from 0 on
+  std::string ownRecord = {};                ///< keyword of a record in front of the first SEQHDR
+  bool runtimeRecords = false;               ///< MEASRMNT, RUNTIMEI and RUNTIMED in the specification
+  std::vector<std::int32_t> seqhdr = {};     ///< values of SEQHDR by step, instead of those of `sequence`
 
   std::vector<std::byte> spec(Form form) const {
     std::vector<std::byte> bytes;
     RecordWriter out(memorySink(bytes), form);
-    if (intehead > 0) out.integers("INTEHEAD", std::array{intehead, 100});
+    if (intehead > 0) out.integers("INTEHEAD", std::array{intehead, program});
     std::vector<std::string> pieces(9);
     for (std::size_t i = 0; i * 8 < restart.size() && i < 9; ++i) pieces[i] = restart.substr(i * 8, 8);
-    out.texts("RESTART", pieces);
+    if (restartRecord) out.texts("RESTART", pieces);
     const auto count = static_cast<std::int32_t>(vectors.size());
     out.integers("DIMENS", std::array{count, grid[0], grid[1], grid[2], 0, firstStep});
     out.texts("KEYWORDS", each<std::string>(&Vector::mnemonic));
-    out.texts(nameWidth > 8 ? "NAMES" : "WGNAMES", each<std::string>(&Vector::name), nameWidth);
+    writeNames(out);
     out.integers("NUMS", each<std::int32_t>(&Vector::number));
     if (hasLgrs()) writeLgrs(out);
     if (!lengthUnit.empty()) {
@@ -59,6 +71,12 @@ struct SummaryBuilder {
     }
     out.texts("UNITS", each<std::string>(&Vector::unit));
     out.integers("STARTDAT", start);
+    if (runtimeRecords) {
+      out.texts("MEASRMNT", std::vector<std::string>(vectors.size() * 5, "RATE"));
+      out.integers("RUNTIMEI", std::vector<std::int32_t>(50, 1));
+      out.doubles("RUNTIMED", std::vector<double>(83, 0.5));
+    }
+    if (namesRecord && nameWidth == 8) replaceType(bytes, "NAMES   ", "C008");
     return bytes;
   }
 
@@ -78,8 +96,10 @@ struct SummaryBuilder {
       if (begins) files.emplace_back();
       RecordWriter out(memorySink(files.back()), form);
       const auto step = firstStep + static_cast<std::int32_t>(files.size());
-      if (begins) out.integers("SEQHDR", std::array{seqhdr.empty() ? step : seqhdr.at(files.size() - 1)});
-      out.integers("MINISTEP", std::array{ministep++});
+      if (begins && step == firstStep + 1 && !ownRecord.empty()) out.texts(ownRecord, std::array{ownRecord});
+      if (begins) out.integers("SEQHDR", std::array{seqhdr.empty() ? sequenceWord(step) : seqhdr.at(files.size() - 1)});
+      const auto place = static_cast<std::size_t>(ministep++);
+      out.integers("MINISTEP", std::array{ministeps.empty() ? ministep - 1 : ministeps.at(place)});
       out.singles("PARAMS", row.values);
     }
     return files;
@@ -104,6 +124,23 @@ struct SummaryBuilder {
   }
 
  private:
+  std::int32_t sequenceWord(std::int32_t step) const {
+    if (sequence == Sequence::Stamp) return -952856885 + step;
+    return sequence == Sequence::Zero ? 0 : step;
+  }
+  /// The header of 8-character names says CHAR or C008, that of longer ones C0nn.
+  void writeNames(RecordWriter& out) const {
+    const bool names = namesRecord || nameWidth > 8;
+    out.texts(names ? "NAMES" : "WGNAMES", each<std::string>(&Vector::name), nameWidth);
+  }
+  /// The writer of records knows CHAR only for strings of 8 characters.
+  static void replaceType(std::vector<std::byte>& bytes, std::string_view keyword, std::string_view type) {
+    const auto header =
+        std::ranges::search(bytes, keyword, {}, [](std::byte b) { return static_cast<char>(b); });
+    const auto word = std::search(header.begin(), bytes.end(), charType.begin(), charType.end());
+    std::ranges::transform(type, word, [](char c) { return static_cast<std::byte>(c); });
+  }
+  static constexpr std::array charType{std::byte{'C'}, std::byte{'H'}, std::byte{'A'}, std::byte{'R'}};
   template <class T>
   std::vector<T> each(T Vector::*member) const {
     std::vector<T> values;

@@ -32,9 +32,12 @@ struct WellTestBuilder {
   };
 
   std::vector<Test> tests;
+  std::string timeUnit = "  DAYS";  ///< word 1 of WELLETC
+  int nameWidth = 8;                ///< of the texts of WELLETC
 
-  static Texts usualWelletc(const std::string& well, const std::string& grid) {
-    return {"  DAYS", well,       grid,       " METRES", " BARSA", "R",        "MULTISEG", "SM3/DAY",
+  static Texts usualWelletc(const std::string& well, const std::string& grid,
+                            const std::string& timeUnit = "  DAYS") {
+    return {timeUnit, well,       grid,       " METRES", " BARSA", "R",        "MULTISEG", "SM3/DAY",
             "SM3/D",  "RM3/DAY ", " M/SEC  ", "",        "   CP",  " KG/SM3 ", "KG/DAY ",  "KG/KG"};
   }
 
@@ -44,7 +47,8 @@ struct WellTestBuilder {
     for (const Test& test : tests) {
       out.singles("TIME", std::array{test.time});
       out.integers("DATE", test.date);
-      out.texts("WELLETC", test.welletc.empty() ? usualWelletc(test.well, test.grid) : test.welletc);
+      out.texts("WELLETC", test.welletc.empty() ? usualWelletc(test.well, test.grid, timeUnit) : test.welletc,
+                nameWidth);
       for (const Array& array : test.arrays) {
         if (const auto* singles = std::get_if<Singles>(&array.values)) out.singles(array.name, *singles);
         if (const auto* integers = std::get_if<Integers>(&array.values)) out.integers(array.name, *integers);
