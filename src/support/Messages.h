@@ -48,8 +48,27 @@ struct MessageRow {
   /* summary */                                                                                              \
   /* restart */                                                                                              \
   /* init */                                                                                                 \
+  ROW(InitCellCount, "init.intehead.cells", Damage, "cell count cannot be")                                  \
+  ROW(InitRecordType, "init.record.type", Damage, "record of an unknown type")                               \
+  ROW(InitArrayLength, "init.array.length", Incomplete, "array does not fit its grid")                       \
+  ROW(InitArrayTwice, "init.array.twice", Remark, "grid has several arrays of this name")                    \
+  ROW(InitActiveCells, "init.porv.cells", Incomplete, "it is not known which cells are active")              \
+  ROW(InitConnections, "init.nnc.length", Incomplete, "connection arrays differ in length")                  \
+  ROW(InitTableWords, "init.tabdims.length", Incomplete, "record is shorter than usual")                     \
+  ROW(InitTableExtent, "init.table.extent", Damage, "table does not lie in TAB")                             \
+  ROW(InitTablesNone, "init.table.none", Remark, "no simulation table is in use")                            \
   /* grid */                                                                                                 \
   /* welltests */                                                                                            \
+  ROW(WellTestDate, "welltest.date", Incomplete, "date is not valid")                                        \
+  ROW(WellTestArrayLength, "welltest.array.length", Incomplete, "array has another length than its table")   \
+  ROW(WellTestConnections, "welltest.connections", Incomplete, "connections of RFT and PLT differ in number")\
+  ROW(WellTestRecord, "welltest.record", Damage, "record of a test cannot be used")                          \
+  ROW(WellTestReference, "welltest.reference", Damage, "segment or branch does not exist")                   \
+  ROW(WellTestDerived, "welltest.derived", Incomplete, "derived values cannot be computed")                  \
+  ROW(UserTestDate, "usertest.date", Incomplete, "no date can be made of it")                                \
+  ROW(UserTestNumber, "usertest.number", Damage, "not a number")                                             \
+  ROW(UserTestRow, "usertest.row", Damage, "row has too few numbers")                                        \
+  ROW(UserTestWords, "usertest.words", Remark, "words are interpreted as column names or ignored")           \
   /* reader */                                                                                               \
   /* export */                                                                                               \
   /* command */                                                                                              \
