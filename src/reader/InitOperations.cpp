@@ -47,6 +47,7 @@ void qvEclipseReader::ReadINITFile(bool& qOK) {
 }
 
 bool qvEclipseReader::readInit() {
+  init_.reset();  // what an earlier call read must not be fetched as this file's
   if (session_->yield()) return false;
   FileName = initFileOf(FileName);
   auto file = std::make_unique<qvEclipseINIT>(*session_);
@@ -64,6 +65,7 @@ bool qvEclipseReader::readInit() {
   init_ = std::move(file);
   bool qOK = false;
   init_->getEclipseINITArrays(qOK);
+  if (session_->cancelled()) init_.reset();
   if (qOK && qWriteIndex && hasIndexFolder(FileName)) {
     WriteEclipseInspecFile(walkInit(*session_, FileName), indexPath(FileName, "INSPEC"), qOK, *session_);
   }
@@ -72,10 +74,14 @@ bool qvEclipseReader::readInit() {
 
 /// A check that says no ends a load without a message; the diagnosis is for whoever wants to know.
 void qvEclipseReader::tellNoInit(const std::string& path) {
-  Diagnosis diagnosis;
-  diagnosis.path = path;
+  Diagnosis diagnosis{.message = Message::FileOpen, .path = path};
   const auto source = FileSource::open(path, diagnosis.problem);
-  if (source) diagnosis.problem = source->size() == 0 ? "file is empty" : "is no INIT file";
+  if (source) {
+    diagnosis.message = source->size() == 0 ? Message::FileEmpty : Message::FileType;
+    diagnosis.offset = 0;
+    diagnosis.problem = source->size() == 0 ? "" : "not an INIT file";
+    diagnosis.expected = source->size() == 0 ? "" : "INTEHEAD or SEQNUM";
+  }
   session_->diagnose(std::move(diagnosis));
 }
 
@@ -289,7 +295,7 @@ void qvEclipseReader::GetINITArray(std::string_view zName, bool qAllCells, std::
                                    bool& qOK) {
   fetchInit("GetINITArray", qOK, [&](qvEclipseINIT& file) {
     const auto& arrays = file.grid().arrays;
-    const auto found = std::ranges::find(arrays, upper(trim(zName)), &KeptArray::name);
+    const auto found = std::ranges::find(arrays, upper(trim(zName)), &KeptArray::name);  // kept in upper case
     if (found == arrays.end()) return false;
     bool qDone = false;
     const auto place = static_cast<std::int32_t>(found - arrays.begin()) + 1;
