@@ -91,7 +91,7 @@ TEST(WellTestOperations, ReadTextsOfAUserInOnePlace) {
 
   // A file of the other kind is refused and what is held stays, until one is loaded.
   EXPECT_FALSE(host.load(folder.file("plt.txt"), 76));
-  EXPECT_THAT(host.session.diagnoses().back().problem, HasSubstr("user PLT"));
+  EXPECT_THAT(host.session.diagnoses().back().text(), HasSubstr("user PLT"));
   EXPECT_EQ(host.reader.ListUserTests().at(0).well, "A");
   ASSERT_TRUE(host.load(folder.file("plt.txt"), 77));
   const auto tests = host.reader.ListUserTests();
