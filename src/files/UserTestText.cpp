@@ -51,8 +51,10 @@ std::optional<UserTestText> recogniseUserTest(const ByteSource& source) {
       continue;
     }
     const auto parts = words(line);
-    if (parts[0] == openingWord(UserTestKind::Rft)) return UserTestText{UserTestKind::Rft, true};
-    if (parts[0] == openingWord(UserTestKind::Plt)) return UserTestText{UserTestKind::Plt, true};
+    if (headers.empty() && parts[0] == openingWord(UserTestKind::Rft))
+      return UserTestText{UserTestKind::Rft, true};
+    if (headers.empty() && parts[0] == openingWord(UserTestKind::Plt))
+      return UserTestText{UserTestKind::Plt, true};
     if (beginsAsNumber(parts[0])) return byColumns(headers.empty() ? remark : headers[0], parts.size());
     const auto command = userTestWord(UserTestKind::Rft, parts[0]);
     if (command && command->command == UserTestCommand::Open) return std::nullopt;
