@@ -10,16 +10,9 @@
 
 namespace lumbarn::cli {
 
-DiagnosesWithoutLeftovers::DiagnosesWithoutLeftovers(Session& session, FindingSink report)
-    : session_(session), before_(session.diagnosisSink) {
-  session.diagnosisSink = [report = std::move(report)](const Diagnosis& diagnosis) {
-    const bool leftover = diagnosis.keyword == "TABDIMS" && diagnosis.certainty == Certainty::Guess;
-    if (report && !leftover) report(diagnosis);
-  };
-}
+namespace {
 
-void checkInit(const std::string& path, Session& session, const FindingSink& report) {
-  const DiagnosesWithoutLeftovers diagnoses(session, report);
+void checkArrays(const std::string& path, Session& session) {
   qvEclipseINIT init(session);
   init.LoadData = false;
   bool qOK = init.CheckINITFile(path);
@@ -40,8 +33,15 @@ void checkInit(const std::string& path, Session& session, const FindingSink& rep
   }
 }
 
+}  // namespace
+
+void checkInit(const std::string& path, Session& session, const FindingSink& report) {
+  const auto shown = std::exchange(session.diagnosisSink, report);
+  checkArrays(path, session);
+  session.diagnosisSink = shown;
+}
+
 void addInitContent(Facts& facts, const std::string& path, Console& console) {
-  const DiagnosesWithoutLeftovers diagnoses(console.session(), console.session().diagnosisSink);
   qvEclipseINIT init(console.session());
   init.LoadData = false;
   init.AcceptDamaged = true;
@@ -63,9 +63,7 @@ void addInitContent(Facts& facts, const std::string& path, Console& console) {
   facts["arrays"] = arrays;
   facts["nnc"] = connections;
   Facts tables = Facts::array();
-  for (const auto& table : init.xTAB.tables()) {
-    if (init.xTAB.overlaps(table.zTable).empty()) tables.push_back(table.zTable);
-  }
+  for (const auto& table : init.xTAB.tables()) tables.push_back(table.zTable);
   facts["tables"] = tables;
 }
 

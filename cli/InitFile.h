@@ -10,20 +10,6 @@
 
 namespace lumbarn::cli {
 
-/// While it lives, the session's diagnoses go to `report`, other than those of tables that are likely not in
-/// use: where they matter they are told by a note.
-class DiagnosesWithoutLeftovers {
- public:
-  DiagnosesWithoutLeftovers(Session& session, FindingSink report);
-  ~DiagnosesWithoutLeftovers() { session_.diagnosisSink = before_; }
-  DiagnosesWithoutLeftovers(const DiagnosesWithoutLeftovers&) = delete;
-  DiagnosesWithoutLeftovers& operator=(const DiagnosesWithoutLeftovers&) = delete;
-
- private:
-  Session& session_;
-  FindingSink before_;
-};
-
 /// Reports arrays, pore volumes and simulation tables of an INIT file that do not fit together.
 void checkInit(const std::string& path, Session& session, const FindingSink& report);
 

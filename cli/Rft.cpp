@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <unordered_map>
 #include <variant>
 
@@ -166,7 +167,14 @@ void writeCaption(const TestSummary& test, std::ostream& out) {
   out << printable(caption) << "\n\n";
 }
 
-void writeTable(const std::vector<TestColumn>& columns, Format format, std::ostream& out) {
+/// The null value of the session stands for what a table of segments has no data for.
+bool isNull(const WellTestColumn::Values& values, std::size_t row, std::optional<float> null) {
+  const auto* singles = std::get_if<std::vector<float>>(&values);
+  return null && singles && (*singles)[row] == *null;
+}
+
+void writeTable(const std::vector<TestColumn>& columns, std::optional<float> null, Format format,
+                std::ostream& out) {
   std::vector<Column> heads;
   std::unordered_map<std::string_view, int> timesSeen;  // connections have cells in both tables of a PLT
   for (const TestColumn& column : columns) {
@@ -178,7 +186,8 @@ void writeTable(const std::vector<TestColumn>& columns, Format format, std::ostr
   const auto table = TableWriter::make(format, std::move(heads), out);
   const std::size_t rows = columns.empty() ? 0 : rowsOf(columns[0].values);
   for (std::size_t row = 0; row < rows; ++row) {
-    for (const TestColumn& column : columns) writeCell(column.values, row, *table);
+    for (const TestColumn& column : columns)
+      isNull(column.values, row, null) ? table->empty() : writeCell(column.values, row, *table);
   }
   table->finish();
 }
@@ -249,7 +258,9 @@ ExitStatus showTests(const RftOptions& options, Console& console) {
     const TestSummary& test = chosenTest(options, file->tests(), member.path);
     const auto columns = file->table(test, options.table(), std::max(options.branch, options.icd));
     if (format == Format::Table) writeCaption(test, output.stream());
-    writeTable(columns, format, output.stream());
+    const bool segments = options.table() == TestTableKind::Branch || options.table() == TestTableKind::Icd;
+    const auto null = static_cast<float>(console.session().NullValue);
+    writeTable(columns, segments ? std::optional(null) : std::nullopt, format, output.stream());
   } else {
     listTests(*file, format, output.stream());
   }

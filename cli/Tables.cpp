@@ -25,17 +25,12 @@ struct TablesOptions {
 /// in which decks are read.
 float shown(double value) { return static_cast<float>(value); }
 
-std::string note(const PhysicalTable& table) {
-  return table.overlaps.empty() ? "" : "in place of " + table.overlaps + ": likely not in use";
-}
-
 void writeList(const qvEclipseReader& reader, Format format, std::ostream& out) {
   std::vector<std::string> names;
   std::int32_t count = 0;
   bool qOK = false;
   reader.GetTableTypes(names, count, qOK);
-  std::vector<Column> columns{
-      {"table", false, 8}, {"number", true, 6}, {"rows", true, 4}, {"note"}, {"columns"}};
+  std::vector<Column> columns{{"table", false, 8}, {"number", true, 6}, {"rows", true, 4}, {"columns"}};
   std::vector<PhysicalTable> tables;
   std::vector<std::string> titles;
   for (const auto& name : names) {
@@ -46,7 +41,6 @@ void writeList(const qvEclipseReader& reader, Format format, std::ostream& out) 
         titlesOfOne.push_back(column.units.empty() ? column.name
                                                    : fmt::format("{} ({})", column.name, column.units));
       titles.push_back(fmt::format("{}", fmt::join(titlesOfOne, ", ")));
-      columns[3].width = std::max(columns[3].width, note(tables.back()).size());
     }
   }
   const auto table = TableWriter::make(format, columns, out);
@@ -54,7 +48,6 @@ void writeList(const qvEclipseReader& reader, Format format, std::ostream& out) 
     table->text(tables[i].name);
     table->number(tables[i].number);
     table->number(tables[i].rows());
-    table->text(note(tables[i]));
     table->text(titles[i]);
   }
   table->finish();
@@ -94,16 +87,12 @@ ExitStatus showTables(const TablesOptions& options, Console& console) {
   const RunFamily run = findRun(options.path);
   Output output(options.output, console.out(), pathsOf(run));
   qvEclipseReader reader(console.session());
-  {
-    const DiagnosesWithoutLeftovers diagnoses(console.session(), console.session().diagnosisSink);
-    openInit(reader, run, true, console);
-  }
-  if (reader.Init()->xTAB.nTables() == 0) console.say("the INIT file has no simulation tables");
+  openInit(reader, run, true, console);
+  if (!reader.Init()->xTAB.qTABDIMS()) console.say("the INIT file has no simulation tables");
   if (options.table.empty()) {
     writeList(reader, options.output.format, output.stream());
   } else {
     const auto table = tableOf(reader, options);
-    if (!table.overlaps.empty()) console.say(fmt::format("{}: {}", table.name, note(table)));
     writeTable(table, console.session().NullValue, options.output.format, output.stream());
   }
   output.commit();

@@ -11,7 +11,7 @@
 #include "../record/RecordCursor.h"
 #include "../support/Diagnosis.h"
 #include "../support/Text.h"
-#include "UserTestWords.h"
+#include "UserTestText.h"
 
 namespace lumbarn {
 namespace {
@@ -225,20 +225,11 @@ std::vector<std::byte> front(const ByteSource& source) {
   return bytes;
 }
 
-/// The kind of a text of well tests: commands of one may stand before the word that opens it.
+/// The kind of a text of well tests.
 FileKind userTestKind(const ByteSource& source) {
-  if (!looksLikeText(source)) return Unknown;
-  LineReader reader(std::make_shared<MemorySource>(front(source)), "");
-  while (reader.next()) {
-    const std::string line = upper(trim(reader.line()));
-    if (checkIfCommentLine(line)) continue;
-    const auto word = words(line).front();
-    if (word == openingWord(UserTestKind::Rft)) return UserRft;
-    if (word == openingWord(UserTestKind::Plt)) return UserPlt;
-    const auto command = userTestWord(UserTestKind::Rft, word);
-    if (!command || command->command == UserTestCommand::Open) return Unknown;
-  }
-  return Unknown;
+  const auto text = looksLikeText(source) ? recogniseUserTest(source) : std::nullopt;
+  if (!text) return Unknown;
+  return text->kind == UserTestKind::Rft ? UserRft : UserPlt;
 }
 
 std::string withArticle(FileKind kind) {

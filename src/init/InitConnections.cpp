@@ -9,6 +9,7 @@
 #include "../shapes/HeaderLayout.h"
 #include "../support/Diagnosis.h"
 #include "../support/Guarded.h"
+#include "../support/Text.h"
 #include "Connections.h"
 #include "qvEclipseINIT.h"
 
@@ -24,7 +25,7 @@ bool isKind(std::int32_t iType) { return iType >= 1 && iType <= 3; }
 
 void qvEclipseINIT::AddINITNNCArray(const RecordHeader& header, RecordCursor& cursor) {
   auto& records = current().xNNC;
-  const auto iType = whichNNCType(header.keyword);
+  const auto iType = whichNNCType(upper(header.keyword));
   if (!isKind(iType)) return;
   AddNNCArray(header, cursor, records[static_cast<std::size_t>(iType) - 1]);
   if (iType == 1) records[0].zNNCType = "NNC";
@@ -37,11 +38,11 @@ void qvEclipseINIT::AddINITNNCArray(const RecordHeader& header, RecordCursor& cu
 void qvEclipseINIT::AddNNCArray(const RecordHeader& header, RecordCursor& cursor, tNNC& xNNC) {
   if (header.count <= 0) return;
   if (xNNC.nArrays > 0 && header.count != xNNC.nItems) {
-    Diagnosis diagnosis;
-    diagnosis.path = FileName;
-    diagnosis.keyword = header.keyword;
-    diagnosis.offset = header.headerAt;
-    diagnosis.problem = "connection array of another length than those before";
+    Diagnosis diagnosis{.message = Message::InitConnections,
+                        .path = FileName,
+                        .keyword = header.keyword,
+                        .occurrence = cursor.occurrence(),
+                        .offset = header.headerAt};
     diagnosis.expected = fmt::format("{}", xNNC.nItems);
     diagnosis.found = fmt::format("{}", header.count);
     diagnosis.action = "dropped the array";
@@ -53,7 +54,7 @@ void qvEclipseINIT::AddNNCArray(const RecordHeader& header, RecordCursor& cursor
     xNNC.sData.insert(xNNC.sData.end(), values.begin(), values.end());
   }
   xNNC.nItems = static_cast<std::int32_t>(header.count);
-  xNNC.zArrays.push_back(header.keyword);
+  xNNC.zArrays.push_back(upper(header.keyword));
   xNNC.headers.push_back(header);
   xNNC.iKinds.push_back(static_cast<std::int32_t>(ArrayKind::Single));
   ++xNNC.nArrays;

@@ -184,7 +184,7 @@ void qvEclipseINIT::GetArray(std::int32_t iGridNumber, std::int32_t iArray, bool
     const bool everyCell = qAllCells && held->nActive != held->nCells;
     const bool longer = array.header.count == held->nCells && array.header.count > held->nActive;
     if (array.header.count != held->nActive && !longer) {
-      tellDropped(array, *held, "array does not fit its grid");
+      tellDropped(array, *held);
       return false;
     }
     const bool inMemory = !held->sData.empty();

@@ -8,6 +8,7 @@
 #include "../arrays/ArrayUnits.h"
 #include "../index/ActiveCount.h"
 #include "../index/RestartIndex.h"
+#include "../index/SectionTracker.h"
 #include "../record/ByteSource.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Dates.h"
@@ -25,11 +26,13 @@ constexpr const char* className = "qvEclipseINIT";
 
 constexpr std::string_view firstKeywords[] = {"INTEHEAD", "SEQNUM"};
 
-Diagnosis unreadable(const std::string& path, std::string problem) {
-  Diagnosis diagnosis;
-  diagnosis.path = path;
-  diagnosis.problem = std::move(problem);
-  return diagnosis;
+/// A diagnosis of the record that a cursor is at.
+Diagnosis ofRecord(Message message, const RecordCursor& cursor) {
+  return {.message = message,
+          .path = cursor.path(),
+          .keyword = cursor.header().keyword,
+          .occurrence = cursor.occurrence(),
+          .offset = cursor.header().headerAt};
 }
 
 }  // namespace
@@ -38,6 +41,7 @@ Diagnosis unreadable(const std::string& path, std::string problem) {
 struct qvEclipseINIT::Scan {
   RecordCursor& cursor;
   bool untilLocalGrid = false;  ///< end at the first LGR
+  SectionTracker sections;
 };
 
 std::int32_t whichNNCType(std::string_view zName) {
@@ -76,13 +80,15 @@ std::unique_ptr<RecordCursor> qvEclipseINIT::open() const {
   std::string why;
   std::shared_ptr<const ByteSource> source = FileSource::open(FileName, why);
   if (!source) {
-    session_->diagnose(unreadable(FileName, why));
+    session_->diagnose({.message = Message::FileOpen, .path = FileName, .problem = std::move(why)});
     return nullptr;
   }
   cFILETYPE cFile(*session_);
   bool qSet = false;
   setINITFileTypeProps(cFile, qSet);
-  return std::make_unique<RecordCursor>(std::move(source), cFile.form(), FileName);
+  auto cursor = std::make_unique<RecordCursor>(std::move(source), cFile.form(), FileName);
+  cursor->attach(*session_, RecordFile::Init);
+  return cursor;
 }
 
 void qvEclipseINIT::endAtDamage(Diagnosis diagnosis, std::string action) {
@@ -107,15 +113,23 @@ bool qvEclipseINIT::walk(Scan& scan) {
 /// False when the walk is to end.
 bool qvEclipseINIT::takeRecord(Scan& scan) {
   const auto& header = scan.cursor.header();
-  // Seen with and without data, and of several types; it goes by its name alone.
-  if (header.keyword == "LGRSGONE") {
-    iGrid = 1;
-    return true;
+  switch (scan.sections.take(scan.cursor)) {
+    case SectionMark::Step:
+      return ++nSEQNUM < 2;  // the second is another step's
+    case SectionMark::LocalGrid:
+      if (scan.untilLocalGrid) return false;
+      AddLGRGrid(scan.sections.grid());
+      return true;
+    case SectionMark::GlobalGrid:
+      iGrid = 1;
+      return true;
+    default:
+      break;
   }
-  if (header.keyword == "ENDLGR") return true;
   switch (header.type) {
     case ElementType::Integer:
-      return takeInteger(scan);
+      takeInteger(scan);
+      return true;
     case ElementType::Single:
       takeArray(scan);
       return true;
@@ -123,8 +137,6 @@ bool qvEclipseINIT::takeRecord(Scan& scan) {
       takeDouble(scan);
       return true;
     case ElementType::Text:
-      if (header.keyword == "LGR" && scan.untilLocalGrid) return false;
-      takeText(scan);
       return true;
     case ElementType::Logical:
       takeLogical(scan);
@@ -133,9 +145,7 @@ bool qvEclipseINIT::takeRecord(Scan& scan) {
       break;
   }
   if (header.count <= 0) return true;
-  auto diagnosis = unreadable(FileName, "record of an unknown type");
-  diagnosis.keyword = header.keyword;
-  diagnosis.offset = header.headerAt;
+  Diagnosis diagnosis = ofRecord(Message::InitRecordType, scan.cursor);
   diagnosis.found = header.typeWord;
   diagnosis.action = "stopped; kept the arrays before";
   session_->diagnose(std::move(diagnosis));
@@ -143,9 +153,8 @@ bool qvEclipseINIT::takeRecord(Scan& scan) {
   return false;
 }
 
-bool qvEclipseINIT::takeInteger(Scan& scan) {
+void qvEclipseINIT::takeInteger(Scan& scan) {
   const auto& keyword = scan.cursor.header().keyword;
-  if (keyword == "SEQNUM") return ++nSEQNUM < 2;  // the second is another step's
   if (keyword == "INTEHEAD") {
     takeHeader(scan);
   } else if (keyword == "TABDIMS") {
@@ -157,7 +166,6 @@ bool qvEclipseINIT::takeInteger(Scan& scan) {
   } else {
     takeArray(scan);
   }
-  return true;
 }
 
 /// A grid of too many cells is a fault; with AcceptDamaged it is damage like any other.
@@ -165,10 +173,7 @@ void qvEclipseINIT::takeHeader(Scan& scan) {
   try {
     processINTEHEAD(HeaderWords(scan.cursor.integers()));
   } catch (const Fault& fault) {
-    const auto& header = scan.cursor.header();
-    auto diagnosis = unreadable(FileName, "cell count cannot be");
-    diagnosis.keyword = header.keyword;
-    diagnosis.offset = header.headerAt;
+    Diagnosis diagnosis = ofRecord(Message::InitCellCount, scan.cursor);
     diagnosis.expected = "a product below 2^63";
     diagnosis.found = fmt::format("{} x {} x {}", current().Nx, current().Ny, current().Nz);
     if (AcceptDamaged) throw BadRecord(std::move(diagnosis));
@@ -186,17 +191,12 @@ void qvEclipseINIT::takeDouble(Scan& scan) {
   qTAB = true;
 }
 
-void qvEclipseINIT::takeText(Scan& scan) {
-  if (scan.cursor.header().keyword != "LGR") return;
-  const auto names = scan.cursor.texts();
-  AddLGRGrid(names.empty() ? std::string_view() : trim(names.front()));
-}
-
 void qvEclipseINIT::takeLogical(Scan& scan) {
   if (scan.cursor.header().keyword != "LOGIHEAD") return;
   std::vector<std::int16_t> words(static_cast<std::size_t>(scan.cursor.header().count));
   scan.cursor.readLogicals(words);
   takeLogicalHeader(words, current().iProgram, current().flags);
+  if (iGrid == 1) qFlagsKnown_ = std::ranges::any_of(words, [](std::int16_t word) { return word != 0; });
   if (iGrid != 1) current().flags.DualPorosity = tGrids_.front().flags.DualPorosity;
 }
 
@@ -217,7 +217,10 @@ void qvEclipseINIT::processINTEHEAD(HeaderWords words) {
   auto& flags = grid.flags;
   bool qPhases = false;
   EclipseFluids(grid.nPhases, flags.Oil, flags.Water, flags.Gas, qPhases);
-  if (iGrid == 1) xTAB.setPhases(grid.nPhases);
+  if (iGrid == 1) {
+    xTAB.setPhases(grid.nPhases);
+    xTAB.setProgram(grid.iProgram);
+  }
   if (!qHaveDate && words(65) > 0 && words(66) > 0 && words(67) > 0) {
     qHaveDate = true;
     iDay = words(65);
@@ -238,7 +241,7 @@ void qvEclipseINIT::AddLGRGrid(std::string_view zName) {
 
 bool qvEclipseINIT::checkINITArray(const RecordHeader& header) {
   const auto& grid = current();
-  const auto& name = header.keyword;
+  const std::string name = upper(header.keyword);
   if (name.empty() || header.count == 0) return false;
   if (name != "PORV" && header.count != grid.nActive && header.count != grid.nCells) return false;
   if (!checkEclipseONLYList(*session_, name)) return false;
@@ -251,12 +254,13 @@ void qvEclipseINIT::takeArray(Scan& scan) {
   constexpr std::int32_t noConnections = 4;
   const auto& header = scan.cursor.header();
   const bool single = header.type == ElementType::Single;
-  if (whichNNCType(header.keyword) != noConnections) {
+  const std::string name = upper(header.keyword);
+  if (whichNNCType(name) != noConnections) {
     if (single) AddINITNNCArray(header, scan.cursor);
     return;
   }
   auto& grid = current();
-  if (single && header.keyword == "PORV") {
+  if (single && name == "PORV") {
     grid.PORV = header;
     grid.active.reset();
   }
@@ -279,13 +283,25 @@ void qvEclipseINIT::keepArrays() {
       const auto kind = header.type == ElementType::Integer ? ArrayKind::Integer
                         : longer                            ? ArrayKind::Compressed
                                                             : ArrayKind::Single;
-      const auto unit = arrayUnit(header.keyword, grid.iUnits);
-      grid.arrays.push_back({header.keyword, std::string(unit), kind, std::move(header)});
+      // The name as it is shown; the header keeps that of the file.
+      std::string name = upper(header.keyword);
+      if (std::ranges::find(grid.arrays, name, &KeptArray::name) != grid.arrays.end()) diagnoseTwice(header);
+      const auto unit = arrayUnit(name, grid.iUnits);
+      grid.arrays.push_back({std::move(name), std::string(unit), kind, std::move(header)});
     }
     grid.candidates.clear();
     grid.nVectorsMax = std::max(grid.nVectorsMax, grid.nVectors());
   }
   iGrid = 1;
+}
+
+/// Each of them has its own column; only a request by name cannot tell them apart.
+void qvEclipseINIT::diagnoseTwice(const RecordHeader& header) const {
+  session_->diagnose({.message = Message::InitArrayTwice,
+                      .path = FileName,
+                      .keyword = header.keyword,
+                      .offset = header.headerAt,
+                      .action = "kept all of them; a request by name gets the first"});
 }
 
 void qvEclipseINIT::SetDates() {
@@ -308,7 +324,8 @@ void qvEclipseINIT::setTableProperties() {
                            .RockCompaction = flags.RockCompaction,
                            .further = false,
                            .VapourisedOil = flags.VapourisedOil,
-                           .VerticalEquilibrium = flags.VerticalEquilibrium});
+                           .VerticalEquilibrium = flags.VerticalEquilibrium,
+                           .known = qFlagsKnown_});
 }
 
 void qvEclipseINIT::reset() {
@@ -316,7 +333,7 @@ void qvEclipseINIT::reset() {
   tGrids_.emplace_back();
   iGrid = 1;
   iHeader.clear();
-  qHaveDate = qTABDIMS = qTAB = qHaveTables_ = qDamaged = unreadable_ = false;
+  qHaveDate = qTABDIMS = qTAB = qHaveTables_ = qFlagsKnown_ = qDamaged = unreadable_ = false;
   nSEQNUM = 0;
   xTAB.clear();
 }
@@ -324,23 +341,32 @@ void qvEclipseINIT::reset() {
 void qvEclipseINIT::getEclipseINITArrays(bool& qOK) {
   guarded(*session_, qOK, className, "getEclipseINITArrays", [&] {
     reset();
-    const auto cursor = open();
-    if (!cursor) return false;
-    Scan scan{*cursor};
-    if (!walk(scan)) return false;
-    keepArrays();
-    SetDates();
-    setTableProperties();
-    bool qTables = false;
-    xTAB.processTables(qTables);
-    qHaveTables_ = qTables && xTAB.nTables() > 0;
-    for (auto& grid : tGrids_) {
-      if (LoadData && !loadValues(*cursor, grid)) return false;
-      if (!grid.arrays.empty()) grid.nVectorsMax = grid.nVectors();
-    }
-    iGrid = 1;
-    return !unreadable_ || AcceptDamaged;
+    return load() && (!unreadable_ || AcceptDamaged);
   });
+  // After damage, what was read before it can be fetched; after a load that was canceled, nothing.
+  if (!session_->cancelled()) return;
+  removeScratchFiles();
+  reset();
+}
+
+/// False when the load was canceled, or the file cannot be opened.
+bool qvEclipseINIT::load() {
+  const auto cursor = open();
+  if (!cursor) return false;
+  Scan scan{*cursor};
+  if (!walk(scan)) return false;
+  keepArrays();
+  SetDates();
+  setTableProperties();
+  bool qTables = false;
+  xTAB.processTables(qTables);
+  qHaveTables_ = xTAB.nTables() > 0;  // also when one of them does not lie in TAB
+  for (auto& grid : tGrids_) {
+    if (LoadData && !loadValues(*cursor, grid)) return false;
+    if (!grid.arrays.empty()) grid.nVectorsMax = grid.nVectors();
+  }
+  iGrid = 1;
+  return true;
 }
 
 void qvEclipseINIT::GetInitVectorList(std::int32_t& nVectors, std::vector<std::string>& zVectors, bool& qOK,

@@ -58,25 +58,30 @@ void readCompressed(RecordCursor& cursor, std::span<const std::int32_t> iA2N, st
   });
 }
 
+void removeScratch(GRIDINFO& grid) {
+  std::error_code ignored;
+  if (!grid.zScratchFile.empty()) std::filesystem::remove(std::exchange(grid.zScratchFile, {}), ignored);
+}
+
 // Layout of a scratch file, as for every table that hosts take over: number of dimensions, two words that
 // they take as fixed, lower bounds, upper bounds, then the values.
 constexpr std::int32_t scratchWords = 7;
 
 }  // namespace
 
-qvEclipseINIT::~qvEclipseINIT() {
-  std::error_code ignored;
-  for (const auto& grid : tGrids_) {
-    if (!SaveScratchFile && !grid.zScratchFile.empty()) std::filesystem::remove(grid.zScratchFile, ignored);
-  }
+void qvEclipseINIT::removeScratchFiles() {
+  for (auto& grid : tGrids_) removeScratch(grid);
 }
 
-void qvEclipseINIT::tellDropped(const KeptArray& array, const GRIDINFO& grid, std::string why) const {
-  Diagnosis diagnosis;
-  diagnosis.path = FileName;
-  diagnosis.keyword = array.name;
-  diagnosis.offset = array.header.headerAt;
-  diagnosis.problem = std::move(why);
+qvEclipseINIT::~qvEclipseINIT() {
+  if (!SaveScratchFile) removeScratchFiles();
+}
+
+void qvEclipseINIT::tellDropped(const KeptArray& array, const GRIDINFO& grid) const {
+  Diagnosis diagnosis{.message = Message::InitArrayLength,
+                      .path = FileName,
+                      .keyword = array.name,
+                      .offset = array.header.headerAt};
   diagnosis.expected = fmt::format("{} values for grid {}", grid.nActive, grid.GridName);
   diagnosis.found = fmt::format("{}", array.header.count);
   diagnosis.action = "dropped the array";
@@ -85,9 +90,7 @@ void qvEclipseINIT::tellDropped(const KeptArray& array, const GRIDINFO& grid, st
 
 /// The same text for each array, so that it is told once where arrays are shown one after the other.
 void qvEclipseINIT::tellUnnumbered(const GRIDINFO& grid) const {
-  Diagnosis diagnosis;
-  diagnosis.path = FileName;
-  diagnosis.keyword = "PORV";
+  Diagnosis diagnosis{.message = Message::InitActiveCells, .path = FileName, .keyword = "PORV"};
   if (grid.PORV) diagnosis.offset = grid.PORV->headerAt;
   diagnosis.problem = fmt::format("which {} of the {} cells of grid {} are active is not known", grid.nActive,
                                   grid.nCells, grid.GridName);
@@ -201,14 +204,14 @@ bool qvEclipseINIT::readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptAr
 
 /// Arrays that turn out not to fit, or whose values are damaged, are dropped on the way. False when it was
 /// cancelled.
-bool qvEclipseINIT::readColumns(RecordCursor& cursor, GRIDINFO& grid) {
+bool qvEclipseINIT::readColumns(RecordCursor& cursor, GRIDINFO& grid, XYData& columns) {
   for (std::size_t i = 0; i < grid.arrays.size();) {
     if (session_->yield()) return false;
     const auto& array = grid.arrays[i];
     bool kept = false;
     try {
-      kept = readArray(cursor, grid, array, grid.sData.column(i + 1));
-      if (!kept) tellDropped(array, grid, "array does not fit its grid");
+      kept = readArray(cursor, grid, array, columns.column(i + 1));
+      if (!kept) tellDropped(array, grid);
     } catch (BadRecord& damage) {
       endAtDamage(std::move(damage.diagnosis()), "dropped the array");
     }
@@ -229,22 +232,24 @@ bool qvEclipseINIT::readColumns(RecordCursor& cursor, GRIDINFO& grid) {
 bool qvEclipseINIT::loadValues(RecordCursor& cursor, GRIDINFO& grid) {
   std::erase_if(grid.arrays, [&](const KeptArray& array) {
     const bool unfit = grid.nActive < 0 || array.header.count < grid.nActive;
-    if (unfit) tellDropped(array, grid, "array does not fit its grid");
+    if (unfit) tellDropped(array, grid);
     return unfit;
   });
   if (grid.arrays.empty()) return true;
+  XYData columns;
   try {
-    grid.sData = XYData(static_cast<std::size_t>(grid.nActive), grid.arrays.size(), *session_);
+    columns = XYData(static_cast<std::size_t>(grid.nActive), grid.arrays.size(), *session_);
   } catch (const Fault& fault) {
     if (fault.number() != FaultNumber::OutOfMemory) throw;
-    loadThroughScratch(cursor, grid);
-    return true;
+    return loadThroughScratch(cursor, grid);
   }
-  return readColumns(cursor, grid);
+  if (!readColumns(cursor, grid, columns)) return false;
+  grid.sData = std::move(columns);  // only now: a grid has all of its columns or none
+  return true;
 }
 
-/// One column at a time to a scratch file in place of memory.
-void qvEclipseINIT::loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid) {
+/// One column at a time to a scratch file in place of memory. False when it was canceled.
+bool qvEclipseINIT::loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid) {
   grid.zScratchFile = makeTemporaryFile("EI");
   Quarnet quarnet(*session_);
   cFILETYPE cFile(*session_);
@@ -255,6 +260,7 @@ void qvEclipseINIT::loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid) {
   if (qDone) quarnet.WriteRawIntegers(scratchWords, words, cFile, qDone);
   XYData column(static_cast<std::size_t>(grid.nActive), 1, *session_);
   for (const auto& array : grid.arrays) {
+    if (session_->yield()) break;
     if (qDone && !readArray(cursor, grid, array, column.values()))
       std::ranges::fill(column.values(), static_cast<float>(session_->NullValue));
     if (qDone) quarnet.WriteRawSingles(grid.nActive, column.values(), cFile, qDone);
@@ -262,6 +268,7 @@ void qvEclipseINIT::loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid) {
   bool qClosed = false;
   quarnet.CloseRecordFile(cFile, qClosed);
   if (!qDone || !qClosed) throw Fault(FaultNumber::OutOfMemory, "the scratch file cannot be written");
+  return !session_->cancelled();
 }
 
 void qvEclipseINIT::getINITDataFromScratchFile(XYData& xyData, bool& qOK) {
@@ -280,8 +287,7 @@ void qvEclipseINIT::getINITDataFromScratchFile(XYData& xyData, bool& qOK) {
                              qDone);
     quarnet.CloseRecordFile(cFile, qClosed);
     if (!qDone) return false;
-    std::error_code ignored;
-    std::filesystem::remove(std::exchange(held->zScratchFile, {}), ignored);
+    removeScratch(*held);
     xyData = std::move(values);
     return true;
   });

@@ -14,6 +14,7 @@ constexpr auto layouts = std::to_array<TableLayout>({
     {"ROCKTAB", "", 4, 0, 5, 6},
     {"PVTO", "", 7, 9, 10, 11},
     {"PVDO", "", 7, 0, 10, 11},
+    {"PVCDO", "", 7, 0, 10, 11},
     {"RS", "PVTO", 8, 0, 9, 11},
     {"PVTW", "", 12, 0, 0, 13},
     {"PVTG", "", 14, 16, 17, 18},
@@ -57,6 +58,13 @@ constexpr auto columnTables = std::to_array<NamedColumns>({
        {"CW", "", Compressibility},
        {"MUW", "1/(BW*MUW)", Viscosity},
        {"CV", "CW-CV", Compressibility}}}},
+    {"PVCDO",
+     5,
+     {{{"PREF", "", Pressure},
+       {"BO", "1/BO", LiquidVolumeFactor},
+       {"CO", "", Compressibility},
+       {"MUO", "1/(BO*MUO)", Viscosity},
+       {"CVO", "CO-CVO", Compressibility}}}},
     {"ROCK", 2, {{{"PREF", "", Pressure}, {"CR", "", Compressibility}}}},
     {"ROCKTAB", 3, {{{"P", "", Pressure}, {"PVMULT", "", None}, {"TRMULT", "", None}}}},
     {"DENSITY", 3, {{{"OIL", "", Density}, {"WATER", "", Density}, {"GAS", "", Density}}}},
@@ -80,6 +88,8 @@ constexpr auto columnTables = std::to_array<NamedColumns>({
 
 }  // namespace
 
+std::span<const TableLayout> tableLayouts() { return layouts; }
+
 const TableLayout* tableLayout(std::string_view zTable) {
   const auto* row = std::ranges::find(layouts, zTable, &TableLayout::name);
   return row == layouts.end() ? nullptr : row;
@@ -93,6 +103,11 @@ std::span<const TableColumn> tableColumns(std::string_view zTable) {
 
 std::int32_t GRAFTableColumns(std::string_view zTable) {
   return static_cast<std::int32_t>(tableColumns(zTable).size());
+}
+
+std::string_view tableUnit(Quantity quantity, std::int32_t iUnits, std::int32_t iProgram) {
+  const bool converted = quantity == Pressure || quantity == PressureDifference || quantity == GasInOil;
+  return unitOf(quantity, iProgram == simulatorOfMetricTables && converted ? metricUnits : iUnits);
 }
 
 std::string_view relatedTable(std::string_view zTable) {

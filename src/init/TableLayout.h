@@ -21,6 +21,7 @@ struct TableLayout {
   int rowsWord = 0;
   int tablesWord = 0;
 };
+std::span<const TableLayout> tableLayouts();
 const TableLayout* tableLayout(std::string_view zTable);
 
 /// Columns that are taken of a table. TAB may hold more behind them: slopes of the columns before.
@@ -32,8 +33,15 @@ struct TableColumn {
   std::string_view raw;   ///< what TAB holds, when that is something else: "1/BO"
   Quantity quantity = Quantity::None;
 };
+/// The simulator with this code (INTEHEAD word 95) stores pressures and solution gas-oil ratios of TAB in
+/// metric units whatever the units of the run.
+inline constexpr std::int32_t simulatorOfMetricTables = -1;
+/// The unit of a column in a file of this unit system and simulator code.
+std::string_view tableUnit(Quantity quantity, std::int32_t iUnits, std::int32_t iProgram);
+
 /// The columns of a table, `GRAFTableColumns` of them.
 std::span<const TableColumn> tableColumns(std::string_view zTable);
+
 /// "PVTG" names "PGAS", "PVTO" and "PVCO" name "RS": the table that holds the values of the outer index.
 /// Empty for others.
 std::string_view relatedTable(std::string_view zTable);

@@ -8,7 +8,6 @@
 #include "../shapes/HeaderLayout.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
-#include "BlankRows.h"
 #include "qvEclipseDTAB.h"
 
 namespace lumbarn {
@@ -40,30 +39,50 @@ InversePair inversePair(std::span<const TableColumn> columns) {
   return pair;
 }
 
+/// The column, from 0, that holds the difference of compressibility and viscosibility; 0 in a table without.
+std::size_t differenceColumn(std::span<const TableColumn> columns) {
+  const auto found = std::ranges::find_if(
+      columns, [](const TableColumn& column) { return column.raw.find('-') != std::string_view::npos; });
+  return found == columns.end() ? 0 : static_cast<std::size_t>(found - columns.begin());
+}
+constexpr std::size_t compressibility = 2;
+
 }  // namespace
+
+TableShape qvEclipseDTAB::shapeOf(const tTableInfo& table) const {
+  const auto size = [&](std::size_t i) { return static_cast<std::size_t>(table.iDimens[i]); };
+  const std::size_t sizes = table.iDimens.size();
+  const std::size_t inner = sizes == 4 ? size(1) : 1;
+  return {table.dValues.size() / size(sizes - 2) / size(sizes - 1) / inner, inner, size(sizes - 1)};
+}
 
 /// The values of one table of several, first size fastest, without the size that counts tables. In TAB the
 /// rows of one value of an outer index stand together, as files show, so these two sizes change places.
 template <class Number>
 bool qvEclipseDTAB::oneTable(const tTableInfo& table, std::int32_t iTable,
                              std::vector<Number>& values) const {
-  const auto size = [&](std::size_t i) { return static_cast<std::size_t>(table.iDimens[i]); };
-  const std::size_t sizes = table.iDimens.size();
-  const std::size_t tables = size(sizes - 2);
-  const std::size_t columns = size(sizes - 1);
+  const auto tables = static_cast<std::size_t>(table.iDimens[table.iDimens.size() - 2]);
   if (iTable < 1 || static_cast<std::size_t>(iTable) > tables) return false;
-  const std::size_t block = table.dValues.size() / tables / columns;
-  const std::size_t inner = sizes == 4 ? size(1) : 1;
-  const std::size_t outer = block / inner;
-  values.resize(block * columns);
-  for (std::size_t c = 0; c < columns; ++c) {
+  const TableShape shape = shapeOf(table);
+  const std::size_t block = shape.rows();
+  values.resize(block * shape.columns);
+  for (std::size_t c = 0; c < shape.columns; ++c) {
     const auto* from = table.dValues.data() + (c * tables + static_cast<std::size_t>(iTable) - 1) * block;
-    for (std::size_t i = 0; i < outer; ++i) {
-      for (std::size_t j = 0; j < inner; ++j)
-        values[c * block + j * outer + i] = static_cast<Number>(from[i * inner + j]);
+    for (std::size_t i = 0; i < shape.outer; ++i) {
+      for (std::size_t j = 0; j < shape.inner; ++j)
+        values[c * block + j * shape.outer + i] = static_cast<Number>(from[i * shape.inner + j]);
     }
   }
   return true;
+}
+
+/// The rows of one table that exist, for every view of it.
+std::vector<bool> qvEclipseDTAB::rowsOf(const tTableInfo& table, std::int32_t iTable) const {
+  std::vector<double> values, keys;
+  oneTable(table, iTable, values);
+  if (const auto* related = find(relatedTable(table.zTable))) oneTable(*related, iTable, keys);
+  const auto* layout = tableLayout(table.zTable);
+  return existingRows(values, shapeOf(table), layout && layout->rowsWord != 0, keys);
 }
 
 void qvEclipseDTAB::getTable(std::string_view zTable, std::int32_t iTable, std::vector<float>& dTable,
@@ -75,9 +94,9 @@ void qvEclipseDTAB::getTable(std::string_view zTable, std::int32_t iTable, std::
     iDimens = table->iDimens;
     iDimens.erase(iDimens.end() - 2);
     nDims = static_cast<std::int32_t>(iDimens.size());
-    bool qCompressed = false;
-    compressTable(dTable, iDimens, qCompressed);
-    return qCompressed;
+    if (iDimens.size() > 3) return false;
+    compressTable(dTable, iDimens, shapeOf(*table), rowsOf(*table, iTable));
+    return true;
   });
 }
 
@@ -85,7 +104,6 @@ void qvEclipseDTAB::getTable2d(std::string_view zTable, std::int32_t iTable, std
                                std::vector<std::int32_t>& iDimens, std::int32_t& nDims, bool& qOK,
                                bool qDefault) const {
   guarded(*session_, qOK, className, "getTable2d", [&] {
-    constexpr std::size_t compressibility = 2, viscosibility = 4;
     bool qGot = false;
     getTable(zTable, iTable, dTable, iDimens, nDims, qGot, qDefault);
     if (!qGot) return false;
@@ -94,13 +112,12 @@ void qvEclipseDTAB::getTable2d(std::string_view zTable, std::int32_t iTable, std
       if (!relatedTable(name).empty()) Produce2DTable(name, iTable, dTable, iDimens, nDims, qGot);
       return qGot;
     }
-    if (qDefault) {
-      compressTableCheckAllLines(dTable, iDimens, blankLimit, -blankLimit, qGot);
-    } else if (name == "PVTW" && iDimens[1] > static_cast<std::int32_t>(viscosibility)) {
+    const std::size_t difference = qDefault ? 0 : differenceColumn(tableColumns(name));
+    if (difference != 0 && std::cmp_less(difference, iDimens[1])) {
       const auto rows = static_cast<std::size_t>(iDimens[0]);
       for (std::size_t i = 0; i < rows; ++i) {
-        auto& difference = dTable[viscosibility * rows + i];
-        difference = dTable[compressibility * rows + i] - difference;
+        auto& value = dTable[difference * rows + i];
+        value = dTable[compressibility * rows + i] - value;
       }
     }
     return qGot;
@@ -158,7 +175,7 @@ bool qvEclipseDTAB::fillHeaders(std::string_view zTable, std::int32_t iUnits, By
     setAttribute(attributeVariable, bHeaders, before + i, label);
     // The units known here are those of the physical value.
     if (column.raw.empty())
-      setAttribute(attributeUnits, bHeaders, before + i, unitOf(column.quantity, iUnits));
+      setAttribute(attributeUnits, bHeaders, before + i, tableUnit(column.quantity, iUnits, iProgram_));
   }
   return !columns.empty();
 }
@@ -204,9 +221,9 @@ void qvEclipseDTAB::InvertColumns(std::int32_t iFirst, std::int32_t iSecond, std
 /// Makes the values of one row physical; single blank values, and what would follow from them, become the
 /// null value.
 void qvEclipseDTAB::makePhysical(std::string_view zTable, std::span<double> row) const {
-  constexpr std::size_t compressibility = 2, viscosibility = 4;
   const double null = session_->NullValue;
-  const auto pair = inversePair(tableColumns(zTable));
+  const auto columns = tableColumns(zTable);
+  const auto pair = inversePair(columns);
   if (pair.viscosity > 0) {
     auto& volume = row[pair.volume];
     auto& viscosity = row[pair.viscosity];
@@ -215,9 +232,9 @@ void qvEclipseDTAB::makePhysical(std::string_view zTable, std::span<double> row)
     if (known) invertPair(volume, bothKnown ? viscosity : unused, null);
     if (!bothKnown) viscosity = null;
   }
-  if (zTable == "PVTW") {
-    const bool bothKnown = !isBlank(row[compressibility]) && !isBlank(row[viscosibility]);
-    row[viscosibility] = bothKnown ? row[compressibility] - row[viscosibility] : null;
+  if (const auto difference = differenceColumn(columns); difference != 0) {
+    const bool bothKnown = !isBlank(row[compressibility]) && !isBlank(row[difference]);
+    row[difference] = bothKnown ? row[compressibility] - row[difference] : null;
   }
   for (auto& value : row) value = isBlank(value) ? null : value;
 }
@@ -235,27 +252,25 @@ PhysicalTable qvEclipseDTAB::physicalTable(std::string_view zTable, std::int32_t
     if (related && !oneTable(*related, iTable, keys)) return false;
     result.name = table->zTable;
     result.number = iTable;
-    result.overlaps = overlaps(table->zTable);
     const auto addColumn = [&](const TableColumn& column) {
       if (column.name.empty()) return;
-      result.columns.push_back({std::string(column.name), std::string(unitOf(column.quantity, iUnits)), {}});
+      result.columns.push_back(
+          {std::string(column.name), std::string(tableUnit(column.quantity, iUnits, iProgram_)), {}});
     };
     if (related) addColumn(tableColumns(related->zTable).front());
     for (const auto& column : columns) addColumn(column);
 
-    const std::size_t rows = values.size() / columns.size();
-    const std::size_t inner = table->iDimens.size() == 4 ? static_cast<std::size_t>(table->iDimens[1]) : 1;
-    const std::size_t outer = rows / inner;
+    const TableShape shape = shapeOf(*table);
+    const auto exists = rowsOf(*table, iTable);
     std::vector<double> row(columns.size());
-    for (std::size_t k = 0; k < rows; ++k) {
-      const std::size_t i = k / inner;
-      for (std::size_t c = 0; c < row.size(); ++c) row[c] = values[c * rows + k % inner * outer + i];
-      if (std::ranges::all_of(row, &isBlank<double>)) continue;
+    for (std::size_t k = 0; k < shape.rows(); ++k) {
+      const std::size_t i = k / shape.inner, at = k % shape.inner * shape.outer + i;
+      if (!exists[at]) continue;
+      for (std::size_t c = 0; c < row.size(); ++c) row[c] = values[c * shape.rows() + at];
       makePhysical(table->zTable, row);
       auto target = result.columns.begin();
       if (related) {
-        const bool known = i < keys.size() && !isBlank(keys[i]);
-        (target++)->values.push_back(known ? keys[i] : session_->NullValue);
+        (target++)->values.push_back(i < keys.size() ? keys[i] : session_->NullValue);
       }
       for (std::size_t c = 0; c < row.size(); ++c) {
         if (!columns[c].name.empty()) (target++)->values.push_back(row[c]);

@@ -19,14 +19,6 @@ std::string canonical(std::string_view zTable) { return upper(trim(zTable)); }
 
 }  // namespace
 
-void EclipseFluids(std::int32_t nPhases, bool& Oil, bool& Water, bool& Gas, bool& qOK) {
-  constexpr std::int32_t oilBit = 1, waterBit = 2, gasBit = 4;
-  qOK = nPhases >= 1 && nPhases <= 7;
-  Oil = qOK && (nPhases & oilBit) != 0;
-  Water = qOK && (nPhases & waterBit) != 0;
-  Gas = qOK && (nPhases & gasBit) != 0;
-}
-
 void qvEclipseDTAB::clear() {
   words_.fill(0);
   qTABDIMS_ = false;
@@ -48,15 +40,21 @@ void qvEclipseDTAB::processTABDIMS(std::span<const std::int32_t> iTABDIMS, bool&
   nPVTRows_ = std::max({nPVTRows_, word(10), word(17)});
   qOK = iTABDIMS.size() >= words_.size();
   if (qOK) return;
-  Diagnosis diagnosis;
-  diagnosis.path = FileName;
-  diagnosis.keyword = "TABDIMS";
-  diagnosis.offset = offset;
-  diagnosis.problem = "record is shorter than usual";
-  diagnosis.expected = fmt::format("{} words", words_.size());
-  diagnosis.found = fmt::format("{}", iTABDIMS.size());
-  diagnosis.action = "the tables that the missing words would describe are left out";
-  session_->diagnose(std::move(diagnosis));
+  diagnoseDims(Message::InitTableWords, {}, fmt::format("{} words", words_.size()),
+               fmt::format("{}", iTABDIMS.size()),
+               "omitted the tables that the missing words would describe");
+}
+
+void qvEclipseDTAB::diagnoseDims(Message message, std::string problem, std::string expected,
+                                 std::string found, std::string action) const {
+  session_->diagnose(Diagnosis{.message = message,
+                               .path = FileName,
+                               .problem = std::move(problem),
+                               .keyword = "TABDIMS",
+                               .offset = offset,
+                               .expected = std::move(expected),
+                               .found = std::move(found),
+                               .action = std::move(action)});
 }
 
 void qvEclipseDTAB::addDTAB(std::vector<double> dTAB, bool& qOK) {
@@ -72,62 +70,37 @@ void qvEclipseDTAB::processTables(bool& qOK) {
   guarded(*session_, qOK, className, "processTables", [&] {
     tables_.clear();
     if (!qTABDIMS_) return true;
-    bool Oil = false, Water = false, Gas = false, qPhases = false;
-    EclipseFluids(iPhases_, Oil, Water, Gas, qPhases);
-    // The order is part of what hosts see: it is that of the list, and a failure leaves the ones behind out.
-    std::vector<std::string_view> wanted;
-    const auto want = [&](std::initializer_list<std::string_view> names) {
-      wanted.insert(wanted.end(), names);
-    };
-    if (Water) want({"SWFN", "PVTW"});
-    if (Gas) want({"SGFN"});
-    if (Gas && properties_.VapourisedOil) want({"PVTG", "PGAS"});
-    if (Gas && !properties_.VapourisedOil) want({"PVDG"});
-    if (Gas) want({"RVVD"});
-    if (Oil) want({Water && Gas ? "SOF3" : "SOF2"});
-    if (Oil && properties_.DissolvedGas) want({"PVTO", "RS"});
-    if (Oil && !properties_.DissolvedGas) want({"PVDO"});
-    if (Oil) want({"RSVD"});
-    want({"DENSITY", properties_.RockCompaction ? "ROCKTAB" : "ROCK", "EQUIL"});
-    const bool all = std::ranges::all_of(wanted, [&](std::string_view name) { return addByLayout(name); });
-    tellOverlaps();
+    const auto blocks = tablesInUse(words_, iPhases_, properties_, dTAB_.size());
+    bool all = true;
+    for (const auto& described : blocks) {
+      const TableBlock block = asConstantCompressibility(described);
+      bool qAdded = false;
+      addTable(block.name, block.iStart, block.parent, block.iDimens, qAdded);
+      all = all && qAdded;
+    }
+    if (tables_.empty())
+      diagnoseDims(Message::InitTablesNone, {}, {},
+                   fmt::format("{} descriptions of tables in use", blocks.size()),
+                   "listed no simulation tables");
     return all;
   });
 }
 
-bool qvEclipseDTAB::addByLayout(std::string_view zTable) {
-  const auto& layout = *tableLayout(zTable);
-  const auto iStart = word(layout.startWord);
-  const auto nEach = word(layout.tablesWord);
-  if (iStart < 1 || nEach < 1) return true;
-  std::vector<std::int32_t> iDimens{word(layout.rowsWord), nEach, GRAFTableColumns(zTable)};
-  if (layout.outerWord != 0) iDimens.insert(iDimens.begin(), word(layout.outerWord));
-  bool qAdded = false;
-  addTable(zTable, iStart, layout.parent, iDimens, qAdded);
-  return qAdded;
-}
-
-/// Whether a block of these sizes lies in TAB, and how many values it has.
-bool qvEclipseDTAB::placeInTab(std::string_view zTable, std::int32_t iStart,
-                               std::span<const std::int32_t> iDimens, std::size_t& count) const {
-  const std::size_t behind = dTAB_.size() - std::min(dTAB_.size(), static_cast<std::size_t>(iStart) - 1);
-  count = 1;
-  bool fits = true;
-  for (const auto size : iDimens) {
-    fits = fits && size >= 0 && (size == 0 || count <= behind / static_cast<std::size_t>(size));
-    if (fits) count *= static_cast<std::size_t>(size);
+/// A deck's PVDO has at least two rows. A single one is that of a PVCDO, whose third column in TAB is a
+/// compressibility, so that it must not be divided as the reciprocal of a PVDO.
+TableBlock qvEclipseDTAB::asConstantCompressibility(TableBlock block) const {
+  constexpr std::string_view constant = "PVCDO";
+  const auto first = static_cast<std::size_t>(block.iStart) - 1;
+  if (block.name != "PVDO" || block.count > dTAB_.size() || first > dTAB_.size() - block.count) return block;
+  const auto rows = static_cast<std::size_t>(block.iDimens[0]);
+  const auto tables = static_cast<std::size_t>(block.iDimens[1]);
+  for (std::size_t table = 0; table < tables; ++table) {
+    const auto pressures = std::span(dTAB_).subspan(first + table * rows, rows);
+    if (std::ranges::count_if(pressures, [](double value) { return !isBlank(value); }) != 1) return block;
   }
-  if (fits) return true;
-  Diagnosis diagnosis;
-  diagnosis.path = FileName;
-  diagnosis.keyword = "TABDIMS";
-  diagnosis.offset = offset;
-  diagnosis.problem = fmt::format("table {} does not lie in TAB", zTable);
-  diagnosis.expected = fmt::format("at most {} values from {} on", behind, iStart);
-  diagnosis.found = fmt::format("{}", fmt::join(iDimens, " x "));
-  diagnosis.action = fmt::format("kept the {} tables before it", tables_.size());
-  session_->diagnose(std::move(diagnosis));
-  return false;
+  block.name = constant;
+  block.iDimens.back() = GRAFTableColumns(constant);
+  return block;
 }
 
 void qvEclipseDTAB::addTable(std::string_view zTable, std::int32_t iStart, std::string_view zParent,
@@ -135,9 +108,15 @@ void qvEclipseDTAB::addTable(std::string_view zTable, std::int32_t iStart, std::
   guarded(*session_, qOK, className, "addTable", [&] {
     if (iStart < 1) return true;
     if (iDimens.size() < 2 || iDimens.size() > 5) return false;
-    std::size_t count = 0;
-    if (!placeInTab(zTable, iStart, iDimens, count)) return false;
-    if (count == 0) return true;  // no rows are no table, and no reason to leave out those behind
+    const std::size_t behind = dTAB_.size() - std::min(dTAB_.size(), static_cast<std::size_t>(iStart) - 1);
+    const std::size_t count = tableSize(iDimens);
+    if (count > behind) {
+      diagnoseDims(Message::InitTableExtent, fmt::format("table {} does not lie in TAB", zTable),
+                   fmt::format("at most {} values from {} on", behind, iStart),
+                   fmt::format("{}", fmt::join(iDimens, " x ")), "omitted the table");
+      return false;
+    }
+    if (count == 0) return true;  // a table without rows is not an error
     const auto* first = dTAB_.data() + iStart - 1;
     tables_.push_back({canonical(zTable),
                        iStart,
@@ -147,42 +126,6 @@ void qvEclipseDTAB::addTable(std::string_view zTable, std::int32_t iStart, std::
                        {first, first + count}});
     return true;
   });
-}
-
-std::string qvEclipseDTAB::overlaps(std::string_view zTable) const {
-  const auto* table = find(zTable);
-  const auto inUse = [&](const tTableInfo& one) {
-    const auto* layout = tableLayout(one.zTable);
-    return !layout || word(layout->startWord) != 1 || word(layout->outerWord) != 1 ||
-           word(layout->rowsWord) != 1 || word(layout->tablesWord) != 1;
-  };
-  if (!table || inUse(*table)) return {};
-  const auto last = [](const tTableInfo& one) { return one.iStart + std::ssize(one.dValues); };
-  for (const auto& other : tables_) {
-    if (inUse(other) && other.iStart < last(*table) && table->iStart < last(other)) return other.zTable;
-  }
-  return {};
-}
-
-/// The list keeps such tables, as hosts know it; only a diagnosis and `overlaps` tell them apart.
-void qvEclipseDTAB::tellOverlaps() const {
-  std::vector<std::string> names;
-  std::string owner;
-  for (const auto& table : tables_) {
-    const auto other = overlaps(table.zTable);
-    if (other.empty()) continue;
-    names.push_back(table.zTable);
-    owner = other;
-  }
-  if (names.empty()) return;
-  Diagnosis diagnosis;
-  diagnosis.path = FileName;
-  diagnosis.keyword = "TABDIMS";
-  diagnosis.offset = offset;
-  diagnosis.problem = fmt::format("{} would stand where {} stands", fmt::join(names, ", "), owner);
-  diagnosis.action = "kept, though their words are all 1, which some writers leave in words not in use";
-  diagnosis.certainty = Certainty::Guess;
-  session_->diagnose(std::move(diagnosis));
 }
 
 const tTableInfo* qvEclipseDTAB::find(std::string_view zTable) const {

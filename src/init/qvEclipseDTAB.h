@@ -10,12 +10,10 @@
 
 #include "../shapes/ByteTable.h"
 #include "../support/Session.h"
-#include "TableLayout.h"
+#include "TableRows.h"
+#include "TableUse.h"
 
 namespace lumbarn {
-
-/// Phases of a run from their bits: 1 oil, 2 water, 4 gas. Any value outside 1..7 sets none: qOK False.
-void EclipseFluids(std::int32_t nPhases, bool& Oil, bool& Water, bool& Gas, bool& qOK);
 
 /// One table of TAB: all its numbers in one block.
 struct tTableInfo {
@@ -38,24 +36,8 @@ struct PhysicalTable {
   std::string name;
   std::int32_t number = 0;  ///< from 1
   std::vector<Column> columns;
-  /// The table whose place in TAB this one shares, when the words that say so are likely not in use: the
-  /// values are then that table's, not this one's.
-  std::string overlaps;
 
   std::size_t rows() const { return columns.empty() ? 0 : columns.front().values.size(); }
-};
-
-/// The flags of a run that decide which tables it has.
-struct TableProperties {
-  bool Brine = false;
-  bool CompressedVE = false;
-  bool DissolvedGas = false;
-  bool Polymer = false;
-  bool ReversibleRockCompaction = false;
-  bool RockCompaction = false;
-  bool further = false;
-  bool VapourisedOil = false;
-  bool VerticalEquilibrium = false;
 };
 
 /// The saturation, PVT, rock, density and equilibration tables of an INIT file, from its records TABDIMS and
@@ -64,7 +46,8 @@ struct TableProperties {
 /// In TAB a column of a table stands whole, one table after the other, and one column of all tables after the
 /// other. Where a table has an outer index, the rows of one of its values stand together: files have it so.
 /// Formation volume factors and viscosities stand as reciprocals there; `getTable` gives them as they stand,
-/// `physicalTable` as they are meant.
+/// `physicalTable` as they are meant. An oil table with a single row is that of a PVCDO keyword, and has its
+/// name and columns.
 class qvEclipseDTAB {
  public:
   explicit qvEclipseDTAB(Session& session = Session::process()) : session_(&session) {}
@@ -79,10 +62,11 @@ class qvEclipseDTAB {
   void processTABDIMS(std::span<const std::int32_t> iTABDIMS, bool& qOK);
   void addDTAB(std::vector<double> dTAB, bool& qOK);
   void setPhases(std::int32_t nPhases) { iPhases_ = nPhases; }
+  void setProgram(std::int32_t iProgram) { iProgram_ = iProgram; }  ///< INTEHEAD word 95; decides units
   void setTableProperties(const TableProperties& properties) { properties_ = properties; }
   const TableProperties& tableProperties() const { return properties_; }
-  /// Builds the list. Success with nothing in it when there was no TABDIMS. A table that does not lie in TAB
-  /// ends the building: qOK False, a diagnosis says which, and the tables taken before stay.
+  /// Builds the list of the tables in use; see `tablesInUse`. Success with nothing in it when there was no
+  /// TABDIMS. A table that does not lie in TAB is not added: qOK False, and a diagnosis says which.
   void processTables(bool& qOK);
   /// Takes one table; iDimens are its sizes as in `tTableInfo`. A start below 1 adds nothing, which is no
   /// failure.
@@ -111,9 +95,6 @@ class qvEclipseDTAB {
   std::int32_t nPVTTables() const { return nPVTTables_; }
   std::int32_t nPVTOuterRows() const { return nPVTOuterRows_; }
   std::int32_t nPVTRows() const { return nPVTRows_; }
-  /// The table in whose place a table stands whose words in TABDIMS are all 1, as some writers fill words
-  /// that are not in use; empty for every other table.
-  std::string overlaps(std::string_view zTable) const;
 
   // --- Fetching
 
@@ -151,16 +132,15 @@ class qvEclipseDTAB {
                               bool& qOK) const;
 
  private:
-  std::int32_t word(int number) const {
-    return number < 1 ? 1 : words_[static_cast<std::size_t>(number) - 1];
-  }
-  bool addByLayout(std::string_view zTable);
-  bool placeInTab(std::string_view zTable, std::int32_t iStart, std::span<const std::int32_t> iDimens,
-                  std::size_t& count) const;
-  void tellOverlaps() const;
+  std::int32_t word(int number) const { return words_[static_cast<std::size_t>(number) - 1]; }
+  void diagnoseDims(Message message, std::string problem, std::string expected, std::string found,
+                    std::string action) const;
+  TableBlock asConstantCompressibility(TableBlock block) const;
   const tTableInfo* find(std::string_view zTable) const;
   template <class Number>
   bool oneTable(const tTableInfo& table, std::int32_t iTable, std::vector<Number>& values) const;
+  TableShape shapeOf(const tTableInfo& table) const;
+  std::vector<bool> rowsOf(const tTableInfo& table, std::int32_t iTable) const;
   void makePhysical(std::string_view zTable, std::span<double> row) const;
   bool fillHeaders(std::string_view zTable, std::int32_t iUnits, ByteTable& bHeaders) const;
 
@@ -169,6 +149,7 @@ class qvEclipseDTAB {
   bool qTABDIMS_ = false;
   std::vector<double> dTAB_;
   std::int32_t iPhases_ = 0;
+  std::int32_t iProgram_ = 0;
   TableProperties properties_;
   std::vector<tTableInfo> tables_;
   std::int32_t nSaturationTables_ = 0;

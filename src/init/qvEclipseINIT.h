@@ -35,7 +35,7 @@ namespace lumbarn {
 ///
 /// Operations never throw and set qOK False on entry. Damage ends the load; what was read before it stays and
 /// can be fetched, and the session's diagnoses say where the file breaks off. A record with data of a type
-/// that nobody knows ends it too, with success.
+/// that nobody knows ends it too, with success. After a load that was canceled there is nothing to fetch.
 class qvEclipseINIT : public FormFlags {
  public:
   explicit qvEclipseINIT(Session& session = Session::process()) : xTAB(session), session_(&session) {}
@@ -142,13 +142,14 @@ class qvEclipseINIT : public FormFlags {
   GRIDINFO& current() { return tGrids_[static_cast<std::size_t>(iGrid) - 1]; }
   GRIDINFO* find(std::int32_t number);
   void reset();
+  bool load();
+  void removeScratchFiles();
   std::unique_ptr<RecordCursor> open() const;
   bool walk(Scan& scan);
   bool takeRecord(Scan& scan);
-  bool takeInteger(Scan& scan);
+  void takeInteger(Scan& scan);
   void takeHeader(Scan& scan);
   void takeDouble(Scan& scan);
-  void takeText(Scan& scan);
   void takeLogical(Scan& scan);
   void takeArray(Scan& scan);
   void keepArrays();
@@ -157,24 +158,26 @@ class qvEclipseINIT : public FormFlags {
   void AddLGRGrid(std::string_view zName);
   void AddINITNNCArray(const RecordHeader& header, RecordCursor& cursor);
   void AddNNCArray(const RecordHeader& header, RecordCursor& cursor, tNNC& xNNC);
+  void diagnoseTwice(const RecordHeader& header) const;
   void SetDates();
   void setTableProperties();
   void endAtDamage(Diagnosis diagnosis, std::string action);
   bool loadValues(RecordCursor& cursor, GRIDINFO& grid);
-  void loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid);
-  bool readColumns(RecordCursor& cursor, GRIDINFO& grid);
+  bool loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid);
+  bool readColumns(RecordCursor& cursor, GRIDINFO& grid, XYData& columns);
   bool readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptArray& array, std::span<float> column);
   void CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn = {});
   std::optional<DecidedCells> decideWithGridFile(ActivityEvidence& evidence, const GRIDINFO& grid) const;
   const InitActiveCells* activeOf(RecordCursor& cursor, GRIDINFO& grid);
   void tellUnnumbered(const GRIDINFO& grid) const;
-  void tellDropped(const KeptArray& array, const GRIDINFO& grid, std::string why) const;
+  void tellDropped(const KeptArray& array, const GRIDINFO& grid) const;
   void ranges(std::vector<float>& values, bool wantMin, bool& qOK);
 
   Session* session_;
   std::vector<GRIDINFO> tGrids_;
   bool qHaveTables_ = false;
-  bool unreadable_ = false;  // damaged in a way that fails the load
+  bool qFlagsKnown_ = false;  // some word of the global grid's LOGIHEAD is true
+  bool unreadable_ = false;   // damaged in a way that fails the load
 };
 
 }  // namespace lumbarn

@@ -39,6 +39,7 @@ void qvEclipseReader::ReadINITFile(bool& qOK) {
 }
 
 bool qvEclipseReader::readInit() {
+  init_.reset();  // what an earlier call read must not be fetched as this file's
   if (session_->yield()) return false;
   FileName = initFileOf(FileName);
   auto file = std::make_unique<qvEclipseINIT>(*session_);
@@ -56,6 +57,7 @@ bool qvEclipseReader::readInit() {
   init_ = std::move(file);
   bool qOK = false;
   init_->getEclipseINITArrays(qOK);
+  if (session_->cancelled()) init_.reset();
   if (qOK && qWriteIndex && hasIndexFolder(FileName)) {
     WriteEclipseInspecFile(walkInit(*session_, FileName), indexPath(FileName, "INSPEC"), qOK, *session_);
   }
@@ -282,7 +284,7 @@ void qvEclipseReader::GetINITArray(std::string_view zName, bool qAllCells, std::
                                    bool& qOK) {
   fetchInit("GetINITArray", qOK, [&](qvEclipseINIT& file) {
     const auto& arrays = file.grid().arrays;
-    const auto found = std::ranges::find(arrays, upper(trim(zName)), &KeptArray::name);
+    const auto found = std::ranges::find(arrays, upper(trim(zName)), &KeptArray::name);  // kept in upper case
     if (found == arrays.end()) return false;
     bool qDone = false;
     const auto place = static_cast<std::int32_t>(found - arrays.begin()) + 1;

@@ -92,6 +92,15 @@ struct MessageRow {
   ROW(HeaderLength, "header.length", Damage, "header is too short")                                          \
   ROW(SaveRecordType, "save.record.type", Damage, "SAVE files have no records of this type")                 \
   /* init */                                                                                                 \
+  ROW(InitCellCount, "init.intehead.cells", Damage, "cell count cannot be")                                  \
+  ROW(InitRecordType, "init.record.type", Damage, "record of an unknown type")                               \
+  ROW(InitArrayLength, "init.array.length", Incomplete, "array does not fit its grid")                       \
+  ROW(InitArrayTwice, "init.array.twice", Remark, "grid has several arrays of this name")                    \
+  ROW(InitActiveCells, "init.porv.cells", Incomplete, "it is not known which cells are active")              \
+  ROW(InitConnections, "init.nnc.length", Incomplete, "connection arrays differ in length")                  \
+  ROW(InitTableWords, "init.tabdims.length", Incomplete, "record is shorter than usual")                     \
+  ROW(InitTableExtent, "init.table.extent", Damage, "table does not lie in TAB")                             \
+  ROW(InitTablesNone, "init.table.none", Remark, "no simulation table is in use")                            \
   /* grid */                                                                                                 \
   ROW(GridType, "grid.type", Incomplete, "file contains no corner point grid")                               \
   ROW(GridSizes, "grid.sizes", Damage, "impossible sizes of a grid")                                         \
@@ -115,6 +124,16 @@ struct MessageRow {
   ROW(GridCacheUnused, "grid.cache.unused", Remark, "grid cache not used")                                   \
   ROW(GridCacheNotKept, "grid.cache.kept", Incomplete, "grid cache cannot be written")                       \
   /* welltests */                                                                                            \
+  ROW(WellTestDate, "welltest.date", Incomplete, "date is not valid")                                        \
+  ROW(WellTestArrayLength, "welltest.array.length", Incomplete, "array has another length than its table")   \
+  ROW(WellTestConnections, "welltest.connections", Incomplete, "connections of RFT and PLT differ in number")\
+  ROW(WellTestRecord, "welltest.record", Damage, "record of a test cannot be used")                          \
+  ROW(WellTestReference, "welltest.reference", Damage, "segment or branch does not exist")                   \
+  ROW(WellTestDerived, "welltest.derived", Incomplete, "derived values cannot be computed")                  \
+  ROW(UserTestDate, "usertest.date", Incomplete, "no date can be made of it")                                \
+  ROW(UserTestNumber, "usertest.number", Damage, "not a number")                                             \
+  ROW(UserTestRow, "usertest.row", Damage, "row has too few numbers")                                        \
+  ROW(UserTestWords, "usertest.words", Remark, "words are interpreted as column names or ignored")           \
   /* reader */                                                                                               \
   ROW(FileCode, "reader.code", Incomplete, "no reader for this file type code")                              \
   ROW(RunMember, "reader.run-member", Incomplete, "a file that belongs to this one is missing")              \

@@ -69,7 +69,7 @@ std::int32_t QVEclipseRFTtest::below(std::int32_t iSegment) const {
 
 QVEclipseRFTtest::ToldFault QVEclipseRFTtest::noWayToTubing(std::string found, FaultNumber number) const {
   const std::int32_t iColumn = segColumns_[SegColumn::SEGNXT];
-  tell("SEGNXT",
+  tell(Message::WellTestReference, "SEGNXT",
        iColumn > 0 ? seg_.columns[static_cast<std::size_t>(iColumn - 1)].headerAt : TestTable::workedOut,
        "devices do not flow into the tubing", "segments down to one that is no device", std::move(found),
        "left out the device branches");

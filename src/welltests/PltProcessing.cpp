@@ -119,8 +119,8 @@ QVEclipseRFTtest::PltRates QVEclipseRFTtest::ratesOfPLT(std::size_t n) const {
   };
   const auto inTubing = [&](PltColumn column, std::string_view name) {
     if (pltColumns_.has(column)) return given(column);
-    tell(name, beginsAt_, "test has rates of connections and none in the tubing", {}, {},
-         "worked out nothing from its PLT");
+    tell(Message::WellTestDerived, name, beginsAt_, "test has rates of connections and none in the tubing",
+         {}, {}, "worked out nothing from its PLT");
     throw ToldFault(FaultNumber::Subscript);
   };
   PltRates rates{given(PltColumn::CONORAT), given(PltColumn::CONWRAT), given(PltColumn::CONGRAT), {}, {}, {}};
@@ -142,10 +142,10 @@ void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
     middle[i] = (start[i] + end[i]) * 0.5F;
     length[i] = end[i] - start[i];
   }
-  // From here on the RFT columns are given out in this order, even when the re-forming ends in a fault and
-  // the PLT columns stay as they were. Deliberate.
-  if (SortedPLT) iSort_ = sortPositions(middle);
   const PltRates rates = ratesOfPLT(n);
+  // Not before the rates: where they end in a fault the PLT columns stay in the order of the file, and the
+  // RFT columns are given out in the same order.
+  if (SortedPLT) iSort_ = sortPositions(middle);
 
   TestTable table;  // in memory that is given back: the test has room for the columns of it that count
   table.rows = n;
@@ -188,7 +188,8 @@ void QVEclipseRFTtest::setPLTSegmentData() {
     const auto rate = plt_.column(pltColumns_[rates[k]], n);
     for (std::size_t i = 0; i < n; ++i) {
       if (segmentOf[i] < 1 || segmentOf[i] > nSegments_) {
-        tell("CONSEGNO", plt_.columns[static_cast<std::size_t>(iSegments - 1)].headerAt,
+        tell(Message::WellTestReference, "CONSEGNO",
+             plt_.columns[static_cast<std::size_t>(iSegments - 1)].headerAt,
              "connection on a segment that is not there", fmt::format("1 to {}", nSegments_),
              fmt::format("{}", segmentOf[i]), "left out the rates of segments from connections");
         throw ToldFault(FaultNumber::Subscript);

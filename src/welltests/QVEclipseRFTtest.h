@@ -11,6 +11,7 @@
 #include "../shapes/XYData.h"
 #include "../support/Fault.h"
 #include "../support/Session.h"
+#include "../vocabulary/Units.h"
 #include "RecordWalk.h"
 #include "TestColumns.h"
 #include "TestRecords.h"
@@ -97,7 +98,9 @@ class QVEclipseRFTtest {
   std::int32_t day() const { return iDay_; }
   std::int32_t month() const { return iMonth_; }
   std::int32_t year() const { return iYear_; }
-  float time() const { return sTime_; }  ///< days since the start of the run
+  float time() const { return sTime_; }  ///< as the file has it
+  /// TIME in days, by the unit in WELLETC: laboratory runs have hours.
+  double days() const { return static_cast<double>(sTime_) / unitsPerDay(welletc_.textOf(welletcTime)); }
   const std::string& well() const { return zWell_; }
   const std::string& grid() const { return zGrid_; }        ///< empty for the main grid
   const std::string& origin() const { return zOrigin_; }    ///< nothing fills it
@@ -129,8 +132,8 @@ class QVEclipseRFTtest {
   void addArray(TestTable& table, std::string_view name, std::span<const float> data,
                 std::uint64_t headerAt = TestTable::workedOut);
   void stored(const TestTable& table, std::string_view name);
-  void tell(std::string_view keyword, std::uint64_t headerAt, std::string_view problem, std::string expected,
-            std::string found, std::string_view action) const;
+  void tell(Message message, std::string_view keyword, std::uint64_t headerAt, std::string_view problem,
+            std::string expected, std::string found, std::string_view action) const;
 
   // Working out: TestProcessing.cpp, PltProcessing.cpp, SegmentProcessing.cpp, DeviceBranches.cpp.
   /// A fault whose place in the file has been told as a Diagnosis.

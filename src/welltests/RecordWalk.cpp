@@ -1,12 +1,38 @@
 #include "RecordWalk.h"
 
+#include <fmt/format.h>
+
 namespace lumbarn {
 
-bool RecordWalk::skipToTest() {
-  for (; more(); ahead_ = false) {
-    if (header().is("TIME", ElementType::Single)) return true;
+bool RecordWalk::skipToTest(Session& session) {
+  for (;;) {
+    try {
+      if (atDamage_ && !passDamage(session)) return false;
+      for (; more(); ahead_ = false) {
+        if (header().is("TIME", ElementType::Single)) return true;
+      }
+      return false;
+    } catch (BadRecord& damage) {
+      setDamaged();
+      damage.diagnosis().action = "kept the tests before it";
+      const bool unreadable = damage.diagnosis().message == Message::FileRead;
+      session.diagnose(std::move(damage.diagnosis()));
+      if (unreadable) return false;  // the system's failure; searching on would only meet it again
+    }
   }
-  return false;
+}
+
+/// Moves to the next sound header. False at the end of the file.
+bool RecordWalk::passDamage(Session& session) {
+  const Gap gap = cursor_.skipDamage();
+  ahead_ = atDamage_ = false;
+  if (gap.to >= cursor_.fileSize()) return false;
+  session.diagnose({.message = Message::RecordGap,
+                    .path = cursor_.path(),
+                    .offset = gap.from,
+                    .found = fmt::format("no records up to byte {}", gap.to),
+                    .action = "continued with the next test"});
+  return true;
 }
 
 std::unique_ptr<RecordWalk> openWalk(const std::string& path, const Form& form, std::string& why) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../record/RecordCursor.h"
+#include "../support/Session.h"
 
 namespace lumbarn {
 
@@ -25,13 +26,18 @@ class RecordWalk {
   void stepBack() { ahead_ = true; }
   /// True when another record follows; it is looked at already, so the current one is to be done with.
   bool more() { return ahead_ = ahead_ || cursor_.next(); }
-  /// Moves on until the next record is a TIME of singles. False when there is none.
-  bool skipToTest();
+  /// Moves on until the next record is a TIME of singles, over damage too, which is reported with what is
+  /// lost. False when there is none.
+  bool skipToTest(Session& session);
 
   RecordCursor& cursor() { return cursor_; }
   const RecordHeader& header() const { return cursor_.header(); }
 
-  bool damaged = false;         ///< the file cannot be read on from here
+  /// To be called for each BadRecord: the cursor must pass the damage before it can be used again.
+  void setDamaged() { damaged_ = atDamage_ = true; }
+  bool atDamage() const { return atDamage_; }  ///< `skipToTest` comes first
+  bool damaged() const { return damaged_; }    ///< some record so far was
+
   std::size_t recordsRead = 0;  ///< whole ones, by the tests
 
   // Room that the tests use one after the other.
@@ -45,8 +51,12 @@ class RecordWalk {
   std::vector<float> singles;
 
  private:
+  bool passDamage(Session& session);
+
   RecordCursor cursor_;
   bool ahead_ = false;
+  bool damaged_ = false;
+  bool atDamage_ = false;
 };
 
 /// A walk over a file in a known form. Null, with the reason in `why`, when it cannot be opened. The file is

@@ -63,8 +63,8 @@ void QVEclipseRFTtest::processBRANCHData() {
   }
 }
 
-/// Takes one row of the segment table. What is worked out from the lengths comes from null values too when
-/// they are not there. Deliberate.
+/// Takes one row of the segment table. What would be computed from an array that the file lacks stays null:
+/// null values must not enter arithmetic, where they would turn into numbers like any other.
 void QVEclipseRFTtest::setSegment(std::size_t i) {
   SegmentRecord& record = segments_[i];
   const auto value = [&](SegColumn column) { return seg_.column(segColumns_[column], segments_.size())[i]; };
@@ -73,12 +73,18 @@ void QVEclipseRFTtest::setSegment(std::size_t i) {
   }
   if (segColumns_.has(SegColumn::SEGBRNO)) record.BRNO = rounded(value(SegColumn::SEGBRNO));
   if (segColumns_.has(SegColumn::SEGNXT)) record.NXT = rounded(value(SegColumn::SEGNXT));
+  const bool oil = segColumns_.has(SegColumn::SEGORAT), water = segColumns_.has(SegColumn::SEGWRAT),
+             gas = segColumns_.has(SegColumn::SEGGRAT);
+  const auto ratio = [](float part, float whole) { return whole > 0 ? part / whole : 0; };
+  if (oil && water) record.WCUT = ratio(record.WRAT, record.ORAT + record.WRAT);
+  if (oil && gas) record.GOR = ratio(record.GRAT, record.ORAT);
+  if (!segColumns_.has(SegColumn::SEGLENST) || !segColumns_.has(SegColumn::SEGLENEN)) return;
   record.MD = (record.LENST + record.LENEN) * 0.5F;
   record.LENTH = record.LENEN - record.LENST;
   if (!(record.LENTH > 0)) return;
-  record.ORATS = record.ORAT / record.LENTH;
-  record.WRATS = record.WRAT / record.LENTH;
-  record.GRATS = record.GRAT / record.LENTH;
+  if (oil) record.ORATS = record.ORAT / record.LENTH;
+  if (water) record.WRATS = record.WRAT / record.LENTH;
+  if (gas) record.GRATS = record.GRAT / record.LENTH;
   record.ICD = ProcessICD && static_cast<double>(std::fabs(record.LENTH - ICDLength)) < sameLength;
 }
 
@@ -103,7 +109,8 @@ void QVEclipseRFTtest::processSEGMENTData() {
         record.ICD ? std::clamp(static_cast<std::int32_t>(branches_.size()), 1, nCounted) : nCounted;
     if (record.BRNO < 1 || record.BRNO > nThere) {
       const std::int32_t iColumn = segColumns_[SegColumn::SEGBRNO];
-      tell("SEGBRNO", seg_.columns[static_cast<std::size_t>(iColumn - 1)].headerAt,
+      tell(Message::WellTestReference, "SEGBRNO",
+           seg_.columns[static_cast<std::size_t>(iColumn - 1)].headerAt,
            "segment on a branch that is not there", fmt::format("1 to {}", nThere),
            fmt::format("{}", record.BRNO), "left out the segments behind it, and all devices");
       throw ToldFault(FaultNumber::Subscript);
@@ -131,7 +138,7 @@ void QVEclipseRFTtest::clearSparseBranches(std::span<const std::int32_t> nOfBran
     record.qICD = false;
     if (record.iLast < record.iFirst) continue;
     if (record.iFirst < 1 || record.iLast > nSegments_) {
-      tell("BRNST", TestTable::workedOut, "range of a branch leaves the segments",
+      tell(Message::WellTestReference, "BRNST", TestTable::workedOut, "range of a branch leaves the segments",
            fmt::format("1 to {}", nSegments_), fmt::format("{} to {}", record.iFirst, record.iLast),
            "left out the devices");
       throw ToldFault(FaultNumber::Subscript);

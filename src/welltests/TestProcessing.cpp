@@ -24,8 +24,8 @@ void QVEclipseRFTtest::step(const char* routine, void (QVEclipseRFTtest::*work)(
     } catch (const ToldFault&) {
       throw;
     } catch (const Fault& fault) {
-      tell({}, beginsAt_, fmt::format("test of well {}, {}: {}", zWell_, dateText(), fault.what()), {}, {},
-           lost);
+      tell(Message::WellTestDerived, {}, beginsAt_,
+           fmt::format("test of well {}, {}: {}", zWell_, dateText(), fault.what()), {}, {}, lost);
       throw;
     }
   });

@@ -71,7 +71,7 @@ void QVEclipseRFTtest::getEclipseRFTtest(RecordWalk& reader, bool& qOK) {
       processRecords();
       return true;
     } catch (BadRecord& damage) {
-      reader.damaged = true;
+      reader.setDamaged();
       // A TIME that is cut off ends this test like a whole one.
       const bool complete = whole && nTimes > 0 && reader.header().is("TIME", ElementType::Single);
       if (complete) processRecords();
@@ -80,7 +80,8 @@ void QVEclipseRFTtest::getEclipseRFTtest(RecordWalk& reader, bool& qOK) {
       throw;
     } catch (const Fault& fault) {
       const RecordHeader& header = reader.header();
-      tell(header.keyword, header.headerAt, fault.what(), {}, {}, "left out the rest of the test");
+      tell(Message::WellTestRecord, header.keyword, header.headerAt, fault.what(), {}, {},
+           "left out the rest of the test");
       throw;
     }
   });
@@ -121,8 +122,8 @@ void QVEclipseRFTtest::setDate(RecordCursor& cursor) {
   iYear_ = std::max(date[2], 0);
   qDate_ = true;
   if (monthName(iMonth_).empty()) {
-    tell("DATE", cursor.header().headerAt, "month is none", "1 to 12", fmt::format("{}", iMonth_),
-         "left it out of the date");
+    tell(Message::WellTestDate, "DATE", cursor.header().headerAt, "month is none", "1 to 12",
+         fmt::format("{}", iMonth_), "left it out of the date");
   }
 }
 
@@ -175,15 +176,15 @@ bool QVEclipseRFTtest::accepts(TestTable& table, std::string_view name, std::int
   if (rows > std::numeric_limits<std::int32_t>::max()) throw Fault(FaultNumber::Overflow);
   const auto size = static_cast<std::size_t>(rows);
   if (table.empty() ? size == 0 : size != table.rows) {
-    tell(name, headerAt, "array has another length than its table",
+    tell(Message::WellTestArrayLength, name, headerAt, {},
          table.empty() ? "1 or more" : fmt::format("{}", table.rows), fmt::format("{}", rows), "left it out");
     return false;
   }
   if (!table.empty()) return true;
   // One number of rows serves RFT and PLT alike, so the later of the two decides.
   if (rowCount(table) != 0 && rowCount(table) != rows) {
-    tell(name, headerAt, "RFT and PLT arrays disagree on the number of connections",
-         fmt::format("{}", rowCount(table)), fmt::format("{}", rows), "took the later number for both");
+    tell(Message::WellTestConnections, name, headerAt, {}, fmt::format("{}", rowCount(table)),
+         fmt::format("{}", rows), "took the later number for both");
   }
   table.rows = size;
   rowCount(table) = static_cast<std::int32_t>(rows);
@@ -229,9 +230,10 @@ void QVEclipseRFTtest::stored(const TestTable& table, std::string_view name) {
   }
 }
 
-void QVEclipseRFTtest::tell(std::string_view keyword, std::uint64_t headerAt, std::string_view problem,
-                            std::string expected, std::string found, std::string_view action) const {
-  Diagnosis diagnosis{.problem = std::string(problem), .keyword = std::string(keyword)};
+void QVEclipseRFTtest::tell(Message message, std::string_view keyword, std::uint64_t headerAt,
+                            std::string_view problem, std::string expected, std::string found,
+                            std::string_view action) const {
+  Diagnosis diagnosis{.message = message, .problem = std::string(problem), .keyword = std::string(keyword)};
   if (reader_) {
     diagnosis.path = reader_->cursor().path();
     if (headerAt == reader_->header().headerAt) diagnosis.occurrence = reader_->cursor().occurrence();

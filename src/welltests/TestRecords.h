@@ -75,7 +75,9 @@ struct SegmentRecord {
         CGRAT(null),
         CORTS(null),
         CWRTS(null),
-        CGRTS(null) {}
+        CGRTS(null),
+        WCUT(null),
+        GOR(null) {}
 
   float MD;
   float DEPTH, LENST, LENEN, LENTH;
@@ -85,6 +87,7 @@ struct SegmentRecord {
   std::int32_t BRNO = -1;
   std::int32_t NXT = -1;  ///< the segment that this one flows into
   float CORAT, CWRAT, CGRAT, CORTS, CWRTS, CGRTS;
+  float WCUT, GOR;  ///< 0 without flow
   bool ICD = false;
 };
 

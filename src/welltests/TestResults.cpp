@@ -19,10 +19,10 @@ constexpr float SegmentRecord::*ownFields[] = {
     &SegmentRecord::GRATS, &SegmentRecord::OVEL,  &SegmentRecord::WVEL,  &SegmentRecord::GVEL,
     &SegmentRecord::OHF,   &SegmentRecord::WHF,   &SegmentRecord::GHF,
 };
-/// Columns 24 to 29.
-constexpr float SegmentRecord::*connectionFields[] = {&SegmentRecord::CORAT, &SegmentRecord::CWRAT,
-                                                      &SegmentRecord::CGRAT, &SegmentRecord::CORTS,
-                                                      &SegmentRecord::CWRTS, &SegmentRecord::CGRTS};
+/// Columns 24 to 31.
+constexpr float SegmentRecord::*connectionFields[] = {
+    &SegmentRecord::CORAT, &SegmentRecord::CWRAT, &SegmentRecord::CGRAT, &SegmentRecord::CORTS,
+    &SegmentRecord::CWRTS, &SegmentRecord::CGRTS, &SegmentRecord::WCUT,  &SegmentRecord::GOR};
 
 /// Columns 1 to 23, which segment and device tables have in common.
 void putSegment(XYData& xyData, std::size_t iRow, float md, const SegmentRecord& record,
@@ -38,9 +38,6 @@ void putSegment(XYData& xyData, std::size_t iRow, float md, const SegmentRecord&
 void putConnectionRates(XYData& xyData, std::size_t iRow, const SegmentRecord& record) {
   std::size_t iColumn = 24;
   for (const auto field : connectionFields) xyData(iRow, iColumn++) = record.*field;
-  const float liquid = record.ORAT + record.WRAT;
-  xyData(iRow, iColumn++) = liquid > 0 ? record.WRAT / liquid : 0;
-  xyData(iRow, iColumn) = record.ORAT > 0 ? record.GRAT / record.ORAT : 0;
 }
 
 }  // namespace

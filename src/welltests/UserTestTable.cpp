@@ -12,17 +12,6 @@ namespace lumbarn {
 
 namespace {
 
-using Names = std::span<const std::string_view>;
-
-/// Names of depth columns: of the best the last counts, of the others the first.
-constexpr std::string_view bestInPlt[] = {"CONLEN", "LENGTH"};
-constexpr std::string_view bestInRft[] = {"DEPTH"};
-constexpr std::string_view goodInPlt[] = {"DEPTH", "LENGTH", "MDEPTH", "MD"};
-constexpr std::string_view goodInRft[] = {"MD", "MDEPTH"};
-constexpr std::string_view vertical[] = {"WTVD", "TVD"};
-
-bool isAnyOf(std::string_view name, Names names) { return std::ranges::find(names, name) != names.end(); }
-
 /// Cuts the first word off a line; empty when there is none.
 std::string_view takeWord(std::string_view& line) {
   line = trim(line);
@@ -32,12 +21,6 @@ std::string_view takeWord(std::string_view& line) {
 }
 
 }  // namespace
-
-bool beginsAsNumber(std::string_view word) {
-  if (word.starts_with('+') || word.starts_with('-')) word.remove_prefix(1);
-  if (word.starts_with('.')) word.remove_prefix(1);
-  return !word.empty() && word[0] >= '0' && word[0] <= '9';
-}
 
 void UserTestTable::addHeaders(std::vector<std::string> words) {
   ++headerLines_;
@@ -52,17 +35,17 @@ void UserTestTable::addHeaders(std::vector<std::string> words) {
 
 /// Several columns may be depths. A measured length along the well goes before a depth in a PLT.
 void UserTestTable::findDepthColumn() {
-  const bool plt = kind_ == UserTestKind::Plt;
-  const Names best = plt ? Names(bestInPlt) : Names(bestInRft);
-  const Names good = plt ? Names(goodInPlt) : Names(goodInRft);
-  const auto lastOf = std::find_if(names_.rbegin(), names_.rend(),
-                                   [&](const std::string& name) { return isAnyOf(name, best); });
-  if (lastOf != names_.rend()) {
-    depthColumn_ = static_cast<std::size_t>(names_.rend() - lastOf - 1);
+  const auto groups = depthColumns(kind_);
+  const auto isIn = [](const auto& group) {
+    return [&group](std::string_view name) { return std::ranges::find(group, name) != group.end(); };
+  };
+  const auto lastOfBest = std::find_if(names_.rbegin(), names_.rend(), isIn(groups[0]));
+  if (lastOfBest != names_.rend()) {
+    depthColumn_ = static_cast<std::size_t>(names_.rend() - lastOfBest - 1);
     return;
   }
-  for (const Names names : {good, Names(vertical)}) {
-    const auto first = std::ranges::find_if(names_, [&](const auto& name) { return isAnyOf(name, names); });
+  for (std::size_t i = 1; i < groups.size(); ++i) {
+    const auto first = std::ranges::find_if(names_, isIn(groups[i]));
     if (first == names_.end()) continue;
     depthColumn_ = static_cast<std::size_t>(first - names_.begin());
     return;

@@ -11,9 +11,6 @@
 
 namespace lumbarn {
 
-/// Whether a word begins as a number does: with a digit, behind a sign or a point at most.
-bool beginsAsNumber(std::string_view word);
-
 /// The table of one user test as its lines come: a line of names, a line of units, rows of numbers.
 class UserTestTable {
  public:

@@ -9,6 +9,7 @@
 #include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "../vocabulary/Segments.h"
+#include "../vocabulary/Units.h"
 #include "QVEclipseRFTtest.h"
 #include "TestUnits.h"
 
@@ -58,15 +59,16 @@ WellTestUnits unitsOf(const TextArray& welletc) {
           text(welletcGasRate), text(welletcReservoirRate), text(welletcVelocity), text(viscosity)};
 }
 
-/// The day of DATE with the time of day of TIME. TIME is a 32-bit float of days since the start, so the start
-/// is worked out first and the moment is the plainest one that has this float.
-std::optional<Moment> momentOf(const std::vector<std::int32_t>& date, float time) {
+/// The day of DATE with the time of day of TIME. TIME is a 32-bit float of days or hours since the start, so
+/// the start is computed first and the moment is the plainest one that has this float.
+std::optional<Moment> momentOf(const std::vector<std::int32_t>& date, float time, double perDay) {
   if (date.size() < 3) return std::nullopt;
   const auto day = makeMoment(date[2], date[1], date[0]);
-  constexpr float mostDays = 9999 * 366.0F;
-  if (!day || !(std::fabs(time) < mostDays)) return day;
-  const Moment start = *day - std::chrono::days(static_cast<std::int64_t>(std::floor(time)));
-  const auto moment = momentAfter(start, time);
+  constexpr double mostDays = 9999 * 366.0;
+  const double days = static_cast<double>(time) / perDay;
+  if (!day || !(std::fabs(days) < mostDays)) return day;
+  const Moment start = *day - std::chrono::days(static_cast<std::int64_t>(std::floor(days)));
+  const auto moment = momentAfter(start, time, perDay);
   return moment ? moment : day;
 }
 
@@ -109,29 +111,22 @@ std::unique_ptr<WellTestReader> WellTestReader::open(const std::string& path, Se
   std::string why;
   auto records = openWalk(path, why);
   if (!records) {
-    session.diagnose(Diagnosis{.path = path, .problem = why});
+    session.diagnose(Diagnosis{.message = Message::FileOpen, .path = path, .problem = why});
     return nullptr;
   }
   return std::unique_ptr<WellTestReader>(new WellTestReader(session, std::move(records)));
 }
 
-void WellTestReader::tell(std::string_view keyword, std::uint64_t headerAt, std::string problem,
-                          std::string found, std::string action) {
-  Diagnosis diagnosis{.path = records_->cursor().path(), .problem = std::move(problem)};
-  diagnosis.keyword = keyword;
-  diagnosis.offset = headerAt;
-  diagnosis.found = std::move(found);
-  diagnosis.action = std::move(action);
-  session_->diagnose(std::move(diagnosis));
-}
-
 bool WellTestReader::next(WellTest& test) {
-  test = {};
   bool qOK = false;
   guarded(*session_, qOK, "WellTestReader", "next", [&] {
-    if (records_->damaged) return false;
-    std::vector<WellTestColumn> columns;
-    return readTest(test, columns);
+    for (;;) {
+      test = {};
+      if (records_->atDamage() && !records_->skipToTest(*session_)) return false;
+      std::vector<WellTestColumn> columns;
+      if (readTest(test, columns)) return true;
+      if (!records_->atDamage()) return false;
+    }
   });
   return qOK;
 }
@@ -157,7 +152,7 @@ bool WellTestReader::readTest(WellTest& test, std::vector<WellTestColumn>& colum
       reading = false;
     }
   } catch (BadRecord& damage) {
-    records_->damaged = true;
+    records_->setDamaged();
     // The TIME of the next test may be what is cut off; then this one is whole.
     test.complete = !reading && timed && records_->header().is("TIME", ElementType::Single);
     damage.diagnosis().action = test.complete || !any
@@ -196,7 +191,7 @@ void WellTestReader::finish(WellTest& test, const std::vector<std::int32_t>& dat
   test.wellType = getWellType(welletc.textOf(welletcType));
   for (std::size_t i = 1; i <= welletc.size(); ++i) test.welletc.emplace_back(welletc.at(i));
   test.units = unitsOf(welletc);
-  test.date = momentOf(date, test.time);
+  test.date = momentOf(date, test.time, unitsPerDay(welletc.textOf(welletcTime)));
   test.number = ++number_;
   test.numberInWell = ++numberOf_[test.well];
 
@@ -207,8 +202,13 @@ void WellTestReader::finish(WellTest& test, const std::vector<std::int32_t>& dat
   for (WellTestColumn& column : columns) {
     WellTestTable* table = tableByName(test, column.name);
     if (table && table->rows != column.size()) {
-      tell(column.name, column.headerAt, "array has another length than its table",
-           fmt::format("{}", column.size()), "kept it apart");
+      session_->diagnose({.message = Message::WellTestArrayLength,
+                          .path = records_->cursor().path(),
+                          .keyword = column.name,
+                          .offset = column.headerAt,
+                          .expected = fmt::format("{}", table->rows),
+                          .found = fmt::format("{}", column.size()),
+                          .action = "kept it apart"});
       table = nullptr;
     } else if (!table && column.size() > 0) {
       for (WellTestTable* one : {&test.connections, &test.segments, &test.branches}) {

@@ -64,7 +64,7 @@ struct WellTest {
   WellTestTable branches;
   std::vector<WellTestColumn> others;  ///< of any other length
 
-  bool complete = true;  ///< False when the file breaks off in this test
+  bool complete = true;  ///< False when the file ends or is damaged within this test
 
   /// Unit of an array by its name, empty for one without or not known.
   std::string unit(std::string_view name) const;
@@ -98,8 +98,8 @@ class WellTestReader {
   /// Null, with a diagnosis, when the file cannot be opened or is no record file.
   static std::unique_ptr<WellTestReader> open(const std::string& path, Session& session);
 
-  /// The next test. False at the end of the file, behind damage and when the load was cancelled. A test in
-  /// which the file breaks off is given with what was read of it, as the last.
+  /// The next test. False at the end of the file and when the load was canceled. A test that is damaged is
+  /// given with what was read of it; reading continues with the first test behind the damage.
   bool next(WellTest& test);
 
  private:
@@ -108,8 +108,6 @@ class WellTestReader {
   bool readTest(WellTest& test, std::vector<WellTestColumn>& columns);
   void readRecord(WellTest& test, std::vector<std::int32_t>& date, std::vector<WellTestColumn>& columns);
   void finish(WellTest& test, const std::vector<std::int32_t>& date, std::vector<WellTestColumn> columns);
-  void tell(std::string_view keyword, std::uint64_t headerAt, std::string problem, std::string found,
-            std::string action);
 
   Session* session_;
   std::unique_ptr<RecordWalk> records_;

@@ -45,7 +45,7 @@ void qvEclipseRFT::getRFTData(bool& qOK) {
     std::string why;
     const auto reader = openWalk(FileName, setSUMMARYFileTypeProps().form(), why);
     if (!reader) {
-      session_->diagnose(Diagnosis{.path = FileName, .problem = "cannot be opened: " + why});
+      session_->diagnose(Diagnosis{.message = Message::FileOpen, .path = FileName, .problem = why});
       return false;
     }
     if (!readTests(*reader)) return false;
@@ -65,21 +65,14 @@ bool qvEclipseRFT::readTests(RecordWalk& reader) {
     test->getEclipseRFTtest(reader, qRead);
     tests_.push_back(test);
     if (session_->yield()) return false;
-    try {
-      // A test that a fault ended leaves its other records behind; the next test begins with its own TIME.
-      more = !reader.damaged && reader.skipToTest();
-    } catch (BadRecord& damage) {
-      reader.damaged = true;
-      damage.diagnosis().action = "kept the tests before it";
-      session_->diagnose(std::move(damage.diagnosis()));
-      more = false;
-    }
+    // A test that a fault ended leaves its other records behind; the next test begins with its own TIME.
+    more = reader.skipToTest(*session_);
     if (session_->Container && UseBufferedInput) {
       session_->Container->fraction(static_cast<double>(reader.cursor().nextPosition()) /
                                     static_cast<double>(reader.cursor().fileSize()));
     }
   }
-  qDamaged = reader.damaged;
+  qDamaged = reader.damaged();
   return true;
 }
 
@@ -147,7 +140,7 @@ struct qvEclipseRFT::Answer {
       bHeaders = std::move(records);
       zDate = xTest.dateText();
       // TIME counts from the start of the run, so this is right for runs that begin at midnight.
-      if (qTimeOfDay) zDate = withTimeOfDay(std::move(zDate), static_cast<double>(xTest.time()));
+      if (qTimeOfDay) zDate = withTimeOfDay(std::move(zDate), xTest.days());
       zWell = xTest.well();
       zGrid = xTest.grid();
       iNumber = xTest.testNumber();

@@ -1,11 +1,13 @@
 #include "qvUserRFT.h"
 
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "../files/Recogniser.h"
+#include "../files/UserTestText.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "TimeOfDay.h"
@@ -16,37 +18,44 @@ namespace {
 
 constexpr const char* className = "qvUserRFT";
 
-/// Why a file cannot be a user's file of tests; empty when it can.
-std::string whyNot(UserTestKind kind, const std::string& path) {
+/// Why a file cannot be a user's file of tests; nothing when it can. A file without the word that opens a
+/// test is what the caller takes it for.
+std::optional<Diagnosis> whyNot(UserTestKind kind, const std::string& path) {
   std::string problem;
   const auto source = FileSource::open(path, problem);
-  if (!source) return problem;
-  if (source->size() == 0) return "file is empty";
-  const auto recognised = recogniseFile(path);
-  if (recognised.form) return "is a record file, no text of tests";
-  if (!looksLikeText(*source)) return "is no text";
-  const auto other = kind == UserTestKind::Rft ? FileKind::UserPlt : FileKind::UserRft;
-  if (recognised.kind == other) return fmt::format("is a {} file", nameOf(other));
-  return "";
+  if (!source) return Diagnosis{.message = Message::FileOpen, .path = path, .problem = problem};
+  if (source->size() == 0) return Diagnosis{.message = Message::FileEmpty, .path = path, .offset = 0};
+  Diagnosis wrong{
+      .message = Message::FileType, .path = path, .offset = 0, .expected = "a text of well tests"};
+  if (recogniseFile(path).form) {
+    wrong.found = "a record file";
+  } else if (!looksLikeText(*source)) {
+    wrong.found = "not a text";
+  } else {
+    const auto text = recogniseUserTest(*source);
+    if (!text || !text->stated || text->kind == kind) return std::nullopt;
+    wrong.found =
+        fmt::format("a {} file", nameOf(kind == UserTestKind::Rft ? FileKind::UserPlt : FileKind::UserRft));
+  }
+  return wrong;
 }
 
 }  // namespace
 
 bool qvUserRFT::checkFile(UserTestKind kind, const std::string& zFile) {
-  std::string why = whyNot(kind, zFile);
-  if (why.empty()) {
-    FileName = zFile;
-    return true;
+  if (auto diagnosis = whyNot(kind, zFile)) {
+    session_->diagnose(std::move(*diagnosis));
+    return false;
   }
-  session_->diagnose({.path = zFile, .problem = std::move(why)});
-  return false;
+  FileName = zFile;
+  return true;
 }
 
 void qvUserRFT::getData(UserTestKind kind, bool& qOK) {
   const char* routine = kind == UserTestKind::Rft ? "getRFTData" : "getPLTData";
   guarded(*session_, qOK, className, routine, [&] {
     qDamaged = false;
-    Diagnosis diagnosis{.path = FileName};
+    Diagnosis diagnosis{.message = Message::FileOpen, .path = FileName};
     std::shared_ptr<const ByteSource> source = FileSource::open(FileName, diagnosis.problem);
     if (!source) {
       session_->diagnose(std::move(diagnosis));

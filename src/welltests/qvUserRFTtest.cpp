@@ -71,7 +71,8 @@ struct qvUserRFTtest::Lines {
   UserTestKind kind;
   LineReader& reader;
   Session& session;
-  std::string line;  // upper case, without blanks around it
+  std::string line;                 // upper case, without blanks around it
+  std::vector<std::string> remark;  // words of the last line that '#' or ';' begins
   bool toldNoNumber = false;
   bool toldLateWords = false;
 
@@ -80,10 +81,11 @@ struct qvUserRFTtest::Lines {
     line = upper(trim(reader.line()));
     return true;
   }
-  void tell(std::string problem, std::string expected, std::string_view found, std::string action,
-            Certainty certainty) const {
+  void tell(Message message, std::string problem, std::string expected, std::string_view found,
+            std::string action, Certainty certainty) const {
     constexpr std::size_t shown = 60;
-    session.diagnose({.path = reader.path(),
+    session.diagnose({.message = message,
+                      .path = reader.path(),
                       .problem = fmt::format("line {}: {}", reader.number(), problem),
                       .offset = reader.position(),
                       .expected = std::move(expected),
@@ -105,6 +107,10 @@ bool qvUserRFTtest::readLines(Lines& lines) {
   while (lines.next()) {
     if (session_->cancelled()) return false;
     if (checkIfCommentLine(lines.line)) continue;
+    if (isUserTestRemark(lines.line)) {
+      lines.remark = words(std::string_view(lines.line).substr(1));
+      continue;
+    }
     if (!isCommandLine(lines.kind, lines.line)) {
       inData = true;
       if (!qDamaged) processData(lines);  // else these are the lines of a test that has ended
@@ -157,7 +163,8 @@ void qvUserRFTtest::setDate(std::string_view arguments, Lines& lines) {
   if (!date) {
     // Deliberate: a test always has a date, and today's is the one that stands out.
     date = floor<microseconds>(session_->now());
-    lines.tell("no date can be made of it", ownFormat.empty() ? zDateFormat : ownFormat, arguments,
+    lines.tell(Message::UserTestDate, "no date can be made of it",
+               ownFormat.empty() ? zDateFormat : ownFormat, arguments,
                "took today's date, " + dayMonthYear(*date), Certainty::Guess);
   }
   const year_month_day day{floor<days>(*date)};
@@ -170,7 +177,8 @@ void qvUserRFTtest::setDate(std::string_view arguments, Lines& lines) {
 void qvUserRFTtest::setTime(const std::string& value, Lines& lines) {
   dTime = 0;
   if (beginsAsNumber(value) && parseNumber(value, dTime) == value.size()) return;
-  lines.tell("the time is no number", "days", value, fmt::format("took {}", dTime), Certainty::Guess);
+  lines.tell(Message::UserTestNumber, "the time is no number", "days", value, fmt::format("took {}", dTime),
+             Certainty::Guess);
 }
 
 void qvUserRFTtest::processData(Lines& lines) {
@@ -180,11 +188,12 @@ void qvUserRFTtest::processData(Lines& lines) {
 void qvUserRFTtest::AddHeaders(Lines& lines) {
   UserTestTable& table = isRft(lines.kind) ? rft_ : plt_;
   if (table.rows() > 0 && table.headerLines() > 1 && !std::exchange(lines.toldLateWords, true)) {
-    lines.tell("words among the rows", "numbers", lines.line, "left the line out", Certainty::Likely);
+    lines.tell(Message::UserTestWords, "words among the rows", "numbers", lines.line, "left the line out",
+               Certainty::Likely);
   }
   if (table.headerLines() == 0 && firstWord(lines.line).starts_with("GRIDNAME")) {
-    lines.tell("GRIDNAME counts as a line of column names", "column names", lines.line,
-               "took its words for columns", Certainty::Likely);
+    lines.tell(Message::UserTestWords, "GRIDNAME counts as a line of column names", "column names",
+               lines.line, "took its words for columns", Certainty::Likely);
   }
   table.addHeaders(words(lines.line));
 }
@@ -193,14 +202,17 @@ void qvUserRFTtest::AddData(Lines& lines) {
   bool qAdded = false;
   guarded(*session_, qAdded, className, isRft(lines.kind) ? "AddRFTData" : "AddPLTData", [&] {
     UserTestTable& table = isRft(lines.kind) ? rft_ : plt_;
+    // Exports of logging programs have the names of columns in a remark, with nothing else above the numbers.
+    if (table.headerLines() == 0 && lines.remark.size() == words(lines.line).size())
+      table.addHeaders(lines.remark);
     const auto row = table.addRow(lines.line);
     if (row.noNumber && !std::exchange(lines.toldNoNumber, true)) {
-      lines.tell("not a number", "a number", *row.noNumber, "took what it begins with, or 0",
-                 Certainty::Guess);
+      lines.tell(Message::UserTestNumber, "not a number", "a number", *row.noNumber,
+                 "took what it begins with, or 0", Certainty::Guess);
     }
     if (row.numbers == table.columns()) return;
     qDamaged = true;
-    lines.tell("row has too few numbers", fmt::format("{} numbers", table.columns()),
+    lines.tell(Message::UserTestRow, "row has too few numbers", fmt::format("{} numbers", table.columns()),
                fmt::format("{}", row.numbers), "took 0 for the rest and left out the rows behind it",
                Certainty::Certain);
     throw Fault(FaultNumber::Subscript);

@@ -292,6 +292,45 @@ TEST(InitLoad, HugeGridsHaveFlagsAndArraysOfActiveCells) {
   EXPECT_TRUE(other.qOK && other.init.qDamaged);
 }
 
+TEST(InitLoad, ArraysBehindEndlgrBelongToTheGlobalGrid) {
+  InitBuilder bytes(test::bigEndian);
+  bytes.head({}).singles("PORO", {1, 2, 3, 4}).local(" LGR1").head({}).singles("PORO", {5, 6, 7, 8});
+  bytes.message("ENDLGR").singles("NTG", {1, 1, 1, 1}).local("LGR1").singles("NTG", {2, 2, 2, 2});
+  Loaded file(bytes.bytes());
+  EXPECT_EQ(file.init.nGrids(), 2);
+  EXPECT_EQ(file.arrays(1), "PORO=1,2,3,4 NTG=1,1,1,1");
+  EXPECT_EQ(file.arrays(file.init.GridNumber("LGR1")), "PORO=5,6,7,8 NTG=2,2,2,2");
+}
+
+TEST(InitLoad, ArraysOfOneNameHaveColumnsOfTheirOwn) {
+  Loaded file(InitBuilder(test::bigEndian)
+                  .head({})
+                  .singles("PORO", {1, 2, 3, 4})
+                  .singles("poro", {5, 6, 7, 8})
+                  .bytes());
+  EXPECT_EQ(file.arrays(1), "PORO=1,2,3,4 PORO=5,6,7,8");
+  ASSERT_THAT(file.session.diagnoses(), SizeIs(1));
+  EXPECT_EQ(file.session.diagnoses().front().id(), "init.array.twice");
+}
+
+TEST(InitLoad, AfterACancelThereIsNothingToFetch) {
+  Loaded file(test::twoLocalGrids(test::bigEndian));
+  const auto whole = file.arrays(1);
+  for (int turns = 0;; ++turns) {
+    int left = turns;
+    file.session.hostYield = [&] {
+      if (left-- == 0) file.session.CancelLoad = true;
+    };
+    file.init.getEclipseINITArrays(file.qOK);
+    file.session.hostYield = nullptr;
+    if (!file.session.CancelLoad.exchange(false)) break;
+    EXPECT_FALSE(file.qOK);
+    EXPECT_EQ(file.arrays(1), "");
+    EXPECT_FALSE(file.qOK) << turns;
+  }
+  EXPECT_EQ(file.arrays(1), whole);
+}
+
 TEST(InitLoad, HeadersNameGridAndUnits) {
   Loaded file(test::twoLocalGrids(test::bigEndian));
   ByteTable headers;

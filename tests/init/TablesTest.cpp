@@ -11,7 +11,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "init/BlankRows.h"
 #include "init/qvEclipseDTAB.h"
 #include "record/RecordCursor.h"
 #include "shapes/HeaderLayout.h"
@@ -138,17 +137,13 @@ TEST(PhysicalTables, AreTheNumbersOfTheDeck) {
   }
 }
 
-TEST(PhysicalTables, WordsLeftAtOneAreKeptAndTold) {
+TEST(PhysicalTables, ThatAreNotInUseAreNotListed) {
   SampleTables arbor("ARBOR/ARBOR.INIT", 7, true);
   std::vector<std::string> names;
   std::int32_t count = 0;
   arbor.tables.getTableNames(names, count);
-  EXPECT_THAT(names, ElementsAre("SWFN", "PVTW", "SGFN", "PVDG", "RVVD", "SOF3", "PVTO", "RS", "RSVD",
-                                 "DENSITY", "ROCK", "EQUIL"));
-  for (const auto* name : {"RVVD", "RSVD", "ROCK", "EQUIL"}) EXPECT_EQ(arbor.tables.overlaps(name), "PVDG");
-  EXPECT_EQ(arbor.tables.overlaps("PVDG"), "");
-  ASSERT_THAT(arbor.session.diagnoses(), SizeIs(1));
-  EXPECT_THAT(arbor.session.diagnoses().front().problem, HasSubstr("ROCK, EQUIL would stand where PVDG"));
+  EXPECT_THAT(names, ElementsAre("SWFN", "PVTW", "SGFN", "PVDG", "SOF3", "PVTO", "RS", "DENSITY"));
+  EXPECT_THAT(arbor.session.diagnoses(), IsEmpty());
 }
 
 /// TABDIMS with the given words set, from 1.
@@ -320,21 +315,23 @@ TEST_F(Tables, InvertedColumnsHaveTheNullValueForZero) {
 }
 
 TEST_F(Tables, DependOnPhasesAndFlags) {
-  const std::vector<std::int32_t> everything(tableDimsWords, 1);
+  std::vector<std::int32_t> everything(tableDimsWords, 1);
+  for (const int start : {2, 4, 7, 8, 12, 14, 15, 19, 21, 24, 27, 31, 33, 36})
+    everything[static_cast<std::size_t>(start) - 1] = 2;
   const struct {
     std::int32_t phases;
     TableProperties properties;
     std::string names;
   } rows[] = {
-      {1, {}, "SOF2 PVDO RSVD DENSITY ROCK EQUIL"},
+      {1, {}, "SOF2 PVCDO RSVD DENSITY ROCK EQUIL"},
       {2, {.RockCompaction = true}, "SWFN PVTW DENSITY ROCKTAB EQUIL"},
       {4, {}, "SGFN PVDG RVVD DENSITY ROCK EQUIL"},
-      {5, {.VapourisedOil = true}, "SGFN PVTG PGAS RVVD SOF2 PVDO RSVD DENSITY ROCK EQUIL"},
+      {5, {.VapourisedOil = true}, "SGFN PVTG PGAS RVVD SOF2 PVCDO RSVD DENSITY ROCK EQUIL"},
       {7, {.DissolvedGas = true}, "SWFN PVTW SGFN PVDG RVVD SOF3 PVTO RS RSVD DENSITY ROCK EQUIL"},
       {0, {}, "DENSITY ROCK EQUIL"},
   };
   for (const auto& [phases, properties, names] : rows) {
-    build(everything, std::vector<double>(10, 1.5), phases, properties);
+    build(everything, std::vector<double>(11, 1.5), phases, properties);
     std::string found;
     for (const auto& table : tables_.tables()) found += (found.empty() ? "" : " ") + table.zTable;
     EXPECT_EQ(found, names) << phases;
@@ -344,38 +341,96 @@ TEST_F(Tables, DependOnPhasesAndFlags) {
   EXPECT_EQ(tables_.nTables(), 0);
 }
 
-TEST_F(Tables, ThatDoNotLieInTabEndTheBuilding) {
+TEST_F(Tables, ThatDoNotLieInTabAreOmitted) {
   constexpr std::int32_t most = 2147483647;
   const struct {
     const char* name;
     std::int32_t start, rows, tables;
-  } damages[] = {{"too long", 1, 4, 1},       {"behind", 8, 1, 1},       {"far behind", most, 1, 1},
-                 {"overflow", 1, most, most}, {"many rows", 1, most, 1}, {"negative rows", 1, -3, 1},
-                 {"many tables", 1, 1, most}};
+  } damages[] = {{"too long", 2, 4, 1},       {"behind", 8, 1, 1},       {"far behind", most, 1, 1},
+                 {"overflow", 2, most, most}, {"many rows", 2, most, 1}, {"negative rows", 2, -3, 1},
+                 {"many tables", 2, 1, most}};
   for (const auto& [name, start, rows, tables] : damages) {
     session_.clearDiagnoses();
-    build(words({{21, 1}, {22, 3}, {23, 1}, {24, start}, {25, rows}, {26, tables}, {19, 1}, {20, 1}}),
+    build(words({{21, 2}, {22, 2}, {23, 1}, {24, start}, {25, rows}, {26, tables}, {19, 5}, {20, 1}}),
           std::vector<double>(9, 0.5), 6);
     EXPECT_FALSE(qOK_) << name;
-    EXPECT_EQ(tables_.nTables(), 1) << name;  // SWFN in front stays, DENSITY behind is not reached
+    EXPECT_EQ(tables_.nTables(), 2) << name;  // SWFN and DENSITY
     ASSERT_THAT(session_.diagnoses(), SizeIs(1)) << name;
     EXPECT_THAT(session_.diagnoses().front().text(),
-                AllOf(HasSubstr("SGFN"), HasSubstr("kept the 1 tables")));
+                AllOf(HasSubstr("SGFN"), HasSubstr("omitted the table")));
   }
   build(words({{21, -1}, {22, 3}, {23, 1}, {24, 1}, {25, 0}, {26, 1}}), {1}, 6);
   EXPECT_TRUE(qOK_);  // no start and no rows are no tables
   EXPECT_EQ(tables_.nTables(), 0);
 }
 
+/// An unused table keeps its dimensions and begins at word 1 of TAB.
+TEST_F(Tables, AtWordOneAreInUseOnlyIfTheyOwnThePosition) {
+  const TableProperties unknown{.known = false};
+  const struct {
+    const char* why;
+    std::initializer_list<std::pair<int, std::int32_t>> set;
+    TableProperties properties;
+    std::string names;
+  } rows[] = {
+      {"extends into another", {{2, 1}, {3, 2}, {31, 1}, {32, 1}, {19, 5}, {20, 1}}, {}, "DENSITY ROCK"},
+      {"longest", {{33, 1}, {34, 2}, {35, 1}, {2, 1}, {3, 1}}, {}, "RSVD"},
+      {"tie", {{33, 1}, {34, 1}, {35, 1}, {2, 1}, {3, 2}}, {}, "ROCK"},
+      {"longer than TAB", {{33, 1}, {34, 90}, {35, 1}, {2, 1}, {3, 1}}, {}, "ROCK"},
+      {"live oil, LOGIHEAD all false", {{7, 2}, {8, 8}, {9, 1}, {10, 2}, {11, 1}}, unknown, "PVTO RS"},
+      {"dead oil, LOGIHEAD all false", {{7, 2}, {8, 1}, {9, 1}, {10, 2}, {11, 1}}, unknown, "PVDO"},
+      {"rock, LOGIHEAD all false", {{2, 1}, {3, 1}, {4, 3}, {5, 2}, {6, 1}}, unknown, "ROCKTAB ROCK"},
+  };
+  for (const auto& [why, set, properties, names] : rows) {
+    build(words(set), std::vector<double>(20, 1.5), 1, properties);
+    std::string found;
+    for (const auto& table : tables_.tables()) found += (found.empty() ? "" : " ") + table.zTable;
+    EXPECT_EQ(found, names) << why;
+    EXPECT_TRUE(qOK_) << why;
+  }
+}
+
+TEST_F(Tables, RowsWithoutAFirstValueDoNotExist) {
+  // Unused rows have a multiple of 1E20 in the first column, and the last value of the others.
+  build(words({{21, 1}, {22, 4}, {23, 1}}), {0.2, 0.8, 1e22, -1e20, 0, 1, 1, 1, 5, 0, 0, 0}, 2);
+  get("SWFN", 1);
+  EXPECT_THAT(sizes_, ElementsAre(2, 3));
+  EXPECT_THAT(values_, ElementsAre(0.2F, 0.8F, 0, 1, 5, 0));
+  EXPECT_EQ(tables_.physicalTable("SWFN", 1, 1, qOK_).rows(), 2);
+}
+
+TEST_F(Tables, ADeadOilTableOfOneRowIsThatOfConstantCompressibility) {
+  build(words({{7, 1}, {10, 2}, {11, 1}}), {3600, 2e20, 0.8, 0.8, 6.65e-5, 6.65e-5, 0.4, 0.4, 5e-5, 5e-5}, 1);
+  const auto table = tables_.physicalTable("PVCDO", 1, 2, qOK_);
+  std::string found;
+  for (const auto& column : table.columns)
+    found += fmt::format("{}={:.4g} {}, ", column.name, fmt::join(column.values, ","), column.units);
+  EXPECT_EQ(found, "PREF=3600 PSIA, BO=1.25 RB/STB, CO=6.65e-05 1/PSI, MUO=2 CP, CVO=1.65e-05 1/PSI, ");
+  get("PVDO", 1);
+  EXPECT_FALSE(qOK_);
+}
+
+TEST_F(Tables, OfOneSimulatorHavePressuresInMetricUnits) {
+  build(words({{7, 2}, {8, 8}, {9, 1}, {10, 2}, {11, 1}, {19, 10}, {20, 1}}), std::vector<double>(20, 1.5), 1,
+        {.DissolvedGas = true});
+  tables_.setProgram(simulatorOfMetricTables);
+  std::string found;
+  for (const auto* name : {"PVTO", "DENSITY"}) {
+    for (const auto& column : tables_.physicalTable(name, 1, fieldUnits, qOK_).columns)
+      found += column.units + " ";
+  }
+  EXPECT_EQ(found, "SM3/SM3 BARSA RB/STB CP LB/FT3 LB/FT3 LB/FT3 ");
+}
+
 TEST_F(Tables, OfAShortRecordHaveTheWordsThatAreThere) {
-  auto dims = words({{2, 1}, {3, 1}, {12, 1}, {13, 1}});
+  auto dims = words({{2, 1}, {3, 1}, {12, 3}, {13, 1}});
   for (const std::size_t length : {1, 2, 3, 12, 13, 47}) {
     qvEclipseDTAB tables(session_);
     session_.clearDiagnoses();
     tables.processTABDIMS(std::span(dims).first(length), qOK_);
     EXPECT_FALSE(qOK_);
     EXPECT_THAT(session_.diagnoses(), SizeIs(1));
-    tables.addDTAB(std::vector<double>(5, 1), qOK_);
+    tables.addDTAB(std::vector<double>(7, 1), qOK_);
     tables.setPhases(2);
     tables.processTables(qOK_);
     EXPECT_TRUE(qOK_);

@@ -51,6 +51,17 @@ class InitOperations : public testing::Test {
   bool qOK_ = false;
 };
 
+TEST_F(InitOperations, AFileThatIsRefusedLeavesNothingOfTheOneBefore) {
+  load();
+  reader_.FileName = folder_.file("OTHER.INIT");
+  test::writeFile(reader_.FileName, std::vector<std::byte>(40));
+  load();
+  EXPECT_FALSE(qOK_);
+  EXPECT_THAT(names(), SizeIs(0));
+  EXPECT_FALSE(qOK_);
+  EXPECT_THAT(session_.diagnoses().back().text(), testing::HasSubstr("byte 0: expected INTEHEAD"));
+}
+
 TEST_F(InitOperations, FetchTheChosenGrid) {
   load();
   ASSERT_TRUE(qOK_);

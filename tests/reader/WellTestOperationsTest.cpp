@@ -91,7 +91,7 @@ TEST(WellTestOperations, ReadTextsOfAUserInOnePlace) {
 
   // A file of the other kind is refused, and nothing remains that could be taken for its data.
   EXPECT_FALSE(host.load(folder.file("plt.txt"), 76));
-  EXPECT_THAT(host.session.diagnoses().back().problem, HasSubstr("user PLT"));
+  EXPECT_THAT(host.session.diagnoses().back().text(), HasSubstr("user PLT"));
   EXPECT_EQ(host.reader.NumberUserTests(), 0);
   ASSERT_TRUE(host.load(folder.file("plt.txt"), 77));
   const auto tests = host.reader.ListUserTests();

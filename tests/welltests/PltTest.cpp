@@ -137,14 +137,14 @@ TEST(PltBranches, AreCountedByTheGreatestNumber) {
   }
 }
 
-TEST(PltFaults, WithoutTubingRatesNothingIsReformedButTheOrderIs) {
+TEST(PltFaults, WithoutTubingRatesBothTablesStayInTheOrderOfTheFile) {
   WellTestLoad run({{{.arrays = without(plt(), "CONOTUB")}, {.arrays = plt()}}});
   EXPECT_THAT(run.faults, ElementsAre(subscriptFaultIn("processPLTRecords")));
   ASSERT_EQ(run.session.diagnoses().size(), 1U);
   EXPECT_EQ(run.lastDiagnosis().keyword, "CONOTUB");
   ASSERT_TRUE(run.plt(1));
   EXPECT_EQ(run.column("CONORAT"), (Singles{10, 20, 5, 0}));
-  EXPECT_EQ(run.column("CONBDEPH"), (Singles{100, 400, 200, 300}));
+  EXPECT_EQ(run.column("CONBDEPH"), (Singles{300, 100, 200, 400}));
   ASSERT_TRUE(run.plt(2));
   EXPECT_EQ(run.column("CONMD"), (Singles{15, 15, 20, 35}));
 }

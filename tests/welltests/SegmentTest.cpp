@@ -193,6 +193,20 @@ TEST(SegmentsOfAnyKind, OneSegmentIsNeverGiven) {
   EXPECT_EQ(run.file.test(1).BranchNumber(8), -1);
 }
 
+TEST(SegmentsOfAnyKind, WhatTheFileLacksStaysNull) {
+  Arrays arrays = wellWithDevices();
+  arrays.push_back({"SEGWRAT", Singles{1, 2, 3, 4, 5, 6, 7}});
+  Arrays noStart(arrays.begin() + 1, arrays.end());
+  WellTestLoad run({{{.arrays = arrays}, {.arrays = noStart}}});
+  ASSERT_TRUE(run.icdBranch(1, 1));
+  EXPECT_EQ(run.column("SEGORATS"), (Singles{-999, -999}));  // not the null value by a length of 0.1
+  EXPECT_EQ(run.column("SEGWRATS"), (Singles{4 / 0.1F, 6 / 0.1F}));
+  ASSERT_TRUE(run.branch(1, 1));
+  EXPECT_EQ(run.column("SEGWCUT"), (Singles{-999, -999, -999}));
+  ASSERT_TRUE(run.branch(2, 1));
+  for (const char* name : {"SEGMD", "SEGLENTH", "SEGWRATS"}) EXPECT_EQ(run.column(name)[0], -999) << name;
+}
+
 TEST(SegmentSums, TakeTheNullValueForNothing) {
   const Arrays segments = well({{1, 0}, {1, 1}, {1, 2}}, {{1, 3}});
   struct Row {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "files/Recogniser.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Dates.h"
 #include "support/Forms.h"
@@ -91,6 +92,10 @@ const Example examples[] = {
     {Rft, "D K\nM 1/M\n1 2\nWORDS\n3 4 5", "#1 : D/M K/1/M = 1 2; 3 4"},
     {Rft, "K D\n1/M FT\nX\n3 4", "#1 : K/X D = 1 0; 3 4"},
     {Rft, "D P S\nFT\n1 NAN ***\n-.5 +5 1E", "#1 : D/FT P S = 1 0 0; -0.5 5 1"},
+    // Remarks of the programs that write such files; the last one may name the columns.
+    {Rft, "# logged by hand\n; twice\nWELLNAME P1\nDEPTH PRESSURE\n5000 3000\n",
+     "P1#1 : DEPTH PRESSURE = 5000 3000"},
+    {Rft, "# log\n# DEPTH PRESSURE\n5000 3000\n", "#1 : DEPTH PRESSURE = 5000 3000"},
     // GRIDNAME is a line of column names; it ends the commands, so that DATE opens the next test.
     {Rft, "RFT\nGRIDNAME LGR1\nDATE 1 JAN 1990\nD\n1", "#1 : GRIDNAME LGR1 | #2 1 JAN 1990: D = 1"},
     // Commands without a blank behind the word.
@@ -105,6 +110,24 @@ const Example examples[] = {
     {Plt, "Q MD DEPTH\n1 2 3", "#1 : MD DEPTH Q = 2 3 1"},
     {Plt, "Q WTVD\n1 2\nPLT\nQ\nRFT\n3", "#1 : WTVD Q = 2 1 | #2 : Q/RFT = 3"},
 };
+
+TEST(UserRFT, IsRecognizedByItsColumnsWhereNoCommandOpensIt) {
+  const std::pair<const char*, FileKind> rows[] = {
+      {"# log\nRFT\nDEPTH\n1", FileKind::UserRft},
+      {"; log\nPLT\nDEPTH\n1", FileKind::UserPlt},
+      {"DEPTH PRESSURE\nM BARSA\n5000 300", FileKind::UserRft},
+      {"WELLNAME P1\nMD CONORAT\n5000 300", FileKind::UserPlt},
+      {"# TVD PRESSURE\n5000 300", FileKind::UserRft},
+      {"X Y TVD MD\n1 2 3 4", FileKind::Unknown},
+      {"DEPTH PRESSURE\nare words", FileKind::Unknown},
+      {"RUNSPEC\nDIMENS\n1 2 3 /", FileKind::Unknown},
+  };
+  UserFile file;
+  for (const auto& [text, kind] : rows) {
+    writeFile(file.path, bytesOf(text));
+    EXPECT_EQ(recogniseFile(file.path).kind, kind) << text;
+  }
+}
 
 TEST(UserRFT, ReadsWhatLinesSay) {
   UserFile file;

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/WellTestBuilder.h"
+#include "support/WellTestLoad.h"
 #include "welltests/WellTest.h"
 
 namespace lumbarn {
@@ -60,6 +60,45 @@ TEST_P(WellTestRecords, HoldEveryArrayOfTheFile) {
   ASSERT_EQ(session.diagnoses().size(), 1U);
   EXPECT_EQ(session.diagnoses()[0].keyword, "CONPRES");
   EXPECT_EQ(session.diagnoses()[0].offset, one.others[0].headerAt);
+}
+
+TEST(WellTestFile, TimesOfLaboratoryRunsAreInHours) {
+  auto welletc = WellTestBuilder::usualWelletc("A", "");
+  welletc[0] = " HOURS";
+  test::WellTestLoad run({{{.arrays = {{"DEPTH", Singles{1}}}, .time = 30, .welletc = welletc}}});
+  ASSERT_TRUE(run.rft(1));
+  EXPECT_EQ(run.date, "11 JAN 2015 06:00");
+  EXPECT_EQ(isoText(*readWellTests(run.file.FileName, run.session)[0].date), "2015-01-11T06:00:00");
+}
+
+TEST(WellTestFile, TestsBehindDamageAreRead) {
+  WellTestBuilder builder;
+  for (const char* well : {"A", "B", "C"})
+    builder.tests.push_back({.well = well, .arrays = {{"DEPTH", Singles{1, 2}}, {"SWAT", Singles{0, 1}}}});
+  auto bytes = builder.bytes(test::bigEndian);
+  const std::size_t one = bytes.size() / 3;
+  test::WellTestLoad run;
+  const auto path = run.folder.file("DAMAGED.RFT");
+  // In the header of DATE, in a mark of WELLETC, and in the header of TIME, which takes the second test
+  // along.
+  const std::pair<std::size_t, std::size_t> rows[] = {{40, 3}, {90, 3}, {9, 2}};
+  for (const auto& [at, found] : rows) {
+    auto damaged = bytes;
+    for (std::size_t i = 0; i < 12; ++i) damaged[one + at + i] = std::byte{0xEE};
+    test::writeFile(path, damaged);
+    run.session.clearDiagnoses();
+    const auto tests = readWellTests(path, run.session);
+    ASSERT_EQ(tests.size(), found) << at;
+    EXPECT_EQ(tests.back().well, "C");
+    EXPECT_TRUE(tests.back().complete);
+    EXPECT_EQ(run.lastDiagnosis().id(), "record.gap") << at;
+    run.file = qvEclipseRFT(run.session);
+    ASSERT_TRUE(run.load(path)) << at;
+    EXPECT_TRUE(run.file.qDamaged);
+    ASSERT_EQ(static_cast<std::size_t>(run.file.NumTests()), found);
+    ASSERT_TRUE(run.rft(run.file.NumTests()));
+    EXPECT_EQ(run.well, "C");
+  }
 }
 
 WellTopology topology(Integers next, Integers branch) {
