@@ -54,7 +54,8 @@ GridArrays::GridArrays(const RunFamily& run, const Hadrick& grid, std::optional<
   if (!initFile_.empty())
     init_ = indexOfInit(console.session(), initFile_, pathOf(run.find(FileKind::Inspec)));
   if (run.find(FileKind::Restart))
-    restart_ = indexOfRestart(console.session(), restartFiles(run, console.session()), pathOf(run.find(FileKind::Rsspec)));
+    restart_ = indexOfRestart(console.session(), restartFiles(run, console.session()),
+                              pathOf(run.find(FileKind::Rsspec)));
   console.checkCancelled();
   for (const IndexStep& each : restart_.steps) {
     if (!step || each.number == *step) steps_.push_back(&each);

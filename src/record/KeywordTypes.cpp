@@ -53,9 +53,8 @@ constexpr Row restartIndex[] = {{"INTEHEAD", inte},  {"TIME", reals, 1},  {"ITIM
 constexpr Row init[] = {{"INTEHEAD", inte, 12}, {"LOGIHEAD", logi}, {"DOUBHEAD", doub},
                         {"PORV", reals},        {"TABDIMS", inte},  {"TAB", doub},
                         {"LGR", text, 1},       {"LGRNAMES", text}, {"CON", doub}};
-constexpr Row grid[] = {{"DIMENS", inte, 3},   {"MAPUNITS", text},  {"MAPAXES", reals},
-                        {"GRIDUNIT", text, 1}, {"COORDS", inte, 4}, {"CORNERS", real, 24},
-                        {"RADIAL", text}};
+constexpr Row grid[] = {{"DIMENS", inte, 3}, {"MAPUNITS", text},    {"MAPAXES", reals}, {"GRIDUNIT", text, 1},
+                        {"COORDS", inte, 4}, {"CORNERS", real, 24}, {"RADIAL", text}};
 constexpr Row egrid[] = {{"FILEHEAD", inte, 1}, {"MAPUNITS", text}, {"MAPAXES", reals},
                          {"GRIDUNIT", text, 1}, {"GDORIENT", text}, {"GRIDHEAD", inte, 4},
                          {"COORD", real},       {"ZCORN", real},    {"ACTNUM", inte},

@@ -149,8 +149,7 @@ bool OutputFile::write(std::span<const std::byte> bytes) {
 bool OutputFile::writeAt(std::uint64_t position, std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const auto wanted = std::min(bytes.size(), largestTransfer);
-    const auto put =
-        ::pwrite(static_cast<int>(handle_), bytes.data(), wanted, static_cast<off_t>(position));
+    const auto put = ::pwrite(static_cast<int>(handle_), bytes.data(), wanted, static_cast<off_t>(position));
     if (put < 0 && errno == EINTR) continue;
     if (put == 0) errno = EIO;  // the system takes nothing and does not say why
     if (put <= 0) return failed();

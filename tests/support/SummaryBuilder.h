@@ -97,7 +97,8 @@ struct SummaryBuilder {
       RecordWriter out(memorySink(files.back()), form);
       const auto step = firstStep + static_cast<std::int32_t>(files.size());
       if (begins && step == firstStep + 1 && !ownRecord.empty()) out.texts(ownRecord, std::array{ownRecord});
-      if (begins) out.integers("SEQHDR", std::array{seqhdr.empty() ? sequenceWord(step) : seqhdr.at(files.size() - 1)});
+      if (begins)
+        out.integers("SEQHDR", std::array{seqhdr.empty() ? sequenceWord(step) : seqhdr.at(files.size() - 1)});
       const auto place = static_cast<std::size_t>(ministep++);
       out.integers("MINISTEP", std::array{ministeps.empty() ? ministep - 1 : ministeps.at(place)});
       out.singles("PARAMS", row.values);
