@@ -317,7 +317,7 @@ void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataL
   }
 }
 
-/// The byte offset of that mark of a piece which is nearer to the place asked for. Both hold the piece's
+/// The byte offset of the mark of a piece that is nearer to the place asked for. Both hold the piece's
 /// length, and either shows that the file still has the layout that was found when it was walked.
 std::uint64_t MarkedCodec::nearerMark(const Piece& piece) const {
   const bool opening = 2 * piece.before <= piece.bytes;

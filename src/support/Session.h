@@ -59,8 +59,8 @@ class Session {
   std::function<void(const Diagnosis&)> diagnosisSink;   ///< is told of each diagnosis as it is made
   std::function<Clock::time_point()> now = &Clock::now;  ///< tests fix it
 
-  /// Replaces every file that is opened for reading by another source of bytes, in all sessions; used of the
-  /// session of the process only. Lets tests and audits run complete loads on sources that fail.
+  /// Replaces every file that is opened for reading by another source of bytes, in all sessions. Only that of
+  /// `process()` is used. Lets tests and audits run complete loads on sources that fail.
   std::function<std::unique_ptr<const ByteSource>(std::unique_ptr<const ByteSource>)> wrapSource;
 
   /// Gives the host its turn. True when the load is to stop.
