@@ -60,7 +60,7 @@ TEST_F(RftTables, AreThoseOfTheReader) {
   EXPECT_THAT(plt.at(2), ElementsAre("15", "10", "20", "10", "2", "101.5", "5", "7", "2", "5", "7", "2"));
   EXPECT_EQ(table({"--plt", "--branch", "1"}).size(), 2);
   EXPECT_EQ(table({"--branch", "1"}).size(), 3);
-  EXPECT_EQ(table({"--icd", "1"}).at(1).at(1), "-999");
+  EXPECT_EQ(table({"--icd", "1"}).at(1).at(1), "");
   EXPECT_THAT(table({"--segments"}).at(3), ElementsAre("3", "2", "20", "20.1", "2"));
   const auto all = table({"--all"});
   EXPECT_EQ(all.size(), 1 + 7 * 3 + 4 * 3 + 2 * 2);

@@ -59,7 +59,7 @@ TEST_F(InitOperations, AFileThatIsRefusedLeavesNothingOfTheOneBefore) {
   EXPECT_FALSE(qOK_);
   EXPECT_THAT(names(), SizeIs(0));
   EXPECT_FALSE(qOK_);
-  EXPECT_THAT(session_.diagnoses().back().text(), testing::HasSubstr("byte 0: expected INTEHEAD"));
+  EXPECT_THAT(session_.diagnoses().front().text(), testing::HasSubstr("byte 0: expected a record header"));
 }
 
 TEST_F(InitOperations, FetchTheChosenGrid) {

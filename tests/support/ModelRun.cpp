@@ -26,16 +26,15 @@ void append(std::vector<double>& tab, const ModelTable& table) {
 }
 
 /// As TAB has it: formation volume factors and viscosities as reciprocals, the viscosibility as a difference.
-/// A row of constant compressibility stays as the deck has it.
 ModelTable asStored(ModelTable table) {
   for (auto& row : table.rows) {
-    const bool water = table.name == "PVTW";
-    if (!water && (!table.name.starts_with("PVD") || row.size() != 3)) continue;
+    const bool constant = table.name == "PVTW" || table.name == "PVCDO";
+    if (!constant && !table.name.starts_with("PVD")) continue;
     const double volume = row[1];
-    const std::size_t viscosity = water ? 3 : 2;
+    const std::size_t viscosity = constant ? 3 : 2;
     row[viscosity] = 1 / (volume * row[viscosity]);
     row[1] = 1 / volume;
-    if (water) row[4] = row[2] - row[4];
+    if (constant) row[4] = row[2] - row[4];
   }
   return table;
 }
@@ -310,7 +309,7 @@ std::vector<ModelTable> Model::tables() const {
     all.push_back({"SOF2", {"SO", "KRO"}, {{0, 0}, {0.5, 0.25}, {0.75, 1}}});
   }
   if (writer_->constantCompressibility)
-    all.push_back({"PVCDO", {"PREF", "BO", "CO", "MUO", "CVO"}, {{200, 1.33, 0.0000625, 2, 0.5}}});
+    all.push_back({"PVCDO", {"PREF", "BO", "CO", "MUO", "CVO"}, {{200, 1.25, 0.0625, 2, 0.5}}});
   else
     all.push_back({"PVDO", {"P", "BO", "MUO"}, {{100, 2, 0.5}, {200, 1, 1}, {300, 0.5, 2}}});
   all.push_back({"DENSITY", {"OIL", "WATER", "GAS"}, {{800, 1000, 1}}});

@@ -120,7 +120,7 @@ TEST(UserRFT, IsRecognizedByItsColumnsWhereNoCommandOpensIt) {
       {"# TVD PRESSURE\n5000 300", FileKind::UserRft},
       {"X Y TVD MD\n1 2 3 4", FileKind::Unknown},
       {"DEPTH PRESSURE\nare words", FileKind::Unknown},
-      {"RUNSPEC\nDIMENS\n1 2 3 /", FileKind::Unknown},
+      {"RUNSPEC\nDIMENS\n1 2 3 /", FileKind::Deck},
   };
   UserFile file;
   for (const auto& [text, kind] : rows) {

@@ -86,12 +86,15 @@ TEST_P(WholeRun, SummaryHasEveryVectorRowAndDate) {
   if (writer_.earlier == Writer::Earlier::None) return;
   Host chain;
   chain.reader.NoRestart = false;
+  chain.reader.zExcept = "COPR*";  // a table with connections has no rows of earlier runs
   ASSERT_TRUE(chain.load(run_.specificationPath, 12) && chain.fetchSummary());
   EXPECT_THAT(chain.complaints(), SizeIs(writer_.running ? 1 : 0));
   auto all = model_.earlierRows();
   all.insert(all.end(), rows.begin(), rows.end());
-  for (std::size_t n = 0; n < vectors.size(); ++n)
-    EXPECT_THAT(chain.column(n + 1), ElementsAreArray(columnOf(all, n))) << vectors[n].name;
+  for (std::size_t n = 0, column = 0; n < vectors.size(); ++n) {
+    if (vectors[n].name.starts_with("COPR")) continue;
+    EXPECT_THAT(chain.column(++column), ElementsAreArray(columnOf(all, n))) << vectors[n].name;
+  }
 }
 
 TEST_P(WholeRun, RestartHasEveryStepGridAndArray) {
@@ -310,7 +313,9 @@ TEST_P(WholeRun, CommandShowsTheSameValues) {
   const auto one =
       csv({"summary", "--steps", std::to_string(step), "--vectors", "FOPR"}, run_.root(), ending);
   EXPECT_THAT(numbers(one), ElementsAreArray({rows[0][0], rows[1][0]}));
-  EXPECT_THAT(csv({"check"}, run_.root(), ending), SizeIs(writer_.running ? 2 : 1));
+  // A remark each where step files are left over and where cells are omitted; neither is a fault.
+  const int findings = int{writer_.running} + int{writer_.leftovers} + int{writer_.omitsInactive};
+  EXPECT_THAT(csv({"check"}, run_.root(), ending), SizeIs(1 + findings));
 
   const auto steps = model_.restartSteps();
   for (const bool local : {false, true}) {
