@@ -45,6 +45,14 @@ const RunMember* best(const RunFamily& family, Filter filter) {
   return chosen;
 }
 
+/// Whether the summary of a specification is there: some writers leave SMSPEC and FSMSPEC, and data in one
+/// form.
+bool hasData(const RunFamily& family, const RunMember& specification) {
+  return std::ranges::any_of(family.members, [&](const RunMember& member) {
+    return member.kind == Summary && member.set == specification.set;
+  });
+}
+
 void sortMembers(RunFamily& family) {
   std::ranges::sort(family.members, [](const RunMember& a, const RunMember& b) {
     const bool shortA = a.set && a.set->shortNames;
@@ -173,7 +181,11 @@ std::vector<RunFamily> runsOfRoot(const FileName& parts, const std::string& name
 }  // namespace
 
 const RunMember* RunFamily::find(FileKind kind) const {
-  return best(*this, [&](const RunMember& member) { return member.kind == kind; });
+  const RunMember* found = best(*this, [&](const RunMember& member) { return member.kind == kind; });
+  if (kind != SummarySpec || !found || found == givenMember() || hasData(*this, *found)) return found;
+  const RunMember* other =
+      best(*this, [&](const RunMember& member) { return member.kind == kind && hasData(*this, member); });
+  return other ? other : found;
 }
 
 std::vector<const RunMember*> RunFamily::steps(FileKind kind) const {

@@ -33,7 +33,7 @@ struct RunFamily {
   /// The one file to take for a kind; null when there is none. The given file when it is of that kind;
   /// otherwise one in the form of the given file, an unformatted one rather than a formatted one, a unified
   /// one rather than one of a step, one in the case of the given file, the lowest step, in this order of
-  /// weight. A deck says nothing about form.
+  /// weight. A deck says nothing about form. A specification whose summary is there precedes one without.
   const RunMember* find(FileKind kind) const;
   /// The step files of a kind in order of step, all of one set, chosen by the same preferences, each step
   /// once; empty when there are none.
