@@ -96,6 +96,22 @@ TEST(Check, DamageInOneFileDoesNotHideTheOthers) {
   EXPECT_EQ(command({"check", folder.file("RUN")}).status, 3) << "other files of the run can be read";
 }
 
+TEST(Check, StepsThatAreNotCompleteAreNoSteps) {
+  const test::TemporaryFolder folder;
+  std::string restart = content(sample("ARBOR/ARBOR.UNRST"));
+  const auto end = restart.rfind("ENDSOL");
+  restart.resize(end - 4);  // the mark in front of the header
+  store(folder.file("RUN.UNRST"), restart);
+  const Outcome check = command({"check", folder.file("RUN")});
+  EXPECT_EQ(check.status, 3);
+  EXPECT_THAT(check.out, HasSubstr("ENDSOL"));
+  const auto steps = [](const std::string& path) {
+    const Outcome info = command({"info", path, "--format", "json"});
+    return nlohmann::json::parse(info.out)["restart"]["steps"].get<int>();
+  };
+  EXPECT_EQ(steps(folder.file("RUN")), steps(sample("ARBOR")) - 1);
+}
+
 TEST(Check, FilesThatDoNotBelongTogether) {
   const test::TemporaryFolder folder;
   const auto only = [&](const char* name) {

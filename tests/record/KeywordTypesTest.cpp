@@ -15,21 +15,21 @@ TEST(KeywordTypes, SayWhatIsUnexpected) {
     const char* keyword;
     const char* type;
     std::int64_t count;
-    Message message;  // None: nothing is wrong
+    std::optional<Message> message;  // empty: nothing is wrong
   };
   constexpr Case cases[] = {
-      {RecordFile::EGrid, "ACTNUM", "INTE", 960, Message::None},
+      {RecordFile::EGrid, "ACTNUM", "INTE", 960, {}},
       {RecordFile::EGrid, "ACTNUM", "REAL", 960, Message::RecordType},
       {RecordFile::Restart, "SEQNUM", "REAL", 1, Message::RecordType},
       {RecordFile::Restart, "SEQNUM", "INTE", 0, Message::RecordLength},
-      {RecordFile::Restart, "INTEHEAD", "INTE", 95, Message::None},
-      {RecordFile::Restart, "DOUBHEAD", "DOUB", 1, Message::None},
-      {RecordFile::Restart, "SGRP", "REAL", 112, Message::None},
-      {RecordFile::Restart, "SGRP", "DOUB", 112, Message::None},
-      {RecordFile::Specification, "NAMES", "C032", 12, Message::None},
+      {RecordFile::Restart, "INTEHEAD", "INTE", 95, {}},
+      {RecordFile::Restart, "DOUBHEAD", "DOUB", 1, {}},
+      {RecordFile::Restart, "SGRP", "REAL", 112, {}},
+      {RecordFile::Restart, "SGRP", "DOUB", 112, {}},
+      {RecordFile::Specification, "NAMES", "C032", 12, {}},
       {RecordFile::Specification, "NAMES", "INTE", 12, Message::RecordType},
-      {RecordFile::Restart, "PRESSURE", "DOUB", 12, Message::None},  // no row, no opinion
-      {RecordFile::Any, "ACTNUM", "REAL", 960, Message::None},
+      {RecordFile::Restart, "PRESSURE", "DOUB", 12, {}},  // no row, no opinion
+      {RecordFile::Any, "ACTNUM", "REAL", 960, {}},
   };
   for (const Case& test : cases) {
     RecordHeader header;
@@ -39,7 +39,8 @@ TEST(KeywordTypes, SayWhatIsUnexpected) {
     header.count = test.count;
     header.headerAt = 24;
     const auto report = unexpected(test.file, header);
-    EXPECT_EQ(report ? report->message : Message::None, test.message) << test.keyword << ' ' << test.type;
+    EXPECT_EQ(report ? std::optional<Message>(report->message) : std::nullopt, test.message)
+        << test.keyword << ' ' << test.type;
     EXPECT_EQ(report ? report->offset : 24U, 24U);
   }
 }
