@@ -34,40 +34,31 @@ struct Shape {
   double volume;
 };
 const Shape shapes[] = {
-    {"box at map coordinates", cell([](double i, double j, double k) -> P {
-       return {460000 + 50 * i, 5930600 + 25 * j, 2000 + 4 * k};
+    {"box at map coordinates", cell([](auto i, auto j, auto k) {
+       return P{460000 + 50 * i, 5930600 + 25 * j, 2000 + 4 * k};
      }),
      5000},
-    {"sheared", cell([](double i, double j, double k) -> P {
-       return {2 * i + 3 * k, j - i, k + 5 * i + j};
+    {"sheared", cell([](auto i, auto j, auto k) {
+       return P{2 * i + 3 * k, j - i, k + 5 * i + j};
      }),
      -16},
-    {"wedge, pinched along one side", cell([](double i, double j, double k) -> P {
-       return {i, j, k * i};
+    {"wedge, pinched along one side", cell([](auto i, auto j, auto k) {
+       return P{i, j, k * i};
      }),
      0.5},
-    {"twisted: area of the cut at each depth is (1 + k/2) squared",
-     cell([](double i, double j, double k) -> P {
-       return {i * (1 + k / 2), j * (1 + k / 2), k};
+    {"twisted: area of the cut at each depth is (1 + k/2) squared", cell([](auto i, auto j, auto k) {
+       return P{i * (1 + k / 2), j * (1 + k / 2), k};
      }),
-     (std::pow(1.5, 3) - 1) / 1.5},
+     2.375 / 1.5},
     {"saddle on top: the mean of the heights, which no cut into six tetrahedra gives",
-     cell([](double i, double j, double k) -> P {
-       return {i, j, k + (1 - k) * 0.25 * i * j};
+     cell([](auto i, auto j, auto k) {
+       return P{i, j, k + (1 - k) * 0.25 * i * j};
      }),
      1 - 0.0625},
-    {"left-handed", cell([](double i, double j, double k) -> P {
-       return {i, -j, 2 * k};
-     }),
-     -2},
-    {"inverted", cell([](double i, double j, double k) -> P {
-       return {i, j, 7 - 3 * k};
+    {"inverted", cell([](auto i, auto j, auto k) {
+       return P{i, j, 7 - 3 * k};
      }),
      -3},
-    {"no thickness", cell([](double i, double j, double) -> P {
-       return {i, j, 5 + i};
-     }),
-     0},
     {"no corners", Row{}, 0},
 };
 
@@ -86,18 +77,15 @@ TEST(CellGeometry, VolumesOfARangeAreThoseOfItsCells) {
   Hadrick grid = distortedBlock({300, 3, 4}, 0.2F, 17);
   for (const bool coarse : {false, true}) {
     if (coarse) grid.setCoarse({{.iCell = 1, .iBox = {1, 2, 1, 1, 1, 2}}});
-    constexpr std::int32_t first = 140;
-    std::vector<double> volumes(3000);
-    cellVolumes(grid, first, volumes);
-    Row row{};
-    for (std::size_t n = 0; n < volumes.size(); ++n) {
-      grid.corners(first + static_cast<std::int32_t>(n), row);
-      ASSERT_NEAR(volumes[n], cellVolume(row), 10) << n;  // of 100,000; corners of a row are rounded
+    for (const auto& [first, count] : {std::pair{140, 3000}, {1, 1}}) {
+      std::vector<double> volumes(static_cast<std::size_t>(count));
+      cellVolumes(grid, first, volumes);
+      Row row{};
+      for (int n = 0; n < count; ++n) {
+        grid.corners(first + n, row);  // of 100,000; corners of a row are rounded
+        ASSERT_NEAR(volumes[static_cast<std::size_t>(n)], cellVolume(row), 10) << n;
+      }
     }
-    volumes.resize(1);
-    cellVolumes(grid, 1, volumes);
-    grid.corners(1, row);
-    EXPECT_NEAR(volumes[0], cellVolume(row), 10);
   }
   std::vector<double> tooMany(3);
   EXPECT_THROW(cellVolumes(grid, grid.nCells() - 1, tooMany), Fault);
@@ -124,11 +112,9 @@ TEST(CellGeometry, DamagedCellsHoldNothing) {
 }
 
 TEST(CellGeometry, PinchedAndInvertedCellsHoldWhatIsBetweenTheirFaces) {
-  const auto wedge = cell([](double i, double j, double k) -> P { return {i, j, k * i}; });
-  EXPECT_TRUE(cellContains(wedge, {0.75, 0.5, 0.5}));
-  EXPECT_FALSE(cellContains(wedge, {0.25, 0.5, 0.5}));
-  const auto inverted = cell([](double i, double j, double k) -> P { return {i, j, -k}; });
-  EXPECT_TRUE(cellContains(inverted, {0.5, 0.5, -0.5}));
+  EXPECT_TRUE(cellContains(shapes[2].row, {0.75, 0.5, 0.5}));
+  EXPECT_FALSE(cellContains(shapes[2].row, {0.25, 0.5, 0.5}));
+  EXPECT_TRUE(cellContains(shapes[5].row, {0.5, 0.5, 5}));
 }
 
 /// The point of a cell at shares u, v, w of its way in I, J and K.

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <variant>
@@ -64,5 +65,25 @@ struct WellTestBuilder {
     return path;
   }
 };
+
+/// Arrays from a text such as "DEPTH 1 2.5; CONIPOS: 3 4": those with a colon hold integers.
+inline std::vector<WellTestBuilder::Array> arraysOf(const std::string& text) {
+  std::vector<WellTestBuilder::Array> arrays;
+  std::istringstream parts(text);
+  for (std::string part; std::getline(parts, part, ';');) {
+    std::istringstream words(part);
+    std::string name;
+    words >> name;
+    std::vector<double> numbers;
+    for (double number = 0; words >> number;) numbers.push_back(number);
+    if (name.ends_with(':')) {
+      name.pop_back();
+      arrays.push_back({name, WellTestBuilder::Integers(numbers.begin(), numbers.end())});
+    } else {
+      arrays.push_back({name, WellTestBuilder::Singles(numbers.begin(), numbers.end())});
+    }
+  }
+  return arrays;
+}
 
 }  // namespace lumbarn::test

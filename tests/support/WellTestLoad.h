@@ -3,11 +3,28 @@
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
+
 #include "WellTestBuilder.h"
 #include "shapes/HeaderLayout.h"
 #include "welltests/qvEclipseRFT.h"
 
 namespace lumbarn::test {
+
+/// A table as hosts get it: "NAME/UNIT NAME = row; row".
+inline std::string tableText(const ByteTable& headers, const XYData& values) {
+  std::string all;
+  for (std::size_t i = 1; i <= headers.entries(); ++i) {
+    const auto units = ExtractAttribute(attributeUnits, headers, i);
+    all += fmt::format("{}{}{}{}", i == 1 ? "" : " ", ExtractAttribute(attributeVariable, headers, i),
+                       units.empty() ? "" : "/", units);
+  }
+  for (std::size_t row = 1; row <= values.rows(); ++row) {
+    all += row == 1 ? " =" : ";";
+    for (std::size_t i = 1; i <= values.columns(); ++i) all += fmt::format(" {}", values(row, i));
+  }
+  return all;
+}
 
 /// A file of well tests, loaded with a session of its own, and what it answered last.
 struct WellTestLoad {
@@ -50,6 +67,7 @@ struct WellTestLoad {
     return qOK;
   }
 
+  std::string shown() const { return tableText(headers, table); }
   /// One field of each header.
   std::vector<std::string> fields(std::int32_t iAttribute) const {
     std::vector<std::string> all;

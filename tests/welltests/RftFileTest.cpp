@@ -13,37 +13,25 @@
 namespace lumbarn {
 namespace {
 
+using test::arraysOf;
 using test::subscriptFaultIn;
 using test::WellTestBuilder;
 using test::WellTestLoad;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-class RftFile : public test::OfForm {};
-INSTANTIATE_TEST_SUITE_P(Forms, RftFile, ::testing::ValuesIn(test::everyForm), test::formName);
+const std::vector<WellTestBuilder::Array> depth = arraysOf("DEPTH 1");
 
-WellTestBuilder::Array singles(const std::string& name, std::vector<float> values) { return {name, values}; }
-WellTestBuilder::Array integers(const std::string& name, std::vector<std::int32_t> values) {
-  return {name, values};
-}
-
-std::vector<WellTestBuilder::Array> rftArrays() {
-  return {integers("CONIPOS", {4, 5}), integers("CONJPOS", {7, 7}),      integers("CONKPOS", {1, 2}),
-          singles("SOIL", {9, 9}),     singles("PRESSURE", {201, 202}),  singles("SWAT", {0.25F, 0.5F}),
-          singles("DEPTH", {20, 30}),  singles("SGAS", {0.125F, 0.75F}), singles("WELLPLT", {1, 2, 3})};
-}
-
-TEST_P(RftFile, GivesTheTableFromTheDepthColumnOn) {
-  WellTestLoad run({{{.well = "B-1 H", .arrays = rftArrays(), .grid = "LG1"}}}, form_);
+TEST(RftFile, GivesTheTableFromTheDepthColumnOn) {
+  const auto arrays = arraysOf(
+      "CONIPOS: 4 5; CONJPOS: 7 7; CONKPOS: 1 2; SOIL 9 9; PRESSURE 201 202; SWAT 0.25 0.5; "
+      "DEPTH 20 30; SGAS 0.125 0.75; WELLPLT 1 2 3");
+  WellTestLoad run({{{.well = "B-1 H", .arrays = arrays, .grid = "LG1"}}});
   ASSERT_TRUE(run.rft(1));
   // SOIL of the file does not count; saturations may add up to more than 1.
-  EXPECT_THAT(run.names(), ElementsAre("DEPTH", "SGAS", "CONIPOS", "CONJPOS", "CONKPOS", "SOIL", "COMPLETION",
-                                       "PRESSURE", "SWAT"));
-  EXPECT_THAT(run.table.values(), ElementsAre(20, 30, 0.125F, 0.75F, 4, 5, 7, 7, 1, 2, 0.625F, -0.25F, 1, 2,
-                                              201, 202, 0.25F, 0.5F));
-  EXPECT_EQ(run.unit("DEPTH") + " " + run.unit("PRESSURE") + " " + run.unit("SWAT"), "METRES BARSA ");
+  EXPECT_EQ(run.shown(),
+            "DEPTH/METRES SGAS CONIPOS CONJPOS CONKPOS SOIL COMPLETION PRESSURE/BARSA SWAT "
+            "= 20 0.125 4 7 1 0.625 1 201 0.25; 30 0.75 5 7 2 -0.25 2 202 0.5");
   EXPECT_EQ(run.well + "," + run.grid + "," + run.date + "," + run.origin, "B-1 H,LG1,11 JAN 2015,");
   const auto header = run.headers.entry(1);
   std::string expected(233, ' ');
@@ -58,56 +46,44 @@ TEST_P(RftFile, GivesTheTableFromTheDepthColumnOn) {
   EXPECT_THAT(run.faults, IsEmpty());
 }
 
-TEST(RftFileOrder, NumbersTestsWellByWellAndTellsTheTimeOfDay) {
+TEST(RftFile, NumbersTestsWellByWellAndTellsTheTimeOfDay) {
   WellTestBuilder builder;
-  const std::vector<WellTestBuilder::Array> depth = {singles("DEPTH", {1})};
-  struct Row {
+  const struct {
     const char* well;
     float time;
-    const char* date;
-    int number;
-  };
-  const Row rows[] = {{"A", 10, "11 JAN 2015", 1},
-                      {"B", 10.5F, "11 JAN 2015 12:00", 1},
-                      {"A", 10.0001F, "11 JAN 2015", 2},
-                      {"a", 0.9999F, "11 JAN 2015", 1},
-                      {"B", 0.0007F, "11 JAN 2015 00:01", 2},
-                      {"A", 3.99F, "11 JAN 2015 23:46", 3}};
-  for (const Row& row : rows) builder.tests.push_back({.well = row.well, .arrays = depth, .time = row.time});
+    std::string shown;
+  } rows[] = {{"A", 10, "A 1 11 JAN 2015"},
+              {"B", 10.5F, "B 1 11 JAN 2015 12:00"},
+              {"A", 10.0001F, "A 2 11 JAN 2015"},
+              {"a", 0.9999F, "a 1 11 JAN 2015"},
+              {"B", 0.0007F, "B 2 11 JAN 2015 00:01"},
+              {"A", 3.99F, "A 3 11 JAN 2015 23:46"}};
+  for (const auto& row : rows) builder.tests.push_back({.well = row.well, .arrays = depth, .time = row.time});
   WellTestLoad run(builder);
   ASSERT_EQ(run.file.NumTests(), 6);
   for (std::int32_t i = 1; i <= 6; ++i) {
     ASSERT_TRUE(run.rft(i));
-    const Row& row = rows[i - 1];
-    EXPECT_EQ(run.well, row.well);
-    EXPECT_EQ(run.number, row.number);
-    EXPECT_EQ(run.date, row.date) << i;
+    EXPECT_EQ(fmt::format("{} {} {}", run.well, run.number, run.date), rows[i - 1].shown);
   }
   bool qOK = true;
   run.file.getRFTData(qOK);  // adds to what is there
-  EXPECT_EQ(run.file.NumTests(), 12);
   ASSERT_TRUE(run.rft(12));
   EXPECT_EQ(run.number, 6);
-}
-
-TEST(RftFileOrder, TestsThatAreNotThere) {
-  WellTestLoad run({{{.arrays = {singles("DEPTH", {1})}}}});
-  for (const std::int32_t iTest : {0, 2}) {
+  for (const std::int32_t iTest : {0, 13}) {
     run.faults.clear();
-    bool qRFT, qPLT, qSEG, qOK = true;
+    bool qRFT, qPLT, qSEG;
     run.file.getRFTTestInfo(iTest, qRFT, qPLT, qSEG, qOK);
-    EXPECT_FALSE(qOK);
     EXPECT_THAT(run.faults, ElementsAre("Error:Subscript out of range (No.9) In [qvEclipseRFT (Code) "
                                         "(getRFTTestInfo)] "));
     EXPECT_EQ(run.file.NumberBranches(iTest) + run.file.NumberPLTBranches(iTest), 0);
-    EXPECT_FALSE(run.rft(iTest));
+    EXPECT_FALSE(qOK || run.rft(iTest));
   }
   EXPECT_EQ(run.file.Origin() + run.file.FileName, "");  // asking clears the name
 }
 
-TEST(RftFileOrder, CancellingKeepsTheTestsReadWithoutNumbers) {
+TEST(RftFile, CancelingKeepsTheTestsReadWithoutNumbers) {
   WellTestBuilder builder;
-  builder.tests.assign(4, {.arrays = {singles("DEPTH", {1})}});
+  builder.tests.assign(4, {.arrays = depth});
   WellTestLoad run;
   int yields = 0;
   run.session.hostYield = [&] { run.session.CancelLoad = ++yields == 2; };
@@ -117,9 +93,9 @@ TEST(RftFileOrder, CancellingKeepsTheTestsReadWithoutNumbers) {
   EXPECT_EQ(run.number, 0);
 }
 
-TEST(RftFileOrder, RecordsBeforeTheFirstTimeBelongToTheFirstTest) {
-  WellTestLoad run;
+TEST(RftFile, RecordsBeforeTheFirstTimeBelongToTheFirstTest) {
   for (const bool timed : {false, true}) {
+    WellTestLoad run;
     std::vector<std::byte> bytes;
     RecordWriter out(memorySink(bytes), test::bigEndian);
     out.texts("WELLETC", WellTestBuilder::usualWelletc("A", ""));
@@ -129,113 +105,65 @@ TEST(RftFileOrder, RecordsBeforeTheFirstTimeBelongToTheFirstTest) {
     run.file.FileName = run.folder.file("ODD.RFT");
     run.file.byteSwap = test::bigEndian.byteSwap;
     test::writeFile(run.file.FileName, bytes);
-    bool qOK = false;
-    run.file.getRFTData(qOK);
-    ASSERT_TRUE(qOK && run.rft(run.file.NumTests()));
-    EXPECT_THAT(run.names(), ElementsAre("DEPTH", "SWAT", "SOIL", "COMPLETION"));
+    run.file.getRFTData(run.loaded);
+    ASSERT_TRUE(run.loaded && run.rft(1));
+    EXPECT_EQ(run.shown(), "DEPTH/METRES SWAT SOIL COMPLETION = 5 0.25 0.75 1");
   }
-  EXPECT_EQ(run.file.NumTests(), 2);
 }
 
-struct ArraysCase {
-  const char* name;
-  std::vector<WellTestBuilder::Array> arrays;
-  std::vector<std::string> names;
-  std::vector<float> values;
-  std::string leftOut;  ///< keyword of the last diagnosis
-};
-
-class RftArrays : public ::testing::TestWithParam<ArraysCase> {};
-INSTANTIATE_TEST_SUITE_P(
-    Cases, RftArrays,
-    ::testing::Values(
-        ArraysCase{"ShortArrayIsLost",
-                   {singles("DEPTH", {1, 2}), singles("SGAS", {0.5F}), singles("SWAT", {0.25F, 1})},
-                   {"DEPTH", "SWAT", "SOIL", "COMPLETION"},
-                   {1, 2, 0.25F, 1, 0.75F, 0, 1, 2},
-                   "SGAS"},
-        ArraysCase{"WithoutDepthNothingIsWorkedOut",
-                   {singles("SWAT", {1, 2}), singles("PRESSURE", {3, 4})},
-                   {"SWAT", "PRESSURE"},
-                   {1, 2, 3, 4},
-                   ""},
-        ArraysCase{"EmptyArrayMakesNoTable",
-                   {singles("PRESSURE", {}), singles("DEPTH", {7})},
-                   {"DEPTH", "SOIL", "COMPLETION"},
-                   {7, 1, 1},
-                   "PRESSURE"},
-        ArraysCase{"IndicesAloneMakeATableOfTheirOwn",  // I and K were not read and count as a single 0
-                   {integers("J", {3, 4}), singles("CONPRES", {1, 2})},
-                   {"CONIPOS", "CONKPOS"},
-                   {0, 0},
-                   "COMPLETION"},
-        ArraysCase{"IntegersAndSinglesInOneTable",
-                   {integers("DEPTH", {3, 4}), integers("UNKNOWN", {1})},
-                   {"DEPTH", "SOIL", "COMPLETION"},
-                   {3, 4, 1, 1, 1, 2},
-                   ""}),
-    [](const auto& row) { return std::string(row.param.name); });
-
-TEST_P(RftArrays, OfAnyLength) {
-  WellTestLoad run({{{.arrays = GetParam().arrays}}});
-  ASSERT_TRUE(run.rft(1));
-  EXPECT_THAT(run.names(), ElementsAreArray(GetParam().names));
-  EXPECT_THAT(run.table.values(), ElementsAreArray(GetParam().values));
-  const Diagnosis diagnosis = run.lastDiagnosis();
-  EXPECT_EQ(diagnosis.keyword, GetParam().leftOut);
-  EXPECT_EQ(diagnosis.path, GetParam().leftOut.empty() ? "" : run.file.FileName);
-}
-
-TEST(RftFileFaults, EndTheirTestAndNoOther) {
-  struct Row {
-    WellTestBuilder::Test test;
-    std::string well;
-    const char* routine;
-    const char* keyword;  ///< of the diagnosis
+TEST(RftFile, ArraysOfAnyLengthAreTaken) {
+  const struct {
+    const char *why, *arrays, *shown;
+    std::string leftOut;  ///< keyword of the last diagnosis
+  } rows[] = {
+      {"a short array is lost", "DEPTH 1 2; SGAS 0.5; SWAT 0.25 1",
+       "DEPTH/METRES SWAT SOIL COMPLETION = 1 0.25 0.75 1; 2 1 0 2", "SGAS"},
+      {"nothing is derived", "SWAT 1 2; PRESSURE 3 4", "SWAT PRESSURE/BARSA = 1 3; 2 4", ""},
+      {"an empty array", "PRESSURE; DEPTH 7", "DEPTH/METRES SOIL COMPLETION = 7 1 1", "PRESSURE"},
+      {"I and K count as 0", "J: 3 4; CONPRES 1 2", "CONIPOS CONKPOS = 0 0", "COMPLETION"},
+      {"integers", "DEPTH: 3 4; UNKNOWN: 1", "DEPTH/METRES SOIL COMPLETION = 3 1 1; 4 1 2", ""},
   };
-  const std::vector<WellTestBuilder::Array> depth = {singles("DEPTH", {1})};
+  for (const auto& [why, arrays, shown, leftOut] : rows) {
+    WellTestLoad run({{{.arrays = arraysOf(arrays)}}});
+    ASSERT_TRUE(run.rft(1)) << why;
+    EXPECT_EQ(run.shown(), shown) << why;
+    EXPECT_EQ(run.lastDiagnosis().keyword, leftOut) << why;
+    EXPECT_EQ(run.lastDiagnosis().path, leftOut.empty() ? "" : run.file.FileName) << why;
+  }
+}
+
+TEST(RftFile, FaultsEndTheirTestAndNoOther) {
   const auto usual = WellTestBuilder::usualWelletc("A", "");
   const auto first = [&](std::size_t n) { return WellTestBuilder::Texts(usual.begin(), usual.begin() + n); };
-  const Row rows[] = {
+  const struct {
+    WellTestBuilder::Test test;
+    std::string well, routine, keyword;
+  } rows[] = {
       {{.arrays = depth, .date = {1, 2}}, "", "getEclipseRFTtest", "DATE"},
       {{.arrays = depth, .welletc = first(1)}, "", "getEclipseRFTtest", "WELLETC"},
       {{.arrays = depth, .welletc = first(2)}, "A", "getEclipseRFTtest", "WELLETC"},
       {{.arrays = depth, .welletc = first(3)}, "A", "", ""},
-      {{.arrays = depth, .welletc = first(6)}, "A", "", ""},
       {{.arrays = depth, .welletc = first(8)}, "A", "setUNITS", ""},
+      {{.arrays = depth, .date = {5, 13, 2003}}, "A", "", "DATE"},
   };
-  for (const Row& row : rows) {
-    WellTestLoad run({{row.test, {.well = "B", .arrays = depth}}});
-    ASSERT_TRUE(run.loaded);
+  for (const auto& [test, well, routine, keyword] : rows) {
+    WellTestLoad run({{test, {.well = "B", .arrays = depth, .date = {5, 3, -1}}}});
     ASSERT_EQ(run.file.NumTests(), 2);
-    EXPECT_EQ(run.file.test(1).well(), row.well);
-    const std::string routine = row.routine;
+    EXPECT_EQ(run.file.test(1).well(), well);
     EXPECT_EQ(run.rft(1), routine != "getEclipseRFTtest");  // nothing behind the fault was read
-    EXPECT_EQ(run.lastDiagnosis().keyword, row.keyword);
-    if (routine.empty()) {
-      EXPECT_THAT(run.faults, IsEmpty());
-    } else {
-      EXPECT_THAT(run.faults, ElementsAre(subscriptFaultIn(routine)));
-      EXPECT_TRUE(run.lastDiagnosis().offset);
-    }
+    EXPECT_EQ(run.session.diagnoses().empty() ? "" : run.session.diagnoses()[0].keyword, keyword);
+    EXPECT_EQ(run.faults,
+              routine.empty() ? std::vector<std::string>{} : std::vector{subscriptFaultIn(routine)});
     EXPECT_TRUE(run.rft(2));
+    EXPECT_EQ(run.date, "5 MAR 0000") << "dates are taken as they stand";
   }
 }
 
-TEST(RftFileFaults, DatesAreTakenAsTheyStand) {
-  const std::vector<WellTestBuilder::Array> depth = {singles("DEPTH", {1})};
-  WellTestLoad run({{{.arrays = depth, .date = {5, 3, -1}}, {.arrays = depth, .date = {5, 13, 2003}}}});
-  EXPECT_EQ(run.file.test(1).dateText(), "5 MAR 0000");
-  EXPECT_EQ(run.file.test(2).dateText(), "5  2003");
-  EXPECT_EQ(run.lastDiagnosis().keyword, "DATE");
-}
-
-TEST(RftFileFaults, WhatIsNoTestFileIsRefused) {
+TEST(RftFile, OfAnotherKindIsRefused) {
   WellTestLoad run;
   run.file.FileName = "kept";
   EXPECT_FALSE(run.file.CheckRFTFile(run.folder.file("NONE.RFT")));
   EXPECT_FALSE(run.file.CheckRFTFile(examplePath("/data/ARBOR/ARBOR.INIT")));
-  EXPECT_EQ(run.file.FileName, "kept");
   bool qOK = true;
   run.file.getRFTData(qOK);
   EXPECT_FALSE(qOK);

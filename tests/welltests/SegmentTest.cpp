@@ -6,11 +6,11 @@
 namespace lumbarn {
 namespace {
 
+using test::arraysOf;
 using test::subscriptFaultIn;
 using test::WellTestBuilder;
 using test::WellTestLoad;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using Arrays = std::vector<WellTestBuilder::Array>;
 using Singles = std::vector<float>;
@@ -45,44 +45,31 @@ Arrays well(const std::vector<Segment>& segments, const std::vector<Range>& bran
   return arrays;
 }
 
+Arrays with(Arrays arrays, const std::string& others) {
+  for (const auto& other : arraysOf(others)) arrays.push_back(other);
+  return arrays;
+}
+
 /// Tubing on branch 1, and two branches of devices and screens beside it that flow into it.
 Arrays wellWithDevices() {
   return well({{1, 0}, {1, 1}, {1, 2}, {2, 2, true}, {2, 4}, {3, 3, true}, {3, 6}}, {{1, 3}, {4, 5}, {6, 7}});
 }
 
-class Segments : public test::OfForm {};
-INSTANTIATE_TEST_SUITE_P(Forms, Segments, ::testing::ValuesIn(test::everyForm), test::formName);
-
-TEST_P(Segments, OfABranchHaveAllColumns) {
-  Arrays arrays = {{"SEGDEPTH", Singles{100, 110, 120}},
-                   {"SEGPRES", Singles{5, 6, 7}},
-                   {"SEGORAT", Singles{40, 0, 8}},
-                   {"SEGWRAT", Singles{120, 16, 0}},
-                   {"SEGGRAT", Singles{80, 4, 2}},
-                   {"SEGOHF", Singles{0.5F, 0.25F, 1}},
-                   {"SEGLENST", Singles{0, 10, 18}},
-                   {"SEGLENEN", Singles{8, 18, 18}},
-                   {"SEGBRNO", Integers{1, 1, 1}},
-                   {"SEGNXT", Integers{0, 1, 2}},
-                   {"BRNST", Integers{2}},
-                   {"BRNEN", Integers{3}},
-                   {"CONSEGNO", Integers{3, 2, 3}},
-                   {"CONORAT", Singles{1, 2, 4}},
-                   {"CONLENST", Singles{1, 2, 3}}};
-  WellTestLoad run({{{.arrays = arrays, .time = 10.5F}}}, form_);
+TEST(Segments, OfABranchHaveAllColumns) {
+  const auto arrays = arraysOf(
+      "SEGDEPTH 100 110 120; SEGPRES 5 6 7; SEGORAT 40 0 8; SEGWRAT 120 16 0; SEGGRAT 80 4 2; "
+      "SEGOHF 0.5 0.25 1; SEGLENST 0 10 18; SEGLENEN 8 18 18; SEGBRNO: 1 1 1; SEGNXT: 0 1 2; BRNST: 2; "
+      "BRNEN: 3; CONSEGNO: 3 2 3; CONORAT 1 2 4; CONLENST 1 2 3");
+  WellTestLoad run({{{.arrays = arrays, .time = 10.5F}}});
   ASSERT_EQ(run.file.NumberBranches(1), 1);
   ASSERT_TRUE(run.branch(1, 1));
-  const float none = -999;
-  const Singles rows[2] = {
-      {14,   110,   10,   18,   8, none, none, 6, 0,    16,   4,    0,    2,    0.5F, none, none,
-       none, 0.25F, none, none, 1, 1,    2,    2, none, none, none, none, none, 1,    0},
-      {18,   120, 18,   18,   0, none, none, 7, 8,    0,    2,    none, none, none, none, none,
-       none, 1,   none, none, 1, 2,    3,    5, none, none, none, none, none, 0,    0.25F}};
-  for (std::size_t r = 0; r < 2; ++r) {
-    Singles row;
-    for (std::size_t c = 1; c <= 31; ++c) row.push_back(run.table(r + 1, c));
-    EXPECT_THAT(row, ElementsAreArray(rows[r]));
-  }
+  const std::string shown = run.shown();
+  EXPECT_EQ(
+      shown.substr(shown.find('=')),
+      "= 14 110 10 18 8 -999 -999 6 0 16 4 0 2 0.5 -999 -999 -999 0.25 -999 -999 1 1 2 2 -999 -999 -999 "
+      "-999 -999 1 0; "
+      "18 120 18 18 0 -999 -999 7 8 0 2 -999 -999 -999 -999 -999 -999 1 -999 -999 1 2 3 5 -999 -999 "
+      "-999 -999 -999 0 0.25");
   EXPECT_EQ(run.names()[22], "SEGNO");
   EXPECT_EQ(run.unit("SEGGVEL") + "," + run.unit("SEGCGRTS") + "," + run.unit("SEGGOR"),
             "M/SEC,SM3/D/METRES,SM3/SM3");
@@ -94,8 +81,8 @@ TEST_P(Segments, OfABranchHaveAllColumns) {
   EXPECT_THAT(run.faults, IsEmpty());
 }
 
-TEST_P(Segments, DevicesAreGatheredByTheTubingTheyEmptyInto) {
-  WellTestLoad run({{{.arrays = wellWithDevices()}}}, form_);
+TEST(Segments, DevicesAreGatheredByTheTubingTheyEmptyInto) {
+  WellTestLoad run({{{.arrays = wellWithDevices()}}});
   EXPECT_EQ(run.file.NumberBranches(1), 1);
   EXPECT_EQ(run.file.NumberPLTBranches(1), 1);
   ASSERT_EQ(run.file.NumberICDBranches(1), 1);
@@ -108,96 +95,70 @@ TEST_P(Segments, DevicesAreGatheredByTheTubingTheyEmptyInto) {
   EXPECT_EQ(run.fields(attributeDataKind)[0] + run.fields(attributeLGRName)[0], "ICDBRAN1");
   EXPECT_FALSE(run.icdBranch(1, 2));
   EXPECT_THAT(run.faults, IsEmpty());
-}
 
-struct DeviceCase {
-  const char* name;
-  Arrays arrays;
-  std::int32_t branches;
-  std::int32_t icdBranches;
-  std::int32_t icdSegments;
-  std::string fault;    ///< the routine that it ends
-  std::string keyword;  ///< of the diagnosis
-};
-
-class Devices : public ::testing::TestWithParam<DeviceCase> {};
-INSTANTIATE_TEST_SUITE_P(
-    Cases, Devices,
-    ::testing::Values(
-        DeviceCase{"None", well({{1, 0}, {1, 1}}, {{1, 2}}), 1, 0, 0, "", ""},
-        DeviceCase{"HalfOfABranch",
-                   well({{1, 0}, {2, 1, true}, {2, 2, true}, {2, 3}, {2, 4}}, {{1, 1}, {2, 5}}), 1, 1, 2, "",
-                   ""},
-        DeviceCase{"LessThanHalf", well({{1, 0}, {2, 1, true}, {2, 2}, {2, 3}}, {{1, 1}, {2, 4}}), 2, 0, 1,
-                   "", ""},
-        DeviceCase{"AllSegments", well({{1, 0, true}, {1, 1, true}}, {{1, 2}}), 0, 0, 2, "processICDData",
-                   "SEGNXT"},
-        DeviceCase{"Ring", well({{1, 0}, {2, 3, true}, {2, 2, true}}, {{1, 1}, {2, 3}}), 1, 1, 2, "", ""},
-        DeviceCase{"WithoutBranchTable", well({{1, 0, true}, {1, 1}}, {}), 0, 0, 1, "", ""},
-        DeviceCase{"OnBranchTwoWithoutBranchTable", well({{1, 0}, {2, 1, true}}, {}), 0, 0, 0,
-                   "processSEGMENTData", "SEGBRNO"},
-        DeviceCase{"BranchBeyondTheTable", well({{1, 0}, {3, 1, true}}, {{1, 1}, {2, 2}}), 2, 0, 0,
-                   "processSEGMENTData", "SEGBRNO"},
-        DeviceCase{"BranchNumberZero", well({{0, 0, true}, {1, 1}}, {{1, 2}}), 1, 0, 0, "processSEGMENTData",
-                   "SEGBRNO"},
-        DeviceCase{"UnknownBranchIsNoFault", well({{-1, 0, true}, {1, 1}}, {{1, 2}}), 1, 0, 1, "", ""},
-        DeviceCase{"RangeBeyondTheSegments", well({{1, 0}, {1, 1}, {2, 1, true}}, {{1, 2000000000}, {3, 3}}),
-                   2, 0, 0, "processSEGMENTData", "BRNST"}),
-    [](const auto& row) { return std::string(row.param.name); });
-
-TEST_P(Devices, MakeABranchOfTheirOwn) {
-  const DeviceCase& one = GetParam();
-  WellTestLoad run({{{.arrays = one.arrays}, {.arrays = wellWithDevices()}}});
-  EXPECT_EQ(run.file.NumberBranches(1), one.branches);
-  EXPECT_EQ(run.file.NumberICDBranches(1), one.icdBranches);
-  EXPECT_EQ(run.file.test(1).nICDSegments(), one.icdSegments);
-  EXPECT_EQ(run.faults,
-            one.fault.empty() ? std::vector<std::string>{} : std::vector{subscriptFaultIn(one.fault)});
-  EXPECT_EQ(run.lastDiagnosis().keyword, one.keyword);
-  run.branch(1, 1);
-  run.icdBranch(1, 1);
-  EXPECT_TRUE(run.icdBranch(2, 1));
-}
-
-TEST(SegmentsOfAnyKind, RingsAndRangesOverAllSegmentsTakeNoTime) {
-  // A ring of devices, and as many branches over all segments that are none of devices.
-  constexpr std::int32_t n = 20000;
-  std::vector<Segment> ring, plain;
-  std::vector<Range> branches, all;
-  for (std::int32_t i = 1; i <= n; ++i) {
-    ring.push_back({1, i % n + 1, true});
-    plain.push_back({i, i - 1, i == 1});
-    all.push_back({1, n});
-  }
-  WellTestLoad run({{{.arrays = well(ring, {{1, n}})}, {.arrays = well(plain, all)}}});
-  EXPECT_EQ(run.lastDiagnosis().keyword, "SEGNXT");
-  EXPECT_EQ(run.faults.size(), 1U);
-  EXPECT_EQ(run.file.NumberICDBranches(1), 0);
-}
-
-TEST(SegmentsOfAnyKind, OneSegmentIsNeverGiven) {
-  WellTestLoad run({{{.arrays = wellWithDevices()}}});
   std::int32_t iBranch = -5;
   bool qOK = true;
   run.file.GetSEGMENTtest(1, run.table, run.headers, run.number, iBranch, run.date, run.well, run.grid, qOK,
                           6);
   EXPECT_FALSE(qOK);
   EXPECT_THAT(run.faults, ElementsAre(subscriptFaultIn("getSegmenttestData")));
-  run.file.GetSEGMENTtest(1, run.table, run.headers, run.number, iBranch, run.date, run.well, run.grid, qOK,
-                          7);  // the last one is refused before that
   run.file.getSEGtest(1, run.table, run.headers, run.number, run.date, run.well, run.grid, qOK);
   EXPECT_FALSE(qOK);
-  EXPECT_EQ(run.faults.size(), 2U);
-  EXPECT_EQ(iBranch, -5);
-  EXPECT_EQ(run.file.test(1).BranchNumber(6), 3);
-  EXPECT_EQ(run.file.test(1).BranchNumber(8), -1);
+  EXPECT_EQ(iBranch, -5) << "one segment is never given";
 }
 
-TEST(SegmentsOfAnyKind, WhatTheFileLacksStaysNull) {
-  Arrays arrays = wellWithDevices();
-  arrays.push_back({"SEGWRAT", Singles{1, 2, 3, 4, 5, 6, 7}});
-  Arrays noStart(arrays.begin() + 1, arrays.end());
-  WellTestLoad run({{{.arrays = arrays}, {.arrays = noStart}}});
+TEST(Segments, MakeBranchesOfDevices) {
+  const std::string icd = "processICDData", segment = "processSEGMENTData";
+  const struct {
+    std::string why;
+    std::vector<Segment> segments;
+    std::vector<Range> ranges;
+    std::int32_t branches, icdBranches, icdSegments;
+    std::string fault, keyword;  ///< the routine that it ends, and what the diagnosis is about
+  } rows[] = {
+      {"none", {{1, 0}, {1, 1}}, {{1, 2}}, 1, 0, 0, "", ""},
+      {"half", {{1, 0}, {2, 1, true}, {2, 2, true}, {2, 3}, {2, 4}}, {{1, 1}, {2, 5}}, 1, 1, 2, "", ""},
+      {"less than half", {{1, 0}, {2, 1, true}, {2, 2}, {2, 3}}, {{1, 1}, {2, 4}}, 2, 0, 1, "", ""},
+      {"all", {{1, 0, true}, {1, 1, true}}, {{1, 2}}, 0, 0, 2, icd, "SEGNXT"},
+      {"ring", {{1, 0}, {2, 3, true}, {2, 2, true}}, {{1, 1}, {2, 3}}, 1, 1, 2, "", ""},
+      {"no branch table", {{1, 0, true}, {1, 1}}, {}, 0, 0, 1, "", ""},
+      {"branch 2, no branch table", {{1, 0}, {2, 1, true}}, {}, 0, 0, 0, segment, "SEGBRNO"},
+      {"branch 3 of 2", {{1, 0}, {3, 1, true}}, {{1, 1}, {2, 2}}, 2, 0, 0, segment, "SEGBRNO"},
+      {"branch 0", {{0, 0, true}, {1, 1}}, {{1, 2}}, 1, 0, 0, segment, "SEGBRNO"},
+      {"unknown branch", {{-1, 0, true}, {1, 1}}, {{1, 2}}, 1, 0, 1, "", ""},
+      {"far range", {{1, 0}, {1, 1}, {2, 1, true}}, {{1, 2000000000}, {3, 3}}, 2, 0, 0, segment, "BRNST"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    WellTestLoad run({{{.arrays = well(row.segments, row.ranges)}, {.arrays = wellWithDevices()}}});
+    EXPECT_EQ(run.file.NumberBranches(1), row.branches);
+    EXPECT_EQ(run.file.NumberICDBranches(1), row.icdBranches);
+    EXPECT_EQ(run.file.test(1).nICDSegments(), row.icdSegments);
+    EXPECT_EQ(run.faults,
+              row.fault.empty() ? std::vector<std::string>{} : std::vector{subscriptFaultIn(row.fault)});
+    EXPECT_EQ(run.lastDiagnosis().keyword, row.keyword);
+    run.branch(1, 1);
+    run.icdBranch(1, 1);
+    EXPECT_TRUE(run.icdBranch(2, 1));
+  }
+}
+
+/// A ring of devices, and as many branches over all segments that are none of devices: neither is quadratic.
+TEST(Segments, MayBeManyInRingsAndRangesOverAllOfThem) {
+  constexpr std::int32_t n = 20000;
+  std::vector<Segment> ring, plain;
+  for (std::int32_t i = 1; i <= n; ++i) {
+    ring.push_back({1, i % n + 1, true});
+    plain.push_back({i, i - 1, i == 1});
+  }
+  const std::vector<Range> all(n, {1, n});
+  WellTestLoad run({{{.arrays = well(ring, {{1, n}})}, {.arrays = well(plain, all)}}});
+  EXPECT_EQ(run.lastDiagnosis().keyword, "SEGNXT");
+  EXPECT_EQ(run.file.NumberICDBranches(1), 0);
+}
+
+TEST(Segments, WhatTheFileLacksStaysNull) {
+  const Arrays arrays = with(wellWithDevices(), "SEGWRAT 1 2 3 4 5 6 7");
+  WellTestLoad run({{{.arrays = arrays}, {.arrays = {arrays.begin() + 1, arrays.end()}}}});
   ASSERT_TRUE(run.icdBranch(1, 1));
   EXPECT_EQ(run.column("SEGORATS"), (Singles{-999, -999}));  // not the null value by a length of 0.1
   EXPECT_EQ(run.column("SEGWRATS"), (Singles{4 / 0.1F, 6 / 0.1F}));
@@ -207,28 +168,23 @@ TEST(SegmentsOfAnyKind, WhatTheFileLacksStaysNull) {
   for (const char* name : {"SEGMD", "SEGLENTH", "SEGWRATS"}) EXPECT_EQ(run.column(name)[0], -999) << name;
 }
 
-TEST(SegmentSums, TakeTheNullValueForNothing) {
-  const Arrays segments = well({{1, 0}, {1, 1}, {1, 2}}, {{1, 3}});
-  struct Row {
-    Singles rates;
-    Integers segments;
+TEST(Segments, SumsTakeTheNullValueForNothing) {
+  const struct {
+    const char* connections;
     Singles sums;
     bool fault;
-  };
-  const Row rows[] = {{{1, 2, 4}, {2, 3, 2}, {-999, 5, 2}, false},
-                      {{-1000, 1, 7}, {1, 1, 1}, {7, -999, -999}, false},  // the sum was the null value
-                      {{1, 2, 4}, {1, 4, 1}, {-999, -999, -999}, true},
-                      {{1, 2, 4}, {1, 0, 1}, {-999, -999, -999}, true}};
-  for (const Row& row : rows) {
-    Arrays arrays = segments;
-    arrays.insert(arrays.end(),
-                  {{"CONORAT", row.rates}, {"CONSEGNO", row.segments}, {"CONLENST", row.rates}});
-    WellTestLoad run({{{.arrays = arrays}}});
+  } rows[] = {
+      {"CONORAT 1 2 4; CONSEGNO: 2 3 2; CONLENST 1 2 4", {-999, 5, 2}, false},
+      {"CONORAT -1000 1 7; CONSEGNO: 1 1 1; CONLENST 1 2 4", {7, -999, -999}, false},  // by the way null
+      {"CONORAT 1 2 4; CONSEGNO: 1 4 1; CONLENST 1 2 4", {-999, -999, -999}, true},
+      {"CONORAT 1 2 4; CONSEGNO: 1 0 1; CONLENST 1 2 4", {-999, -999, -999}, true}};
+  for (const auto& [connections, sums, fault] : rows) {
+    WellTestLoad run({{{.arrays = with(well({{1, 0}, {1, 1}, {1, 2}}, {{1, 3}}), connections)}}});
     ASSERT_TRUE(run.branch(1, 1));
-    EXPECT_EQ(run.column("SEGCORAT"), row.sums);
+    EXPECT_EQ(run.column("SEGCORAT"), sums);
     EXPECT_EQ(run.faults,
-              row.fault ? std::vector{subscriptFaultIn("setPLTSegmentData")} : std::vector<std::string>{});
-    EXPECT_EQ(run.lastDiagnosis().keyword, row.fault ? "CONSEGNO" : "");
+              fault ? std::vector{subscriptFaultIn("setPLTSegmentData")} : std::vector<std::string>{});
+    EXPECT_EQ(run.lastDiagnosis().keyword, fault ? "CONSEGNO" : "");
   }
 }
 

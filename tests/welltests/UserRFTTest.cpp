@@ -4,11 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "files/Recogniser.h"
-#include "shapes/HeaderLayout.h"
 #include "support/Dates.h"
-#include "support/Forms.h"
-#include "support/TemporaryFolder.h"
 #include "support/Text.h"
+#include "support/WellTestLoad.h"
 #include "welltests/qvUserRFT.h"
 
 namespace lumbarn {
@@ -47,15 +45,9 @@ class UserFile {
       kind == Rft ? file.GetRFTtest(iTest, values, headers, iNumber, zDate, zWell, zGrid, zOrigin, qOK)
                   : file.GetPLTtest(iTest, values, headers, iNumber, zDate, zWell, zGrid, qOK);
       EXPECT_TRUE(qOK);
-      all += fmt::format("{}{}#{} {}:", iTest == 1 ? "" : " | ", zWell, iNumber, zDate);
-      for (std::size_t i = 1; i <= headers.entries(); ++i) {
-        const auto units = ExtractAttribute(attributeUnits, headers, i);
-        all += " " + ExtractAttribute(attributeVariable, headers, i) + (units.empty() ? "" : "/" + units);
-      }
-      for (std::size_t row = 1; row <= values.rows(); ++row) {
-        all += row == 1 ? " =" : ";";
-        for (std::size_t i = 1; i <= values.columns(); ++i) all += fmt::format(" {}", values(row, i));
-      }
+      const auto table = tableText(headers, values);
+      all += fmt::format("{}{}#{} {}:{}{}", iTest == 1 ? "" : " | ", zWell, iNumber, zDate,
+                         table.empty() ? "" : " ", table);
     }
     return all;
   }
@@ -151,17 +143,7 @@ TEST(UserRFT, FillsHeadersAndNames) {
   bool qOK = false;
   loaded.GetPLTtest(1, values, headers, iTest, zDate, zWell, zGrid, qOK);
   ASSERT_TRUE(qOK);
-  std::string expected(headerWidth, ' ');
-  const auto put = [&](std::size_t firstByte, std::string_view text) {
-    expected.replace(firstByte - 1, text.size(), text);
-  };
-  put(33, "PLT");
-  put(41, "FT");
-  put(73, "P1");
-  put(145, "1");
-  put(161, "LENGTH");
-  put(177, "LENGTH");
-  EXPECT_EQ(std::string(headers.entry(1).begin(), headers.entry(1).end()), expected);
+  EXPECT_EQ(ExtractAttribute(attributeDataKind, headers, 1), "PLT");
   EXPECT_EQ(loaded.test(1).zWellType, "STANDARD");
   EXPECT_EQ(loaded.test(1).iMonth, 2);
 

@@ -14,16 +14,13 @@ using Singles = std::vector<float>;
 using Integers = std::vector<std::int32_t>;
 using Texts = std::vector<std::string>;
 
-class WellTestRecords : public test::OfForm {};
-INSTANTIATE_TEST_SUITE_P(Forms, WellTestRecords, ::testing::ValuesIn(test::everyForm), test::formName);
-
 std::vector<std::string> namesOf(const std::vector<WellTestColumn>& columns) {
   std::vector<std::string> names;
   for (const auto& column : columns) names.push_back(column.name);
   return names;
 }
 
-TEST_P(WellTestRecords, HoldEveryArrayOfTheFile) {
+TEST(WellTestFile, HoldsEveryArray) {
   const test::TemporaryFolder folder;
   WellTestBuilder builder;
   builder.tests = {{.well = "A", .arrays = {{"DEPTH", Singles{1}}}, .time = 10.27F},
@@ -40,7 +37,7 @@ TEST_P(WellTestRecords, HoldEveryArrayOfTheFile) {
                     .date = {31, 2, 2015}},
                    {.well = "A", .arrays = {}}};
   Session session;
-  const auto tests = readWellTests(builder.write(folder, form_), session);
+  const auto tests = readWellTests(builder.write(folder, test::bigEndian), session);
   ASSERT_EQ(tests.size(), 3U);
   EXPECT_EQ(isoText(*tests[0].date), "2015-01-11T06:28:48");  // the plainest with the same float
   EXPECT_FALSE(tests[1].date);
@@ -101,6 +98,27 @@ TEST(WellTestFile, TestsBehindDamageAreRead) {
   }
 }
 
+TEST(WellTestFile, TruncatedInTheNextTimeLeavesTheTestWorkedOut) {
+  const WellTestBuilder::Test one{
+      .arrays = test::arraysOf("DEPTH 20 10; CONLENST 4 1; CONLENEN 8 3; CONORAT 1 2; CONWRAT 1 2; "
+                               "CONOTUB 1 2; CONWTUB 1 2")};
+  const std::size_t end = WellTestBuilder{{one}}.bytes(test::bigEndian).size();
+  auto bytes = WellTestBuilder{{one, one}}.bytes(test::bigEndian);
+  bytes.resize(end + 24 + 5);
+  test::WellTestLoad run;
+  const auto path = run.folder.file("CUT.RFT");
+  test::writeFile(path, bytes);
+  ASSERT_TRUE(run.load(path));
+  EXPECT_EQ(run.file.NumTests(), 1);
+  EXPECT_TRUE(run.plt(1));
+  EXPECT_EQ(run.column("CONMD"), (Singles{2, 6}));
+  EXPECT_TRUE(run.file.qDamaged);
+  EXPECT_EQ(run.lastDiagnosis().keyword, "TIME");
+  const auto tests = readWellTests(path, run.session);
+  ASSERT_EQ(tests.size(), 1U);
+  EXPECT_TRUE(tests[0].complete);
+}
+
 WellTopology topology(Integers next, Integers branch) {
   WellTest test;
   test.segments.columns = {{"SEGNXT", std::move(next)}, {"SEGBRNO", std::move(branch)}};
@@ -110,18 +128,12 @@ WellTopology topology(Integers next, Integers branch) {
 TEST(WellTopologies, AreOrderedAgainstTheFlow) {
   // 1 <- 4 <- 2 is the stem, 3 and 5 a lateral at 4 whose numbers run down the well, 6 one at 5.
   const WellTopology well = topology({0, 4, 5, 1, 4, 5}, {1, 1, 7, 1, 7, 3});
-  struct Row {
-    std::int32_t number, outletBranch, outletSegment;
-    Integers segments;
-  };
-  const Row rows[] = {{1, 0, 0, {1, 4, 2}}, {3, 7, 5, {6}}, {7, 1, 4, {5, 3}}};
-  ASSERT_EQ(well.branches.size(), std::size(rows));
-  for (std::size_t i = 0; i < std::size(rows); ++i) {
-    EXPECT_EQ(well.branches[i].number, rows[i].number);
-    EXPECT_EQ(well.branches[i].outletBranch, rows[i].outletBranch);
-    EXPECT_EQ(well.branches[i].outletSegment, rows[i].outletSegment);
-    EXPECT_EQ(well.branches[i].segments, rows[i].segments);
+  std::vector<Integers> found;
+  for (const auto& branch : well.branches) {
+    found.push_back({branch.number, branch.outletBranch, branch.outletSegment});
+    found.push_back(branch.segments);
   }
+  EXPECT_EQ(found, (std::vector<Integers>{{1, 0, 0}, {1, 4, 2}, {3, 7, 5}, {6}, {7, 1, 4}, {5, 3}}));
   EXPECT_THAT(well.undrained, IsEmpty());
 }
 
