@@ -112,14 +112,6 @@ TEST(Plt, BranchesAreCountedByTheGreatestNumber) {
   }
 }
 
-TEST(Plt, OptionsOfTheFileReachNoTest) {
-  WellTestLoad run;
-  run.file.ProcessPLT = run.file.SortedPLT = run.file.ScaledPLT = false;
-  ASSERT_TRUE(run.load(test::WellTestBuilder{{{.arrays = plt()}}}.write(run.folder, test::bigEndian)));
-  ASSERT_TRUE(run.plt(1));
-  EXPECT_EQ(run.column("CONORATS"), (Singles{2, 0, 0, 1}));
-}
-
 TEST(Plt, TablesOfOtherLengthsAreNeverReadBeyondTheirEnd) {
   for (const auto* depths : {"5", "5 5 5", "5 5 5 5 5 5 5"}) {
     WellTestLoad run({{{.arrays = plt(std::string("DEPTH ") + depths)}, {.arrays = plt()}}});

@@ -142,20 +142,6 @@ TEST(Segments, MakeBranchesOfDevices) {
   }
 }
 
-/// A ring of devices, and as many branches over all segments that are none of devices: neither is quadratic.
-TEST(Segments, MayBeManyInRingsAndRangesOverAllOfThem) {
-  constexpr std::int32_t n = 20000;
-  std::vector<Segment> ring, plain;
-  for (std::int32_t i = 1; i <= n; ++i) {
-    ring.push_back({1, i % n + 1, true});
-    plain.push_back({i, i - 1, i == 1});
-  }
-  const std::vector<Range> all(n, {1, n});
-  WellTestLoad run({{{.arrays = well(ring, {{1, n}})}, {.arrays = well(plain, all)}}});
-  EXPECT_EQ(run.lastDiagnosis().keyword, "SEGNXT");
-  EXPECT_EQ(run.file.NumberICDBranches(1), 0);
-}
-
 TEST(Segments, WhatTheFileLacksStaysNull) {
   const Arrays arrays = with(wellWithDevices(), "SEGWRAT 1 2 3 4 5 6 7");
   WellTestLoad run({{{.arrays = arrays}, {.arrays = {arrays.begin() + 1, arrays.end()}}}});

@@ -132,28 +132,6 @@ TEST(UserRFT, ReadsWhatLinesSay) {
   EXPECT_THAT(file.reports, ElementsAre());
 }
 
-TEST(UserRFT, FillsHeadersAndNames) {
-  UserFile file;
-  auto loaded = file.load(
-      "PLT\nORIGIN Wireline\nWELLTYPE STANDARD\nDATE 2 FEB 1990\nWELLNAME P1\nQ LENGTH\nX FT\n1 2", Plt);
-  XYData values;
-  ByteTable headers;
-  std::string zDate, zWell, zGrid, zOrigin;
-  std::int32_t iTest = 0;
-  bool qOK = false;
-  loaded.GetPLTtest(1, values, headers, iTest, zDate, zWell, zGrid, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_EQ(ExtractAttribute(attributeDataKind, headers, 1), "PLT");
-  EXPECT_EQ(loaded.test(1).zWellType, "STANDARD");
-  EXPECT_EQ(loaded.test(1).iMonth, 2);
-
-  // The other kind has its own, empty table; its call tells the origin.
-  loaded.GetRFTtest(1, values, headers, iTest, zDate, zWell, zGrid, zOrigin, qOK);
-  EXPECT_TRUE(qOK);
-  EXPECT_EQ(values.columns() + headers.entries(), 0);
-  EXPECT_EQ(zOrigin, "WIRELINE");
-}
-
 struct DateExample {
   const char *commands, *date;
   bool told = false;
@@ -241,19 +219,20 @@ TEST(UserRFT, CancelLeavesTestsWithoutNumbers) {
 
 TEST(UserRFT, ChecksFiles) {
   UserFile file;
-  const auto check = [&](std::string_view text) {
+  const std::tuple<std::string_view, bool, bool> rows[] = {
+      {"-- x\nORIGIN Y\nRFT\n", true, false},
+      {"plt\n", false, true},
+      {"DEPTH\n1\n", true, true},
+      {"", false, false},
+      {{"RFT\0\n", 5}, false, false},
+      {" 'TIME    '           1 'REAL'\n   0.10000000E+01\n", false, false}};
+  for (const auto& [text, rft, plt] : rows) {
     writeFile(file.path, bytesOf(text));
     qvUserRFT checked(file.session);
-    const bool rft = checked.CheckRFTFile(file.path);
+    EXPECT_EQ(checked.CheckRFTFile(file.path), rft) << text;
     EXPECT_EQ(checked.FileName, rft ? file.path : "");
-    return fmt::format("{} {}", rft, checked.CheckPLTFile(file.path));
-  };
-  EXPECT_EQ(check("-- x\nORIGIN Y\nRFT\n"), "true false");
-  EXPECT_EQ(check("plt\n"), "false true");
-  EXPECT_EQ(check("DEPTH\n1\n"), "true true");
-  EXPECT_EQ(check(""), "false false");
-  EXPECT_EQ(check(std::string("RFT\0\n", 5)), "false false");
-  EXPECT_EQ(check(" 'TIME    '           1 'REAL'\n   0.10000000E+01\n"), "false false");
+    EXPECT_EQ(checked.CheckPLTFile(file.path), plt) << text;
+  }
   qvUserRFT missing(file.session);
   EXPECT_FALSE(missing.CheckRFTFile(file.folder.file("none")));
   EXPECT_THAT(file.session.diagnoses().back().problem, HasSubstr("No such file"));

@@ -59,15 +59,6 @@ TEST(WellTestFile, HoldsEveryArray) {
   EXPECT_EQ(session.diagnoses()[0].offset, one.others[0].headerAt);
 }
 
-TEST(WellTestFile, TimesOfLaboratoryRunsAreInHours) {
-  auto welletc = WellTestBuilder::usualWelletc("A", "");
-  welletc[0] = " HOURS";
-  test::WellTestLoad run({{{.arrays = {{"DEPTH", Singles{1}}}, .time = 30, .welletc = welletc}}});
-  ASSERT_TRUE(run.rft(1));
-  EXPECT_EQ(run.date, "11 JAN 2015 06:00");
-  EXPECT_EQ(isoText(*readWellTests(run.file.FileName, run.session)[0].date), "2015-01-11T06:00:00");
-}
-
 TEST(WellTestFile, TestsBehindDamageAreRead) {
   WellTestBuilder builder;
   for (const char* well : {"A", "B", "C"})
