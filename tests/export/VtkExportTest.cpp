@@ -21,15 +21,34 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-template <class Number>
-std::vector<Number> read(const std::string& path, const char* name) {
-  const hdf::Handle file(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), H5Fclose, path);
-  const hdf::Handle dataset(H5Dopen2(file.id(), name, H5P_DEFAULT), H5Dclose, name);
-  const hdf::Handle space(H5Dget_space(dataset.id()), H5Sclose, name);
-  std::vector<Number> values(static_cast<std::size_t>(H5Sget_simple_extent_npoints(space.id())));
-  H5Dread(dataset.id(), hdf::typeOf<Number>(), H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data());
-  return values;
-}
+class VtkExport : public ::testing::Test {
+ protected:
+  template <class Grids>
+  bool write(const Grids& grids, std::span<const CellArray> arrays = {}, const VtkOptions& options = {}) {
+    bool qOK = false;
+    exportVtk(grids, arrays, options, path, session, qOK);
+    return qOK;
+  }
+  template <class Number>
+  std::vector<Number> read(const std::string& array) const {
+    const auto name = "VTKHDF/" + array;
+    const hdf::Handle file(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), H5Fclose, path);
+    const hdf::Handle dataset(H5Dopen2(file.id(), name.c_str(), H5P_DEFAULT), H5Dclose, name);
+    const hdf::Handle space(H5Dget_space(dataset.id()), H5Sclose, name);
+    std::vector<Number> values(static_cast<std::size_t>(H5Sget_simple_extent_npoints(space.id())));
+    H5Dread(dataset.id(), hdf::typeOf<Number>(), H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data());
+    return values;
+  }
+  const test::TemporaryFolder folder;
+  std::string path = folder.file("out.vtkhdf");
+  /// The grids of a run, from an EGRID file.
+  const std::vector<std::shared_ptr<Hadrick>>& gridsOf(const test::GridBuilder& builder) {
+    EXPECT_TRUE(load.read(builder.egrid(test::bigEndian), test::bigEndian)) << load.lastDiagnosis().text();
+    return load.reader.xGrids;
+  }
+  test::GridLoad load{true};
+  Session& session = load.session;
+};
 
 std::vector<std::string> filesIn(const std::string& folder) {
   std::vector<std::string> names;
@@ -48,43 +67,31 @@ CellArray numbered(const std::string& name, bool changes) {
           .changes = changes};
 }
 
-TEST(VtkExport, StepsShareOneGeometry) {
-  const test::TemporaryFolder folder;
-  const std::string path = folder.file("steps.vtkhdf");
+TEST_F(VtkExport, StepsShareOneGeometry) {
   Hadrick grid = distortedBlock({2, 2, 2}, 0.1F, 0);
   grid.setActive({1, 1, 0, 1, 1, 1, 1, 0});
   const CellArray arrays[] = {numbered("1/BO", true), numbered("FIXED", false)};
-  Session session;
-  bool qOK = false;
-  exportVtk(grid, arrays, {.times = {0, 31.5}}, path, session, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/CELL"), ElementsAre(1, 2, 4, 5, 6, 7));
-  EXPECT_THAT(read<std::int64_t>(path, "VTKHDF/Offsets"), ElementsAre(0, 8, 16, 24, 32, 40, 48));
-  EXPECT_THAT(read<double>(path, "VTKHDF/CellData/1_BO"),
+  ASSERT_TRUE(write(grid, arrays, {.times = {0, 31.5}}));
+  EXPECT_THAT(read<std::int32_t>("CellData/CELL"), ElementsAre(1, 2, 4, 5, 6, 7));
+  EXPECT_THAT(read<std::int64_t>("Offsets"), ElementsAre(0, 8, 16, 24, 32, 40, 48));
+  EXPECT_THAT(read<double>("CellData/1_BO"),
               ElementsAre(0, 1, 2, 3, 4, 5, 1000, 1001, 1002, 1003, 1004, 1005));
-  EXPECT_THAT(read<double>(path, "VTKHDF/CellData/FIXED"), ElementsAre(0, 1, 2, 3, 4, 5));
-  EXPECT_THAT(read<double>(path, "VTKHDF/Steps/Values"), ElementsAre(0, 31.5));
-  EXPECT_THAT(read<std::int64_t>(path, "VTKHDF/Steps/CellDataOffsets/1_BO"), ElementsAre(0, 6));
+  EXPECT_THAT(read<double>("CellData/FIXED"), ElementsAre(0, 1, 2, 3, 4, 5));
+  EXPECT_THAT(read<double>("Steps/Values"), ElementsAre(0, 31.5));
+  EXPECT_THAT(read<std::int64_t>("Steps/CellDataOffsets/1_BO"), ElementsAre(0, 6));
   for (const char* constant : {"CellDataOffsets/FIXED", "CellDataOffsets/I", "PartOffsets", "PointOffsets",
                                "CellOffsets", "ConnectivityIdOffsets"}) {
-    EXPECT_THAT(read<std::int64_t>(path, (std::string("VTKHDF/Steps/") + constant).c_str()),
-                ElementsAre(0, 0))
-        << constant;
+    EXPECT_THAT(read<std::int64_t>(std::string("Steps/") + constant), ElementsAre(0, 0)) << constant;
   }
   // Of 27 nodes that 8 cells share, the active ones leave out two that only inactive cells have.
-  EXPECT_THAT(read<std::int64_t>(path, "VTKHDF/NumberOfPoints"), ElementsAre(25));
+  EXPECT_THAT(read<std::int64_t>("NumberOfPoints"), ElementsAre(25));
 }
 
-TEST(VtkExport, SeveralPiecesAreOneGrid) {
-  const test::TemporaryFolder folder;
-  const std::string path = folder.file("pieces.vtkhdf");
+TEST_F(VtkExport, SeveralPiecesAreOneGrid) {
   const Hadrick grid = distortedBlock({100, 100, 8}, 0, 0);
-  Session session;
-  bool qOK = false;
-  exportVtk(grid, {}, {}, path, session, qOK);
-  ASSERT_TRUE(qOK);
-  const auto points = read<float>(path, "VTKHDF/Points");
-  const auto connectivity = read<std::int64_t>(path, "VTKHDF/Connectivity");
+  ASSERT_TRUE(write(grid));
+  const auto points = read<float>("Points");
+  const auto connectivity = read<std::int64_t>("Connectivity");
   ASSERT_EQ(points.size(), 3 * 101 * 101 * 9);
   ASSERT_EQ(connectivity.size(), 8 * 80000);
   constexpr std::array<std::size_t, 8> order{0, 1, 3, 2, 4, 5, 7, 6};
@@ -98,12 +105,9 @@ TEST(VtkExport, SeveralPiecesAreOneGrid) {
   }
 }
 
-TEST(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
-  const test::TemporaryFolder folder;
-  const std::string path = folder.file("kept.vtkhdf");
+TEST_F(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
   std::ofstream(path) << "before";
   const Hadrick grid = distortedBlock({2, 2, 2}, 0, 0);
-  Session session;
   CellArray broken = numbered("BROKEN", false);
   broken.read = CellReader<float>([](std::size_t, std::size_t, std::span<float>) {
     throw BadRecord({.message = Message::RecordDamaged, .path = "RUN.INIT"});
@@ -115,10 +119,8 @@ TEST(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
                                              {numbered("A", false), numbered("A", false)},
                                              {cancelling, numbered("A", false)}};
   for (const auto& arrays : failures) {
-    bool qOK = true;
-    exportVtk(grid, arrays, {}, path, session, qOK);
-    EXPECT_FALSE(qOK);
-    EXPECT_THAT(filesIn(folder.file("")), ElementsAre("kept.vtkhdf"));
+    EXPECT_FALSE(write(grid, arrays));
+    EXPECT_THAT(filesIn(folder.file("")), ElementsAre("out.vtkhdf"));
     EXPECT_EQ(std::filesystem::file_size(path), 6);
   }
   ASSERT_EQ(session.diagnoses().size(), 2);  // nothing is wrong when it is cancelled
@@ -128,9 +130,8 @@ TEST(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
   session.CancelLoad = false;
   session.clearDiagnoses();
   for (const std::string& impossible : {folder.file("no/such/folder.vtkhdf"), folder.file("")}) {
-    bool qOK = true;
-    exportVtk(grid, {}, {}, impossible, session, qOK);
-    EXPECT_FALSE(qOK);
+    path = impossible;
+    EXPECT_FALSE(write(grid));
     ASSERT_FALSE(session.diagnoses().empty());
     EXPECT_THAT(session.diagnoses().back().text(), HasSubstr(impossible + ": cannot be written"));
   }
@@ -162,21 +163,20 @@ class FailingStorage : public hdf::Storage {
   std::size_t failsAt_;
 };
 
-TEST(VtkExport, EachWriteThatFailsIsReportedAndLeavesHdf5Closed) {
+TEST_F(VtkExport, EachWriteThatFailsIsReportedAndLeavesHdf5Closed) {
   // Some writes come in the middle, others when datasets and the file are closed.
   const auto grid = std::make_shared<Hadrick>(distortedBlock({24, 24, 3}, 0.1F, 0));
   const CellArray arrays[] = {numbered("A", true), numbered("B", false)};
-  Session session;
-  const auto write = [&](FailingStorage& storage) {
+  const auto writeTo = [&](FailingStorage& storage) {
     writeVtk(std::span(&grid, 1), arrays, {.times = {0, 1}}, storage, session);
   };
   FailingStorage complete(SIZE_MAX);
-  write(complete);
+  writeTo(complete);
   ASSERT_GT(complete.calls, 20);
   for (std::size_t n = 0; n < complete.calls; ++n) {
     FailingStorage storage(n);
     try {
-      write(storage);
+      writeTo(storage);
       ADD_FAILURE() << "write " << n << " failed without an exception";
     } catch (const BadRecord& failure) {
       EXPECT_THAT(failure.diagnosis().text(), HasSubstr("cannot be written: disk full")) << n;
@@ -186,49 +186,37 @@ TEST(VtkExport, EachWriteThatFailsIsReportedAndLeavesHdf5Closed) {
   }
 }
 
-TEST(VtkExport, AllGridsAreInOneFileAndRefinedCellsAreMarked) {
+TEST_F(VtkExport, AllGridsAreInOneFileAndRefinedCellsAreMarked) {
   test::GridBuilder builder;
   builder.grids[0].activity = {1, 0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
   builder.grids.push_back({.size = {2, 2, 1}, .name = "INNER", .hosts = {1, 1, 2, 5}});
-  test::GridLoad load(true);
-  ASSERT_TRUE(load.read(builder.egrid(test::bigEndian), test::bigEndian)) << load.lastDiagnosis().text();
-  const test::TemporaryFolder folder;
-  const std::string path = folder.file("all.vtkhdf");
+  const auto& grids = gridsOf(builder);
   const CellArray arrays[] = {numbered("A", false)};
-  bool qOK = false;
-  exportVtk(load.reader.xGrids, arrays, {}, path, load.session, qOK);
-  ASSERT_TRUE(qOK) << load.lastDiagnosis().text();
-  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/GRID"),
-              ElementsAre(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2));
-  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/CELL"),
+  ASSERT_TRUE(write(grids, arrays));
+  EXPECT_THAT(read<std::int32_t>("CellData/GRID"), ElementsAre(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2));
+  EXPECT_THAT(read<std::int32_t>("CellData/CELL"),
               ElementsAre(1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 1, 2, 3, 4));
-  EXPECT_THAT(read<std::uint8_t>(path, "VTKHDF/CellData/vtkGhostType"),
+  EXPECT_THAT(read<std::uint8_t>("CellData/vtkGhostType"),
               ElementsAre(40, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
-  EXPECT_EQ(read<double>(path, "VTKHDF/CellData/A").back(), 14) << "cells count over all grids";
+  EXPECT_EQ(read<double>("CellData/A").back(), 14) << "cells count over all grids";
   // Points of the two grids are apart.
-  const auto connectivity = read<std::int64_t>(path, "VTKHDF/Connectivity");
+  const auto connectivity = read<std::int64_t>("Connectivity");
   EXPECT_LT(*std::max_element(connectivity.begin(), connectivity.begin() + 8 * 11),
             *std::min_element(connectivity.begin() + 8 * 11, connectivity.end()));
 
-  exportVtk(load.reader.xGrids, arrays, {.iGrid = 1}, path, load.session, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/GRID"), ::testing::Each(1));
+  ASSERT_TRUE(write(grids, arrays, {.iGrid = 1}));
+  EXPECT_THAT(read<std::int32_t>("CellData/GRID"), ::testing::Each(1));
   const hdf::Handle file(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), H5Fclose, path);
   EXPECT_EQ(H5Lexists(file.id(), "VTKHDF/CellData/vtkGhostType", H5P_DEFAULT), 0) << "nothing overlaps";
 }
 
-TEST(VtkExport, BothPorositySystemsAreDistinguished) {
+TEST_F(VtkExport, BothPorositySystemsAreDistinguished) {
   test::GridBuilder builder;
   builder.dualPorosity = 1;
   builder.grids[0].size = {2, 1, 2};
   builder.grids[0].activity = {1, 3};
-  test::GridLoad load(true);
-  ASSERT_TRUE(load.read(builder.egrid(test::bigEndian), test::bigEndian)) << load.lastDiagnosis().text();
-  const test::TemporaryFolder folder;
-  const std::string path = folder.file("dual.vtkhdf");
-  bool qOK = false;
-  exportVtk(load.reader.xGrids, {}, {}, path, load.session, qOK);
-  EXPECT_THAT(read<std::int32_t>(path, "VTKHDF/CellData/SYSTEM"), ElementsAre(1, 1, 2));
+  ASSERT_TRUE(write(gridsOf(builder)));
+  EXPECT_THAT(read<std::int32_t>("CellData/SYSTEM"), ElementsAre(1, 1, 2));
 }
 
 /// A radial grid of two radii and `angles` sectors of a full circle inside cell 5 of 3 x 3.
@@ -256,19 +244,14 @@ std::vector<std::shared_ptr<Hadrick>> radialRun(std::int32_t angles) {
   return {parent, radial};
 }
 
-TEST(VtkExport, RadialGridsAreClosedCylindersInTheMiddleOfTheirHost) {
-  const test::TemporaryFolder folder;
-  const std::string path = folder.file("radial.vtkhdf");
-  Session session;
+TEST_F(VtkExport, RadialGridsAreClosedCylindersInTheMiddleOfTheirHost) {
   for (const std::int32_t angles : {1, 4, 7, 36}) {
     const auto grids = radialRun(angles);
     const CellArray arrays[] = {numbered("A", false)};
-    bool qOK = false;
-    exportVtk(grids, arrays, {.iGrid = 2}, path, session, qOK);
-    ASSERT_TRUE(qOK) << angles;
+    ASSERT_TRUE(write(grids, arrays, {.iGrid = 2})) << angles;
     const int parts = angles >= 24 ? 1 : angles == 1 ? 24 : angles == 4 ? 6 : 4;
     const auto around = static_cast<std::size_t>(angles * parts);
-    const auto points = read<float>(path, "VTKHDF/Points");
+    const auto points = read<float>("Points");
     EXPECT_EQ(points.size(), 3 * 3 * around * 2) << "the last sector shares its points with the first";
     std::array<float, 24> host;
     grids[0]->corners(5, host);
@@ -277,8 +260,8 @@ TEST(VtkExport, RadialGridsAreClosedCylindersInTheMiddleOfTheirHost) {
       const double r = std::hypot(points[p] - center.x, points[p + 1] - center.y);
       EXPECT_LT(std::min({std::abs(r - 1), std::abs(r - 10), std::abs(r - 40)}), 1e-3);
     }
-    const auto numbers = read<std::int32_t>(path, "VTKHDF/CellData/CELL");
-    const auto values = read<double>(path, "VTKHDF/CellData/A");
+    const auto numbers = read<std::int32_t>("CellData/CELL");
+    const auto values = read<double>("CellData/A");
     ASSERT_EQ(numbers.size(), 2 * around);
     for (std::size_t n = 0; n < numbers.size(); ++n) {
       EXPECT_EQ(numbers[n], static_cast<std::int32_t>(n / static_cast<std::size_t>(parts)) + 1);

@@ -81,6 +81,18 @@ TEST(RftFile, NumbersTestsWellByWellAndTellsTheTimeOfDay) {
   EXPECT_EQ(run.file.Origin() + run.file.FileName, "");  // asking clears the name
 }
 
+TEST(RftFile, CancelingKeepsTheTestsReadWithoutNumbers) {
+  WellTestBuilder builder;
+  builder.tests.assign(4, {.arrays = depth});
+  WellTestLoad run;
+  int yields = 0;
+  run.session.hostYield = [&] { run.session.CancelLoad = ++yields == 2; };
+  EXPECT_FALSE(run.load(builder.write(run.folder, test::bigEndian)));
+  EXPECT_EQ(run.file.NumTests(), 2);
+  EXPECT_TRUE(run.rft(2));
+  EXPECT_EQ(run.number, 0);
+}
+
 TEST(RftFile, RecordsBeforeTheFirstTimeBelongToTheFirstTest) {
   for (const bool timed : {false, true}) {
     WellTestLoad run;

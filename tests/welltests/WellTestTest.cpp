@@ -22,20 +22,13 @@ std::vector<std::string> namesOf(const std::vector<WellTestColumn>& columns) {
 
 TEST(WellTestFile, HoldsEveryArray) {
   const test::TemporaryFolder folder;
-  WellTestBuilder builder;
-  builder.tests = {{.well = "A", .arrays = {{"DEPTH", Singles{1}}}, .time = 10.27F},
-                   {.well = "B",
-                    .arrays = {{"CONIPOS", Integers{16777217, 2}},
-                               {"HOSTGRID", Texts{"", " LG1"}},
-                               {"SOIL", Singles{0.5F, 0.25F}},
-                               {"CONPRES", Singles{1, 2, 3}},
-                               {"SEGPRES", Singles{1, 2, 3}},
-                               {"ILBRNO", Integers{1, 2, 3}},
-                               {"BRNST", Integers{1, 2, 3, 4}},
-                               {"WELLPLT", Singles{1, 2, 3, 4, 5}}},
-                    .grid = "LG2",
-                    .date = {31, 2, 2015}},
-                   {.well = "A", .arrays = {}}};
+  auto arrays = test::arraysOf(
+      "CONIPOS: 16777217 2; SOIL 0.5 0.25; CONPRES 1 2 3; SEGPRES 1 2 3; ILBRNO: 1 2 3; BRNST: 1 2 3 4; "
+      "WELLPLT 1 2 3 4 5");
+  arrays.insert(arrays.begin() + 1, {"HOSTGRID", Texts{"", " LG1"}});
+  const WellTestBuilder builder{{{.well = "A", .arrays = test::arraysOf("DEPTH 1"), .time = 10.27F},
+                                 {.well = "B", .arrays = arrays, .grid = "LG2", .date = {31, 2, 2015}},
+                                 {.well = "A"}}};
   Session session;
   const auto tests = readWellTests(builder.write(folder, test::bigEndian), session);
   ASSERT_EQ(tests.size(), 3U);
@@ -62,7 +55,7 @@ TEST(WellTestFile, HoldsEveryArray) {
 TEST(WellTestFile, TestsBehindDamageAreRead) {
   WellTestBuilder builder;
   for (const char* well : {"A", "B", "C"})
-    builder.tests.push_back({.well = well, .arrays = {{"DEPTH", Singles{1, 2}}, {"SWAT", Singles{0, 1}}}});
+    builder.tests.push_back({.well = well, .arrays = test::arraysOf("DEPTH 1 2; SWAT 0 1")});
   auto bytes = builder.bytes(test::bigEndian);
   const std::size_t one = bytes.size() / 3;
   test::WellTestLoad run;
@@ -90,9 +83,9 @@ TEST(WellTestFile, TestsBehindDamageAreRead) {
 }
 
 TEST(WellTestFile, TruncatedInTheNextTimeLeavesTheTestWorkedOut) {
-  const WellTestBuilder::Test one{
-      .arrays = test::arraysOf("DEPTH 20 10; CONLENST 4 1; CONLENEN 8 3; CONORAT 1 2; CONWRAT 1 2; "
-                               "CONOTUB 1 2; CONWTUB 1 2")};
+  WellTestBuilder::Test one;
+  one.arrays = test::arraysOf(
+      "DEPTH 20 10; CONLENST 4 1; CONLENEN 8 3; CONORAT 1 2; CONWRAT 1 2; CONOTUB 1 2; CONWTUB 1 2");
   const std::size_t end = WellTestBuilder{{one}}.bytes(test::bigEndian).size();
   auto bytes = WellTestBuilder{{one, one}}.bytes(test::bigEndian);
   bytes.resize(end + 24 + 5);
