@@ -336,6 +336,15 @@ TEST_F(Tables, ADeadOilTableOfOneRowIsThatOfConstantCompressibility) {
   EXPECT_FALSE(qOK_);
 }
 
+TEST_F(Tables, OfOneSimulatorHavePressuresAndRatiosInMetricUnits) {
+  build(words({{7, 2}, {8, 8}, {9, 1}, {10, 2}, {11, 1}, {19, 10}, {20, 1}}), std::vector<double>(20, 1.5), 1,
+        {.DissolvedGas = true});
+  tables_.setProgram(simulatorOfMetricTables);
+  EXPECT_EQ(shown("PVTO", 1, fieldUnits),
+            "RS=1.5,1.5 SM3/SM3, P=1.5,1.5 BARSA, BO=0.666667,0.666667 RB/STB, MUO=1,1 CP");
+  EXPECT_EQ(shown("DENSITY", 1, fieldUnits), "OIL=1.5 LB/FT3, WATER=1.5 LB/FT3, GAS=1.5 LB/FT3");
+}
+
 TEST_F(Tables, OfAShortRecordHaveTheWordsThatAreThere) {
   auto dims = words({{2, 1}, {3, 1}, {12, 3}, {13, 1}});
   for (const std::size_t length : {1, 2, 3, 12, 13, 47}) {

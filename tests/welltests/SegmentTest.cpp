@@ -161,7 +161,7 @@ TEST(Segments, SumsTakeTheNullValueForNothing) {
     bool fault;
   } rows[] = {
       {"CONORAT 1 2 4; CONSEGNO: 2 3 2; CONLENST 1 2 4", {-999, 5, 2}, false},
-      {"CONORAT -1000 1 7; CONSEGNO: 1 1 1; CONLENST 1 2 4", {7, -999, -999}, false},  // by the way null
+      {"CONORAT -1000 1 7; CONSEGNO: 1 1 1; CONLENST 1 2 4", {7, -999, -999}, false},  // null in between
       {"CONORAT 1 2 4; CONSEGNO: 1 4 1; CONLENST 1 2 4", {-999, -999, -999}, true},
       {"CONORAT 1 2 4; CONSEGNO: 1 0 1; CONLENST 1 2 4", {-999, -999, -999}, true}};
   for (const auto& [connections, sums, fault] : rows) {
