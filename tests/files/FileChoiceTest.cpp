@@ -87,12 +87,7 @@ TEST(ChooseFiles, TakesTheNamedFilesOrTheUnifiedFileUnlessAllStepsAreNewer) {
 
 TEST(FileOfRun, ADataFileOrARootNameLeadsToTheFileOfTheType) {
   TemporaryFolder folder;
-  write(folder, {{"R.UNSMRY", 0},
-                 {"R.SMSPEC", 0},
-                 {"R.FSMSPEC", 0},
-                 {"R.FUNSMRY", 0},
-                 {"Q.UNSMRY", 0},
-                 {"R.other", 0}});
+  folder.add({"R.UNSMRY", "R.SMSPEC", "R.FSMSPEC", "R.FUNSMRY", "Q.UNSMRY", "R.other"});
   constexpr FileKind leads[] = {FileKind::Summary};
   const std::pair<std::string, std::string> rows[] = {{"R", "R.SMSPEC"},          {"R.UNSMRY", "R.SMSPEC"},
                                                       {"R.FUNSMRY", "R.FSMSPEC"}, {"R.other", "R.other"},
