@@ -43,14 +43,6 @@ TEST_F(GridCommand, DamageIsReported) {
 #else
   EXPECT_EQ(half.status, 2);
 #endif
-
-  test::GridBuilder grid;
-  grid.grids[0].activity = {1, 1, 0};
-  write("SHORT.EGRID", grid.egrid(Form{}));
-  const auto found = csv("check ~SHORT.EGRID");
-  ASSERT_EQ(found.size(), 2);
-  EXPECT_EQ(found[1][2], "ACTNUM");
-  EXPECT_THAT(found[1][5], HasSubstr("12"));
 }
 
 }  // namespace

@@ -102,12 +102,6 @@ TEST_F(Run, SeveralRunsInAFolderAreListed) {
   }
 }
 
-TEST_F(Run, AnyMemberRootOrFolderMeansTheRun) {
-  const auto expected = run("vectors @ARBOR/ARBOR.SMSPEC").out;
-  for (const char* path : {"ARBOR", "ARBOR/", "ARBOR/ARBOR", "ARBOR/ARBOR.DATA", "ARBOR/ARBOR.UNRST"})
-    EXPECT_EQ(command({"vectors", sample(path)}).out, expected) << path;
-}
-
 /// The real program, by way of a shell.
 TEST_F(Run, ExitStatusAndStreamsOfTheProgram) {
   copy("ARBOR/ARBOR.UNSMRY", "CUT.UNSMRY", 9000);

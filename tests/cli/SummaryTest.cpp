@@ -109,17 +109,5 @@ TEST_F(Summary, RowsOfARunThatLacksAVectorShowNoValueOfIt) {
   EXPECT_EQ(run("summary --restart --format csv ~NEW").out, "TIME,FGPR,FOPR\r\n1,,10\r\n2,20,\r\n");
 }
 
-TEST_F(Summary, FilesThatLackTheRest) {
-  copy("ARBOR/ARBOR.SMSPEC", "RUN.SMSPEC");
-  const Outcome noData = run("summary ~RUN");
-  EXPECT_EQ(noData.status, 1);
-  EXPECT_THAT(noData.err, HasSubstr(file("RUN.UNSMRY")));
-  EXPECT_EQ(std::ranges::count(noData.err, '\n'), 1);
-  copy("ARBOR/ARBOR.UNSMRY", "RUN.UNSMRY");
-  copy("ARBOR/ARBOR.SMSPEC", "RUN.SMSPEC", 1000);
-  EXPECT_EQ(run("summary ~RUN").status, 1) << "KEYWORDS is not whole";
-  EXPECT_EQ(run("vectors ~RUN.SMSPEC").status, 1);
-}
-
 }  // namespace
 }  // namespace lumbarn::cli::testing

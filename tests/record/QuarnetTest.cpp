@@ -58,6 +58,7 @@ TEST_P(QuarnetForms, ARecordLoopReadsAndSkipsToTheEnd) {
     quarnet_.DetectByteOrder("SPEC", file_, qOK_, qSwap);
     EXPECT_EQ(qSwap, form_.byteSwap);
   }
+  file_.SeekByte(1);
   file_.SeekByte64(-1, -1);
   header("RESTART", 2);
   std::vector<std::string> texts;
@@ -84,11 +85,11 @@ TEST_P(QuarnetForms, ARecordLoopReadsAndSkipsToTheEnd) {
   // A host that kept the place of the data comes back to it without the header.
   file_.GetPosition64(place.low, place.high);
   for (int time = 0; time < 2; ++time) {
+    file_.SeekByte64(place.low, place.high);
     std::vector<std::int32_t> numbers;
     quarnet_.ReadIntegers(1500, lengths_.zINTE, file_, numbers, qOK_);
     EXPECT_TRUE(qOK_);
     EXPECT_EQ(numbers, std::vector<std::int32_t>(1500, 7));
-    file_.SeekByte64(place.low, place.high);
   }
   std::vector<double> doubles;
   quarnet_.ReadDoubles(500, lengths_.zDOUB, file_, doubles, qOK_);
