@@ -1,93 +1,60 @@
-#include <filesystem>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
-
-#include "CommandRun.h"
+#include "CommandTest.h"
 #include "Output.h"
 #include "ProgressBar.h"
 #include "TableWriter.h"
-#include "support/SummaryBuilder.h"
 
 namespace lumbarn::cli::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::size_t filesIn(const std::string& folder) {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
-}
+struct Output : CommandTest {};
 
-TEST(Output, AFileAppearsWholeOrNotAtAll) {
-  const test::TemporaryFolder folder;
-  const std::string target = folder.file("out.csv");
-  const std::vector<std::string> summary{"summary", "--format", "csv", "-o", target};
-  const auto with = [&](std::initializer_list<std::string> more) {
-    auto args = summary;
-    args.insert(args.end(), more);
-    return args;
-  };
+TEST_F(Output, AFileAppearsWholeOrNotAtAll) {
   Session cancelled;
   cancelled.CancelLoad = true;
-  const Outcome stopped = command(with({sample("ARBOR")}), cancelled);
+  const Outcome stopped = run("summary -o ~out @ARBOR", cancelled);
   EXPECT_EQ(stopped.status, 130);
   EXPECT_EQ(stopped.err, "lumbarn: cancelled\n");
-  EXPECT_EQ(command(with({"--vectors", "NONE", sample("ARBOR")})).status, 2);
-  EXPECT_EQ(filesIn(folder.file("")), 0) << "nothing may stay behind";
+  EXPECT_EQ(run("summary -o ~out --vectors NONE @ARBOR").status, 2);
+  EXPECT_EQ(fileCount(), 0) << "nothing may stay behind";
 
-  store(target, "old");
-  EXPECT_EQ(command(with({"--vectors", "NONE", sample("ARBOR")})).status, 2);
-  EXPECT_EQ(content(target), "old");
-  const Outcome written = command(with({sample("ARBOR")}));
+  store(file("out"), "old");
+  EXPECT_EQ(run("summary -o ~out --vectors NONE @ARBOR").status, 2);
+  EXPECT_EQ(content(file("out")), "old");
+  const Outcome written = run("summary -o ~out @ARBOR");
   EXPECT_EQ(written.status, 0);
   EXPECT_EQ(written.out + written.err, "");
-  EXPECT_EQ(content(target), command({"summary", "--format", "csv", sample("ARBOR")}).out);
-  EXPECT_EQ(filesIn(folder.file("")), 1);
+  EXPECT_EQ(content(file("out")), run("summary @ARBOR").out);
+  EXPECT_EQ(fileCount(), 1);
 }
 
-TEST(Output, PlacesThatCannotBeReplaced) {
-  const test::TemporaryFolder folder;
-  const std::string bytes = content(sample("ARBOR/ARBOR.SMSPEC"));
-  store(folder.file("A.SMSPEC"), bytes);
-  EXPECT_EQ(command({"vectors", "-o", folder.file("A.SMSPEC"), folder.file("A")}).status, 2);
-  EXPECT_EQ(content(folder.file("A.SMSPEC")), bytes) << "an input must not be lost";
-  EXPECT_EQ(command({"vectors", "-o", folder.file(""), folder.file("A")}).status, 2);
-  EXPECT_EQ(command({"vectors", "-o", folder.file("no/such/folder"), folder.file("A")}).status, 1);
-
-  store(folder.file("behind"), "old");
-  fs::create_symlink("behind", folder.file("link"));
-  EXPECT_EQ(command({"vectors", "-o", folder.file("link"), folder.file("A")}).status, 0);
-  EXPECT_TRUE(fs::is_symlink(folder.file("link"))) << "a link stays one";
-  EXPECT_THAT(content(folder.file("behind")), ::testing::StartsWith("name "));
-  if (fs::is_character_file("/dev/null")) {
-    EXPECT_EQ(command({"vectors", "-o", "/dev/null", folder.file("A")}).status, 0);
-    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+TEST_F(Output, WhatIsReplacedAndOnRequestOnly) {
+  copy("ARBOR/ARBOR.SMSPEC", "A.SMSPEC");
+  copy("ARBOR/ARBOR.UNSMRY", "A.UNSMRY");
+  copy("ARBOR/ARBOR.UNRST", "other");
+  store(file("deck"), "RUNSPEC\nDIMENS\n 1 1 1 /\n");
+  store(file("table.csv"), "a,b\r\n1,2\r\n");
+  store(file("behind"), "old");
+  fs::create_hard_link(file("A.UNSMRY"), file("hard"));
+  fs::create_directory(file("folder"));
+  fs::create_symlink("behind", file("link"));
+  const std::pair<const char*, int> rows[] = {{"~A.SMSPEC", 2},        {"~A.SMSPEC --replace", 2},
+                                              {"~folder", 2},          {"~no/such/folder", 1},
+                                              {"~other", 2},           {"~deck", 2},
+                                              {"~hard --replace", 2},  // another name of a file that is read
+                                              {"~other --replace", 0}, {"~deck --replace", 0},
+                                              {"~table.csv", 0},       {"~link", 0},
+                                              {"/dev/null", 0}};
+  for (const auto& [target, status] : rows) {
+    const std::string path = file(words(target)[0].substr(1));
+    const std::string before = fs::is_regular_file(path) ? content(path) : "";
+    EXPECT_EQ(run(std::string("vectors ~A -o ") + target).status, status) << target;
+    EXPECT_TRUE(status == 0 || before.empty() || content(path) == before) << target;
   }
-}
-
-TEST(Output, SimulatorFilesAndDecksAreReplacedOnRequestOnly) {
-  const test::TemporaryFolder folder;
-  for (const char* name : {"SMSPEC", "UNSMRY"})
-    store(folder.file(std::string("A.") + name), content(sample(std::string("ARBOR/ARBOR.") + name)));
-  const std::string other = content(sample("ARBOR/ARBOR.UNRST"));
-  const std::string deck = "RUNSPEC\nDIMENS\n 1 1 1 /\n";
-  store(folder.file("other"), other);
-  store(folder.file("deck"), deck);
-  store(folder.file("table.csv"), "a,b\r\n1,2\r\n");
-  fs::create_hard_link(folder.file("A.UNSMRY"), folder.file("link"));
-  const auto write = [&](const char* name, bool replace) {
-    std::vector<std::string> args{"vectors", "-o", folder.file(name), folder.file("A")};
-    if (replace) args.emplace_back("--replace");
-    return command(args).status;
-  };
-  for (const auto& [name, bytes] : {std::pair("other", other), std::pair("deck", deck)}) {
-    EXPECT_EQ(write(name, false), 2) << name;
-    EXPECT_EQ(content(folder.file(name)), bytes);
-    EXPECT_EQ(write(name, true), 0) << name;
-  }
-  EXPECT_EQ(write("table.csv", false), 0);
-  EXPECT_EQ(write("link", true), 2) << "another name of a file that is read";
+  EXPECT_TRUE(fs::is_symlink(file("link"))) << "a link stays one";
+  EXPECT_THAT(content(file("behind")), ::testing::StartsWith("name "));
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
 std::string tableOf(Format format) {
@@ -147,7 +114,7 @@ TEST(ProgressBar, AppearsAfterASecondAndGoesAwayForMessages) {
   EXPECT_EQ(err.str(), "") << "drawn too often";
   now += std::chrono::seconds(1);
   bar.fileDone();
-  EXPECT_THAT(err.str(), ::testing::HasSubstr(" 50 %"));
+  EXPECT_THAT(err.str(), HasSubstr(" 50 %"));
   err.str("");
   bar.hide();
   bar.hide();

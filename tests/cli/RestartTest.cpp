@@ -1,56 +1,38 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <cmath>
 
-#include "CommandRun.h"
+#include "CommandTest.h"
+#include "GridArrays.h"
+#include "PathArgument.h"
+#include "grid/qvGRIDReader.h"
+#include "support/GridBuilder.h"
 #include "support/IndexedRun.h"
+#include "support/InitBuilder.h"
 #include "support/RestartBuilder.h"
 
 namespace lumbarn::cli::testing {
 namespace {
 
-using ::testing::HasSubstr;
-
-struct RestartCommand : ::testing::Test {
+struct RestartCommand : CommandTest {
   RestartCommand() {
     run_.writeRestart(folder_, "R", test::bigEndian, true);
-    test::writeFile(folder_.file("R.INIT"), run_.init(test::bigEndian));
+    write("R.INIT", run_.init(test::bigEndian));
   }
-  Outcome restart(std::vector<std::string> args) {
-    args.insert(args.begin(), {"restart", "--format", "csv"});
-    args.push_back(folder_.file("R"));
-    return command(args);
-  }
-  test::TemporaryFolder folder_;
   test::IndexedRun run_;
 };
 
 TEST_F(RestartCommand, ShowsActiveCellsOrAllWithTheirNumbers) {
-  const auto active = parseCsv(restart({"--step", "2", "--array", "region,FULL", "--ijk"}).out);
+  const auto active = csv("restart --step 2 --array region,FULL --ijk ~R");
   ASSERT_EQ(active.size(), 10U);
-  EXPECT_EQ(active[0], (std::vector<std::string>{"i", "j", "k", "REGION", "FULL"}));
-  EXPECT_EQ(active[3], (std::vector<std::string>{"1", "2", "1", "3", "203"}));
-  EXPECT_EQ(active[9], (std::vector<std::string>{"2", "2", "2", "16777217", "210"}));
-  const auto all = parseCsv(restart({"--step", "2", "--array", "PRESSURE", "--all"}).out);
+  EXPECT_THAT(active[0], ElementsAre("i", "j", "k", "REGION", "FULL"));
+  EXPECT_THAT(active[3], ElementsAre("1", "2", "1", "3", "203"));
+  EXPECT_THAT(active[9], ElementsAre("2", "2", "2", "16777217", "210"));
+  const auto all = csv("restart --step 2 --array PRESSURE --all ~R");
   ASSERT_EQ(all.size(), 13U);
   EXPECT_EQ(all[3][0], "-999");
   EXPECT_EQ(all[4][0], "202");
-  EXPECT_EQ(parseCsv(restart({"--step", "5", "--array", "P*", "--grid", "near well"}).out)[1][0], "2500");
-}
-
-TEST_F(RestartCommand, SaysWhatThereIs) {
-  const std::pair<std::vector<std::string>, const char*> rows[] = {
-      {{"--step", "3"}, "has no report step 3; it has 1, 2, 5"},
-      {{"--step", "2", "--array", "PRESURE"}, "did you mean \"PRESSURE\"?"},
-      {{"--step", "2", "--array", "X"}, "it has PRESSURE, REGION, FULL"},
-      {{"--step", "2", "--array", "X", "--grid", "Y"}, "it has ROOT, LGR1, NEAR WELL"},
-      {{"--step", "2", "--array", "ZWEL"}, "holds no numbers but CHAR"},
-      {{"--step", "2", "--array", "ICON", "--ijk"}, "it cannot be shown with --ijk"},
-      {{"--array", "PRESSURE"}, "--array needs --step N"}};
-  for (const auto& [args, message] : rows) {
-    const Outcome run = restart(args);
-    EXPECT_EQ(run.status, 2) << message;
-    EXPECT_THAT(run.err, HasSubstr(message));
-  }
+  const Outcome local = command(
+      {"restart", "--step", "5", "--array", "P*", "--grid", "near well", "--format", "csv", file("R")});
+  EXPECT_EQ(parseCsv(local.out)[1][0], "2500");
 }
 
 TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
@@ -58,9 +40,9 @@ TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
   run.steps = {{.number = 4}, {.number = 4, .days = 9}};
   run.steps[0].grids[0].arrays = {{"SWAT", {1, 2, 3, 4}}};
   run.steps[1].grids[0].arrays = {{"SWAT", {5, 6, 7, 8}}};
-  test::writeFile(folder_.file("TWICE.UNRST"), run.bytes(test::bigEndian));
+  test::writeFile(file("TWICE.UNRST"), run.bytes(test::bigEndian));
   const auto shown = [&](const std::vector<std::string>& nth) {
-    std::vector<std::string> args = {"restart", folder_.file("TWICE"), "--step", "4", "--array", "SWAT"};
+    std::vector<std::string> args = {"restart", file("TWICE"), "--step", "4", "--array", "SWAT"};
     args.insert(args.end(), nth.begin(), nth.end());
     const Outcome outcome = command(args);
     EXPECT_THAT(outcome.err, HasSubstr(outcome.status == 0 ? "2 steps 4" : "there are 2 steps"));
@@ -73,22 +55,119 @@ TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
 }
 
 TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
-  const std::string walked = restart({}).out;
-  EXPECT_EQ(command({"index", folder_.file("R"), "--into", folder_.file("nowhere")}).status, 2);
-  const Outcome written = command({"index", folder_.file("R"), "--into", folder_.file("")});
+  const std::string walked = run("restart ~R").out;
+  const Outcome written = run("index ~R --into ~");
   EXPECT_EQ(written.status, 0) << written.err;
   EXPECT_THAT(written.out, HasSubstr("R.RSSPEC: 3 steps, "));
   EXPECT_THAT(written.out, HasSubstr("R.INSPEC: "));
-  EXPECT_EQ(restart({}).out, walked);
-  EXPECT_THAT(command({"index", folder_.file("R"), "--into", folder_.file("")}).err, HasSubstr("--replace"));
-  const Outcome checked = command({"check", folder_.file("R")});
+  EXPECT_EQ(run("restart ~R").out, walked);
+  EXPECT_THAT(run("index ~R --into ~").err, HasSubstr("--replace"));
+  const Outcome checked = run("check ~R");
   EXPECT_EQ(checked.status, 0) << checked.out;
   run_.steps = {1, 2};
   run_.writeRestart(folder_, "R", test::bigEndian, true);
-  EXPECT_THAT(restart({}).err, HasSubstr("index does not agree"));
-  const Outcome stale = command({"check", folder_.file("R")});
+  EXPECT_THAT(run("restart ~R").err, HasSubstr("index does not agree"));
+  const Outcome stale = run("check ~R");
   EXPECT_EQ(stale.status, 0) << "an index that is not used takes nothing away";
   EXPECT_THAT(stale.out, HasSubstr("index does not agree"));
+}
+
+/// Steps 1, 2 and 4: the first without wells, the others with a well in a local grid too. SWAT only makes
+/// them long.
+TEST_F(RestartCommand, WellsOfStepsAndGrids) {
+  test::RestartBuilder wells;
+  const test::RestartBuilder::Array array{"SWAT", {0, 0, 0, 1}};
+  const test::RestartBuilder::Grid global{.arrays = {array}, .wells = {{"A", {{1, 2, 1}}, {{7, 1}}}}};
+  const test::RestartBuilder::Grid local{
+      .name = "FINE", .arrays = {array}, .wells = {{"B", {{2, 2, 1}}, {{7, 4}}}}};
+  wells.steps = {{.number = 1, .grids = {{.arrays = {array}}}},
+                 {.number = 2, .grids = {global, local}},
+                 {.number = 4, .grids = {global, local}}};
+  const std::string path = wells.write(folder_, "W", test::bigEndian);
+  const Outcome none = run("wells --step 1 ~W.UNRST");
+  EXPECT_EQ(none.status, 0);
+  EXPECT_EQ(none.err, "lumbarn: step 1 has no wells\n");
+  EXPECT_EQ(none.out, "step 1, 2015-01-01, 0 days\n");
+  const auto fine = json("wells --grid fine ~W.UNRST");
+  EXPECT_EQ(fine["grid"], "FINE");
+  EXPECT_EQ(fine["wells"][0]["well"], "B");
+  EXPECT_EQ(fine["wells"][0]["connections"][0]["j"], 2);
+
+  // A truncated file shows the last complete step.
+  const std::string whole = content(path);
+  store(path, whole.substr(0, whole.rfind("SEQNUM") + 40));
+  EXPECT_EQ(run("wells ~W.UNRST").status, 3);
+  EXPECT_EQ(json("wells ~W.UNRST")["step"], 2);
+  const Outcome behind = run("wells --step 7 ~W.UNRST");
+  EXPECT_EQ(behind.status, 1);
+  EXPECT_THAT(behind.err, HasSubstr("has no report step 7; it has 1, 2"));
+}
+
+struct ActiveCellsOfRuns : CommandTest {
+  void writeStep(std::array<std::int32_t, 3> size, std::int32_t nActive,
+                 const std::vector<test::RestartBuilder::Array>& arrays) const {
+    test::RestartBuilder restart;
+    restart.steps = {{.number = 1, .grids = {{.size = size, .nActive = nActive, .arrays = arrays}}}};
+    restart.write(folder_, "R", test::bigEndian);
+  }
+};
+
+/// The grid file has the layers of the matrix only, and the run no INIT file.
+TEST_F(ActiveCellsOfRuns, DualPorosityWithoutInit) {
+  test::GridBuilder grid;
+  grid.dualPorosity = 1;
+  grid.grids[0].size = {2, 1, 2};
+  grid.grids[0].halfDepths = true;
+  grid.grids[0].activity = {3, 2};
+  write("R.EGRID", grid.egrid(test::bigEndian));
+  writeStep({2, 1, 2}, 3, {{"PRESSURE", {5, 6, 7}}});
+  EXPECT_EQ(run("restart --step 1 --array PRESSURE --ijk --format csv ~R.UNRST").out,
+            "i,j,k,PRESSURE\r\n1,1,1,5\r\n1,1,2,6\r\n2,1,2,7\r\n");
+}
+
+/// IX: the grid file and headers count cells without pore volume as active.
+TEST_F(ActiveCellsOfRuns, ArraysOfFewerCellsThanTheGridFileStates) {
+  test::GridBuilder grid;
+  grid.grids[0].size = {2, 2, 1};
+  write("R.EGRID", grid.egrid(test::bigEndian));
+  test::InitBuilder init(test::bigEndian);
+  init.head({.nActive = 4, .iProgram = 300});
+  init.singles("PORV", {1, 0, 3, 4}).singles("PORO", {21, 23, 24}).singles("DEPTH", {31, 33, 34});
+  write("R.INIT", init.bytes());
+  writeStep({2, 2, 1}, 4, {{"PRESSURE", {1, 3, 4}}, {"SWAT", {0, 0, 1}}});
+  EXPECT_EQ(run("restart --step 1 --array pressure --ijk --format csv ~R.UNRST").out,
+            "i,j,k,PRESSURE\r\n1,1,1,1\r\n1,2,1,3\r\n2,2,1,4\r\n");
+  EXPECT_THAT(run("init --array PORO --ijk --format csv ~R").out, HasSubstr("1,2,1,23\r\n2,2,1,24\r\n"));
+
+  std::ostringstream text;
+  Session session;
+  Console console(text, text, session, false);
+  qvGRIDReader reader(session);
+  bool qOK = false;
+  ASSERT_TRUE(reader.CheckEGRIDFile(file("R.EGRID")));
+  reader.ReadEclipseEGridFile(qOK);
+  GridArrays arrays(findRun(file("R")), *reader.xGrids.front(), 1, console);
+  std::vector<float> values(4);
+  for (const auto& [name, first] : {std::pair("PRESSURE", 1.0F), {"PORO", 21.0F}}) {
+    const CellArray array = arrays.array(name);
+    std::get<CellReader<float>>(array.read)(0, 0, values);
+    EXPECT_EQ(values[0], first);
+    EXPECT_TRUE(std::isnan(values[1])) << name << " has no value for the cell without pore volume";
+    EXPECT_EQ(values[3], first + 3);
+  }
+}
+
+TEST_F(ActiveCellsOfRuns, DerivedSaturationsAndNamesThatOccurTwice) {
+  writeStep({2, 2, 1}, 4,
+            {{"SWAT", {0.25F, 0.5F, 0, 1}},
+             {"SGAS", {0.25F, 0.25F, 0, 0}},
+             {"RS", {1, 2, 3, 4}},
+             {"RS", {5, 6, 7, 8}}});
+  EXPECT_THAT(csv("restart ~R").back(),
+              ElementsAre("1", "2015-01-01T00:00:00", "0", "ROOT", "SOIL", "derived", "4", ""));
+  const Outcome values = run("restart --step 1 --array RS,S?IL --format csv ~R");
+  EXPECT_THAT(values.out, HasSubstr("RS,RS,SOIL\r\n1,5,0.5\r\n2,6,0.25\r\n"));
+  EXPECT_THAT(values.err, HasSubstr("RS occurs twice in step 1"));
 }
 
 }  // namespace

@@ -50,7 +50,6 @@ TEST(Families, AnyPathLeadsToItsRuns) {
   // A file of another kind beside the run means it; "RUN.UNRST" is neither there nor a base name.
   const std::pair<const char*, Names> rows[] = {{"", all},
                                                 {"RUN", {"RUN"}},
-                                                {"RUN.", {"RUN"}},
                                                 {"RUN.UNSMRY", {"RUN"}},
                                                 {"RUN.PRT", {"RUN"}},
                                                 {"run.smspec", {"RUN"}},
@@ -62,18 +61,10 @@ TEST(Families, AnyPathLeadsToItsRuns) {
                                                 {"OLD.SAVE", {"OLD"}},
                                                 {"notes.txt", {"notes"}},
                                                 {"RU", {}},
+                                                {".", all},
                                                 {"none/RUN", {}}};
   for (const auto& [path, expected] : rows) EXPECT_EQ(bases(folder.file(path)), expected) << path;
-  EXPECT_EQ(bases(folder.file(".")), all) << "a folder without a separator at its end";
   EXPECT_THAT(bases(""), IsEmpty());
-}
-
-TEST(Families, AFolderAndABaseNameMeanBoth) {
-  const TemporaryFolder folder;
-  std::filesystem::create_directory(folder.file("RUN"));
-  folder.add({"RUN.SMSPEC", "RUN/INNER.INIT"});
-  EXPECT_THAT(bases(folder.file("RUN")), ElementsAre("INNER", "RUN"));
-  EXPECT_THAT(bases(folder.file("RUN/")), ElementsAre("INNER"));
 }
 
 TEST(Families, MembersComeByKindFormAndStep) {
@@ -132,12 +123,15 @@ TEST(Families, AFileWithAnUntellingNameIsAMemberByItsContent) {
   EXPECT_TRUE(family.givenMember()->formatted);
 }
 
-TEST(Families, RunsThatDifferInCaseOnlyAreKeptApart) {
+TEST(Families, RunsThatDifferInCaseAndFoldersAreKeptApart) {
   const TemporaryFolder folder;
-  folder.add({"run.smspec", "RUN.SMSPEC", "Other.INIT"});
-  EXPECT_THAT(bases(folder.file("run")), ElementsAre("run"));
-  EXPECT_THAT(bases(folder.file("Run")), ElementsAre("RUN", "run"));
-  EXPECT_THAT(bases(folder.file("other")), ElementsAre("Other"));
+  std::filesystem::create_directory(folder.file("BOTH"));
+  folder.add({"run.smspec", "RUN.SMSPEC", "Other.INIT", "BOTH.SMSPEC", "BOTH/INNER.INIT"});
+  EXPECT_EQ(bases(folder.file("run")), (Names{"run"}));
+  EXPECT_EQ(bases(folder.file("Run")), (Names{"RUN", "run"}));
+  EXPECT_EQ(bases(folder.file("other")), (Names{"Other"}));
+  EXPECT_EQ(bases(folder.file("BOTH")), (Names{"INNER", "BOTH"})) << "a folder and a base name";
+  EXPECT_EQ(bases(folder.file("BOTH/")), (Names{"INNER"}));
 }
 
 }  // namespace

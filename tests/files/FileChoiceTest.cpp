@@ -85,35 +85,5 @@ TEST(ChooseFiles, TakesTheNamedFilesOrTheUnifiedFileUnlessAllStepsAreNewer) {
   }
 }
 
-TEST(FileOfRun, ADataFileOrARootNameLeadsToTheFileOfTheType) {
-  TemporaryFolder folder;
-  write(folder, {{"R.UNSMRY", 0},
-                 {"R.SMSPEC", 0},
-                 {"R.FSMSPEC", 0},
-                 {"R.FUNSMRY", 0},
-                 {"Q.UNSMRY", 0},
-                 {"R.other", 0}});
-  constexpr FileKind leads[] = {FileKind::Summary};
-  const std::pair<std::string, std::string> rows[] = {{"R", "R.SMSPEC"},          {"R.UNSMRY", "R.SMSPEC"},
-                                                      {"R.FUNSMRY", "R.FSMSPEC"}, {"R.other", "R.other"},
-                                                      {"Q.UNSMRY", "Q.UNSMRY"},   {"Q", "Q"}};
-  for (const auto& [named, expected] : rows) {
-    const auto found = fileOfRun(folder.file(named), FileKind::SummarySpec, leads);
-    EXPECT_EQ(found, folder.file(expected)) << named;
-  }
-}
-
-TEST(ReportOlderStepFiles, NamesAFileMoreThanAMinuteOlderThanTheOneBeforeIt) {
-  TemporaryFolder folder;
-  write(folder, {{"R.S0001", 600}, {"R.S0002", 540}, {"R.S0003", 400}, {"R.S0004", 450}});
-  Session session;
-  const Names files{folder.file("R.S0001"), folder.file("R.S0002"), folder.file("R.S0003"),
-                    folder.file("R.S0004")};
-  reportOlderStepFiles(session, files);
-  ASSERT_EQ(session.diagnoses().size(), 1U);
-  EXPECT_EQ(session.diagnoses()[0].path, files[2]);
-  EXPECT_EQ(session.diagnoses()[0].severity(), Severity::Incomplete);
-}
-
 }  // namespace
 }  // namespace lumbarn

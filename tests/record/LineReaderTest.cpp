@@ -26,7 +26,6 @@ std::string linesOf(std::string_view text) {
 TEST(LineReader, CutsAtAnyLineEnd) {
   EXPECT_EQ(linesOf(""), "");
   EXPECT_EQ(linesOf("\n"), "1@0[]");
-  EXPECT_EQ(linesOf("a\nb"), "1@0[a]2@2[b]");
   EXPECT_EQ(linesOf("a\r\nb\r\n"), "1@0[a]2@3[b]");
   EXPECT_EQ(linesOf("a\rb\r\r\n\n"), "1@0[a]2@2[b]3@4[]4@6[]");
   EXPECT_EQ(linesOf("\xEF\xBB\xBFx"), "1@3[x]");

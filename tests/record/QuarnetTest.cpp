@@ -46,6 +46,19 @@ INSTANTIATE_TEST_SUITE_P(Record, QuarnetForms, ::testing::ValuesIn(everyForm), f
 TEST_P(QuarnetForms, ARecordLoopReadsAndSkipsToTheEnd) {
   quarnet_.OpenRecordFile(path_, file_, qOK_);
   ASSERT_TRUE(qOK_);
+  std::vector<std::byte> bytes;
+  std::string text;
+  file_.SeekByte(form_.formatted() ? 3 : form_.framing == Framing::FourByteMarks ? 5 : 2);
+  quarnet_.ReadRawBytes(8, file_, bytes, qOK_);
+  quarnet_.BytesToText(8, bytes, text, qOK_);
+  EXPECT_EQ(text, "RESTART ");
+  if (form_.framing == Framing::FourByteMarks) {
+    bool qSwap = !form_.byteSwap;
+    file_.SeekByte(13);
+    quarnet_.DetectByteOrder("SPEC", file_, qOK_, qSwap);
+    EXPECT_EQ(qSwap, form_.byteSwap);
+  }
+  file_.SeekByte(1);
   file_.SeekByte64(-1, -1);
   header("RESTART", 2);
   std::vector<std::string> texts;
@@ -71,35 +84,19 @@ TEST_P(QuarnetForms, ARecordLoopReadsAndSkipsToTheEnd) {
   header("NUMS", 1500);
   // A host that kept the place of the data comes back to it without the header.
   file_.GetPosition64(place.low, place.high);
-  std::vector<std::int32_t> numbers;
-  quarnet_.ReadIntegers(1500, lengths_.zINTE, file_, numbers, qOK_);
-  file_.SeekByte64(place.low, place.high);
-  std::vector<std::int32_t> again;
-  quarnet_.ReadIntegers(1500, lengths_.zINTE, file_, again, qOK_);
-  EXPECT_TRUE(qOK_);
-  EXPECT_EQ(again, numbers);
+  for (int time = 0; time < 2; ++time) {
+    file_.SeekByte64(place.low, place.high);
+    std::vector<std::int32_t> numbers;
+    quarnet_.ReadIntegers(1500, lengths_.zINTE, file_, numbers, qOK_);
+    EXPECT_TRUE(qOK_);
+    EXPECT_EQ(numbers, std::vector<std::int32_t>(1500, 7));
+  }
   std::vector<double> doubles;
   quarnet_.ReadDoubles(500, lengths_.zDOUB, file_, doubles, qOK_);
   EXPECT_FALSE(qOK_) << "that many doubles are not there";
   quarnet_.CloseRecordFile(file_, qOK_);
   quarnet_.CloseRecordFile(file_, qOK_);
   EXPECT_TRUE(qOK_) << "closing twice is harmless";
-}
-
-TEST_P(QuarnetForms, TheKeywordStandsWhereTheFormPutsIt) {
-  quarnet_.OpenRecordFile(path_, file_, qOK_);
-  const int place = form_.formatted() ? 3 : form_.framing == Framing::FourByteMarks ? 5 : 2;
-  std::vector<std::byte> bytes;
-  std::string text;
-  file_.SeekByte(place);
-  quarnet_.ReadRawBytes(8, file_, bytes, qOK_);
-  quarnet_.BytesToText(8, bytes, text, qOK_);
-  EXPECT_EQ(text, "RESTART ");
-  if (form_.framing != Framing::FourByteMarks) return;
-  bool qSwap = !form_.byteSwap;
-  file_.SeekByte(13);
-  quarnet_.DetectByteOrder("SPEC", file_, qOK_, qSwap);
-  EXPECT_EQ(qSwap, form_.byteSwap);
 }
 
 TEST(Quarnet, ScratchFilesComeBackAsTheyWere) {

@@ -34,8 +34,6 @@ GOOD = {
 # File, its text, and the line and words that must be told.
 BAD = [
     ("support/Up.cpp", '#include "Text.h"\n#include "../record/Cursor.h"\n', 2, "support/ may not include from record/"),
-    ("restart/Wrong.cpp", '\n\n#include "../init/Static.h"\n', 3, "restart/ may not include from init/"),
-    ("summary/Across.cpp", '#include "../grid/Grid.h"\n', 1, "summary/ may not include from grid/"),
     ("grid/Facade.h", '  #  include  "../reader/qvReader.cpp"\n', 1, "grid/ may not include from reader/"),
     ("record/Path.cpp", '#include "support/Text.h"\n', 1, "is not there as seen from this file"),
     ("record/Gone.cpp", '#include "../support/Gone.h"\n', 1, "is not there as seen from this file"),
@@ -47,7 +45,6 @@ BAD = [
     ("shapes/Host.h", "#include <lumbarn/shapes/XYData.h>\n", 1, "is how a host names it"),
     ("record/Macro.cpp", "#include HEADER\n", 1, "cannot be told"),
     ("shortcuts/New.cpp", "", 1, "shortcuts is not one of the layers"),
-    ("index/Upward.cpp", '#include "../arrays/Cells.h"\n', 1, "index/ may not include from arrays/"),
     ("../cli/System.cpp", "#include <unistd.h>\n", 1, "is not among the libraries of cli/"),
     ("../bench/Far.cpp", '#include "support/Builder.h"\n', 1, "is not in src/, bench/"),
     ("Loose.cpp", "", 1, "Loose.cpp is not one of the layers"),
