@@ -6,9 +6,10 @@
 
 #include "arrays/ArrayReader.h"
 #include "index/qvEclipseINSPEC.h"
-#include "reader/qvEclipseReader.h"
 #include "shapes/HeaderLayout.h"
+#include "shapes/SelectionFixture.h"
 #include "support/Forms.h"
+#include "support/Host.h"
 #include "support/InitBuilder.h"
 #include "support/Paths.h"
 #include "support/TemporaryFolder.h"
@@ -17,72 +18,56 @@ namespace lumbarn {
 namespace {
 
 using testing::ElementsAre;
-using testing::SizeIs;
+using testing::HasSubstr;
+using testing::IsEmpty;
 
 class InitOperations : public testing::Test {
  protected:
-  InitOperations() {
-    test::writeFile(folder_.file("CASE.INIT"), test::twoLocalGrids(test::bigEndian));
-    reader_.FileName = folder_.file("CASE.INIT");
-    reader_.whichtype = 15;
-    reader_.Silent = true;
-  }
-  void load() { reader_.ECLReadData(qOK_); }
+  InitOperations() { test::writeFile(path_, test::twoLocalGrids(test::bigEndian)); }
   /// Names of the arrays that a fetch gives, from its headers.
   std::vector<std::string> names() {
     std::vector<std::string> found;
-    reader_.GetINITData(values_, headers_, source_, only_, qOK_);
-    for (std::size_t i = 1; qOK_ && i <= headers_.entries(); ++i)
-      found.push_back(ExtractAttribute(attributeVariable, headers_, i));
+    qOK_ = host_.fetchInit();
+    for (std::size_t i = 1; qOK_ && i <= host_.headers.entries(); ++i)
+      found.push_back(ExtractAttribute(attributeVariable, host_.headers, i));
     return found;
   }
-  void listOnly(std::vector<std::string> entries, bool positive) {
-    reader_.bOnly = ByteTable(onlyWidth, entries.size());
-    reader_.qOnly = positive;
-    for (std::size_t i = 0; i < entries.size(); ++i) reader_.bOnly.put(i + 1, 1, onlyNameWidth, entries[i]);
-  }
   test::TemporaryFolder folder_;
-  Session session_;
-  qvEclipseReader reader_{session_};
-  XYData values_;
-  ByteTable headers_;
-  SourceData source_;
-  ByteTable only_;
+  const std::string path_ = folder_.file("CASE.INIT");
+  test::Host host_{path_, 15};
+  qvEclipseReader& reader_ = host_.reader;
   bool qOK_ = false;
 };
 
 TEST_F(InitOperations, AFileThatIsRefusedLeavesNothingOfTheOneBefore) {
-  load();
-  reader_.FileName = folder_.file("OTHER.INIT");
-  test::writeFile(reader_.FileName, std::vector<std::byte>(40));
-  load();
+  ASSERT_TRUE(host_.run());
+  test::writeFile(folder_.file("OTHER.INIT"), std::vector<std::byte>(40));
+  EXPECT_FALSE(host_.load(folder_.file("OTHER.INIT"), 15));
+  EXPECT_THAT(names(), IsEmpty());
   EXPECT_FALSE(qOK_);
-  EXPECT_THAT(names(), SizeIs(0));
-  EXPECT_FALSE(qOK_);
-  EXPECT_THAT(session_.diagnoses().front().text(), testing::HasSubstr("byte 0: expected a record header"));
+  EXPECT_THAT(host_.session.diagnoses().front().text(), HasSubstr("byte 0: expected a record header"));
 }
 
 TEST_F(InitOperations, FetchTheChosenGrid) {
-  load();
-  ASSERT_TRUE(qOK_);
+  ASSERT_TRUE(host_.run());
   EXPECT_TRUE(reader_.IsInitialised(15));
-  EXPECT_THAT(names(), SizeIs(6));
+  EXPECT_THAT(names(), testing::SizeIs(6));
   std::int32_t Nx = 0, Ny = 0, Nz = 0;
   reader_.iGridNumber = 3;
   EXPECT_THAT(names(), ElementsAre("PORV", "DR", "DTHETA", "PERMR", "PVTNUM"));
-  EXPECT_EQ(std::get<std::string>(source_(1)), "CASE");
-  EXPECT_EQ(std::get<std::string>(source_(29)), "RING");
-  EXPECT_EQ(std::get<bool>(source_(13)), true) << "radial, not formatted";
+  EXPECT_EQ(std::get<std::string>(host_.source(1)), "CASE");
+  EXPECT_EQ(std::get<std::string>(host_.source(29)), "RING");
+  EXPECT_EQ(std::get<bool>(host_.source(13)), true) << "radial, not formatted";
   reader_.GetINITNxNyNz(Nx, Ny, Nz, qOK_);
   EXPECT_EQ(std::vector({Nx, Ny, Nz}), std::vector({2, 1, 1}));
-  reader_.GetINITNNCData(3, values_, headers_, qOK_);
-  EXPECT_THAT(values_.values(), ElementsAre(34, 35));
+  reader_.GetINITNNCData(3, host_.table, host_.headers, qOK_);
+  EXPECT_THAT(host_.table.values(), ElementsAre(34, 35));
   reader_.iGridNumber = 1;
   std::vector<float> all;
   reader_.GetINITArray("poro", true, all, qOK_);
   EXPECT_THAT(all, ElementsAre(5, -999, 6, 7, -999, 8));
   reader_.iGridNumber = 4;
-  EXPECT_THAT(names(), SizeIs(0));
+  EXPECT_THAT(names(), IsEmpty());
   EXPECT_FALSE(qOK_);
   EXPECT_TRUE(reader_.DissolvedGas() && reader_.DualPorosity() && reader_.Oil() && !reader_.Brine());
   EXPECT_EQ(reader_.NumberPhases(), 3);
@@ -93,36 +78,39 @@ TEST_F(InitOperations, FetchTheChosenGrid) {
 TEST_F(InitOperations, ChooseArraysByEachKindOfList) {
   const auto load = [&](auto set) {
     reader_.InitEclipseReader();
-    reader_.FileName = folder_.file("CASE.INIT");
-    reader_.whichtype = 15;
+    reader_.Silent = true;
     set();
-    reader_.ECLReadData(qOK_);
+    host_.load(path_, 15);
     return names();
   };
   EXPECT_THAT(load([&] { reader_.zOnly = "PO*"; }), ElementsAre("PORV", "PORO"));
   EXPECT_THAT(load([&] { reader_.zExcept = "P*,SATNUM"; }), ElementsAre("DEPTH", "FIPNUM"));
   EXPECT_THAT(load([&] { reader_.VectorPatterns = {"depth", "NONE"}; }), ElementsAre("DEPTH"));
   EXPECT_THAT(reader_.UnmatchedPatterns(), ElementsAre("NONE"));
-  EXPECT_THAT(load([&] { listOnly({"PORO", "DEPTH"}, true); }), ElementsAre("DEPTH", "PORO"));
   EXPECT_THAT(load([&] {
-                listOnly({"PORO", "DEPTH", "PORV"}, false);
+                reader_.bOnly = listOf({"PORO/", "DEPTH/"}), reader_.qOnly = true;
+              }),
+              ElementsAre("DEPTH", "PORO"));
+  EXPECT_THAT(load([&] {
+                reader_.bOnly = listOf({"PORO/", "DEPTH/", "PORV/"}), reader_.qOnly = false;
               }),
               ElementsAre("PVTNUM", "SATNUM", "FIPNUM"));
 }
 
 TEST_F(InitOperations, GivePlacesThatLeadToTheValues) {
   for (const auto& [name, form] : test::everyForm) {
-    test::writeFile(folder_.file("CASE.INIT"), test::twoLocalGrids(form));
+    test::writeFile(path_, test::twoLocalGrids(form));
     reader_.LoadData = false;
-    load();
+    host_.run();
     ColumnTable<std::int32_t> places;
     std::array<bool, 5> settings{};
     bool qFOD = false;
-    reader_.getINITDataFOD(values_, headers_, source_, only_, places, settings, qFOD, qOK_);
+    reader_.getINITDataFOD(host_.table, host_.headers, host_.source, host_.only, places, settings, qFOD,
+                           qOK_);
     EXPECT_TRUE(qOK_ && qFOD);
-    EXPECT_THAT(values_.values(), ElementsAre(-1, 0, 0, 0, 0, 0));
-    ASSERT_EQ(places.columns(), headers_.entries());
-    ArrayReader fetch(session_);
+    EXPECT_THAT(host_.table.values(), ElementsAre(-1, 0, 0, 0, 0, 0));
+    ASSERT_EQ(places.columns(), host_.headers.entries());
+    ArrayReader fetch(host_.session);
     const struct {
       std::size_t array;
       std::int32_t kind;
@@ -131,33 +119,26 @@ TEST_F(InitOperations, GivePlacesThatLeadToTheValues) {
     for (const auto& [array, kind, values] : rows) {
       std::vector<float> fetched(static_cast<std::size_t>(places(1, array)));
       EXPECT_EQ(places(2, array), kind);
-      fetch.readFetched(reader_.FileName, settings, places.values().subspan(5 * (array - 1)).first<5>(), 0,
-                        fetched, qOK_);
+      fetch.readFetched(path_, settings, places.values().subspan(5 * (array - 1)).first<5>(), 0, fetched,
+                        qOK_);
       EXPECT_EQ(fetched, values) << name << array;
     }
   }
 }
 
 TEST_F(InitOperations, FindTheFileOfAnIndex) {
-  reader_.FileName = folder_.file("CASE.inspec");
-  load();
-  EXPECT_TRUE(qOK_);
-  EXPECT_EQ(reader_.FileName, folder_.file("CASE.INIT"));
-  test::writeFile(folder_.file("case.finit"), test::twoLocalGrids({Framing::Formatted}));
-  reader_.FileName = folder_.file("case.finspec");
-  load();
-  EXPECT_TRUE(qOK_);
-  reader_.FileName = folder_.file("NONE.INSPEC");
-  load();
-  EXPECT_FALSE(qOK_);
-  EXPECT_THAT(session_.diagnoses().back().text(), testing::HasSubstr("NONE.INSPEC"));
+  EXPECT_TRUE(host_.load(folder_.file("CASE.inspec"), 15));
+  EXPECT_EQ(reader_.FileName, path_);
+  test::writeFile(folder_.file("case.finit"), test::twoLocalGrids(test::formatted));
+  EXPECT_TRUE(host_.load(folder_.file("case.finspec"), 15));
+  EXPECT_FALSE(host_.load(folder_.file("NONE.INSPEC"), 15));
+  EXPECT_THAT(host_.lastDiagnosis().text(), HasSubstr("NONE.INSPEC"));
 }
 
 TEST_F(InitOperations, WriteTheIndexWhereTheHostNamesAFolder) {
   reader_.IndexFolder = folder_.file("");
-  load();
-  EXPECT_TRUE(qOK_);
-  qvEclipseINSPECFile index(session_);
+  EXPECT_TRUE(host_.run());
+  qvEclipseINSPECFile index(host_.session);
   index.CheckINSPECFile(folder_.file("CASE.INSPEC"), qOK_);
   ASSERT_TRUE(qOK_);
   index.getINSPECData(qOK_);
@@ -167,21 +148,16 @@ TEST_F(InitOperations, WriteTheIndexWhereTheHostNamesAFolder) {
   EXPECT_THAT(names, testing::IsSupersetOf({"PORV", "DR", "DTHETA", "PERMR"}));
 }
 
-TEST_F(InitOperations, HandOverTablesAsTheyStandAndAsTheyAreMeant) {
-  reader_.FileName = examplePath("/data/HOLLIN/HOLLIN.INIT");
-  load();
+TEST_F(InitOperations, HandOverTablesAsTheyAreStored) {
+  ASSERT_TRUE(host_.load(examplePath("/data/HOLLIN/HOLLIN.INIT"), 15));
   ASSERT_TRUE(reader_.IsINITTableData());
-  reader_.GetINITTableData("PVDO", 1, values_, headers_, source_, qOK_);
+  reader_.GetINITTableData("PVDO", 1, host_.table, host_.headers, host_.source, qOK_);
   ASSERT_TRUE(qOK_);
-  EXPECT_EQ(values_.rows(), 4u);
-  EXPECT_FLOAT_EQ(values_(1, 2), static_cast<float>(1 / 1.12));
-  EXPECT_EQ(ExtractAttribute(attributeVariable, headers_, 2), "1/BO");
-  const auto physical = reader_.GetINITPhysicalTable("PVDO", 1, qOK_);
-  EXPECT_DOUBLE_EQ(physical.columns[1].values[0], 1.12);
-  EXPECT_EQ(physical.columns[0].units, "BARSA");
+  EXPECT_EQ(host_.table.rows(), 4u);
+  EXPECT_FLOAT_EQ(host_.table(1, 2), static_cast<float>(1 / 1.12));
+  EXPECT_EQ(ExtractAttribute(attributeVariable, host_.headers, 2), "1/BO");
   reader_.InitTables = false;
-  load();
-  EXPECT_TRUE(qOK_);
+  EXPECT_TRUE(host_.run());
   EXPECT_FALSE(reader_.IsINITTableData());
   EXPECT_EQ(reader_.NumberTables("PVDO"), 0);
 }
@@ -204,26 +180,12 @@ TEST_F(InitOperations, AskADialog) {
   TakeAllButOne dialog;
   reader_.setLoadDialog(&dialog);
   reader_.Silent = false;
-  load();
+  host_.run();
   EXPECT_EQ(dialog.offered, "INIT3");
   EXPECT_THAT(names(), ElementsAre("DEPTH", "PORO", "PVTNUM", "SATNUM", "FIPNUM"));
-  EXPECT_EQ(std::get<std::string>(source_(1)), "CHOSEN");
+  EXPECT_EQ(std::get<std::string>(host_.source(1)), "CHOSEN");
   dialog.goOn = false;
-  load();
-  EXPECT_FALSE(qOK_);
-}
-
-TEST_F(InitOperations, KeepWhatStandsBeforeDamage) {
-  auto bytes = test::twoLocalGrids(test::bigEndian);
-  bytes.resize(bytes.size() - 3);
-  test::writeFile(folder_.file("CASE.INIT"), bytes);
-  load();
-  EXPECT_FALSE(qOK_);
-  EXPECT_TRUE(reader_.Damaged());
-  EXPECT_THAT(names(), ElementsAre("PORV", "DEPTH", "PORO", "PVTNUM", "SATNUM"));
-  reader_.AcceptDamaged = true;
-  load();
-  EXPECT_TRUE(qOK_);
+  EXPECT_FALSE(host_.run());
 }
 
 }  // namespace

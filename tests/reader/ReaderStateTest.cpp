@@ -66,21 +66,17 @@ TEST(ReaderState, EachRefusalHasADiagnosis) {
       {15, "NONE", Message::FileOpen},
   };
   for (const Row& row : rows) {
-    SummaryLoad load(folder.file(row.file));
-    load.reader.whichtype = row.code;
-    bool qOK = true;
-    load.reader.ECLReadData(qOK);
-    EXPECT_FALSE(qOK);
+    Host load(folder.file(row.file), row.code);
+    EXPECT_FALSE(load.run());
     EXPECT_EQ(load.lastDiagnosis().message, row.message) << row.code << " " << row.file;
     EXPECT_EQ(load.lastDiagnosis().path, folder.file(row.file));
   }
 
   SummaryLoad load(spec);
   ASSERT_TRUE(load.run());
-  bool qOK = true;
-  load.reader.GetSUMMARYData(load.table, load.headers, load.source, load.only, qOK);
-  EXPECT_FALSE(qOK);
+  EXPECT_FALSE(load.fetchSummary());
   EXPECT_EQ(load.lastDiagnosis().message, Message::FetchedBefore);
+  bool qOK = true;
   load.reader.DeleteRESTARTSEQUENCE(1, qOK);
   EXPECT_EQ(load.lastDiagnosis().message, Message::NotLoaded);
 }
@@ -128,11 +124,8 @@ TEST(ReaderState, AllStepFilesThatBeginAsAUnifiedFileAreRead) {
     std::filesystem::rename(folder.file("T.UNRST"), folder.file("RUN.X000" + std::to_string(number)));
   }
   for (const char* name : {"RUN.X0002", "RUN"}) {
-    SummaryLoad load(folder.file(name));
-    load.reader.whichtype = 11;
-    bool qOK = false;
-    load.reader.ECLReadData(qOK);
-    EXPECT_TRUE(qOK);
+    Host load(folder.file(name), 11);
+    EXPECT_TRUE(load.run());
     EXPECT_EQ(load.reader.RestartSteps().size(), 3U) << name;
     EXPECT_FALSE(load.reader.RestartValues(1, 1, "pressure").empty()) << "names in any letter case";
   }

@@ -18,17 +18,6 @@ using Lines = std::vector<std::string>;
 
 constexpr std::int32_t summary = 13;
 
-/// A list from "CLASS/member" texts, and the other way.
-ByteTable listOf(const Lines& lines) {
-  ByteTable bOnly(onlyWidth, lines.size());
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    const auto cut = lines[i].find('/');
-    bOnly.put(i + 1, 1, 16, lines[i].substr(0, cut));
-    bOnly.put(i + 1, 17, 40, lines[i].substr(cut + 1));
-  }
-  return bOnly;
-}
-
 Lines linesOf(const ByteTable& bOnly) {
   Lines lines;
   for (std::size_t i = 1; i <= bOnly.entries(); ++i) {
@@ -101,42 +90,12 @@ TEST(OnlyList, WhatAListIsMadeOfComesBackFromIt) {
     ASSERT_EQ(bOnly.entries(), static_cast<std::size_t>(std::max(1, std::min(nOnly, nExcept)))) << seed;
     const auto expected = nOnly == 0 ? maskText(headers.info()) : maskText(xInfo);  // nothing chosen: no list
     ASSERT_EQ(expanded(headers, bOnly, qOnly), expected) << seed << testing::PrintToString(linesOf(bOnly));
-    ++(nOnly == 0 ? nothing : qOnly ? positive : negative);
+    CreateOnlyList(12, xInfo, bOnly, qOnly, qOK);
+    ASSERT_TRUE(qOK && qOnly && bOnly == emptyOnlyList()) << "a kind that has no lists";
+    ++(nOnly == 0 ? nothing : nOnly <= nExcept ? positive : negative);
   }
   EXPECT_TRUE(positive > 100 && negative > 100 && nothing > 10)
       << positive << " " << negative << " " << nothing;
-}
-
-TEST(OnlyList, TheShorterSenseIsWritten) {
-  Headers headers;
-  headers.add("GROUPS", "G").add("WELLS", "P1").add("WELLS", "P2").add("WELLS", "P3").add("WELLS", "P4");
-  struct Row {
-    std::vector<bool> wells;
-    bool groups;
-    Lines lines;
-    bool qOnly;
-  };
-  const Row rows[] = {{{true, true, true, true}, true, {"/"}, false},
-                      {{false, false, false, false}, false, {"/"}, true},
-                      {{true, true, true, true}, false, {"WELLS/ALL"}, true},  // one entry either way
-                      {{true, false, false, false}, true, {"GROUPS/ALL", "WELLS/P1"}, true},
-                      {{true, true, false, true}, false, {"GROUPS/ALL", "WELLS/P3"}, false},
-                      {{false, false, false, false}, true, {"GROUPS/ALL"}, true}};
-  for (const auto& row : rows) {
-    auto xInfo = headers.info();
-    classOf(xInfo, "WELLS").qMemberChosen = row.wells;
-    xInfo.qAllMembers = std::ranges::find(row.wells, false) == row.wells.end();
-    xInfo.qClassChosen[slot(5)] = row.groups;
-    if (row.lines == Lines{"/"}) xInfo.qClassChosen[slot(9)] = row.groups;
-    ByteTable bOnly;
-    bool qOnly = !row.qOnly;
-    bool qOK = false;
-    CreateOnlyList(summary, xInfo, bOnly, qOnly, qOK);
-    EXPECT_EQ(linesOf(bOnly), row.lines);
-    EXPECT_EQ(qOnly, row.qOnly) << row.lines[0];
-    CreateOnlyList(12, xInfo, bOnly, qOnly, qOK);
-    EXPECT_TRUE(qOK && qOnly && bOnly == emptyOnlyList()) << "a kind that has no lists";
-  }
 }
 
 TEST(OnlyList, AClassWithoutMembersHasNoEntryOnceMembersAreNamed) {
@@ -200,10 +159,15 @@ TEST(OnlyList, ListsExpandToVectors) {
 TEST(OnlyList, AnUnknownClassWordIsAFault) {
   Headers headers;
   headers.add("FIELD", "").add("WELLS", "P1");
+  Reporting quiet;
+  auto xUnchanged = headers.info();
+  bool qOK = true;
+  ExpandOnlyList(quiet, headers.xStore, headers.xVectors, ByteTable(55, 1, 'X'), true, xUnchanged, qOK);
+  EXPECT_FALSE(qOK) << "entries too short for a member";
+  EXPECT_EQ(maskText(xUnchanged), "11");
   for (const bool qOnly : {true, false}) {
     Reporting session;
     ECLIPSEINFO xInfo;
-    bool qOK = true;
     const auto bOnly = listOf({"FIELD/ALL", "TRACERS/P1", "WELLS/ALL"});
     setECLIPSEINFOFromOnly(session, headers.xStore, headers.xVectors, bOnly, qOnly, xInfo, qOK);
     EXPECT_FALSE(qOK);
@@ -211,17 +175,6 @@ TEST(OnlyList, AnUnknownClassWordIsAFault) {
                 ElementsAre("Error:Subscript out of range (No.9) In [qvOnlyList (Code) (ExpandOnlyList)] "));
     EXPECT_EQ(maskText(xInfo), qOnly ? "10" : "01") << "what came before it is applied";
   }
-}
-
-TEST(OnlyList, EntriesTooShortForAMemberMakeItUnusable) {
-  Headers headers;
-  auto xInfo = headers.add("WELLS", "P1").info();
-  Session session;
-  bool qOK = true;
-  ExpandOnlyList(session, headers.xStore, headers.xVectors, ByteTable(55, 1, 'X'), true, xInfo, qOK);
-  EXPECT_FALSE(qOK);
-  EXPECT_EQ(maskText(xInfo), "1");
-  EXPECT_TRUE(isEmptyOnlyList(ByteTable(15, 1, 'X')));
 }
 
 TEST(OnlyList, SaturationsAreChosenTogetherInRestartsOnly) {
@@ -253,18 +206,15 @@ TEST(OnlyList, SaturationsAreChosenTogetherInRestartsOnly) {
 TEST(OnlyList, TheTextListLooksAtAsManyItemsAsCount) {
   Session session;
   EXPECT_TRUE(checkEclipseONLYList(session, "FOPT"));
-  const Lines items{"FOPT", " WOPR P1 ", "FOPT", "GOPR G"};
   for (const bool qOnly : {true, false}) {
-    setEclipseONLYList(session, items, qOnly);
-    for (const auto* name : {"FOPT", "WOPR P1", " GOPR G"}) {
-      EXPECT_EQ(checkEclipseONLYList(session, name), qOnly) << name;
+    setEclipseONLYList(session, Lines{"FOPT", " WOPR P1 ", "FOPT", "GOPR G"}, qOnly);
+    const std::tuple<std::int32_t, const char*, bool> rows[] = {
+        {4, "FOPT", true},    {4, "WOPR P1", true}, {4, " GOPR G", true},   {4, "fopt", false},
+        {2, "WOPR P1", true}, {2, "GOPR G", false}, {100000, "WOPT", false}};
+    for (const auto& [count, name, listed] : rows) {
+      session.part<SelectionState>().nOnly = count;
+      EXPECT_EQ(checkEclipseONLYList(session, name), qOnly == listed) << count << name;
     }
-    EXPECT_EQ(checkEclipseONLYList(session, "fopt"), !qOnly);
-    session.part<SelectionState>().nOnly = 2;
-    EXPECT_EQ(checkEclipseONLYList(session, "WOPR P1"), qOnly);
-    EXPECT_EQ(checkEclipseONLYList(session, "GOPR G"), !qOnly);
-    session.part<SelectionState>().nOnly = 100000;
-    EXPECT_EQ(checkEclipseONLYList(session, "WOPT"), !qOnly);
     session.part<SelectionState>().nOnly = 0;
     EXPECT_TRUE(checkEclipseONLYList(session, "WOPT"));
   }

@@ -6,6 +6,7 @@
 
 #include "shapes/EclipseInfo.h"
 #include "shapes/HeaderLayout.h"
+#include "shapes/OnlyList.h"
 
 namespace lumbarn {
 
@@ -42,6 +43,17 @@ inline std::string maskText(ECLIPSEINFO xInfo) {
   std::string text;
   for (const bool kept : vectorMask(xInfo)) text += kept ? '1' : '0';
   return text;
+}
+
+/// A list from "CLASS/member" texts.
+inline ByteTable listOf(const std::vector<std::string>& lines) {
+  ByteTable bOnly(onlyWidth, lines.size());
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const auto cut = lines[i].find('/');
+    bOnly.put(i + 1, 1, 16, lines[i].substr(0, cut));
+    bOnly.put(i + 1, 17, 40, lines[i].substr(cut + 1));
+  }
+  return bOnly;
 }
 
 }  // namespace lumbarn
