@@ -12,13 +12,18 @@ namespace lumbarn::test {
 /// A host with one reader and a session of its own: loads without a dialog, and keeps what fetches return and
 /// what was reported.
 struct Host {
-  Host() {
+  explicit Host(const std::string& path = {}, std::int32_t whichtype = 0) {
+    reader.FileName = path;
+    reader.whichtype = whichtype;
     reader.Silent = true;
     session.faultReporter = [this](std::string_view text) { faults.emplace_back(text); };
   }
   bool load(const std::string& path, std::int32_t whichtype) {
     reader.FileName = path;
     reader.whichtype = whichtype;
+    return run();
+  }
+  bool run() {
     bool qOK = false;
     reader.ECLReadData(qOK);
     return qOK;
@@ -54,6 +59,12 @@ struct Host {
       if (diagnosis.severity() != Severity::Remark) all.push_back(diagnosis.text());
     }
     return all;
+  }
+
+  /// Empty when there was none, so that a test that misses it fails by name.
+  Diagnosis lastDiagnosis() const {
+    return session.diagnoses().empty() ? Diagnosis{.message = Message::NotLoaded}
+                                       : session.diagnoses().back();
   }
 
   Session session;
