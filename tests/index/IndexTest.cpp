@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <fstream>
 #include <functional>
 
 #include <fmt/format.h>

@@ -52,7 +52,7 @@ std::vector<std::byte> unified(const Form& form, std::initializer_list<std::int3
 struct SaveLoad {
   bool run(const std::string& path) {
     bool qOK = false;
-    recognised = save.CheckSAVEFile(path);
+    save.CheckSAVEFile(path);
     save.getSAVEData(qOK);
     save.GetRestartRecordTimesAndSteps(steps, times, nSteps, listed);
     return qOK;
@@ -61,7 +61,6 @@ struct SaveLoad {
 
   Session session;
   qvEclipseSAVE save{session};
-  bool recognised = false;
   bool listed = false;
   std::vector<std::int32_t> steps;
   std::vector<double> times;

@@ -1,11 +1,10 @@
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "files/FileSets.h"
 #include "support/Paths.h"
 #include "support/RestartBuilder.h"
 #include "support/RestartLoad.h"
@@ -18,8 +17,6 @@ using test::RestartBuilder;
 using test::RestartLoad;
 using test::TemporaryFolder;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 /// The solution arrays of a table that an independent reader made, step by step.
 struct ExpectedArray {
@@ -175,6 +172,17 @@ TEST_P(RestartSets, ReadOnlyHeaderGivesDatesAndSizes) {
     EXPECT_FALSE(qOK);
     EXPECT_EQ(size(1), Variant(std::int32_t{-1}));
   }
+}
+
+TEST_P(RestartSets, ADeletedStepKeepsItsDate) {
+  RestartLoad load(fourSteps().write(folder_, "RUN", form_));
+  ASSERT_TRUE(load.run());
+  bool qOK = false;
+  load.reader.DeleteRESTARTSEQUENCE(2, qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_FALSE(load.fetch(2));
+  EXPECT_EQ(load.reader.RestartSteps()[1].zDate, "3 FEB 2020");
+  EXPECT_TRUE(load.fetch(3));
 }
 
 class PickingDialog final : public LoadDialog {
