@@ -70,6 +70,7 @@ class FaultyFiles {
   ~FaultyFiles() { Session::process().wrapSource = nullptr; }
   /// Whether the read that goes wrong has been reached; when it has not, a load has fewer reads than that.
   bool met() const { return script_->met(); }
+  int reads() const { return script_->reads; }
 
  private:
   std::shared_ptr<ReadScript> script_;
