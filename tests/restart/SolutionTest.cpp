@@ -1,11 +1,10 @@
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "files/FileSets.h"
 #include "support/Paths.h"
 #include "support/RestartBuilder.h"
 #include "support/RestartLoad.h"
@@ -18,8 +17,6 @@ using test::RestartBuilder;
 using test::RestartLoad;
 using test::TemporaryFolder;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 /// The solution arrays of a table that an independent reader made, step by step.
 struct ExpectedArray {
@@ -132,33 +129,6 @@ TEST_P(RestartSets, LimitsChooseSteps) {
   }
 }
 
-TEST_P(RestartSets, AStepListPicksFilesAndSpansAUnifiedFile) {
-  const auto run = fourSteps();
-  const auto pick = [&](bool unified, std::vector<std::int32_t> list) {
-    const auto path = run.write(folder_, unified ? "ONE" : "MANY", form_, unified);
-    qvEclipseSOLUTION set;
-    EXPECT_TRUE(set.CheckRESTARTFile(path));
-    bool qOK = false;
-    std::vector<std::string> files;
-    std::int32_t nFiles = 0;
-    GetFileNamesToLoad(path, -1, -1, set.Unified, "SOLUTION", nFiles, files, qOK);
-    set.SetMultList(nFiles, files, qOK);
-    set.iStart = set.iEnd = -1;
-    set.iRestartList = std::move(list);
-    set.getSOLUTIONData(qOK);
-    std::vector<std::int32_t> steps;
-    std::vector<double> times;
-    std::int32_t nSteps = 0;
-    bool qTable = false;
-    set.GetRestartRecordTimesAndSteps(steps, times, nSteps, qTable);
-    EXPECT_EQ(qOK, nSteps > 0);
-    return steps;
-  };
-  EXPECT_THAT(pick(false, {9, 2}), ElementsAre(2, 9)) << "in order of the files";
-  EXPECT_THAT(pick(true, {2, 9}), ElementsAre(2, 5, 9));
-  EXPECT_THAT(pick(false, {4}), ElementsAre(-32768)) << "no file, so a failure and a table of no step";
-}
-
 TEST_P(RestartSets, FilesThatGoAndNamesThatTellNothingAreNoFailure) {
   const auto run = fourSteps();
   const auto first = run.write(folder_, "MANY", form_, false);
@@ -215,102 +185,36 @@ TEST_P(RestartSets, ADeletedStepKeepsItsDate) {
   EXPECT_TRUE(load.fetch(3));
 }
 
-TEST_P(RestartSets, AnIndexLeadsToTheSet) {
-  fourSteps().write(folder_, "RUN", form_);
-  const auto index = folder_.file("RUN.RSSPEC");
-  test::writeFile(index, {});
-  RestartLoad load(index);
-  ASSERT_TRUE(load.run()) << load.lastDiagnosis().text();
-  EXPECT_EQ(load.steps().size(), 4U);
-}
-
-class TwoStepsDialog final : public LoadDialog {
+class PickingDialog final : public LoadDialog {
  public:
   bool show(const qvEclipseSPEC&, ECLIPSEINFO&, LoadDialogSettings&) override { return false; }
   bool showArrays(ECLIPSEINFO& selection, LoadDialogSettings& settings) override {
     offered = settings.iRestartList;
     names = selection.nSolutionVectors;
-    settings.iRestartList = {2, 9};
+    settings.iRestartList = choice;
     return accept;
   }
-  std::vector<std::int32_t> offered;
+  std::vector<std::int32_t> offered, choice;
   std::int32_t names = 0;
   bool accept = true;
 };
 
-TEST_P(RestartSets, ADialogPicksSteps) {
-  RestartLoad load(fourSteps().write(folder_, "MANY", form_, false));
-  TwoStepsDialog dialog;
-  load.reader.setLoadDialog(&dialog);
-  load.reader.Silent = false;
-  ASSERT_TRUE(load.run());
-  EXPECT_THAT(dialog.offered, ElementsAre(0, 2, 5, 9));
-  EXPECT_EQ(dialog.names, 1);
-  EXPECT_THAT(load.steps(), ElementsAre(2, 9));
-  dialog.accept = false;
-  EXPECT_FALSE(load.run());
-}
-
-/// Whatever a damaged file gives must be whole steps, and what it does not give must be explained.
-void checkWhatIsLeft(const RestartLoad& load, const std::string& file, std::size_t at) {
-  for (std::int32_t i = 1; i <= static_cast<std::int32_t>(load.steps().size()); ++i) {
-    ASSERT_LE(load.values("PRESSURE", i).size(), 4U) << at;
-  }
-  if (!load.reader.Damaged()) return;
-  EXPECT_EQ(load.lastDiagnosis().path, file) << at;
-  EXPECT_TRUE(load.lastDiagnosis().offset) << at;
-  EXPECT_THAT(load.lastDiagnosis().action, HasSubstr(std::to_string(load.steps().size()) + " steps")) << at;
-}
-
-RestartBuilder smallSteps() {
-  auto run = fourSteps();
-  run.headerWords = 96;
-  run.nIWELZ = 9, run.nICONZ = 6, run.nCWMAX = 2, run.nSWELZ = run.nXWELZ = run.nSCONZ = 3;
-  run.steps.resize(2);
-  run.steps[1].number = 1;
-  for (auto& step : run.steps) step.grids[0].wells = {{"P1", {{1, 1, 1}, {1, 2, 1}}, {}}};
-  return run;
-}
-
-TEST_P(RestartSets, AFileCutAnywhereGivesTheWholeSteps) {
-  const auto run = smallSteps();
-  for (const bool unified : {true, false}) {
-    const auto file = run.write(folder_, "RUN", form_, unified);
-    const auto last = unified ? file : folder_.file(form_.formatted() ? "RUN.F0001" : "RUN.X0001");
-    const auto whole = unified ? run.bytes(form_) : run.bytes(form_, run.steps[1]);
-    const std::size_t first = unified ? 40 : 1;  // what is shorter is no restart file
-    std::size_t stepsBefore = 0;
-    for (std::size_t size = first; size <= whole.size(); ++size) {
-      test::writeFile(last, std::span(whole).first(size));
-      RestartLoad load(file);
-      ASSERT_TRUE(load.run()) << "what a running simulation leaves: " << load.lastDiagnosis().text();
-      ASSERT_GE(load.steps().size(), stepsBefore) << size;
-      stepsBefore = load.steps().size();
-      for (std::size_t i = 0; i < stepsBefore; ++i) {
-        ASSERT_EQ(load.values("PRESSURE", static_cast<std::int32_t>(i) + 1).size(), 4U) << size;
-      }
-      checkWhatIsLeft(load, last, size);
-    }
-    EXPECT_EQ(stepsBefore, 2U);
-  }
-}
-
-TEST_P(RestartSets, AFileDamagedAnywhereIsSurvived) {
-  const auto run = smallSteps();
-  for (const bool unified : {true, false}) {
-    const auto file = run.write(folder_, "RUN", form_, unified);
-    const auto whole = unified ? run.bytes(form_) : run.bytes(form_, run.steps[0]);
-    for (std::size_t at = 0; at < whole.size(); at += 7) {
-      auto flipped = whole;
-      flipped[at] ^= std::byte{0x84};
-      test::writeFile(file, flipped);
-      RestartLoad load(file);
-      const bool strict = load.run();
-      EXPECT_TRUE(strict || !load.session.diagnoses().empty()) << at;
-      if (strict) checkWhatIsLeft(load, file, at);
-      load.reader.AcceptDamaged = load.reader.FullWellInfo = true;
-      EXPECT_GE(load.run(), strict) << at;
-    }
+TEST_P(RestartSets, ADialogPicksFilesAndASpanOfAUnifiedFile) {
+  using Steps = std::vector<std::int32_t>;
+  const std::tuple<bool, Steps, Steps> rows[] = {
+      {false, {9, 2}, {2, 9}}, {true, {2, 9}, {2, 5, 9}}, {false, {4}, {}}};
+  for (const auto& [unified, choice, steps] : rows) {
+    RestartLoad load(fourSteps().write(folder_, unified ? "ONE" : "MANY", form_, unified));
+    PickingDialog dialog;
+    dialog.choice = choice;
+    load.reader.setLoadDialog(&dialog);
+    load.reader.Silent = false;
+    EXPECT_EQ(load.run(), !steps.empty());
+    EXPECT_THAT(dialog.offered, ElementsAre(0, 2, 5, 9));
+    EXPECT_EQ(dialog.names, 1);
+    EXPECT_EQ(load.steps(), steps);
+    dialog.accept = false;
+    EXPECT_FALSE(load.run());
   }
 }
 
@@ -330,10 +234,7 @@ TEST(RestartFiles, OthersAreRefused) {
 /// both.
 TEST(Solution, AnIndexIsWrittenAndLeadsToItsSet) {
   const TemporaryFolder folder;
-  RestartBuilder run;
-  run.steps = {{.number = 1, .grids = {{.arrays = {{"SWAT", {0, 0, 0, 1}}}}}},
-               {.number = 4, .grids = {{.arrays = {{"SWAT", {0, 0, 1, 1}}}}}}};
-  RestartLoad load(run.write(folder, "RUN", test::bigEndian));
+  RestartLoad load(fourSteps().write(folder, "RUN", test::bigEndian));
   load.reader.IndexFolder = folder.file("");
   ASSERT_TRUE(load.run());
   EXPECT_FALSE(load.reader.IsInitialised(28));
@@ -341,7 +242,7 @@ TEST(Solution, AnIndexIsWrittenAndLeadsToItsSet) {
   load.reader.IndexFolder.clear();
   load.reader.FileName = folder.file("RUN.RSSPEC");
   ASSERT_TRUE(load.run()) << load.lastDiagnosis().text();
-  EXPECT_THAT(load.steps(), ElementsAre(1, 4));
+  EXPECT_THAT(load.steps(), ElementsAre(0, 2, 5, 9));
   ASSERT_TRUE(load.reader.IsInitialised(28));
   std::vector<std::int32_t> indexed;
   bool qOK = false;

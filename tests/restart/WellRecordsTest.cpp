@@ -2,11 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "reader/qvEclipseReader.h"
 #include "restart/MarkerBlock.h"
 #include "restart/WellRecords.h"
-#include "support/Paths.h"
 #include "support/RestartBuilder.h"
+#include "support/RestartLoad.h"
 
 namespace lumbarn {
 namespace {
@@ -14,23 +13,17 @@ namespace {
 using ::testing::ElementsAre;
 using namespace test;
 
-/// A reader that has loaded one step of a restart set.
-struct StepLoad {
-  StepLoad(const std::string& path, std::int32_t step, std::int32_t method = 2) {
-    reader.FileName = path;
-    reader.whichtype = 11;
-    reader.Silent = true;
+/// One step of a restart set.
+struct StepLoad : RestartLoad {
+  StepLoad(const std::string& path, std::int32_t step, std::int32_t method = 2) : RestartLoad(path) {
     reader.MarkerMethod = method;
     reader.iStart = reader.iEnd = step;
-    reader.ECLReadData(qOK);
+    qOK = run();
   }
   std::vector<WellRecord> wells(std::int32_t iGrid = 1) {
     EXPECT_TRUE(qOK);
     return reader.RestartWells(1, iGrid, qOK);
   }
-
-  Session session;
-  qvEclipseReader reader{session};
   bool qOK = false;
 };
 
@@ -51,39 +44,6 @@ std::vector<std::string> texts(const std::vector<WellRecord>& wells) {
   std::vector<std::string> all;
   for (const auto& well : wells) all.push_back(text(well));
   return all;
-}
-
-/// What the decks of the samples say: WELSPECS, COMPDAT, COMPSEGS, and P2 shut late in the run.
-TEST(WellRecords, AgreeWithTheDecksOfTheSamples) {
-  const std::string data = examplePath("/data/");
-  StepLoad hollin(data + "HOLLIN/HOLLIN.UNRST", 13);
-  const auto wells = hollin.wells();
-  EXPECT_THAT(
-      texts(wells),
-      ElementsAre("P1 producer liquid open liquid rate PROD 4,5 5: 4,5,1 openZ 20-40 5,5,1 openX 40-90 "
-                  "6,5,1 openX 90-140 7,5,1 openX 140-190 8,5,1 openX 190-240",
-                  "P2 producer oil shut shut PROD 6,9 2: 6,9,1 openZ 0-0 6,9,2 openZ 0-0",
-                  "I1 water injector water open water rate INJ 13,6 2: 13,6,4 openZ 0-0 13,6,5 openZ 0-0"));
-  EXPECT_EQ(wells[0].connections[4].numbers->diameter, 0.2F);
-  EXPECT_NEAR(wells[2].rates->water, -280, 1e-6);
-
-  const char* const forms[] = {"ARBOR/ARBOR.UNRST", "ARBORF/ARBORF.FUNRST", "ARBORM/ARBORM.X0005",
-                               "ARBORFM/ARBORFM.F0005"};
-  for (const char* file : forms) {
-    SCOPED_TRACE(file);
-    StepLoad arbor(data + file, 5);
-    EXPECT_THAT(
-        texts(arbor.wells()),
-        ElementsAre("PROD producer oil open oil rate G1 10,10 2: 10,10,2 openZ 0-0 10,10,3 openZ 0-0",
-                    "INJ gas injector gas open gas rate G2 1,1 2: 1,1,1 openZ 0-0 1,1,2 openZ 0-0",
-                    "OBS producer oil shut shut G1 5,4 3: 5,4,1 shutZ 0-0 5,4,2 shutZ 0-0 5,4,3 shutZ 0-0"));
-  }
-  const auto prod = StepLoad(data + forms[0], 5).wells()[0];
-  EXPECT_NEAR(prod.rates->oil, 20000, 1e-2) << "WOPR of the summary at day 155, a single";
-  EXPECT_NEAR(prod.rates->gas, 24609.572, 1e-2) << "WGPR";
-  EXPECT_NEAR(prod.rates->bhp, 2593.8616, 1e-3) << "WBHP";
-  const auto& numbers = *prod.connections[0].numbers;
-  EXPECT_THAT((std::array{numbers.depth, numbers.diameter, numbers.kh}), ElementsAre(8360, 0.5F, 50 * 30));
 }
 
 class WellsOfAFile : public OfForm {
@@ -125,16 +85,13 @@ TEST_P(WellsOfAFile, MarkersOfAStepByTheMethodOfTheReader) {
   const auto path = twoGrids().write(folder_, "RUN", form_);
   for (const auto& [method, mark] : {std::pair(2, "MKEX"), std::pair(3, "MK32"), std::pair(5, "MKEX")}) {
     StepLoad load(path, 4, method);
-    XYData values;
-    ByteTable headers;
-    SourceData source;
     MarkerTable rows;
     std::vector<std::byte> bytes;
     std::int32_t nRows = 0;
     std::int32_t nBytesRows = 0;
-    load.reader.GetRESTARTSEQUENCE(1, values, headers, source, rows, nRows, load.qOK);
+    load.reader.GetRESTARTSEQUENCE(1, load.table, load.headers, load.source, rows, nRows, load.qOK);
     ASSERT_TRUE(load.qOK);
-    load.reader.GetRESTARTSEQUENCEb(1, values, headers, source, bytes, nBytesRows, load.qOK);
+    load.reader.GetRESTARTSEQUENCEb(1, load.table, load.headers, load.source, bytes, nBytesRows, load.qOK);
     ASSERT_TRUE(load.qOK);
     EXPECT_THAT((std::array{nRows, nBytesRows}), ElementsAre(4, 4));
     EXPECT_EQ(rows.rows(), 8U);
@@ -148,12 +105,6 @@ TEST_P(WellsOfAFile, MarkersOfAStepByTheMethodOfTheReader) {
     }
     EXPECT_EQ(std::holds_alternative<double>(rows(2, 15)), method != 3) << "SCON is read when it is wanted";
   }
-}
-
-TEST(WellRecords, ControlsHaveNames) {
-  for (const auto& [control, name] :
-       {std::pair(5, "reservoir rate"), {6, "THP"}, {7, "BHP"}, {-1, "group"}, {8, "8"}})
-    EXPECT_EQ(controlText(control), name);
 }
 
 }  // namespace

@@ -86,20 +86,6 @@ TEST_P(WellTables, BlocksShorterThanTheirWords) {
   }
 }
 
-/// In real files with at most one connection for each well SCON is complete.
-TEST_P(WellTables, OneSlotForEachWell) {
-  auto run = threeWells();
-  run.nCWMAX = 1;
-  run.steps[0].grids[0].wells[0].connections.pop_back();
-  RestartLoad loaded(run.write(folder_, "RUN", form_));
-  loaded.reader.FullWellInfo = true;
-  ASSERT_TRUE(loaded.run());
-  const auto& grid = *loaded.reader.RestartGrid(1, 1);
-  ASSERT_TRUE(grid.qICON && grid.qSCON);
-  EXPECT_EQ(grid.sCONN(1, 1), 1001);
-  EXPECT_EQ(grid.sCONN(2, 4), 3004) << "kh of the third well, the second has no connection";
-}
-
 struct LieCase {
   std::size_t headWord;
   std::int32_t value;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Forms.h"
@@ -23,18 +24,11 @@ struct IndexedRun {
 
   static std::vector<std::int32_t> head(const std::array<std::int32_t, 3>& cells, std::int32_t nActive,
                                         std::int32_t step) {
+    const std::pair<std::size_t, std::int32_t> stated[] = {
+        {3, 1},     {9, cells[0]}, {10, cells[1]}, {11, cells[2]}, {12, nActive}, {65, 1 + step}, {66, 7},
+        {67, 2003}, {69, step},    {95, 100},      {207, 6},       {208, 30},     {411, 1500000}};
     std::vector<std::int32_t> words(411);
-    words[2] = 1;
-    for (std::size_t axis = 0; axis < 3; ++axis) words[8 + axis] = cells[axis];
-    words[11] = nActive;
-    words[64] = 1 + step;
-    words[65] = 7;
-    words[66] = 2003;
-    words[68] = step;
-    words[94] = 100;
-    words[206] = 6;
-    words[207] = 30;
-    words[410] = 1500000;
+    for (const auto& [word, value] : stated) words[word - 1] = value;
     return words;
   }
 
@@ -60,8 +54,7 @@ struct IndexedRun {
     out.singles("FULL", pressures(number, 0, 12));
     out.message("ENDSOL");
     for (std::size_t i = 0; i < localGrids.size(); ++i) {
-      const auto width = static_cast<int>(std::max<std::size_t>(8, localGrids[i].size()));
-      out.texts("LGR", std::array{localGrids[i]}, width);
+      beginGrid(out, i);
       out.integers("INTEHEAD", head({2, 2, 1}, 4, number));
       out.doubles("DOUBHEAD", std::array{number + 0.25});
       out.singles("PRESSURE", pressures(number, i + 1, 4));
@@ -97,8 +90,7 @@ struct IndexedRun {
       const auto bytes = step(number, form, unified);
       all.insert(all.end(), bytes.begin(), bytes.end());
       if (unified) continue;
-      paths.push_back(
-          folder.file(base + (form.formatted() ? ".F" : ".X") + std::to_string(10000 + number).substr(1)));
+      paths.push_back(folder.stepFile(base, form.formatted() ? "F" : "X", number));
       writeFile(paths.back(), bytes);
     }
     if (!unified) return paths;
@@ -108,15 +100,41 @@ struct IndexedRun {
   }
 
  private:
+  void beginGrid(RecordWriter& out, std::size_t i) const {
+    const auto width = static_cast<int>(std::max<std::size_t>(8, localGrids[i].size()));
+    out.texts("LGR", std::array{localGrids[i]}, width);
+  }
   template <class Write>
   void eachGrid(RecordWriter& out, Write write) const {
     for (std::size_t i = 0; i < localGrids.size(); ++i) {
-      out.texts("LGR", std::array{localGrids[i]},
-                static_cast<int>(std::max<std::size_t>(8, localGrids[i].size())));
+      beginGrid(out, i);
       write(i + 1);
     }
     out.message("LGRSGONE");
   }
 };
+
+/// A unified file whose second array has a value for each of 65536 x 32769 cells, more than 2^31; all of its
+/// data is a hole in the file.
+inline std::string writeLargeRestart(const TemporaryFolder& folder) {
+  constexpr std::uint64_t count = std::uint64_t{65536} * 32769;
+  const std::string path = folder.file("LARGE.UNRST");
+  std::vector<std::byte> start, end;
+  RecordWriter out(memorySink(start), bigEndian);
+  out.integers("SEQNUM", std::array{3});
+  out.integers("INTEHEAD", IndexedRun::head({65536, 32769, 1}, 1, 3));
+  out.header("PRESSURE", -1, "X231");
+  out.header("PRESSURE", 65536, "REAL");
+  RecordWriter(memorySink(end), bigEndian).singles("SWAT", std::array{0.5F, 0.25F});
+  // The marks of the first and the last block, of 1000 and 184 elements.
+  start.insert(start.end(), {std::byte{0}, std::byte{0}, std::byte{0x0F}, std::byte{0xA0}});
+  end.insert(end.begin(), {std::byte{0}, std::byte{0}, std::byte{0x02}, std::byte{0xE0}});
+  writeFile(path, start);
+  const auto size = start.size() + 4 * count + 8 * (count / 1000 + 1) - 8;
+  std::filesystem::resize_file(path, size);
+  std::ofstream file(path, std::ios::binary | std::ios::app);
+  file.write(reinterpret_cast<const char*>(end.data()), static_cast<std::streamsize>(end.size()));
+  return path;
+}
 
 }  // namespace lumbarn::test

@@ -84,19 +84,17 @@ std::array<std::int32_t, 3> Model::dayMonthYear(sys_seconds moment) {
 }
 
 std::vector<std::int32_t> Model::activeCells() const {
+  using enum Writer::Activity;
+  const auto mask = grid().grids[0].activity;
+  const auto isActive = [&](std::int32_t cell) {
+    if (writer_->activity == Ones) return cell != 5 && cell != 17;
+    const bool matrix = cell < cells / 2;
+    return writer_->activity == Absent ||
+           (mask[static_cast<std::size_t>(cell % (cells / 2))] & (matrix ? 1 : 2)) != 0;
+  };
   std::vector<std::int32_t> active;
-  if (writer_->activity == Writer::Activity::Bits) {
-    const auto mask = grid().grids[0].activity;
-    for (std::int32_t cell = 0; cell < cells; ++cell) {
-      const bool matrix = cell < cells / 2;
-      if ((mask[static_cast<std::size_t>(cell % (cells / 2))] & (matrix ? 1 : 2)) != 0)
-        active.push_back(cell);
-    }
-    return active;
-  }
   for (std::int32_t cell = 0; cell < cells; ++cell) {
-    const bool inactive = writer_->activity == Writer::Activity::Ones && (cell == 5 || cell == 17);
-    if (!inactive) active.push_back(cell);
+    if (isActive(cell)) active.push_back(cell);
   }
   return active;
 }
@@ -279,9 +277,7 @@ RestartBuilder Model::restart() const {
   run.headerWords = writer_->headerWords;
   run.head = {{207, writer_->startHour}};
   if (writer_->activeInWord4) run.head.insert({{4, run.steps[0].grids[0].nActive}, {12, 1}});
-  run.logihead = writer_->logicalWords > 0;
   run.logicalWords = writer_->logicalWords;
-  run.doubhead = writer_->doubleWords > 0;
   run.doubleWords = writer_->doubleWords;
   run.dualPorosity = writer_->dualPorosity;
   run.solutionMarks = writer_->solutionMarks;
@@ -499,10 +495,6 @@ ModelRun::ModelRun(const Writer& writer, const Form& runForm) : model(writer), f
 
 namespace {
 
-std::string stepFile(const TemporaryFolder& folder, const char* letter, std::int32_t step) {
-  return folder.file(std::string("RUN.") + letter + std::to_string(10000 + step).substr(1));
-}
-
 /// Sets the times of a file back, as those of an earlier run.
 void makeOlder(const std::string& path) {
   std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) - std::chrono::hours(1));
@@ -522,7 +514,7 @@ void ModelRun::writeSummary() {
   const char* letter = form.formatted() ? "A" : "S";
   std::int32_t number = model.firstStep();
   if (!writer().unified) {
-    for (const auto& bytes : run.steps(form)) store(stepFile(folder, letter, ++number), bytes);
+    for (const auto& bytes : run.steps(form)) store(folder.stepFile("RUN", letter, ++number), bytes);
     return;
   }
   auto bytes = withLinesOf(writer(), form, run.data(form));
@@ -532,8 +524,8 @@ void ModelRun::writeSummary() {
   auto longer = run;
   for (auto& row : longer.rows) std::ranges::fill(std::span(row.values).subspan(1), -1.0F);
   for (const auto& old : longer.steps(form)) {
-    store(stepFile(folder, letter, ++number), old);
-    makeOlder(stepFile(folder, letter, number));
+    store(folder.stepFile("RUN", letter, ++number), old);
+    makeOlder(folder.stepFile("RUN", letter, number));
   }
 }
 
@@ -542,11 +534,11 @@ void ModelRun::writeRestart() {
   const char* letter = form.formatted() ? "F" : "X";
   const auto storeSteps = [&](const RestartBuilder& files) {
     for (const auto& step : files.steps)
-      store(stepFile(folder, letter, step.number), files.bytes(form, step));
+      store(folder.stepFile("RUN", letter, step.number), files.bytes(form, step));
   };
   if (!writer().unified) {
     storeSteps(run);
-    restartPath = stepFile(folder, letter, run.steps[0].number);
+    restartPath = folder.stepFile("RUN", letter, run.steps[0].number);
     return;
   }
   restartPath = named("UNRST", "FUNRST");
@@ -559,7 +551,7 @@ void ModelRun::writeRestart() {
     }
   }
   storeSteps(longer);
-  for (const auto& step : longer.steps) makeOlder(stepFile(folder, letter, step.number));
+  for (const auto& step : longer.steps) makeOlder(folder.stepFile("RUN", letter, step.number));
 }
 
 namespace {

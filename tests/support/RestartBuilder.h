@@ -50,15 +50,13 @@ struct RestartBuilder {
   std::int32_t program = 100;
   std::size_t headerWords = 411;
   std::map<std::size_t, std::int32_t> head;  ///< words of every INTEHEAD; these win over all others
-  bool logihead = true;
-  std::size_t logicalWords = 80;
-  bool doubhead = true;
-  std::size_t doubleWords = 2;
-  bool icon = true;            ///< connections are written
-  int nameWidth = 8;           ///< of ZWEL
-  bool doubleGroups = false;   ///< SGRP as DOUB
-  std::string ownRecord = {};  ///< keyword of a record in front of a unified file
-  bool seqnum = true;          ///< in a unified file
+  std::size_t logicalWords = 80;             ///< LOGIHEAD; 0: not written
+  std::size_t doubleWords = 2;               ///< DOUBHEAD; 0: not written
+  bool icon = true;                          ///< connections are written
+  int nameWidth = 8;                         ///< of ZWEL
+  bool doubleGroups = false;                 ///< SGRP as DOUB
+  std::string ownRecord = {};                ///< keyword of a record in front of a unified file
+  bool seqnum = true;                        ///< in a unified file
   bool seqnumInStepFiles = false;
   bool dualPorosity = false;
   bool solutionMarks = true;  ///< STARTSOL and ENDSOL
@@ -109,40 +107,22 @@ struct RestartBuilder {
       writeFile(path, bytes(form));
       return path;
     }
-    std::string first;
-    for (const Step& step : steps) {
-      const std::string number = std::to_string(10000 + step.number).substr(1);
-      const std::string path = folder.file(root + (form.formatted() ? ".F" : ".X") + number);
-      writeFile(path, bytes(form, step));
-      if (first.empty()) first = path;
-    }
-    return first;
+    const char* letter = form.formatted() ? "F" : "X";
+    for (const Step& step : steps) writeFile(folder.stepFile(root, letter, step.number), bytes(form, step));
+    return folder.stepFile(root, letter, steps.at(0).number);
   }
 
   std::vector<std::int32_t> intehead(const Step& step, const Grid& grid) const {
     const auto wells = static_cast<std::int32_t>(grid.wells.size());
-    std::map<std::size_t, std::int32_t> words = {{3, units},
-                                                 {9, grid.size[0]},
-                                                 {10, grid.size[1]},
-                                                 {11, grid.size[2]},
-                                                 {12, grid.nActive},
-                                                 {15, phases},
-                                                 {17, wells},
-                                                 {18, nCWMAX},
-                                                 {19, wells > 0},
-                                                 {25, nIWELZ},
-                                                 {26, nSWELZ},
-                                                 {27, nXWELZ},
-                                                 {28, nZWELZ},
-                                                 {33, nICONZ},
-                                                 {34, nSCONZ},
-                                                 {35, 1},
-                                                 {40, 2},
-                                                 {65, step.date[0]},
-                                                 {66, step.date[1]},
-                                                 {67, step.date[2]},
-                                                 {69, step.headNumber < 0 ? step.number : step.headNumber},
-                                                 {95, program}};
+    const auto number = step.headNumber < 0 ? step.number : step.headNumber;
+    const auto& [nx, ny, nz] = grid.size;
+    const auto& [day, month, year] = step.date;
+    std::map<std::size_t, std::int32_t> words = {
+        {3, units},   {9, nx},      {10, ny},     {11, nz},        {12, grid.nActive},
+        {15, phases}, {17, wells},  {18, nCWMAX}, {19, wells > 0}, {25, nIWELZ},
+        {26, nSWELZ}, {27, nXWELZ}, {28, nZWELZ}, {33, nICONZ},    {34, nSCONZ},
+        {35, 1},      {40, 2},      {65, day},    {66, month},     {67, year},
+        {69, number}, {95, program}};
     for (const auto& [word, value] : head) words[word] = value;
     std::vector<std::int32_t> header(headerWords);
     for (const auto& [word, value] : words) {
@@ -155,8 +135,8 @@ struct RestartBuilder {
     for (const Grid& grid : step.grids) {
       if (!grid.name.empty()) out.texts("LGR", std::array{grid.name});
       out.integers("INTEHEAD", intehead(step, grid));
-      if (logihead) writeLogicals(out);
-      if (doubhead) writeDoubles(out, step);
+      if (logicalWords > 0) writeLogicals(out);
+      if (doubleWords > 0) writeDoubles(out, step);
       if (!grid.wells.empty()) writeWells(out, grid);
       if (solutionMarks && grid.solution) out.message("STARTSOL");
       for (const Array& array : grid.arrays) write(out, array);

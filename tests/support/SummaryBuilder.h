@@ -117,10 +117,8 @@ struct SummaryBuilder {
       return path;
     }
     int step = firstStep;
-    for (const auto& bytes : steps(form)) {
-      const std::string number = std::to_string(10000 + ++step).substr(1);
-      writeFile(folder.file(root + (form.formatted() ? ".A" : ".S") + number), bytes);
-    }
+    for (const auto& bytes : steps(form))
+      writeFile(folder.stepFile(root, form.formatted() ? "A" : "S", ++step), bytes);
     return path;
   }
 

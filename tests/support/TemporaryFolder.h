@@ -37,6 +37,10 @@ class TemporaryFolder {
     std::filesystem::remove_all(path_, ignored);
   }
   std::string file(std::string_view name) const { return (path_ / name).string(); }
+  /// The file of a report step: ROOT.X0012.
+  std::string stepFile(const std::string& root, const char* letter, int step) const {
+    return file(root + '.' + letter + std::to_string(10000 + step).substr(1));
+  }
   void add(std::initializer_list<std::string> names) const {
     for (const std::string& name : names) writeFile(file(name), {});
   }

@@ -1,5 +1,9 @@
+#include <string>
+#include <utility>
+
 #include <gtest/gtest.h>
 
+#include "support/Pattern.h"
 #include "support/Text.h"
 
 namespace lumbarn {
@@ -28,6 +32,30 @@ TEST(Text, BytesThatAreNotUtf8AreLatin1) {
       {"\xF4\x90\x80\x80", "\xC3\xB4\xC2\x90\xC2\x80\xC2\x80"},  // beyond Unicode
   };
   for (const auto& [bytes, text] : cases) EXPECT_EQ(toUtf8(bytes), text);
+}
+
+TEST(Pattern, Rows) {
+  using Pair = std::pair<const char*, const char*>;  // pattern and text
+  const Pair matching[] = {{"", ""},          {"*", ""},         {"**", ""},        {"P*", "prod-1"},
+                           {"*AB", "AAAB"},   {"*AB*", "xaby"},  {"P?", "P1"},      {"W#", "W7"},
+                           {"[A-CX]1", "b1"}, {"[a-cx]1", "X1"}, {"[!A-C]1", "d1"}, {"[A-z]", "q"},
+                           {"[A-]", "-"},     {"[-A]", "-"},     {"[!]", "!"},      {"[*]", "*"},
+                           {"A[1", "A[1"},    {"[]", "[]"},      {"A]", "A]"},      {"A][1", "A][1"}};
+  const Pair other[] = {
+      {"", "A"},      {"?*", ""},    {"P*", "INJ"},     {"A*B*C", "AxxBxxBx"}, {"P?", "P"},
+      {"W#", "WX"},   {"W##", "W7"}, {"[A-CX]1", "D1"}, {"[!A-C]1", "b1"},     {"[!A-C]", ""},
+      {"[C-A]", "B"}, {"[A-]", "B"}, {"[*]", "A"},      {"[?#]", "A"},         {"*[0-9][0-9]", "WELL-1A2"}};
+  const Pair longer[] = {{"A*B*C", "AxxBxxBxC"}, {"*[0-9][0-9]", "WELL-12"}, {"[\xC0-\xFF]", "\xE9"}};
+  for (const auto& [pattern, text] : longer) EXPECT_TRUE(matchesPattern(text, pattern)) << pattern;
+  for (const auto& [pattern, text] : matching) EXPECT_TRUE(matchesPattern(text, pattern)) << pattern;
+  for (const auto& [pattern, text] : other) EXPECT_FALSE(matchesPattern(text, pattern)) << pattern;
+}
+
+TEST(Pattern, HostileTextsEndInTime) {
+  std::string pattern;
+  for (int i = 0; i < 40; ++i) pattern += "*A";
+  EXPECT_FALSE(matchesPattern(std::string(1000, 'A'), pattern + "B"));
+  EXPECT_FALSE(matchesPattern(std::string(1000, '['), "*" + std::string(500, '[') + "A"));
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -52,18 +54,18 @@ struct WellTestLoad {
     return qOK;
   }
   bool pltBranch(std::int32_t iTest, std::int32_t iBranch) {
-    bool qOK = false;
-    file.GetPLTBRANCHtest(iTest, table, headers, number, date, well, grid, qOK, iBranch);
-    return qOK;
+    return branchBy(&qvEclipseRFT::GetPLTBRANCHtest, iTest, iBranch);
   }
   bool branch(std::int32_t iTest, std::int32_t iBranch) {
-    bool qOK = false;
-    file.GetBRANCHtest(iTest, table, headers, number, date, well, grid, qOK, iBranch);
-    return qOK;
+    return branchBy(&qvEclipseRFT::GetBRANCHtest, iTest, iBranch);
   }
   bool icdBranch(std::int32_t iTest, std::int32_t iBranch) {
+    return branchBy(&qvEclipseRFT::GetICDBRANCHtest, iTest, iBranch);
+  }
+  template <class Fetch>
+  bool branchBy(Fetch fetch, std::int32_t iTest, std::int32_t iBranch) {
     bool qOK = false;
-    file.GetICDBRANCHtest(iTest, table, headers, number, date, well, grid, qOK, iBranch);
+    (file.*fetch)(iTest, table, headers, number, date, well, grid, qOK, iBranch);
     return qOK;
   }
 
@@ -80,19 +82,15 @@ struct WellTestLoad {
   /// A column by its name; empty when it is not there.
   std::vector<float> column(const std::string& name) const {
     const auto all = names();
-    for (std::size_t i = 0; i < all.size(); ++i) {
-      if (all[i] != name) continue;
-      const auto values = table.column(i + 1);
-      return {values.begin(), values.end()};
-    }
-    return {};
+    const auto at = std::ranges::find(all, name) - all.begin();
+    if (std::cmp_equal(at, all.size())) return {};
+    const auto values = table.column(static_cast<std::size_t>(at) + 1);
+    return {values.begin(), values.end()};
   }
   std::string unit(const std::string& name) const {
     const auto all = names();
-    for (std::size_t i = 0; i < all.size(); ++i) {
-      if (all[i] == name) return fields(attributeUnits)[i];
-    }
-    return "no such column";
+    const auto at = static_cast<std::size_t>(std::ranges::find(all, name) - all.begin());
+    return at < all.size() ? fields(attributeUnits)[at] : "no such column";
   }
   /// Empty when there was none, so that a test that misses it fails by name.
   Diagnosis lastDiagnosis() const {

@@ -1,10 +1,12 @@
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include <gtest/gtest.h>
 
 #include "vocabulary/Descriptions.h"
 #include "vocabulary/Mnemonics.h"
+#include "vocabulary/ScheduleItems.h"
 
 namespace lumbarn {
 namespace {
@@ -68,6 +70,38 @@ TEST(Streamlines, KnownColumnsAreDescribed) {
   EXPECT_EQ(getFrontSimLongDescription("BLOCK   "), "Grid block (I,J,K) ordering");
   EXPECT_EQ(getFrontSimLongDescription("WELL1"), "WELL1");
   EXPECT_EQ(getFrontSimVector("STREAM", " Tof "), "TOF");
+}
+
+TEST(ScheduleInfo, IsReadOffTheMnemonic) {
+  using Info = std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t>;
+  const auto infoOf = [](std::string& vector) {
+    std::int32_t iClass = 0, iCode = 0, iPhase = 0, iNumber = 0;
+    bool qOK = false;
+    scheduleVectorInfo(vector, iClass, iCode, iPhase, iNumber, qOK);
+    EXPECT_TRUE(qOK);
+    return Info(iClass, iCode, iPhase, iNumber);
+  };
+  const std::tuple<const char*, int, int, int> rows[] = {
+      {"WOPR", 9, 44, 1},    {"FGITH   ", 4, 40, 2}, {"WALQ", 9, 74, -1},  {"WMCTL", 9, 27, -1},
+      {"LWWCTH", 9, 36, -1}, {"LFVIT", 4, 49, 2},    {"WOPRX", 9, -1, -1}, {"W", 9, -1, -1},
+      {"WXMF_A", 9, 83, -1}, {"WXMF_", 9, 83, -1},   {"GOPR", 5, -1, -1},  {"AAQR", 1, -1, -1},
+      {"CGIR_1", 3, -1, -1}, {"ROPR", 8, -1, -1},    {"SPR", 10, -1, -1},  {"NPR", 7, -1, -1},
+      {"LBPR", 2, -1, -1},   {"LLWOPR", 6, -1, -1},  {"L", 7, -1, -1},     {"", 7, -1, -1}};
+  for (const auto& [name, iClass, iCode, iPhase] : rows) {
+    std::string vector = name;
+    EXPECT_EQ(infoOf(vector), Info(iClass, iCode, iPhase, -1)) << name;
+    EXPECT_EQ(vector, name);
+  }
+  const std::tuple<const char*, int, int, int, const char*> numbered[] = {
+      {"WXMF_4294967297", 9, 83, -1, "WXMF_4294967297"},
+      {"WXMF_2", 9, 83, 2, "XMF"},
+      {"LWZMF_12  ", 9, 85, 12, "ZMF"},
+      {"FTPR_3", 4, -1, 3, "TPR"}};
+  for (const auto& [name, iClass, iCode, iNumber, after] : numbered) {
+    std::string vector = name;
+    EXPECT_EQ(infoOf(vector), Info(iClass, iCode, -1, iNumber)) << name;
+    EXPECT_EQ(vector, after);
+  }
 }
 
 }  // namespace
