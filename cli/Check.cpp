@@ -32,7 +32,7 @@ class FindingReport {
       return;
     }
     table_->text(finding.path);
-    table_->text(finding.problem.empty() ? rowOf(finding.message).text : finding.problem);
+    table_->text(finding.what());
     table_->text(finding.keyword);
     finding.occurrence > 0 ? table_->number(finding.occurrence) : table_->empty();
     finding.offset ? table_->number(*finding.offset) : table_->empty();
@@ -125,6 +125,9 @@ class RunCheck {
     switch (file.kind) {
       case FileKind::SummarySpec:
         vectors = checkSpecification(file, session, report);
+        break;
+      case FileKind::Restart:
+        checkSteps(run, file, session, report);
         break;
       case FileKind::Save:
         checkSave(file, session, report);

@@ -9,6 +9,7 @@
 #include "RunIndex.h"
 #include "files/Recogniser.h"
 #include "grid/qvGRIDReader.h"
+#include "index/RestartIndex.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
 #include "reader/qvEclipseReader.h"
@@ -264,6 +265,19 @@ std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kin
   session.diagnosisSink = shown;
   if (!qOK) return std::nullopt;
   return kind == FileKind::Rft ? reader.NumberRFTTests() : reader.NumberUserTests();
+}
+
+void checkSteps(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {
+  const auto shown = std::exchange(session.diagnosisSink, nullptr);
+  const auto files = restartFiles(run, session);
+  std::vector<std::string> walked = {file.path};
+  // The last step of a set must have what the one before it has.
+  if (files.size() > 1 && files.back() == file.path) walked.insert(walked.begin(), files[files.size() - 2]);
+  session.diagnosisSink = [&](const Diagnosis& finding) {
+    if (finding.path == file.path) report(finding);
+  };
+  walkRestart(session, walked);
+  session.diagnosisSink = shown;
 }
 
 void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {

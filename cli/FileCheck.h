@@ -44,6 +44,8 @@ void checkGrid(const RunMember& file, Session& session, const FindingSink& repor
 /// if it can be read.
 std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
                                            const FindingSink& report);
+/// Reports the steps of a restart file that are not complete.
+void checkSteps(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report);
 /// Reports why an index file (RSSPEC, INSPEC) is not that of the run's restart or INIT file, if it has one.
 void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report);
 

@@ -1,7 +1,6 @@
 #include "Output.h"
 
 #include <cerrno>
-#include <random>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -17,19 +16,11 @@ namespace {
 
 fs::path toPath(const std::string& name) { return fs::path(std::u8string(name.begin(), name.end())); }
 
-/// A name beside the target that no file has.
-fs::path temporaryBeside(const fs::path& target) {
-  std::random_device random;
-  while (true) {
-    fs::path name = target.parent_path();
-    name /= "." + target.filename().string() + fmt::format(".{:08x}.tmp", random());
-    std::error_code unknown;
-    if (!fs::exists(fs::symlink_status(name, unknown))) return name;
-  }
-}
-
 [[noreturn]] void cannotWrite(const fs::path& file, const std::string& why) {
   throw Failure(Unreadable, fmt::format("{}: cannot be written: {}", file.string(), why));
+}
+[[noreturn]] void cannotWrite(const BadRecord& failure) {
+  throw Failure(Unreadable, failure.diagnosis().text());
 }
 
 }  // namespace
@@ -52,14 +43,14 @@ void checkTarget(const std::string& file, std::span<const std::string> inputs, b
 }
 
 bool FileBuffer::open(const std::string& path) {
-  file_ = OutputFile(path, error_);
-  return file_.isOpen();
+  own_ = OutputFile(path, error_);
+  file_ = &own_;
+  return own_.isOpen();
 }
 
 bool FileBuffer::close() {
   sync();
-  errno = 0;
-  if (!file_.close() && error_.empty()) error_ = std::generic_category().message(errno);
+  if (error_.empty() && !file_->close()) error_ = file_->error();
   return error_.empty();
 }
 
@@ -83,9 +74,7 @@ int FileBuffer::sync() {
 
 bool FileBuffer::put(std::string_view bytes) {
   if (!error_.empty()) return false;
-  errno = 0;
-  if (!bytes.empty() && !file_.write(std::as_bytes(std::span(bytes))))
-    error_ = std::generic_category().message(errno);
+  if (!bytes.empty() && !file_->write(std::as_bytes(std::span(bytes)))) error_ = file_->error();
   return error_.empty();
 }
 
@@ -99,21 +88,15 @@ Output::Output(const OutputOptions& options, std::ostream& standard, std::span<c
   checkTarget(options.file, inputs, options.replace);
   const fs::file_status status = fs::status(target_, unknown);
   if (fs::is_directory(status)) throw Failure(Usage, target_.string() + ": is a folder");
-  // A pipe or a device cannot be replaced by a file of that name.
-  const bool inPlace = fs::exists(status) && !fs::is_regular_file(status);
-  if (!inPlace) temporary_ = temporaryBeside(target_);
-  if (!buffer_.open((inPlace ? target_ : temporary_).string())) {
-    temporary_.clear();
+  if (!fs::exists(status) || fs::is_regular_file(status)) {
+    try {
+      buffer_.attach(pending_.emplace(target_.string()).out());
+    } catch (const BadRecord& failure) {
+      cannotWrite(failure);
+    }
+  } else if (!buffer_.open(target_.string())) {  // a pipe or a device is written in place
     cannotWrite(target_, buffer_.error());
   }
-  if (!inPlace && fs::exists(status)) fs::permissions(temporary_, status.permissions(), unknown);
-}
-
-Output::~Output() {
-  if (temporary_.empty()) return;
-  buffer_.close();
-  std::error_code unknown;
-  fs::remove(temporary_, unknown);
 }
 
 void Output::commit() {
@@ -124,12 +107,14 @@ void Output::commit() {
     const std::string why = errno != 0 ? ": " + std::generic_category().message(errno) : "";
     throw Failure(Unreadable, "standard output cannot be written" + why);
   }
-  if (!buffer_.close()) cannotWrite(target_, buffer_.error());
-  if (temporary_.empty()) return;
-  std::error_code failure;
-  fs::rename(temporary_, target_, failure);
-  if (failure) cannotWrite(target_, failure.message());
-  temporary_.clear();
+  const bool written = pending_ ? buffer_.pubsync() == 0 : buffer_.close();
+  if (!written) cannotWrite(target_, buffer_.error());
+  if (!pending_) return;
+  try {
+    pending_->commit();
+  } catch (const BadRecord& failure) {
+    cannotWrite(failure);
+  }
 }
 
 }  // namespace lumbarn::cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <ostream>
 #include <span>
 #include <streambuf>
@@ -8,7 +9,7 @@
 #include <string_view>
 
 #include "TableWriter.h"
-#include "support/System.h"
+#include "support/PendingFile.h"
 
 namespace lumbarn::cli {
 
@@ -27,6 +28,8 @@ void checkTarget(const std::string& file, std::span<const std::string> inputs, b
 class FileBuffer final : public std::streambuf {
  public:
   bool open(const std::string& path);
+  /// Writes to a file that is open.
+  void attach(OutputFile& file) { file_ = &file; }
   bool close();
   const std::string& error() const { return error_; }
 
@@ -38,19 +41,17 @@ class FileBuffer final : public std::streambuf {
  private:
   bool put(std::string_view bytes);
 
-  OutputFile file_;
+  OutputFile own_;
+  OutputFile* file_ = nullptr;
   std::string pending_;
   std::string error_;
 };
 
 /// Where a subcommand's data go: standard output, or a file that appears under its name once it is complete.
-/// Until then it has a temporary name in the same folder, and nothing of it stays behind unless `commit` is
-/// reached.
 class Output {
  public:
   /// Throws Failure when the file cannot be written, or is refused by `checkTarget`.
   Output(const OutputOptions& options, std::ostream& standard, std::span<const std::string> inputs);
-  ~Output();
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
@@ -60,8 +61,8 @@ class Output {
 
  private:
   std::ostream& standard_;
-  std::filesystem::path target_;     // empty: standard output
-  std::filesystem::path temporary_;  // empty: written in place, or committed
+  std::filesystem::path target_;        // empty: standard output
+  std::optional<PendingFile> pending_;  // empty: written in place
   FileBuffer buffer_;
   std::ostream file_{&buffer_};
 };

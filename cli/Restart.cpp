@@ -18,6 +18,7 @@ namespace {
 struct RestartOptions {
   std::string path;
   std::optional<std::int32_t> step;
+  std::optional<std::int32_t> nth;
   ArrayOptions arrays;
   OutputOptions output;
 };
@@ -135,6 +136,16 @@ std::vector<const IndexStep*> stepsOf(const RestartIndex& index, std::int32_t nu
   throw Failure(Usage, noStepText(index.files.front(), number, numbers));
 }
 
+/// Of steps with the same number the one requested, by default the one that was written last.
+const IndexStep& oneOf(std::span<const IndexStep* const> steps, std::optional<std::int32_t> nth) {
+  const auto count = static_cast<std::int32_t>(steps.size());
+  const std::int32_t which = nth.value_or(count);
+  if (which >= 1 && which <= count) return *steps[static_cast<std::size_t>(which - 1)];
+  throw Failure(Usage, fmt::format("--nth {}: there {} with number {}", which,
+                                   count == 1 ? "is one step" : fmt::format("are {} steps", count),
+                                   steps.front()->number));
+}
+
 ExitStatus showRestart(const RestartOptions& options, Console& console) {
   const RunFamily run = findRun(options.path);
   const auto number = options.step ? options.step : namedStep(run);
@@ -143,6 +154,7 @@ ExitStatus showRestart(const RestartOptions& options, Console& console) {
   if (!values && (options.arrays.all || options.arrays.ijk)) {
     throw Failure(Usage, fmt::format("{} goes with --array", options.arrays.all ? "--all" : "--ijk"));
   }
+  if (!values && options.nth) throw Failure(Usage, "--nth goes with --array");
   Output output(options.output, console.out(), pathsOf(run));
   ArrayReader reader(restartIndex(run, console), console.session());
   const RestartIndex& index = reader.index();
@@ -155,8 +167,8 @@ ExitStatus showRestart(const RestartOptions& options, Console& console) {
   }
   const Format format = options.output.format;
   if (values) {
-    // Of steps with the same number the one that was written last.
-    ArrayValues(reader, *steps.back(), run, options.arrays, console).write(format, output.stream());
+    ArrayValues(reader, oneOf(steps, options.nth), run, options.arrays, console)
+        .write(format, output.stream());
   } else if (format == Format::Table) {
     writeReadable(index, steps, grid, output.stream());
   } else {
@@ -173,6 +185,8 @@ void addRestart(CommandLine& line) {
   RestartOptions& options = command.performs(showRestart);
   command.path(options.path);
   command.value("--step", options.step, "N", "The report step to list or show");
+  command.value("--nth", options.nth, "K",
+                "Which of several steps with the number N to show, from 1; the last one when not given");
   command.repeated("--array", options.arrays.names, "NAMES", "Arrays to show, as PRESSURE,SWAT or S*");
   command.value("--grid", options.arrays.grid, "LGR",
                 "The local grid to list or show; ROOT is the global one");

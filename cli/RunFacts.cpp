@@ -12,9 +12,9 @@
 #include "RunIndex.h"
 #include "WellTestFile.h"
 #include "arrays/ActiveCells.h"
-#include "files/FileChoice.h"
 #include "files/Recogniser.h"
 #include "index/ActiveCount.h"
+#include "index/RestartIndex.h"
 #include "index/RestartIndexHeads.h"
 #include "index/SectionTracker.h"
 #include "record/RecordCursor.h"
@@ -55,11 +55,9 @@ std::vector<std::int32_t> firstWords(RecordCursor& cursor, std::int64_t count) {
   return words;
 }
 
-/// What the headers of a restart or INIT file state. Those of local grids state nothing about the run.
+/// What the headers of an INIT file state. Those of local grids state nothing about the run.
 class HeaderFacts {
  public:
-  explicit HeaderFacts(bool init) : init_(init) {}
-
   void visit(RecordCursor& cursor) {
     const SectionMark mark = section_.take(cursor);
     const RecordHeader& header = cursor.header();
@@ -72,11 +70,10 @@ class HeaderFacts {
       lengths_.add(header.count);
     }
   }
-  void addTo(Facts& facts, bool manyDates) const {
-    if (firstDate_) facts[manyDates ? "first_date" : "date"] = isoText(*firstDate_, true);
-    if (lastDate_ && manyDates) facts["last_date"] = isoText(*lastDate_, true);
+  void addTo(Facts& facts) const {
+    if (date_) facts["date"] = isoText(*date_, true);
     if (head_.size() >= 11) facts["grid"] = {head_[8], head_[9], head_[10]};
-    if (head_.size() >= 12) facts["active_cells"] = lengths_.decideActive(gridCells(head_, init_));
+    if (head_.size() >= 12) facts["active_cells"] = lengths_.decideActive(gridCells(head_, true));
     if (head_.size() >= 3) facts["units"] = unitSystemName(head_[2]);
     if (!localGridsInOrder_.empty()) facts["local_grids"] = localGridsInOrder_;
   }
@@ -84,50 +81,62 @@ class HeaderFacts {
  private:
   void takeHead(const std::vector<std::int32_t>& head) {
     if (head_.empty()) head_ = head;
-    if (head.size() < 67) return;
-    lastDate_ = makeMoment(head[66], head[65], head[64]);
-    if (!firstDate_) firstDate_ = lastDate_;
+    if (head.size() >= 67 && !date_) date_ = makeMoment(head[66], head[65], head[64]);
   }
 
-  bool init_;
   SectionTracker section_;
   ArrayLengths lengths_;  // of the global grid
   std::vector<std::int32_t> head_;
-  std::optional<Moment> firstDate_;
-  std::optional<Moment> lastDate_;
+  std::optional<Moment> date_;
   std::set<std::string> localGrids_;
   std::vector<std::string> localGridsInOrder_;
 };
 
+void addDates(Facts& facts, const RestartIndex& index) {
+  const auto dated = [](const IndexStep& step) { return step.date.has_value(); };
+  const auto first = std::ranges::find_if(index.steps, dated);
+  if (first == index.steps.end()) return;
+  const auto last = std::find_if(index.steps.rbegin(), index.steps.rend(), dated);
+  facts.update({{"first_date", isoText(*first->date, true)}, {"last_date", isoText(*last->date, true)}});
+}
+
+void addGrids(Facts& facts, const RestartIndex& index) {
+  const GridCells global = index.steps.front().cellsOf({});
+  if (global.known()) facts.update({{"grid", global.size}, {"active_cells", global.active}});
+  std::vector<std::string> localGrids;  // in the order of the file
+  for (const IndexStep& step : index.steps) {
+    for (const IndexGroup& group : step.groups) {
+      if (!isGlobalGrid(group.grid) && std::ranges::count(localGrids, group.grid) == 0)
+        localGrids.push_back(group.grid);
+    }
+  }
+  if (!localGrids.empty()) facts["local_grids"] = localGrids;
+}
+
 }  // namespace
 
 Facts restartFacts(const RunFamily& run, Console& console) {
-  HeaderFacts headers(false);
-  std::vector<std::int32_t> steps;
-  for (const std::string& file : restartFiles(run, console.session())) {
-    const bool oneStep = isStepFile(file);
-    if (oneStep) steps.push_back(GetNumericPartOfFileName(file));
-    walk(file, console, [&](RecordCursor& cursor) {
-      headers.visit(cursor);
-      if (oneStep || cursor.header().keyword != "SEQNUM") return;
-      for (const auto step : firstWords(cursor, 1)) steps.push_back(step);
-    });
+  const RestartIndex index = walkRestart(console.session(), restartFiles(run, console.session()));
+  console.checkCancelled();
+  Facts facts = {{"steps", index.steps.size()}};
+  if (!index.steps.empty()) {
+    facts.update({{"first_step", index.steps.front().number}, {"last_step", index.steps.back().number}});
+    addDates(facts, index);
+    addGrids(facts, index);
   }
-  Facts facts = {{"steps", steps.size()}};
-  if (!steps.empty()) facts.update({{"first_step", steps.front()}, {"last_step", steps.back()}});
-  headers.addTo(facts, true);
+  if (index.header.size() >= 3) facts["units"] = unitSystemName(index.header[2]);
   return facts;
 }
 
 Facts initFacts(const RunFamily& run, Console& console) {
-  HeaderFacts headers(true);
+  HeaderFacts headers;
   std::int64_t records = 0;
   walk(run.find(FileKind::Init)->path, console, [&](RecordCursor& cursor) {
     ++records;
     headers.visit(cursor);
   });
   Facts facts = {{"records", records}};
-  headers.addTo(facts, false);
+  headers.addTo(facts);
   addInitContent(facts, run.find(FileKind::Init)->path, console);
   return facts;
 }

@@ -121,11 +121,16 @@ class SummaryTable {
     reader_.iEnd = steps.last;
     const FileChoice choice = chooseFiles(console_.session(), reader_.FileName, FileKind::Summary);
     if (choice.unified) return;
-    // Of a set with one file for each step the reader takes all files when the start is open, and the first
-    // file alone when the end lies behind the last.
-    if (steps.first < 0) reader_.iStart = GetNumericPartOfFileName(choice.files.front());
-    reader_.iEnd =
-        std::max(reader_.iStart, std::min(steps.last, GetNumericPartOfFileName(choice.files.back())));
+    // Of a set with one file for each step the reader wants both ends as numbers of files that exist.
+    const auto inRange = [&](const std::string& file) {
+      const std::int32_t step = GetNumericPartOfFileName(file);
+      return step >= steps.first && step <= steps.last;
+    };
+    reader_.iStart = std::max(steps.first, 0);
+    if (std::ranges::none_of(choice.files, inRange)) return;
+    reader_.iStart = GetNumericPartOfFileName(*std::ranges::find_if(choice.files, inRange));
+    const auto last = std::find_if(choice.files.rbegin(), choice.files.rend(), inRange);
+    reader_.iEnd = GetNumericPartOfFileName(*last);
   }
 
   void fetch(bool& qOK) {

@@ -17,7 +17,7 @@ _lumbarn() {
       ;;
   esac
   case ${COMP_WORDS[1]} in
-    restart) options+=' --step --array --grid --ijk --all' ;;
+    restart) options+=' --step --nth --array --grid --ijk --all' ;;
     index) options='--into --replace -h --help' ;;
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;

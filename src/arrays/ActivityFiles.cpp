@@ -14,10 +14,11 @@
 namespace lumbarn {
 namespace {
 
-std::unique_ptr<RecordCursor> openFile(const std::string& path) {
+std::unique_ptr<RecordCursor> openFile(const Session& session, const std::string& path, RecordFile file) {
   std::string why;
   auto cursor = openRecords(path, why);
   if (!cursor) throw BadRecord({.message = Message::FileOpen, .path = path, .problem = why});
+  cursor->attach(session, file);
   return cursor;
 }
 
@@ -93,7 +94,7 @@ void collectPoreVolumes(RecordCursor& cursor, const Session& session, ActivityEv
 
 void collectInit(const Session& session, const std::string& initFile, std::string_view grid,
                  ActivityEvidence& evidence) {
-  const auto cursor = openFile(initFile);
+  const auto cursor = openFile(session, initFile, RecordFile::Init);
   SectionTracker section;
   while (cursor->next() && !session.cancelled()) {
     section.take(*cursor);
@@ -107,7 +108,7 @@ void collectInit(const Session& session, const std::string& initFile, std::strin
 
 void collectEGrid(const Session& session, const std::string& egridFile, std::string_view grid,
                   ActivityEvidence& evidence) {
-  const auto cursor = openFile(egridFile);
+  const auto cursor = openFile(session, egridFile, RecordFile::EGrid);
   EGridWalk walk(grid, evidence);
   while (cursor->next() && !session.cancelled()) {
     if (!walk.take(*cursor, session)) return;

@@ -104,6 +104,7 @@ void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>
       if (!source) throw BadRecord({.message = Message::FileOpen, .path = file, .problem = why});
       cursor_ = std::make_unique<RecordCursor>(std::move(source), form, file);
     }
+    cursor_->checkUnchanged();
     if (header.dataAt > cursor_->fileSize()) {
       throw BadRecord({.message = Message::ArrayBehindEnd,
                        .path = file,

@@ -113,7 +113,8 @@ void reportOlderStepFiles(Session& session, std::span<const std::string> files) 
       session.diagnose(Diagnosis{.message = Message::FileOlder,
                                  .path = files[i],
                                  .expected = "written after " + nameIn(files[i - 1]),
-                                 .action = "read it"});
+                                 .action = "read it",
+                                 .certainty = Certainty::Guess});
     }
     before = stamp;
   }

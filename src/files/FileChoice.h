@@ -39,8 +39,8 @@ bool isStepFile(const std::string& path);
 /// when there is none.
 std::string fileOfRun(const std::string& path, FileKind kind, std::span<const FileKind> leads = {});
 
-/// Reports each step file that is more than a minute older than the one before it. It may be left from an
-/// earlier run that had more steps; nothing in the file shows that.
+/// Reports each step file that is more than a minute older than the one before it: a rerun with fewer steps
+/// leaves the last files of the earlier run. Files that were unpacked may be out of order by milliseconds.
 void reportOlderStepFiles(Session& session, std::span<const std::string> files);
 
 }  // namespace lumbarn

@@ -261,6 +261,14 @@ GridCache::Source GridCache::source(FileStamp& stamp) const {
   return facts;
 }
 
+/// The cache or the grid file cannot be read, which is worth more than a remark.
+bool GridCache::refuse(Diagnosis failure) const {
+  if (failure.path.empty()) failure.path = path_;
+  failure.action = "used no grid cache";
+  session_->diagnose(std::move(failure));
+  return false;
+}
+
 bool GridCache::refuse(std::string_view problem, std::string_view found) const {
   session_->diagnose(Diagnosis{.message = Message::GridCacheUnused,
                                .path = path_,
@@ -282,6 +290,16 @@ std::unique_ptr<const ByteSource> GridCache::open(std::uint64_t& end) const {
     refuse("grid cache cannot be read", error);
     return nullptr;
   }
+  try {
+    return matching(std::move(file), end);
+  } catch (const BadRecord& failure) {
+    refuse(failure.diagnosis());
+    return nullptr;
+  }
+}
+
+std::unique_ptr<const ByteSource> GridCache::matching(std::unique_ptr<const ByteSource> file,
+                                                      std::uint64_t& end) const {
   Source found;
   std::uint64_t sum = 0;
   const auto foundBytes = std::as_writable_bytes(std::span(&found, 1));
@@ -320,6 +338,8 @@ bool GridCache::load(std::vector<std::shared_ptr<Hadrick>>& grids) const {
       found.back()->zFolder = reader_->HPGFolder;
       found.back()->byteSwap = reader_->byteSwap;
     }
+  } catch (const BadRecord& failure) {
+    return refuse(failure.diagnosis());
   } catch (const std::exception& fault) {
     return refuse("grid cache does not hold what it should", fault.what());
   }
@@ -340,7 +360,9 @@ bool GridCache::save(const std::vector<std::shared_ptr<Hadrick>>& grids) const {
     for (const auto& grid : grids) putGrid(out, *grid);
     if (!out.finish()) file.fail(out.written());
     if (now != made_) {
-      throw BadRecord({.path = reader_->FileName, .problem = "grid file has changed while it was read"});
+      throw BadRecord({.message = Message::GridCacheNotKept,
+                       .path = reader_->FileName,
+                       .problem = "grid file has changed while it was read"});
     }
     file.commit();
     return true;

@@ -34,6 +34,9 @@ class GridCache {
   struct Source;
   Source source(FileStamp& stamp) const;
   std::unique_ptr<const ByteSource> open(std::uint64_t& end) const;
+  std::unique_ptr<const ByteSource> matching(std::unique_ptr<const ByteSource> file,
+                                             std::uint64_t& end) const;
+  bool refuse(Diagnosis failure) const;
   bool refuse(std::string_view problem, std::string_view found = {}) const;
 
   std::string path_;

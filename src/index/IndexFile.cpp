@@ -4,12 +4,9 @@
 #include <array>
 #include <chrono>
 #include <cmath>
-#include <filesystem>
 #include <limits>
 #include <memory>
-#include <random>
 #include <span>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -19,73 +16,36 @@
 #include "../record/RecordCursor.h"
 #include "../record/RecordWriter.h"
 #include "../support/Guarded.h"
-#include "../support/System.h"
+#include "../support/PendingFile.h"
 #include "IndexFileGrid.h"
 
 namespace lumbarn {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::size_t itimeWords = 13;
 
-fs::path toPath(const std::string& name) { return fs::path(std::u8string(name.begin(), name.end())); }
-
-/// A file that has a temporary name in its folder until it is whole.
-class WholeFile {
+/// Collects small writes to a pending file.
+class BufferedFile {
  public:
-  explicit WholeFile(const std::string& target) : target_(target) {
-    const FileName parts(target);
-    std::random_device random;
-    std::error_code unknown;
-    do {
-      temporary_ = fmt::format("{}.{}.{:08x}.tmp", parts.folder, parts.base, random());
-    } while (fs::exists(fs::symlink_status(toPath(temporary_), unknown)));
-    std::string error;
-    file_ = OutputFile(temporary_, error);
-    if (file_.isOpen()) return;
-    temporary_.clear();
-    fail(error);
-  }
-  ~WholeFile() {
-    if (temporary_.empty()) return;
-    file_.close();
-    std::error_code ignored;
-    fs::remove(toPath(temporary_), ignored);
-  }
-  WholeFile(const WholeFile&) = delete;
-  WholeFile& operator=(const WholeFile&) = delete;
-
+  explicit BufferedFile(const std::string& target) : file_(target) {}
   void write(std::span<const std::byte> bytes) {
     buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
     if (buffer_.size() >= bufferBytes) flush();
   }
   void commit() {
     flush();
-    if (!file_.close()) fail("not all could be written");
-    std::error_code failure;
-    fs::rename(toPath(temporary_), toPath(target_), failure);
-    if (failure) fail(failure.message());
-    temporary_.clear();
+    file_.commit();
   }
 
  private:
   static constexpr std::size_t bufferBytes = std::size_t{1} << 18;
 
   void flush() {
-    if (!file_.write(buffer_)) fail("not all could be written");
+    if (!file_.out().write(buffer_)) file_.fail();
     buffer_.clear();
   }
-  [[noreturn]] void fail(const std::string& why) const {
-    throw BadRecord({.message = Message::FileWrite,
-                     .path = target_,
-                     .problem = "cannot be written: " + why,
-                     .action = "wrote nothing"});
-  }
 
-  std::string target_;
-  std::string temporary_;
-  OutputFile file_;
+  PendingFile file_;
   std::vector<std::byte> buffer_;
 };
 
@@ -257,7 +217,7 @@ bool writeIndex(const RestartIndex& index, const std::string& zFile, Session& se
                      .problem = "not all of it could be listed",
                      .action = "wrote no index"});
   }
-  WholeFile file(zFile);
+  BufferedFile file(zFile);
   RecordWriter out([&](std::span<const std::byte> bytes) { file.write(bytes); }, index.form);
   Ranges ranges(index, session);
   out.integers("INTEHEAD", index.header);

@@ -188,7 +188,8 @@ class FileAgreement {
       cursor_->seek(end);
       try {
         if (cursor_->next()) return cursor_->seek(end);
-      } catch (const BadRecord&) {
+      } catch (const BadRecord& damage) {
+        if (damage.diagnosis().message == Message::FileRead) throw;
         // Blocks of an unusual length, or no such record: its header tells.
       }
     }

@@ -207,6 +207,7 @@ class FileWalk {
 /// Damage of one file of a set says nothing of the others.
 void walkFiles(Session& session, RestartIndex& index) {
   Builder builder(index, session);
+  if (!index.init && !index.unified) reportOlderStepFiles(session, index.files);
   for (std::size_t file = 0; file < index.files.size(); ++file) {
     try {
       builder.beginFile(file);

@@ -42,6 +42,7 @@ struct qvEclipseINIT::Scan {
   RecordCursor& cursor;
   bool untilLocalGrid = false;  ///< end at the first LGR
   SectionTracker sections;
+  bool afterGap = false;  ///< damage may hide where another grid begins
 };
 
 std::int32_t whichNNCType(std::string_view zName) {
@@ -98,16 +99,43 @@ void qvEclipseINIT::endAtDamage(Diagnosis diagnosis, std::string action) {
   qDamaged = unreadable_ = true;
 }
 
+void qvEclipseINIT::checkUnchanged(const RecordCursor& cursor) {
+  try {
+    cursor.checkUnchanged();
+  } catch (BadRecord& change) {
+    endAtDamage(std::move(change.diagnosis()), "kept the arrays that were read");
+  }
+}
+
 /// Takes record after record until the file, or what is wanted of it, ends. False when it was cancelled.
 bool qvEclipseINIT::walk(Scan& scan) {
-  try {
-    while (scan.cursor.next() && takeRecord(scan)) {
-      if (session_->yield()) return false;
+  for (bool more = true; more;) {
+    try {
+      while ((more = scan.cursor.next() && takeRecord(scan))) {
+        if (session_->yield()) return false;
+      }
+    } catch (BadRecord& damage) {
+      more = continueBehind(scan, std::move(damage.diagnosis()));
     }
-  } catch (BadRecord& damage) {
-    endAtDamage(std::move(damage.diagnosis()), "kept the arrays before");
   }
   return !session_->cancelled();
+}
+
+/// False when no record follows the damage.
+bool qvEclipseINIT::continueBehind(Scan& scan, Diagnosis diagnosis) {
+  const auto gap = passDamage(scan.cursor, diagnosis);
+  scan.afterGap = true;
+  std::string action = gap ? diagnosis.action : "kept the arrays before";
+  endAtDamage(std::move(diagnosis), std::move(action));
+  return gap.has_value();
+}
+
+/// Whether a record behind damage is of the current grid whatever the damage hides: only the global grid has
+/// tables, and arrays have the length of their grid.
+bool qvEclipseINIT::isOfGridAfterGap(const RecordHeader& header) const {
+  if (header.keyword == "TABDIMS" || header.keyword == "TAB") return true;
+  const auto& grid = tGrids_[static_cast<std::size_t>(iGrid) - 1];
+  return header.count > 0 && (header.count == grid.nCells || header.count == grid.nActive);
 }
 
 /// False when the walk is to end.
@@ -118,14 +146,17 @@ bool qvEclipseINIT::takeRecord(Scan& scan) {
       return ++nSEQNUM < 2;  // the second is another step's
     case SectionMark::LocalGrid:
       if (scan.untilLocalGrid) return false;
+      scan.afterGap = false;
       AddLGRGrid(scan.sections.grid());
       return true;
     case SectionMark::GlobalGrid:
+      scan.afterGap = false;
       iGrid = 1;
       return true;
     default:
       break;
   }
+  if (scan.afterGap && !isOfGridAfterGap(header)) return true;
   switch (header.type) {
     case ElementType::Integer:
       takeInteger(scan);
@@ -365,6 +396,7 @@ bool qvEclipseINIT::load() {
     if (LoadData && !loadValues(*cursor, grid)) return false;
     if (!grid.arrays.empty()) grid.nVectorsMax = grid.nVectors();
   }
+  checkUnchanged(*cursor);
   iGrid = 1;
   return true;
 }

@@ -161,6 +161,9 @@ class qvEclipseINIT : public FormFlags {
   void diagnoseTwice(const RecordHeader& header) const;
   void SetDates();
   void setTableProperties();
+  bool continueBehind(Scan& scan, Diagnosis diagnosis);
+  bool isOfGridAfterGap(const RecordHeader& header) const;
+  void checkUnchanged(const RecordCursor& cursor);
   void endAtDamage(Diagnosis diagnosis, std::string action);
   bool loadValues(RecordCursor& cursor, GRIDINFO& grid);
   bool loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid);

@@ -112,19 +112,20 @@ std::optional<Diagnosis> unexpected(RecordFile file, const RecordHeader& header)
   if (rows.empty() || header.keyword.size() > 8) return std::nullopt;
   const auto row = std::ranges::find(rows, keywordKey(header.keyword), &Row::key);
   if (row == rows.end()) return std::nullopt;
-  Diagnosis report{.keyword = header.keyword, .offset = header.headerAt};
-  if ((row->types & setOf(header.type)) == 0) {
-    report.message = Message::RecordType;
-    report.expected = typeNames(row->types);
-    report.found = header.typeWord;
-  } else if (header.count < row->least) {
-    report.message = Message::RecordLength;
-    report.expected = fmt::format("at least {} elements", row->least);
-    report.found = fmt::format("{}", header.count);
-  } else {
-    return std::nullopt;
+  const auto report = [&header](Message message, std::string expected, std::string found) {
+    return Diagnosis{.message = message,
+                     .keyword = header.keyword,
+                     .offset = header.headerAt,
+                     .expected = std::move(expected),
+                     .found = std::move(found)};
+  };
+  if ((row->types & setOf(header.type)) == 0)
+    return report(Message::RecordType, typeNames(row->types), header.typeWord);
+  if (header.count < row->least) {
+    return report(Message::RecordLength, fmt::format("at least {} elements", row->least),
+                  std::to_string(header.count));
   }
-  return report;
+  return std::nullopt;
 }
 
 }  // namespace lumbarn

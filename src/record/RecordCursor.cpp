@@ -203,7 +203,7 @@ std::unique_ptr<RecordCursor> openRecords(const std::string& path, std::string& 
     }
     why = source->size() == 0 ? "file is empty" : "is no record file";
   } catch (const BadRecord& failure) {
-    why = failure.diagnosis().problem;
+    why = failure.what();
   }
   return nullptr;
 }

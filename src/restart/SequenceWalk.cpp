@@ -304,7 +304,8 @@ std::vector<RecordHeader> qvEclipseSEQUENCE::lookAhead(RecordCursor& cFile, bool
       qUsual = isUsual(header);
       if (hasData(header) && mayBeCellArray(header.type, header.keyword)) candidates.push_back(header);
     }
-  } catch (const BadRecord&) {
+  } catch (const BadRecord& damage) {
+    if (damage.diagnosis().message == Message::FileRead) throw;
     qUsual = false;  // the walk itself will meet it, and tell, if it lies in this step
   }
   cFile.goBack(start);

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "../files/Extensions.h"
+#include "../files/FileChoice.h"
 #include "../files/FileSets.h"
 #include "../record/ByteSource.h"
 #include "../support/Diagnosis.h"
@@ -90,6 +91,7 @@ bool qvEclipseSOLUTION::applyStepList() {
 }
 
 bool qvEclipseSOLUTION::readEntries(Load& load) {
+  if (!Unified) reportOlderStepFiles(*session_, zMultList);
   if (session_->Container && nMultList > 1) session_->Container->files(nMultList);
   for (std::size_t entry = 0; entry < zMultList.size() && !load.stop; ++entry) {
     if (!readFile(load, entry)) return false;

@@ -114,11 +114,13 @@ bool qvEclipseSAVE::readFile(const std::string& zFile, const Limits& limits, boo
   cFILETYPE settings(*session_);
   setSAVEFileTypeProps(settings);
   RecordCursor cursor(std::move(source), settings.form(), zFile);
+  cursor.attach(*session_, RecordFile::Save);
   const std::int32_t iFile = Unified ? -1 : GetNumericPartOfFileName(zFile);
   for (bool qFileDone = false; !qFileDone;) {
     if (!readStep(cursor, iFile, limits, qFileDone)) return false;
     tellProgress(cursor);
   }
+  cursor.checkUnchanged();
   qStop = NumSequences > 0 && xSEQ.back().qPastEnd;
   return true;
 }

@@ -1,14 +1,14 @@
 #include "RowIndex.h"
 
-#include <chrono>
-#include <filesystem>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "../files/Extensions.h"
+#include "../files/FileChoice.h"
 #include "../files/FileSets.h"
 #include "../support/Diagnosis.h"
 #include "RowSteps.h"
@@ -16,8 +16,6 @@
 namespace lumbarn {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::int32_t rowsBetweenYields = 1000;
 
@@ -92,12 +90,14 @@ class RowWalk {
       if (const auto cursor =
               openSummaryData(request_.zFiles[i], request_.form, session_, index_.stamps.emplace_back())) {
         index_.opened = true;
-        if (!request_.unified) checkAge(i);
         walkFile(*cursor, static_cast<std::int32_t>(i));
       } else {
         index_.damaged = true;
       }
       if (session_.Container && request_.zFiles.size() > 1) session_.Container->fileDone();
+    }
+    if (!request_.unified) {
+      reportOlderStepFiles(session_, std::span(request_.zFiles).first(index_.stamps.size()));
     }
     numberRows();
     return std::move(index_);
@@ -209,21 +209,6 @@ class RowWalk {
                        .certainty = stop_ ? Certainty::Likely : Certainty::Guess});
   }
 
-  /// A rerun that writes fewer steps leaves the last files of the earlier run. Files of one run can be out of
-  /// order by milliseconds when they were unpacked.
-  void checkAge(std::size_t iFile) {
-    std::error_code none;
-    const auto time = fs::last_write_time(request_.zFiles[iFile], none);
-    if (none) return;
-    if (writtenBefore_ && time < *writtenBefore_ - std::chrono::minutes(1)) {
-      session_.diagnose({.message = Message::SummaryFileOlder,
-                         .path = request_.zFiles[iFile],
-                         .action = "kept its rows",
-                         .certainty = Certainty::Guess});
-    }
-    writtenBefore_ = time;
-  }
-
   void reportNoRows(const RecordCursor& cursor) {
     session_.diagnose({.message = Message::SummaryFileNoRows,
                        .path = cursor.path(),
@@ -238,9 +223,6 @@ class RowWalk {
     const bool wildCount = header.keyword == "PARAMS" && header.count != request_.nValues;
     const bool cutOff = lastFile && diagnosis.cutOff && !wildCount;
     (cutOff ? index_.cutOff : index_.damaged) = true;
-    if (diagnosis.message == Message::None) {
-      diagnosis.message = diagnosis.cutOff ? Message::RecordTruncated : Message::RecordDamaged;
-    }
     diagnosis.path = cursor.path();
     diagnosis.action = keptRows();
     if (!lastFile) diagnosis.action += ", continued with the next file";
@@ -254,7 +236,6 @@ class RowWalk {
   RowIndex index_;
   RowSteps steps_;
   std::int32_t iStep_ = 0;
-  std::optional<fs::file_time_type> writtenBefore_;
   bool decreaseReported_ = false;
   bool qInRange_ = true;
   bool stop_ = false;

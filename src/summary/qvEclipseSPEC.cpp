@@ -48,7 +48,8 @@ bool qvEclipseSPEC::CheckSPECFile(std::string_view zFile) {
     if (detected->keyword == "INTEHEAD") {
       try {
         if (!secondRecordFits(source, detected->form, path)) return false;
-      } catch (const BadRecord&) {
+      } catch (const BadRecord& damage) {
+        if (damage.diagnosis().message == Message::FileRead) throw;
         return false;  // a question was asked, and the answer is no: nothing to tell
       }
     }

@@ -15,8 +15,7 @@ std::string Diagnosis::text() const {
   if (!expected.empty()) add("expected " + expected, ": ");
   if (!found.empty()) add("found " + found, expected.empty() ? ": " : ", ");
 
-  const std::string what = problem.empty() ? std::string(rowOf(message).text) : problem;
-  std::string line = path.empty() ? what : path + ": " + what;
+  std::string line = path.empty() ? std::string(what()) : fmt::format("{}: {}", path, what());
   if (!place.empty()) line += " (" + place + ")";
   if (!action.empty()) line += "; " + action;
   return line;

@@ -23,7 +23,6 @@ struct MessageRow {
 // name, identifier, severity, text.
 // clang-format off
 #define LUMBARN_MESSAGES(ROW)                                                                                \
-  ROW(None, "", Damage, "")                                                                                  \
   /* record */                                                                                               \
   ROW(RecordTruncated, "record.truncated", Incomplete, "record truncated")                                   \
   ROW(RecordDamaged, "record.damaged", Damage, "record damaged")                                             \
@@ -68,8 +67,6 @@ struct MessageRow {
   ROW(SummaryRowTwice, "summary.params.twice", Damage, "second row for one MINISTEP")                        \
   ROW(SummaryRowMissing, "summary.ministep.params", Incomplete, "MINISTEP without PARAMS")                   \
   ROW(SummaryFileNoRows, "summary.file.rows", Incomplete, "step file has no rows")                           \
-  ROW(SummaryFileOlder, "summary.file.older", Incomplete,                                                    \
-      "older than the file before it; may be left from an earlier run")                                      \
   ROW(ChainRunMissing, "summary.chain.missing", Incomplete,                                                  \
       "the run that this one restarted from is not found")                                                   \
   ROW(ChainLoop, "summary.chain.loop", Incomplete, "the restart chain leads back to a later run")            \
@@ -162,6 +159,16 @@ inline constexpr MessageRow messageRows[] = {
 #define LUMBARN_MESSAGE_ROW(name, id, severity, text) {id, Severity::severity, text},
     LUMBARN_MESSAGES(LUMBARN_MESSAGE_ROW)
 #undef LUMBARN_MESSAGE_ROW
+};
+
+/// The row that a diagnosis names. It has no default, so that no diagnosis is without one.
+class NamedMessage {
+ public:
+  constexpr NamedMessage(Message row) : row_(row) {}
+  constexpr operator Message() const { return row_; }
+
+ private:
+  Message row_;
 };
 
 constexpr const MessageRow& rowOf(Message message) { return messageRows[static_cast<std::size_t>(message)]; }

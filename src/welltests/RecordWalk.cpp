@@ -11,13 +11,16 @@ bool RecordWalk::skipToTest(Session& session) {
       for (; more(); ahead_ = false) {
         if (header().is("TIME", ElementType::Single)) return true;
       }
+      cursor_.checkUnchanged();
       return false;
     } catch (BadRecord& damage) {
       setDamaged();
       damage.diagnosis().action = "kept the tests before it";
-      const bool unreadable = damage.diagnosis().message == Message::FileRead;
+      // Not in the file's content: searching on would only meet it again.
+      const bool system = damage.diagnosis().message == Message::FileRead ||
+                          damage.diagnosis().message == Message::FileChanged;
       session.diagnose(std::move(damage.diagnosis()));
-      if (unreadable) return false;  // the system's failure; searching on would only meet it again
+      if (system) return false;
     }
   }
 }

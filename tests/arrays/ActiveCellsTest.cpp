@@ -120,6 +120,14 @@ TEST_P(ActiveCellsOfFiles, InitAndEGrid) {
   session_.clearDiagnoses();
   EXPECT_EQ(find(cells, "absent", ""), "unknown");
   EXPECT_EQ(session_.diagnoses().size(), 1U);
+  session_.clearDiagnoses();
+  if (form_.formatted()) return;
+  auto bytes = grid.egrid(form_);
+  const auto actnum = std::ranges::search(bytes, bytesOf("ACTNUM")).begin();
+  std::ranges::copy(bytesOf("REAL"), actnum + 12);
+  writeFile(folder_.file("REAL.EGRID"), bytes);
+  EXPECT_EQ(find(cells, "", "REAL.EGRID"), "unknown") << "not all cells, as without ACTNUM";
+  EXPECT_EQ(session_.diagnoses().back().id(), "record.type");
 }
 
 }  // namespace

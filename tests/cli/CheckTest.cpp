@@ -73,6 +73,18 @@ TEST_F(Check, DamageInOneFileDoesNotHideTheOthers) {
   EXPECT_EQ(run("check ~RUN").status, 3) << "other files of the run can be read";
 }
 
+TEST_F(Check, StepsThatAreNotCompleteAreNoSteps) {
+  const auto end = content(sample("ARBOR/ARBOR.UNRST")).rfind("ENDSOL");
+  copy("ARBOR/ARBOR.UNRST", "RUN.UNRST", end - 4);  // the mark in front of the header
+  const Outcome check = run("check ~RUN");
+  EXPECT_EQ(check.status, 3);
+  EXPECT_THAT(check.out, HasSubstr("ENDSOL"));
+  const auto steps = [this](const char* path) {
+    return json(std::string("info ") + path)["restart"]["steps"].get<int>();
+  };
+  EXPECT_EQ(steps("~RUN"), steps("@ARBOR") - 1);
+}
+
 TEST_F(Check, FilesThatDoNotBelongTogether) {
   writeRun("LATER", "GONE");
   copy("ARBOR/ARBOR.SMSPEC", "ALONE.SMSPEC");

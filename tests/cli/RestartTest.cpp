@@ -35,6 +35,23 @@ TEST_F(RestartCommand, ShowsActiveCellsOrAllWithTheirNumbers) {
   EXPECT_EQ(parseCsv(local.out)[1][0], "2500");
 }
 
+TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
+  test::RestartBuilder twice;
+  twice.steps = {{.number = 4}, {.number = 4, .days = 9}};
+  twice.steps[0].grids[0].arrays = {{"SWAT", {1, 2, 3, 4}}};
+  twice.steps[1].grids[0].arrays = {{"SWAT", {5, 6, 7, 8}}};
+  write("TWICE.UNRST", twice.bytes(test::bigEndian));
+  const auto shown = [this](const std::string& nth) {
+    const Outcome outcome = run("restart ~TWICE --step 4 --array SWAT " + nth);
+    EXPECT_THAT(outcome.err, HasSubstr(outcome.status == 0 ? "2 steps 4" : "there are 2 steps"));
+    return outcome.out;
+  };
+  EXPECT_THAT(shown(""), HasSubstr("5"));
+  EXPECT_THAT(shown("--nth 1"), HasSubstr("1"));
+  EXPECT_EQ(shown("--nth 2"), shown(""));
+  EXPECT_EQ(shown("--nth 3"), "");
+}
+
 TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
   const std::string walked = run("restart ~R").out;
   const Outcome written = run("index ~R --into ~");

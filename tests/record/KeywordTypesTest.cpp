@@ -15,17 +15,17 @@ TEST(KeywordTypes, SayWhatIsUnexpected) {
     const char* keyword;
     const char* type;
     std::int64_t count;
-    Message message;  // None: nothing is wrong
+    std::optional<Message> message;  // empty: nothing is wrong
   };
   constexpr Case cases[] = {
       {RecordFile::EGrid, "ACTNUM", "REAL", 960, Message::RecordType},
       {RecordFile::Restart, "SEQNUM", "REAL", 1, Message::RecordType},
       {RecordFile::Restart, "SEQNUM", "INTE", 0, Message::RecordLength},
-      {RecordFile::Restart, "SGRP", "REAL", 112, Message::None},
-      {RecordFile::Restart, "SGRP", "DOUB", 112, Message::None},
+      {RecordFile::Restart, "SGRP", "REAL", 112, {}},
+      {RecordFile::Restart, "SGRP", "DOUB", 112, {}},
       {RecordFile::Specification, "NAMES", "INTE", 12, Message::RecordType},
-      {RecordFile::Restart, "PRESSURE", "DOUB", 12, Message::None},  // no row, no opinion
-      {RecordFile::Any, "ACTNUM", "REAL", 960, Message::None},
+      {RecordFile::Restart, "PRESSURE", "DOUB", 12, {}},  // no row, no opinion
+      {RecordFile::Any, "ACTNUM", "REAL", 960, {}},
   };
   for (const Case& test : cases) {
     const RecordHeader header{.keyword = test.keyword,
@@ -34,7 +34,8 @@ TEST(KeywordTypes, SayWhatIsUnexpected) {
                               .count = test.count,
                               .headerAt = 24};
     const auto report = unexpected(test.file, header);
-    EXPECT_EQ(report ? report->message : Message::None, test.message) << test.keyword << ' ' << test.type;
+    EXPECT_EQ(report ? std::optional<Message>(report->message) : std::nullopt, test.message)
+        << test.keyword << ' ' << test.type;
     EXPECT_EQ(report ? report->offset : 24U, 24U);
   }
 }

@@ -255,22 +255,5 @@ TEST(StepRules, AFailedCheckLeavesNoDataOfTheFileBefore) {
   EXPECT_FALSE(load.fetch(1));
 }
 
-TEST(StepRules, AFileThatChangesWhileItIsReadIsDamage) {
-  const TemporaryFolder folder;
-  StepRecords records(bigEndian);
-  records.step(1).step(2);
-  const auto path = folder.file("RUN.UNRST");
-  writeFile(path, records.bytes);
-  RestartLoad load(path);
-  int turns = 0;
-  load.session.hostYield = [&] {
-    if (++turns != 3) return;  // the first turns come before the file is opened
-    const auto then = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
-    std::filesystem::last_write_time(path, then);
-  };
-  EXPECT_FALSE(load.run());
-  EXPECT_EQ(load.lastDiagnosis().id(), "file.changed");
-}
-
 }  // namespace
 }  // namespace lumbarn

@@ -13,6 +13,7 @@ enum class ReadFault {
   Fails,    ///< the read returns nothing, with a reason, as a bad sector does
   Short,    ///< the read returns half of its bytes and no reason
   Changes,  ///< this read and all after it see other bytes, as when the file is rewritten in place
+  Touched,  ///< from this read on the file has another modification time
 };
 
 /// The read at which one or several sources go wrong. It counts the reads of all of them.
@@ -32,7 +33,8 @@ class FaultySource final : public ByteSource {
   std::string path() const override { return inner_->path(); }
   std::optional<FileStamp> stamp() const override { return inner_->stamp(); }
   std::optional<Diagnosis> changed() const override {
-    if (script_->fault != ReadFault::Changes || !script_->met()) return inner_->changed();
+    const bool changes = script_->fault == ReadFault::Changes || script_->fault == ReadFault::Touched;
+    if (!changes || !script_->met()) return inner_->changed();
     return Diagnosis{.message = Message::FileChanged, .path = path(), .found = "another modification time"};
   }
 

@@ -39,7 +39,8 @@ struct SummaryLoad {
   }
   /// Empty when there was none, so that a test that misses it fails by name.
   Diagnosis lastDiagnosis() const {
-    return session.diagnoses().empty() ? Diagnosis{} : session.diagnoses().back();
+    return session.diagnoses().empty() ? Diagnosis{.message = Message::NotLoaded}
+                                       : session.diagnoses().back();
   }
 
   Session session;

@@ -76,5 +76,52 @@ TEST_P(Damage, OfAnyReadIsReported) {
   }
 }
 
+bool reports(const Session& session, Message message) {
+  return std::ranges::any_of(session.diagnoses(), [&](const auto& one) { return one.message == message; });
+}
+
+TEST(FilesOfARun, AreNotRewrittenDuringALoadWithoutAReport) {
+  const ModelRun run{everyWriter[2], bigEndian};
+  for (const auto& file : filesOf(run)) {
+    for (int at = 1, reads = 1; at <= reads; ++at) {
+      const FaultyFiles touched(ReadFault::Touched, at);
+      Host host;
+      host.reader.AcceptDamaged = true;
+      host.load(file.path, file.code);
+      reads = touched.reads();
+      EXPECT_TRUE(at > reads || reports(host.session, Message::FileChanged)) << file.type << ", read " << at;
+    }
+  }
+}
+
+/// A record whose type is not that of its keyword is neither skipped nor taken for another.
+TEST(FilesOfARun, HaveRecordsOfTheirTypesOrAReport) {
+  const ModelRun run{everyWriter[2], bigEndian};
+  const struct {
+    std::string path;
+    std::int32_t code;
+    std::string keyword, type, other;
+  } rows[] = {{run.gridPath, 23, "ACTNUM  ", "INTE", "REAL"},
+              {run.restartPath, 11, "SEQNUM  ", "INTE", "REAL"},
+              {run.initPath, 15, "LOGIHEAD", "LOGI", "INTE"},
+              {run.testsPath, 18, "DATE    ", "INTE", "REAL"}};
+  for (const auto& row : rows) {
+    std::string bytes = cli::testing::content(row.path);
+    const auto at = bytes.rfind(row.keyword);
+    ASSERT_NE(at, bytes.npos) << row.keyword;
+    ASSERT_EQ(bytes.substr(at + 12, 4), row.type);
+    Host clean;
+    clean.load(row.path, row.code);
+    cli::testing::store(row.path, bytes.replace(at + 12, 4, row.other));
+    Host host;
+    EXPECT_FALSE(host.load(row.path, row.code)) << row.keyword;
+    EXPECT_TRUE(reports(host.session, Message::RecordType)) << row.keyword;
+    for (std::int32_t step = 1; std::cmp_less_equal(step, host.reader.RestartSteps().size()); ++step) {
+      EXPECT_EQ(host.reader.RestartGrid(step, 1)->arrays.nVectors(),
+                clean.reader.RestartGrid(step, 1)->arrays.nVectors());
+    }
+  }
+}
+
 }  // namespace
 }  // namespace lumbarn
