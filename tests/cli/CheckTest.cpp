@@ -74,18 +74,15 @@ TEST_F(Check, DamageInOneFileDoesNotHideTheOthers) {
 }
 
 TEST_F(Check, StepsThatAreNotCompleteAreNoSteps) {
-  std::string restart = content(sample("ARBOR/ARBOR.UNRST"));
-  const auto end = restart.rfind("ENDSOL");
-  restart.resize(end - 4);  // the mark in front of the header
-  store(file("RUN.UNRST"), restart);
-  const Outcome check = command({"check", file("RUN")});
+  const auto end = content(sample("ARBOR/ARBOR.UNRST")).rfind("ENDSOL");
+  copy("ARBOR/ARBOR.UNRST", "RUN.UNRST", end - 4);  // the mark in front of the header
+  const Outcome check = run("check ~RUN");
   EXPECT_EQ(check.status, 3);
   EXPECT_THAT(check.out, HasSubstr("ENDSOL"));
-  const auto steps = [](const std::string& path) {
-    const Outcome info = command({"info", path, "--format", "json"});
-    return nlohmann::json::parse(info.out)["restart"]["steps"].get<int>();
+  const auto steps = [this](const char* path) {
+    return json(std::string("info ") + path)["restart"]["steps"].get<int>();
   };
-  EXPECT_EQ(steps(file("RUN")), steps(sample("ARBOR")) - 1);
+  EXPECT_EQ(steps("~RUN"), steps("@ARBOR") - 1);
 }
 
 TEST_F(Check, FilesThatDoNotBelongTogether) {

@@ -36,22 +36,20 @@ TEST_F(RestartCommand, ShowsActiveCellsOrAllWithTheirNumbers) {
 }
 
 TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
-  test::RestartBuilder run;
-  run.steps = {{.number = 4}, {.number = 4, .days = 9}};
-  run.steps[0].grids[0].arrays = {{"SWAT", {1, 2, 3, 4}}};
-  run.steps[1].grids[0].arrays = {{"SWAT", {5, 6, 7, 8}}};
-  test::writeFile(file("TWICE.UNRST"), run.bytes(test::bigEndian));
-  const auto shown = [&](const std::vector<std::string>& nth) {
-    std::vector<std::string> args = {"restart", file("TWICE"), "--step", "4", "--array", "SWAT"};
-    args.insert(args.end(), nth.begin(), nth.end());
-    const Outcome outcome = command(args);
+  test::RestartBuilder twice;
+  twice.steps = {{.number = 4}, {.number = 4, .days = 9}};
+  twice.steps[0].grids[0].arrays = {{"SWAT", {1, 2, 3, 4}}};
+  twice.steps[1].grids[0].arrays = {{"SWAT", {5, 6, 7, 8}}};
+  write("TWICE.UNRST", twice.bytes(test::bigEndian));
+  const auto shown = [this](const std::string& nth) {
+    const Outcome outcome = run("restart ~TWICE --step 4 --array SWAT " + nth);
     EXPECT_THAT(outcome.err, HasSubstr(outcome.status == 0 ? "2 steps 4" : "there are 2 steps"));
     return outcome.out;
   };
-  EXPECT_THAT(shown({}), HasSubstr("5"));
-  EXPECT_THAT(shown({"--nth", "1"}), HasSubstr("1"));
-  EXPECT_EQ(shown({"--nth", "2"}), shown({}));
-  EXPECT_EQ(shown({"--nth", "3"}), "");
+  EXPECT_THAT(shown(""), HasSubstr("5"));
+  EXPECT_THAT(shown("--nth 1"), HasSubstr("1"));
+  EXPECT_EQ(shown("--nth 2"), shown(""));
+  EXPECT_EQ(shown("--nth 3"), "");
 }
 
 TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
