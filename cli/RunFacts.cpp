@@ -1,6 +1,7 @@
 #include "RunFacts.h"
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <set>
@@ -97,7 +98,8 @@ void addDates(Facts& facts, const RestartIndex& index) {
   const auto first = std::ranges::find_if(index.steps, dated);
   if (first == index.steps.end()) return;
   const auto last = std::find_if(index.steps.rbegin(), index.steps.rend(), dated);
-  facts.update({{"first_date", isoText(*first->date, true)}, {"last_date", isoText(*last->date, true)}});
+  const auto day = [](Moment date) { return isoText(std::chrono::floor<std::chrono::days>(date), true); };
+  facts.update({{"first_date", day(*first->date)}, {"last_date", day(*last->date)}});
 }
 
 void addGrids(Facts& facts, const RestartIndex& index) {

@@ -30,7 +30,8 @@ struct GridLoad {
   const Hadrick& grid(std::size_t n = 0) const { return *reader.xGrids.at(n); }
   /// Empty when there was none, so that a test that misses it fails by name.
   Diagnosis lastDiagnosis() const {
-    return session.diagnoses().empty() ? Diagnosis{.message = Message::NotLoaded} : session.diagnoses().back();
+    return session.diagnoses().empty() ? Diagnosis{.message = Message::NotLoaded}
+                                       : session.diagnoses().back();
   }
 };
 

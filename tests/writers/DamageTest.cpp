@@ -103,8 +103,7 @@ TEST(FilesOfARun, HaveRecordsOfTheirTypesOrAReport) {
     std::string keyword, type, other;
   } rows[] = {{run.gridPath, 23, "ACTNUM  ", "INTE", "REAL"},
               {run.restartPath, 11, "SEQNUM  ", "INTE", "REAL"},
-              {run.initPath, 15, "LOGIHEAD", "LOGI", "INTE"},
-              {run.testsPath, 18, "DATE    ", "INTE", "REAL"}};
+              {run.initPath, 15, "LOGIHEAD", "LOGI", "INTE"}};
   for (const auto& row : rows) {
     std::string bytes = cli::testing::content(row.path);
     const auto at = bytes.rfind(row.keyword);
