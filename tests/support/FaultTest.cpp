@@ -26,7 +26,9 @@ TEST(Guarded, EveryWayOutOfARoutineLeavesItsTrace) {
   guarded(session, qOK, "qvX", "Read", [] { throw Fault(FaultNumber::Subscript); });
   EXPECT_FALSE(qOK);
   guarded(session, qOK, "qvX", "Read", [] { throw std::bad_alloc(); });
-  guarded(session, qOK, "qvX", "Read", [] { throw BadRecord(Diagnosis{.path = "F", .problem = "bad"}); });
+  guarded(session, qOK, "qvX", "Read", [] {
+    throw BadRecord(Diagnosis{.message = Message::RecordDamaged, .path = "F", .problem = "bad"});
+  });
   EXPECT_FALSE(qOK);
   ASSERT_EQ(reports.size(), 2U) << "damage in a file is a diagnosis, not a fault";
   EXPECT_EQ(reports[0], "Error:Subscript out of range (No.9) In [qvX (Code) (Read)] ");
@@ -37,7 +39,11 @@ TEST(Guarded, EveryWayOutOfARoutineLeavesItsTrace) {
 }
 
 TEST(Diagnosis, TextHasEveryCoordinateThatIsKnown) {
-  Diagnosis d{.path = "A.UNRST", .problem = "block marks disagree", .keyword = "PRESSURE", .occurrence = 3};
+  Diagnosis d{.message = Message::RecordDamaged,
+              .path = "A.UNRST",
+              .problem = "block marks disagree",
+              .keyword = "PRESSURE",
+              .occurrence = 3};
   d.offset = 512;
   d.expected = "4000";
   d.found = "17";
@@ -45,7 +51,8 @@ TEST(Diagnosis, TextHasEveryCoordinateThatIsKnown) {
   EXPECT_EQ(d.text(),
             "A.UNRST: block marks disagree (PRESSURE, occurrence 3, byte 512: expected 4000, found 17); kept "
             "2 steps");
-  EXPECT_EQ((Diagnosis{.path = "A", .problem = "no such file"}).text(), "A: no such file");
+  EXPECT_EQ((Diagnosis{.message = Message::FileOpen, .path = "A", .problem = "no such file"}).text(),
+            "A: no such file");
 }
 
 }  // namespace
