@@ -17,7 +17,8 @@ void qvEclipseReader::perform(const char* routine, bool& qOK, Body body) const {
   guarded(*session_, qOK, className, routine, body);
   const auto& diagnoses = session_->diagnoses();
   const auto isDamage = [](const Diagnosis& diagnosis) { return diagnosis.severity() == Severity::Damage; };
-  if (session_->faults() == faults || std::any_of(diagnoses.begin() + before, diagnoses.end(), isDamage)) return;
+  if (session_->faults() == faults || std::any_of(diagnoses.begin() + before, diagnoses.end(), isDamage))
+    return;
   bool qReported = false;
   guarded(*session_, qReported, className, routine, [&] {
     session_->diagnose(Diagnosis{.message = Message::SystemFault, .path = FileName, .action = "stopped"});

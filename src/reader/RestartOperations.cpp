@@ -104,8 +104,8 @@ void qvEclipseReader::readRestartIndex() {
   if (qOK) rsspec_ = std::move(index);
 }
 
-/// The files of a multiple set. A range that holds none of the files is a set without steps. A unified file of
-/// one step may lack SEQNUM, so only the name shows that its step is not the number of a file.
+/// The files of a multiple set. A range that holds none of the files is a set without steps. A unified file
+/// of one step may lack SEQNUM, so only the name shows that its step is not the number of a file.
 bool qvEclipseReader::setRestartFiles(qvEclipseSOLUTION& set, std::vector<std::string> files) {
   if (Unified) return true;
   bool qOK = false;
