@@ -22,7 +22,7 @@ void checkForm(const std::shared_ptr<const ByteSource>& source, const Recognised
     fuzz::check(cursor.next(), "a file with a form has a record");
     fuzz::check(cursor.header().keyword == detected->keyword, "the keyword is that of the first record");
   } catch (const BadRecord&) {
-    fuzz::check(!result.problem.empty(), "damage in the first record is told");
+    fuzz::check(result.problem.has_value(), "damage in the first record is reported");
   }
 }
 

@@ -123,7 +123,8 @@ TEST_P(ActiveCellsOfFiles, InitAndEGrid) {
   session_.clearDiagnoses();
   if (form_.formatted()) return;
   auto bytes = grid.egrid(form_);
-  const auto actnum = std::ranges::search(bytes, bytesOf("ACTNUM")).begin();
+  const auto keyword = bytesOf("ACTNUM");
+  const auto actnum = std::search(bytes.begin(), bytes.end(), keyword.begin(), keyword.end());
   std::ranges::copy(bytesOf("REAL"), actnum + 12);
   writeFile(folder_.file("REAL.EGRID"), bytes);
   EXPECT_EQ(find(cells, "", "REAL.EGRID"), "unknown") << "not all cells, as without ACTNUM";

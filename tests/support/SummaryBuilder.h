@@ -134,9 +134,9 @@ struct SummaryBuilder {
   }
   /// The writer of records knows CHAR only for strings of 8 characters.
   static void replaceType(std::vector<std::byte>& bytes, std::string_view keyword, std::string_view type) {
-    const auto header =
-        std::ranges::search(bytes, keyword, {}, [](std::byte b) { return static_cast<char>(b); });
-    const auto word = std::search(header.begin(), bytes.end(), charType.begin(), charType.end());
+    const auto isLetter = [](std::byte b, char c) { return static_cast<char>(b) == c; };
+    const auto header = std::search(bytes.begin(), bytes.end(), keyword.begin(), keyword.end(), isLetter);
+    const auto word = std::search(header, bytes.end(), charType.begin(), charType.end());
     std::ranges::transform(type, word, [](char c) { return static_cast<std::byte>(c); });
   }
   static constexpr std::array charType{std::byte{'C'}, std::byte{'H'}, std::byte{'A'}, std::byte{'R'}};
