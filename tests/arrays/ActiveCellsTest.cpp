@@ -39,6 +39,22 @@ TEST(ActiveCount, TheLengthOfMostArraysDecides) {
   }
 }
 
+TEST(ActiveCount, IsInTheWordOfItsSimulator) {
+  const auto stated = [](std::int32_t program, std::int32_t word4, std::int32_t word96, bool init) {
+    std::vector<std::int32_t> words(96);
+    words[3] = word4;
+    words[11] = 20;
+    words[94] = program;
+    words[95] = word96;
+    return statedActiveCells(HeaderWords(words), init).active;
+  };
+  EXPECT_EQ(stated(300, 22, 0, false), 22);
+  EXPECT_EQ(stated(300, 22, 1, false), 20);
+  EXPECT_EQ(stated(300, 22, 1, true), 22);
+  EXPECT_EQ(stated(300, 0, 0, true), 20);
+  EXPECT_EQ(stated(100, 22, 0, true), 20);
+}
+
 using Words = std::vector<std::int32_t>;
 
 TEST(ActiveCells, TheFirstSourceThatAgreesDecides) {

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "index/ReportStep.h"
 #include "index/RestartIndex.h"
 #include "support/IndexedRun.h"
 #include "support/RestartLoad.h"
@@ -83,6 +84,14 @@ const FileCase unifiedFiles[] = {
     {"a local grid is gone before the end",
      [](auto& to) { to.step(1).local("A").step(2).step(3); },
      {1, 2, 3}},
+    {"a local grid without solution is missing at the end",
+     [](auto& to) {
+       to.step(1).out.texts("LGR", std::array<std::string, 1>{"A"});
+       to.head(99).out.message("ENDLGR");
+       to.step(2);
+     },
+     {1},
+     1},
     {"two steps of one number", [](auto& to) { to.step(1).step(1); }, {1, 1}, 1},
 };
 
@@ -90,6 +99,17 @@ Numbers numbersOf(const RestartIndex& index) {
   Numbers numbers;
   for (const IndexStep& step : index.steps) numbers.push_back(step.number);
   return numbers;
+}
+
+TEST(StepRules, TheNumberIsTheFirstThatExists) {
+  const auto number = [](std::optional<std::int32_t> seqnum, std::int32_t file, std::int32_t head) {
+    const auto words = IndexedRun::head({2, 2, 1}, 4, head);
+    return stepNumber(seqnum, file, words);
+  };
+  EXPECT_EQ(number(0, 7, 1), 0);
+  EXPECT_EQ(number({}, 7, 1), 7);
+  EXPECT_EQ(number({}, -1, 1), 1);
+  EXPECT_EQ(number({}, -1, -5), -1) << "a header word below 0 does not count";
 }
 
 TEST(StepRules, UnifiedFiles) {
@@ -113,8 +133,9 @@ TEST(StepRules, UnifiedFiles) {
       EXPECT_TRUE(load.run());
       EXPECT_EQ(load.reader.Damaged(), !index.whole);
       ASSERT_EQ(load.steps(), steps);
+      const auto loaded = load.reader.RestartSteps();
       for (std::size_t i = 0; i < steps.size(); ++i) {
-        const auto& step = load.reader.RestartSteps()[i];
+        const auto& step = loaded[i];
         EXPECT_EQ(makeMoment(step.iYear, step.iMonth, step.iDay),
                   std::chrono::floor<std::chrono::days>(*index.steps.at(i).date));
       }

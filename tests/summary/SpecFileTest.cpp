@@ -42,6 +42,7 @@ const std::vector<Kind> kinds = {
     {{"RPR", "NORTH", 2, "BARSA"}, "REGIONS", "NORTH", "2", "RPR:NORTH:2"},
     {{"AAQR", "AQUIF1", 1, "SM3/DAY"}, "AQUIFERS", "", "1", "AAQR:1"},
     {{"#WSTATH1", "OP_1", 0, ""}, "MISCELLANEOUS", "OP_1", "", "#WSTATH1:OP_1"},
+    {{"#FSTATH1", "FIELD", 0, ""}, "MISCELLANEOUS", "", "", "#FSTATH1"},
     {{"BPR", ":+:+:+:+", 301, "BARSA"}, "BLOCKS", "", "", "BPR"},
     {{"COPR", "OP_1", 240, "SM3/DAY"}, "COMPLETIONS", "OP_1", "10 4 3", "COPR:OP_1:10,4,3"},
     {{"COPR", ":+:+:+:+", 240, "SM3/DAY"}, "COMPLETIONS", "", "10 4 3", "", false},

@@ -26,14 +26,16 @@ TEST(WellTestFile, HoldsEveryArray) {
       "CONIPOS: 16777217 2; SOIL 0.5 0.25; CONPRES 1 2 3; SEGPRES 1 2 3; ILBRNO: 1 2 3; BRNST: 1 2 3 4; "
       "WELLPLT 1 2 3 4 5");
   arrays.insert(arrays.begin() + 1, {"HOSTGRID", Texts{"", " LG1"}});
-  const WellTestBuilder builder{{{.well = "A", .arrays = test::arraysOf("DEPTH 1"), .time = 10.27F},
-                                 {.well = "B", .arrays = arrays, .grid = "LG2", .date = {31, 2, 2015}},
-                                 {.well = "A"}}};
+  const WellTestBuilder builder{
+      {{.well = "A", .arrays = test::arraysOf("DEPTH 1"), .time = 10.27F},
+       {.well = "B", .arrays = arrays, .grid = "LG2", .date = {31, 2, 2015}},
+       {.well = "A", .time = 30, .welletc = WellTestBuilder::usualWelletc("A", "", " HOURS")}}};
   Session session;
   const auto tests = readWellTests(builder.write(folder, test::bigEndian), session);
   ASSERT_EQ(tests.size(), 3U);
   EXPECT_EQ(isoText(*tests[0].date), "2015-01-11T06:28:48");  // the plainest with the same float
   EXPECT_FALSE(tests[1].date);
+  EXPECT_EQ(isoText(*tests[2].date), "2015-01-11T06:00:00") << "time in hours";
   EXPECT_EQ(tests[2].numberInWell, 2);
 
   const WellTest& one = tests[1];
