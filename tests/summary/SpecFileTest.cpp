@@ -247,7 +247,7 @@ TEST_F(SpecFile, ConnectionVectorsComeWithTheirLengths) {
   spec.getHorizontalLengths(lengths, unit, qOK);
   ASSERT_TRUE(qOK);
   EXPECT_EQ(unit, "METRES");
-  EXPECT_THAT(lengths, ElementsAre(11, 12, 22)) << "the dummy too";
+  EXPECT_THAT(lengths, ElementsAre(12, 13, 23)) << "the dummy too";
 }
 
 TEST(SpecUnits, FirstUnitThatDecidesDoesMetricOnlyWhenNoneDoes) {
