@@ -34,18 +34,20 @@ std::string targetOf(const RestartIndex& index, const RunFamily& run, const Inde
   return path;
 }
 
-void write(const RestartIndex& index, const std::string& target, Console& console) {
+/// False when it cannot be written, which a diagnosis states.
+bool write(const RestartIndex& index, const std::string& target, Console& console) {
   bool qOK = false;
   (index.init ? WriteEclipseInspecFile : WriteEclipseRsspecFile)(index, target, qOK, console.session());
   console.progress().hide();
   console.checkCancelled();
-  if (!qOK) console.giveUp(target, "cannot be written");
+  if (!qOK) return false;
   std::size_t records = 0;
   for (const IndexStep& step : index.steps) {
     for (const IndexGroup& group : step.groups) records += group.entries.size();
   }
   console.out() << fmt::format("{}: {}{} records\n", printable(target),
                                index.init ? "" : fmt::format("{} steps, ", index.steps.size()), records);
+  return true;
 }
 
 /// The walked indexes of what the run has; those that are there already do not count.
@@ -69,9 +71,17 @@ ExitStatus writeIndexes(const IndexOptions& options, Console& console) {
   std::vector<std::string> targets;
   for (const RestartIndex& index : indexes) targets.push_back(targetOf(index, run, options));
   bool all = true;
+  bool any = false;
   for (std::size_t i = 0; i < indexes.size(); ++i) {
     all = all && indexes[i].whole;
-    if (indexes[i].whole) write(indexes[i], targets[i], console);
+    if (!indexes[i].whole) continue;
+    if (write(indexes[i], targets[i], console)) {
+      any = true;
+    } else if (any) {
+      throw Failure(Partial, "");
+    } else {
+      console.giveUp(targets[i], "cannot be written");
+    }
   }
   if (!all) throw Failure(Partial, "no index was written of what could not be read to its end");
   return console.doneStatus();
