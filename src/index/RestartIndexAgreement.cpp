@@ -175,8 +175,8 @@ class FileAgreement {
     return false;
   }
 
-  /// Moves behind a step's last record. Where its end follows from its length, a header that stands there
-  /// tells enough, and spares a look at its start, which may be far away.
+  /// Moves behind a step's last record. Where its end follows from its length, a header found there is
+  /// enough, and its start, which may be far away, need not be read.
   void moveBehind(const IndexStep& step) {
     const IndexEntry& entry = last(step);
     const auto [type, width] = typeInfo(entry.typeWord.view());

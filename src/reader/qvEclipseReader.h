@@ -77,8 +77,8 @@ class qvEclipseReader : public ReaderOptions {
   void ECLReadData(bool& qOK);
   /// Reads a summary: `FileName` is its specification, its root name, or its data file, which is then the one
   /// that is read. The data files, unified or multiple (see `chooseFiles`), and with `NoRestart` False the
-  /// earlier runs of the chain are found from it. A last record that is not whole, as a running simulation
-  /// leaves it, is told as a diagnosis and no failure.
+  /// earlier runs of the chain are found from it. A truncated last record, as a running simulation
+  /// leaves it, is reported as a diagnosis, and the load succeeds.
   void ReadSummaryFile(bool& qOK);
   /// Reads the well tests of a simulator's RFT file. Damage ends the reading and is told as a diagnosis; what
   /// stands before it is there, and that is no failure unless it is nothing.

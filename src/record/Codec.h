@@ -48,7 +48,7 @@ class Codec {
                       std::int64_t first, std::size_t count, std::byte* out) const = 0;
   /// The offset of the first header at or behind a position that is sound and has plausible data behind it;
   /// the size of the file when there is none. For a file that is damaged before: reads on in order, in time
-  /// linear in the bytes passed, and keeps no more than the window.
+  /// linear in the bytes passed; memory is limited to the window.
   virtual std::uint64_t findHeader(Window& window, std::uint64_t position) const = 0;
   /// The singles with these ascending numbers.
   virtual void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
