@@ -42,17 +42,9 @@ class TextScanner {
   /// Moves to the next character that is no blank and brings at least a token's length, or what is left of
   /// the file, to hand. False at the end of the file.
   bool skipBlanks(std::size_t token = longestToken) {
-    const std::uint64_t start = position();
-    while (true) {
-      while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
-      if (text_.size() - at_ >= token) return true;
-      if (ended_) return at_ < text_.size();
-      if (position() - start > mostBlanks) {
-        throwBadRecord("blanks instead of a record", start, fmt::format("at most {} blanks", mostBlanks),
-                       "more");
-      }
-      refill(token);
-    }
+    const std::size_t first = at_;
+    skipBlanksAtHand();
+    return text_.size() - at_ >= token || skipMoreBlanks(position_ + first, token);
   }
   /// Whether there are only blanks up to a position; else moves to what is there.
   bool blankTo(std::uint64_t end) {
@@ -98,6 +90,21 @@ class TextScanner {
   void take(std::size_t count) { at_ += count; }
 
  private:
+  void skipBlanksAtHand() {
+    while (at_ < text_.size() && isBlank(text_[at_])) ++at_;
+  }
+  bool skipMoreBlanks(std::uint64_t start, std::size_t token) {
+    while (!ended_) {
+      if (position() - start > mostBlanks) {
+        throwBadRecord("blanks instead of a record", start, fmt::format("at most {} blanks", mostBlanks),
+                       "more");
+      }
+      refill(token);
+      skipBlanksAtHand();
+      if (text_.size() - at_ >= token) return true;
+    }
+    return at_ < text_.size();
+  }
   bool refill(std::size_t needed) {
     const std::uint64_t done = at_;
     position_ += done;

@@ -1,6 +1,7 @@
 #include "ColumnReader.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "../support/Fault.h"
 
@@ -20,20 +21,45 @@ std::size_t tileRowsFor(std::size_t columns) {
   return std::clamp<std::size_t>(fitting / 16 * 16, 16, mostTileRows);
 }
 
+using FourValues [[gnu::vector_size(16)]] = float;
+
+FourValues load(const float* from) {
+  FourValues values;
+  std::memcpy(&values, from, sizeof values);
+  return values;
+}
+
+/// Turns a block of 4 by 4 in registers; value by value takes nearly twice the time of a whole load.
+void turnBlock(const float* in, std::size_t inStride, float* out, std::size_t outStride) {
+  const FourValues a = load(in), b = load(in + inStride);
+  const FourValues c = load(in + 2 * inStride), d = load(in + 3 * inStride);
+  const FourValues lowAB = __builtin_shufflevector(a, b, 0, 4, 1, 5);
+  const FourValues highAB = __builtin_shufflevector(a, b, 2, 6, 3, 7);
+  const FourValues lowCD = __builtin_shufflevector(c, d, 0, 4, 1, 5);
+  const FourValues highCD = __builtin_shufflevector(c, d, 2, 6, 3, 7);
+  const FourValues turned[] = {__builtin_shufflevector(lowAB, lowCD, 0, 1, 4, 5),
+                               __builtin_shufflevector(lowAB, lowCD, 2, 3, 6, 7),
+                               __builtin_shufflevector(highAB, highCD, 0, 1, 4, 5),
+                               __builtin_shufflevector(highAB, highCD, 2, 3, 6, 7)};
+  for (std::size_t i = 0; i < 4; ++i) std::memcpy(out + i * outStride, &turned[i], sizeof turned[i]);
+}
+
 }  // namespace
 
 void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns, std::size_t firstRow,
               XYData& table) {
-  constexpr std::size_t lineValues = 16;  // one cache line of the tile serves as many columns
   const std::size_t stride = table.rows();
   float* const out = table.values().data() + firstRow;
-  for (std::size_t j0 = 0; j0 < columns; j0 += lineValues) {
-    const std::size_t j1 = std::min(columns, j0 + lineValues);
-    for (std::size_t i0 = 0; i0 < rows; i0 += lineValues) {
-      const std::size_t i1 = std::min(rows, i0 + lineValues);
-      for (std::size_t j = j0; j < j1; ++j) {
-        for (std::size_t i = i0; i < i1; ++i) out[j * stride + i] = tile[i * columns + j];
-      }
+  const std::size_t blockRows = rows / 4 * 4;
+  const std::size_t blockColumns = columns / 4 * 4;
+  for (std::size_t j = 0; j < blockColumns; j += 4) {
+    for (std::size_t i = 0; i < blockRows; i += 4) {
+      turnBlock(tile.data() + i * columns + j, columns, out + j * stride + i, stride);
+    }
+  }
+  for (std::size_t j = 0; j < columns; ++j) {
+    for (std::size_t i = j < blockColumns ? blockRows : 0; i < rows; ++i) {
+      out[j * stride + i] = tile[i * columns + j];
     }
   }
 }

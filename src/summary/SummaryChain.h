@@ -39,6 +39,7 @@ class SummaryChain {
   const ChainPlan& plan() const { return plan_; }
   /// The columns of the table: those of the newest run, then those that only earlier runs have.
   const std::vector<SummaryVector>& vectors() const { return vectors_; }
+  std::vector<SummaryVector> takeVectors() { return std::move(vectors_); }
   /// Numbers, from 1, of the vectors of the earlier run added last that became new columns, in order.
   const std::vector<std::int32_t>& added() const { return added_; }
 

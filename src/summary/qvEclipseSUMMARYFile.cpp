@@ -288,7 +288,7 @@ bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, AddHea
   }
   if (!assemble(chain.plan(), tables, xyData)) return false;
   chain.reportGaps();
-  vectors_ = chain.vectors();
+  vectors_ = chain.takeVectors();
   for (std::size_t i = 0; i < vectors_.size(); ++i) vectors_[i].column = i + 1;
   plan_ = chain.plan();
   return true;
