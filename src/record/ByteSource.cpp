@@ -53,7 +53,7 @@ std::size_t ByteSource::readAt(std::uint64_t position, std::span<std::byte> out)
 std::unique_ptr<const ByteSource> FileSource::open(const std::string& path, std::string& error) {
   InputFile file(path, error);
   if (!file.isOpen()) return nullptr;
-  const FileStamp stamp = file.stamp().value_or(FileStamp{});
+  const FileStamp stamp = file.openingStamp();
   std::unique_ptr<const ByteSource> source(new FileSource(std::move(file), path, stamp));
   const auto& wrap = Session::process().wrapSource;
   return wrap ? wrap(std::move(source)) : std::move(source);

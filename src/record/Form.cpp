@@ -12,12 +12,16 @@ namespace lumbarn {
 
 namespace {
 
-/// The other byte order than this machine's has the first mark's low byte, 16, at its other end.
-bool swappedMarks(const ByteSource& source) {
-  std::array<std::byte, 4> mark{};
-  source.readAt(0, mark);
-  return mark[std::endian::native == std::endian::little ? 3 : 0] == std::byte{16};
+constexpr std::byte headerMark{16};  // low byte of the mark in front of a header
+
+/// The other byte order than this machine's has the first mark's low byte at its other end.
+bool swappedMarks(std::span<const std::byte, 4> mark) {
+  return mark[std::endian::native == std::endian::little ? 3 : 0] == headerMark;
 }
+
+/// Whether the first byte is none of a record mark's: looking for text in a file with marks would cost more
+/// than reading its first header.
+bool mayBeText(std::byte first) { return first != std::byte{0} && first != headerMark; }
 
 std::optional<RecordHeader> soundHeader(const ByteSource& source, const Form& form) {
   Window window(source);
@@ -55,10 +59,13 @@ void FormFlags::setForm(const Form& form) {
 }
 
 std::optional<DetectedForm> detectForm(const ByteSource& source) {
+  std::array<std::byte, 4> start{};
+  source.readAt(0, start);
   const std::array<Form, 3> probes{{{Framing::Formatted, false},
-                                    {Framing::FourByteMarks, swappedMarks(source)},
+                                    {Framing::FourByteMarks, swappedMarks(start)},
                                     {Framing::OneByteMarks, false}}};
   for (const Form& form : probes) {
+    if (form.formatted() && !mayBeText(start[0])) continue;
     if (auto header = soundHeader(source, form)) return DetectedForm{form, std::move(header->keyword)};
   }
   return std::nullopt;

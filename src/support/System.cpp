@@ -65,6 +65,7 @@ InputFile::InputFile(const std::string& path, std::string& error) {
   if (::fstat(static_cast<int>(handle_), &status) != 0) {
     error = errorText(errno);
   } else if (S_ISREG(status.st_mode)) {
+    openingStamp_ = stampFrom(status);
     return;
   } else {
     error = S_ISDIR(status.st_mode) ? "is a folder" : "is no regular file";
@@ -72,10 +73,12 @@ InputFile::InputFile(const std::string& path, std::string& error) {
   close();
 }
 
-InputFile::InputFile(InputFile&& other) noexcept : handle_(std::exchange(other.handle_, -1)) {}
+InputFile::InputFile(InputFile&& other) noexcept
+    : handle_(std::exchange(other.handle_, -1)), openingStamp_(other.openingStamp_) {}
 
 InputFile& InputFile::operator=(InputFile&& other) noexcept {
   std::swap(handle_, other.handle_);
+  std::swap(openingStamp_, other.openingStamp_);
   return *this;
 }
 

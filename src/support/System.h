@@ -50,6 +50,8 @@ class InputFile {
   std::uint64_t size() const;
   /// The state of the open file at this moment; empty when the system does not report it.
   std::optional<FileStamp> stamp() const;
+  /// Its state when it was opened.
+  const FileStamp& openingStamp() const { return openingStamp_; }
   /// Reads up to out.size() bytes at a position and returns the number read, which is smaller only at the end
   /// of the file or at a read error; `error` then states the reason, and is left alone at the end of the
   /// file.
@@ -57,6 +59,7 @@ class InputFile {
 
  private:
   std::intptr_t handle_ = -1;
+  FileStamp openingStamp_;
 };
 
 /// A file open for writing from its start. Move-only; closes itself.

@@ -33,7 +33,7 @@ TEST(KeywordTypes, SayWhatIsUnexpected) {
                               .type = typeInfo(test.type).type,
                               .count = test.count,
                               .headerAt = 24};
-    const auto report = unexpected(test.file, header);
+    const auto report = unexpected(test.file, keywordKey(header.keyword), header);
     EXPECT_EQ(report ? std::optional<Message>(report->message) : std::nullopt, test.message)
         << test.keyword << ' ' << test.type;
     EXPECT_EQ(report ? report->offset : 24U, 24U);
