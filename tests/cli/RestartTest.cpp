@@ -20,21 +20,6 @@ struct RestartCommand : CommandTest {
   test::IndexedRun run_;
 };
 
-TEST_F(RestartCommand, ShowsActiveCellsOrAllWithTheirNumbers) {
-  const auto active = csv("restart --step 2 --array region,FULL --ijk ~R");
-  ASSERT_EQ(active.size(), 10U);
-  EXPECT_THAT(active[0], ElementsAre("i", "j", "k", "REGION", "FULL"));
-  EXPECT_THAT(active[3], ElementsAre("1", "2", "1", "3", "203"));
-  EXPECT_THAT(active[9], ElementsAre("2", "2", "2", "16777217", "210"));
-  const auto all = csv("restart --step 2 --array PRESSURE --all ~R");
-  ASSERT_EQ(all.size(), 13U);
-  EXPECT_EQ(all[3][0], "-999");
-  EXPECT_EQ(all[4][0], "202");
-  const Outcome local = command(
-      {"restart", "--step", "5", "--array", "P*", "--grid", "near well", "--format", "csv", file("R")});
-  EXPECT_EQ(parseCsv(local.out)[1][0], "2500");
-}
-
 TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
   test::RestartBuilder twice;
   twice.steps = {{.number = 4}, {.number = 4, .days = 9}};
@@ -53,6 +38,10 @@ TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
 }
 
 TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
+  EXPECT_THAT(csv("restart --step 2 --array region,FULL --ijk ~R").back(),
+              ElementsAre("2", "2", "2", "16777217", "210"));
+  EXPECT_EQ(csv("restart --step 2 --array PRESSURE --all ~R").at(3), std::vector<std::string>{"-999"});
+  EXPECT_EQ(csv("restart @ARBORM/ARBORM.X0003").at(1).at(0), "3") << "the step of the file that is named";
   const std::string walked = run("restart ~R").out;
   const Outcome written = run("index ~R --into ~");
   EXPECT_EQ(written.status, 0) << written.err;
@@ -90,6 +79,9 @@ TEST_F(RestartCommand, WellsOfStepsAndGrids) {
   EXPECT_EQ(fine["grid"], "FINE");
   EXPECT_EQ(fine["wells"][0]["well"], "B");
   EXPECT_EQ(fine["wells"][0]["connections"][0]["j"], 2);
+  EXPECT_THAT(run("restart ~W.UNRST").out, HasSubstr("arrays of steps 2, 4\n"));
+  EXPECT_EQ(csv("restart --grid fine ~W.UNRST").at(1),
+            (std::vector<std::string>{"1", "2015-01-01T00:00:00", "0", "", "", "", "", ""}));
 
   // A truncated file shows the last complete step.
   const std::string whole = content(path);

@@ -26,7 +26,7 @@ struct Summary : CommandTest {
   /// A run with what well names and values can be.
   std::string writeOddRun() const {
     test::SummaryBuilder odd;
-    odd.vectors = {{"TIME", "", 0, "HOURS"},   {"WOPR", "A,\"1\"", 0, "SM3/DAY"}, {"WOPR"},
+    odd.vectors = {{"TIME", "", 0, "HOURS"},   {"WOPR", "A,\"\n1", 0, "SM3/DAY"}, {"WOPR"},
                    {"FOPR", "", 0, "SM3/DAY"}, {"FOPR", "", 0, "SM3/DAY"},        {"FOPR", "", 0, "SM3/DAY"}};
     odd.start = {29, 2, 2024, 12, 30, 0};
     const float none = std::numeric_limits<float>::quiet_NaN();
@@ -79,7 +79,7 @@ TEST_F(Summary, NamesValuesAndDatesOfAnOddRun) {
   writeOddRun();
   const Outcome table = run("summary --dates --format csv ~ODD");
   EXPECT_EQ(table.out,
-            "DATE,TIME,\"WOPR:A,\"\"1\"\"\",FOPR\r\n"
+            "DATE,TIME,\"WOPR:A,\"\"\n1\",FOPR\r\n"
             "2024-02-29T13:00:00,0.5,,1.5\r\n"
             "2024-03-02T00:30:00,36,-inf,0.1\r\n");
   EXPECT_EQ(table.status, 0);
@@ -88,11 +88,12 @@ TEST_F(Summary, NamesValuesAndDatesOfAnOddRun) {
             "shows all\n");
   EXPECT_EQ(json("summary --keep-duplicates --vectors FOPR ~ODD")[0],
             (nlohmann::json{{"TIME", 0.5}, {"FOPR", 1.5}, {"FOPR#2", 2}, {"FOPR#3", 3}}));
-  EXPECT_EQ(json("summary ~ODD")[1]["WOPR:A,\"1\""], nullptr);
+  EXPECT_EQ(json("summary ~ODD")[1]["WOPR:A,\"\n1"], nullptr);
+  EXPECT_THAT(run("summary ~ODD").out, ::testing::StartsWith(" TIME  WOPR:A,\"?1     FOPR\nHOURS"));
 
   const auto vectors = csv("vectors --keep-duplicates ~ODD");
   ASSERT_EQ(vectors.size(), 6) << "a dummy well is none";
-  EXPECT_THAT(vectors[2], ElementsAre("WOPR:A,\"1\"", "WOPR", "WELLS", "A,\"1\"", "", "", "SM3/DAY",
+  EXPECT_THAT(vectors[2], ElementsAre("WOPR:A,\"\n1", "WOPR", "WELLS", "A,\"\n1", "", "", "SM3/DAY",
                                       "Oil production rate"));
   EXPECT_EQ(vectors[5][0], "FOPR#3");
 }
@@ -106,6 +107,7 @@ TEST_F(Summary, RowsOfARunThatLacksAVectorShowNoValueOfIt) {
   builder.rows = {{{2, 20}}};
   builder.restart = "OLD";
   builder.write(folder_, "NEW", test::bigEndian);
+  EXPECT_EQ(run("summary --restart --replace -o ~OLD.UNSMRY ~NEW").status, 2) << "a file that is read";
   EXPECT_EQ(run("summary --restart --format csv ~NEW").out, "TIME,FGPR,FOPR\r\n1,,10\r\n2,20,\r\n");
 }
 
