@@ -40,18 +40,23 @@ std::vector<float> evenValues(std::size_t n) {
   return values;
 }
 
-TEST_P(AllForms, EveryTypeComesBackAcrossBlocks) {
+TEST_P(AllForms, EveryTypeComesBackAcrossBlocksAndInParts) {
   std::vector<std::int32_t> integers(2001);
   std::iota(integers.begin(), integers.end(), -1000);
   integers[7] = std::numeric_limits<std::int32_t>::min();
+  const auto values = evenValues(3456);
   const std::vector<double> doubles(1001, -0.5e-290);
   const bool flags[] = {true, false, true, true};
   std::vector<std::string> names(211, "P'1 /X");
   names[105] = "LAST OF ";
   std::vector<std::string> longNames(107, "A_WELL_NAME_OF_THIRTY-TWO_CHARS!");
   longNames[3] = "it's";
+  // The data of a type that nobody knows: those of an integer record under another type word.
+  writer_.integers("ODD", std::vector<std::int32_t>(1500, 7));
+  const auto word = bytesOf("INTE");
+  std::ranges::copy(bytesOf("NEWT"), std::search(bytes_.begin(), bytes_.end(), word.begin(), word.end()));
   writer_.integers("INTS", integers);
-  writer_.singles("REALS", evenValues(1000));
+  writer_.singles("REALS", values);
   writer_.doubles("DOUBLES", doubles);
   writer_.logicals("FLAGS", flags);
   writer_.texts("NAMES", names);
@@ -60,8 +65,12 @@ TEST_P(AllForms, EveryTypeComesBackAcrossBlocks) {
   writer_.singles("EMPTY", {});
 
   auto cursor = cursorOver(bytes_, form_);
+  EXPECT_EQ(next(cursor).header().typeWord, "NEWT");
   EXPECT_EQ(next(cursor).integers(), integers);
-  EXPECT_EQ(next(cursor).singles(), evenValues(1000));
+  EXPECT_EQ(next(cursor).singles(), values);
+  const RecordHeader known = cursor.header();
+  const bool regular = cursor.regular();
+  EXPECT_EQ(regular, form_.framing != Framing::OneByteMarks);
   EXPECT_EQ(next(cursor).doubles(), doubles);
   std::vector<std::int16_t> read(4);
   next(cursor).readLogicals(read);
@@ -72,21 +81,8 @@ TEST_P(AllForms, EveryTypeComesBackAcrossBlocks) {
   EXPECT_EQ(next(cursor).header().keyword, "STARTSOL");
   EXPECT_TRUE(next(cursor).singles().empty());
   for (int time = 0; time < 2; ++time) EXPECT_FALSE(cursor.next()) << "the end stays the end";
-}
 
-TEST_P(AllForms, SkippingPartsAndPickingAgreeWithReadingAll) {
-  const auto values = evenValues(3456);
-  writer_.texts("FIRST", std::vector<std::string>{"1", "2"});
-  writer_.singles("VALUES", values);
-  // The data of a type that nobody knows: those of an integer record under another type word.
-  const std::size_t oddAt = bytes_.size();
-  writer_.integers("ODD", std::vector<std::int32_t>(1500, 7));
-  const auto word = bytesOf("INTE");
-  std::ranges::copy(bytesOf("NEWT"), std::search(bytes_.begin() + static_cast<std::ptrdiff_t>(oddAt),
-                                                 bytes_.end(), word.begin(), word.end()));
-  writer_.integers("LAST", std::vector<std::int32_t>{1, 2, 3});
-  auto cursor = cursorOver(bytes_, form_);
-  next(next(cursor));
+  cursor.setCurrent(known, regular);
   for (const auto& [first, count] :
        {std::pair<int, int>{0, 1}, {999, 2}, {1000, 1000}, {1003, 2400}, {3455, 1}, {3456, 0}}) {
     std::vector<float> part(static_cast<std::size_t>(count));
@@ -97,44 +93,9 @@ TEST_P(AllForms, SkippingPartsAndPickingAgreeWithReadingAll) {
   std::vector<float> picked(wanted.size());
   cursor.gather(wanted, picked);
   for (std::size_t i = 0; i < wanted.size(); ++i) EXPECT_EQ(picked[i], values[wanted[i]]) << wanted[i];
-
-  const RecordHeader known = cursor.header();
-  const bool regular = cursor.regular();
-  EXPECT_EQ(regular, form_.framing != Framing::OneByteMarks);
-  EXPECT_EQ(next(cursor).header().typeWord, "NEWT");
-  EXPECT_THAT(next(cursor).integers(), ElementsAre(1, 2, 3));
-  cursor.setCurrent(known, regular);
-  cursor.gather(wanted, picked);
-  EXPECT_EQ(picked.back(), values.back());
   EXPECT_THROW(cursor.read(std::span<float>(picked), 3450), Fault);
   std::vector<double> wrongType(1);
   EXPECT_THROW(cursor.read(std::span<double>(wrongType)), Fault);
-}
-
-/// Reads everything up to the damage.
-std::string damageOf(RecordCursor cursor) {
-  try {
-    while (cursor.next()) {
-      const auto type = cursor.header().type;
-      if (type == ElementType::Integer) cursor.integers();
-      if (type == ElementType::Single) cursor.singles();
-      if (type == ElementType::Double) cursor.doubles();
-      if (type == ElementType::Text) cursor.texts();
-    }
-  } catch (const BadRecord& damage) {
-    return damage.diagnosis().text();
-  }
-  return "";
-}
-
-TEST_P(AllForms, CountsThatTheFileCannotHoldAreRefusedBeforeAnythingIsSized) {
-  for (const char* type : {"INTE", "REAL", "DOUB", "CHAR", "LOGI", "C999"}) {
-    for (const std::int32_t count : {-1, std::numeric_limits<std::int32_t>::min(), 2147483647, 100}) {
-      std::vector<std::byte> bytes;
-      RecordWriter(memorySink(bytes), form_).header("WILD", count, type);
-      EXPECT_THAT(damageOf(cursorOver(bytes, form_)), HasSubstr("(WILD, occurrence 1, byte "));
-    }
-  }
 }
 
 std::vector<std::byte> smallFile(const Form& form) {
@@ -240,10 +201,9 @@ TEST(MarkedRecords, X231AnnouncesArraysBeyond2To31Elements) {
   const TemporaryFolder folder;
   const std::string path = folder.file("large");
   writeFile(path, head);
-  std::filesystem::resize_file(
-      path, 48 + 4 * count + 8 * ((count + 999) / 1000) - 8);  // all but the ends is a hole
-  std::ofstream(path, std::ios::binary | std::ios::app)
-      .write(reinterpret_cast<const char*>(tail.data()), static_cast<std::streamsize>(tail.size()));
+  // All but the ends is a hole.
+  std::filesystem::resize_file(path, 48 + 4 * count + 8 * ((count + 999) / 1000) - 8);
+  std::ofstream(path, std::ios::app) << std::string(reinterpret_cast<const char*>(tail.data()), tail.size());
 
   std::string why;
   RecordCursor cursor(FileSource::open(path, why), bigEndian, path);
@@ -253,18 +213,6 @@ TEST(MarkedRecords, X231AnnouncesArraysBeyond2To31Elements) {
   cursor.gather(std::array{static_cast<std::uint32_t>(count - 1)}, std::span(&value, 1));
   EXPECT_EQ(value, 1.0F);
   EXPECT_EQ(next(cursor).header().keyword, "NEXT");
-}
-
-TEST(MarkedRecords, GatheringNoticesThatTheFileHasAnotherLayoutByNow) {
-  constexpr std::size_t opening = 24 + 4008;  // marks of the second block
-  for (const auto& [mark, element] : {std::pair{opening, 1010U}, {opening + 4004, 1990U}}) {
-    std::vector<std::byte> bytes;
-    RecordWriter(memorySink(bytes), bigEndian).singles("PARAMS", std::vector<float>(2500));
-    bytes[mark + 3] ^= std::byte{1};
-    auto cursor = cursorOver(bytes, bigEndian);
-    float value = 0;
-    EXPECT_THROW(next(cursor).gather(std::span(&element, 1), std::span(&value, 1)), BadRecord);
-  }
 }
 
 /// CR LF, lines of other lengths, fields that touch, odd exponents, no line end at the end.
@@ -310,10 +258,19 @@ TEST(FormattedRecords, DamageIsNamedWithItsCharacter) {
        "   0.10000000E+01   0.20000000E+01   0.30000000E+01                 \n"
        " 0.4E+01 0.5E+01    0.60000000E+01\n",
        "field is out of place (PARAMS, occurrence 1, byte 101"}};
-  for (const auto& [text, damage] : rows)
-    EXPECT_THAT(damageOf(cursorOver(bytesOf(text), formatted)), HasSubstr(damage)) << text.substr(0, 90);
+  for (const auto& [text, damage] : rows) {
+    auto cursor = cursorOver(bytesOf(text), formatted);
+    try {
+      while (cursor.next()) {
+        if (cursor.header().type == ElementType::Single) cursor.singles();
+      }
+      EXPECT_STREQ(damage, "");
+    } catch (const BadRecord& bad) {
+      EXPECT_THAT(bad.diagnosis().text(), HasSubstr(damage)) << text.substr(0, 90);
+    }
+  }
   std::vector<float> part(2);
-  auto cursor = cursorOver(bytesOf(rows[5].first), formatted);
+  auto cursor = cursorOver(bytesOf(rows[7].first), formatted);
   EXPECT_THROW((cursor.next(), cursor.read(std::span<float>(part), 1)), BadRecord) << "not from the start";
 }
 
