@@ -9,21 +9,6 @@ namespace fs = std::filesystem;
 
 struct Output : CommandTest {};
 
-TEST_F(Output, AFileAppearsWholeOrNotAtAll) {
-  Session canceled;
-  canceled.CancelLoad = true;
-  const Outcome stopped = run("summary -o ~out @ARBOR", canceled);
-  EXPECT_EQ(stopped.status, 130);
-  EXPECT_EQ(stopped.err, "lumbarn: cancelled\n");
-  EXPECT_EQ(fileCount(), 0) << "nothing may stay behind";
-  EXPECT_EQ(run("summary -o ~out @ARBOR").status, 0);
-  const std::string whole = content(file("out"));
-  EXPECT_EQ(whole, run("summary @ARBOR").out);
-  EXPECT_EQ(run("summary -o ~out --vectors NONE @ARBOR").status, 2);
-  EXPECT_EQ(content(file("out")), whole);
-  EXPECT_EQ(fileCount(), 1);
-}
-
 TEST_F(Output, WhatIsReplacedAndOnRequestOnly) {
   copy("ARBOR/ARBOR.SMSPEC", "A.SMSPEC");
   copy("ARBOR/ARBOR.UNSMRY", "A.UNSMRY");
@@ -47,6 +32,9 @@ TEST_F(Output, WhatIsReplacedAndOnRequestOnly) {
     EXPECT_EQ(run(std::string("vectors ~A -o ") + target).status, status) << target;
     EXPECT_TRUE(status == 0 || before.empty() || content(path) == before) << target;
   }
+  EXPECT_EQ(content(file("table.csv")), run("vectors ~A").out);
+  EXPECT_EQ(run("summary ~A --vectors NONE -o ~table.csv").status, 2);
+  EXPECT_EQ(content(file("table.csv")), run("vectors ~A").out) << "replaced by nothing";
   EXPECT_TRUE(fs::is_symlink(file("link"))) << "a link stays one";
   EXPECT_THAT(content(file("behind")), ::testing::StartsWith("name "));
   EXPECT_TRUE(fs::is_character_file("/dev/null"));

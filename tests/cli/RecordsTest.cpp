@@ -35,18 +35,15 @@ TEST_F(Records, AgreeWithTheIndependentReader) {
 }
 
 TEST_F(Records, ValuesThatAreNoNumbersLeaveTheOthersTheirExtremes) {
-  const float none = std::numeric_limits<float>::quiet_NaN();
+  constexpr float none = std::numeric_limits<float>::quiet_NaN();
   std::vector<std::byte> bytes;
   RecordWriter writer(memorySink(bytes), test::bigEndian);
-  writer.singles("MIXED", std::vector{none, 2.5F, none, -1.0F});
-  writer.singles("NONE", std::vector{none, none});
-  writer.singles("BEYOND", std::vector{1.0F, std::numeric_limits<float>::infinity()});
+  writer.singles("MIXED", std::array{none, 2.5F, none, -1.0F});
+  writer.singles("NONE", std::array{none, none});
+  writer.singles("BEYOND", std::array{1.0F, std::numeric_limits<float>::infinity()});
   write("ANY.BIN", bytes);
-  EXPECT_EQ(run("records --stats --format csv ~ANY.BIN").out,
-            "keyword,type,count,offset,min,max\r\n"
-            "MIXED,REAL,4,0,-1,2.5\r\n"
-            "NONE,REAL,2,48,,\r\n"
-            "BEYOND,REAL,2,88,1,inf\r\n");
+  EXPECT_THAT(run("records --stats --format csv ~ANY.BIN").out,
+              HasSubstr("MIXED,REAL,4,0,-1,2.5\r\nNONE,REAL,2,48,,\r\nBEYOND,REAL,2,88,1,inf\r\n"));
   EXPECT_TRUE(json("records --stats ~ANY.BIN")[2]["max"].is_null());
 }
 
