@@ -41,7 +41,7 @@ TEST_F(InitCommand, CheckFindsWhatDoesNotFit) {
   EXPECT_THAT(found.out, HasSubstr("pore volumes disagree with the active cells of grid ROOT (PORV"));
   const auto unknown = run("init --array DEPTH --ijk ~CASE");
   EXPECT_EQ(unknown.status, 1);
-  EXPECT_THAT(unknown.err, HasSubstr("which 4 of the 6 cells are active is not known"));
+  EXPECT_THAT(unknown.err, HasSubstr("CASE.INIT: which 4 of the 6 cells are active is not known"));
 }
 
 }  // namespace
