@@ -134,9 +134,9 @@ void ArrayValues::findActive(const RunFamily& run) {
   if (!active_ && options_.all && !someActive) return;  // values of all cells can be shown as they stand
   if (!active_) {
     throw Failure(Unreadable,
-                  fmt::format("which {} of the {} cells are active is not known: the run has no INIT file "
-                              "with PORV and no EGRID file with ACTNUM for them",
-                              cells_.active, cells_.cells));
+                  fmt::format("{}: which {} of the {} cells are active is not known: the run has no INIT "
+                              "file with PORV and no EGRID file with ACTNUM for them",
+                              reader_.index().files[step_.file], cells_.active, cells_.cells));
   }
   reader_.setActiveCells(options_.grid, *active_);
 }

@@ -192,7 +192,7 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
   std::string why;
   const auto cursor = openRecords(file.path, why);
   if (!cursor) {
-    count({.message = Message::FileOpen, .path = file.path, .problem = why, .action = "read nothing of it"});
+    count(refusal(file.path, file.kind));
     return result;
   }
   if (recognised.byContent && file.kind != FileKind::Unknown && recognised.kind != file.kind) {

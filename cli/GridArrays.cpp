@@ -142,9 +142,9 @@ void GridArrays::needActiveCells(const GridCells& cells) {
   console_.checkCancelled();
   if (active_) return;
   throw Failure(Unreadable,
-                fmt::format("the grid has {} active cells and its arrays have {} values: which cells these "
-                            "belong to is not known",
-                            grid_.nActive(), cells.active));
+                fmt::format("{}: the grid has {} active cells and its arrays have {} values: which cells "
+                            "these belong to is not known",
+                            egridFile_.empty() ? initFile_ : egridFile_, grid_.nActive(), cells.active));
 }
 
 /// An array has the type that it has in its first step.

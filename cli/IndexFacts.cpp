@@ -2,6 +2,7 @@
 
 #include "RunFacts.h"
 #include "RunIndex.h"
+#include "files/Recogniser.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
 #include "vocabulary/Units.h"
@@ -37,13 +38,21 @@ Facts indexFacts(const RunFamily& run, FileKind kind, Console& console) {
   if (kind == FileKind::Rsspec) {
     qvEclipseRSSPEC index(console.session());
     index.CheckRESTARTFile(path, qOK);
-    if (qOK) index.getRSSPECData(qOK);
+    if (qOK) {
+      index.getRSSPECData(qOK);
+    } else {
+      console.tell(refusal(path, kind));
+    }
     addSteps(facts, index);
     addHead(facts, index.head);
   } else {
     qvEclipseINSPECFile index(console.session());
     index.CheckINSPECFile(path, qOK);
-    if (qOK) index.getINSPECData(qOK);
+    if (qOK) {
+      index.getINSPECData(qOK);
+    } else {
+      console.tell(refusal(path, kind));
+    }
     std::vector<std::string> names;
     bool qNames = false;
     index.GetVectors(names, qNames);
@@ -51,9 +60,6 @@ Facts indexFacts(const RunFamily& run, FileKind kind, Console& console) {
     addHead(facts, index.head);
   }
   console.checkCancelled();
-  if (!qOK)
-    console.tell(
-        {.message = Message::RecordTruncated, .path = path, .problem = "index cannot be read to its end"});
   if (!run.find(kind == FileKind::Rsspec ? FileKind::Restart : FileKind::Init)) return facts;
   const RestartIndex used = kind == FileKind::Rsspec ? restartIndex(run, console) : initIndex(run, console);
   facts["agrees_with_files"] = used.fromFile ? "yes" : "no";

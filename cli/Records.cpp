@@ -6,6 +6,7 @@
 #include "Output.h"
 #include "PathArgument.h"
 #include "RecordData.h"
+#include "files/Recogniser.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -107,7 +108,16 @@ ExitStatus listRecords(const RecordsOptions& options, Console& console) {
   const std::string path = oneFile(options.path);
   std::string why;
   const auto cursor = openRecords(path, why);
-  if (!cursor) throw Failure(Unreadable, path + ": " + why);
+  if (!cursor) {
+    const Recognised found = recogniseFile(path);
+    console.tell(found.problem.value_or(Diagnosis{.message = Message::FileType,
+                                                  .path = path,
+                                                  .problem = "not a record file",
+                                                  .offset = 0,
+                                                  .expected = "a record header",
+                                                  .found = std::string(nameOf(found.kind))}));
+    return Unreadable;
+  }
   cursor->attach(console.session());
   Output output(options.output, console.out(), std::span(&path, 1));
   const ExitStatus status = RecordList(*cursor, console, options, output.stream()).write();

@@ -49,6 +49,8 @@ std::vector<std::string> wordsOf(const CLI::App& command) {
 std::string usageMessage(const CLI::App& app, const CLI::ParseError& error) {
   const CLI::App& command = innermost(app);
   std::string message = error.what();
+  if (error.get_name() == "ArgumentMismatch")
+    message = message.substr(0, message.find(':')) + " needs a value";
   const auto unknown = command.remaining();
   if (!unknown.empty()) {
     const bool option = unknown.front().starts_with('-');

@@ -27,14 +27,10 @@ namespace lumbarn::cli {
 namespace {
 
 /// Calls `visit` for each record of a file, its data not read.
-void walk(const std::string& path, Console& console, const std::function<void(RecordCursor&)>& visit) {
+void walk(const RunMember& file, Console& console, const std::function<void(RecordCursor&)>& visit) {
   std::string why;
-  const auto cursor = openRecords(path, why);
-  if (!cursor) {
-    console.tell(
-        {.message = Message::FileOpen, .path = path, .problem = why, .action = "read nothing of it"});
-    return;
-  }
+  const auto cursor = openRecords(file.path, why);
+  if (!cursor) return console.tell(refusal(file.path, file.kind));
   try {
     while (cursor->next()) {
       console.checkCancelled();
@@ -133,7 +129,7 @@ Facts restartFacts(const RunFamily& run, Console& console) {
 Facts initFacts(const RunFamily& run, Console& console) {
   HeaderFacts headers;
   std::int64_t records = 0;
-  walk(run.find(FileKind::Init)->path, console, [&](RecordCursor& cursor) {
+  walk(*run.find(FileKind::Init), console, [&](RecordCursor& cursor) {
     ++records;
     headers.visit(cursor);
   });
@@ -150,10 +146,11 @@ Facts gridFacts(const RunFamily& run, FileKind kind, Console& console) {
   std::optional<std::int64_t> cells;
   bool told = false;
   bool dual = false;  // two porosity systems, of which the file has the layers of the first
-  walk(run.find(kind)->path, console, [&](RecordCursor& cursor) {
+  walk(*run.find(kind), console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.is("LGR", ElementType::Text)) {
-      for (const auto& name : cursor.texts()) localGrids.push_back(name);
+      const auto names = cursor.texts();  // in a GRID file the name of the parent follows
+      if (!names.empty()) localGrids.push_back(names.front());
     } else if (header.keyword == "FILEHEAD") {
       const auto words = firstWords(cursor, 6);
       dual = words.size() == 6 && words[5] >= 1;
@@ -195,7 +192,7 @@ Facts testFacts(const RunFamily& run, Console& console) {
   std::set<std::string> wells;
   std::optional<Moment> first;
   std::optional<Moment> last;
-  walk(file.path, console, [&](RecordCursor& cursor) {
+  walk(file, console, [&](RecordCursor& cursor) {
     const RecordHeader& header = cursor.header();
     if (header.keyword == "TIME") ++tests;
     if (header.is("WELLETC", ElementType::Text) && header.count > std::int64_t{wellName}) {

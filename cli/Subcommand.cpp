@@ -55,11 +55,6 @@ void Subcommand::value(const std::string& name, std::string& text, const std::st
   command_.add_option(name, text, description)->option_text(word);
 }
 
-void Subcommand::value(const std::string& name, std::int32_t& number, const std::string& word,
-                       const std::string& description) {
-  addNumber(command_, name, number, word, description, false);
-}
-
 void Subcommand::value(const std::string& name, std::optional<std::int32_t>& number, const std::string& word,
                        const std::string& description) {
   addNumber(command_, name, number, word, description, false);

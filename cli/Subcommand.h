@@ -52,8 +52,6 @@ class Subcommand {
   /// An option with a value.
   void value(const std::string& name, std::string& text, const std::string& word,
              const std::string& description);
-  void value(const std::string& name, std::int32_t& number, const std::string& word,
-             const std::string& description);
   void value(const std::string& name, std::optional<std::int32_t>& number, const std::string& word,
              const std::string& description);
   void requiredValue(const std::string& name, std::string& text, const std::string& word,

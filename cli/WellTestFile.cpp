@@ -129,7 +129,7 @@ class SimulatorTests final : public WellTestFile {
       reader_.GetICDBRANCHtest(test, values, headers, iNumber, zDate, zWell, zGrid, qOK, branch);
     if (!qOK && kind == TestTableKind::PltBranch)
       throw Failure(Usage, fmt::format("test {} has no connections to show of PLT branch {}", test, branch));
-    if (!qOK) console_.giveUp(path_, fmt::format("test {} cannot be shown so", test));
+    if (!qOK) console_.giveUp(path_, fmt::format("test {} cannot be read", test));
     return columnsOf(values, headers);
   }
 

@@ -12,7 +12,7 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
-    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --table | --number)
+    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number)
       return
       ;;
   esac

@@ -17,16 +17,11 @@ struct Outcome {
   std::string err;
 };
 
-inline Outcome command(const std::vector<std::string>& args, Session& session) {
+inline Outcome command(const std::vector<std::string>& args, Session&& session = Session()) {
   std::ostringstream out;
   std::ostringstream err;
   const int status = run(args, out, err, session);
   return {status, out.str(), err.str()};
-}
-
-inline Outcome command(const std::vector<std::string>& args) {
-  Session session;
-  return command(args, session);
 }
 
 inline std::string sample(const std::string& name) { return examplePath("/data/") + name; }

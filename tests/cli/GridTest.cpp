@@ -6,14 +6,6 @@ namespace {
 
 struct GridCommand : CommandTest {};
 
-TEST_F(GridCommand, CornersAreThoseOfTheFile) {
-  const auto rows = csv("grid --corners @ARBORF");
-  ASSERT_EQ(rows.size(), 1 + 297);
-  EXPECT_EQ(rows[0].size(), 27);
-  EXPECT_EQ(rows[2][3], rows[1][6]) << "corner 1 of a cell is corner 2 of the one before it in I";
-  EXPECT_EQ(csv("grid --corners @ARBOR"), rows);
-}
-
 TEST_F(GridCommand, RadialGridsHaveAnglesAndRefinedCellsAreCounted) {
   test::GridBuilder grid;
   grid.grids[0].activity = {0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};

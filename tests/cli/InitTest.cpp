@@ -28,24 +28,6 @@ TEST_F(InitCommand, ShowsArraysOfEveryGridWithTheirCells) {
   EXPECT_THAT(csv("init --nnc --array TRAN* ~CASE")[2], ElementsAre("2", "0.25"));
 }
 
-TEST_F(InitCommand, NumbersCellsByTheGridFileWherePoreVolumesDoNot) {
-  test::InitBuilder init(test::bigEndian);
-  init.head({.Nx = 3, .Ny = 2, .nActive = 4});
-  init.integers("CELL", {16777217, 3, 4, 6}).singles("DEPTH", {1, 2, 3, 4, 5, 6});
-  write("CASE.INIT", init.bytes());
-  const auto unknown = run("init --array CELL --ijk ~CASE");
-  EXPECT_EQ(unknown.status, 1);
-  EXPECT_THAT(unknown.err, HasSubstr("which 4 of the 6 cells are active is not known"));
-  test::InitBuilder grid(test::bigEndian);
-  grid.integers("ACTNUM", {1, 0, 1, 1, 0, 1}).integers("ENDGRID", {});
-  write("CASE.EGRID", grid.bytes());
-  EXPECT_EQ(csv("init --array CELL,DEPTH --ijk ~CASE"), (Rows{{"i", "j", "k", "CELL", "DEPTH"},
-                                                              {"1", "1", "1", "16777217", "1"},
-                                                              {"3", "1", "1", "3", "3"},
-                                                              {"1", "2", "1", "4", "4"},
-                                                              {"3", "2", "1", "6", "6"}}));
-}
-
 TEST_F(InitCommand, CheckFindsWhatDoesNotFit) {
   EXPECT_EQ(run("check ~CASE").status, 0);
   EXPECT_EQ(run("check @ARBOR/ARBOR.INIT").status, 0) << "words left at 1 are no finding";
@@ -57,6 +39,9 @@ TEST_F(InitCommand, CheckFindsWhatDoesNotFit) {
   EXPECT_EQ(found.status, 3);
   EXPECT_THAT(found.out, HasSubstr("2 findings")) << "told once, not for each array";
   EXPECT_THAT(found.out, HasSubstr("pore volumes disagree with the active cells of grid ROOT (PORV"));
+  const auto unknown = run("init --array DEPTH --ijk ~CASE");
+  EXPECT_EQ(unknown.status, 1);
+  EXPECT_THAT(unknown.err, HasSubstr("CASE.INIT: which 4 of the 6 cells are active is not known"));
 }
 
 }  // namespace

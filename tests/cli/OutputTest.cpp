@@ -1,7 +1,6 @@
 #include "CommandTest.h"
 #include "Output.h"
 #include "ProgressBar.h"
-#include "TableWriter.h"
 
 namespace lumbarn::cli::testing {
 namespace {
@@ -9,25 +8,6 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Output : CommandTest {};
-
-TEST_F(Output, AFileAppearsWholeOrNotAtAll) {
-  Session cancelled;
-  cancelled.CancelLoad = true;
-  const Outcome stopped = run("summary -o ~out @ARBOR", cancelled);
-  EXPECT_EQ(stopped.status, 130);
-  EXPECT_EQ(stopped.err, "lumbarn: cancelled\n");
-  EXPECT_EQ(run("summary -o ~out --vectors NONE @ARBOR").status, 2);
-  EXPECT_EQ(fileCount(), 0) << "nothing may stay behind";
-
-  store(file("out"), "old");
-  EXPECT_EQ(run("summary -o ~out --vectors NONE @ARBOR").status, 2);
-  EXPECT_EQ(content(file("out")), "old");
-  const Outcome written = run("summary -o ~out @ARBOR");
-  EXPECT_EQ(written.status, 0);
-  EXPECT_EQ(written.out + written.err, "");
-  EXPECT_EQ(content(file("out")), run("summary @ARBOR").out);
-  EXPECT_EQ(fileCount(), 1);
-}
 
 TEST_F(Output, WhatIsReplacedAndOnRequestOnly) {
   copy("ARBOR/ARBOR.SMSPEC", "A.SMSPEC");
@@ -52,47 +32,12 @@ TEST_F(Output, WhatIsReplacedAndOnRequestOnly) {
     EXPECT_EQ(run(std::string("vectors ~A -o ") + target).status, status) << target;
     EXPECT_TRUE(status == 0 || before.empty() || content(path) == before) << target;
   }
+  EXPECT_EQ(content(file("table.csv")), run("vectors ~A").out);
+  EXPECT_EQ(run("summary ~A --vectors NONE -o ~table.csv").status, 2);
+  EXPECT_EQ(content(file("table.csv")), run("vectors ~A").out) << "replaced by nothing";
   EXPECT_TRUE(fs::is_symlink(file("link"))) << "a link stays one";
   EXPECT_THAT(content(file("behind")), ::testing::StartsWith("name "));
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
-}
-
-std::string tableOf(Format format) {
-  std::ostringstream out;
-  const auto table = TableWriter::make(format, {{"name"}, {"value", true, 5, "BARSA"}, {"note, \"x\""}}, out);
-  const char* const texts[] = {"a,b", "say \"hi\"", "line\r\nend", "\xC3\xA9t\xC3\xA9", "bad \xFF", ""};
-  float value = 0.1F;
-  for (const char* text : texts) {
-    table->text(text);
-    table->number(value);
-    table->text("-");
-    value *= -1000;
-  }
-  table->finish();
-  return out.str();
-}
-
-TEST(TableWriter, QuotesWhatEachFormatNeeds) {
-  EXPECT_EQ(tableOf(Format::Csv),
-            "name,value,\"note, \"\"x\"\"\"\r\n"
-            "\"a,b\",0.1,-\r\n"
-            "\"say \"\"hi\"\"\",-100,-\r\n"
-            "\"line\r\nend\",1e+05,-\r\n"
-            "\xC3\xA9t\xC3\xA9,-1e+08,-\r\n"
-            "bad \xC3\xBF,1e+11,-\r\n"
-            ",-1e+14,-\r\n");
-  const auto json = nlohmann::json::parse(tableOf(Format::Json));
-  EXPECT_EQ(json[2], (nlohmann::json{{"name", "line\r\nend"}, {"value", 1e5}, {"note, \"x\"", "-"}}));
-  EXPECT_EQ(json[4]["name"], "bad \xC3\xBF");
-  EXPECT_EQ(tableOf(Format::Table),
-            "name  value  note, \"x\"\n"
-            "      BARSA\n"
-            "a,b     0.1  -\n"
-            "say \"hi\"   -100  -\n"
-            "line??end  100000  -\n"
-            "\xC3\xA9t\xC3\xA9   -100000000  -\n"
-            "bad \xC3\xBF  1e+11  -\n"
-            "      -1e+14  -\n");
 }
 
 TEST(ProgressBar, AppearsAfterASecondAndGoesAwayForMessages) {
@@ -101,23 +46,19 @@ TEST(ProgressBar, AppearsAfterASecondAndGoesAwayForMessages) {
   session.now = [&now] { return now; };
   std::ostringstream err;
   ProgressBar bar(err, session, true);
+  const auto drawn = [&](int milliseconds, double share) {
+    now += std::chrono::milliseconds(milliseconds);
+    bar.fraction(share);
+    return std::exchange(err, std::ostringstream()).str();
+  };
   bar.files(2);
-  bar.fraction(0.1);
-  now += std::chrono::milliseconds(999);
-  bar.fraction(0.4);
-  EXPECT_EQ(err.str(), "");
-  now += std::chrono::milliseconds(1);
-  bar.fraction(0.5);
-  EXPECT_EQ(err.str(), "\r[##########                              ]  25 %");
-  err.str("");
-  bar.fraction(0.6);
-  EXPECT_EQ(err.str(), "") << "drawn too often";
-  now += std::chrono::seconds(1);
+  EXPECT_EQ(drawn(0, 0.1), "");
+  EXPECT_EQ(drawn(999, 0.4), "");
+  EXPECT_EQ(drawn(1, 0.5), "\r[##########                              ]  25 %");
+  EXPECT_EQ(drawn(0, 0.6), "") << "drawn too often";
   bar.fileDone();
-  EXPECT_THAT(err.str(), HasSubstr(" 50 %"));
-  err.str("");
-  bar.hide();
-  bar.hide();
+  EXPECT_THAT(drawn(1000, 0), HasSubstr(" 50 %"));
+  for (int time = 0; time < 2; ++time) bar.hide();
   EXPECT_EQ(err.str(), "\r\033[K");
 }
 

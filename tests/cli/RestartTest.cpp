@@ -4,9 +4,8 @@
 #include "GridArrays.h"
 #include "PathArgument.h"
 #include "grid/qvGRIDReader.h"
-#include "support/GridBuilder.h"
 #include "support/IndexedRun.h"
-#include "support/InitBuilder.h"
+#include "support/ModelRun.h"
 #include "support/RestartBuilder.h"
 
 namespace lumbarn::cli::testing {
@@ -19,21 +18,6 @@ struct RestartCommand : CommandTest {
   }
   test::IndexedRun run_;
 };
-
-TEST_F(RestartCommand, ShowsActiveCellsOrAllWithTheirNumbers) {
-  const auto active = csv("restart --step 2 --array region,FULL --ijk ~R");
-  ASSERT_EQ(active.size(), 10U);
-  EXPECT_THAT(active[0], ElementsAre("i", "j", "k", "REGION", "FULL"));
-  EXPECT_THAT(active[3], ElementsAre("1", "2", "1", "3", "203"));
-  EXPECT_THAT(active[9], ElementsAre("2", "2", "2", "16777217", "210"));
-  const auto all = csv("restart --step 2 --array PRESSURE --all ~R");
-  ASSERT_EQ(all.size(), 13U);
-  EXPECT_EQ(all[3][0], "-999");
-  EXPECT_EQ(all[4][0], "202");
-  const Outcome local = command(
-      {"restart", "--step", "5", "--array", "P*", "--grid", "near well", "--format", "csv", file("R")});
-  EXPECT_EQ(parseCsv(local.out)[1][0], "2500");
-}
 
 TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
   test::RestartBuilder twice;
@@ -53,6 +37,10 @@ TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
 }
 
 TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
+  EXPECT_THAT(csv("restart --step 2 --array region,FULL --ijk ~R").back(),
+              ElementsAre("2", "2", "2", "16777217", "210"));
+  EXPECT_EQ(csv("restart --step 2 --array PRESSURE --all ~R").at(3), std::vector<std::string>{"-999"});
+  EXPECT_EQ(csv("restart @ARBORM/ARBORM.X0003").at(1).at(0), "3") << "the step of the file that is named";
   const std::string walked = run("restart ~R").out;
   const Outcome written = run("index ~R --into ~");
   EXPECT_EQ(written.status, 0) << written.err;
@@ -83,13 +71,13 @@ TEST_F(RestartCommand, WellsOfStepsAndGrids) {
                  {.number = 4, .grids = {global, local}}};
   const std::string path = wells.write(folder_, "W", test::bigEndian);
   const Outcome none = run("wells --step 1 ~W.UNRST");
-  EXPECT_EQ(none.status, 0);
-  EXPECT_EQ(none.err, "lumbarn: step 1 has no wells\n");
-  EXPECT_EQ(none.out, "step 1, 2015-01-01, 0 days\n");
+  EXPECT_EQ(none.err + none.out, "lumbarn: step 1 has no wells\nstep 1, 2015-01-01, 0 days\n");
   const auto fine = json("wells --grid fine ~W.UNRST");
   EXPECT_EQ(fine["grid"], "FINE");
   EXPECT_EQ(fine["wells"][0]["well"], "B");
-  EXPECT_EQ(fine["wells"][0]["connections"][0]["j"], 2);
+  EXPECT_THAT(run("restart ~W.UNRST").out, HasSubstr("arrays of steps 2, 4\n"));
+  EXPECT_EQ(csv("restart --grid fine ~W.UNRST").at(1),
+            (std::vector<std::string>{"1", "2015-01-01T00:00:00", "0", "", "", "", "", ""}));
 
   // A truncated file shows the last complete step.
   const std::string whole = content(path);
@@ -101,69 +89,44 @@ TEST_F(RestartCommand, WellsOfStepsAndGrids) {
   EXPECT_THAT(behind.err, HasSubstr("has no report step 7; it has 1, 2"));
 }
 
-struct ActiveCellsOfRuns : CommandTest {
-  void writeStep(std::array<std::int32_t, 3> size, std::int32_t nActive,
-                 const std::vector<test::RestartBuilder::Array>& arrays) const {
-    test::RestartBuilder restart;
-    restart.steps = {{.number = 1, .grids = {{.size = size, .nActive = nActive, .arrays = arrays}}}};
-    restart.write(folder_, "R", test::bigEndian);
-  }
-};
-
-/// The grid file has the layers of the matrix only, and the run no INIT file.
-TEST_F(ActiveCellsOfRuns, DualPorosityWithoutInit) {
-  test::GridBuilder grid;
-  grid.dualPorosity = 1;
-  grid.grids[0].size = {2, 1, 2};
-  grid.grids[0].halfDepths = true;
-  grid.grids[0].activity = {3, 2};
-  write("R.EGRID", grid.egrid(test::bigEndian));
-  writeStep({2, 1, 2}, 3, {{"PRESSURE", {5, 6, 7}}});
-  EXPECT_EQ(run("restart --step 1 --array PRESSURE --ijk --format csv ~R.UNRST").out,
-            "i,j,k,PRESSURE\r\n1,1,1,5\r\n1,1,2,6\r\n2,1,2,7\r\n");
-}
-
-/// IX: the grid file and headers count cells without pore volume as active.
-TEST_F(ActiveCellsOfRuns, ArraysOfFewerCellsThanTheGridFileStates) {
-  test::GridBuilder grid;
-  grid.grids[0].size = {2, 2, 1};
-  write("R.EGRID", grid.egrid(test::bigEndian));
-  test::InitBuilder init(test::bigEndian);
-  init.head({.nActive = 4, .iProgram = 300});
-  init.singles("PORV", {1, 0, 3, 4}).singles("PORO", {21, 23, 24}).singles("DEPTH", {31, 33, 34});
-  write("R.INIT", init.bytes());
-  writeStep({2, 2, 1}, 4, {{"PRESSURE", {1, 3, 4}}, {"SWAT", {0, 0, 1}}});
-  EXPECT_EQ(run("restart --step 1 --array pressure --ijk --format csv ~R.UNRST").out,
-            "i,j,k,PRESSURE\r\n1,1,1,1\r\n1,2,1,3\r\n2,2,1,4\r\n");
-  EXPECT_THAT(run("init --array PORO --ijk --format csv ~R").out, HasSubstr("1,2,1,23\r\n2,2,1,24\r\n"));
-
+/// The grid file and the headers count cells without pore volume as active; arrays have no values for them.
+TEST_F(RestartCommand, ArraysOfFewerCellsThanTheGridFileStates) {
+  const test::ModelRun run(test::everyWriter[3], test::bigEndian);
+  const auto cells = run.model.activeCells();
   std::ostringstream text;
   Session session;
   Console console(text, text, session, false);
   qvGRIDReader reader(session);
   bool qOK = false;
-  ASSERT_TRUE(reader.CheckEGRIDFile(file("R.EGRID")));
+  ASSERT_TRUE(reader.CheckEGRIDFile(run.gridPath));
   reader.ReadEclipseEGridFile(qOK);
-  GridArrays arrays(findRun(file("R")), *reader.xGrids.front(), 1, console);
-  std::vector<float> values(4);
-  for (const auto& [name, first] : {std::pair("PRESSURE", 1.0F), {"PORO", 21.0F}}) {
-    const CellArray array = arrays.array(name);
-    std::get<CellReader<float>>(array.read)(0, 0, values);
-    EXPECT_EQ(values[0], first);
-    EXPECT_TRUE(std::isnan(values[1])) << name << " has no value for the cell without pore volume";
-    EXPECT_EQ(values[3], first + 3);
+  GridArrays arrays(findRun(run.root()), *reader.xGrids.front(), 1, console);
+  std::vector<float> values(static_cast<std::size_t>(run.model.activeInGrid()));
+  ASSERT_GT(values.size(), cells.size());
+  for (const auto* name : {"PRESSURE", "PORO"}) {
+    std::get<CellReader<float>>(arrays.array(name).read)(0, 0, values);
+    std::size_t row = 0;
+    for (std::size_t active = 0; active < values.size(); ++active) {
+      const std::int32_t cell = reader.xGrids.front()->cellOf(static_cast<std::int32_t>(active) + 1) - 1;
+      const bool known = row < cells.size() && cells[row] == cell;
+      EXPECT_EQ(std::isnan(values[active]), !known) << name << " of cell " << cell;
+      row += known;
+      EXPECT_TRUE(!known || values[active] == test::modelValue(name, 0, cell)) << name << " of cell " << cell;
+    }
   }
 }
 
-TEST_F(ActiveCellsOfRuns, DerivedSaturationsAndNamesThatOccurTwice) {
-  writeStep({2, 2, 1}, 4,
-            {{"SWAT", {0.25F, 0.5F, 0, 1}},
-             {"SGAS", {0.25F, 0.25F, 0, 0}},
-             {"RS", {1, 2, 3, 4}},
-             {"RS", {5, 6, 7, 8}}});
-  EXPECT_THAT(csv("restart ~R").back(),
+TEST_F(RestartCommand, DerivedSaturationsAndNamesThatOccurTwice) {
+  test::RestartBuilder restart;
+  restart.steps = {{.number = 1,
+                    .grids = {{.arrays = {{"SWAT", {0.25F, 0.5F, 0, 1}},
+                                          {"SGAS", {0.25F, 0.25F, 0, 0}},
+                                          {"RS", {1, 2, 3, 4}},
+                                          {"RS", {5, 6, 7, 8}}}}}}};
+  write("D.UNRST", restart.bytes(test::bigEndian));
+  EXPECT_THAT(csv("restart ~D").back(),
               ElementsAre("1", "2015-01-01T00:00:00", "0", "ROOT", "SOIL", "derived", "4", ""));
-  const Outcome values = run("restart --step 1 --array RS,S?IL --format csv ~R");
+  const Outcome values = run("restart --step 1 --array RS,S?IL --format csv ~D");
   EXPECT_THAT(values.out, HasSubstr("RS,RS,SOIL\r\n1,5,0.5\r\n2,6,0.25\r\n"));
   EXPECT_THAT(values.err, HasSubstr("RS occurs twice in step 1"));
 }

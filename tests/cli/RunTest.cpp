@@ -1,13 +1,18 @@
+#include <csignal>
 #include <cstdlib>
 #include <regex>
+#include <set>
 
 #include "CommandTest.h"
 #include "Run.h"
+#include "support/ModelRun.h"
 #include "support/Paths.h"
 #include "support/SummaryBuilder.h"
 
 namespace lumbarn::cli::testing {
 namespace {
+
+using Names = std::vector<std::string>;
 
 struct Run : CommandTest {};
 
@@ -18,41 +23,39 @@ const Refusal refusals[] = {
     {"sumary X", ": unknown subcommand \"sumary\"; did you mean \"summary\"? (see \"lumbarn --help\")"},
     {"records --stat X", "\"--stat\"; did you mean \"--stats\"? (see \"lumbarn records --help\")"},
     {"summary --report-step=1 X", "option \"--report-step=1\"; did you mean \"--report-steps\"?"},
-    {"records X Y", "unknown argument \"Y\""},
-    {"vectors", "PATH is required (see \"lumbarn vectors --help\")"},
     {"info --format xml X", "--format is table, csv or json, not \"xml\""},
-    {"info NO/SUCH", "NO/SUCH: "},
     {"records ~NOT.THERE", "NOT.THERE"},
     {"records @ARBOR", "name one of its files: "},
+    {"info @CEDAR", "CEDAR can mean several runs, name one: "},
+    {"restart --step", "--step needs a value (see \"lumbarn restart --help\")"},
+    {"summary ~IN", "IN: has no summary specification (SMSPEC)"},
+    {"grid @measured/rft.txt", "rft: has no grid file (EGRID or GRID)"},
+    {"index --into ~ @measured/rft.txt", "rft: has no restart files and no INIT file"},
+    {"restart --ijk @HOLLIN", "--ijk goes with --array"},
+    {"restart --step 3 --array IWEL,ICON @HOLLIN", "show them one by one"},
+    {"rft --test 1 --branch 1 @measured/rft.txt", "test 1 has no branches"},
+    {"init --nnc --array X --ijk @HOLLIN", "--ijk goes with arrays of cells, not with --nnc"},
     {"summary --steps 5:3 @ARBOR", "--steps takes a range as 3:7, 3:, :7 or 3, not \"5:3\""},
     {"summary --vectors X* @ARBOR", "no vector matches \"X*\""},
-    {"summary @expected", "/expected"},
     {"restart --step X", "--step needs a whole number, not \"X\" (see"},
     {"restart --step 99 @HOLLIN", "has no report step 99; it has 0:13"},
     {"restart --step 3 --grid FAULT @HOLLIN", "step 3 has no grid FAULT; it has ROOT"},
     {"restart --step 3 --array PRESURE @HOLLIN", "did you mean \"PRESSURE\"?"},
-    {"restart --step 3 --array X @HOLLIN", "no array X; it has PRESSURE, SWAT, SOIL"},
     {"restart --step 3 --array ZWEL @HOLLIN", "holds no numbers but CHAR"},
     {"restart --step 3 --array ICON --ijk @HOLLIN", "it cannot be shown with --ijk"},
     {"restart --array PRESSURE @HOLLIN", "--array needs --step N"},
-    {"wells --step 99 @HOLLIN", "has no report step 99; it has 0:13\n"},
     {"wells --grid RODT @HOLLIN", "step 13 has no grid \"RODT\"; did you mean \"ROOT\"?\n"},
-    {"wells --grid LGR9 @HOLLIN", "step 13 has no grid \"LGR9\"; it has ROOT\n"},
     {"wells ~IN", "IN: has no restart files"},
     {"init --ijk @HOLLIN", "--ijk goes with --array"},
     {"init --flags --nnc @HOLLIN", "--flags goes without --nnc"},
     {"init --array DEPHT @HOLLIN", "has no array DEPHT; did you mean \"DEPTH\"?"},
-    {"init --grid X @HOLLIN", "no grid \"X\"; it has ROOT"},
     {"tables --table PVTX @HOLLIN", "no table \"PVTX\"; it has SWFN"},
     {"tables --number 2 @HOLLIN", "--number goes with --table"},
-    {"tables --number 2147483648 X", "--number needs a whole number"},
     {"tables --table density --number 2 @HOLLIN", "no table 2 of DENSITY; it has 1"},
     {"rft --test 99 @HOLLIN", "HOLLIN.RFT: has 5 tests, there is no test 99"},
     {"rft --test 1 --segments @measured/rft.txt", "test 1 has no segments"},
     {"rft --test 0 @HOLLIN", "needs a number from 1, not \"0\""},
     {"rft --plt --all @HOLLIN", "at a time"},
-    {"rft --plt @ARBOR", "say which test with --test N"},
-    {"grid --grid ROT @HOLLIN", "no grid \"ROT\"; did you mean \"ROOT\"?"},
     {"grid --array PORO @HOLLIN", "--array, --step and --z-up go with --vtk"},
     {"grid --vtk ~OUT --corners @HOLLIN", "--corners and --vtk cannot be given together"},
     {"grid --vtk ~OUT --array PRESURE @HOLLIN", "did you mean \"PRESSURE\"?"},
@@ -75,30 +78,75 @@ TEST_F(Run, WrongUsageSaysWhatIsMeantAndWritesNothing) {
   EXPECT_THAT(run("--version").out, ::testing::MatchesRegex("lumbarn [0-9.]+\n"));
 }
 
+std::set<std::string> optionsIn(const std::string& text) {
+  static const std::regex option("--[a-z][a-z-]*");
+  std::set<std::string> found;
+  for (std::sregex_iterator each(text.begin(), text.end(), option), end; each != end; ++each)
+    found.insert(each->str());
+  for (const char* everywhere : {"--help", "--format", "--output", "--replace"}) found.erase(everywhere);
+  return found;
+}
+
 TEST_F(Run, EveryOptionIsInTheManPageAndInTheCompletions) {
-  std::string manual = content(examplePath("/../cli/man/lumbarn.1"));
-  std::erase(manual, '\\');
-  const std::string written[] = {manual, content(examplePath("/../cli/completions/lumbarn.bash")),
-                                 content(examplePath("/../cli/completions/_lumbarn"))};
-  const std::regex option("--[a-z-]+");
-  for (const char* subcommand : {"info", "records", "check", "vectors", "summary", "restart", "wells", "grid",
+  const std::string source = examplePath("/../cli/");
+  std::string manual =
+      std::regex_replace(content(source + "man/lumbarn.1"), std::regex(R"(\\f[A-Z]|\\)"), "");
+  const std::string described = manual.substr(manual.find(".SH OPTIONS"));
+  manual.resize(manual.find(".SH DESCRIPTION"));
+  const std::string bash = content(source + "completions/lumbarn.bash");
+  const std::string zsh = std::regex_replace(content(source + "completions/_lumbarn"),
+                                             std::regex(R"(\$duplicates)"), "--keep-duplicates");
+  const auto between = [](const std::string& text, const std::string& from, const char* to) {
+    const auto at = text.find(from);
+    return at == text.npos ? "" : text.substr(at, text.find(to, at + 1) - at);
+  };
+  for (const std::string name : {"info", "records", "check", "vectors", "summary", "restart", "wells", "grid",
                                  "rft", "index", "init", "tables"}) {
-    const std::string help = command({subcommand, "--help"}).out;
-    EXPECT_THAT(help, HasSubstr(std::string("Example:\n  lumbarn ") + subcommand));
-    for (std::sregex_iterator found(help.begin(), help.end(), option), end; found != end; ++found) {
-      for (const auto& text : written) EXPECT_THAT(text, HasSubstr(found->str())) << subcommand;
-    }
+    const std::string help = command({name, "--help"}).out;
+    EXPECT_THAT(help, HasSubstr("Example:\n  lumbarn " + name));
+    const auto options = optionsIn(help);
+    EXPECT_EQ(optionsIn(between(manual, "\n.B lumbarn " + name + "\n", "\n.B ")), options) << name;
+    EXPECT_EQ(optionsIn(between(bash, "\n    " + name + ") ", ";;")), options) << name;
+    EXPECT_EQ(optionsIn(between(zsh, "\n    " + name + ")", ";;")), options) << name;
+    for (const auto& option : options) EXPECT_THAT(described, HasSubstr(option));
   }
 }
 
-TEST_F(Run, SeveralRunsInAFolderAreListed) {
-  for (const char* subcommand :
-       {"info", "check", "vectors", "summary", "wells", "rft", "grid", "restart", "init", "tables"}) {
-    const Outcome outcome = command({subcommand, sample("CEDAR")});
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.err, "lumbarn: " + sample("CEDAR") +
-                               " can mean several runs, name one: " + sample("CEDAR/CEDAR, ") +
-                               sample("CEDAR/CEDAR_R1, ") + sample("CEDAR/CEDAR_R2") + "\n");
+/// Every writer's run and each of its files, in the words of the model.
+TEST_F(Run, InfoHasTheFactsOfEveryWriter) {
+  for (const auto& writer : test::everyWriter) {
+    SCOPED_TRACE(writer.name);
+    const test::ModelRun model(writer, test::bigEndian);
+    const auto steps = model.model.restartSteps();
+    const auto about = [&](const std::string& path) {
+      return nlohmann::json::parse(command({"info", "--format", "json", path}).out);
+    };
+    const auto all = about(model.root());
+    EXPECT_EQ(all["summary"]["vectors"], model.model.vectors().size());
+    EXPECT_EQ(all["restart"]["steps"], steps.size());
+    EXPECT_EQ(all["restart"]["last_step"], steps.back());
+    for (const char* part : {"restart", "init", "grid"}) {
+      EXPECT_EQ(all[part]["grid"], (nlohmann::json{3, 2, 4})) << part;
+      EXPECT_EQ(all[part].value("local_grids", Names()), Names(writer.localGrid, "LGR1")) << part;
+    }
+    EXPECT_EQ(all["init"]["active_cells"], model.model.activeCells().size());
+    EXPECT_EQ(all["grid"]["active_cells"], model.model.activeInGrid());
+    if (model.indexPath.empty()) continue;
+    const auto index = about(model.indexPath)["restart_index"];
+    EXPECT_EQ(index["agrees_with_files"], "yes");
+    EXPECT_EQ(index["first_step"], steps.front());
+    EXPECT_EQ(index["grid"], all["restart"]["grid"]);
+  }
+}
+
+TEST_F(Run, InfoReportsTheByteAtWhichAFileIsNotWhatItsNameSays) {
+  std::vector<std::byte> bytes;
+  RecordWriter(memorySink(bytes), test::bigEndian).integers("FOREIGN", std::array{1});
+  for (const std::string name : {"A.SMSPEC", "A.RSSPEC", "A.INSPEC", "A.SAVE"}) {
+    write(name, bytes);
+    const Outcome outcome = run("info ~" + name);
+    EXPECT_NE(outcome.status, 0) << name;
+    EXPECT_THAT(outcome.err, ::testing::ContainsRegex(name + ": .*FOREIGN, occurrence 1, byte 0"));
   }
 }
 
@@ -110,37 +158,49 @@ TEST_F(Run, ExitStatusAndStreamsOfTheProgram) {
   const std::string arbor = " '" + sample("ARBOR") + "' ", messages = file("messages"), target = file("out");
   const std::string message = "lumbarn: " + file("CUT.UNSMRY") +
                               ": record is cut off (byte 8992: expected 24 bytes, found 8); kept 13 rows\n";
-  struct Row {
-    std::string line;
-    int status;
-    std::string message;
-  };
-  std::vector<Row> rows{
+  std::vector<std::tuple<std::string, int, std::string>> rows{
       {program + "info" + arbor + ">/dev/null", 0, ""},
+      {program + "vectors" + arbor + "<&- >&-", 1, "standard output cannot be written"},
       {program + "summary" + cut + ">/dev/null", 3, message},
-      {program + "records '" + sample("ARBOR/ARBOR.DATA") + "'", 1, "is no record file"},
+      {program + "records '" + sample("ARBOR/ARBOR.DATA") + "'", 1, "not a record file (byte 0: "},
       {program + "check NOWHERE", 2, "NOWHERE"},
       {"ulimit -f 0; " + program + "summary -o '" + target + "'" + cut + "2>/dev/null", 1, ""},
   };
   if (std::filesystem::exists("/dev/full")) {
-    rows.push_back({program + "vectors" + arbor + ">/dev/full", 1, "standard output cannot be written"});
-    rows.push_back({program + "--help >/dev/full", 1, "lumbarn: standard output cannot be written"});
-    rows.push_back({program + "vectors -o /dev/full" + arbor, 1,
-                    "lumbarn: /dev/full: cannot be written: No space left on device\n"});
+    rows.emplace_back(program + "vectors" + arbor + ">/dev/full", 1, "standard output cannot be written");
+    rows.emplace_back(program + "--help >/dev/full", 1, "lumbarn: standard output cannot be written");
+    rows.emplace_back(program + "vectors -o /dev/full" + arbor, 1,
+                      "lumbarn: /dev/full: cannot be written: No space left on device\n");
   }
-  for (const Row& row : rows) {
-    const bool quiet = row.line.ends_with("2>/dev/null");  // a message file cannot grow either
-    const int status = std::system((row.line + (quiet ? "" : " 2>" + messages)).c_str());
-    EXPECT_EQ(WEXITSTATUS(status), row.status) << row.line;
-    if (!quiet) {
-      EXPECT_THAT(content(messages), HasSubstr(row.message)) << row.line;
-    }
-    EXPECT_TRUE(row.status > 0 || content(messages).empty()) << "no progress bar without a terminal";
+  for (const auto& [line, status, expected] : rows) {
+    const bool quiet = line.ends_with("2>/dev/null");  // a message file cannot grow either
+    EXPECT_EQ(WEXITSTATUS(std::system((line + (quiet ? "" : " 2>" + messages)).c_str())), status) << line;
+    EXPECT_TRUE(quiet || content(messages).find(expected) != expected.npos) << line << content(messages);
+    EXPECT_TRUE(status > 0 || content(messages).empty()) << "no progress bar without a terminal";
   }
   EXPECT_EQ(fileCount(), 3) << "a temporary file was left";
   const int closed = std::system((program + "summary -o '" + target + "'" + cut + "2>&-").c_str());
   EXPECT_EQ(WEXITSTATUS(closed), 3);
   EXPECT_THAT(content(target), ::testing::Not(HasSubstr("lumbarn:"))) << "a message in the output";
+}
+
+TEST_F(Run, EndsByTheSignalWithoutATemporaryFile) {
+  // One block of two gigabytes, nearly all of it a hole: reading it takes much longer than sending a signal.
+  constexpr std::int32_t elements = 500000000;
+  std::vector<std::byte> bytes;
+  RecordWriter(memorySink(bytes), test::bigEndian).header("LARGE", elements, "REAL");
+  const auto mark = test::bytesOf("\x77\x35\x94");  // and a zero: 4 * elements
+  bytes.insert(bytes.end(), mark.begin(), mark.end());
+  write("BIG", bytes);
+  std::filesystem::resize_file(file("BIG"), bytes.size() + 1 + 4LL * elements);
+  std::ofstream(file("BIG"), std::ios::app) << "\x77\x35\x94" << '\0';
+  std::signal(SIGHUP, SIG_DFL);  // the tests may have been started to ignore it
+  const std::string script =
+      "cd '" + file("") + "'; '" + commandPath() + "' records --stats -o out BIG 2>messages & id=$!; cd '" +
+      file("") + "'; while [ $(ls -A | wc -l) -lt 3 ] && kill -0 $id; do :; done; kill -HUP $id; wait $id";
+  EXPECT_EQ(WEXITSTATUS(std::system(script.c_str())), 128 + SIGHUP);
+  EXPECT_EQ(content(file("messages")), "lumbarn: cancelled\n");
+  EXPECT_EQ(fileCount(), 2) << "a temporary file was left";
 }
 
 TEST_F(Run, StatusFollowsFromTheWorstDiagnosis) {
@@ -161,7 +221,7 @@ TEST_F(Run, StatusFollowsFromTheWorstDiagnosis) {
   for (const char* subcommand : {"summary", "vectors"}) {
     Session small;
     small.memoryLimit = 16;
-    const Outcome outcome = command({subcommand, sample("ARBOR")}, small);
+    const Outcome outcome = command({subcommand, sample("ARBOR")}, std::move(small));
     EXPECT_TRUE(outcome.err.empty() || outcome.status != 0) << subcommand << ": an empty table with exit 0";
   }
 }

@@ -28,6 +28,11 @@ class AllForms : public OfForm {
 };
 INSTANTIATE_TEST_SUITE_P(Record, AllForms, ::testing::ValuesIn(everyForm), formName);
 
+RecordCursor& next(RecordCursor& cursor) {
+  if (!cursor.next()) throw std::runtime_error("no more records");
+  return cursor;
+}
+
 /// Values that a formatted file holds exactly, so that one expectation serves all forms.
 std::vector<float> evenValues(std::size_t n) {
   std::vector<float> values(n);
@@ -35,18 +40,23 @@ std::vector<float> evenValues(std::size_t n) {
   return values;
 }
 
-TEST_P(AllForms, EveryTypeComesBackAcrossBlocks) {
+TEST_P(AllForms, EveryTypeComesBackAcrossBlocksAndInParts) {
   std::vector<std::int32_t> integers(2001);
   std::iota(integers.begin(), integers.end(), -1000);
   integers[7] = std::numeric_limits<std::int32_t>::min();
+  const auto values = evenValues(3456);
   const std::vector<double> doubles(1001, -0.5e-290);
   const bool flags[] = {true, false, true, true};
   std::vector<std::string> names(211, "P'1 /X");
   names[105] = "LAST OF ";
   std::vector<std::string> longNames(107, "A_WELL_NAME_OF_THIRTY-TWO_CHARS!");
   longNames[3] = "it's";
+  // The data of a type that nobody knows: those of an integer record under another type word.
+  writer_.integers("ODD", std::vector<std::int32_t>(1500, 7));
+  const auto word = bytesOf("INTE");
+  std::ranges::copy(bytesOf("NEWT"), std::search(bytes_.begin(), bytes_.end(), word.begin(), word.end()));
   writer_.integers("INTS", integers);
-  writer_.singles("REALS", evenValues(1000));
+  writer_.singles("REALS", values);
   writer_.doubles("DOUBLES", doubles);
   writer_.logicals("FLAGS", flags);
   writer_.texts("NAMES", names);
@@ -55,43 +65,24 @@ TEST_P(AllForms, EveryTypeComesBackAcrossBlocks) {
   writer_.singles("EMPTY", {});
 
   auto cursor = cursorOver(bytes_, form_);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.integers(), integers);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.singles(), evenValues(1000));
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.doubles(), doubles);
-  ASSERT_TRUE(cursor.next());
+  EXPECT_EQ(next(cursor).header().typeWord, "NEWT");
+  EXPECT_EQ(next(cursor).integers(), integers);
+  EXPECT_EQ(next(cursor).singles(), values);
+  const RecordHeader known = cursor.header();
+  const bool regular = cursor.regular();
+  EXPECT_EQ(regular, form_.framing != Framing::OneByteMarks);
+  EXPECT_EQ(next(cursor).doubles(), doubles);
   std::vector<std::int16_t> read(4);
-  cursor.readLogicals(read);
+  next(cursor).readLogicals(read);
   EXPECT_THAT(read, ElementsAre(-1, 0, -1, -1));
-  ASSERT_TRUE(cursor.next());
   names[105] = "LAST OF";
-  EXPECT_EQ(cursor.texts(), names);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.texts(), longNames);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.header().keyword, "STARTSOL");
-  ASSERT_TRUE(cursor.next());
-  EXPECT_TRUE(cursor.singles().empty());
-  EXPECT_FALSE(cursor.next());
-  EXPECT_FALSE(cursor.next()) << "the end stays the end";
-}
+  EXPECT_EQ(next(cursor).texts(), names);
+  EXPECT_EQ(next(cursor).texts(), longNames);
+  EXPECT_EQ(next(cursor).header().keyword, "STARTSOL");
+  EXPECT_TRUE(next(cursor).singles().empty());
+  for (int time = 0; time < 2; ++time) EXPECT_FALSE(cursor.next()) << "the end stays the end";
 
-TEST_P(AllForms, SkippingPartsAndPickingAgreeWithReadingAll) {
-  const auto values = evenValues(3456);
-  writer_.texts("FIRST", std::vector<std::string>{"1", "2"});
-  writer_.singles("VALUES", values);
-  // The data of a type that nobody knows: those of an integer record under another type word.
-  const std::size_t oddAt = bytes_.size();
-  writer_.integers("ODD", std::vector<std::int32_t>(1500, 7));
-  const auto word = bytesOf("INTE");
-  std::ranges::copy(bytesOf("NEWT"), std::search(bytes_.begin() + static_cast<std::ptrdiff_t>(oddAt),
-                                                 bytes_.end(), word.begin(), word.end()));
-  writer_.integers("LAST", std::vector<std::int32_t>{1, 2, 3});
-  auto cursor = cursorOver(bytes_, form_);
-  cursor.next();
-  cursor.next();
+  cursor.setCurrent(known, regular);
   for (const auto& [first, count] :
        {std::pair<int, int>{0, 1}, {999, 2}, {1000, 1000}, {1003, 2400}, {3455, 1}, {3456, 0}}) {
     std::vector<float> part(static_cast<std::size_t>(count));
@@ -102,46 +93,9 @@ TEST_P(AllForms, SkippingPartsAndPickingAgreeWithReadingAll) {
   std::vector<float> picked(wanted.size());
   cursor.gather(wanted, picked);
   for (std::size_t i = 0; i < wanted.size(); ++i) EXPECT_EQ(picked[i], values[wanted[i]]) << wanted[i];
-
-  const RecordHeader known = cursor.header();
-  const bool regular = cursor.regular();
-  EXPECT_EQ(regular, form_.framing != Framing::OneByteMarks);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.header().typeWord, "NEWT");
-  ASSERT_TRUE(cursor.next());
-  EXPECT_THAT(cursor.integers(), ElementsAre(1, 2, 3));
-  cursor.setCurrent(known, regular);
-  cursor.gather(wanted, picked);
-  EXPECT_EQ(picked.back(), values.back());
   EXPECT_THROW(cursor.read(std::span<float>(picked), 3450), Fault);
   std::vector<double> wrongType(1);
   EXPECT_THROW(cursor.read(std::span<double>(wrongType)), Fault);
-}
-
-/// Reads everything up to the damage.
-std::string damageOf(RecordCursor cursor) {
-  try {
-    while (cursor.next()) {
-      const auto type = cursor.header().type;
-      if (type == ElementType::Integer) cursor.integers();
-      if (type == ElementType::Single) cursor.singles();
-      if (type == ElementType::Double) cursor.doubles();
-      if (type == ElementType::Text) cursor.texts();
-    }
-  } catch (const BadRecord& damage) {
-    return damage.diagnosis().text();
-  }
-  return "";
-}
-
-TEST_P(AllForms, CountsThatTheFileCannotHoldAreRefusedBeforeAnythingIsSized) {
-  for (const char* type : {"INTE", "REAL", "DOUB", "CHAR", "LOGI", "C999"}) {
-    for (const std::int32_t count : {-1, std::numeric_limits<std::int32_t>::min(), 2147483647, 100}) {
-      std::vector<std::byte> bytes;
-      RecordWriter(memorySink(bytes), form_).header("WILD", count, type);
-      EXPECT_THAT(damageOf(cursorOver(bytes, form_)), HasSubstr("(WILD, occurrence 1, byte "));
-    }
-  }
 }
 
 std::vector<std::byte> smallFile(const Form& form) {
@@ -189,7 +143,7 @@ TEST(MarkedRecords, ASearchBehindDamageEndsWhenTheLoadIsCanceled) {
   Session session;
   auto cursor = cursorOver(bytes, bigEndian);
   cursor.attach(session);
-  for (int i = 0; i < 4; ++i) ASSERT_TRUE(cursor.next());
+  for (int i = 0; i < 4; ++i) next(cursor);
   EXPECT_THROW(cursor.next(), BadRecord);
   session.CancelLoad = true;
   EXPECT_THROW(cursor.skipDamage(), LoadCanceled);
@@ -202,7 +156,7 @@ void appendWord(std::vector<std::byte>& bytes, std::uint32_t word) {
   for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<std::byte>(word >> shift));
 }
 
-/// Some writers put a whole array between one pair of marks.
+/// Some writers put a whole array between one pair of marks; marks of one byte then hold its low byte.
 TEST(MarkedRecords, BlocksOfOtherSizesAreFollowedByTheirMarks) {
   std::vector<std::byte> bytes;
   RecordWriter writer(memorySink(bytes), bigEndian);
@@ -212,30 +166,26 @@ TEST(MarkedRecords, BlocksOfOtherSizesAreFollowedByTheirMarks) {
     for (std::uint32_t i = 0; i < n; ++i) appendWord(bytes, i);
     appendWord(bytes, 4 * n);
   }
-  writer.integers("NEXT", std::vector<std::int32_t>{9});
+  writer.header("SHORT", 2, "INT2");
+  for (const std::uint32_t word : {4U, 0x0007FFFEU, 4U}) appendWord(bytes, word);
   auto cursor = cursorOver(bytes, bigEndian);
-  ASSERT_TRUE(cursor.next());
+  EXPECT_EQ(next(cursor).integers()[2400], 0);
   EXPECT_FALSE(cursor.regular());
-  EXPECT_EQ(cursor.integers()[2400], 0);
   std::vector<std::int32_t> part(2);
   cursor.read(std::span<std::int32_t>(part), 2399);
   EXPECT_THAT(part, ElementsAre(2399, 0));
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.header().keyword, "NEXT");
-}
+  next(cursor).read(std::span<std::int32_t>(part));
+  EXPECT_THAT(part, ElementsAre(7, -2));
 
-TEST(MarkedRecords, OneByteMarksMayHoldTheLowByteOfAWholeBlock) {
-  std::vector<std::byte> bytes;
-  const Form form{Framing::OneByteMarks, false};
-  RecordWriter(memorySink(bytes), form).header("A", 300, "INTE");
+  const Form narrow{Framing::OneByteMarks, false};
+  bytes.clear();
+  RecordWriter(memorySink(bytes), narrow).header("A", 300, "INTE");
   bytes.resize(bytes.size() + 1202);
   bytes[bytes.size() - 1202] = bytes.back() = static_cast<std::byte>(1200 & 0xFF);
-  const std::int32_t last = 299;
-  std::memcpy(&bytes[bytes.size() - 5], &last, 4);
-  auto cursor = cursorOver(bytes, form);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.integers()[299], 299);
-  EXPECT_FALSE(cursor.next());
+  bytes[bytes.size() - 5] = std::byte{99};
+  auto other = cursorOver(bytes, narrow);
+  EXPECT_EQ(next(other).integers()[299], 99);
+  EXPECT_FALSE(other.next());
 }
 
 TEST(MarkedRecords, X231AnnouncesArraysBeyond2To31Elements) {
@@ -251,35 +201,18 @@ TEST(MarkedRecords, X231AnnouncesArraysBeyond2To31Elements) {
   const TemporaryFolder folder;
   const std::string path = folder.file("large");
   writeFile(path, head);
-  std::filesystem::resize_file(
-      path, 48 + 4 * count + 8 * ((count + 999) / 1000) - 8);  // all but the ends is a hole
-  std::ofstream(path, std::ios::binary | std::ios::app)
-      .write(reinterpret_cast<const char*>(tail.data()), static_cast<std::streamsize>(tail.size()));
+  // All but the ends is a hole.
+  std::filesystem::resize_file(path, 48 + 4 * count + 8 * ((count + 999) / 1000) - 8);
+  std::ofstream(path, std::ios::app) << std::string(reinterpret_cast<const char*>(tail.data()), tail.size());
 
   std::string why;
   RecordCursor cursor(FileSource::open(path, why), bigEndian, path);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.header().count, count);
+  EXPECT_EQ(next(cursor).header().count, count);
   EXPECT_EQ(cursor.header().headerAt, 0U);
-  const std::uint32_t last[] = {static_cast<std::uint32_t>(count - 1)};
   float value = 0;
-  cursor.gather(last, std::span(&value, 1));
+  cursor.gather(std::array{static_cast<std::uint32_t>(count - 1)}, std::span(&value, 1));
   EXPECT_EQ(value, 1.0F);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_EQ(cursor.header().keyword, "NEXT");
-}
-
-TEST(MarkedRecords, GatheringNoticesThatTheFileHasAnotherLayoutByNow) {
-  constexpr std::size_t opening = 24 + 4008;  // marks of the second block
-  for (const auto& [mark, element] : {std::pair{opening, 1010U}, {opening + 4004, 1990U}}) {
-    std::vector<std::byte> bytes;
-    RecordWriter(memorySink(bytes), bigEndian).singles("PARAMS", std::vector<float>(2500));
-    bytes[mark + 3] ^= std::byte{1};
-    auto cursor = cursorOver(bytes, bigEndian);
-    ASSERT_TRUE(cursor.next());
-    float value = 0;
-    EXPECT_THROW(cursor.gather(std::span(&element, 1), std::span(&value, 1)), BadRecord);
-  }
+  EXPECT_EQ(next(cursor).header().keyword, "NEXT");
 }
 
 /// CR LF, lines of other lengths, fields that touch, odd exponents, no line end at the end.
@@ -294,16 +227,16 @@ TEST(FormattedRecords, WhatOtherWritersPutOnTheLines) {
                                    " 'LAST    '           1 'INTE'\r\n"
                                    "          -7"),
                            formatted);
-  ASSERT_TRUE(cursor.next());
-  EXPECT_THAT(cursor.singles(), ElementsAre(1.0F, -0.25F, -0.5F, 0.0F, 1.0F, 25.0F, ::testing::IsNan()));
-  ASSERT_TRUE(cursor.next());
-  EXPECT_THAT(cursor.texts(), ElementsAre("A", "it''s me", "/"));
-  ASSERT_TRUE(cursor.next());
+  EXPECT_THAT(next(cursor).singles(),
+              ElementsAre(1.0F, -0.25F, -0.5F, 0.0F, 1.0F, 25.0F, ::testing::IsNan()));
+  std::vector<float> picked(2);
+  cursor.gather(std::array{1U, 5U}, picked);
+  EXPECT_THAT(picked, ElementsAre(-0.25F, 25.0F));
+  EXPECT_THAT(next(cursor).texts(), ElementsAre("A", "it''s me", "/"));
   std::vector<std::int16_t> flags(3);
-  cursor.readLogicals(flags);
+  next(cursor).readLogicals(flags);
   EXPECT_THAT(flags, ElementsAre(-1, 0, -1));
-  ASSERT_TRUE(cursor.next());
-  EXPECT_THAT(cursor.integers(), ElementsAre(-7));
+  EXPECT_THAT(next(cursor).integers(), ElementsAre(-7));
   EXPECT_FALSE(cursor.next());
 }
 
@@ -316,6 +249,8 @@ TEST(FormattedRecords, DamageIsNamedWithItsCharacter) {
       {one + std::string(10000, '\0'), "(byte 44: "},
       {one + std::string(10000, ' '), "(byte 44: "},
       {one + std::string(10000, '\n'), "(byte 44: "},
+      {" 'A       '           1 'X231'\n" + one, "X231 count is not negative (A, byte 0"},
+      {" 'B       '          -1 'X231'\n" + one, "no header follows X231 (A"},
       {params + "0.1x000000E+01\n", "PARAMS, occurrence 1, byte 51"},
       {" 'PARAMS  '           3 'REAL'\n   0.5   " + std::string(90, '9') + "E+04\n 0.25\n", "PARAMS, occ"},
       // One field too few on the first line, one too many on the second: the record ends where it should.
@@ -323,23 +258,20 @@ TEST(FormattedRecords, DamageIsNamedWithItsCharacter) {
        "   0.10000000E+01   0.20000000E+01   0.30000000E+01                 \n"
        " 0.4E+01 0.5E+01    0.60000000E+01\n",
        "field is out of place (PARAMS, occurrence 1, byte 101"}};
-  for (const auto& [text, damage] : rows)
-    EXPECT_THAT(damageOf(cursorOver(bytesOf(text), formatted)), HasSubstr(damage)) << text.substr(0, 90);
+  for (const auto& [text, damage] : rows) {
+    auto cursor = cursorOver(bytesOf(text), formatted);
+    try {
+      while (cursor.next()) {
+        if (cursor.header().type == ElementType::Single) cursor.singles();
+      }
+      EXPECT_STREQ(damage, "");
+    } catch (const BadRecord& bad) {
+      EXPECT_THAT(bad.diagnosis().text(), HasSubstr(damage)) << text.substr(0, 90);
+    }
+  }
   std::vector<float> part(2);
-  auto cursor = cursorOver(bytesOf(rows[5].first), formatted);
+  auto cursor = cursorOver(bytesOf(rows[7].first), formatted);
   EXPECT_THROW((cursor.next(), cursor.read(std::span<float>(part), 1)), BadRecord) << "not from the start";
-}
-
-TEST(DetectForm, TheFirstSoundHeaderDecidesWhateverItsKeyword) {
-  std::vector<std::byte> bytes;
-  RecordWriter writer(memorySink(bytes), bigEndian);
-  writer.texts("WRITTEN", std::vector<std::string>{"BY X"});  // an own record of a writer
-  writer.integers("SEQHDR", std::vector<std::int32_t>{1});
-  const MemorySource source(bytes);
-  ASSERT_TRUE(detectForm(source));
-  EXPECT_EQ(detectForm(source)->form, bigEndian);
-  constexpr std::string_view summary[] = {"SEQHDR"};
-  EXPECT_FALSE(detectForm(source, summary)) << "a Check operation does not accept it";
 }
 
 }  // namespace
