@@ -1,5 +1,7 @@
 #include "RecordCursor.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "../support/Diagnosis.h"
@@ -101,8 +103,9 @@ bool RecordCursor::readHeader(std::uint64_t position) {
   }
   const std::string keyword = header_.keyword;
   const auto start = header_.headerAt;
-  if (!codec_->readHeader(*window_, header_.dataAt, header_) || header_.keyword != keyword) {
-    throwBadRecord("no header follows X231", header_.dataAt, keyword, header_.keyword);
+  const auto second = header_.dataAt;
+  if (!codec_->readHeader(*window_, second, header_) || header_.keyword != keyword) {
+    throwBadRecord("no header follows X231", second, keyword, std::exchange(header_.keyword, keyword));
   }
   if (header_.count >= 0) header_.count += blocksOf2G * elementsPerX231;
   header_.headerAt = start;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "record/KeywordCounts.h"
 #include "record/KeywordTypes.h"
 #include "support/Forms.h"
 #include "support/Session.h"
