@@ -123,7 +123,7 @@ std::int32_t whichtypeOf(FileKind kind) {
 std::string_view nameOf(FileKind kind) {
   switch (kind) {
     case Unknown:
-      return "unknown";
+      break;
     case Deck:
       return "data deck";
     case SummarySpec:

@@ -9,6 +9,7 @@
 #include "../support/Diagnosis.h"
 #include "../support/System.h"
 #include "Folder.h"
+#include "Recogniser.h"
 #include "SetSearch.h"
 
 namespace lumbarn {
@@ -71,6 +72,14 @@ FileChoice choose(Session& session, const FileName& named, FileKind kind, std::o
   return choice;
 }
 
+/// Reports a restart file whose records are those of another type. An INIT file begins alike, and step files
+/// may contain static arrays.
+void reportOtherType(Session& session, const std::string& path) {
+  const Recognised found = recogniseFile(path);
+  if (found.byContent && found.kind != FileKind::Restart && found.kind != FileKind::Init)
+    session.diagnose(refusal(path, FileKind::Restart));
+}
+
 }  // namespace
 
 FileChoice chooseFiles(Session& session, const std::string& named, FileKind kind,
@@ -89,7 +98,9 @@ FileChoice chooseFiles(Session& session, const RunFamily& run, FileKind kind) {
   const std::string extension = given ? FileName(given->path).extension : "";
   // A file under a name that belongs to no set is read alone.
   if (given && given->kind == kind && meaningOf(extension).kind != kind) return {.files = {given->path}};
-  return choose(session, FileName(run.folder, run.base, extension), kind, std::nullopt);
+  FileChoice choice = choose(session, FileName(run.folder, run.base, extension), kind, std::nullopt);
+  if (kind == FileKind::Restart && !choice.files.empty()) reportOtherType(session, choice.files.front());
+  return choice;
 }
 
 bool isStepFile(const std::string& path) { return GetNumericPartOfFileName(path) >= 0; }

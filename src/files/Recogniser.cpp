@@ -225,13 +225,6 @@ std::vector<std::byte> front(const ByteSource& source) {
   return bytes;
 }
 
-/// The kind of a text of well tests.
-FileKind userTestKind(const ByteSource& source) {
-  const auto text = looksLikeText(source) ? recogniseUserTest(source) : std::nullopt;
-  if (!text) return Unknown;
-  return text->kind == UserTestKind::Rft ? UserRft : UserPlt;
-}
-
 std::string withArticle(FileKind kind) {
   const std::string_view name = nameOf(kind);
   const bool vowel = std::string_view("AEIOUaeiou").find(name.front()) != std::string_view::npos;
@@ -244,24 +237,31 @@ bool isKeyword(std::string_view word) {
   return !word.empty() && word.size() <= 8 && isFirst(word.front()) && std::ranges::all_of(word, isAny);
 }
 
-/// Whether a text is a deck or one of its INCLUDE files: a keyword, and a record that a slash ends.
-bool isDeckText(const ByteSource& source) {
-  if (!looksLikeText(source)) return false;
+/// The offset of the first keyword of a text that is a deck or one of its INCLUDE files: a keyword, and a
+/// record that a slash ends. Nothing for another text.
+std::optional<std::uint64_t> deckTextAt(const ByteSource& source) {
   LineReader reader(std::make_shared<MemorySource>(front(source)), "");
-  bool keyword = false;
+  std::optional<std::uint64_t> keywordAt;
   while (reader.next()) {
     const std::string line = upper(trim(reader.line()));
     if (line.empty() || line.starts_with("--")) continue;
-    if (!keyword && !isKeyword(words(line).front())) return false;
-    keyword = true;
-    if (words(line).back().ends_with('/')) return true;
+    if (!keywordAt && !isKeyword(words(line).front())) return std::nullopt;
+    if (!keywordAt) keywordAt = reader.position();
+    if (words(line).back().ends_with('/')) return keywordAt;
   }
-  return false;
+  return std::nullopt;
 }
 
-FileKind textKind(const ByteSource& source) {
-  const FileKind kind = userTestKind(source);
-  return kind == Unknown && isDeckText(source) ? Deck : kind;
+/// Sets the kind of a text and the byte that shows it.
+void recogniseText(const ByteSource& source, Recognised& result) {
+  if (!looksLikeText(source)) return;
+  if (const auto tests = recogniseUserTest(source)) {
+    result.kind = tests->kind == UserTestKind::Rft ? UserRft : UserPlt;
+    result.offset = tests->offset;
+  } else if (const auto deckAt = deckTextAt(source)) {
+    result.kind = Deck;
+    result.offset = *deckAt;
+  }
 }
 
 }  // namespace
@@ -277,7 +277,7 @@ Recognised recognise(std::shared_ptr<const ByteSource> source, const std::string
   Evidence evidence(byName.kind);
   try {
     gather(source, name, evidence, result);
-    result.kind = result.form ? Unknown : textKind(*source);
+    if (!result.form) recogniseText(*source, result);
     if (result.kind != Unknown) result.problem.reset();
   } catch (const BadRecord& bad) {
     result.problem = bad.diagnosis();
@@ -317,6 +317,8 @@ Diagnosis refusal(const std::string& path, FileKind expected) {
                       .action = "read nothing of it"};
   diagnosis.problem = fmt::format("not {} file", withArticle(expected));
   diagnosis.found = found.byContent ? nameOf(found.kind) : "a file of unknown type";
+  if (found.byContent && found.kind != expected)
+    diagnosis.problem = fmt::format("is {} file, {}", withArticle(found.kind), diagnosis.problem);
   return diagnosis;
 }
 

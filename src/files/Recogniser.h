@@ -21,7 +21,7 @@ struct Recognised {
   bool byContent = false;            ///< the content tells the kind; False: only the file's name does
   std::optional<Diagnosis> problem;  ///< what kept the file from being read this far
   std::string keyword;               ///< of the first record; empty when there is none
-  std::uint64_t offset = 0;          ///< of its header
+  std::uint64_t offset = 0;          ///< of its header, or of the line that shows what a text is
 
   std::int32_t whichtype() const { return whichtypeOf(kind); }
 };

@@ -28,11 +28,12 @@ bool isReservoirColumn(std::string_view name) {
   return name.find("PRES") != name.npos || name == "SWAT" || name == "SGAS" || name == "SOIL";
 }
 
-/// From the names of columns above a row of so many numbers.
-std::optional<UserTestText> byColumns(const std::vector<std::string>& names, std::size_t numbers) {
+/// From the names of columns above a row of so many numbers, which begins at an offset.
+std::optional<UserTestText> byColumns(const std::vector<std::string>& names, std::size_t numbers,
+                                      std::uint64_t offset) {
   if (names.size() > numbers || std::ranges::none_of(names, isDepthColumn)) return std::nullopt;
-  if (std::ranges::any_of(names, isFlowColumn)) return UserTestText{UserTestKind::Plt, false};
-  if (std::ranges::any_of(names, isReservoirColumn)) return UserTestText{UserTestKind::Rft, false};
+  if (std::ranges::any_of(names, isFlowColumn)) return UserTestText{UserTestKind::Plt, false, offset};
+  if (std::ranges::any_of(names, isReservoirColumn)) return UserTestText{UserTestKind::Rft, false, offset};
   return std::nullopt;
 }
 
@@ -51,11 +52,12 @@ std::optional<UserTestText> recogniseUserTest(const ByteSource& source) {
       continue;
     }
     const auto parts = words(line);
-    if (headers.empty() && parts[0] == openingWord(UserTestKind::Rft))
-      return UserTestText{UserTestKind::Rft, true};
-    if (headers.empty() && parts[0] == openingWord(UserTestKind::Plt))
-      return UserTestText{UserTestKind::Plt, true};
-    if (beginsAsNumber(parts[0])) return byColumns(headers.empty() ? remark : headers[0], parts.size());
+    for (const UserTestKind kind : {UserTestKind::Rft, UserTestKind::Plt}) {
+      if (headers.empty() && parts[0] == openingWord(kind))
+        return UserTestText{kind, true, reader.position()};
+    }
+    if (beginsAsNumber(parts[0]))
+      return byColumns(headers.empty() ? remark : headers[0], parts.size(), reader.position());
     const auto command = userTestWord(UserTestKind::Rft, parts[0]);
     if (command && command->command == UserTestCommand::Open) return std::nullopt;
     if (!command) headers.push_back(parts);

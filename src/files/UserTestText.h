@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 #include "../record/ByteSource.h"
@@ -10,7 +11,8 @@ namespace lumbarn {
 /// What a text of measured well tests is.
 struct UserTestText {
   UserTestKind kind = UserTestKind::Rft;
-  bool stated = false;  ///< by the word that opens a test; otherwise by its columns
+  bool stated = false;       ///< by the word that opens a test; otherwise by its columns
+  std::uint64_t offset = 0;  ///< byte of the line that shows it
 };
 
 /// Recognizes a text of well tests: commands of one may come before the word that opens it, and a text

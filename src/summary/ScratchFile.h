@@ -17,7 +17,6 @@ class ScratchFile {
   ScratchFile& operator=(const ScratchFile&) = delete;
   ~ScratchFile();
 
-  const std::string& path() const { return path_; }
   /// Appends values.
   void write(std::span<const float> values);
   void write(std::span<const std::int32_t> words);

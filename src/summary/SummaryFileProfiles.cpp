@@ -1,7 +1,11 @@
 // Profiles along horizontal wells: what a restart chain of summaries has to collect for them.
 
 #include <algorithm>
+#include <utility>
 
+#include <fmt/format.h>
+
+#include "../record/RecordCursor.h"
 #include "../shapes/HeaderLayout.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
@@ -28,6 +32,62 @@ bool readConnections(qvEclipseSPEC& spec, qvEclipseSUMMARY& summary, ByteTable& 
   return qOK;
 }
 
+/// Consecutive vectors of one mnemonic, with the number of connections of each member.
+struct MnemonicMembers {
+  std::string_view mnemonic;
+  std::vector<std::pair<std::string_view, std::size_t>> members;
+};
+
+std::vector<MnemonicMembers> membersByMnemonic(const ByteTable& bHeaders) {
+  const HeaderField variable = headerField(attributeVariable), owner = headerField(attributeMember);
+  std::vector<MnemonicMembers> all;
+  for (std::size_t i = 1; i <= bHeaders.entries(); ++i) {
+    const auto mnemonic = bHeaders.get(i, variable.firstByte, variable.width);
+    const auto member = bHeaders.get(i, owner.firstByte, owner.width);
+    if (all.empty() || all.back().mnemonic != mnemonic) all.push_back({mnemonic, {}});
+    auto& members = all.back().members;
+    if (members.empty() || members.back().first != member) members.emplace_back(member, 0);
+    ++members.back().second;
+  }
+  return all;
+}
+
+/// The header of KEYWORDS. Looked for only where a report needs it.
+std::optional<std::uint64_t> keywordsAt(const std::string& path) {
+  std::string why;
+  const auto cursor = openRecords(path, why);
+  while (cursor && cursor->next()) {
+    if (cursor->header().keyword == "KEYWORDS") return cursor->header().headerAt;
+  }
+  return std::nullopt;
+}
+
+/// Whether each mnemonic has as many connections of each member as the first. The lengths of the first serve
+/// for all of them, and a mnemonic with fewer connections would be filled with values of the next one.
+bool haveSameConnections(Session& session, const ByteTable& bHeaders, const std::string& path) {
+  const auto all = membersByMnemonic(bHeaders);
+  for (const auto& [mnemonic, members] : all) {
+    const auto& first = all.front();
+    const auto [expected, found] = std::ranges::mismatch(first.members, members);
+    const bool more = expected != first.members.end();
+    if (!more && found == members.end()) continue;
+    const std::string_view member = more ? expected->first : found->first;
+    const bool same = found != members.end() && found->first == member;
+    session.diagnose({.message = Message::SpecRecordLength,
+                      .path = path,
+                      .problem = "profiles need the same connections for each mnemonic",
+                      .keyword = "KEYWORDS",
+                      .occurrence = 1,
+                      .offset = keywordsAt(path),
+                      .expected = fmt::format("{} of {} for {}, as for {}", more ? expected->second : 0,
+                                              member, mnemonic, first.mnemonic),
+                      .found = std::to_string(same ? found->second : 0),
+                      .action = "built no profiles"});
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 void qvEclipseSUMMARYFile::getHorizontalData(bool qInflow, bool qConnect, bool qMiniSteps, bool& qOK) {
@@ -38,6 +98,7 @@ void qvEclipseSUMMARYFile::getHorizontalData(bool qInflow, bool qConnect, bool q
     std::vector<float> sLengths;
     std::string zUnits;
     if (!getDataUsedForHorizontalWells(bHeaders, sData, sLengths, zUnits)) return false;
+    if (!haveSameConnections(*session_, bHeaders, xSPEC.front()->zFileName)) return false;
     bool qDone = false;
     xSUMMARY.front()->GetColumnData(1, times_, qDone);
     if (!qDone) return false;

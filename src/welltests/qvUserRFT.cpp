@@ -34,6 +34,7 @@ std::optional<Diagnosis> whyNot(UserTestKind kind, const std::string& path) {
   } else {
     const auto text = recogniseUserTest(*source);
     if (!text || !text->stated || text->kind == kind) return std::nullopt;
+    wrong.offset = text->offset;
     wrong.found =
         fmt::format("a {} file", nameOf(kind == UserTestKind::Rft ? FileKind::UserPlt : FileKind::UserRft));
   }

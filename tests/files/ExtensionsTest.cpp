@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
 #include "files/Extensions.h"
@@ -46,6 +44,7 @@ TEST(Patterns, AreThoseOfTheExtensionsRow) {
       {"SLNSPEC", "SLN0000", "R.SLN????", "R.SLN####"},
       {"F07", "F00;G00;H00", "R.F??;R.G??;R.H??", "R.s##;R.t##;R.u##"},
       {"x0007", "X0000", "R.x????", "R.s##;R.t##;R.u##"},
+      {"B0007", "B0000", "R.B????", "R.s##;R.t##;R.u##"},
       {"SAVE", "", "", "R.s##;R.t##;R.u##"},
   };
   for (const Row& row : rows) {
@@ -54,43 +53,6 @@ TEST(Patterns, AreThoseOfTheExtensionsRow) {
     std::string zMult = "old";
     GetExtensionPattern("R", zMult, FileName(std::string("dir/other.") + row.extension));
     EXPECT_EQ(zMult, row.list) << row.extension;
-  }
-}
-
-TEST(Extensions, SayKindFormStepAndLetter) {
-  struct Row {
-    const char* extension;
-    FileKind kind;
-    bool formatted;
-    std::int32_t step;        // with the hundreds of the letter
-    std::string_view letter;  // of a multiple file; that of no table has a number too
-    std::int32_t number = -1;
-  };
-  using enum FileKind;
-  const Row rows[] = {
-      {"fsm", SummarySpec, true, -1, ""},   {"a0012", Summary, true, 12, "a", 12},
-      {"T07", Summary, false, 107, "T", 7}, {"C99", Summary, true, 299, "C", 99},
-      {"z01", Restart, false, 201, "z", 1}, {"X0150", Restart, false, 150, "X", 150},
-      {"D0004", Save, true, 4, "D", 4},     {"sln0003", Streamline, false, 3, "sln", 3},
-      {"INSPEC", Inspec, false, -1, ""},    {"FEGRID", EGrid, true, -1, ""},
-      {"Q12", Unknown, false, -1, "Q", 12}, {"SLN01", Unknown, false, -1, ""},
-      {"S003", Unknown, false, -1, ""},     {"X-001", Unknown, false, -1, ""},
-      {"", Unknown, false, -1, ""},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.extension);
-    const ExtensionMeaning meaning = meaningOf(row.extension);
-    EXPECT_EQ(nameOf(meaning.kind), nameOf(row.kind));
-    EXPECT_EQ(meaning.formatted, row.formatted);
-    EXPECT_EQ(meaning.step, row.step);
-    std::string zLetter = "old";
-    std::int32_t nDigits = 77;
-    const std::int32_t count = row.letter.empty() ? 0 : row.letter.size() == 3 || row.extension[3] ? 4 : 2;
-    EXPECT_EQ(checkMultipleExtension(row.extension, zLetter, nDigits), count);
-    EXPECT_EQ(zLetter, row.letter);
-    EXPECT_EQ(nDigits, row.number);
-    EXPECT_EQ(GetNumericPartOfFileName(std::string("/d.X0003/a.b/RUN 1.") + row.extension),
-              std::max(row.step, row.number));
   }
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "files/Families.h"
+#include "files/FileChoice.h"
 #include "record/RecordWriter.h"
 #include "support/TemporaryFolder.h"
 
@@ -9,18 +10,12 @@ namespace lumbarn {
 namespace {
 
 using test::TemporaryFolder;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using Names = std::vector<std::string>;
 using enum FileKind;
 
 std::string nameIn(const RunFamily& family, const RunMember* member) {
   return member ? member->path.substr(family.folder.size()) : "none";
-}
-Names memberNames(const RunFamily& family) {
-  Names names;
-  for (const RunMember& member : family.members) names.push_back(nameIn(family, &member));
-  return names;
 }
 Names stepNames(const RunFamily& family, FileKind kind) {
   Names names;
@@ -45,39 +40,19 @@ RunFamily run(const std::string& path) {
 TEST(Families, AnyPathLeadsToItsRuns) {
   const TemporaryFolder folder;
   folder.add({"RUN.SMSPEC", "RUN.UNSMRY", "RUN.DATA", "RUN.PRT", "RUN_2.S0001", "Fall 1.5 é.INIT",
-              "case.1.egrid", "DECK.DATA", "OLD.SAVE", "notes.txt", "plain"});
+              "case.1.egrid", "DECK.DATA", "notes.txt", "plain"});
+  std::filesystem::create_directory(folder.file("FOLDER.INIT"));
   const Names all{"Fall 1.5 é", "RUN", "RUN_2", "case.1"};
   // A file of another kind beside the run means it; "RUN.UNRST" is neither there nor a base name.
   const std::pair<const char*, Names> rows[] = {{"", all},
                                                 {"RUN", {"RUN"}},
                                                 {"RUN.UNSMRY", {"RUN"}},
-                                                {"RUN.PRT", {"RUN"}},
-                                                {"run.smspec", {"RUN"}},
                                                 {"RUN.UNRST", {}},
-                                                {"RUN_2.S0001", {"RUN_2"}},
                                                 {"Fall 1.5 é", {"Fall 1.5 é"}},
-                                                {"case.1", {"case.1"}},
                                                 {"DECK", {"DECK"}},
-                                                {"OLD.SAVE", {"OLD"}},
-                                                {"notes.txt", {"notes"}},
-                                                {"RU", {}},
-                                                {".", all},
                                                 {"none/RUN", {}}};
   for (const auto& [path, expected] : rows) EXPECT_EQ(bases(folder.file(path)), expected) << path;
   EXPECT_THAT(bases(""), IsEmpty());
-}
-
-TEST(Families, MembersComeByKindFormAndStep) {
-  const TemporaryFolder folder;
-  folder.add({"R.X0010", "R.X0002", "R.F0001", "R.SMSPEC", "R.FSMSPEC", "R.UNRST", "R.DATA", "R.Y05",
-              "R.EGRID", "r.UNSMRY", "R.X0002.bak"});
-  std::filesystem::create_directory(folder.file("R.INIT"));
-  std::filesystem::create_symlink(folder.file("nowhere"), folder.file("R.RFT"));
-  const RunFamily family = run(folder.file("R"));
-  EXPECT_THAT(memberNames(family), ElementsAre("R.DATA", "R.SMSPEC", "R.FSMSPEC", "R.UNRST", "R.X0002",
-                                               "R.X0010", "R.Y05", "R.F0001", "R.EGRID", "R.RFT"));
-  EXPECT_FALSE(family.given);
-  EXPECT_EQ(family.members[6].step, 105);
 }
 
 TEST(Families, TheGivenFileDecidesBetweenForms) {
@@ -90,7 +65,6 @@ TEST(Families, TheGivenFileDecidesBetweenForms) {
   };
   const Row rows[] = {
       {"R", "R.SMSPEC", "R.S0001", "R.UNRST", {"R.S0001", "R.S0002"}},
-      {"R.DATA", "R.SMSPEC", "R.S0001", "R.UNRST", {"R.S0001", "R.S0002"}},
       {"R.FSMSPEC", "R.FSMSPEC", "R.FUNSMRY", "R.UNRST", {"R.A0001", "R.A0003"}},
       {"R.fsmspec", "R.fsmspec", "R.FUNSMRY", "R.UNRST", {"R.A0001", "R.a0003"}},
       {"R.A0003", "R.FSMSPEC", "R.A0003", "R.UNRST", {"R.A0001", "R.A0003"}},
@@ -121,6 +95,14 @@ TEST(Families, AFileWithAnUntellingNameIsAMemberByItsContent) {
   ASSERT_TRUE(family.given);
   EXPECT_EQ(family.find(EGrid), family.givenMember());
   EXPECT_TRUE(family.givenMember()->formatted);
+
+  test::writeFile(folder.file("case.UNRST"), bytes);
+  Session session;
+  chooseFiles(session, run(folder.file("case")), Restart);
+  ASSERT_EQ(session.diagnoses().size(), 1U);
+  EXPECT_EQ(session.diagnoses()[0].text(),
+            folder.file("case.UNRST: is an EGRID file, not a restart file (FILEHEAD, occurrence 1, byte 0: "
+                        "expected restart, found EGRID); read nothing of it"));
 }
 
 TEST(Families, RunsThatDifferInCaseAndFoldersAreKeptApart) {

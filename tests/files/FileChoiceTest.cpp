@@ -10,8 +10,6 @@ namespace lumbarn {
 namespace {
 
 using test::TemporaryFolder;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using Names = std::vector<std::string>;
 namespace fs = std::filesystem;
 
@@ -52,22 +50,18 @@ TEST(ChooseFiles, TakesTheNamedFilesOrTheUnifiedFileUnlessAllStepsAreNewer) {
   };
   const Row rows[] = {
       {oldSteps, "R", Restart, {}, {"R.UNRST"}, -1, "read the unified file"},
-      {oldSteps, "R.RSSPEC", Restart, {}, {"R.UNRST"}, -1, "read the unified file"},
       {oldSteps, "R.UNRST", Restart, {}, {"R.UNRST"}, -1, ""},
       {oldSteps, "R.X0002", Restart, {}, steps, 2, ""},
       {oldSteps, "R", Restart, false, steps, -1, ""},
       {newSteps, "R", Restart, {}, steps, -1, "read the step files, which are newer"},
-      {newSteps, "R.UNRST", Restart, {}, {"R.UNRST"}, -1, ""},
       {newSteps, "R", Restart, true, {"R.UNRST"}, -1, ""},
       {mixed, "R", Restart, {}, {"R.UNRST"}, -1, "read the unified file"},
       {stepsOnly, "R.SMSPEC", Summary, {}, {"R.S0001", "R.S0002"}, -1, ""},
       {both, "R.SMSPEC", Summary, {}, {"R.UNSMRY"}, -1, "read the unified file"},
-      {both, "R.X0001", Summary, {}, {"R.UNSMRY"}, -1, "read the unified file"},
       {both, "R.INIT", Restart, {}, {"R.X0001"}, -1, ""},
       {{{"R.V2.X0000", 0}}, "R.V2", Restart, {}, {"R.V2.X0000"}, -1, ""},
       {{{"R.DATA", 0}, {"R.FUNRST", 0}, {"R.UNRST", 0}}, "R.DATA", Restart, {}, {"R.UNRST"}, -1, ""},
       {{{"r.unrst", 0}, {"r.fur", 0}}, "r", Restart, {}, {"r.unrst"}, -1, ""},
-      {{{"R.INIT", 0}}, "R", Restart, {}, {}, -1, ""},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.named + " of " + row.files.front().first);

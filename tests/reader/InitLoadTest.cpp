@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -5,10 +6,10 @@
 #include <gtest/gtest.h>
 
 #include "arrays/ArrayReader.h"
-#include "index/qvEclipseINSPEC.h"
 #include "shapes/HeaderLayout.h"
 #include "shapes/SelectionFixture.h"
 #include "support/Forms.h"
+#include "support/GridBuilder.h"
 #include "support/Host.h"
 #include "support/InitBuilder.h"
 #include "support/Paths.h"
@@ -39,23 +40,11 @@ class InitOperations : public testing::Test {
   bool qOK_ = false;
 };
 
-TEST_F(InitOperations, AFileThatIsRefusedLeavesNothingOfTheOneBefore) {
-  ASSERT_TRUE(host_.run());
-  test::writeFile(folder_.file("OTHER.INIT"), std::vector<std::byte>(40));
-  EXPECT_FALSE(host_.load(folder_.file("OTHER.INIT"), 15));
-  EXPECT_THAT(names(), IsEmpty());
-  EXPECT_FALSE(qOK_);
-  EXPECT_THAT(host_.session.diagnoses().front().text(), HasSubstr("byte 0: expected a record header"));
-}
-
 TEST_F(InitOperations, FetchTheChosenGrid) {
   ASSERT_TRUE(host_.run());
-  EXPECT_TRUE(reader_.IsInitialised(15));
-  EXPECT_THAT(names(), testing::SizeIs(6));
   std::int32_t Nx = 0, Ny = 0, Nz = 0;
   reader_.iGridNumber = 3;
   EXPECT_THAT(names(), ElementsAre("PORV", "DR", "DTHETA", "PERMR", "PVTNUM"));
-  EXPECT_EQ(std::get<std::string>(host_.source(1)), "CASE");
   EXPECT_EQ(std::get<std::string>(host_.source(29)), "RING");
   EXPECT_EQ(std::get<bool>(host_.source(13)), true) << "radial, not formatted";
   reader_.GetINITNxNyNz(Nx, Ny, Nz, qOK_);
@@ -71,7 +60,8 @@ TEST_F(InitOperations, FetchTheChosenGrid) {
   EXPECT_FALSE(qOK_);
   EXPECT_TRUE(reader_.DissolvedGas() && reader_.DualPorosity() && reader_.Oil() && !reader_.Brine());
   EXPECT_EQ(reader_.NumberPhases(), 3);
-  EXPECT_TRUE(reader_.DeleteObject(15));
+  EXPECT_EQ(reader_.InitScratchFileName(), "") << "memory sufficed";
+  reader_.DeleteInitData(qOK_);
   EXPECT_FALSE(reader_.IsInitialised(15) || reader_.Oil() || reader_.IsINITTableData());
 }
 
@@ -83,69 +73,44 @@ TEST_F(InitOperations, ChooseArraysByEachKindOfList) {
     host_.load(path_, 15);
     return names();
   };
+  const auto list = listOf({"PORO/", "DEPTH/", "PORV/"});
   EXPECT_THAT(load([&] { reader_.zOnly = "PO*"; }), ElementsAre("PORV", "PORO"));
   EXPECT_THAT(load([&] { reader_.zExcept = "P*,SATNUM"; }), ElementsAre("DEPTH", "FIPNUM"));
   EXPECT_THAT(load([&] { reader_.VectorPatterns = {"depth", "NONE"}; }), ElementsAre("DEPTH"));
   EXPECT_THAT(reader_.UnmatchedPatterns(), ElementsAre("NONE"));
-  EXPECT_THAT(load([&] {
-                reader_.bOnly = listOf({"PORO/", "DEPTH/"}), reader_.qOnly = true;
-              }),
-              ElementsAre("DEPTH", "PORO"));
-  EXPECT_THAT(load([&] {
-                reader_.bOnly = listOf({"PORO/", "DEPTH/", "PORV/"}), reader_.qOnly = false;
-              }),
+  EXPECT_THAT(load([&] { reader_.bOnly = list, reader_.qOnly = true; }),
+              ElementsAre("PORV", "DEPTH", "PORO"));
+  EXPECT_THAT(load([&] { reader_.bOnly = list, reader_.qOnly = false; }),
               ElementsAre("PVTNUM", "SATNUM", "FIPNUM"));
 }
 
 TEST_F(InitOperations, GivePlacesThatLeadToTheValues) {
-  for (const auto& [name, form] : test::everyForm) {
-    test::writeFile(path_, test::twoLocalGrids(form));
-    reader_.LoadData = false;
-    host_.run();
-    ColumnTable<std::int32_t> places;
-    std::array<bool, 5> settings{};
-    bool qFOD = false;
-    reader_.getINITDataFOD(host_.table, host_.headers, host_.source, host_.only, places, settings, qFOD,
-                           qOK_);
-    EXPECT_TRUE(qOK_ && qFOD);
-    EXPECT_THAT(host_.table.values(), ElementsAre(-1, 0, 0, 0, 0, 0));
-    ASSERT_EQ(places.columns(), host_.headers.entries());
-    ArrayReader fetch(host_.session);
-    const struct {
-      std::size_t array;
-      std::int32_t kind;
-      std::vector<float> values;
-    } rows[] = {{2, 3, {1, 2, 3, 4, 5, 6}}, {4, 2, {1, 1, 2, 2}}};
-    for (const auto& [array, kind, values] : rows) {
-      std::vector<float> fetched(static_cast<std::size_t>(places(1, array)));
-      EXPECT_EQ(places(2, array), kind);
-      fetch.readFetched(path_, settings, places.values().subspan(5 * (array - 1)).first<5>(), 0, fetched,
-                        qOK_);
-      EXPECT_EQ(fetched, values) << name << array;
-    }
-  }
+  test::writeFile(path_, test::twoLocalGrids(test::formatted));
+  reader_.LoadData = false;
+  host_.run();
+  ColumnTable<std::int32_t> places;
+  std::array<bool, 5> settings{};
+  bool qFOD = false;
+  reader_.getINITDataFOD(host_.table, host_.headers, host_.source, host_.only, places, settings, qFOD, qOK_);
+  EXPECT_TRUE(qOK_ && qFOD);
+  EXPECT_THAT(host_.table.values(), ElementsAre(-1, 0, 0, 0, 0, 0));
+  ASSERT_EQ(places.columns(), 6U);
+  std::vector<float> fetched(6);
+  EXPECT_THAT(places.values().subspan(5, 2), ElementsAre(6, 3)) << "values and type of DEPTH";
+  ArrayReader(host_.session)
+      .readFetched(path_, settings, places.values().subspan(5).first<5>(), 0, fetched, qOK_);
+  EXPECT_THAT(fetched, ElementsAre(1, 2, 3, 4, 5, 6));
 }
 
 TEST_F(InitOperations, FindTheFileOfAnIndex) {
+  reader_.IndexFolder = folder_.file("");
   EXPECT_TRUE(host_.load(folder_.file("CASE.inspec"), 15));
+  EXPECT_TRUE(std::filesystem::exists(folder_.file("CASE.INSPEC"))) << "it was written anew";
   EXPECT_EQ(reader_.FileName, path_);
   test::writeFile(folder_.file("case.finit"), test::twoLocalGrids(test::formatted));
   EXPECT_TRUE(host_.load(folder_.file("case.finspec"), 15));
   EXPECT_FALSE(host_.load(folder_.file("NONE.INSPEC"), 15));
   EXPECT_THAT(host_.lastDiagnosis().text(), HasSubstr("NONE.INSPEC"));
-}
-
-TEST_F(InitOperations, WriteTheIndexWhereTheHostNamesAFolder) {
-  reader_.IndexFolder = folder_.file("");
-  EXPECT_TRUE(host_.run());
-  qvEclipseINSPECFile index(host_.session);
-  index.CheckINSPECFile(folder_.file("CASE.INSPEC"), qOK_);
-  ASSERT_TRUE(qOK_);
-  index.getINSPECData(qOK_);
-  std::vector<std::string> names;
-  ASSERT_NE(index.GetINSPEC(1), nullptr);
-  index.GetINSPEC(1)->GetINITNames("RING", names, qOK_);
-  EXPECT_THAT(names, testing::IsSupersetOf({"PORV", "DR", "DTHETA", "PERMR"}));
 }
 
 TEST_F(InitOperations, HandOverTablesAsTheyAreStored) {
@@ -156,23 +121,27 @@ TEST_F(InitOperations, HandOverTablesAsTheyAreStored) {
   EXPECT_EQ(host_.table.rows(), 4u);
   EXPECT_FLOAT_EQ(host_.table(1, 2), static_cast<float>(1 / 1.12));
   EXPECT_EQ(ExtractAttribute(attributeVariable, host_.headers, 2), "1/BO");
+  std::vector<float> values;
+  std::vector<std::int32_t> sizes;
+  std::int32_t nDims = 0;
+  reader_.getTable("PVDO", 1, values, sizes, nDims, qOK_);
+  EXPECT_TRUE(qOK_ && nDims > 0);
   reader_.InitTables = false;
   EXPECT_TRUE(host_.run());
   EXPECT_FALSE(reader_.IsINITTableData());
   EXPECT_EQ(reader_.NumberTables("PVDO"), 0);
 }
 
-/// Leaves the first array out.
+/// Deselects the first array.
 class TakeAllButOne : public LoadDialog {
  public:
   bool show(const qvEclipseSPEC&, ECLIPSEINFO&, LoadDialogSettings&) override { return false; }
   bool showArrays(ECLIPSEINFO& selection, LoadDialogSettings& settings) override {
-    offered = settings.zFileType + std::to_string(selection.nSolutionVectors);
+    EXPECT_EQ(settings.zFileType + std::to_string(selection.nSolutionVectors), "INIT3");
     selection.qSolutionChosen[0] = false;
     settings.zOrigin = "CHOSEN";
     return goOn;
   }
-  std::string offered;
   bool goOn = true;
 };
 
@@ -181,11 +150,27 @@ TEST_F(InitOperations, AskADialog) {
   reader_.setLoadDialog(&dialog);
   reader_.Silent = false;
   host_.run();
-  EXPECT_EQ(dialog.offered, "INIT3");
   EXPECT_THAT(names(), ElementsAre("DEPTH", "PORO", "PVTNUM", "SATNUM", "FIPNUM"));
   EXPECT_EQ(std::get<std::string>(host_.source(1)), "CHOSEN");
   dialog.goOn = false;
   EXPECT_FALSE(host_.run());
+}
+
+/// Connection values of the INIT file with the cells of the grid file.
+TEST_F(InitOperations, PairConnectionsWithTheirCells) {
+  ASSERT_TRUE(host_.run());
+  reader_.InitConnections(1, qOK_);
+  EXPECT_FALSE(qOK_) << "no grid is loaded";
+  test::GridBuilder builder;
+  builder.grids[0].size = {3, 2, 1};
+  builder.grids[0].nnc1 = {1, 2, 3};
+  builder.grids[0].nnc2 = {4, 5, 6};
+  test::writeFile(folder_.file("CASE.EGRID"), builder.egrid(test::bigEndian));
+  ASSERT_TRUE(host_.load(folder_.file("CASE.EGRID"), 23));
+  const auto pairs = reader_.InitConnections(1, qOK_);
+  ASSERT_TRUE(qOK_ && pairs.size() == 3);
+  EXPECT_EQ(pairs[2].cell1 + 10 * pairs[2].cell2, 63);
+  EXPECT_THAT(pairs[2].values, ElementsAre(0.125F));
 }
 
 }  // namespace

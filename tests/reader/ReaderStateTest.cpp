@@ -1,8 +1,17 @@
-// Includes the main header alone, as a host does: all types of its operations must be complete.
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+// The main header before all others, as a host includes it: all types of its operations must be complete.
+#include "reader/qvEclipseInfo.h"
 #include "reader/qvEclipseReader.h"
+#include "support/ModelRun.h"
+#include "support/Paths.h"
 #include "support/RestartBuilder.h"
 #include "support/SummaryBuilder.h"
 #include "support/SummaryLoad.h"
@@ -33,18 +42,31 @@ RestartBuilder restart(std::initializer_list<std::int32_t> steps) {
 }
 
 TEST(ReaderState, TheOutcomeIsThatOfTheLastLoadWhateverTheCode) {
-  TemporaryFolder folder;
-  const auto spec = run(1).write(folder, "RUN", bigEndian);
-  auto bytes = run(1).data(bigEndian);
-  bytes.resize(bytes.size() - 4);
-  writeFile(folder.file("RUN.UNSMRY"), bytes);
-  SummaryLoad load(spec);
-  load.reader.VectorPatterns = {"FOPR,NONE*"};
-  ASSERT_TRUE(load.run());
-  for (const std::int32_t code : {0, 11, 12, 13, 14, 15, 18}) {
-    load.reader.whichtype = code;
-    EXPECT_TRUE(load.reader.Damaged()) << code;
-    EXPECT_THAT(load.reader.UnmatchedPatterns(), ElementsAre("NONE*")) << code;
+  const TemporaryFolder folder;
+  writeFile(folder.file("R.RFT"), bytesOf("RFT\nWELLNAME A\nP DEPTH\n1 2\nx"));
+  const ModelRun model(everyWriter[0], bigEndian);
+  const std::pair<std::string, std::int32_t> files[] = {
+      {model.restartPath, 11},   {model.specificationPath, 12}, {model.initPath, 15},
+      {model.testsPath, 18},     {model.gridPath, 23},          {model.indexPath, 28},
+      {folder.file("R.RFT"), 76}};
+  for (const auto& [path, code] : files) {
+    SCOPED_TRACE(path);
+    Host host(path, code);
+    FileDescriptor file{path};
+    EXPECT_TRUE(host.reader.CheckifEclipse(file));
+    EXPECT_EQ(file.iType, code);
+    for (const std::int32_t asked : {12, 18, 76, 77, code})
+      EXPECT_EQ(host.reader.CheckECLIPSEFileType(path, asked), asked == code) << asked;
+    if (code == 28) continue;
+    host.reader.AcceptDamaged = true;
+    host.reader.VectorPatterns = {"*,NONE*"};
+    EXPECT_TRUE(host.run() && !host.reader.Damaged());
+    const std::string data = code == 12 ? model.root() + ".UNSMRY" : path;
+    std::filesystem::resize_file(data, std::filesystem::file_size(data) - 4);
+    host.run();
+    host.reader.whichtype = 0;
+    EXPECT_TRUE(code == 76 || host.reader.Damaged());
+    EXPECT_EQ(host.reader.UnmatchedPatterns().size(), code <= 15 ? 1U : 0U);
   }
 }
 
@@ -91,9 +113,6 @@ TEST(ReaderState, ARootNameOrADataFileLeadsToTheSummary) {
     EXPECT_THAT(load.column(1), ElementsAre(1, 2)) << name;
     EXPECT_EQ(load.session.diagnoses().size(), std::string(name) == "RUN.UNSMRY" ? 0U : 1U) << name;
   }
-  SummaryLoad steps(folder.file("RUN.S0002"));
-  ASSERT_TRUE(steps.run());
-  EXPECT_THAT(steps.column(1), ElementsAre(7, 8)) << "a step file leads to its set";
 }
 
 TEST(ReaderState, NothingThatOneLoadFoundAppliesToTheNext) {
@@ -129,6 +148,41 @@ TEST(ReaderState, AllStepFilesThatBeginAsAUnifiedFileAreRead) {
     EXPECT_EQ(load.reader.RestartSteps().size(), 3U) << name;
     EXPECT_FALSE(load.reader.RestartValues(1, 1, "pressure").empty()) << "names in any letter case";
   }
+}
+
+/// A thread to each session: a race would show under load as other values, or to a sanitizer.
+TEST(ReaderState, SessionsLoadSideBySide) {
+  const std::string files[] = {"ARBOR/ARBOR.SMSPEC", "CEDAR/CEDAR_R2.SMSPEC", "HOLLIN/HOLLIN.SMSPEC"};
+  std::array<std::vector<float>, 6> values;
+  const auto loadOften = [&](std::size_t number) {
+    for (int round = 0; round < 10; ++round) {
+      SummaryLoad load(examplePath("/data/") + files[number % 3]);
+      load.reader.zExcept = "CO*,CW*,CG*,CPR*";
+      load.reader.NoRestart = false;
+      if (!load.run()) return;
+      values[number].assign(load.table.values().begin(), load.table.values().end());
+    }
+  };
+  {
+    std::vector<std::jthread> threads;
+    for (std::size_t i = 0; i < values.size(); ++i) threads.emplace_back(loadOften, i);
+  }
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_TRUE(values[i].size() > 100 && values[i] == values[i + 3]);
+}
+
+TEST(Info, TheLogHasTheVersionAtStartAndEnd) {
+  TemporaryFolder folder;
+  Session session;
+  qvEclipseInfo info(session);
+  info.CloseDown();  // nothing was logged before, so nothing is now
+  info.CancelLoad(true);
+  EXPECT_TRUE(info.CancelLoad() && session.cancelled());
+  const std::string version = info.DLLVersion(folder.file("host.log"), "Host starts", true);
+  EXPECT_THAT(version, ::testing::MatchesRegex("Lumbarn v[0-9.]+ [0-9]{4}-[0-9]{2}-[0-9]{2}"));
+  info.CloseDown();
+  std::ifstream in(folder.file("host.txt"));
+  const std::string text(std::istreambuf_iterator<char>(in), {});
+  EXPECT_EQ(text, "Host starts\n" + version + " OK\n" + version + " Close Down\n");
 }
 
 }  // namespace

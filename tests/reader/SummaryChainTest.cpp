@@ -3,8 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "shapes/HeaderLayout.h"
-#include "summary/RestartChain.h"
+#include "shapes/SelectionFixture.h"
 #include "support/Forms.h"
 #include "support/SummaryBuilder.h"
 #include "support/SummaryLoad.h"
@@ -29,20 +28,18 @@ SummaryBuilder runAt(const std::vector<float>& times, const std::string& second 
 class Chains : public ::testing::Test {
  protected:
   Chains() {
-    fs::create_directory(folder_.file("old"));
     first_ = runAt({1, 2, 3, 4});
     second_ = runAt({3, 4, 5});
     third_ = runAt({5, 6}, "FGPR");
   }
-  /// The third run restarted from the second, that from the first; earlier ones lie where the names say.
-  std::string write(const std::string& firstRoot = "OLD.RUN", const std::string& secondName = "MID") {
-    second_.restart = firstRoot;
-    third_.restart = secondName;
-    first_.write(folder_, firstRoot, form_);
-    second_.write(folder_, "MID", form_);
-    return third_.write(folder_, "NEW", form_);
+  /// The third run restarted from the second, which is of the other form, and that from the first.
+  std::string write() {
+    second_.restart = "OLD.RUN";
+    third_.restart = "MID";
+    first_.write(folder_, "OLD.RUN", bigEndian);
+    second_.write(folder_, "MID", formatted);
+    return third_.write(folder_, "NEW", bigEndian);
   }
-  Form form_ = bigEndian;
   TemporaryFolder folder_;
   SummaryBuilder first_, second_, third_;
 };
@@ -69,6 +66,11 @@ TEST_F(Chains, EarlierRunsComeInFrontAndTheirVectorsBehind) {
   ASSERT_TRUE(chosen.run());
   EXPECT_THAT(chosen.names(), ElementsAre("TIME", "FOPR"));
   EXPECT_THAT(chosen.reader.UnmatchedPatterns(), IsEmpty()) << "an earlier run had it";
+
+  SummaryLoad byClass(folder_.file("NEW.SMSPEC"));
+  byClass.reader.bOnly = listOf({"FIELD/"});
+  EXPECT_THAT(byClass.chainTimes(), ElementsAre(1, 2, 3, 4, 5, 6));
+  EXPECT_THAT(byClass.names(), ElementsAre("TIME", "FGPR", "FOPR"));
 }
 
 TEST_F(Chains, StoresMergeToTheSameTable) {
@@ -84,14 +86,6 @@ TEST_F(Chains, StoresMergeToTheSameTable) {
   EXPECT_THAT(load.column(3), ElementsAre(10, 20, 30, 40, 0, 0));
 }
 
-TEST_F(Chains, AnEarlierRunOfTheOtherFormIsFollowed) {
-  const auto spec = write();
-  for (const char* name : {"MID.SMSPEC", "MID.UNSMRY"}) fs::remove(folder_.file(name));
-  second_.write(folder_, "MID", formatted, false);
-  SummaryLoad load(spec);
-  EXPECT_THAT(load.chainTimes(), ElementsAre(1, 2, 3, 4, 5, 6));
-}
-
 TEST_F(Chains, WhereAChainBreaksItSaysWhatItLookedFor) {
   const auto spec = write();
   for (const char* name : {"OLD.RUN.SMSPEC", "OLD.RUN.UNSMRY"}) fs::remove(folder_.file(name));
@@ -99,10 +93,10 @@ TEST_F(Chains, WhereAChainBreaksItSaysWhatItLookedFor) {
   EXPECT_THAT(load.chainTimes(), ElementsAre(3, 4, 5, 6));
   ASSERT_EQ(load.session.diagnoses().size(), 2U);
   const Diagnosis& missing = load.session.diagnoses().front();
-  EXPECT_THAT(missing.text(), HasSubstr("MID.SMSPEC: the run that this one restarted from is not found"));
-  EXPECT_THAT(missing.expected, HasSubstr("OLD.RUN.SMSPEC"));
+  EXPECT_THAT(missing.text(), HasSubstr("MID.FSMSPEC: the run that this one restarted from is not found"));
+  EXPECT_THAT(missing.expected, HasSubstr("OLD.RUN.FSMSPEC"));
 
-  writeFile(folder_.file("MID.UNSMRY"), std::vector{std::byte{1}});
+  writeFile(folder_.file("MID.FUNSMRY"), std::vector{std::byte{1}});
   SummaryLoad noData(spec);
   EXPECT_THAT(noData.chainTimes(), ElementsAre(5, 6))
       << "an earlier run whose data cannot be read ends the chain";
@@ -112,34 +106,26 @@ TEST_F(Chains, WhereAChainBreaksItSaysWhatItLookedFor) {
 TEST_F(Chains, ARingEnds) {
   third_.restart = "MID";
   second_.restart = "NEW";
-  second_.write(folder_, "MID", form_);
-  SummaryLoad load(third_.write(folder_, "NEW", form_));
+  second_.write(folder_, "MID", bigEndian);
+  SummaryLoad load(third_.write(folder_, "NEW", bigEndian));
   EXPECT_THAT(load.chainTimes(), ElementsAre(3, 4, 5, 6));
   EXPECT_EQ(load.session.diagnoses().front().message, Message::ChainLoop);
 }
 
-TEST_F(Chains, CompletionDataTakeNoEarlierRunsUnlessTheyAreLeftOut) {
+TEST_F(Chains, CompletionDataTakeNoEarlierRuns) {
   third_.vectors.push_back({"COFR", "P1", 5, ""});
   for (auto& row : third_.rows) row.values.push_back(1);
-  const auto spec = write();
-  SummaryLoad load(spec);
+  SummaryLoad load(write());
   EXPECT_THAT(load.chainTimes(), ElementsAre(5, 6));
   EXPECT_TRUE(std::get<bool>(load.source(54)));
   EXPECT_EQ(load.lastDiagnosis().message, Message::ChainConnections);
-
-  SummaryLoad without(spec);
-  without.reader.NoRestart = false;
-  without.reader.zExcept = "COFR:*";
-  ASSERT_TRUE(without.run());
-  EXPECT_THAT(without.column(1), ElementsAre(1, 2, 3, 4, 5, 6));
 }
 
 /// Two runs of one chain whose vectors are to be matched: TIME and two others each, with values 1 and 2 in
 /// the earlier run and 3 and 4 in the later one.
 struct Matching {
-  using Vector = SummaryBuilder::Vector;
   const char* what;
-  std::vector<Vector> earlier, later;
+  std::vector<SummaryBuilder::Vector> earlier, later;
   std::vector<std::vector<float>> columns;
   std::optional<Message> message;
 };
@@ -147,40 +133,27 @@ struct Matching {
 TEST(ChainMatching, ByCompleteNames) {
   const std::string prefix(44, 'W');
   const std::vector<std::vector<float>> swapped = {{1, 5}, {2, 3}, {1, 4}};
+  const std::vector<std::vector<float>> apart = {{1, 5}, {0, 3}, {0, 4}, {1, 0}, {2, 0}};
   using Vectors = std::vector<SummaryBuilder::Vector>;
-  const Vectors producer{{"WOPR", "PRODUCER"}, {"WOPR", "INJ-1"}};
+  const Vectors producer{{"WOPR", "PRODUCER"}, {"WOPR", "INJ-1"}}, twice(2, {"WOPR", "PRODUCER"});
   const Vectors north{{"WOPR", "INJ-1"}, {"WOPR", "PRODUCER-NORTH"}};
-  const Vectors twice(2, {"WOPR", "PRODUCER"});
+  const Vectors two{{"WOPR", "PRODUCER-NORTH"}, {"WOPR", "PRODUCER-SOUTH"}};
+  const Vectors segments{{"SOFR", "P1", 12}, {"SOFR", "P11", 2}};
+  const Vectors longNames{{"WOPR", prefix + "1"}, {"WOPR", prefix + "2"}};
+  const Vectors stb{{"WOPR", "P1", 0, "STB/DAY"}, {"WOPR", "P2", 0, "SM3/DAY"}};
+  const Vectors sm3{{"WOPR", "P1", 0, "SM3/DAY"}, {"WOPR", "P2", 0, ""}};
+  const Vectors days{{"TCPU", "", 0, "DAYS"}, {"WOPR", "P2"}},
+      hours{{"TCPU", "", 0, " HOURS"}, {"WOPR", "P2"}};
+  const auto reversed = [](const Vectors& vectors) { return Vectors(vectors.rbegin(), vectors.rend()); };
   const Matching cases[] = {
-      {"parts of a name do not run together",
-       {{"SOFR", "P1", 12}, {"SOFR", "P11", 2}},
-       {{"SOFR", "P11", 2}, {"SOFR", "P1", 12}},
-       swapped},
-      {"names that agree in 40 characters",
-       {{"WOPR", prefix + "1"}, {"WOPR", prefix + "2"}},
-       {{"WOPR", prefix + "2"}, {"WOPR", prefix + "1"}},
-       swapped},
+      {"parts of a name do not run together", segments, reversed(segments), swapped, {}},
+      {"names that agree in 40 characters", longNames, reversed(longNames), swapped, {}},
       {"truncated names in the earlier run", producer, north, swapped, Message::ChainNames},
       {"truncated names in the later run", north, producer, swapped, Message::ChainNames},
-      {"a truncated name that may be either of two",
-       twice,
-       {{"WOPR", "PRODUCER-NORTH"}, {"WOPR", "PRODUCER-SOUTH"}},
-       {{1, 5}, {0, 3}, {0, 4}, {1, 0}, {2, 0}},
-       Message::ChainNoValues},
-      {"a truncated name with two longer ones",
-       producer,
-       {{"WOPR", "PRODUCER-NORTH"}, {"WOPR", "PRODUCER-SOUTH"}},
-       {{1, 5}, {0, 3}, {0, 4}, {1, 0}, {2, 0}},
-       Message::ChainNoValues},
-      {"units that cannot be converted",
-       {{"WOPR", "P1", 0, "STB/DAY"}, {"WOPR", "P2", 0, "SM3/DAY"}},
-       {{"WOPR", "P1", 0, "SM3/DAY"}, {"WOPR", "P2", 0, ""}},
-       {{1, 5}, {0, 3}, {2, 4}},
-       Message::ChainUnits},
-      {"units of time",
-       {{"TCPU", "", 0, "DAYS"}, {"WOPR", "P2"}},
-       {{"TCPU", "", 0, " HOURS"}, {"WOPR", "P2"}},
-       {{1, 5}, {24, 3}, {2, 4}}},
+      {"a truncated name that may be either of two", twice, two, apart, Message::ChainNoValues},
+      {"a truncated name with two longer ones", producer, two, apart, Message::ChainNoValues},
+      {"units that cannot be converted", stb, sm3, {{1, 5}, {0, 3}, {2, 4}}, Message::ChainUnits},
+      {"units of time", days, hours, {{1, 5}, {24, 3}, {2, 4}}, {}},
   };
   for (const Matching& one : cases) {
     SCOPED_TRACE(one.what);
@@ -202,7 +175,7 @@ TEST(ChainMatching, ByCompleteNames) {
     for (std::size_t i = 0; i < one.columns.size(); ++i) EXPECT_EQ(load.column(i + 1), one.columns[i]) << i;
     ASSERT_EQ(load.session.diagnoses().empty(), !one.message);
     if (one.message) {
-      EXPECT_EQ(load.session.diagnoses().at(0).message, one.message);
+      EXPECT_EQ(load.session.diagnoses()[0].message, one.message);
     }
   }
 }
@@ -222,26 +195,12 @@ TEST_F(Chains, RunsWithOtherStartDatesAndUnitsOfTimeAreShifted) {
 }
 
 TEST_F(Chains, RowsMissingBeforeARestartAreReported) {
-  second_.firstStep = 4;
-  SummaryLoad fits(write());
-  fits.chainTimes();
-  for (const Diagnosis& diagnosis : fits.session.diagnoses())
-    EXPECT_NE(diagnosis.message, Message::ChainGap) << diagnosis.text();
   second_.firstStep = 6;
   SummaryLoad load(write());
   EXPECT_THAT(load.chainTimes(), ElementsAre(1, 2, 3, 4, 5, 6));
   ASSERT_FALSE(load.session.diagnoses().empty());
   EXPECT_EQ(load.session.diagnoses().front().message, Message::ChainGap);
   EXPECT_EQ(load.session.diagnoses().front().found, "last report step 4");
-}
-
-TEST(EarlierRunCandidates, AreTriedFromTheLikeliestOn) {
-  const auto names = earlierRunCandidates("dir/A.B", "/runs/NEW.SMSPEC", false);
-  EXPECT_EQ(names.front(), "/runs/dir/A.B.SMSPEC");
-  EXPECT_EQ(names[8], "/runs/dir/A.SMSPEC");
-  EXPECT_EQ(names[16], "/runs/A.B.SMSPEC");
-  EXPECT_EQ(earlierRunCandidates("/x/A", "/runs/NEW.FSMSPEC", true).front(), "/x/A.FSMSPEC");
-  EXPECT_EQ(earlierRunCandidates("C:\\x\\A", "/runs/NEW.SMSPEC", false)[8], "/runs/A.SMSPEC");
 }
 
 }  // namespace

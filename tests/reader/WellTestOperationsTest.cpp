@@ -31,7 +31,7 @@ TEST(WellTestOperations, DescribeTheTestsOfAFile) {
 TEST(WellTestOperations, ReadTextsOfAUserInOnePlace) {
   const TemporaryFolder folder;
   writeFile(folder.file("rft.txt"), bytesOf("RFT\nORIGIN X\nWELLNAME A\nTIME 1.5\nP DEPTH\n1 2\n"));
-  writeFile(folder.file("plt.txt"), bytesOf("PLT\nWELLNAME B\nP LENGTH\n1 2\n"));
+  writeFile(folder.file("plt.txt"), bytesOf("-- x\nPLT\nWELLNAME B\nP LENGTH\n1 2\n"));
   Host host;
   const auto rft = [&](std::int32_t iTest) {
     bool qOK = false;
@@ -54,35 +54,16 @@ TEST(WellTestOperations, ReadTextsOfAUserInOnePlace) {
 
   // A file of the other kind is refused, and nothing remains that could be taken for its data.
   EXPECT_FALSE(host.load(folder.file("plt.txt"), 76));
-  EXPECT_THAT(host.lastDiagnosis().text(), HasSubstr("user PLT"));
+  EXPECT_THAT(host.lastDiagnosis().text(),
+              HasSubstr("byte 5: expected a text of well tests, found a user PLT"));
   EXPECT_EQ(host.reader.NumberUserTests(), 0);
   ASSERT_TRUE(host.load(folder.file("plt.txt"), 77));
   const auto tests = host.reader.ListUserTests();
   ASSERT_EQ(tests.size(), 1);
   EXPECT_EQ(tests[0].columns.at(0).name, "LENGTH");
   EXPECT_THAT(tests[0].columns.at(1).values, ElementsAre(1));
-  for (const std::int32_t kind : {77, 76}) {
-    EXPECT_TRUE(host.reader.DeleteObject(kind));
-    EXPECT_EQ(host.reader.NumberUserTests(), kind == 77 ? 1 : 0);
-  }
-}
-
-TEST(WellTestOperations, TellKindsOfFilesApart) {
-  const TemporaryFolder folder;
-  writeFile(folder.file("R.RFT"), bytesOf("RFT\n"));
-  writeFile(folder.file("P.RFT"), bytesOf("PLT\n"));
-  Host host;
-  const std::pair<std::string, std::int32_t> files[] = {
-      {folder.file("R.RFT"), 76}, {folder.file("P.RFT"), 77}, {examplePath("/data/ARBOR/ARBOR.RFT"), 18}};
-  for (const auto& [path, kind] : files) {
-    for (const std::int32_t asked : {18, 76, 77}) {
-      EXPECT_EQ(host.reader.CheckECLIPSEFileType(path, asked), asked == kind) << path;
-      EXPECT_EQ(host.load(path, asked), asked == kind) << path;
-    }
-  }
-  EXPECT_TRUE(host.reader.IsInitialised(18));
-  EXPECT_TRUE(host.reader.DeleteObject(18));
-  EXPECT_FALSE(host.reader.IsInitialised(18));
+  EXPECT_TRUE(host.reader.DeleteObject(76));
+  EXPECT_EQ(host.reader.NumberUserTests(), 0);
 }
 
 }  // namespace

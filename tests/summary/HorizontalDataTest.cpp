@@ -1,3 +1,4 @@
+#include <array>
 #include <string>
 #include <vector>
 
@@ -62,11 +63,9 @@ TEST_F(Profiles, OfInflowAreRunningSumsInOrderOfLength) {
   EXPECT_THAT(host_.column("WOFR"), ElementsAre(0, 402, 402 + 403, 402 + 403 + 401));
   EXPECT_THAT(host_.column("WWFR"), ElementsAre(0, 405, 405 + 406, 405 + 406 + 404));
   EXPECT_THAT(host_.column("WOFRU"), ElementsAre(0, 408, 409, 407)) << "a fraction is not summed";
-  const std::int32_t attributes[] = {attributeMember, attributeUnits, attributeIndex, attributeDataKind};
-  const char* const expected[][4] = {{"P1", "METRES", "2", "Inflow"}, {"P1", "SM3/DAY", "2", "Inflow"}};
-  for (const std::size_t column : {1, 2}) {
-    for (std::size_t n = 0; n < 4; ++n) EXPECT_EQ(field(column, attributes[n]), expected[column - 1][n]);
-  }
+  EXPECT_EQ(field(1, attributeUnits) + field(1, attributeMember) + field(2, attributeUnits),
+            "METRESP1SM3/DAY");
+  EXPECT_EQ(field(2, attributeIndex) + field(2, attributeDataKind), "2Inflow");
   EXPECT_EQ(std::get<std::string>(host_.source(4)), "5 JAN 2015") << "the last row of the second report step";
   EXPECT_EQ(std::get<std::int16_t>(host_.source(8)), 2);
   for (const auto& [step, inflow] : {std::pair{1, false}, {0, true}, {3, true}}) {
@@ -86,13 +85,27 @@ TEST_F(Profiles, ByConnectionKeepTheValuesAndMinistepsCountFrom0) {
   EXPECT_EQ(field(2, attributeDataKind), "Connect");
 }
 
-TEST_F(Profiles, OfMnemonicsWithOtherCountsOfConnectionsAreRefused) {
-  auto run = horizontalRun();
-  run.vectors[3].mnemonic = "CWFR";  // 2, 4 and 3 connections
-  EXPECT_FALSE(load(run));
-  run = horizontalRun();
-  run.vectors[7].mnemonic = "COFR";  // a mnemonic that comes back counts anew
-  EXPECT_FALSE(load(run));
+TEST_F(Profiles, OfMnemonicsWithOtherConnectionsAreRefused) {
+  const struct {
+    std::size_t vector;
+    const char *mnemonic, *member, *expected, *found;
+  } rows[] = {
+      {3, "CWFR", "P1", "2 of P1 for CWFR, as for COFR", "4"},
+      {6, "COFRU", "P1", "3 of P1 for CWFR, as for COFR", "2"},  // 3, 2 and 4 connections
+      {7, "COFR", "P1", "3 of P1 for COFR, as for COFR", "1"},   // a mnemonic that comes back counts anew
+      {6, "CWFR", "P2", "3 of P1 for CWFR, as for COFR", "2"},
+  };
+  for (const auto& row : rows) {
+    auto run = horizontalRun();
+    run.vectors[row.vector].mnemonic = row.mnemonic;
+    run.vectors[row.vector].name = row.member;
+    EXPECT_FALSE(load(run));
+    const Diagnosis diagnosis = host_.lastDiagnosis();
+    EXPECT_EQ(diagnosis.path, folder_.file("RUN.SMSPEC"));
+    EXPECT_EQ(diagnosis.offset, 160U);
+    EXPECT_EQ((std::array{diagnosis.keyword, diagnosis.expected, diagnosis.found}),
+              (std::array<std::string, 3>{"KEYWORDS", row.expected, row.found}));
+  }
   EXPECT_TRUE(host_.faults.empty());
 }
 
@@ -106,34 +119,6 @@ TEST_F(Profiles, OfAChainHaveTheStepsOfTheNewestRun) {
   ASSERT_TRUE(fetch(1, true));
   EXPECT_EQ(std::get<std::string>(host_.source(4)), "7 JAN 2015");
   EXPECT_EQ(host_.lastDiagnosis().message, Message::ChainProfiles);
-}
-
-TEST(DateStamp, DaysOrInLabUnitsHoursFromTheStart) {
-  struct Row {
-    const char* start;
-    double unitsPerDay;
-    float time;
-    const char* date;  // empty: refused
-  };
-  const Row rows[] = {{"1 JAN 2015", 1, 31.75F, "1 FEB 2015"},
-                      {"1 JAN 2015", 24, 47.5F, "2 JAN 2015"},
-                      {"1 JAN 2015", 1, 366, "2 JAN 2016"},
-                      {"1  2015", 1, 0, ""},
-                      {"30 FEB 2015", 1, 0, ""},
-                      {"1 JAN 2015", 1, 1e30F, ""},
-                      {"99999999999 JAN 2015", 1, 0, ""}};
-  Session session;
-  for (const Row& row : rows) {
-    std::string date = "old";
-    bool qOK = false;
-    GetDateStamp(session, row.start, row.unitsPerDay, row.time, date, qOK);
-    EXPECT_EQ(date, row.date) << row.start;
-    EXPECT_EQ(qOK, *row.date != 0) << row.start;
-  }
-  std::string date;
-  bool qOK = false;
-  GetDateStamp(session, *makeMoment(2015, 1, 1, 18), 1, 0.5F, date, qOK);
-  EXPECT_EQ(date, "2 JAN 2015");
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -60,14 +59,11 @@ const std::vector<Kind> kinds = {
 
 SummaryBuilder everyKind() {
   SummaryBuilder run;
+  run.start = {15, 7, 2003, 6, 30, 1500000};
+  run.restart = "/runs/of the field/BASE";
+  run.firstStep = 9;
   for (const Kind& kind : kinds) run.vectors.push_back(kind.vector);
   return run;
-}
-
-bool readSpec(qvEclipseSPEC& spec, const std::string& path) {
-  bool qOK = false;
-  if (spec.CheckSPECFile(path)) spec.ReadEclipseSPECFile(qOK);
-  return qOK;
 }
 
 std::vector<std::string> namesOf(const qvEclipseSPEC& spec) {
@@ -81,7 +77,9 @@ class SpecFile : public ::testing::Test {
   bool read(const std::vector<std::byte>& bytes) {
     writeFile(path, bytes);
     spec = qvEclipseSPEC(session);
-    return readSpec(spec, path);
+    bool qOK = false;
+    if (spec.CheckSPECFile(path)) spec.ReadEclipseSPECFile(qOK);
+    return qOK;
   }
   TemporaryFolder folder;
   std::string path = folder.file("RUN.SMSPEC");
@@ -95,6 +93,10 @@ TEST_F(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
   EXPECT_TRUE(spec.qPerforations);
   EXPECT_EQ(spec.iUnitSystem, 1);
   EXPECT_TRUE(session.diagnoses().empty());
+  EXPECT_EQ(spec.zStartDate, "15 JUL 2003");
+  EXPECT_EQ(isoText(spec.start().value_or(Moment{})), "2003-07-15T06:30:01.5");
+  EXPECT_EQ(spec.zRestartName, "/runs/of the field/BASE") << "a blank at the end of a piece of 8 must stay";
+  EXPECT_EQ(spec.iRestartStep, 9);
 
   spec.zOrigin = "Case 1";
   ByteTable headers;
@@ -124,39 +126,8 @@ TEST_F(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
   }
   EXPECT_EQ(row, headers.entries());
   EXPECT_EQ(field(headers, 2, attributeVerbose), "Oil production rate");
-
   const AttributeStore& classes = spec.xStore(attributeClass);
   EXPECT_EQ(classes.useCount(classes.find("WELLS")), 1) << "without the dummy";
-  EXPECT_EQ(classes.useCount(classes.find("SEGMENTS")), 2)
-      << "a segment numbered 0 is masked, but its well is no dummy";
-}
-
-TEST_F(SpecFile, StartWithSecondsAndTheEarlierRun) {
-  SummaryBuilder run;
-  run.start = {15, 7, 2003, 6, 30, 1500000};
-  run.restart = "/runs/of the field/BASE";
-  run.firstStep = 9;
-  run.vectors = {{"TIME"}};
-  ASSERT_TRUE(read(run.spec(bigEndian)));
-  EXPECT_EQ(spec.zStartDate, "15 JUL 2003");
-  ASSERT_TRUE(spec.start());
-  EXPECT_EQ(isoText(*spec.start()), "2003-07-15T06:30:01.5");
-  EXPECT_EQ(spec.zRestartName, "/runs/of the field/BASE") << "a blank at the end of a piece of 8 must stay";
-  EXPECT_EQ(spec.iRestartStep, 9);
-}
-
-TEST_F(SpecFile, IsRecognizedByItsSecondRecord) {
-  const std::pair<std::vector<const char*>, bool> rows[] = {
-      {{"RESTART"}, true},   {{"INTEHEAD", "RESTART"}, true}, {{"INTEHEAD", "DIMENS"}, true},
-      {{"INTEHEAD"}, false}, {{"DIMENS", "RESTART"}, false},  {{"INTEHEAD", "LOGIHEAD", "RESTART"}, false}};
-  for (const auto& [keywords, isSpecification] : rows) {
-    std::vector<std::byte> bytes;
-    RecordWriter out(memorySink(bytes), bigEndian);
-    for (const char* keyword : keywords) out.integers(keyword, std::vector<std::int32_t>{1, 2, 3, 4});
-    writeFile(path, bytes);
-    EXPECT_EQ(spec.CheckSPECFile(path), isSpecification) << keywords.back();
-  }
-  EXPECT_FALSE(spec.CheckSPECFile(folder.file("")));
 }
 
 TEST_F(SpecFile, ArraysOfWrongLengthAreUsedAsFarAsTheyGo) {
@@ -186,99 +157,12 @@ TEST_F(SpecFile, ArraysOfWrongLengthAreUsedAsFarAsTheyGo) {
   EXPECT_THAT(told, ::testing::UnorderedElementsAre("KEYWORDS", "WGNAMES", "NUMS", "UNITS", "STARTDAT"));
 }
 
-TEST_F(SpecFile, EveryTruncationIsReportedAndKeepsWhatIsComplete) {
-  const std::vector<std::byte> complete = everyKind().spec(bigEndian);
-  std::size_t usable = 0;
-  for (std::size_t size = complete.size(); size-- > 0;) {
-    auto flipped = complete;
-    flipped[size] ^= std::byte{0x84};
-    const auto headersFit = [&] {
-      ByteTable headers;
-      bool qHeaders = false;
-      spec.getHeaders(headers, qHeaders);
-      return qHeaders;
-    };
-    if (!read(flipped)) {
-      EXPECT_EQ(headersFit(), spec.qDamaged) << size;
-    }
-    session.clearDiagnoses();
-    if (read({complete.begin(), complete.begin() + static_cast<std::ptrdiff_t>(size)})) continue;
-    if (spec.zFileName.empty()) continue;  // too short to be recognized
-    ASSERT_FALSE(session.diagnoses().empty()) << size;
-    EXPECT_EQ(session.diagnoses().front().path, path);
-    EXPECT_EQ(headersFit(), spec.qDamaged) << size;
-    EXPECT_EQ(spec.nVectors, spec.qDamaged ? static_cast<std::int32_t>(kinds.size()) : 0) << size;
-    usable += spec.qDamaged;
-  }
-  EXPECT_GT(usable, complete.size() / 4) << "behind KEYWORDS, which is in the first half, all can be used";
-}
-
-TEST_F(SpecFile, MaskIsRefinedButDummiesStayOut) {
-  ASSERT_TRUE(read(everyKind().spec(bigEndian)));
-  bool qOK = false;
-  const auto kept = static_cast<std::size_t>(spec.nKeysUsed);
-  std::vector<bool> mask(kept, false);
-  mask[0] = mask[3] = mask[kept - 1] = true;  // the fourth that is in is the fifth of the file
-  spec.setKeyMask(mask, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_THAT(namesOf(spec), ElementsAre("TIME", "GOPR:G1", "LCOPR:LGR2:OP_1:2,2,1"));
-
-  for (const auto& wrong : {std::vector{true}, {true, false}}) {
-    spec.setKeyMask(wrong, qOK);
-    EXPECT_EQ(qOK, wrong.size() == 1) << "a mask of one entry is no selection";
-    EXPECT_EQ(spec.nKeysUsed, 3);
-  }
-}
-
-TEST_F(SpecFile, ConnectionVectorsComeWithTheirLengths) {
-  SummaryBuilder run = everyKind();
-  run.lengthUnit = "METRES";
-  for (std::size_t i = 0; i < run.vectors.size(); ++i) run.vectors[i].length = static_cast<float>(i);
-  ASSERT_TRUE(read(run.spec(bigEndian)));
-  ByteTable headers;
-  std::vector<bool> mask;
-  std::vector<float> lengths;
-  std::string unit;
-  bool qOK = false;
-  spec.getHorizontalHeaders(headers, mask, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_EQ(headers.entries(), 3U);
-  EXPECT_EQ(std::ranges::count(mask, true), 3);
-  spec.getHorizontalLengths(lengths, unit, qOK);
-  ASSERT_TRUE(qOK);
-  EXPECT_EQ(unit, "METRES");
-  EXPECT_THAT(lengths, ElementsAre(12, 13, 23)) << "the dummy too";
-}
-
-TEST(SpecUnits, FirstUnitThatDecidesDoesMetricOnlyWhenNoneDoes) {
-  const std::pair<std::vector<std::string>, std::int32_t> rows[] = {
-      {{"", "FRACTION"}, 2},      {{"SM3/DAY", "BARSA"}, 1},     {{"SM3", "psia"}, 2},
-      {{"HOURS", "STB"}, 3},      {{"SM3", "ATMA", "STB"}, 4},   {{"DAYS", "MSCF", "HOURS"}, 2},
-      {{"HOURS/M3", "KG/M3"}, 1}, {{" HOURS  ", "  SM3   "}, 3},
-  };
-  TemporaryFolder folder;
-  for (const auto& [units, system] : rows) {
-    SummaryBuilder run;
-    for (const auto& unit : units) run.vectors.push_back({"FOPR", "", 0, unit});
-    Session session;
-    qvEclipseSPEC spec(session);
-    ASSERT_TRUE(readSpec(spec, run.write(folder, "U", bigEndian)));
-    EXPECT_EQ(spec.iUnitSystem, system) << units[1];
-    run.intehead = 4;
-    ASSERT_TRUE(readSpec(spec, run.write(folder, "U", bigEndian)));
-    EXPECT_EQ(spec.iUnitSystem, units[1] == "FRACTION" ? 4 : system) << "INTEHEAD decides what units do not";
-  }
-}
-
 /// Only existing hosts' headers of 24 bytes have 16-bit numbers.
-TEST(SpecLimits, MoreNamesThanThirtyTwoThousandLoad) {
-  TemporaryFolder folder;
+TEST_F(SpecFile, MoreNamesThanThirtyTwoThousandLoad) {
   SummaryBuilder run;
   for (int well = 0; well < 32769; ++well)
     run.vectors.push_back({"WOPR", "W" + std::to_string(well), 0, "SM3"});
-  Session session;
-  qvEclipseSPEC spec(session);
-  ASSERT_TRUE(readSpec(spec, run.write(folder, "L", bigEndian)));
+  ASSERT_TRUE(read(run.spec(bigEndian)));
   ByteTable headers;
   bool qOK = false;
   spec.getHeaders(headers, qOK);
@@ -298,9 +182,6 @@ TEST(SpecCells, CellNumbersRunThroughIFastest) {
   bool qOK = false;
   qvEclipseSPEC().ConvertCellIndices(std::vector<std::int32_t>{1, 11, 41, 120, 121, 0}, dimens, cells, qOK);
   EXPECT_THAT(cells, ElementsAre("1 1 1", "1 2 1", "1 1 2", "10 4 3", "", ""));
-  qvEclipseSPEC().ConvertCellIndices(std::vector<std::int32_t>{1}, std::vector<std::int32_t>{0, 10, 4}, cells,
-                                     qOK);
-  EXPECT_THAT(cells, ElementsAre(""));
 }
 
 }  // namespace
