@@ -73,11 +73,6 @@ struct RestartBuilder {
   static float blockWord(std::size_t block, std::size_t word) {
     return static_cast<float>(block * 1000 + word);
   }
-  /// Words of a slot in ICON, from the cell on: 100 times the well, 10 times the slot, the word.
-  static std::int32_t slotWord(std::size_t well, std::size_t slot, std::size_t word) {
-    return static_cast<std::int32_t>(well * 10000 + slot * 100 + word);
-  }
-
   /// A unified file.
   std::vector<std::byte> bytes(Form form) const {
     std::vector<std::byte> all;
@@ -141,8 +136,12 @@ struct RestartBuilder {
       if (solutionMarks && grid.solution) out.message("STARTSOL");
       for (const Array& array : grid.arrays) write(out, array);
       if (solutionMarks && grid.solution) out.message("ENDSOL");
-      if (!grid.name.empty()) endGrid(out);
+      if (!grid.name.empty()) endGrid(out, gridEnd);
     }
+  }
+  static void endGrid(RecordWriter& out, GridEnd end) {
+    if (end == GridEnd::Message) return out.message("ENDLGR");
+    out.integers("ENDLGR", std::vector<std::int32_t>(end == GridEnd::OneInteger ? 1 : 0));
   }
 
  private:
@@ -162,10 +161,6 @@ struct RestartBuilder {
     std::vector<double> words(doubleWords);
     words.at(0) = step.days;
     out.doubles("DOUBHEAD", words);
-  }
-  void endGrid(RecordWriter& out) const {
-    if (gridEnd == GridEnd::Message) return out.message("ENDLGR");
-    out.integers("ENDLGR", std::vector<std::int32_t>(gridEnd == GridEnd::OneInteger ? 1 : 0));
   }
 
   template <class T>
@@ -202,7 +197,8 @@ struct RestartBuilder {
         const auto block = std::span(all).subspan((well * slots + slot) * words, words);
         for (std::size_t word = 1; word <= words; ++word) {
           const bool cell = word >= 2 && word <= 4;
-          block[word - 1] = cell ? connections[slot][word - 2] : slotWord(well + 1, slot + 1, word);
+          block[word - 1] = cell ? connections[slot][word - 2]
+                                 : static_cast<std::int32_t>((well + 1) * 10000 + (slot + 1) * 100 + word);
         }
       }
     }

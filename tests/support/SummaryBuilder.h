@@ -50,6 +50,7 @@ struct SummaryBuilder {
   std::vector<std::int32_t> ministeps = {};  ///< their numbers; empty: from 0 on
   std::string ownRecord = {};                ///< keyword of a record in front of the first SEQHDR
   bool runtimeRecords = false;               ///< MEASRMNT, RUNTIMEI and RUNTIMED in the specification
+  bool localGridTimes = false;               ///< LGRVEC and LGRTIMES there
   std::vector<std::int32_t> seqhdr = {};     ///< values of SEQHDR by step, instead of those of `sequence`
 
   std::vector<std::byte> spec(Form form) const {
@@ -68,6 +69,10 @@ struct SummaryBuilder {
     if (!lengthUnit.empty()) {
       out.singles("LENGTHS", each<float>(&Vector::length));
       out.texts("LENUNITS", std::array{lengthUnit});
+    }
+    if (localGridTimes) {
+      out.integers("LGRVEC", std::vector<std::int32_t>(vectors.size(), 1));
+      out.integers("LGRTIMES", std::array{1, 2});
     }
     out.texts("UNITS", each<std::string>(&Vector::unit));
     out.integers("STARTDAT", start);

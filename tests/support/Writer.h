@@ -52,7 +52,8 @@ struct Writer {
   SummaryBuilder::Sequence sequence = SummaryBuilder::Sequence::Counting;  ///< SEQHDR
   Padding padding = Padding::Left;                                         ///< of unit strings
   bool skippedMinistep = false;  ///< MINISTEP skips a number and repeats the next
-  bool moreSpecRecords = false;  ///< MEASRMNT, LENGTHS, LENUNITS, RUNTIMEI, RUNTIMED ...
+  bool moreSpecRecords = false;  ///< MEASRMNT, LENGTHS, LENUNITS, RUNTIMEI, RUNTIMED
+  bool localGridTimes = false;   ///< LGRVEC and LGRTIMES
   bool repeatedVector = false;   ///< a vector is stored twice
   bool inventedVectors = false;  ///< #WSTATH1 and the like, one for each well
   bool totals = true;            ///< FOPT, in which a rate applies to the interval before its row
@@ -72,6 +73,8 @@ struct Writer {
   bool doubleGroups = false;                      ///< SGRP is DOUB
   RestartBuilder::GridEnd gridEnd = RestartBuilder::GridEnd::Message;  ///< ENDLGR
   bool index = false;                                                  ///< an RSSPEC beside the unified file
+  bool initIndex = false;                                              ///< an INSPEC beside the INIT file
+  bool indexUnits = false;                                             ///< MEASRMNT and UNITS in both
   ItimeWords itime = ItimeWords::TimeStep;
 
   // INIT
@@ -109,7 +112,10 @@ inline const std::array<Writer, 8> everyWriter{{
      .leftovers = true,
      .sequence = SummaryBuilder::Sequence::Stamp,
      .moreSpecRecords = true,
+     .localGridTimes = true,
      .index = true,
+     .initIndex = true,
+     .indexUnits = true,
      .junkRows = true,
      .tableFill = 1,
      .mapRecords = true},
@@ -132,14 +138,14 @@ inline const std::array<Writer, 8> everyWriter{{
      .sequence = SummaryBuilder::Sequence::Stamp,
      .initialStepIsOneInHeader = true,
      .index = true,
+     .initIndex = true,
      .itime = Writer::ItimeWords::Marker,
      .constantCompressibility = true,
      .activity = Writer::Activity::Bits,
      .dualPorosity = true},
     {.name = "Ix",
      .program = 700,
-     .units = 1,
-     .localGrid = false,
+     .wells = {"NORTH FLANK PRODUCER 1", "NORTH FLANK INJECTOR 2"},
      .unified = false,
      .namesRecord = true,
      .nameWidth = 32,

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/CommandRun.h"
+#include "index/qvEclipseINSPEC.h"
 #include "support/Host.h"
 #include "support/ModelRun.h"
 
@@ -167,6 +168,9 @@ TEST_P(WholeRun, WellsHaveTheirConnectionsRatesAndControls) {
 
 TEST_P(WholeRun, InitHasArraysActiveCellsAndTables) {
   ASSERT_TRUE(host_.load(run_.initPath, 15));
+  if (writer_.initIndex) {
+    EXPECT_TRUE(indexOfInit(host_.session, run_.initPath, run_.initIndexPath).fromFile);
+  }
   EXPECT_THAT(host_.complaints(), IsEmpty());
   bool qOK = false;
   for (const bool local : {false, true}) {
@@ -261,6 +265,8 @@ TEST_P(WholeRun, WellTestsHaveTheirColumnsAndTimeOfDay) {
   EXPECT_EQ(host_.date, "11 JAN 2015 06:00");
   for (const char* name : {"DEPTH", "PRESSURE", "SWAT"})
     EXPECT_EQ(host_.column(name), expected(name)) << name;
+  const auto layer = static_cast<float>(model_.connections(0)[0][2]);
+  EXPECT_EQ(host_.column("CONKPOS"), (std::vector{layer, layer + 1}));
   ASSERT_TRUE(host_.fetchTest(rates, true));
   EXPECT_EQ(host_.well, writer_.wells[0]);
   for (const char* name : {"CONORAT", "CONWRAT", "CONGRAT"})
