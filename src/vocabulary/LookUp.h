@@ -15,9 +15,9 @@ struct KeyedText {
 /// True when the rows' keys rise strictly, so that `findRow` finds each of them. For static_assert beside
 /// the table.
 template <const auto& rows>
-constexpr bool keysRise =
-    std::ranges::adjacent_find(rows, std::ranges::greater_equal(), [](const auto& row) { return row.key; }) ==
-    std::ranges::end(rows);
+constexpr bool keysRise = std::ranges::adjacent_find(rows, std::ranges::greater_equal(), [](const auto& row) {
+                            return row.key;
+                          }) == std::ranges::end(rows);
 
 /// The row with exactly this key, or nullptr.
 template <class Rows>

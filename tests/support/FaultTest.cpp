@@ -45,22 +45,5 @@ TEST(Guarded, EveryWayOutOfARoutineLeavesItsTrace) {
   EXPECT_FALSE(qOK) << "a host's callback throws";
 }
 
-TEST(Diagnosis, TextHasEveryCoordinateThatIsKnown) {
-  Diagnosis d{.message = Message::RecordDamaged,
-              .path = "A.UNRST",
-              .problem = "block marks disagree",
-              .keyword = "PRESSURE",
-              .occurrence = 3};
-  d.offset = 512;
-  d.expected = "4000";
-  d.found = "17";
-  d.action = "kept 2 steps";
-  EXPECT_EQ(d.text(),
-            "A.UNRST: block marks disagree (PRESSURE, occurrence 3, byte 512: expected 4000, found 17); kept "
-            "2 steps");
-  EXPECT_EQ((Diagnosis{.message = Message::FileOpen, .path = "A", .problem = "no such file"}).text(),
-            "A: no such file");
-}
-
 }  // namespace
 }  // namespace lumbarn

@@ -154,7 +154,8 @@ inline std::string wrongWith(ReadFault fault, int n, const FileOfRun& file, cons
   const Fetched found = loadAll(file);
   met = faulty.met();
   const bool silent = found.ok && !found.complained;
-  return silent && !(found == clean) ? "other data, and nothing was reported" : "";
+  const bool differs = !(found == clean) || (met && fault == ReadFault::Touched);
+  return silent && differs ? "other data, and nothing was reported" : "";
 }
 
 /// Where records begin: a file that ends there may be complete.

@@ -10,7 +10,7 @@
 namespace lumbarn::test {
 
 SummaryBuilder Model::summary() const {
-  SummaryBuilder run;
+  SummaryBuilder run{.nameWidth = writer_->nameWidth, .writer = *writer_};
   for (const auto& vector : vectors()) run.vectors.push_back(vector.record);
   auto rows = summaryRows();
   if (writer_->running) rows.push_back(rows.back());
@@ -23,15 +23,6 @@ SummaryBuilder Model::summary() const {
     run.restart = "/no/such/folder/of/a/project/that/moved/to/another/machine/EARLIER";
   run.firstStep = firstStep();
   run.intehead = writer_->specHead == Writer::SpecHead::Restart ? 0 : writer_->units;
-  run.program = writer_->program;
-  run.restartRecord = writer_->specHead != Writer::SpecHead::InteheadDimens;
-  run.namesRecord = writer_->namesRecord;
-  run.nameWidth = writer_->nameWidth;
-  run.sequence = writer_->sequence;
-  if (writer_->skippedMinistep) run.ministeps = {119, 121, 121, 122, 123, 124};
-  if (writer_->ownRecord) run.ownRecord = writer_->ownRecord;
-  run.runtimeRecords = writer_->moreSpecRecords;
-  run.localGridTimes = writer_->localGridTimes;
   if (writer_->moreSpecRecords) run.lengthUnit = "METRES";
   return run;
 }
@@ -67,7 +58,7 @@ RestartBuilder::Grid Model::restartGrid(std::size_t step, bool local) const {
 }
 
 RestartBuilder Model::restart() const {
-  RestartBuilder run;
+  RestartBuilder run{.writer = *writer_};
   const auto numbers = restartSteps();
   for (std::size_t place = 0; place < numbers.size(); ++place) {
     const std::int32_t number = numbers[place];
@@ -81,22 +72,13 @@ RestartBuilder Model::restart() const {
   }
   run.units = writer_->units;
   run.phases = writer_->gas ? 7 : 3;
-  run.program = writer_->program;
   run.headerWords = writer_->headerWords;
   run.head = {{207, writer_->startHour}};
   if (writer_->activeInWord4) run.head.insert({{4, run.steps[0].grids[0].nActive}, {12, 1}});
-  run.logicalWords = writer_->logicalWords;
-  run.doubleWords = writer_->doubleWords;
   run.dualPorosity = writer_->dualPorosity;
-  run.solutionMarks = writer_->solutionMarks;
   run.gridEnd = writer_->gridEnd;
   run.nCWMAX = writer_->connectionSlots;
-  run.icon = writer_->icon;
-  run.nameWidth = writer_->nameWidth;
-  run.doubleGroups = writer_->doubleGroups;
-  if (writer_->ownRecord) run.ownRecord = writer_->ownRecord;
   run.seqnum = writer_->seqnum;
-  run.seqnumInStepFiles = writer_->seqnumInStepFiles;
   return run;
 }
 

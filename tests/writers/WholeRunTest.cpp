@@ -1,7 +1,6 @@
 // The runs of every writer in every form, checked value by value against the model that they were made from.
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <set>
 
@@ -281,12 +280,6 @@ std::string shown(std::string_view name) {
   return text;
 }
 
-float number(const std::string& text) {
-  float value = -1e30F;
-  std::from_chars(text.data(), text.data() + text.size(), value);
-  return value;
-}
-
 /// Runs a subcommand on the run, expects its exit status, and gives the rows, the header first.
 std::vector<std::vector<std::string>> csv(std::vector<std::string> args, const std::string& path,
                                           int status = 0) {
@@ -299,7 +292,7 @@ std::vector<std::vector<std::string>> csv(std::vector<std::string> args, const s
 std::vector<float> numbers(const std::vector<std::vector<std::string>>& rows, std::size_t column = 0) {
   std::vector<float> values;
   for (std::size_t row = 1; row < rows.size(); ++row)
-    values.push_back(column < rows[row].size() ? number(rows[row][column]) : -1e30F);
+    values.push_back(column < rows[row].size() ? std::stof(rows[row][column]) : -1e30F);
   return values;
 }
 
