@@ -5,6 +5,7 @@
 
 #include "shapes/ByteTable.h"
 #include "shapes/HeaderLayout.h"
+#include "shapes/XYData.h"
 #include "support/Fault.h"
 
 namespace lumbarn {
@@ -54,6 +55,8 @@ TEST(ByteTable, AccessIsCheckedAndResizingKeepsEntries) {
   EXPECT_EQ(table.get(2, 1, 3), "Z");
   EXPECT_EQ(table.get(3, 1, 3), "---");
   EXPECT_THROW(ByteTable(233, static_cast<std::size_t>(-1) / 16), Fault) << "a size that wraps around";
+  for (const std::size_t rows : {std::size_t{1} << 62, std::size_t{1} << 58})
+    EXPECT_THROW(XYData(rows, 1, Session()), Fault) << "nor more than there is";
 }
 
 }  // namespace

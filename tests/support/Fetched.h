@@ -121,7 +121,10 @@ inline void addIndex(Session& session, const FileOfRun& file, Fetched& all) {
   std::vector<std::uint64_t> places;
   for (const auto& step : indexOfInit(session, file.path, file.data).steps) {
     for (const auto& group : step.groups) {
-      for (const auto& entry : group.entries) places.push_back(entry.position);
+      for (const auto& entry : group.entries) {
+        // The record that begins a local grid is in the file, and not in every writer's index.
+        if (entry.keyword.view() != "LGR") places.push_back(entry.position);
+      }
     }
   }
   all.add(places);
