@@ -29,7 +29,6 @@ class ByteTable {
   std::span<const char> entry(std::size_t iEntry) const;
   /// The whole block.
   std::span<char> bytes() { return bytes_; }
-  std::span<const char> bytes() const { return bytes_; }
 
   /// Copies text left-aligned to bytes [firstByte, firstByte + fieldWidth) of an entry, cut at the field's
   /// width; what the text does not fill stays as it was. Throws Fault 9 when the field is not inside the

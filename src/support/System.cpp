@@ -76,12 +76,6 @@ InputFile::InputFile(const std::string& path, std::string& error) {
 InputFile::InputFile(InputFile&& other) noexcept
     : handle_(std::exchange(other.handle_, -1)), openingStamp_(other.openingStamp_) {}
 
-InputFile& InputFile::operator=(InputFile&& other) noexcept {
-  std::swap(handle_, other.handle_);
-  std::swap(openingStamp_, other.openingStamp_);
-  return *this;
-}
-
 InputFile::~InputFile() { close(); }
 
 void InputFile::close() { closeHandle(handle_); }
@@ -91,8 +85,6 @@ std::optional<FileStamp> InputFile::stamp() const {
   if (handle_ < 0 || ::fstat(static_cast<int>(handle_), &status) != 0) return std::nullopt;
   return stampFrom(status);
 }
-
-std::uint64_t InputFile::size() const { return stamp().value_or(FileStamp{}).size; }
 
 std::size_t InputFile::readAt(std::uint64_t position, std::span<std::byte> out, std::string& error) const {
   std::size_t done = 0;
@@ -114,14 +106,10 @@ OutputFile::OutputFile(const std::string& path, std::string& error) {
 }
 
 OutputFile OutputFile::createNew(const std::string& path, std::string& error) {
-  OutputFile file;
-  file.handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-  if (file.handle_ < 0) error = errorText(errno);
-  return file;
+  const int handle = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+  if (handle < 0) error = errorText(errno);
+  return OutputFile(handle);
 }
-
-OutputFile::OutputFile(OutputFile&& other) noexcept
-    : handle_(std::exchange(other.handle_, -1)), error_(std::move(other.error_)) {}
 
 OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
   std::swap(handle_, other.handle_);

@@ -41,13 +41,10 @@ class InputFile {
   /// "is a folder").
   InputFile(const std::string& path, std::string& error);
   InputFile(InputFile&& other) noexcept;
-  InputFile& operator=(InputFile&& other) noexcept;
   ~InputFile();
 
   bool isOpen() const { return handle_ >= 0; }
   void close();
-  /// Size in bytes at this moment; a running simulator may let it grow, a restarting one may cut it.
-  std::uint64_t size() const;
   /// The state of the open file at this moment; empty when the system does not report it.
   std::optional<FileStamp> stamp() const;
   /// Its state when it was opened.
@@ -71,7 +68,6 @@ class OutputFile {
   /// Creates a file that can be read back too. Fails when anything has that name already, a link that points
   /// nowhere included.
   static OutputFile createNew(const std::string& path, std::string& error);
-  OutputFile(OutputFile&& other) noexcept;
   OutputFile& operator=(OutputFile&& other) noexcept;
   ~OutputFile();
 
@@ -88,6 +84,7 @@ class OutputFile {
   const std::string& error() const { return error_; }
 
  private:
+  explicit OutputFile(std::intptr_t handle) : handle_(handle) {}
   bool failed();
 
   std::intptr_t handle_ = -1;

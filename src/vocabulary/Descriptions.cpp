@@ -36,7 +36,7 @@ constexpr auto segmentDescriptions = std::to_array<KeyedText>({
     {"XCOORD", "X position"},
     {"YCOORD", "Y position"},
 });
-static_assert(keysRise(segmentDescriptions));
+static_assert(keysRise<segmentDescriptions>);
 
 /// "Capilliary" is the spelling that hosts know.
 constexpr auto tableDescriptions = std::to_array<KeyedText>({
@@ -48,7 +48,7 @@ constexpr auto tableDescriptions = std::to_array<KeyedText>({
     {"PCOW", "Capilliary pressure"},
     {"PCWG", "Capilliary pressure"},
 });
-static_assert(keysRise(tableDescriptions));
+static_assert(keysRise<tableDescriptions>);
 
 constexpr auto streamlineDescriptions = std::to_array<KeyedText>({
     {"BLOCK", "Grid block (I,J,K) ordering"},
@@ -61,7 +61,7 @@ constexpr auto streamlineDescriptions = std::to_array<KeyedText>({
     {"Y-COORD", "Y coordinate position"},
     {"Z-COORD", "Z coordinate position"},
 });
-static_assert(keysRise(streamlineDescriptions));
+static_assert(keysRise<streamlineDescriptions>);
 
 template <class Rows>
 std::string textOr(const Rows& rows, std::string_view key, std::string_view otherwise) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <string_view>
 
 namespace lumbarn {
@@ -13,11 +14,10 @@ struct KeyedText {
 
 /// True when the rows' keys rise strictly, so that `findRow` finds each of them. For static_assert beside
 /// the table.
-template <class Rows>
-constexpr bool keysRise(const Rows& rows) {
-  return std::ranges::adjacent_find(rows, [](const auto& a, const auto& b) { return a.key >= b.key; }) ==
-         std::ranges::end(rows);
-}
+template <const auto& rows>
+constexpr bool keysRise = std::ranges::adjacent_find(rows, std::ranges::greater_equal(), [](const auto& row) {
+                            return row.key;
+                          }) == std::ranges::end(rows);
 
 /// The row with exactly this key, or nullptr.
 template <class Rows>

@@ -31,7 +31,7 @@ constexpr auto classWords = std::to_array<KeyedText>({
     {"S", "SEGMENTS"},
     {"W", "WELLS"},
 });
-static_assert(keysRise(classWords));
+static_assert(keysRise<classWords>);
 
 /// A mnemonic taken apart; both are views into it.
 struct VectorParts {

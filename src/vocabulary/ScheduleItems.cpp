@@ -39,7 +39,7 @@ constexpr auto scheduleItems = std::to_array<ScheduleItem>({
     {"WPRH", 31, production}, {"WPT", 64, production},  {"WPTH", 41, production}, {"XMF", 83, noPhase},
     {"YMF", 84, noPhase},     {"ZMF", 85, noPhase},
 });
-static_assert(keysRise(scheduleItems));
+static_assert(keysRise<scheduleItems>);
 
 constexpr std::int32_t fieldClass = 4;
 constexpr std::int32_t gridClass = 6;

@@ -279,6 +279,6 @@ inline constexpr auto summaryDescriptions = std::to_array<KeyedText>({
     {"YMF", "Vapour mole fraction"},
     {"ZMF", "Total mole fraction"},
 });
-static_assert(summaryDescriptions.size() == 269 && keysRise(summaryDescriptions));
+static_assert(summaryDescriptions.size() == 269 && keysRise<summaryDescriptions>);
 
 }  // namespace lumbarn

@@ -70,13 +70,10 @@ constexpr auto units = std::to_array<UnitRow>({
 });
 
 /// `unitOf` takes the row by its number.
-constexpr bool rowsFollowQuantities() {
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    if (units[i].quantity != static_cast<Quantity>(i)) return false;
-  }
-  return true;
-}
-static_assert(rowsFollowQuantities());
+static_assert(std::ranges::adjacent_find(units, std::ranges::greater_equal(), &UnitRow::quantity) ==
+                  units.end() &&
+              units.front().quantity == Quantity(0) &&
+              static_cast<std::size_t>(units.back().quantity) + 1 == units.size());
 
 }  // namespace
 

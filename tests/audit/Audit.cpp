@@ -15,7 +15,6 @@
 
 #include "FailingWrites.h"
 #include "cli/CommandRun.h"
-#include "support/FaultySource.h"
 #include "support/Fetched.h"
 
 namespace lumbarn::test {
@@ -86,7 +85,7 @@ void damagedCopies(Tally& tally, const std::vector<std::unique_ptr<ModelRun>>& r
     const ModelRun& run = *runs[random() % runs.size()];
     const auto files = filesOf(run);
     const FileOfRun& file = files[random() % files.size()];
-    const std::string path = dataFileOf(run, file);
+    const std::string& path = file.data;
     const std::string bytes = cli::testing::content(path);
     std::string damaged = bytes;
     const std::size_t at = random() % bytes.size();
@@ -122,12 +121,9 @@ void faultyReads(Tally& tally, const ModelRun& run) {
     for (const auto& [fault, name] : faults) {
       const auto at = [&](int n) {
         return tally.check("faulty reads", fmt::format("{}, read {} {}", nameOf(run, file), n, name), [&] {
-          const FaultyFiles faulty(fault, n);
-          const Fetched found = loadAll(file);
-          if (!faulty.met()) return notReached;
-          const bool silent = found.ok && !found.complained;
-          return silent && !(found == clean) ? std::string("other data, and nothing was reported")
-                                             : std::string();
+          bool met = true;
+          const auto wrong = wrongWith(fault, n, file, clean, met);
+          return met ? wrong : notReached;
         });
       };
       for (int n = 1; at(n);) ++n;
@@ -137,41 +133,40 @@ void faultyReads(Tally& tally, const ModelRun& run) {
 
 /// After a failed or canceled load every fetch must fail or give all; a second load on the same reader is
 /// clean.
+std::string wrongAfterFailure(const FileOfRun& file, const Fetched& clean, bool cancel, int at) {
+  Host host;
+  host.reader.FullWellInfo = true;
+  Fetched found, again;
+  int polls = 0;
+  if (cancel) {
+    host.session.hostYield = [&] { host.session.CancelLoad = ++polls >= at; };
+    found.ok = host.load(file.path, file.code);
+  } else {
+    const FaultyFiles faulty(ReadFault::Fails, at);
+    found.ok = host.load(file.path, file.code);
+  }
+  host.session.hostYield = nullptr;
+  for (const auto code : {12, 11, 15, 23, 18}) fetchAll(host, code, found);
+  if (found.ok && host.complaints().empty() && !(found == clean)) return "other data after success";
+  if (found.hasOtherValuesThan(clean)) return "a fetch gave values that are not in the file";
+  host.reader.Count();
+  host.session.CancelLoad = false;
+  host.session.clearDiagnoses();
+  host.reader.iGridNumber = 1;
+  again.ok = host.load(file.path, file.code);
+  fetchAll(host, file.code, again);
+  return again == clean ? "" : "a second load of the sound file differs";
+}
+
 void fetchesAfterFailures(Tally& tally, const ModelRun& run) {
   for (const auto& file : filesOf(run)) {
+    if (file.data == run.initIndexPath) continue;  // no load of a host reads it
     const Fetched clean = loadAll(file, false);
     for (int n = 0; n < 12; ++n) {
       const bool cancel = n % 2 == 0;
       const int at = n / 2 + 1;
-      tally.check("fetches after failures",
-                  fmt::format("{}, {} {}", nameOf(run, file), cancel ? "poll" : "read", at), [&] {
-                    Host host;
-                    host.reader.FullWellInfo = true;
-                    Fetched found;
-                    int polls = 0;
-                    if (cancel) {
-                      host.session.hostYield = [&] { host.session.CancelLoad = ++polls >= at; };
-                      found.ok = host.load(file.path, file.code);
-                    } else {
-                      const FaultyFiles faulty(ReadFault::Fails, at);
-                      found.ok = host.load(file.path, file.code);
-                    }
-                    host.session.hostYield = nullptr;
-                    for (const auto code : {12, 11, 15, 23, 18}) fetchAll(host, code, found);
-                    if (found.ok && host.complaints().empty() && !(found == clean))
-                      return std::string("other data after success");
-                    if (found.hasOtherValuesThan(clean))
-                      return std::string("a fetch gave values that are not in the file");
-                    host.reader.Count();
-                    host.session.CancelLoad = false;
-                    host.session.clearDiagnoses();
-                    host.reader.iGridNumber = 1;
-                    Fetched again;
-                    again.ok = host.load(file.path, file.code);
-                    fetchAll(host, file.code, again);
-                    return again == clean ? std::string()
-                                          : std::string("a second load of the sound file differs");
-                  });
+      const auto name = fmt::format("{}, {} {}", nameOf(run, file), cancel ? "poll" : "read", at);
+      tally.check("fetches after failures", name, [&] { return wrongAfterFailure(file, clean, cancel, at); });
     }
   }
 }
@@ -209,7 +204,7 @@ void failingWrites(Tally& tally, const ModelRun& run) {
     for (const auto& [name, text] : before) cli::testing::store(into.file(name), text);
   };
   for (const auto& args : outputs) {
-    const auto name = nameOf(run, {args[0].c_str(), "", 0});
+    const auto name = nameOf(run, {args[0].c_str(), "", 0, ""});
     tally.check("outputs", name, [&] {
       const auto outcome = cli::testing::command(args);
       return outcome.status == 0 || outcome.status == 3 ? std::string() : outcome.err;
@@ -225,23 +220,23 @@ void failingWrites(Tally& tally, const ModelRun& run) {
       return std::ranges::all_of(now, [&](const auto& f) { return asIn(before, f) || asIn(complete, f); }) &&
              std::ranges::all_of(before, [&](const auto& f) { return now.contains(f.first); });
     };
+    const auto wrong = [&](int n, bool lasting) -> std::string {
+      failWrites(n, lasting);
+      const auto outcome = cli::testing::command(args);
+      const bool failed = writeFailed();
+      failWrites(0, false);
+      if (!failed) return notReached;
+      const auto now = contentsOf(folder);
+      const bool kept = now == before;
+      const bool partly = args[0] == "index" && !kept && isSound(now);
+      const bool saysSo = outcome.status != 0 && (outcome.status == 3) == partly;
+      if (saysSo && (kept || partly)) return {};
+      return fmt::format("status {}, and earlier files were {}", outcome.status, kept ? "kept" : "changed");
+    };
     for (const bool lasting : {false, true}) {
       const auto at = [&](int n) {
-        return tally.check("failing writes",
-                           fmt::format("{}, write {}{}", name, n, lasting ? " and later" : ""), [&] {
-                             failWrites(n, lasting);
-                             const auto outcome = cli::testing::command(args);
-                             const bool failed = writeFailed();
-                             failWrites(0, false);
-                             if (!failed) return notReached;
-                             const auto now = contentsOf(folder);
-                             const bool kept = now == before;
-                             const bool partly = args[0] == "index" && !kept && isSound(now);
-                             const bool saysSo = outcome.status != 0 && (outcome.status == 3) == partly;
-                             if (saysSo && (kept || partly)) return std::string();
-                             return fmt::format("status {}, and earlier files were {}", outcome.status,
-                                                kept ? "kept" : "changed");
-                           });
+        const auto write = fmt::format("{}, write {}{}", name, n, lasting ? " and later" : "");
+        return tally.check("failing writes", write, [&] { return wrong(n, lasting); });
       };
       for (int n = 1; at(n); restore()) ++n;
       restore();

@@ -52,41 +52,30 @@ TEST(EclipseInfo, ClassWords) {
 }
 
 /// Two files of a chain: the earlier one has fewer wells, in another order.
-struct Chain : testing::Test {
+TEST(Chain, ClassesAreMatchedInOrderAndMembersByName) {
   Headers later, earlier;
-  ECLIPSEINFO xSource, xTarget;
   bool qOK = false;
-  void SetUp() override {
-    later.add("FIELD", "").add("GROUPS", "G").add("REGIONS", "").add("WELLS", "P1").add("WELLS", "P2");
-    earlier.add("WELLS", "P2").add("GROUPS", "H").add("WELLS", "P0").add("FIELD", "").add("REGIONS", "");
-    xSource = later.info();
-    xTarget = earlier.info();
-  }
-};
-
-TEST_F(Chain, ClassesPassedBeforeTheMatchLoseTheirMembers) {
-  xSource.qClassChosen.fill(false);
-  xSource.qClassChosen[slot(getClassIndex("REGIONS"))] = true;
-  setPlotClassList(xSource, xTarget, qOK, true);
-  EXPECT_TRUE(qOK);
-  EXPECT_EQ(maskText(xTarget), "00001");
-  EXPECT_EQ(classOf(xTarget, "FIELD").nMembers, 0);
-  EXPECT_EQ(classOf(xTarget, "GROUPS").nMembers, 0);
-  EXPECT_EQ(classOf(xTarget, "REGIONS").nMembers, 1);
-  EXPECT_EQ(classOf(xTarget, "WELLS").nMembers, 2) << "behind the match";
-  EXPECT_TRUE(xTarget.qAllMembers) << "no members were left out";
-  EXPECT_FALSE(xTarget.qAllClasses);
-}
-
-TEST_F(Chain, MembersAreCarriedByName) {
+  later.add("FIELD", "").add("GROUPS", "G").add("REGIONS", "").add("WELLS", "P1").add("WELLS", "P2");
+  earlier.add("WELLS", "P2").add("GROUPS", "H").add("WELLS", "P0").add("FIELD", "").add("REGIONS", "");
+  auto xSource = later.info(), xTarget = earlier.info(), xRegions = earlier.info(), xOther = earlier.info();
   xSource.qAllMembers = false;
   classOf(xSource, "WELLS").qMemberChosen = {false, true};
-  auto xOther = xTarget;
   setPlotClassList(xSource, xTarget, qOK, true);
   EXPECT_EQ(maskText(xTarget), "10011") << "P2 is found by name, P0 and H were not chosen";
   EXPECT_FALSE(xTarget.qClassChosen[slot(getClassIndex("GROUPS"))]) << "no member of it was found";
   setPlotClassList(xSource, xOther, qOK, false);
   EXPECT_EQ(maskText(xOther), "11111") << "only classes are asked for";
+
+  xSource = later.info();
+  xSource.qClassChosen.fill(false);
+  xSource.qClassChosen[slot(getClassIndex("REGIONS"))] = true;
+  setPlotClassList(xSource, xRegions, qOK, true);
+  EXPECT_EQ(maskText(xRegions), "00001");
+  EXPECT_EQ(classOf(xRegions, "FIELD").nMembers, 0) << "a class before the match loses its members";
+  EXPECT_EQ(classOf(xRegions, "WELLS").nMembers, 2) << "behind the match";
+  EXPECT_TRUE(xRegions.qAllMembers && !xRegions.qAllClasses) << "no members were excluded";
+  InitECLIPSECLASS(classOf(xRegions, "WELLS"), qOK);
+  EXPECT_EQ(classOf(xRegions, "WELLS").nMembers, 0);
 }
 
 /// e empty, s 16 bits, l 32 bits, b boolean, d double, t text

@@ -1,7 +1,6 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <random>
 
 #include <gtest/gtest.h>
 
@@ -17,17 +16,14 @@ TEST(Dates, MonthsBothWays) {
        {std::pair{"JAN", 1}, {"jly", 7}, {" July ", 7}, {"DECEMBER", 12}, {"JU", 0}, {"", 0}, {"13", 0}})
     EXPECT_EQ(monthNumber(name), number) << name;
   EXPECT_EQ(monthName(7), "JUL");
-  EXPECT_EQ(monthName(0), "");
-  EXPECT_EQ(monthName(13), "");
+  EXPECT_TRUE(monthName(0).empty() && monthName(13).empty());
 }
 
 TEST(Dates, OnlyDaysThatThereAre) {
   EXPECT_TRUE(makeMoment(2000, 2, 29));
-  for (const auto& [year, month, day] : {std::array{1900, 2, 29},
-                                         {2001, 4, 31},
-                                         {0, 1, 1},
-                                         {10000, 1, 1},
-                                         {2001, 257, 1}})  // 257: 1 in a byte
+  // 257: 1 in a byte
+  for (const auto& [year, month, day] :
+       {std::array{1900, 2, 29}, {2001, 4, 31}, {0, 1, 1}, {10000, 1, 1}, {2001, 257, 1}})
     EXPECT_FALSE(makeMoment(year, month, day)) << year << month;
   EXPECT_FALSE(makeMoment(2001, 1, 1, 24) || makeMoment(2001, 1, 1, 0, 0, 60'000'000));
   EXPECT_EQ(*makeMoment(1970, 1, 2, 3, 4, 5'000'006) - Moment{}, 27h + 4min + 5s + 6us);
@@ -70,20 +66,6 @@ TEST(MomentAfter, IsTheRoundestThatTheFloatAllows) {
     const auto moment = momentAfter(row.start, row.elapsed, row.unitsPerDay);
     ASSERT_TRUE(moment) << row.shown;
     EXPECT_EQ(isoText(*moment), row.shown);
-  }
-}
-
-/// Whatever whole minute a writer was at, it is found again or a rounder moment with the same float is.
-TEST(MomentAfter, KeepsTheFloat) {
-  std::mt19937 random(20010701);
-  for (int i = 0; i < 2000; ++i) {
-    const auto minutes = std::chrono::minutes(random() % (500U * 366 * 1440));
-    const auto days = static_cast<float>(static_cast<double>(minutes.count()) / 1440);
-    const auto found = momentAfter(start, days);
-    ASSERT_TRUE(found);
-    const auto elapsed = *found - start;
-    EXPECT_EQ(elapsed % 1min, 0s);
-    EXPECT_EQ(static_cast<float>(static_cast<double>(elapsed.count()) / 86400e6), days) << minutes.count();
   }
 }
 

@@ -1,6 +1,8 @@
+#include <functional>
 #include <new>
+#include <stdexcept>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -12,47 +14,35 @@ namespace {
 
 TEST(Guarded, EveryWayOutOfARoutineLeavesItsTrace) {
   Session session;
-  std::vector<std::string> reports;
-  session.faultReporter = [&](std::string_view text) { reports.emplace_back(text); };
-  bool qOK = true;
-
-  guarded(session, qOK, "qvX", "Read", [] { return false; });
-  EXPECT_FALSE(qOK);
-  EXPECT_TRUE(reports.empty()) << "a plain no is no fault";
-
-  guarded(session, qOK, "qvX", "Read", [] {});
-  EXPECT_TRUE(qOK);
-
-  guarded(session, qOK, "qvX", "Read", [] { throw Fault(FaultNumber::Subscript); });
-  EXPECT_FALSE(qOK);
-  guarded(session, qOK, "qvX", "Read", [] { throw std::bad_alloc(); });
-  guarded(session, qOK, "qvX", "Read", [] {
-    throw BadRecord(Diagnosis{.message = Message::RecordDamaged, .path = "F", .problem = "bad"});
-  });
-  EXPECT_FALSE(qOK);
-  ASSERT_EQ(reports.size(), 2U) << "damage in a file is a diagnosis, not a fault";
-  EXPECT_EQ(reports[0], "Error:Subscript out of range (No.9) In [qvX (Code) (Read)] ");
-  EXPECT_EQ(reports[1], "Error:Out of memory (No.7) In [qvX (Code) (Read)] ");
-  EXPECT_EQ(session.faults(), 2);
+  std::string report;
+  session.faultReporter = [&](std::string_view text) { report = text; };
+  const std::pair<std::function<bool()>, const char*> rows[] = {
+      {[] { return false; }, ""},  // a plain no is not a fault
+      {[]() -> bool { throw BadRecord({.message = Message::RecordDamaged, .path = "F"}); }, ""},
+      {[]() -> bool { throw Fault(FaultNumber::Subscript); }, "Subscript out of range (No.9)"},
+      {[]() -> bool { throw Fault(FaultNumber::DivisionByZero); }, "Division by zero (No.11)"},
+      {[]() -> bool { throw Fault(FaultNumber::PastEnd); }, "Input past end of file (No.62)"},
+      {[]() -> bool { throw std::bad_alloc(); }, "Out of memory (No.7)"},
+      {[]() -> bool { throw std::length_error("vector"); }, "Out of memory (No.7)"},
+      {[]() -> bool { throw std::runtime_error("odd"); }, "odd (No.5)"}};
+  int faults = 0;
+  for (const auto& [routine, text] : rows) {
+    report.clear();
+    bool qOK = true;
+    guarded(session, qOK, "qvX", "Read", routine);
+    EXPECT_FALSE(qOK);
+    const std::string_view stated(text);
+    EXPECT_EQ(report, stated.empty() ? "" : "Error:" + std::string(text) + " In [qvX (Code) (Read)] ");
+    EXPECT_EQ(session.faults(), faults += stated.empty() ? 0 : 1) << text;
+  }
   ASSERT_EQ(session.diagnoses().size(), 1U);
   EXPECT_EQ(session.diagnoses()[0].path, "F");
-}
-
-TEST(Diagnosis, TextHasEveryCoordinateThatIsKnown) {
-  Diagnosis d{.message = Message::RecordDamaged,
-              .path = "A.UNRST",
-              .problem = "block marks disagree",
-              .keyword = "PRESSURE",
-              .occurrence = 3};
-  d.offset = 512;
-  d.expected = "4000";
-  d.found = "17";
-  d.action = "kept 2 steps";
-  EXPECT_EQ(d.text(),
-            "A.UNRST: block marks disagree (PRESSURE, occurrence 3, byte 512: expected 4000, found 17); kept "
-            "2 steps");
-  EXPECT_EQ((Diagnosis{.message = Message::FileOpen, .path = "A", .problem = "no such file"}).text(),
-            "A: no such file");
+  bool qOK = false;
+  guarded(session, qOK, "qvX", "Read", [] {});
+  EXPECT_TRUE(qOK);
+  session.faultReporter = [](std::string_view) { throw std::bad_alloc(); };
+  guarded(session, qOK, "qvX", "Read", rows[2].first);
+  EXPECT_FALSE(qOK) << "a host's callback throws";
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <set>
 #include <string>
 #include <string_view>
@@ -13,8 +12,10 @@
 
 #include <fmt/format.h>
 
+#include "FaultySource.h"
 #include "Host.h"
 #include "ModelRun.h"
+#include "index/qvEclipseINSPEC.h"
 #include "record/RecordCursor.h"
 
 namespace lumbarn::test {
@@ -52,19 +53,24 @@ struct Fetched {
   bool operator==(const Fetched& other) const { return count == other.count && digest == other.digest; }
 };
 
-/// A file of a run with the code under which a host loads it.
+/// A file of a run, and the load that reads it.
 struct FileOfRun {
   const char* type;
-  std::string path;
+  std::string path;  ///< that the host loads
   std::int32_t code;
+  std::string data;  ///< the file itself, which the other one leads to
 };
 inline std::vector<FileOfRun> filesOf(const ModelRun& run) {
-  std::vector<FileOfRun> files{{"summary", run.specificationPath, 12},
-                               {"restart", run.restartPath, 11},
-                               {"INIT", run.initPath, 15},
-                               {"grid", run.gridPath, run.writer().gridFile ? 14 : 23},
-                               {"well tests", run.testsPath, 18}};
-  if (!run.indexPath.empty()) files.push_back({"index", run.indexPath, 11});
+  std::vector<FileOfRun> files{
+      {"summary", run.specificationPath, 12, run.dataPath},
+      {"specification", run.specificationPath, 12, run.specificationPath},
+      {"restart", run.restartPath, 11, run.restartPath},
+      {"INIT", run.initPath, 15, run.initPath},
+      {"grid", run.gridPath, run.writer().gridFile ? 14 : 23, run.gridPath},
+      {"well tests", run.testsPath, 18, run.testsPath},
+  };
+  if (!run.indexPath.empty()) files.push_back({"index", run.indexPath, 11, run.indexPath});
+  if (!run.initIndexPath.empty()) files.push_back({"INIT index", run.initPath, 15, run.initIndexPath});
   return files;
 }
 
@@ -110,6 +116,20 @@ inline void fetchAll(Host& host, std::int32_t code, Fetched& all) {
   }
 }
 
+/// Where the arrays of an INIT file are according to its index.
+inline void addIndex(Session& session, const FileOfRun& file, Fetched& all) {
+  std::vector<std::uint64_t> places;
+  for (const auto& step : indexOfInit(session, file.path, file.data).steps) {
+    for (const auto& group : step.groups) {
+      for (const auto& entry : group.entries) {
+        // The record that begins a local grid is in the file, and not in every writer's index.
+        if (entry.keyword.view() != "LGR") places.push_back(entry.position);
+      }
+    }
+  }
+  all.add(places);
+}
+
 inline Fetched loadAll(const FileOfRun& file, bool acceptDamaged = true) {
   Host host;
   host.reader.FullWellInfo = true;
@@ -117,6 +137,7 @@ inline Fetched loadAll(const FileOfRun& file, bool acceptDamaged = true) {
   Fetched all;
   all.ok = host.load(file.path, file.code);
   fetchAll(host, file.code, all);
+  if (file.code == 15 && file.data != file.path) addIndex(host.session, file, all);
   all.complained = !host.complaints().empty();
   for (const auto& report : host.session.diagnoses()) {
     if (report.path.empty() || (report.cutOff && !report.offset)) all.unplaced = report.text();
@@ -130,16 +151,14 @@ inline std::string lacking(const Fetched& found, const Fetched& clean) {
   return fmt::format("succeeded with {} of {} values and reported nothing", found.count, clean.count);
 }
 
-/// The files that a load of `file` reads for data: of a summary its data file.
-inline std::string dataFileOf(const ModelRun& run, const FileOfRun& file) {
-  if (file.code != 12) return file.path;
-  for (const char* extension : {"UNSMRY", "FUNSMRY", "S0001", "A0001"}) {
-    const auto path = run.folder.file(std::string("RUN.") + extension);
-    if (run.writer().unified == (std::string_view(extension).ends_with("UNSMRY")) &&
-        std::filesystem::exists(path))
-      return path;
-  }
-  return file.path;
+/// What is wrong with a load whose n-th read goes wrong. `met` is false when a load has fewer reads.
+inline std::string wrongWith(ReadFault fault, int n, const FileOfRun& file, const Fetched& clean, bool& met) {
+  const FaultyFiles faulty(fault, n);
+  const Fetched found = loadAll(file);
+  met = faulty.met();
+  const bool silent = found.ok && !found.complained;
+  const bool differs = !(found == clean) || (met && fault == ReadFault::Touched);
+  return silent && differs ? "other data, and nothing was reported" : "";
 }
 
 /// Where records begin: a file that ends there may be complete.

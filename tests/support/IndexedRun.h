@@ -84,18 +84,16 @@ struct IndexedRun {
   /// Writes BASE.UNRST, or BASE.X0001 and so on, and gives the paths.
   std::vector<std::string> writeRestart(const TemporaryFolder& folder, const std::string& base, Form form,
                                         bool unified) const {
-    std::vector<std::byte> all;
     std::vector<std::string> paths;
+    if (unified) paths.push_back(folder.file(base + (form.formatted() ? ".FUNRST" : ".UNRST")));
+    std::vector<std::byte> all;
     for (const std::int32_t number : steps) {
+      if (!unified) all.clear();
       const auto bytes = step(number, form, unified);
       all.insert(all.end(), bytes.begin(), bytes.end());
-      if (unified) continue;
-      paths.push_back(folder.stepFile(base, form.formatted() ? "F" : "X", number));
-      writeFile(paths.back(), bytes);
+      if (!unified) paths.push_back(folder.stepFile(base, form.formatted() ? "F" : "X", number));
+      writeFile(paths.back(), all);
     }
-    if (!unified) return paths;
-    paths.push_back(folder.file(base + (form.formatted() ? ".FUNRST" : ".UNRST")));
-    writeFile(paths.back(), all);
     return paths;
   }
 

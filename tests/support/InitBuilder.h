@@ -37,9 +37,9 @@ class InitBuilder {
     return integers("INTEHEAD", words);
   }
   /// LOGIHEAD of 35 words, those with the given numbers true.
-  InitBuilder& flags(std::initializer_list<int> set, int count = 35) {
+  InitBuilder& flags(std::initializer_list<int> set, int count = 35, bool value = true) {
     const auto words = std::make_unique<bool[]>(static_cast<std::size_t>(count));
-    for (const int word : set) words[static_cast<std::size_t>(word) - 1] = true;
+    for (const int word : set) words[static_cast<std::size_t>(word) - 1] = value;
     writer_.logicals("LOGIHEAD", {words.get(), static_cast<std::size_t>(count)});
     return *this;
   }
@@ -68,6 +68,7 @@ class InitBuilder {
     writer_.header(name, count, type);
     return *this;
   }
+  RecordWriter& out() { return writer_; }
   const std::vector<std::byte>& bytes() const { return bytes_; }
 
  private:

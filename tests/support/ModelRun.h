@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "GridBuilder.h"
@@ -81,6 +82,7 @@ class Model {
   std::string unit(std::string_view text) const;
   std::vector<float> times() const;
   RestartBuilder::Grid restartGrid(std::size_t step, bool local) const;
+  std::pair<std::vector<std::int32_t>, std::vector<double>> storedTables() const;  ///< TABDIMS and TAB
 
   const Writer* writer_;
 };
@@ -97,15 +99,12 @@ class ModelRun {
   Form form;
   TemporaryFolder folder;
   std::string specificationPath, initPath, gridPath, testsPath;
-  std::string restartPath;  ///< the unified file, or the file of the first step
-  std::string indexPath;    ///< RSSPEC; empty without one
+  std::string dataPath, restartPath;     ///< the unified file, or the file of the first step
+  std::string indexPath, initIndexPath;  ///< RSSPEC, INSPEC; empty without one
 
  private:
-  void store(const std::string& path, std::vector<std::byte> bytes) const;
-  std::string named(const char* unformatted, const char* formatted) const;
-  void writeSummary();
-  void writeRestart();
-  void writeIndex();
+  std::string named(const std::string& extension) const;
+  std::vector<std::byte> indexOf(const std::string& path) const;
 };
 
 /// Bytes as the writer's formatted files have them: line ends and the column of headers.

@@ -11,6 +11,7 @@
 
 #include "Forms.h"
 #include "TemporaryFolder.h"
+#include "Writer.h"
 
 namespace lumbarn::test {
 
@@ -41,25 +42,15 @@ struct RestartBuilder {
     std::vector<Grid> grids = {Grid()};
     std::int32_t headNumber = -1;  ///< word 69 when it differs from the number
   };
-  /// How writers end a local grid.
-  enum class GridEnd { Message, NoInteger, OneInteger };
+  using GridEnd = Writer::GridEnd;
 
   std::vector<Step> steps;
   std::int32_t units = 1;
   std::int32_t phases = 7;
-  std::int32_t program = 100;
   std::size_t headerWords = 411;
   std::map<std::size_t, std::int32_t> head;  ///< words of every INTEHEAD; these win over all others
-  std::size_t logicalWords = 80;             ///< LOGIHEAD; 0: not written
-  std::size_t doubleWords = 2;               ///< DOUBHEAD; 0: not written
-  bool icon = true;                          ///< connections are written
-  int nameWidth = 8;                         ///< of ZWEL
-  bool doubleGroups = false;                 ///< SGRP as DOUB
-  std::string ownRecord = {};                ///< keyword of a record in front of a unified file
   bool seqnum = true;                        ///< in a unified file
-  bool seqnumInStepFiles = false;
   bool dualPorosity = false;
-  bool solutionMarks = true;  ///< STARTSOL and ENDSOL
   GridEnd gridEnd = GridEnd::Message;
   std::int32_t nIWELZ = 30;
   std::int32_t nSWELZ = 75;
@@ -68,21 +59,17 @@ struct RestartBuilder {
   std::int32_t nICONZ = 25;
   std::int32_t nSCONZ = 40;
   std::int32_t nCWMAX = 3;
+  Writer writer = {};  ///< habits beside these
 
   /// Word `word` of block `block` in SWEL, XWEL and SCON, both from 1.
   static float blockWord(std::size_t block, std::size_t word) {
     return static_cast<float>(block * 1000 + word);
   }
-  /// Words of a slot in ICON, from the cell on: 100 times the well, 10 times the slot, the word.
-  static std::int32_t slotWord(std::size_t well, std::size_t slot, std::size_t word) {
-    return static_cast<std::int32_t>(well * 10000 + slot * 100 + word);
-  }
-
   /// A unified file.
   std::vector<std::byte> bytes(Form form) const {
     std::vector<std::byte> all;
     RecordWriter out(memorySink(all), form);
-    if (!ownRecord.empty()) out.texts(ownRecord, std::array{ownRecord});
+    if (writer.ownRecord) out.texts(writer.ownRecord, std::array<std::string, 1>{writer.ownRecord});
     for (const Step& step : steps) {
       if (seqnum) out.integers("SEQNUM", std::array{step.number});
       write(out, step);
@@ -93,7 +80,7 @@ struct RestartBuilder {
   std::vector<std::byte> bytes(Form form, const Step& step) const {
     std::vector<std::byte> all;
     RecordWriter out(memorySink(all), form);
-    if (seqnumInStepFiles) out.integers("SEQNUM", std::array{step.number});
+    if (writer.seqnumInStepFiles) out.integers("SEQNUM", std::array{step.number});
     write(out, step);
     return all;
   }
@@ -117,12 +104,28 @@ struct RestartBuilder {
     const auto number = step.headNumber < 0 ? step.number : step.headNumber;
     const auto& [nx, ny, nz] = grid.size;
     const auto& [day, month, year] = step.date;
-    std::map<std::size_t, std::int32_t> words = {
-        {3, units},   {9, nx},      {10, ny},     {11, nz},        {12, grid.nActive},
-        {15, phases}, {17, wells},  {18, nCWMAX}, {19, wells > 0}, {25, nIWELZ},
-        {26, nSWELZ}, {27, nXWELZ}, {28, nZWELZ}, {33, nICONZ},    {34, nSCONZ},
-        {35, 1},      {40, 2},      {65, day},    {66, month},     {67, year},
-        {69, number}, {95, program}};
+    std::map<std::size_t, std::int32_t> words = {{3, units},
+                                                 {9, nx},
+                                                 {10, ny},
+                                                 {11, nz},
+                                                 {12, grid.nActive},
+                                                 {15, phases},
+                                                 {17, wells},
+                                                 {18, nCWMAX},
+                                                 {19, wells > 0},
+                                                 {25, nIWELZ},
+                                                 {26, nSWELZ},
+                                                 {27, nXWELZ},
+                                                 {28, nZWELZ},
+                                                 {33, nICONZ},
+                                                 {34, nSCONZ},
+                                                 {35, 1},
+                                                 {40, 2},
+                                                 {65, day},
+                                                 {66, month},
+                                                 {67, year},
+                                                 {69, number},
+                                                 {95, writer.program}};
     for (const auto& [word, value] : head) words[word] = value;
     std::vector<std::int32_t> header(headerWords);
     for (const auto& [word, value] : words) {
@@ -135,14 +138,18 @@ struct RestartBuilder {
     for (const Grid& grid : step.grids) {
       if (!grid.name.empty()) out.texts("LGR", std::array{grid.name});
       out.integers("INTEHEAD", intehead(step, grid));
-      if (logicalWords > 0) writeLogicals(out);
-      if (doubleWords > 0) writeDoubles(out, step);
+      if (writer.logicalWords > 0) writeLogicals(out);
+      if (writer.doubleWords > 0) writeDoubles(out, step);
       if (!grid.wells.empty()) writeWells(out, grid);
-      if (solutionMarks && grid.solution) out.message("STARTSOL");
+      if (writer.solutionMarks && grid.solution) out.message("STARTSOL");
       for (const Array& array : grid.arrays) write(out, array);
-      if (solutionMarks && grid.solution) out.message("ENDSOL");
-      if (!grid.name.empty()) endGrid(out);
+      if (writer.solutionMarks && grid.solution) out.message("ENDSOL");
+      if (!grid.name.empty()) endGrid(out, gridEnd);
     }
+  }
+  static void endGrid(RecordWriter& out, GridEnd end) {
+    if (end == GridEnd::Message) return out.message("ENDLGR");
+    out.integers("ENDLGR", std::vector<std::int32_t>(end == GridEnd::OneInteger ? 1 : 0));
   }
 
  private:
@@ -156,16 +163,12 @@ struct RestartBuilder {
   void writeLogicals(RecordWriter& out) const {
     std::array<bool, 150> words{};
     words[14] = dualPorosity;
-    out.logicals("LOGIHEAD", std::span(words).first(logicalWords));
+    out.logicals("LOGIHEAD", std::span(words).first(writer.logicalWords));
   }
   void writeDoubles(RecordWriter& out, const Step& step) const {
-    std::vector<double> words(doubleWords);
+    std::vector<double> words(writer.doubleWords);
     words.at(0) = step.days;
     out.doubles("DOUBHEAD", words);
-  }
-  void endGrid(RecordWriter& out) const {
-    if (gridEnd == GridEnd::Message) return out.message("ENDLGR");
-    out.integers("ENDLGR", std::vector<std::int32_t>(gridEnd == GridEnd::OneInteger ? 1 : 0));
   }
 
   template <class T>
@@ -202,7 +205,8 @@ struct RestartBuilder {
         const auto block = std::span(all).subspan((well * slots + slot) * words, words);
         for (std::size_t word = 1; word <= words; ++word) {
           const bool cell = word >= 2 && word <= 4;
-          block[word - 1] = cell ? connections[slot][word - 2] : slotWord(well + 1, slot + 1, word);
+          block[word - 1] = cell ? connections[slot][word - 2]
+                                 : static_cast<std::int32_t>((well + 1) * 10000 + (slot + 1) * 100 + word);
         }
       }
     }
@@ -217,13 +221,13 @@ struct RestartBuilder {
   }
   void writeWells(RecordWriter& out, const Grid& grid) const {
     const std::size_t wells = grid.wells.size();
-    if (doubleGroups) out.doubles("SGRP", std::array{1.5, 2.5});
+    if (writer.doubleGroups) out.doubles("SGRP", std::array{1.5, 2.5});
     out.texts("ZGRP", std::array<std::string, 2>{"FIELD", ""});
     out.integers("IWEL", iwel(grid));
     out.singles("SWEL", blocks<float>(wells, nSWELZ));
     out.doubles("XWEL", blocks<double>(wells, nXWELZ));
-    out.texts("ZWEL", zwel(grid), nameWidth);
-    if (!icon) return;
+    out.texts("ZWEL", zwel(grid), writer.nameWidth);
+    if (!writer.icon) return;
     out.integers("ICON", connectionWords(grid));
     out.singles("SCON", blocks<float>(wells * static_cast<std::size_t>(nCWMAX), nSCONZ));
   }

@@ -11,6 +11,7 @@
 
 #include "Forms.h"
 #include "TemporaryFolder.h"
+#include "Writer.h"
 
 namespace lumbarn::test {
 
@@ -31,34 +32,25 @@ struct SummaryBuilder {
     bool newStep = true;
   };
 
-  /// What writers store in SEQHDR: a time stamp, 0, or the number of the report step.
-  enum class Sequence { Stamp, Zero, Counting };
-
   std::vector<Vector> vectors;
   std::vector<Row> rows;
   std::array<std::int32_t, 3> grid = {10, 10, 3};
   std::vector<std::int32_t> start = {1, 1, 2015};
-  std::string restart;          ///< root name of the earlier run
-  std::int32_t firstStep = 0;   ///< report step at which that run was left
-  std::int32_t intehead = 0;    ///< unit system for an INTEHEAD in front; 0: begins with RESTART
-  int nameWidth = 8;            ///< above 8: NAMES instead of WGNAMES
-  std::string lengthUnit = {};  ///< with one, LENGTHS and LENUNITS are written
-  std::int32_t program = 100;   ///< simulator code in that INTEHEAD
-  bool restartRecord = true;    ///< without it DIMENS follows INTEHEAD
-  bool namesRecord = false;     ///< NAMES with C008 too
-  Sequence sequence = Sequence::Counting;
-  std::vector<std::int32_t> ministeps = {};  ///< their numbers; empty: from 0 on
-  std::string ownRecord = {};                ///< keyword of a record in front of the first SEQHDR
-  bool runtimeRecords = false;               ///< MEASRMNT, RUNTIMEI and RUNTIMED in the specification
-  std::vector<std::int32_t> seqhdr = {};     ///< values of SEQHDR by step, instead of those of `sequence`
+  std::string restart;                    ///< root name of the earlier run
+  std::int32_t firstStep = 0;             ///< report step at which that run was left
+  std::int32_t intehead = 0;              ///< unit system for an INTEHEAD in front; 0: begins with RESTART
+  int nameWidth = 8;                      ///< above 8: NAMES instead of WGNAMES
+  std::string lengthUnit = {};            ///< with one, LENGTHS and LENUNITS are written
+  std::vector<std::int32_t> seqhdr = {};  ///< values of SEQHDR by step, instead of those of `sequence`
+  Writer writer = {};                     ///< habits beside these
 
   std::vector<std::byte> spec(Form form) const {
     std::vector<std::byte> bytes;
     RecordWriter out(memorySink(bytes), form);
-    if (intehead > 0) out.integers("INTEHEAD", std::array{intehead, program});
+    if (intehead > 0) out.integers("INTEHEAD", std::array{intehead, writer.program});
     std::vector<std::string> pieces(9);
     for (std::size_t i = 0; i * 8 < restart.size() && i < 9; ++i) pieces[i] = restart.substr(i * 8, 8);
-    if (restartRecord) out.texts("RESTART", pieces);
+    if (writer.specHead != Writer::SpecHead::InteheadDimens) out.texts("RESTART", pieces);
     const auto count = static_cast<std::int32_t>(vectors.size());
     out.integers("DIMENS", std::array{count, grid[0], grid[1], grid[2], 0, firstStep});
     out.texts("KEYWORDS", each<std::string>(&Vector::mnemonic));
@@ -69,14 +61,18 @@ struct SummaryBuilder {
       out.singles("LENGTHS", each<float>(&Vector::length));
       out.texts("LENUNITS", std::array{lengthUnit});
     }
+    if (writer.localGridTimes) {
+      out.integers("LGRVEC", std::vector<std::int32_t>(vectors.size(), 1));
+      out.integers("LGRTIMES", std::array{1, 2});
+    }
     out.texts("UNITS", each<std::string>(&Vector::unit));
     out.integers("STARTDAT", start);
-    if (runtimeRecords) {
+    if (writer.moreSpecRecords) {
       out.texts("MEASRMNT", std::vector<std::string>(vectors.size() * 5, "RATE"));
       out.integers("RUNTIMEI", std::vector<std::int32_t>(50, 1));
       out.doubles("RUNTIMED", std::vector<double>(83, 0.5));
     }
-    if (namesRecord && nameWidth == 8) replaceType(bytes, "NAMES   ", "C008");
+    if (writer.namesRecord && nameWidth == 8) replaceType(bytes, "NAMES   ", "C008");
     return bytes;
   }
 
@@ -96,11 +92,13 @@ struct SummaryBuilder {
       if (begins) files.emplace_back();
       RecordWriter out(memorySink(files.back()), form);
       const auto step = firstStep + static_cast<std::int32_t>(files.size());
-      if (begins && step == firstStep + 1 && !ownRecord.empty()) out.texts(ownRecord, std::array{ownRecord});
+      if (step == firstStep + 1 && begins && writer.ownRecord)
+        out.texts(writer.ownRecord, std::array<std::string, 1>{writer.ownRecord});
       if (begins)
         out.integers("SEQHDR", std::array{seqhdr.empty() ? sequenceWord(step) : seqhdr.at(files.size() - 1)});
-      const auto place = static_cast<std::size_t>(ministep++);
-      out.integers("MINISTEP", std::array{ministeps.empty() ? ministep - 1 : ministeps.at(place)});
+      const auto skipped = 119 + (ministep == 1 ? 2 : ministep);  // 119, 121, 121, 122
+      out.integers("MINISTEP", std::array{writer.skippedMinistep ? skipped : ministep});
+      ++ministep;
       out.singles("PARAMS", row.values);
     }
     return files;
@@ -124,12 +122,12 @@ struct SummaryBuilder {
 
  private:
   std::int32_t sequenceWord(std::int32_t step) const {
-    if (sequence == Sequence::Stamp) return -952856885 + step;
-    return sequence == Sequence::Zero ? 0 : step;
+    if (writer.sequence == Writer::Sequence::Stamp) return -952856885 + step;
+    return writer.sequence == Writer::Sequence::Zero ? 0 : step;
   }
   /// The header of 8-character names says CHAR or C008, that of longer ones C0nn.
   void writeNames(RecordWriter& out) const {
-    const bool names = namesRecord || nameWidth > 8;
+    const bool names = writer.namesRecord || nameWidth > 8;
     out.texts(names ? "NAMES" : "WGNAMES", each<std::string>(&Vector::name), nameWidth);
   }
   /// The writer of records knows CHAR only for strings of 8 characters.
@@ -147,10 +145,7 @@ struct SummaryBuilder {
     return values;
   }
   bool hasLgrs() const {
-    for (const Vector& vector : vectors) {
-      if (!vector.lgr.empty()) return true;
-    }
-    return false;
+    return std::ranges::any_of(vectors, [](const Vector& vector) { return !vector.lgr.empty(); });
   }
   void writeLgrs(RecordWriter& out) const {
     out.texts("LGRS", each<std::string>(&Vector::lgr));

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "Host.h"
 #include "WellTestBuilder.h"
-#include "shapes/HeaderLayout.h"
 #include "welltests/qvEclipseRFT.h"
 
 namespace lumbarn::test {
@@ -28,13 +27,11 @@ inline std::string tableText(const ByteTable& headers, const XYData& values) {
   return all;
 }
 
-/// A file of well tests, loaded with a session of its own, and what it answered last.
-struct WellTestLoad {
-  WellTestLoad() {
-    session.faultReporter = [this](std::string_view text) { faults.emplace_back(text); };
-  }
-  explicit WellTestLoad(const std::string& path) : WellTestLoad() { load(path); }
-  explicit WellTestLoad(const WellTestBuilder& builder, Form form = bigEndian) : WellTestLoad() {
+/// A file of well tests, loaded without a reader, and what it answered last.
+struct WellTestLoad : Host {
+  WellTestLoad() = default;
+  explicit WellTestLoad(const std::string& path) { load(path); }
+  explicit WellTestLoad(const WellTestBuilder& builder, Form form = bigEndian) {
     load(builder.write(folder, form));
   }
 
@@ -73,40 +70,20 @@ struct WellTestLoad {
   /// One field of each header.
   std::vector<std::string> fields(std::int32_t iAttribute) const {
     std::vector<std::string> all;
-    for (std::size_t i = 1; i <= headers.entries(); ++i) {
+    for (std::size_t i = 1; i <= headers.entries(); ++i)
       all.push_back(ExtractAttribute(iAttribute, headers, i));
-    }
     return all;
   }
   std::vector<std::string> names() const { return fields(attributeVariable); }
-  /// A column by its name; empty when it is not there.
-  std::vector<float> column(const std::string& name) const {
-    const auto all = names();
-    const auto at = std::ranges::find(all, name) - all.begin();
-    if (std::cmp_equal(at, all.size())) return {};
-    const auto values = table.column(static_cast<std::size_t>(at) + 1);
-    return {values.begin(), values.end()};
-  }
   std::string unit(const std::string& name) const {
     const auto all = names();
     const auto at = static_cast<std::size_t>(std::ranges::find(all, name) - all.begin());
     return at < all.size() ? fields(attributeUnits)[at] : "no such column";
   }
-  /// Empty when there was none, so that a test that misses it fails by name.
-  Diagnosis lastDiagnosis() const {
-    return session.diagnoses().empty() ? Diagnosis{.message = Message::NotLoaded}
-                                       : session.diagnoses().back();
-  }
 
   TemporaryFolder folder;
-  Session session;
-  std::vector<std::string> faults;
   qvEclipseRFT file{session};
   bool loaded = false;
-  XYData table;
-  ByteTable headers;
-  std::int32_t number = 0;
-  std::string date, well, grid, origin;
 };
 
 /// The report of a subscript error that ended a routine of a test.

@@ -3,9 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-
-#include "RestartBuilder.h"
-#include "SummaryBuilder.h"
+#include <ostream>
 
 namespace lumbarn::test {
 
@@ -19,7 +17,11 @@ struct Writer {
   enum class Measured { OneTest, TwoTests };     ///< RFT and PLT arrays of the same well and date
   enum class Earlier { None, Name, MovedPath };  ///< RESTART: no earlier run, its name, a path that moved
 
-  const char* name;
+  /// SEQHDR: a time stamp, 0, or the number of the report step.
+  enum class Sequence { Stamp, Zero, Counting };
+  enum class GridEnd { Message, NoInteger, OneInteger };  ///< ENDLGR
+
+  const char* name = "";
 
   // Run
   std::int32_t program = 100;                       ///< simulator code, word 95 of INTEHEAD
@@ -46,16 +48,17 @@ struct Writer {
   // Summary
   SpecHead specHead = SpecHead::InteheadRestart;
   Earlier earlier = Earlier::None;
-  std::size_t startWords = 6;  ///< STARTDAT: 3, or 6 with the time of day
-  bool namesRecord = false;    ///< NAMES (C008, C032) instead of WGNAMES
-  int nameWidth = 8;           ///< bytes of a name of a well, in NAMES and ZWEL
-  SummaryBuilder::Sequence sequence = SummaryBuilder::Sequence::Counting;  ///< SEQHDR
-  Padding padding = Padding::Left;                                         ///< of unit strings
-  bool skippedMinistep = false;  ///< MINISTEP skips a number and repeats the next
-  bool moreSpecRecords = false;  ///< MEASRMNT, LENGTHS, LENUNITS, RUNTIMEI, RUNTIMED ...
-  bool repeatedVector = false;   ///< a vector is stored twice
-  bool inventedVectors = false;  ///< #WSTATH1 and the like, one for each well
-  bool totals = true;            ///< FOPT, in which a rate applies to the interval before its row
+  std::size_t startWords = 6;              ///< STARTDAT: 3, or 6 with the time of day
+  bool namesRecord = false;                ///< NAMES (C008, C032) instead of WGNAMES
+  int nameWidth = 8;                       ///< bytes of a name of a well, in NAMES and ZWEL
+  Sequence sequence = Sequence::Counting;  ///< SEQHDR
+  Padding padding = Padding::Left;         ///< of unit strings
+  bool skippedMinistep = false;            ///< MINISTEP skips a number and repeats the next
+  bool moreSpecRecords = false;            ///< MEASRMNT, LENGTHS, LENUNITS, RUNTIMEI, RUNTIMED
+  bool localGridTimes = false;             ///< LGRVEC and LGRTIMES
+  bool repeatedVector = false;             ///< a vector is stored twice
+  bool inventedVectors = false;            ///< #WSTATH1 and the like, one for each well
+  bool totals = true;                      ///< FOPT, in which a rate applies to the interval before its row
 
   // Restart
   bool seqnum = true;                             ///< SEQNUM in front of the steps of a unified file
@@ -70,8 +73,10 @@ struct Writer {
   std::int32_t connectionSlots = 3;               ///< NCWMAX
   std::array<std::int32_t, 2> controls = {1, 7};  ///< word 9 of IWEL: 1 to 5 rates, 6 THP, 7 BHP, -1 group
   bool doubleGroups = false;                      ///< SGRP is DOUB
-  RestartBuilder::GridEnd gridEnd = RestartBuilder::GridEnd::Message;  ///< ENDLGR
-  bool index = false;                                                  ///< an RSSPEC beside the unified file
+  GridEnd gridEnd = GridEnd::Message;             ///< ENDLGR
+  bool index = false;                             ///< an RSSPEC beside the unified file
+  bool initIndex = false;                         ///< an INSPEC beside the INIT file
+  bool indexUnits = false;                        ///< MEASRMNT and UNITS in both
   ItimeWords itime = ItimeWords::TimeStep;
 
   // INIT
@@ -107,9 +112,12 @@ inline const std::array<Writer, 8> everyWriter{{
      .gas = true,
      .localGrid = true,
      .leftovers = true,
-     .sequence = SummaryBuilder::Sequence::Stamp,
+     .sequence = Writer::Sequence::Stamp,
      .moreSpecRecords = true,
+     .localGridTimes = true,
      .index = true,
+     .initIndex = true,
+     .indexUnits = true,
      .junkRows = true,
      .tableFill = 1,
      .mapRecords = true},
@@ -120,7 +128,7 @@ inline const std::array<Writer, 8> everyWriter{{
      .startHour = 6,
      .namesRecord = true,
      .nameWidth = 32,
-     .sequence = SummaryBuilder::Sequence::Zero,
+     .sequence = Writer::Sequence::Zero,
      .wellsOnlyStep = true,
      .controls = {5, -1},
      .doubleGroups = true,
@@ -129,17 +137,17 @@ inline const std::array<Writer, 8> everyWriter{{
      .measured = Writer::Measured::TwoTests},
     {.name = "DualPorosity",
      .initialStep = true,
-     .sequence = SummaryBuilder::Sequence::Stamp,
+     .sequence = Writer::Sequence::Stamp,
      .initialStepIsOneInHeader = true,
      .index = true,
+     .initIndex = true,
      .itime = Writer::ItimeWords::Marker,
      .constantCompressibility = true,
      .activity = Writer::Activity::Bits,
      .dualPorosity = true},
     {.name = "Ix",
      .program = 700,
-     .units = 1,
-     .localGrid = false,
+     .wells = {"NORTH FLANK PRODUCER 1", "NORTH FLANK INJECTOR 2"},
      .unified = false,
      .namesRecord = true,
      .nameWidth = 32,
@@ -154,7 +162,7 @@ inline const std::array<Writer, 8> everyWriter{{
      .gas = true,
      .localGrid = true,
      .tinyNumbers = true,
-     .gridEnd = RestartBuilder::GridEnd::NoInteger,
+     .gridEnd = Writer::GridEnd::NoInteger,
      .passes = false,
      .lgrsGone = false,
      .metricTables = true},
@@ -184,7 +192,7 @@ inline const std::array<Writer, 8> everyWriter{{
      .doubleWords = 1,
      .solutionMarks = false,
      .controls = {2, 3},
-     .gridEnd = RestartBuilder::GridEnd::OneInteger,
+     .gridEnd = Writer::GridEnd::OneInteger,
      .integerLgrsGone = true,
      .sizedUnusedTable = true,
      .gridFile = true,

@@ -31,26 +31,21 @@ TEST(Units, TimesInDays) {
 }
 
 TEST(SegmentVectors, TakeTheirUnitsFromTheTest) {
-  const std::vector<std::string> units{"  DAYS", "W1",       "",         " METRES", "  BARSA", "MULTISEG",
-                                       "SEG",    " SM3/DAY", "MSM3/DAY", "RM3/DAY", " M/SEC"};
-  std::vector<std::string> names{"old"};
-  std::vector<std::string> of;
+  std::vector<std::string> names{"old"}, units;
   std::int32_t count = 0;
   bool qOK = false;
-  setSEGHeaders(units, names, of, count, qOK);
-  EXPECT_TRUE(qOK);
-  EXPECT_EQ(count, 31);
-  ASSERT_EQ(names.size(), 31U);
-  EXPECT_EQ(names[6], "SEGYCORD");
-  EXPECT_EQ(names[26], "SEGCORTS");
-  EXPECT_THAT((std::vector{of[0], of[7], of[8], of[10], of[11], of[13], of[14], of[17]}),
-              ElementsAre("METRES", "BARSA", "SM3/DAY", "MSM3/DAY", "SM3/DAY/METRES", "MSM3/DAY/METRES",
-                          "M/SEC", ""));
-  const std::vector<std::string> few{"DAYS", "W1", "", "FEET", "PSIA", "RFT", "STANDARD", "STB/DAY"};
-  setSEGHeaders(few, names, of, count, qOK);
-  EXPECT_EQ(names[30], "SEGGOR");
-  EXPECT_EQ(of[11], "STB/DAY/FEET");
-  EXPECT_EQ(of[13] + of[14], "") << "no gas rate: not \"/FEET\"";
+  setSEGHeaders(std::vector<std::string>{"  DAYS", "W1", "", " METRES", "  BARSA", "MULTISEG", "SEG",
+                                         " SM3/DAY", "MSM3/DAY", "RM3/DAY", " M/SEC"},
+                names, units, count, qOK);
+  EXPECT_TRUE(qOK && count == 31 && names.size() == 31);
+  EXPECT_EQ(names[6] + names[26] + names[30], "SEGYCORDSEGCORTSSEGGOR");
+  EXPECT_THAT(
+      (std::vector{units[0], units[7], units[8], units[10], units[11], units[13], units[14], units[17]}),
+      ElementsAre("METRES", "BARSA", "SM3/DAY", "MSM3/DAY", "SM3/DAY/METRES", "MSM3/DAY/METRES", "M/SEC",
+                  ""));
+  setSEGHeaders(std::vector<std::string>{"DAYS", "W1", "", "FEET", "PSIA", "RFT", "STANDARD", "STB/DAY"},
+                names, units, count, qOK);
+  EXPECT_EQ(units[11] + units[13] + units[14], "STB/DAY/FEET") << "no gas rate: not \"/FEET\"";
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // The runs of every writer in every form, checked value by value against the model that they were made from.
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
 #include <set>
 
@@ -9,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/CommandRun.h"
+#include "index/qvEclipseINSPEC.h"
 #include "support/Host.h"
 #include "support/ModelRun.h"
 
@@ -167,6 +167,9 @@ TEST_P(WholeRun, WellsHaveTheirConnectionsRatesAndControls) {
 
 TEST_P(WholeRun, InitHasArraysActiveCellsAndTables) {
   ASSERT_TRUE(host_.load(run_.initPath, 15));
+  if (writer_.initIndex) {
+    EXPECT_TRUE(indexOfInit(host_.session, run_.initPath, run_.initIndexPath).fromFile);
+  }
   EXPECT_THAT(host_.complaints(), IsEmpty());
   bool qOK = false;
   for (const bool local : {false, true}) {
@@ -261,6 +264,8 @@ TEST_P(WholeRun, WellTestsHaveTheirColumnsAndTimeOfDay) {
   EXPECT_EQ(host_.date, "11 JAN 2015 06:00");
   for (const char* name : {"DEPTH", "PRESSURE", "SWAT"})
     EXPECT_EQ(host_.column(name), expected(name)) << name;
+  const auto layer = static_cast<float>(model_.connections(0)[0][2]);
+  EXPECT_EQ(host_.column("CONKPOS"), (std::vector{layer, layer + 1}));
   ASSERT_TRUE(host_.fetchTest(rates, true));
   EXPECT_EQ(host_.well, writer_.wells[0]);
   for (const char* name : {"CONORAT", "CONWRAT", "CONGRAT"})
@@ -275,12 +280,6 @@ std::string shown(std::string_view name) {
   return text;
 }
 
-float number(const std::string& text) {
-  float value = -1e30F;
-  std::from_chars(text.data(), text.data() + text.size(), value);
-  return value;
-}
-
 /// Runs a subcommand on the run, expects its exit status, and gives the rows, the header first.
 std::vector<std::vector<std::string>> csv(std::vector<std::string> args, const std::string& path,
                                           int status = 0) {
@@ -293,7 +292,7 @@ std::vector<std::vector<std::string>> csv(std::vector<std::string> args, const s
 std::vector<float> numbers(const std::vector<std::vector<std::string>>& rows, std::size_t column = 0) {
   std::vector<float> values;
   for (std::size_t row = 1; row < rows.size(); ++row)
-    values.push_back(column < rows[row].size() ? number(rows[row][column]) : -1e30F);
+    values.push_back(column < rows[row].size() ? std::stof(rows[row][column]) : -1e30F);
   return values;
 }
 
