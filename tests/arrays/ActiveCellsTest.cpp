@@ -39,22 +39,6 @@ TEST(ActiveCount, TheLengthOfMostArraysDecides) {
   }
 }
 
-TEST(ActiveCount, IsInTheWordOfItsSimulator) {
-  const auto stated = [](std::int32_t program, std::int32_t word4, std::int32_t word96, bool init) {
-    std::vector<std::int32_t> words(96);
-    words[3] = word4;
-    words[11] = 20;
-    words[94] = program;
-    words[95] = word96;
-    return statedActiveCells(HeaderWords(words), init).active;
-  };
-  EXPECT_EQ(stated(300, 22, 0, false), 22);
-  EXPECT_EQ(stated(300, 22, 1, false), 20);
-  EXPECT_EQ(stated(300, 22, 1, true), 22);
-  EXPECT_EQ(stated(300, 0, 0, true), 20);
-  EXPECT_EQ(stated(100, 22, 0, true), 20);
-}
-
 using Words = std::vector<std::int32_t>;
 
 TEST(ActiveCells, TheFirstSourceThatAgreesDecides) {
@@ -94,15 +78,6 @@ TEST(ActiveCells, TheFirstSourceThatAgreesDecides) {
     if (decided && decided->certainty != Certainty::Certain) text += " guess";
     EXPECT_EQ(text, row.expected) << row.what;
   }
-}
-
-TEST(ActiveCells, AreNumberedBothWays) {
-  const ActiveCells cells({2, 4}, 5);
-  EXPECT_EQ(cells.activeOf(4), 2);
-  EXPECT_EQ(cells.activeOf(5), 0);
-  EXPECT_EQ(cells.cellOf(1), 2);
-  EXPECT_THROW(cells.cellOf(3), std::exception);
-  EXPECT_THROW(cells.activeOf(6), std::exception);
 }
 
 class ActiveCellsOfFiles : public OfForm {

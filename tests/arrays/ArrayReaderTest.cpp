@@ -3,7 +3,6 @@
 
 #include "arrays/ArrayReader.h"
 #include "arrays/DerivedSaturation.h"
-#include "record/cFILETYPE.h"
 #include "support/IndexedRun.h"
 #include "support/RestartBuilder.h"
 
@@ -104,36 +103,6 @@ TEST_P(ArrayReading, ByCellWithInactiveOnes) {
   EXPECT_FALSE(qOK_);
   reader_.readCells(2, "ICON", "", 0, values, qOK_);
   EXPECT_FALSE(qOK_) << "no array of cells";
-}
-
-TEST_P(ArrayReading, ByFetchColumn) {
-  RecordCursor cursor = cursorOver(run_.step(2, form_, true), form_);
-  while (cursor.next() && cursor.header().keyword != "REGION") {
-  }
-  // Step 2 stands behind step 1, and positions count from 1.
-  const auto at = toWords(run_.step(1, form_, true).size() + cursor.header().dataAt + 1);
-  cFILETYPE xFile(session_);
-  xFile.setForm(form_);
-  const std::array settings{true, xFile.Formatted, xFile.UNIX, xFile.byteSwap, false};
-  const auto fetch = [&](std::array<std::int32_t, 5> column, std::int64_t first) {
-    std::vector<float> values(2);
-    reader_.readFetched(files_[0], settings, column, first, values, qOK_);
-    return values;
-  };
-  EXPECT_THAT(fetch({9, 2, at.low, at.high, 1}, 7), ElementsAre(8, 16777216)) << "as singles hold it";
-  EXPECT_TRUE(qOK_);
-  for (const std::array<std::int32_t, 5> wrong : {std::array{9, 19, 9, 9, 1},
-                                                  {1, 2, at.low, at.high, 1},
-                                                  {9, 2, at.low + 1, at.high, 1},
-                                                  {9, 2, at.low, 7, 1},
-                                                  {-1, 2, at.low, at.high, 1},
-                                                  {2147483647, 3, at.low, at.high, 1}}) {
-    // A formatted file has no marks: a count that is too small reads, and a place in the blanks of a field
-    // too.
-    if (form_.formatted() && (wrong[2] == at.low + 1)) continue;
-    fetch(wrong, 0);
-    EXPECT_FALSE(qOK_) << wrong[0] << " " << wrong[1] << " " << wrong[2];
-  }
 }
 
 /// Simulators omit one saturation.
