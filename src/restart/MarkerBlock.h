@@ -29,7 +29,7 @@ struct MarkerHeader {
   std::int32_t nWells = 0;     ///< rows of kind "WELL"
   std::int32_t nPerfs = 0;     ///< rows of kind "PERF"
   std::int32_t nRowBytes = 0;  ///< bytes of a row
-  std::int32_t nItems = 55;    ///< items that a row stands for
+  std::int32_t nItems = 55;    ///< items of a row
   std::int32_t iForm = 1;      ///< byte form that was asked for: 1, 2, 3
   std::int32_t qExtended = 0;  ///< -1 when the step was read with its extended well records
 };
