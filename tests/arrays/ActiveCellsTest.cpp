@@ -112,6 +112,11 @@ TEST_P(ActiveCellsOfFiles, InitAndEGrid) {
   EXPECT_EQ(find(cells, "absent", ""), "unknown");
   EXPECT_EQ(session_.diagnoses().size(), 1U);
   session_.clearDiagnoses();
+  EXPECT_EQ(find({{65536, 65536, 1}, std::int64_t{65536} * 65536, 5}, "R.INIT", ""), "unknown");
+  EXPECT_EQ(session_.diagnoses().back().id(), "arrays.active.number");
+  grid.grids[0].activity.clear();
+  writeFile(folder_.file("ALL.EGRID"), grid.egrid(form_));
+  EXPECT_EQ(find({{3, 2, 2}, 12, 11}, "", "ALL.EGRID"), "unknown") << "without ACTNUM all cells are active";
   if (form_.formatted()) return;
   auto bytes = grid.egrid(form_);
   const auto keyword = bytesOf("ACTNUM");

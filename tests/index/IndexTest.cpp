@@ -236,6 +236,8 @@ TEST(IndexWriter, LeavesNothingBehindWhenItCannotFinish) {
   EXPECT_EQ(write(target, [](auto&, auto& session) { session.CancelLoad = true; }), 0U);
   EXPECT_EQ(write(target, [](auto& index, auto&) { index.whole = false; }), 1U);
   EXPECT_EQ(write(target, [](auto& index, auto&) { entryOf(index, 2, 1, 3).position += 4; }), 1U);
+  EXPECT_EQ(write(target, [](auto& index, auto&) { entryOf(index, 2, 1, 3).count += 1; }), 1U);
+  EXPECT_EQ(write(target, [](auto& index, auto&) { index.files[0] += ".absent"; }), 1U);
   EXPECT_EQ(write(folder.file("nowhere/R.RSSPEC"), [](auto&, auto&) {}), 1U);
 }
 

