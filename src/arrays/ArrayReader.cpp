@@ -52,7 +52,7 @@ void readNumbers(RecordCursor& cursor, const Session& session, std::int64_t firs
     case ElementType::Double:
       return readAs<double>(cursor, session, first, values);
     default:
-      return readAs<float>(cursor, session, first, values);  // a fault for what is no number
+      return readAs<float>(cursor, session, first, values);  // a fault for texts and logicals
   }
 }
 

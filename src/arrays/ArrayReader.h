@@ -63,7 +63,7 @@ class ArrayReader {
             std::span<double> values, bool& qOK);
   /// One value for each cell of the grid from cell [first], in natural order; inactive cells get the
   /// session's null value. Which cells are active must be known, see `setActiveCells`, of an array with one
-  /// value for each of them: fails with a diagnosis otherwise, and for an array that is no cell array. An
+  /// value for each of them: fails with a diagnosis otherwise, and for an array that is not of cells. An
   /// array with a value for each cell is returned as stored if the active cells are not known.
   void readCells(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
                  std::span<double> values, bool& qOK);

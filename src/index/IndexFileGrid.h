@@ -53,7 +53,7 @@ inline constexpr std::string_view x231 = "X231";
 inline constexpr std::int64_t elementsOfX231 = std::int64_t{1} << 31;
 
 /// The entries for a grid of an index file. False with `problem` set when its arrays do not fit
-/// together or a name is none.
+/// together or a name is not valid.
 bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem);
 
 }  // namespace lumbarn

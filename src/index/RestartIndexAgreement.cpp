@@ -232,7 +232,7 @@ class FileAgreement {
       if (!cursor_->next()) break;
       take();
     }
-    require(cursor_->nextPosition() == first(step).position, "byte {} is no start of a record that follows",
+    require(cursor_->nextPosition() == first(step).position, "byte {} is not the start of the next record",
             first(step).position);
     moveToFirst(step);
     take();

@@ -49,7 +49,7 @@ std::vector<std::byte> packMarkers(const RESTARTGRID& grid, bool qMarkers, const
 /// A packed block of markers, as a host reads it. Holds a view: the bytes must outlive it.
 class MarkerBlock {
  public:
-  /// Takes a block in, with every row checked. False, and zWhy says why, for bytes that are none; nothing is
+  /// Opens a block and checks every row. False, with the reason in zWhy, if it is not valid; nothing is
   /// held then. Bytes behind the last row do not matter.
   bool open(std::span<const std::byte> bMarkers, std::string& zWhy);
 

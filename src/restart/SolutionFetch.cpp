@@ -123,7 +123,7 @@ void qvEclipseSOLUTION::takePlaces(const qvEclipseSEQUENCE& from, ColumnTable<st
   iFOD = from.grid().arrays.iFOD();
 }
 
-/// A step without well data has no markers; that is no failure of the fetch.
+/// A step without well data has no markers; the fetch still succeeds.
 void qvEclipseSOLUTION::takeMarkers(const qvEclipseSEQUENCE& from, MarkerTable& vMarkers,
                                     std::int32_t& nMarkers, SourceData& vSourceData) const {
   bool qDone = false;

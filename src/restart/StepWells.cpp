@@ -245,7 +245,7 @@ void qvEclipseSEQUENCE::processZGRP(std::span<const std::string> words, bool& qO
 void qvEclipseSEQUENCE::processICON(std::span<const std::int32_t> words, bool& qOK) {
   guarded(*session_, qOK, className, "processICON", [&] {
     RESTARTGRID& to = grid();
-    // Deliberate, as existing hosts expect: a slot of one word is no data.
+    // Deliberate, as existing hosts expect: a slot of one word is not read.
     if (to.nWells < 1 || to.nICONZ <= 1 || to.nCWMAX < 1) return true;
     const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
     if (const auto outcome = outcomeWithoutTable(words.size(), to.nICONZ, slots)) return *outcome;

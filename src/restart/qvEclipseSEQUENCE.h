@@ -132,7 +132,7 @@ class qvEclipseSEQUENCE {
   /// Whether the words per well, per connection and per name are all at least 1.
   bool checkWellData(bool& qOK) const;
   /// PVT table number of a well by its number, from 1, or with -1 by its name. -1 and qOK False for an empty
-  /// name and for a number that is none.
+  /// name and for a number that does not exist.
   std::int32_t getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex) const;
   /// Adds the saturation that follows from the others to every grid that has those. The current grid is the
   /// last one after.
@@ -149,10 +149,10 @@ class qvEclipseSEQUENCE {
   /// Wells and connections of a grid, from 1.
   void NumMarkers(std::int32_t grid, std::int32_t& nWells, std::int32_t& nPerfs, bool& qOK) const;
 
-  /// The current grid. Throws Fault 9 when iGrid is none.
+  /// The current grid. Throws Fault 9 if there is no grid iGrid.
   RESTARTGRID& grid() { return grid(iGrid); }
   const RESTARTGRID& grid() const { return grid(iGrid); }
-  /// A grid by its number, from 1. Throws Fault 9 for a number that is none.
+  /// A grid by its number, from 1. Throws Fault 9 if there is no such grid.
   RESTARTGRID& grid(std::int32_t number);
   const RESTARTGRID& grid(std::int32_t number) const;
 

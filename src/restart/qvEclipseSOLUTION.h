@@ -107,7 +107,7 @@ class qvEclipseSOLUTION : public FormFlags {
                              std::int32_t& nMarkers, ColumnTable<std::int32_t>& iFOD, bool& qFOD, bool& qOK);
   void getSingleSEQUENCEFODInfo(std::int32_t iSeqnum, ColumnTable<std::int32_t>& iFOD, bool& qOK);
   void getEclipseSOLFODInfo(FileTypeSettings& qFileTypeSettings, bool& qOK) const;
-  /// Slots 1, 2, 3 take the size of the step's global grid; -1 in all and qOK False for a place that is none.
+  /// Slots 1, 2, 3 take the size of the step's global grid; -1 in all and qOK False if there is no such step.
   void getNxNyNzInfo(std::int32_t iSeqnum, SourceData& vSourceData, bool& qOK) const;
   /// Numbers and times, in days, of the steps kept. With none one row of -32768 and nSteps 0.
   void GetRestartRecordTimesAndSteps(std::vector<std::int32_t>& iSteps, std::vector<double>& dTimes,
