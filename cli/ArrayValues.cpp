@@ -95,12 +95,7 @@ void ArrayValues::choose(const std::string& pattern) {
 }
 
 void ArrayValues::reportTwice(const IndexEntry& entry) {
-  console_.tell({.message = Message::ArrayTwice,
-                 .path = reader_.index().files[step_.file],
-                 .problem = fmt::format("{} occurs twice in {}", nameOf(entry), stepName()),
-                 .keyword = nameOf(entry),
-                 .offset = entry.position,
-                 .action = "shown in the order of the file"});
+  console_.tell(repeatedArray(reader_.index(), step_, entry, "shown in the order of the file"));
 }
 
 void ArrayValues::checkCells() { rows_ = options_.all ? cells_.cells : cells_.active; }

@@ -57,8 +57,10 @@ GridArrays::GridArrays(const RunFamily& run, const Hadrick& grid, std::optional<
     restart_ = indexOfRestart(console.session(), restartFiles(run, console.session()),
                               pathOf(run.find(FileKind::Rsspec)));
   console.checkCancelled();
-  for (const IndexStep& each : restart_.steps) {
-    if (!step || each.number == *step) steps_.push_back(&each);
+  if (!step) {
+    for (const IndexStep& each : restart_.steps) steps_.push_back(&each);
+  } else if (const IndexStep* last = restart_.nth(*step)) {
+    steps_.push_back(last);  // of steps with the same number the one that restart shows too
   }
   if (step && steps_.empty()) throw Failure(Usage, fmt::format("no restart step {} is there", *step));
 }
@@ -87,11 +89,13 @@ bool GridArrays::isArray(const IndexEntry& entry, const GridCells& cells) const 
 }
 
 GridArrays::Place GridArrays::find(const RestartIndex& index, const IndexStep& step,
-                                   const std::string& name) const {
+                                   const std::string& name) {
   const GridCells cells = cellsOf(step);
-  const IndexEntry* entry = step.find(name, zGrid_);
-  if (!entry || !isArray(*entry, cells)) return {};
-  return {&index.files[step.file], entry, cells};
+  const auto entries = step.findAll(name, zGrid_);
+  if (entries.empty() || !isArray(*entries.front(), cells)) return {};
+  if (entries.size() > 1 && repeated_.insert(name).second)
+    console_.tell(repeatedArray(index, step, *entries[1], "exported the first one"));
+  return {&index.files[step.file], entries.front(), cells};
 }
 
 std::vector<std::string> GridArrays::names() const {

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,7 +41,7 @@ class GridArrays {
 
   GridCells cellsOf(const IndexStep& step) const;
   bool isArray(const IndexEntry& entry, const GridCells& cells) const;
-  Place find(const RestartIndex& index, const IndexStep& step, const std::string& name) const;
+  Place find(const RestartIndex& index, const IndexStep& step, const std::string& name);
   std::vector<std::string> names() const;
   CellArray arrayOf(const std::string& name, std::vector<Place> places);
   void needActiveCells(const GridCells& cells);
@@ -58,6 +59,7 @@ class GridArrays {
   // The cells that arrays have values for, where the grid file states others to be active.
   std::optional<ActiveCells> active_;
   std::shared_ptr<Source> source_;
+  std::set<std::string> repeated_;  // arrays reported to occur more than once in a step
   Console& console_;
 };
 

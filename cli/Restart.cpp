@@ -137,13 +137,14 @@ std::vector<const IndexStep*> stepsOf(const RestartIndex& index, std::int32_t nu
 }
 
 /// Of steps with the same number the one requested, by default the one that was written last.
-const IndexStep& oneOf(std::span<const IndexStep* const> steps, std::optional<std::int32_t> nth) {
-  const auto count = static_cast<std::int32_t>(steps.size());
-  const std::int32_t which = nth.value_or(count);
-  if (which >= 1 && which <= count) return *steps[static_cast<std::size_t>(which - 1)];
-  throw Failure(Usage, fmt::format("--nth {}: there {} with number {}", which,
-                                   count == 1 ? "is one step" : fmt::format("are {} steps", count),
-                                   steps.front()->number));
+const IndexStep& oneOf(const RestartIndex& index, std::span<const IndexStep* const> steps,
+                       std::optional<std::int32_t> nth) {
+  const std::int32_t number = steps.front()->number;
+  if (const IndexStep* step = index.nth(number, nth)) return *step;
+  throw Failure(
+      Usage,
+      fmt::format("--nth {}: there {} with number {}", *nth,
+                  steps.size() == 1 ? "is one step" : fmt::format("are {} steps", steps.size()), number));
 }
 
 ExitStatus showRestart(const RestartOptions& options, Console& console) {
@@ -167,7 +168,7 @@ ExitStatus showRestart(const RestartOptions& options, Console& console) {
   }
   const Format format = options.output.format;
   if (values) {
-    ArrayValues(reader, oneOf(steps, options.nth), run, options.arrays, console)
+    ArrayValues(reader, oneOf(index, steps, options.nth), run, options.arrays, console)
         .write(format, output.stream());
   } else if (format == Format::Table) {
     writeReadable(index, steps, grid, output.stream());

@@ -57,13 +57,13 @@ struct DecidedCells {
 };
 /// Which cells are active: the first of PORV and ACTNUM that agrees with the number of active cells, as
 /// stored or with the cells that local grids replace, which are active in their parent although some writers
-/// say otherwise. Pore volumes of too many cells give the first of them, as a guess, when nothing agrees, as
-/// existing hosts expect; too few decide nothing.
+/// store 0 for them. If neither agrees and PORV has too many cells with pore volume, the first of these are
+/// returned as a guess, as existing hosts expect; with too few, nothing is returned.
 std::optional<DecidedCells> decideActiveCells(const ActivityEvidence& evidence);
 
 /// ACTNUM with a word for each cell of both systems of a grid with dual porosity, from the words of the first
 /// system: bit 1 is the matrix, bit 2 the fracture. In an ACTNUM without words above 1 some writers mean both
-/// systems by 1; `active` decides, and is -1 where it is not known.
+/// systems by 1; `active`, -1 if unknown, decides.
 std::vector<std::int32_t> expandActnum(std::vector<std::int32_t> actnum, std::int64_t active = -1);
 
 /// Reads PORV of a grid in an INIT file, and what an EGRID file states about a grid. Throw BadRecord.
@@ -73,8 +73,8 @@ void collectEGrid(const Session& session, const std::string& egridFile, std::str
                   ActivityEvidence& evidence);
 
 /// Which cells of a grid are active by the run's INIT and EGRID files; empty names are skipped. Nothing when
-/// these do not decide it. A file is read only if the one before it does not decide, and no more of it than
-/// that one array if it agrees. Damage and a guess are reported as diagnoses.
+/// the files do not decide it. EGRID is read only if INIT does not decide, and reading stops at the first
+/// array that agrees. Damage and guesses are reported as diagnoses.
 std::optional<ActiveCells> findActiveCells(Session& session, const std::string& initFile,
                                            const std::string& egridFile, std::string_view grid,
                                            const GridCells& cells);

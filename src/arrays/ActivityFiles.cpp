@@ -133,7 +133,7 @@ std::optional<ActiveCells> findActiveCells(Session& session, const std::string& 
     try {
       collect(session, file, grid, evidence);
     } catch (BadRecord& damage) {
-      damage.diagnosis().action = "looked no further in it for active cells";
+      damage.diagnosis().action = "stopped searching this file for active cells";
       session.diagnose(std::move(damage.diagnosis()));
     }
     if (!session.cancelled()) decided = decideActiveCells(evidence);
@@ -148,7 +148,7 @@ std::optional<ActiveCells> findActiveCells(Session& session, const std::string& 
                       .offset = evidence.porvAt,
                       .expected = fmt::format("{} cells with pore volume", cells.active),
                       .found = std::to_string(evidence.porous->size()),
-                      .action = "took the first ones as active",
+                      .action = "used the first ones as active cells",
                       .certainty = decided->certainty});
   }
   return std::move(decided->cells);

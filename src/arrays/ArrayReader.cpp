@@ -52,11 +52,11 @@ void readNumbers(RecordCursor& cursor, const Session& session, std::int64_t firs
     case ElementType::Double:
       return readAs<double>(cursor, session, first, values);
     default:
-      return readAs<float>(cursor, session, first, values);  // a fault for what is no number
+      return readAs<float>(cursor, session, first, values);  // a fault for texts and logicals
   }
 }
 
-/// The header that a fetch-on-demand column stands for.
+/// The record header that a fetch-on-demand column describes.
 RecordHeader headerOf(FetchColumn column) {
   RecordHeader header;
   switch (column[1]) {
@@ -68,7 +68,7 @@ RecordHeader headerOf(FetchColumn column) {
       header.typeWord = "REAL";
       break;
     default:
-      throw Fault(FaultNumber::InvalidCall, fmt::format("array of kind {} is in no file", column[1]));
+      throw Fault(FaultNumber::InvalidCall, fmt::format("arrays of kind {} are not in a file", column[1]));
   }
   const TypeInfo info = typeInfo(header.typeWord);
   header.type = info.type;
@@ -117,8 +117,8 @@ void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>
   });
 }
 
-ArrayReader::Found ArrayReader::find(std::int32_t step, std::string_view name, std::string_view grid) const {
-  const IndexStep* found = index_.init && !index_.steps.empty() ? &index_.steps.front() : index_.find(step);
+ArrayReader::Found ArrayReader::find(std::int32_t step, std::string_view name, std::string_view grid) {
+  const IndexStep* found = index_.init && !index_.steps.empty() ? &index_.steps.front() : index_.nth(step);
   if (!found) {
     Diagnosis diagnosis{.message = Message::ArrayStepMissing,
                         .path = index_.files.empty() ? "" : index_.files.front(),
@@ -127,7 +127,11 @@ ArrayReader::Found ArrayReader::find(std::int32_t step, std::string_view name, s
     if (!index_.steps.empty()) diagnosis.offset = index_.steps.back().position;
     throw BadRecord(std::move(diagnosis));
   }
-  if (const IndexEntry* entry = found->find(name, grid)) return foundEntry(*found, *entry, grid);
+  if (const auto entries = found->findAll(name, grid); !entries.empty()) {
+    if (entries.size() > 1 && !std::exchange(repeatReported_, true))
+      session_->diagnose(repeatedArray(index_, *found, *entries[1], "read the first one"));
+    return foundEntry(*found, *entries[0], grid);
+  }
   const auto derived = index_.init ? std::nullopt : derivedArray(*found, grid);
   if (derived && equalNoCase(derived->keyword.view(), trim(name))) return foundEntry(*found, *derived, grid);
   throw BadRecord({.message = Message::ArrayMissing,

@@ -20,21 +20,23 @@ namespace lumbarn {
 /// from 1, and 1.
 using FetchColumn = std::span<const std::int32_t, 5>;
 
-/// Reads arrays of a restart set or an INIT file when they are wanted, none before: each call reads what it
-/// gives and no more. Integers are given as the numbers they are; an array of integers read as singles loses
-/// what is beyond 24 bits, as double precision becomes single.
+/// Reads arrays of a restart set or an INIT file on demand: each call reads the elements that it returns and
+/// no more. Integers and 64-bit numbers lose precision when they are read as 32-bit floating point.
 ///
 /// Names are found in any letter case. A saturation that a step of a restart does not store and that follows
-/// from the others (see `derivedArray`) is read like an array of the file. Of two arrays with the same name
-/// the name means the first; both are read by their entries.
+/// from the others (see `derivedArray`) is read like an array of the file.
 ///
-/// Elements, cells and steps' arrays count from 0 here, as positions in the array that is given; numbers i,
-/// j, k and of grids' cells count from 1. All operations leave their outputs untouched or partly written when
-/// qOK is False; a diagnosis or the fault report then says why.
+/// A run that is continued into its own file writes some report steps again: the number of such a step means
+/// the one written last. If a step has several arrays of one name, the name means the first; a remark reports
+/// it. All of them are read by entry: `index().nth(number, position)` is a step by its position among those
+/// with the number, and `IndexStep::findAll(name, grid)` lists its arrays of one name.
+///
+/// Elements and cells in `first` count from 0; i, j, k and cell numbers count from 1. If qOK is False,
+/// outputs are unchanged or partly written, and a diagnosis or the fault report states why.
 class ArrayReader {
  public:
   explicit ArrayReader(Session& session = Session::process()) : session_(&session) {}
-  /// For arrays by name: the index says where they stand.
+  /// For arrays by name, at the positions in the index.
   ArrayReader(RestartIndex index, Session& session) : session_(&session), index_(std::move(index)) {}
   ~ArrayReader();
   ArrayReader(const ArrayReader&) = delete;
@@ -44,12 +46,12 @@ class ArrayReader {
 
   /// By a column of a step's fetch-on-demand table, the file that the step was read from, and the settings
   /// that came with it (FORTRAN, Formatted, 4-byte marks, bytes swapped, I/O method 8): elements
-  /// [first, first + values.size()). Kinds 2 (integers), 3 and 11 (singles) are in the file; any other, as
-  /// that of a derived array, has no place there and is a fault.
+  /// [first, first + values.size()). Kinds 2 (integers), 3 and 11 (32-bit floating point) are in the file;
+  /// any other kind, as of a derived array, is a fault.
   void readFetched(const std::string& file, const std::array<bool, 5>& qFileTypeSettings, FetchColumn column,
                    std::int64_t first, std::span<float> values, bool& qOK);
 
-  /// By name: elements [first, first + values.size()) of an array as it stands in the file. The empty grid
+  /// By name: elements [first, first + values.size()) of an array as stored in the file. The empty grid
   /// name or "ROOT" is the global grid. For an INIT file `step` has no meaning. Fails with a diagnosis when
   /// the step has no such array of numbers.
   void read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
@@ -61,8 +63,8 @@ class ArrayReader {
             std::span<double> values, bool& qOK);
   /// One value for each cell of the grid from cell [first], in natural order; inactive cells get the
   /// session's null value. Which cells are active must be known, see `setActiveCells`, of an array with one
-  /// value for each of them: fails with a diagnosis otherwise, and for an array that is no cell array. An
-  /// array with a value for each cell is given as it stands when it is not known.
+  /// value for each of them: fails with a diagnosis otherwise, and for an array that is not of cells. An
+  /// array with a value for each cell is returned as stored if the active cells are not known.
   void readCells(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
                  std::span<double> values, bool& qOK);
   void readCells(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
@@ -72,7 +74,7 @@ class ArrayReader {
   void readCell(std::int32_t step, std::string_view name, std::string_view grid, std::int32_t i,
                 std::int32_t j, std::int32_t k, double& value, bool& qOK);
 
-  /// Tells which cells of a grid are active.
+  /// Sets which cells of a grid are active.
   void setActiveCells(std::string_view grid, ActiveCells cells);
 
  private:
@@ -83,7 +85,7 @@ class ArrayReader {
     std::string_view grid;
     GridCells cells;
   };
-  Found find(std::int32_t step, std::string_view name, std::string_view grid) const;
+  Found find(std::int32_t step, std::string_view name, std::string_view grid);
   Found foundEntry(const IndexStep& step, const IndexEntry& entry, std::string_view grid) const;
   Diagnosis refusal(const Found& array, Message message) const;
   RecordCursor& moveTo(const Found& array);
@@ -100,6 +102,7 @@ class ArrayReader {
   RestartIndex index_;
   std::map<std::string, ActiveCells, std::less<>> activeCells_;
   std::unique_ptr<RecordCursor> cursor_;  // on the file that was read last
+  bool repeatReported_ = false;
 };
 
 }  // namespace lumbarn

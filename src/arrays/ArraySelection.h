@@ -7,10 +7,10 @@
 
 namespace lumbarn {
 
-/// Which arrays of a restart or INIT file a host wants, by name: patterns of `matchesPattern` in lists with
-/// commas between, without regard to case. Keeps what fits a pattern of `only`, or everything when that is
-/// empty, less what fits one of `except`. Whoever asks for "SOIL" gets "SWAT" and "SGAS" too, as it may have
-/// to be worked out from them.
+/// Selects arrays of a restart or INIT file by name: comma-separated lists of patterns for `matchesPattern`,
+/// in any letter case. Keeps arrays that match a pattern of `only`, or all if that is empty, except those
+/// that match a pattern of `except`. "SOIL" also selects "SWAT" and "SGAS", from which it may have to be
+/// derived.
 class ArraySelection {
  public:
   ArraySelection() = default;

@@ -19,7 +19,7 @@ enum class ArrayKind : std::int32_t {
   Integer = 2,
   Single = 3,
   Compressed = 11,  ///< singles of all cells in the file, of which those of active cells are kept
-  Derived = 19,     ///< worked out from others; has no place in the file
+  Derived = 19,     ///< derived from others; not in the file
 };
 
 /// One array that is kept.
@@ -27,19 +27,19 @@ struct KeptArray {
   std::string name;  ///< trimmed, upper case
   std::string unit;
   ArrayKind kind = ArrayKind::Single;
-  /// Where it stands: type, count, header position and data position. Of a derived array only the count.
+  /// Type, count, and positions of header and data in the file. Of a derived array only the count.
   RecordHeader header;
 };
 
 /// How the arrays of one grid are to be kept.
 struct ArrayRequest {
-  bool LoadData = true;               ///< False: note where the values stand, take none
+  bool LoadData = true;               ///< False: keep only the positions of the values
   std::int32_t nVectorEstimate = 10;  ///< first capacity of the table
 };
 
 /// The kept arrays of one grid of a restart step or an INIT file: names, unit texts, places, and the values
 /// as one column-major block of singles, one column for each array. The first array sets the length of all.
-/// Values go from the file straight into their column.
+/// Values are decoded directly into their column.
 class ArrayTable {
  public:
   /// Adds the cursor's current record, of integers or singles; integers become singles. False, and nothing is

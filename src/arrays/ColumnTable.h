@@ -16,7 +16,7 @@ class ColumnTable {
   ColumnTable() = default;
   ColumnTable(std::size_t rows, std::size_t columns, T fill = T())
       : rows_(rows), columns_(columns), values_(rows * columns, fill) {}
-  /// Callers bound the sizes by what a file holds, so that the product is no concern.
+  /// Callers bound the sizes by what a file holds, so the product does not overflow.
   static ColumnTable threeDimensional(std::size_t planes, std::size_t rows, std::size_t columns,
                                       T fill = T()) {
     ColumnTable table(planes * rows, columns, fill);

@@ -14,9 +14,8 @@ class HeaderWords {
   HeaderWords() = default;
   explicit HeaderWords(std::vector<std::int32_t> words) : words_(std::move(words)) {}
 
-  std::size_t count() const { return words_.size(); }
   bool has(std::size_t iWord) const { return iWord >= 1 && iWord <= words_.size(); }
-  /// The word, or what stands for an absent one.
+  /// The word, or the default for an absent one.
   std::int32_t operator()(std::size_t iWord, std::int32_t absent = 0) const {
     return has(iWord) ? words_[iWord - 1] : absent;
   }

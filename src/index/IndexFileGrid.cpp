@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t nameWidth = 16;
 
-/// Calls `visit` with each text of the current record as it stands, without a string for each: an index has
+/// Calls `visit` with each text of the current record as stored, without a string for each: an index has
 /// as many names as a run has records.
 template <class Visit>
 void forEachText(RecordCursor& cursor, Visit visit) {
@@ -22,7 +22,7 @@ void forEachText(RecordCursor& cursor, Visit visit) {
   for (std::size_t at = 0; at < all.size(); at += width) visit(std::string_view(all).substr(at, width));
 }
 
-/// Without a way out of the loop: it runs over the names of a whole run.
+/// Does not leave the loop early: without branches it is vectorized, and there is a name for each record.
 bool isName(std::string_view text) {
   bool printable = true;
   for (const char c : text) printable &= (c >= ' ') & (c <= '~');

@@ -12,8 +12,8 @@
 
 namespace lumbarn {
 
-/// The arrays of one grid as an index file (RSSPEC, INSPEC) tells them, in the order of its NAME record.
-/// Arrays beside the names may be shorter or longer than these in a damaged file: they are as they stand.
+/// The arrays of one grid as an index file (RSSPEC, INSPEC) lists them, in the order of its NAME record.
+/// In a damaged file the other records may have another length than NAME: they are kept as stored.
 struct IndexFileGrid {
   std::string zGrid;         ///< LGRNAME; empty: the global grid
   std::int32_t nArrays = 0;  ///< elements of NUMBER; in an INSPEC file of NAME
@@ -34,7 +34,7 @@ struct IndexFileGrid {
   /// Copies names into `bNames`, cut at 16 characters.
   void setNames(const std::vector<std::string>& names);
   std::vector<std::string> names() const;  ///< those of `bNames`, trimmed
-  /// Byte offsets, from 0, of the header records of the arrays of that name. A name may stand more than once.
+  /// Byte offsets, from 0, of the header records of the arrays of that name. A name may occur more than once.
   std::vector<std::uint64_t> positions(std::string_view name) const;
 };
 
@@ -52,8 +52,8 @@ void addNewNames(const std::vector<std::string>& more, std::vector<std::string>&
 inline constexpr std::string_view x231 = "X231";
 inline constexpr std::int64_t elementsOfX231 = std::int64_t{1} << 31;
 
-/// The entries that a grid of an index file tells of. False with `problem` set when its arrays do not fit
-/// together or a name is none.
+/// The entries for a grid of an index file. False with `problem` set when its arrays do not fit
+/// together or a name is not valid.
 bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem);
 
 }  // namespace lumbarn

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "ActiveCount.h"
 
 namespace lumbarn {
@@ -71,6 +73,18 @@ const IndexEntry* IndexStep::find(std::string_view name, std::string_view grid) 
   return nullptr;
 }
 
+std::vector<const IndexEntry*> IndexStep::findAll(std::string_view name, std::string_view grid) const {
+  std::vector<const IndexEntry*> found;
+  const FixedText<8> wanted = FixedText<8>(upper(trim(name)));
+  for (const IndexGroup& group : groups) {
+    if (!sameGrid(group.grid, grid) || trim(name).size() > 8) continue;
+    for (const IndexEntry& entry : group.entries) {
+      if (entry.keyword == wanted) found.push_back(&entry);
+    }
+  }
+  return found;
+}
+
 GridCells IndexStep::cellsOf(std::string_view grid) const {
   for (const IndexGroup& group : groups) {
     if (group.cells.known() && sameGrid(group.grid, grid)) return group.cells;
@@ -93,6 +107,25 @@ std::vector<const IndexStep*> RestartIndex::findAll(std::int32_t number) const {
     if (step.number == number) found.push_back(&step);
   }
   return found;
+}
+
+const IndexStep* RestartIndex::nth(std::int32_t number, std::optional<std::int32_t> position) const {
+  const auto found = findAll(number);
+  const auto which = position.value_or(static_cast<std::int32_t>(found.size()));
+  const bool exists = which >= 1 && std::cmp_less_equal(which, found.size());
+  return exists ? found[static_cast<std::size_t>(which) - 1] : nullptr;
+}
+
+Diagnosis repeatedArray(const RestartIndex& index, const IndexStep& step, const IndexEntry& entry,
+                        std::string action) {
+  const std::string name(entry.keyword.view());
+  const auto where = index.init ? index.files[step.file] : fmt::format("step {}", step.number);
+  return {.message = Message::ArrayTwice,
+          .path = index.files[step.file],
+          .problem = fmt::format("{} occurs twice in {}", name, where),
+          .keyword = name,
+          .offset = entry.position,
+          .action = std::move(action)};
 }
 
 bool isRefusedArrayName(std::string_view zName) {

@@ -13,6 +13,7 @@
 #include "../record/Form.h"
 #include "../record/RecordHeader.h"
 #include "../support/Dates.h"
+#include "../support/Diagnosis.h"
 #include "../support/Session.h"
 #include "../support/System.h"
 #include "../support/Text.h"
@@ -54,7 +55,7 @@ struct IndexEntry {
   bool hasRange() const { return minimum <= maximum; }
 };
 
-/// What a header tells of a grid's cells; zeros when no header was met.
+/// The cells of a grid as its header states them; zeros without a header.
 struct GridCells {
   std::array<std::int32_t, 3> size{};
   std::int64_t cells = 0;  ///< product of the three; 0 when it is beyond 64 bits or a size is below 1
@@ -69,7 +70,7 @@ struct GridCells {
 /// As the header of a restart or INIT file states them, see `statedActiveCells`.
 GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init);
 
-/// Records that belong to one grid and stand one behind the other. A grid may have several groups: an INIT
+/// Consecutive records that belong to one grid. A grid may have several groups: an INIT
 /// file comes back to the global grid after each pass over the local ones.
 struct IndexGroup {
   std::string grid;  ///< empty: the global grid
@@ -77,11 +78,11 @@ struct IndexGroup {
   std::vector<IndexEntry> entries;  ///< in file order
 };
 
-/// A report step, or the whole of an INIT file.
+/// A report step, or a complete INIT file.
 struct IndexStep {
   std::int32_t number = -1;
   double days = 0;             ///< report time, DOUBHEAD word 1; 0 for an INIT file
-  std::optional<Moment> date;  ///< with the time of day, as far as the headers tell it
+  std::optional<Moment> date;  ///< with the time of day, as far as the headers state it
   std::size_t file = 0;        ///< which of the index's files
   std::uint64_t position = 0;  ///< byte offset, from 0, of the step's first record
   std::vector<IndexGroup> groups;
@@ -89,13 +90,16 @@ struct IndexStep {
   /// The first record of that name in a grid, upper and lower case alike; null when there is none. The empty
   /// name and "ROOT" mean the global grid.
   const IndexEntry* find(std::string_view name, std::string_view grid = {}) const;
+  /// All records of that name in a grid, in file order.
+  std::vector<const IndexEntry*> findAll(std::string_view name, std::string_view grid = {}) const;
   /// Cells of a grid; unknown when the step has no such grid.
   GridCells cellsOf(std::string_view grid) const;
   bool hasGrid(std::string_view grid) const;
 };
 
-/// What stands where in a restart set (one unified file, or one file for each step) or in an INIT file (one
-/// step without a number). Neutral: the same whether it was read from an index file or made by walking.
+/// The records of a restart set (one unified file, or one file for each step) or of an INIT file (one
+/// step without a number), with their positions. The same whether it was read from an index file or made by
+/// walking.
 struct RestartIndex {
   std::vector<std::string> files;
   std::vector<FileStamp> stamps;     ///< of these files, as they were before they were indexed
@@ -112,6 +116,9 @@ struct RestartIndex {
   const IndexStep* find(std::int32_t number) const;
   /// All steps of that number: a run that is continued into its own file writes some again.
   std::vector<const IndexStep*> findAll(std::int32_t number) const;
+  /// The step at a position, from 1, among those of that number; without a position the one written last.
+  /// Null if it does not exist.
+  const IndexStep* nth(std::int32_t number, std::optional<std::int32_t> position = std::nullopt) const;
 };
 
 /// Makes the index of a restart set by walking from header to header. The time goes with the number of
@@ -121,6 +128,10 @@ struct RestartIndex {
 RestartIndex walkRestart(Session& session, std::span<const std::string> files);
 /// The same for an INIT file: one step.
 RestartIndex walkInit(Session& session, const std::string& file);
+
+/// Reports that a step has another record, `entry`, with the name of an array.
+Diagnosis repeatedArray(const RestartIndex& index, const IndexStep& step, const IndexEntry& entry,
+                        std::string action);
 
 /// The empty name or "ROOT", by which hosts know the global grid.
 bool isGlobalGrid(std::string_view name);

@@ -190,7 +190,7 @@ class FileAgreement {
         if (cursor_->next()) return cursor_->seek(end);
       } catch (const BadRecord& damage) {
         if (damage.diagnosis().message == Message::FileRead) throw;
-        // Blocks of an unusual length, or no such record: its header tells.
+        // Blocks of an unusual length, or no such record: the header of the last record decides.
       }
     }
     moveToLast(step);
@@ -232,12 +232,12 @@ class FileAgreement {
       if (!cursor_->next()) break;
       take();
     }
-    require(cursor_->nextPosition() == first(step).position, "byte {} is no start of a record that follows",
+    require(cursor_->nextPosition() == first(step).position, "byte {} is not the start of the next record",
             first(step).position);
     moveToFirst(step);
     take();
     require(numbers <= 1 && (!before || numbers == 1 || index_.init),
-            "{} report steps stand where the index has step {}", numbers, step.number);
+            "{} report steps found where the index has step {}", numbers, step.number);
     if (!index_.init) checkNumber(step, seqnum);
   }
 
@@ -299,7 +299,7 @@ class FileAgreement {
     }
   }
 
-  /// A local grid's cells stand in its INTEHEAD, one of which is read for each grid of the file.
+  /// The INTEHEAD of a local grid states its cells; one is read for each grid of the file.
   void fillCells() {
     std::map<std::string, GridCells, std::less<>> known{{"", gridCells(index_.header, index_.init)}};
     for (IndexStep* step : steps_) {

@@ -10,21 +10,21 @@
 
 namespace lumbarn {
 
-/// Whether an index that was read from a file is one of the files that it names, as far as can be told
-/// without walking them. Empty when it is; otherwise why not. Fills in what the files tell and the index does
-/// not: form, and the cells of each grid.
+/// Whether an index that was read from a file describes the files that it names, as far as this can be
+/// checked without walking them. Empty if it does, otherwise the reason. Adds what only the files state: the
+/// form, and the cells of each grid.
 ///
 /// All positions must rise, leave room for the records between them, and lie inside the file. At the start of
 /// the file, in front of some 64 steps spread over it, and behind the last the headers are read: the records
-/// there must be those that the index tells, with no report step between or behind them that it does not
-/// know, and with the number that the index tells. Numbers and times of all steps must rise. The headers of
+/// there must be those of the index, without further report steps between or after them, and with the number
+/// that the index has. Numbers and times of all steps must rise. The headers of
 /// the first and the last step must have the date and time that the index has, and the last step must be
 /// complete.
 ///
 /// A wrong position elsewhere is found when the record is read.
 std::string disagreement(RestartIndex& index);
 
-/// Adds the groups of an index file's grids to a step; grids without arrays are left out.
+/// Adds the groups of an index file's grids to a step; grids without arrays are skipped.
 /// False, with `problem` set, when the arrays of a grid do not fit together.
 bool addGroups(const std::vector<IndexFileGrid>& grids, IndexStep& step, std::string& problem);
 
@@ -33,8 +33,8 @@ bool addGroups(const std::vector<IndexFileGrid>& grids, IndexStep& step, std::st
 RestartIndex agreeingIndex(Session& session, const std::string& indexFile, RestartIndex read,
                            std::string problem, const std::function<RestartIndex()>& walk);
 
-/// What stands where in a restart set: by its index when `rsspec` is not empty and the index agrees with the
-/// files, by walking otherwise. An index that does not agree is told as a diagnosis.
+/// The index of a restart set: read from `rsspec` if that is not empty and agrees with the files, otherwise
+/// made by walking them. An index that does not agree is reported as a diagnosis.
 RestartIndex indexOfRestart(Session& session, std::span<const std::string> files, const std::string& rsspec);
 
 }  // namespace lumbarn

@@ -16,7 +16,7 @@ constexpr std::size_t hourWord = 206;
 constexpr std::size_t microsecondsWord = 410;
 constexpr std::int64_t knownWords = 411;
 
-/// To the millisecond, as a time of 6:30 in days is no round number.
+/// To the millisecond, as 6:30 is not exact as a fraction of a day.
 std::chrono::milliseconds sinceStart(double days) {
   constexpr double perDay = 86400.0 * 1000;
   constexpr double most = 1e8;  // days; beyond any calendar

@@ -20,8 +20,8 @@ std::string firstText(RecordCursor& cursor);
 
 /// Report step number of an INTEHEAD; -1 when it has none.
 std::int32_t stepOfHead(std::span<const std::int32_t> intehead);
-/// Date of an INTEHEAD, with the time of day that newer headers tell; for older ones that of the report time,
-/// as days since a start at midnight. Nothing when there is no such day.
+/// Date of an INTEHEAD, with the time of day that newer headers state; for older ones that of the report
+/// time, as days since a start at midnight. Nothing when there is no such day.
 std::optional<Moment> dateOfHead(std::span<const std::int32_t> intehead, double days);
 
 /// When the run began, by the header and date of one of its steps; nothing for headers without a time of day.

@@ -204,7 +204,7 @@ class FileWalk {
   bool ended_ = false;  // by damage
 };
 
-/// Damage of one file of a set says nothing of the others.
+/// A damaged file does not affect the other files of a set.
 void walkFiles(Session& session, RestartIndex& index) {
   Builder builder(index, session);
   if (!index.init && !index.unified) reportOlderStepFiles(session, index.files);
@@ -224,7 +224,7 @@ void walkFiles(Session& session, RestartIndex& index) {
   }
 }
 
-/// A program that asks for such a step by its number gets the first.
+/// The number of such a step means the one written last; all are reached by position.
 void remarkOnEqualNumbers(Session& session, const RestartIndex& index) {
   std::vector<std::int32_t> numbers;
   for (const IndexStep& step : index.steps) numbers.push_back(step.number);

@@ -19,7 +19,7 @@ class RecordCursor;
 /// a host could show.
 void RemoveUnwantedHeaders(std::vector<std::string>& zNames);
 
-/// One pass over the grids of an INIT file, as its index tells it: the global grid, then local grids. An INIT
+/// One pass over the grids of an INIT file, as its index lists it: the global grid, then local grids. An INIT
 /// file with local grids has several passes. Names go through `CleanUpVectorNames` before they are counted.
 class qvEclipseINSPEC {
  public:
@@ -55,8 +55,8 @@ class qvEclipseINSPECFile : public FormFlags {
 
   /// Probes for INTEHEAD as the first keyword. Success keeps the name and the form.
   void CheckINSPECFile(std::string_view zFile, bool& qOK);
-  /// Reads the whole file, whose name and form `CheckINSPECFile` found. qOK False when it is damaged, with a
-  /// diagnosis, or the load was cancelled; what was read until then stays.
+  /// Reads the complete file, whose name and form `CheckINSPECFile` found. qOK False when it is damaged, with
+  /// a diagnosis, or the load was cancelled; what was read until then stays.
   void getINSPECData(bool& qOK);
   void setINSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const;
 
@@ -71,8 +71,8 @@ class qvEclipseINSPECFile : public FormFlags {
   Session* session_;
 };
 
-/// What stands where in an INIT file: by its index when `inspec` is not empty and the index agrees with the
-/// file, by walking otherwise. An index that does not agree is told as a diagnosis.
+/// The index of an INIT file: read from `inspec` if that is not empty and agrees with the file, otherwise
+/// made by walking it. An index that does not agree is reported as a diagnosis.
 RestartIndex indexOfInit(Session& session, const std::string& file, const std::string& inspec);
 
 }  // namespace lumbarn

@@ -24,7 +24,7 @@ class qvEclipseRSSPECSequence {
   std::int32_t iDay = 0;   ///< this and the next two stay 0 when ITIME has three words or fewer
   std::int32_t iMonth = 0;
   std::int32_t iYear = 0;
-  std::vector<std::int32_t> iTime;                                   ///< ITIME as it stands
+  std::vector<std::int32_t> iTime;                                   ///< ITIME as stored
   std::vector<IndexFileGrid> grids = std::vector<IndexFileGrid>(1);  ///< the global grid first
 
   /// Reads the step whose TIME record is the next one, up to the next TIME or the end of the file. Throws
@@ -45,7 +45,7 @@ class qvEclipseRSSPECSequence {
 /// The header words that an index file repeats from the files that it indexes.
 struct IndexFileHead {
   bool init = false;                  ///< of an INIT file
-  std::vector<std::int32_t> iHeader;  ///< INTEHEAD as it stands
+  std::vector<std::int32_t> iHeader;  ///< INTEHEAD as stored
   std::int32_t iProgram = 0;          ///< word 95
   std::int32_t Nx = 0;                ///< words 9, 10, 11
   std::int32_t Ny = 0;
@@ -64,7 +64,7 @@ struct IndexFileHead {
 /// The index of a restart set: which arrays each report step has, with type, size, place and range. Only the
 /// index file is read; whether it agrees with the restart files is for `indexOfRestart` to find out.
 ///
-/// Steps count from 1. Arrays that stand beside the names are used as far as they go.
+/// Steps count from 1. Records that are shorter than NAME are used as far as they go.
 class qvEclipseRSSPEC : public FormFlags {
  public:
   explicit qvEclipseRSSPEC(Session& session = Session::process()) : session_(&session) {}
@@ -75,8 +75,9 @@ class qvEclipseRSSPEC : public FormFlags {
 
   /// Probes for INTEHEAD as the first keyword. Success keeps the name and the form.
   void CheckRESTARTFile(std::string_view zFile, bool& qOK);
-  /// Reads the whole file, whose name and form `CheckRESTARTFile` found. qOK False when it is damaged, with a
-  /// diagnosis, or the load was cancelled; the steps read until then stay, the last one as far as it came.
+  /// Reads the complete file, whose name and form `CheckRESTARTFile` found. qOK False when it is damaged,
+  /// with a diagnosis, or the load was cancelled; the steps read until then stay, the last one as far as it
+  /// came.
   void getRSSPECData(bool& qOK);
   /// The same a step at a time, for whom one at once is enough: `take` gets each, and none stays here.
   void readSteps(const std::function<void(qvEclipseRSSPECSequence&)>& take, bool& qOK);

@@ -15,7 +15,7 @@ constexpr std::string_view extendedMark = "MKEX";
 constexpr std::size_t markBytes = 4;
 constexpr std::size_t frontBytes = markBytes + MarkerHeader::bytes;
 
-// Where the items stand in a row: behind the kind and the two words that tell which items are set.
+// Positions of the items in a row: after the kind and the two words whose bits state which items are set.
 constexpr std::size_t kindItem = 12;
 constexpr std::size_t nameItem = 11;
 constexpr std::size_t firstInteger = 3;

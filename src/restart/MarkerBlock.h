@@ -29,7 +29,7 @@ struct MarkerHeader {
   std::int32_t nWells = 0;     ///< rows of kind "WELL"
   std::int32_t nPerfs = 0;     ///< rows of kind "PERF"
   std::int32_t nRowBytes = 0;  ///< bytes of a row
-  std::int32_t nItems = 55;    ///< items that a row stands for
+  std::int32_t nItems = 55;    ///< items of a row
   std::int32_t iForm = 1;      ///< byte form that was asked for: 1, 2, 3
   std::int32_t qExtended = 0;  ///< -1 when the step was read with its extended well records
 };
@@ -49,7 +49,7 @@ std::vector<std::byte> packMarkers(const RESTARTGRID& grid, bool qMarkers, const
 /// A packed block of markers, as a host reads it. Holds a view: the bytes must outlive it.
 class MarkerBlock {
  public:
-  /// Takes a block in, with every row checked. False, and zWhy says why, for bytes that are none; nothing is
+  /// Opens a block and checks every row. False, with the reason in zWhy, if it is not valid; nothing is
   /// held then. Bytes behind the last row do not matter.
   bool open(std::span<const std::byte> bMarkers, std::string& zWhy);
 

@@ -30,7 +30,7 @@ struct RESTARTGRID {
   std::int64_t nCells = 0;
   std::int32_t nActive = 0;
   std::int32_t iPhases = 0;   ///< bit 1 oil, 2 water, 4 gas
-  std::int32_t iProgram = 0;  ///< simulator code; 0 when the header does not tell
+  std::int32_t iProgram = 0;  ///< simulator code; 0 when the header does not state it
   std::int32_t iDay = -1;
   std::int32_t iMonth = -1;
   std::int32_t iYear = -1;

@@ -34,7 +34,7 @@ Diagnosis recordDiagnosis(const RecordCursor& cFile, Message message, std::strin
 
 bool hasData(const RecordHeader& header) { return header.count > 0; }
 
-/// Types that restart files are made of; a record of another type without data says nothing.
+/// Types that restart files are made of; a record of another type without data is ignored.
 bool isUsual(const RecordHeader& header) {
   switch (header.type) {
     case ElementType::Integer:
@@ -280,14 +280,14 @@ void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile, Walk& walk) {
     cFile.setCurrent(here);
   }
   if (!checkIfRESTARTArray(header)) return;
-  // An array whose length is not that of the first is left out without a word, as hosts know it.
+  // An array whose length differs from that of the first is skipped without a diagnosis, as hosts expect.
   grid().arrays.add(cFile, arrayUnit(header.keyword, grid().iUnits), {LoadData, nVectorEstimate}, *session_);
 }
 
 void qvEclipseSEQUENCE::reportDropped(const RecordCursor& cFile) {
   session_->diagnose(recordDiagnosis(
       cFile, Message::WellRecordLength,
-      fmt::format("whole blocks for {} wells of up to {} connections", grid().nWells, grid().nCWMAX),
+      fmt::format("complete blocks for {} wells of up to {} connections", grid().nWells, grid().nCWMAX),
       fmt::format("{} words", cFile.header().count), "skipped the record"));
 }
 
@@ -306,7 +306,7 @@ std::vector<RecordHeader> qvEclipseSEQUENCE::lookAhead(RecordCursor& cFile, bool
     }
   } catch (const BadRecord& damage) {
     if (damage.diagnosis().message == Message::FileRead) throw;
-    qUsual = false;  // the walk itself will meet it, and tell, if it lies in this step
+    qUsual = false;  // the walk reports it if it is in this step
   }
   cFile.goBack(start);
   return candidates;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* className = "qvEclipseSOLUTION";
 
-/// Step numbers and the like stand in slots of 16 bits; beyond them the slot widens rather than lie.
+/// Hosts expect step numbers and grid numbers as 16-bit values; larger ones are stored as 32-bit values.
 Variant shortSlot(std::int32_t number) {
   if (std::in_range<std::int16_t>(number)) return static_cast<std::int16_t>(number);
   return number;
@@ -48,7 +48,7 @@ void qvEclipseSOLUTION::fillSourceData(const qvEclipseSEQUENCE& from, SourceData
   vSourceData(63) = grid.iPhases;
 }
 
-/// What the variants with packed markers tell beyond the others.
+/// Slots that only the variants with packed markers fill.
 void qvEclipseSOLUTION::fillExtended(const qvEclipseSEQUENCE& from, SourceData& vSourceData) const {
   vSourceData(33) = from.grid().qLogi15;
   vSourceData(40) = from.grid().dTime;
@@ -123,7 +123,7 @@ void qvEclipseSOLUTION::takePlaces(const qvEclipseSEQUENCE& from, ColumnTable<st
   iFOD = from.grid().arrays.iFOD();
 }
 
-/// A step without well data has no markers; that is no failure of the fetch.
+/// A step without well data has no markers; the fetch still succeeds.
 void qvEclipseSOLUTION::takeMarkers(const qvEclipseSEQUENCE& from, MarkerTable& vMarkers,
                                     std::int32_t& nMarkers, SourceData& vSourceData) const {
   bool qDone = false;

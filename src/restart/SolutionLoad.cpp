@@ -2,6 +2,8 @@
 #include <cmath>
 #include <filesystem>
 #include <optional>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include <fmt/format.h>
@@ -35,6 +37,9 @@ struct qvEclipseSOLUTION::Load {
   bool qAtEnd = false;              ///< the unified file has no more records
   bool qFailed = false;             ///< something was damaged; a truncated last step is not
   std::optional<StepParts> before;  ///< of the last complete step
+  std::uint64_t start = 0;          ///< byte offset of the step that is being read
+  bool stepTwice = false;           ///< reported: a step number, or an array of a step, that occurs again
+  bool arrayTwice = false;
   bool stop = false;
 };
 
@@ -56,7 +61,7 @@ void qvEclipseSOLUTION::getSOLUTIONData(bool& qOK) {
 bool qvEclipseSOLUTION::prepare(Load& load) {
   const bool qList = !iRestartList.empty() && iRestartList.front() > -1;
   if (qList && Unified) {
-    // Deliberate: of a unified file the steps between the first and the last of the list come too.
+    // Deliberate: of a unified file, all steps between the first and the last of the list are read.
     iStart = iRestartList.front();
     iEnd = iRestartList.back();
   }
@@ -158,6 +163,7 @@ bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_
   step->Origin = Origin;
   step->selection = &selection;
   step->partsBefore = load.before ? &*load.before : nullptr;
+  load.start = cursor.nextPosition();
   if (!step->readStep(cursor)) return false;
   load.qAtEnd = step->qAtEnd;
   if (!step->qAnyRecord) return true;  // blank lines behind the last record
@@ -191,6 +197,7 @@ bool qvEclipseSOLUTION::keepStep(Load& load, const RecordCursor& cursor,
   step->addDerivedData(qDone);
   if (!qDone) return false;
   step->selection = nullptr;
+  reportRepeats(load, *step);
   if (!load.qSized) {
     nSequencesMax_ = firstCapacity(load, cursor);
     xSEQ_.reserve(nSequencesMax_);
@@ -198,6 +205,30 @@ bool qvEclipseSOLUTION::keepStep(Load& load, const RecordCursor& cursor,
   }
   addSEQUENCE(std::move(step));
   return true;
+}
+
+/// A host that selects by number or name gets one of several; a position selects each.
+void qvEclipseSOLUTION::reportRepeats(Load& load, const qvEclipseSEQUENCE& step) const {
+  const auto report = [&](bool& reported, Message message, std::uint64_t offset, std::string found) {
+    if (std::exchange(reported, true)) return;
+    session_->diagnose({.message = message,
+                        .path = step.FileName,
+                        .offset = offset,
+                        .found = std::move(found),
+                        .action = "kept both; each is selected by its position"});
+  };
+  for (std::int32_t i = 1; i <= nSequences_ && !load.stepTwice; ++i) {
+    if (this->step(i).iSeqnum == step.iSeqnum)
+      report(load.stepTwice, Message::StepTwice, load.start, fmt::format("2 steps {}", step.iSeqnum));
+  }
+  for (std::int32_t iGrid = 1; iGrid <= step.nGrids && !load.arrayTwice; ++iGrid) {
+    std::unordered_set<std::string_view> names;
+    for (const KeptArray& array : step.grid(iGrid).arrays.arrays()) {
+      if (!names.insert(array.name).second)
+        report(load.arrayTwice, Message::ArrayTwice, array.header.headerAt,
+               fmt::format("{} twice in step {}", array.name, step.iSeqnum));
+    }
+  }
 }
 
 /// Steps to expect, by the size of the first.

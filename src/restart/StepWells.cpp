@@ -35,7 +35,7 @@ constexpr WordToColumn iconShort[] = {{2, 1}, {3, 2}, {4, 3}, {5, 5}, {6, 4}};
 constexpr WordToColumn sconColumns[] = {{1, 1}, {2, 2},  {3, 3},  {4, 4},   {5, 5},   {6, 6},
                                         {7, 7}, {13, 8}, {14, 9}, {15, 10}, {21, 11}, {22, 12}};
 
-/// The words that a block has, of those that a table takes: worked out once for a record.
+/// The words of a table that are inside a block; computed once for each record.
 std::vector<WordToColumn> wordsInside(std::span<const WordToColumn> columns, std::int32_t nWords) {
   std::vector<WordToColumn> inside;
   const auto has = [&](const WordToColumn& one) { return std::cmp_less_equal(one.first, nWords); };
@@ -43,15 +43,15 @@ std::vector<WordToColumn> wordsInside(std::span<const WordToColumn> columns, std
   return inside;
 }
 
-/// Whether a record holds whole blocks, and one for each of `nBlocks`.
+/// Whether a record consists of complete blocks, at least `nBlocks` of them.
 bool holdsBlocks(std::size_t words, std::int32_t nWords, std::int64_t nBlocks) {
   const auto perBlock = static_cast<std::size_t>(nWords);
   return words % perBlock == 0 && std::cmp_greater_equal(words / perBlock, nBlocks);
 }
 
-/// Whether a record is to be looked at, and what comes of it when not: nothing to do is no failure; a wrong
-/// shape sets the word count to 0 for the rest of the step, which tells all others that there are no such
-/// data.
+/// The result for a record without a table: True if there is nothing to read, False if the record does not
+/// consist of complete blocks. In the latter case the word count becomes 0, which marks the data as absent
+/// for the rest of the step. Nothing if the record is to be read.
 std::optional<bool> outcomeWithoutTable(std::size_t words, std::int32_t& nWords, std::int64_t nBlocks) {
   if (nBlocks < 1 || nWords < 1) return true;
   if (holdsBlocks(words, nWords, nBlocks)) return std::nullopt;
@@ -245,7 +245,7 @@ void qvEclipseSEQUENCE::processZGRP(std::span<const std::string> words, bool& qO
 void qvEclipseSEQUENCE::processICON(std::span<const std::int32_t> words, bool& qOK) {
   guarded(*session_, qOK, className, "processICON", [&] {
     RESTARTGRID& to = grid();
-    // Deliberate, as existing hosts expect: a slot of one word is no data.
+    // Deliberate, as existing hosts expect: a slot of one word is not read.
     if (to.nWells < 1 || to.nICONZ <= 1 || to.nCWMAX < 1) return true;
     const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
     if (const auto outcome = outcomeWithoutTable(words.size(), to.nICONZ, slots)) return *outcome;

@@ -94,8 +94,8 @@ struct WellRecord {
 /// connections that are missing from their table.
 std::vector<WellRecord> wellRecords(const RESTARTGRID& grid);
 
-/// Words for the numbers of a record: "open" and "shut", "oil", "oil rate", "X". A number that is none of the
-/// known ones stands for itself: "7".
+/// Words for the numbers of a record: "open" and "shut", "oil", "oil rate", "X". An unknown number
+/// is returned as digits: "7".
 std::string wellStatusText(std::int32_t iStatus);
 std::string connectionStatusText(std::int32_t iStatus);
 std::string phaseText(std::int32_t iPhase);

@@ -73,7 +73,7 @@ bool qvEclipseSAVE::load() {
   bool qStop = false;
   for (const std::string& zFile : zMultList) {
     if (session_->yield()) return false;
-    // A set with gaps is usual, so a file that is missing from one is no irregularity.
+    // A set with gaps is usual, so a missing file is not reported.
     const bool qRead = Unified || isFile(zFile);
     if (qRead && !readFile(zFile, limits, qStop)) return false;
     if (session_->Container && nMultList > 1) session_->Container->fileDone();
@@ -82,7 +82,7 @@ bool qvEclipseSAVE::load() {
   return true;
 }
 
-/// Settles the list of files.
+/// Decides which files are read.
 bool qvEclipseSAVE::findFiles() {
   bool qOK = true;
   if (Unified) {
@@ -135,7 +135,7 @@ bool qvEclipseSAVE::readStep(RecordCursor& cursor, std::int32_t iFile, const Lim
   xStep.iFile = iFile;
   bool qRead = false;
   xStep.getEclipseSAVESequence(cursor, qRead);
-  // A file that opens with SAVEHEAD tells its simulator there and nothing more of its steps.
+  // A file that begins with SAVEHEAD states its simulator there and has no headers of further steps.
   qFileDone = !Unified || qSaveHead || xStep.qPastEnd || xStep.qCutOff || xStep.nRecords == 0 ||
               cursor.nextPosition() >= cursor.fileSize();
   if (xStep.qCutOff || (qRead && xStep.nRecords == 0)) return !session_->cancelled();

@@ -32,18 +32,18 @@ class qvEclipseSAVE : public FormFlags {
   std::vector<qvEclipseSAVESequence> xSEQ;  ///< the steps kept, in the order read; one empty one for none
   std::int32_t NumSequences = 0;            ///< how many
 
-  /// True when the first record is INITIAL, SAVEHEAD, STATIC or DYNAMIC. Sets name and form. Nothing in a
-  /// save file tells whether it is one of a set, so `Unified` goes by the name: False for RUN.V0003 and the
-  /// like, True for any other.
+  /// True when the first record is INITIAL, SAVEHEAD, STATIC or DYNAMIC. Sets name and form. The
+  /// contents do not state whether the file is one of a set, so `Unified` depends on the name: False for
+  /// RUN.V0003 and the like, True for all others.
   bool CheckSAVEFile(std::string_view zFile);
   /// The files of a multiple set. Without a list a load looks for the files beside `FileName`.
   void SetMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK);
   void setSAVEFileTypeProps(cFILETYPE& cFile) const;
 
-  /// Walks the files. The unified file is that of the run of `FileName`; a name that is none of a run's is
-  /// read as it stands. qOK False when a file cannot be opened, is damaged, or the load is cancelled; the
-  /// steps before stay. A file that is not there gives no steps (a unified one with a diagnosis), and a step
-  /// that is cut off, as a running simulation leaves it, is left out with a diagnosis and is no failure.
+  /// Reads the files: the unified file of the run of `FileName`, or `FileName` itself if its extension is
+  /// unknown. qOK False when a file cannot be opened, is damaged, or the load is canceled; the steps before
+  /// it are kept. A missing file has no steps (a unified one is reported). A truncated step, which a running
+  /// simulation leaves, is skipped with a diagnosis; it is not an error.
   void getSAVEData(bool& qOK);
   /// Adds a step behind the last.
   void addSEQUENCE(qvEclipseSAVESequence xStep);

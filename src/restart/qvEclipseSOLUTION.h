@@ -23,8 +23,9 @@ namespace lumbarn {
 /// bytes swapped, and whether the I/O method is 8.
 using FileTypeSettings = std::array<bool, 5>;
 
-/// What tells one step from another. `iSeqnum` is the number of the report step; operations that fetch a step
-/// take a parameter of that name which is a position in the list of steps, from 1.
+/// Number and date of a step. `iSeqnum` is the number of the report step; operations that fetch a step take a
+/// parameter of that name which is a position in the list of steps, from 1. A number may occur more than
+/// once, which a remark reports; a position is unique.
 struct RestartStep {
   std::int32_t iSeqnum = 0;  ///< report step number, see `stepNumber`
   double dTime = 0;          ///< days
@@ -67,12 +68,12 @@ class qvEclipseSOLUTION : public FormFlags {
   bool qMarkers = false;                   ///< the extended well records are wanted
   std::int32_t iMarkerMethod = 3;
 
-  // Beyond what hosts of old ask for.
+  // Not used by existing hosts.
   ArraySelection selection;    ///< patterns of array names
   bool AcceptDamaged = false;  ///< succeed with the steps before damage
   bool qDamaged = false;       ///< something was damaged, or a step was not complete
 
-  /// Whether a file is a restart file: its first record is INTEHEAD or SEQNUM, or what follows tells so. Sets
+  /// Whether a file is a restart file: its first record is INTEHEAD or SEQNUM, or what follows shows it. Sets
   /// Formatted, UNIX, byteSwap, Unified and FileName.
   bool CheckRESTARTFile(const std::string& zFile);
   void SetMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK);
@@ -92,8 +93,8 @@ class qvEclipseSOLUTION : public FormFlags {
   qvEclipseSEQUENCE& step(std::int32_t iSeqnum);
   const qvEclipseSEQUENCE& step(std::int32_t iSeqnum) const;
 
-  // Fetches of one step, by its place from 1, for the grid `iGridNumber`. A place or grid that is none is
-  // reported as a fault, and a grid without arrays gives qOK False.
+  // Fetches of one step, by its position from 1, for the grid `iGridNumber`. A position or grid that does not
+  // exist is reported as a fault, and a grid without arrays gives qOK False.
   void GetSingleSEQUENCE(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData,
                          MarkerTable& vMarkers, std::int32_t& nMarkers, bool& qOK);
   void GetSingleSEQUENCEb(std::int32_t iSeqnum, XYData& xyData, ByteTable& bHeaders, SourceData& vSourceData,
@@ -106,7 +107,7 @@ class qvEclipseSOLUTION : public FormFlags {
                              std::int32_t& nMarkers, ColumnTable<std::int32_t>& iFOD, bool& qFOD, bool& qOK);
   void getSingleSEQUENCEFODInfo(std::int32_t iSeqnum, ColumnTable<std::int32_t>& iFOD, bool& qOK);
   void getEclipseSOLFODInfo(FileTypeSettings& qFileTypeSettings, bool& qOK) const;
-  /// Slots 1, 2, 3 take the size of the step's global grid; -1 in all and qOK False for a place that is none.
+  /// Slots 1, 2, 3 take the size of the step's global grid; -1 in all and qOK False if there is no such step.
   void getNxNyNzInfo(std::int32_t iSeqnum, SourceData& vSourceData, bool& qOK) const;
   /// Numbers and times, in days, of the steps kept. With none one row of -32768 and nSteps 0.
   void GetRestartRecordTimesAndSteps(std::vector<std::int32_t>& iSteps, std::vector<double>& dTimes,
@@ -130,6 +131,7 @@ class qvEclipseSOLUTION : public FormFlags {
   bool readFile(Load& load, std::size_t entry);
   bool readOneStep(Load& load, RecordCursor& cursor, std::size_t entry);
   bool keepStep(Load& load, const RecordCursor& cursor, std::unique_ptr<qvEclipseSEQUENCE> step);
+  void reportRepeats(Load& load, const qvEclipseSEQUENCE& step) const;
   void addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step);
   std::size_t firstCapacity(const Load& load, const RecordCursor& cursor) const;
   bool checkComplete(const Load& load, const qvEclipseSEQUENCE& step, const RecordCursor& cursor, bool last);

@@ -39,22 +39,6 @@ TEST(ActiveCount, TheLengthOfMostArraysDecides) {
   }
 }
 
-TEST(ActiveCount, IsInTheWordOfItsSimulator) {
-  const auto stated = [](std::int32_t program, std::int32_t word4, std::int32_t word96, bool init) {
-    std::vector<std::int32_t> words(96);
-    words[3] = word4;
-    words[11] = 20;
-    words[94] = program;
-    words[95] = word96;
-    return statedActiveCells(HeaderWords(words), init).active;
-  };
-  EXPECT_EQ(stated(300, 22, 0, false), 22);
-  EXPECT_EQ(stated(300, 22, 1, false), 20);
-  EXPECT_EQ(stated(300, 22, 1, true), 22);
-  EXPECT_EQ(stated(300, 0, 0, true), 20);
-  EXPECT_EQ(stated(100, 22, 0, true), 20);
-}
-
 using Words = std::vector<std::int32_t>;
 
 TEST(ActiveCells, TheFirstSourceThatAgreesDecides) {
@@ -96,15 +80,6 @@ TEST(ActiveCells, TheFirstSourceThatAgreesDecides) {
   }
 }
 
-TEST(ActiveCells, AreNumberedBothWays) {
-  const ActiveCells cells({2, 4}, 5);
-  EXPECT_EQ(cells.activeOf(4), 2);
-  EXPECT_EQ(cells.activeOf(5), 0);
-  EXPECT_EQ(cells.cellOf(1), 2);
-  EXPECT_THROW(cells.cellOf(3), std::exception);
-  EXPECT_THROW(cells.activeOf(6), std::exception);
-}
-
 class ActiveCellsOfFiles : public OfForm {
  protected:
   std::string find(const GridCells& cells, const char* init, const char* egrid, const char* grid = "") {
@@ -137,6 +112,11 @@ TEST_P(ActiveCellsOfFiles, InitAndEGrid) {
   EXPECT_EQ(find(cells, "absent", ""), "unknown");
   EXPECT_EQ(session_.diagnoses().size(), 1U);
   session_.clearDiagnoses();
+  EXPECT_EQ(find({{65536, 65536, 1}, std::int64_t{65536} * 65536, 5}, "R.INIT", ""), "unknown");
+  EXPECT_EQ(session_.diagnoses().back().id(), "arrays.active.number");
+  grid.grids[0].activity.clear();
+  writeFile(folder_.file("ALL.EGRID"), grid.egrid(form_));
+  EXPECT_EQ(find({{3, 2, 2}, 12, 11}, "", "ALL.EGRID"), "unknown") << "without ACTNUM all cells are active";
   if (form_.formatted()) return;
   auto bytes = grid.egrid(form_);
   const auto keyword = bytesOf("ACTNUM");

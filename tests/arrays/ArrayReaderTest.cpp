@@ -2,10 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "arrays/ArrayReader.h"
-#include "arrays/DerivedSaturation.h"
-#include "record/cFILETYPE.h"
 #include "support/IndexedRun.h"
 #include "support/RestartBuilder.h"
+#include "support/RestartLoad.h"
 
 namespace lumbarn {
 namespace {
@@ -49,8 +48,10 @@ TEST_P(ArrayReading, ByNameAsItStands) {
   } rows[] = {{2, "PRESSURE", "", 6, {206, 207, 208}},
               {5, "pressure", "near well", 1, {2501, 2502, 2503}},
               {1, "REGION", "ROOT", 6, {7, 8, 16777217}},
+              {1, "DOUBHEAD", "", 0, {1.25, -1e300}},
               {1, "PRESSURE", "LGR1", 0, {1100, 1101, 1102}}};
   for (const auto& row : rows) {
+    values.resize(row.expected.size());
     reader_.read(row.step, row.name, row.grid, row.first, std::span(values), qOK_);
     EXPECT_TRUE(qOK_) << row.name;
     EXPECT_EQ(values, row.expected) << row.name;
@@ -73,6 +74,14 @@ TEST_P(ArrayReading, ByNameAsItStands) {
     if (row.told == 0) continue;
     EXPECT_TRUE(session_.diagnoses()[0].offset) << row.name;
   }
+  std::vector<float> singles(2);
+  reader_.read(2, "PRESSURE", "", 1, std::span(singles), qOK_);
+  EXPECT_THAT(singles, ElementsAre(201, 202));
+  const IndexStep& step = reader_.index().steps[0];
+  IndexEntry moved = *step.find("PRESSURE");
+  moved.count = 8;
+  reader_.read(step, moved, "", 0, std::span(values), qOK_);
+  EXPECT_EQ(session_.diagnoses().back().id(), "arrays.array.moved");
 }
 
 TEST_P(ArrayReading, ByCellWithInactiveOnes) {
@@ -95,63 +104,46 @@ TEST_P(ArrayReading, ByCellWithInactiveOnes) {
   double value = 1;
   reader_.readCell(5, "PRESSURE", "", 2, 2, 2, value, qOK_);
   EXPECT_EQ(value, 508);
-  reader_.readCell(5, "PRESSURE", "", 3, 1, 1, value, qOK_);
-  EXPECT_EQ(value, 0);
   EXPECT_EQ(faults_, 0);
   reader_.readCell(5, "PRESSURE", "", 4, 1, 1, value, qOK_);
-  EXPECT_FALSE(qOK_);
-  reader_.readCells(2, "PRESSURE", "", 9, values, qOK_);
   EXPECT_FALSE(qOK_);
   reader_.readCells(2, "ICON", "", 0, values, qOK_);
   EXPECT_FALSE(qOK_) << "no array of cells";
 }
 
-TEST_P(ArrayReading, ByFetchColumn) {
-  RecordCursor cursor = cursorOver(run_.step(2, form_, true), form_);
-  while (cursor.next() && cursor.header().keyword != "REGION") {
-  }
-  // Step 2 stands behind step 1, and positions count from 1.
-  const auto at = toWords(run_.step(1, form_, true).size() + cursor.header().dataAt + 1);
-  cFILETYPE xFile(session_);
-  xFile.setForm(form_);
-  const std::array settings{true, xFile.Formatted, xFile.UNIX, xFile.byteSwap, false};
-  const auto fetch = [&](std::array<std::int32_t, 5> column, std::int64_t first) {
-    std::vector<float> values(2);
-    reader_.readFetched(files_[0], settings, column, first, values, qOK_);
-    return values;
-  };
-  EXPECT_THAT(fetch({9, 2, at.low, at.high, 1}, 7), ElementsAre(8, 16777216)) << "as singles hold it";
-  EXPECT_TRUE(qOK_);
-  for (const std::array<std::int32_t, 5> wrong : {std::array{9, 19, 9, 9, 1},
-                                                  {1, 2, at.low, at.high, 1},
-                                                  {9, 2, at.low + 1, at.high, 1},
-                                                  {9, 2, at.low, 7, 1},
-                                                  {-1, 2, at.low, at.high, 1},
-                                                  {2147483647, 3, at.low, at.high, 1}}) {
-    // A formatted file has no marks: a count that is too small reads, and a place in the blanks of a field
-    // too.
-    if (form_.formatted() && (wrong[2] == at.low + 1)) continue;
-    fetch(wrong, 0);
-    EXPECT_FALSE(qOK_) << wrong[0] << " " << wrong[1] << " " << wrong[2];
-  }
-}
-
-/// Simulators omit one saturation.
-TEST_P(ArrayReading, DerivedSaturations) {
+/// A run that is continued into its own file writes steps again.
+TEST_P(ArrayReading, StepsAndArraysOfOneNameAreReachedByPosition) {
   RestartBuilder run;
-  run.steps = {{.number = 1}};
-  run.steps[0].grids[0].arrays = {{"SWAT", {0.25F, 0.5F, 1, 0}}, {"SGAS", {0.25F, 0, 0.5F, 0}}};
-  const std::vector<std::string> files{run.write(folder_, "D", form_)};
+  run.steps = {{.number = 4}, {.number = 4}};
+  run.steps[0].grids[0].arrays = {{"SWAT", {1, 1, 1, 1}}, {"SWAT", {2, 2, 2, 2}}};
+  run.steps[1].grids[0].arrays = {
+      {"SWAT", {0.5F, 0, 1, 0.5F}}, {"SWAT", {4, 4, 4, 4}}, {"SGAS", {0.25F, 0, 0.5F, 0}}};
+  const std::vector<std::string> files{run.write(folder_, "T", form_)};
   ArrayReader reader(walkRestart(session_, files), session_);
-  const auto derived = derivedArray(reader.index().steps[0], "");
-  ASSERT_TRUE(derived && derived->isDerived());
-  EXPECT_EQ(derived->keyword.view(), "SOIL");
-  std::vector<double> values(3);
-  reader.read(1, "soil", "", 1, std::span(values), qOK_);
-  EXPECT_THAT(values, ElementsAre(0.5, 0, 1)) << "not below 0";
-  double value = 0;
-  reader.readCell(1, "SOIL", "ROOT", 1, 1, 1, value, qOK_);
-  EXPECT_EQ(value, 0.5);
+  const auto ids = [](const Session& session) {
+    std::vector<std::string> all;
+    for (const auto& diagnosis : session.diagnoses()) all.emplace_back(diagnosis.id());
+    return all;
+  };
+  std::vector<double> value(1);
+  for (int i = 0; i < 2; ++i) {
+    reader.read(4, "swat", "", 0, std::span(value), qOK_);
+    EXPECT_THAT(value, ElementsAre(0.5)) << "the step written last, its first array";
+    EXPECT_THAT(ids(session_), ElementsAre("step.twice", "arrays.array.twice"));
+  }
+  const IndexStep& first = *reader.index().nth(4, 1);
+  reader.read(first, *first.findAll("swat").at(1), "", 0, std::span(value), qOK_);
+  EXPECT_THAT(value, ElementsAre(2));
+  EXPECT_FALSE(reader.index().nth(4, 3) || reader.index().nth(5));
+  std::vector<double> derived(3);
+  reader.read(4, "soil", "", 0, std::span(derived), qOK_);
+  EXPECT_THAT(derived, ElementsAre(0.25, 1, 0)) << "not below 0";
+
+  RestartLoad load(files[0]);
+  ASSERT_TRUE(load.run());
+  EXPECT_EQ(load.reader.RestartValues(1, 1, 2)[0], 2);
+  EXPECT_EQ(load.reader.RestartValues(2, 1, "SWAT")[0], 0.5F);
+  EXPECT_THAT(ids(load.session), ElementsAre("arrays.array.twice", "step.twice"));
 }
 
 }  // namespace

@@ -25,15 +25,34 @@ TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
   twice.steps[0].grids[0].arrays = {{"SWAT", {1, 2, 3, 4}}};
   twice.steps[1].grids[0].arrays = {{"SWAT", {5, 6, 7, 8}}};
   write("TWICE.UNRST", twice.bytes(test::bigEndian));
+  const auto listed = csv("restart ~TWICE --step 4");
+  ASSERT_EQ(listed.size(), 3U);
+  EXPECT_THAT(listed[1], ElementsAre("4", "2015-01-01T00:00:00", "0", "ROOT", "SWAT", "REAL", "4", ""));
+  EXPECT_THAT(listed[2], ElementsAre("4", "2015-01-01T00:00:00", "9", "ROOT", "SWAT", "REAL", "4", ""));
   const auto shown = [this](const std::string& nth) {
-    const Outcome outcome = run("restart ~TWICE --step 4 --array SWAT " + nth);
+    const Outcome outcome = run("restart ~TWICE --step 4 --array SWAT --format csv " + nth);
     EXPECT_THAT(outcome.err, HasSubstr(outcome.status == 0 ? "2 steps 4" : "there are 2 steps"));
     return outcome.out;
   };
-  EXPECT_THAT(shown(""), HasSubstr("5"));
-  EXPECT_THAT(shown("--nth 1"), HasSubstr("1"));
+  EXPECT_EQ(shown("--nth 1"), "SWAT\r\n1\r\n2\r\n3\r\n4\r\n");
+  EXPECT_EQ(shown("--nth 2"), "SWAT\r\n5\r\n6\r\n7\r\n8\r\n");
   EXPECT_EQ(shown("--nth 2"), shown(""));
   EXPECT_EQ(shown("--nth 3"), "");
+
+  test::GridBuilder grid;
+  grid.grids[0].size = {2, 2, 1};
+  write("TWICE.EGRID", grid.egrid(test::bigEndian));
+  std::ostringstream text;
+  Session session;
+  Console console(text, text, session, false);
+  qvGRIDReader reader(session);
+  bool qOK = false;
+  ASSERT_TRUE(reader.CheckEGRIDFile(file("TWICE.EGRID")));
+  reader.ReadEclipseEGridFile(qOK);
+  GridArrays arrays(findRun(file("TWICE")), *reader.xGrids.front(), 4, console);
+  std::vector<float> values(4);
+  std::get<CellReader<float>>(arrays.array("SWAT").read)(0, 0, values);
+  EXPECT_EQ(values, (std::vector<float>{5, 6, 7, 8})) << "the one that restart shows too";
 }
 
 TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {

@@ -5,53 +5,40 @@
 #include <gtest/gtest.h>
 
 #include "restart/Markers.h"
+#include "restart/WellRecords.h"
+#include "restart/qvEclipseSOLUTION.h"
+#include "support/RestartBuilder.h"
+#include "support/RestartLoad.h"
 
 namespace lumbarn {
 namespace {
 
+using namespace test;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
-/// Three wells, of which P1 has two connections, OBS none and G2 one. Every cell of a table has a value of
-/// its own: well or connection number times 100 and column.
-RESTARTGRID syntheticGrid(bool qPlanes = false) {
-  RESTARTGRID grid;
-  grid.nWells = 3;
-  grid.nCWMAX = 4;
-  grid.nIWELZ = grid.nICONZ = grid.nZWELZ = 3;
-  grid.nConnections = qPlanes ? 0 : 3;
-  grid.qIWEL = grid.qSWEL = grid.qXWEL = grid.qZWEL = grid.qICON = grid.qSCON = true;
-  grid.iWELL = ColumnTable<std::int32_t>(3, 15);
-  grid.sWELL = ColumnTable<float>(3, 15);
-  grid.sWELL2 = ColumnTable<float>(3, 14);
-  grid.zWELL = ColumnTable<std::string>(3, 2);
-  const std::int32_t counts[] = {2, 0, 1};
-  const char* const names[] = {"P1", "OBS", "G2"};
-  for (std::size_t i = 1; i <= 3; ++i) {
-    const auto number = static_cast<std::int32_t>(i * 100);
-    for (std::int32_t c = 1; c <= 15; ++c) {
-      grid.iWELL(i, static_cast<std::size_t>(c)) = number + c;
-      grid.sWELL(i, static_cast<std::size_t>(c)) = static_cast<float>(number + c) + 0.5F;
-      if (c < 15) grid.sWELL2(i, static_cast<std::size_t>(c)) = static_cast<float>(number + c) + 0.25F;
-    }
-    grid.iWELL(i, 3) = i == 1 ? 1 : i == 2 ? 9 : 4;
-    grid.iWELL(i, 5) = counts[i - 1];
-    grid.iWELL(i, 10) = i == 1 ? 1 : 3;
-    grid.zWELL(i, 1) = names[i - 1];
-  }
-  grid.iCONN =
-      qPlanes ? ColumnTable<std::int32_t>::threeDimensional(3, 4, 9) : ColumnTable<std::int32_t>(3, 9);
-  grid.sCONN = qPlanes ? ColumnTable<float>::threeDimensional(3, 4, 15) : ColumnTable<float>(3, 15);
-  const std::size_t owners[][2] = {{1, 1}, {1, 2}, {3, 1}};  // well and place in it
-  for (std::size_t row = 1; row <= 3; ++row) {
-    const auto [well, k] = owners[row - 1];
-    for (std::size_t c = 1; c <= 15; ++c) {
-      const auto value = static_cast<std::int32_t>(row * 100 + c);
-      if (c <= 9) (qPlanes ? grid.iCONN(well, k, c) : grid.iCONN(row, c)) = value;
-      (qPlanes ? grid.sCONN(well, k, c) : grid.sCONN(row, c)) = static_cast<float>(value) + 0.75F;
-    }
-  }
-  return grid;
+/// P1 with two connections, OBS with none, G2 with one.
+RestartBuilder threeWells() {
+  RestartBuilder run;
+  run.steps = {{.number = 4}};
+  auto& grid = run.steps[0].grids[0];
+  grid.arrays = {{"PRESSURE", {1, 2, 3, 4}}};
+  grid.wells = {{"P1", {{1, 1, 1}, {2, 1, 1}}, {{6, 1}, {7, 1}, {8, 108}, {11, 104}, {12, 107}, {23, 106}}},
+                {"OBS", {}, {{7, 9}}},
+                {"G2", {{2, 2, 1}}, {{7, 4}}}};
+  return run;
+}
+
+RESTARTGRID loadedWells() {
+  const TemporaryFolder folder;
+  qvEclipseSOLUTION set;
+  EXPECT_TRUE(set.CheckRESTARTFile(threeWells().write(folder, "RUN", bigEndian)));
+  set.setMarkerMethod(2);
+  set.iStart = set.iEnd = -1;
+  bool qOK = false;
+  set.getSOLUTIONData(qOK);
+  return std::move(set.step(1).grid());
 }
 
 /// A row as text: its items side by side, runs of empty ones as their count in brackets.
@@ -79,26 +66,6 @@ std::vector<std::string> rowTexts(const MarkerTable& table) {
   return rows;
 }
 
-std::string wellRow(int well, const char* name, int hostType) {
-  const int n = well * 100;
-  std::string text = fmt::format("1 0 {} {} 1 (4) {} {} WELL (15) {} {} {} {} ", n + 1, n + 2, n + 4, name,
-                                 n + 6, n + 8, hostType, n + 7);
-  for (int c = 1; c <= 9; ++c) text += fmt::format("{}.5 ", n + c);
-  for (const int c : {1, 2, 3, 4, 5, 6, 9, 10, 11, 12, 13, 14, 7, 8}) text += fmt::format("{}.25 ", n + c);
-  return text + "(1) ";
-}
-
-std::string perfRow(int row, const char* name, bool qMarkers, bool qPlanes) {
-  const int n = row * 100;
-  std::string text = fmt::format("{} 0 {} {} {} ", n + 5, n + 1, n + 2, n + 3);
-  text += qPlanes ? fmt::format("(4) {} ", n + 4) : "(5) ";
-  text += fmt::format("{} PERF (1) {} ", name, n + 6);
-  for (const int c : {1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}) {
-    if (qMarkers) text += fmt::format("{}.75 ", n + c);
-  }
-  return text + fmt::format("{}{} {} (28) ", qMarkers ? "" : "(11) ", n + 7, n + 8);
-}
-
 MarkerBlock opened(std::span<const std::byte> bytes) {
   MarkerBlock block;
   std::string why;
@@ -108,17 +75,24 @@ MarkerBlock opened(std::span<const std::byte> bytes) {
 
 TEST(Markers, RowsOfWellsAndTheirConnectionsAlsoWhenPacked) {
   const Session session;
-  for (const auto& [qPlanes, qMarkers] :
-       {std::pair(false, false), {false, true}, {true, false}, {true, true}}) {
-    SCOPED_TRACE(fmt::format("planes {}, markers {}", qPlanes, qMarkers));
-    const auto grid = syntheticGrid(qPlanes);
+  const std::string singles = "1001 1003 1004 1005 1006 1007 1013 1014 1015 1021 1022 10107 10110 (28) ";
+  const std::pair<bool, std::string> cases[] = {
+      {false, "10105 0 1 1 1 (5) P1 PERF (1) 10114 (11) 10107 10110 (28) "},
+      {true, "10105 0 1 1 1 (5) P1 PERF (1) 10114 " + singles}};
+  for (const auto& [qMarkers, connection] : cases) {
+    SCOPED_TRACE(qMarkers);
+    const auto grid = loadedWells();
     const auto table = markerTable(grid, qMarkers, session);
-    EXPECT_THAT(rowTexts(table), ElementsAre(wellRow(1, "P1", 4), perfRow(1, "P1", qMarkers, qPlanes),
-                                             perfRow(2, "P1", qMarkers, qPlanes), wellRow(2, "OBS", -1),
-                                             wellRow(3, "G2", 1), perfRow(3, "G2", qMarkers, qPlanes)));
-    EXPECT_EQ(table.rows(), 15U) << "room for every connection slot";
-    EXPECT_EQ(rowText(table, 15), "(55) ");
-    EXPECT_THROW(table(16, 1), Fault);
+    EXPECT_THAT(
+        rowTexts(table),
+        ElementsAre("1 0 1 1 1 (4) 104 P1 WELL (15) 106 108 4 107 1001 1002 1003 1004 1005 1006 1007 "
+                    "1009 1010 1001 1003 1002 1076 1078 1077 1034 1055 1034 1081 1083 1082 1069 1070 "
+                    "(1) ",
+                    connection, StartsWith("10205 0 2 1 1 "), HasSubstr(" OBS WELL (15) 0 0 -1 0 2001 "),
+                    HasSubstr(" G2 WELL (15) 0 0 1 0 3001 "), StartsWith("30105 0 2 2 1 ")));
+    EXPECT_EQ(table.rows(), 12U) << "room for every connection slot";
+    EXPECT_EQ(rowText(table, 12), "(55) ");
+    EXPECT_THROW(table(13, 1), Fault);
     for (const std::int32_t iForm : {1, 2, 3}) {
       const auto bytes = packMarkers(grid, qMarkers, {.iForm = iForm}, session);
       EXPECT_EQ(std::memcmp(bytes.data(), iForm == 2 ? "MKEX" : "MK32", 4), 0);
@@ -129,16 +103,15 @@ TEST(Markers, RowsOfWellsAndTheirConnectionsAlsoWhenPacked) {
 
 TEST(Markers, TablesThatAStepDoesNotHave) {
   const Session session;
-  auto grid = syntheticGrid();
+  auto grid = loadedWells();
   grid.qICON = grid.qZWEL = false;
   grid.sWELL = {};
   grid.sWELL2 = {};
-  EXPECT_THAT(rowTexts(markerTable(grid, true, session)),
-              ElementsAre("1 0 101 102 1 (4) 104 (1) WELL (15) 106 108 4 107 (24) ",
-                          "1 0 201 202 1 (4) 204 (1) WELL (15) 206 208 -1 207 (24) ",
-                          "1 0 301 302 1 (4) 304 (1) WELL (15) 306 308 1 307 (24) "));
+  const auto rows = rowTexts(markerTable(grid, true, session));
+  EXPECT_THAT(rows.at(0), "1 0 1 1 1 (4) 104 (1) WELL (15) 106 108 4 107 (24) ");
+  EXPECT_EQ(rows.size(), 3U);
   for (const auto& [count, first] : {std::pair(4, 1), std::pair(1, 0), std::pair(2147483647, 3)}) {
-    auto wild = syntheticGrid();
+    auto wild = loadedWells();
     wild.iWELL(1, 5) = count;
     wild.iWELL(1, 10) = first;
     EXPECT_THROW(markerTable(wild, true, session), Fault) << count;
@@ -149,7 +122,7 @@ TEST(Markers, TablesThatAStepDoesNotHave) {
 /// The bytes of the page that describes the layout, read by hand: no code of the writer is used.
 TEST(Markers, TheLayoutOfABlockIsAsWrittenDown) {
   const Session session;
-  auto grid = syntheticGrid();
+  auto grid = loadedWells();
   grid.sWELL = {};
   grid.sWELL2 = {};
   grid.zWELL(1, 1) = std::string(45, 'x') + "#";
@@ -166,7 +139,7 @@ TEST(Markers, TheLayoutOfABlockIsAsWrittenDown) {
   std::vector<std::int32_t> perf;
   for (std::size_t at = 56 + 104; at < 56 + 104 + 64; at += 4) perf.push_back(word(at));
   constexpr std::int32_t set = 0x1F | 1 << 10 | 1 << 11 | 1 << 13 | 1 << 25 | 1 << 26;
-  EXPECT_THAT(perf, ElementsAre(2, set, 0, 105, 0, 101, 102, 103, 0, 106, 107, 108, 0, 0, 0, 0));
+  EXPECT_THAT(perf, ElementsAre(2, set, 0, 10105, 0, 1, 1, 1, 0, 10114, 10107, 10110, 0, 0, 0, 0));
   EXPECT_EQ(opened(bytes)(2, 11), Variant(std::string(40, 'x'))) << "short names";
   const auto wide = packMarkers(grid, false, {.iForm = 3, .qLong = true}, session);
   EXPECT_EQ(opened(wide)(2, 11), Variant(grid.zWELL(1, 1)));
@@ -174,7 +147,7 @@ TEST(Markers, TheLayoutOfABlockIsAsWrittenDown) {
 
 TEST(Markers, BlocksOfAnotherLengthOrLayoutAreRefused) {
   const Session session;
-  const auto whole = packMarkers(syntheticGrid(), true, {.iForm = 2}, session);
+  const auto whole = packMarkers(loadedWells(), true, {.iForm = 2}, session);
   MarkerBlock block;
   std::string why;
   for (std::size_t size = 0; size < whole.size(); ++size)
@@ -188,6 +161,37 @@ TEST(Markers, BlocksOfAnotherLengthOrLayoutAreRefused) {
     std::memcpy(damaged.data() + at, &value, 4);
     EXPECT_FALSE(block.open(damaged, why));
     EXPECT_THAT(why, HasSubstr(told));
+  }
+  EXPECT_EQ(opened(whole).header().nPerfs, 3);
+}
+
+TEST(Markers, FollowTheMethodOfTheReader) {
+  const TemporaryFolder folder;
+  const auto path = threeWells().write(folder, "RUN", bigEndian);
+  for (const auto& [method, mark] : {std::pair(2, "MKEX"), std::pair(3, "MK32"), std::pair(5, "MKEX")}) {
+    RestartLoad load(path);
+    load.reader.MarkerMethod = method;
+    ASSERT_TRUE(load.run());
+    MarkerTable rows;
+    std::vector<std::byte> bytes;
+    std::int32_t nRows = 0;
+    std::int32_t nBytesRows = 0;
+    bool qOK = false;
+    load.reader.GetRESTARTSEQUENCE(1, load.table, load.headers, load.source, rows, nRows, qOK);
+    ASSERT_TRUE(qOK);
+    load.reader.GetRESTARTSEQUENCEb(1, load.table, load.headers, load.source, bytes, nBytesRows, qOK);
+    ASSERT_TRUE(qOK);
+    EXPECT_THAT((std::array{nRows, nBytesRows}), ElementsAre(6, 6));
+    EXPECT_EQ(std::memcmp(bytes.data(), mark, 4), 0);
+    EXPECT_EQ(rowTexts(opened(bytes).table()), rowTexts(rows));
+    const bool full = method != 3;  // SCON is read when it is needed
+    EXPECT_EQ(std::holds_alternative<double>(rows(2, 15)), full);
+    const auto well = load.reader.RestartWells(1, 1, qOK).at(0);
+    const auto& second = well.connections.at(1);
+    EXPECT_EQ(fmt::format("{} {} {} {}", well.group, second.iStatus, second.iDirection, second.iWord7),
+              full ? "FIELD 10206 10214 10207" : "FIELD 10206 0 0");
+    ASSERT_EQ(second.numbers.has_value(), full);
+    EXPECT_EQ(full ? second.numbers->lengthEnd : 0, full ? 2021 : 0);
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "files/Recogniser.h"
 #include "restart/qvEclipseSAVE.h"
+#include "support/FaultySource.h"
 #include "support/Forms.h"
 #include "support/TemporaryFolder.h"
 
@@ -95,10 +96,11 @@ TEST_P(SaveForm, StepsOfAUnifiedFileWithLimits) {
   SaveLoad load;
   ASSERT_TRUE(load.run(odd)) << "a name that tells nothing is read as it stands";
   EXPECT_THAT(load.times, ElementsAre(0, 30.75, 41, 92.25));
-  const auto& step = load.save.xSEQ[1];
-  EXPECT_THAT(step.iStartWords, ElementsAre(82, 83, 84));
-  EXPECT_THAT((std::array{step.iDay, step.iMonth, step.iYear, step.iWord11}), ElementsAre(85, 86, 87, 11));
-  EXPECT_EQ(step.sFraction, 0.75F);
+  std::int32_t iDay = 0, iMonth = 0, iYear = 0;
+  float sFraction = 0;
+  load.save.xSEQ[1].getRESTARTDateAndTime(iDay, iMonth, iYear, sFraction);
+  EXPECT_THAT((std::array{iDay, iMonth, iYear}), ElementsAre(85, 86, 87));
+  EXPECT_EQ(sFraction, 0.75F);
   std::int32_t iProgram = 0;
   std::int32_t iVersion = 0;
   load.save.getSimulatorVersionInfo(iProgram, iVersion);
@@ -130,71 +132,27 @@ TEST_P(SaveForm, AFileForEachStepEndsItsStepWithTheHeaders) {
   EXPECT_THAT(listed.steps, ElementsAre(3)) << "a missing file is passed over";
 }
 
-TEST_P(SaveForm, Savehead) {
-  for (const std::size_t words : {2U, 1U, 0U}) {
-    std::vector<std::byte> bytes;
-    RecordWriter out(memorySink(bytes), form_);
-    out.integers("SAVEHEAD", std::vector<std::int32_t>(words, 100));
-    writeStep(out, 4, head(4));
-    writeStep(out, 5, head(5));
-    writeFile(unifiedName(), bytes);
-    SaveLoad load;
-    EXPECT_EQ(load.run(unifiedName()), words > 0);
-    EXPECT_EQ(load.nSteps, words > 0 ? 1 : 0) << "a file that opens with SAVEHEAD is one step";
-    EXPECT_EQ(load.save.xSEQ[0].iVersion, words == 2 ? 100 : -1);
-    EXPECT_EQ(load.save.xSEQ[0].iProgram, words > 0 ? 100 : -1);
-    if (words > 0) continue;
-    EXPECT_THAT(load.told(), HasSubstr("header is too short (SAVEHEAD, occurrence 1, byte 0"));
-  }
-}
-
-/// Truncates a file everywhere: complete steps are kept, and the offset of the end is reported.
-TEST_P(SaveForm, ATruncatedFileHasTheStepsBefore) {
-  const auto bytes = unified(form_, {1, 2, 3});
-  std::size_t before = 0;
-  for (std::size_t size = 40; size <= bytes.size(); size += size < bytes.size() - 40 ? 41 : 1) {
-    writeFile(unifiedName(), std::span(bytes).first(size));
-    SaveLoad load;
-    ASSERT_TRUE(load.run(unifiedName())) << size << load.told();
-    ASSERT_LE(load.nSteps, 3);
-    if (load.session.diagnoses().empty()) continue;
-    ASSERT_GE(static_cast<std::size_t>(load.nSteps), before) << size;
-    before = static_cast<std::size_t>(load.nSteps);
-    EXPECT_THAT(load.told(), AllOf(HasSubstr("RUN."), HasSubstr("byte"), HasSubstr("skipped the step")));
-  }
-  EXPECT_EQ(before, 2U);
-}
-
 TEST(Save, WordsOfTheHeaderByItsLength) {
-  struct Row {
-    std::size_t length;
-    std::int32_t year;
-    bool qOK;
-    std::int32_t iWord11, iSeqnum, iStart, iYear, iVersion;
+  const std::tuple<std::size_t, std::int32_t, std::array<std::int32_t, 5>> rows[] = {
+      {10, 0, {-1, -1, -1, -1, -1}},    {11, 0, {11, -1, -1, -1, -1}},     {37, 0, {11, -1, -1, -1, -1}},
+      {38, 0, {11, -1, -1, -1, -1}},    {39, 0, {11, 6, -1, -1, -1}},      {83, 0, {11, 6, -1, -1, -1}},
+      {84, 0, {11, 6, 84, -1, -1}},     {87, 0, {11, 6, 84, 87, -1}},      {139, 99, {11, 6, 84, 87, -1}},
+      {140, 99, {11, 6, 84, 87, 1999}}, {140, 5, {11, 6, 84, 87, 2005}},   {140, 89, {11, 6, 84, 87, 2089}},
+      {140, 90, {11, 6, 84, 87, 1990}}, {140, 999, {11, 6, 84, 87, 2899}}, {140, 1000, {11, 6, 84, 87, 1000}},
+      {140, -1, {11, 6, 84, 87, -1}},
   };
-  const Row rows[] = {
-      {10, 0, true, -1, -1, -1, -1, -1},      {11, 0, true, 11, -1, -1, -1, -1},
-      {37, 0, true, 11, -1, -1, -1, -1},      {38, 0, false, 11, -1, -1, -1, -1},
-      {39, 0, true, 11, 6, -1, -1, -1},       {83, 0, true, 11, 6, -1, -1, -1},
-      {84, 0, true, 11, 6, 84, -1, -1},       {87, 0, true, 11, 6, 84, 87, -1},
-      {139, 99, true, 11, 6, 84, 87, -1},     {140, 99, true, 11, 6, 84, 87, 1999},
-      {140, 5, true, 11, 6, 84, 87, 2005},    {140, 89, true, 11, 6, 84, 87, 2089},
-      {140, 90, true, 11, 6, 84, 87, 1990},   {140, 999, true, 11, 6, 84, 87, 2899},
-      {140, 1000, true, 11, 6, 84, 87, 1000}, {140, -1, true, 11, 6, 84, 87, -1},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(::testing::Message() << row.length << " words, year " << row.year);
+  for (const auto& [length, year, expected] : rows) {
+    SCOPED_TRACE(::testing::Message() << length << " words, year " << year);
     Session session;
     std::string report;
     session.faultReporter = [&](std::string_view text) { report = text; };
     qvEclipseSAVESequence step(session);
     bool qOK = false;
-    step.processINTEHEAD(head(6, row.length, row.year), qOK);
-    EXPECT_EQ(qOK, row.qOK);
-    EXPECT_THAT(report, HasSubstr(row.qOK ? "" : "(No.9) In [qvEclipseSAVESequence"));
-    EXPECT_THAT((std::array{step.iWord11, step.iSeqnum, step.iStartWords[2], step.iYear, step.iVersion}),
-                ElementsAre(row.iWord11, row.iSeqnum, row.iStart, row.iYear, row.iVersion));
-    EXPECT_EQ(step.qStart, row.iStart == 84);
+    step.processINTEHEAD(head(6, length, year), qOK);
+    EXPECT_EQ(qOK, length != 38);
+    EXPECT_THAT(report, HasSubstr(qOK ? "" : "(No.9) In [qvEclipseSAVESequence"));
+    EXPECT_EQ((std::array{step.iWord11, step.iSeqnum, step.iStartWords[2], step.iYear, step.iVersion}),
+              expected);
   }
 }
 
@@ -205,7 +163,8 @@ TEST(Save, WhatEndsAStepWithoutSuccess) {
       {[](RecordWriter& out) { out.header("ODD", 0, "WHAT"); }, ""},
       {[](RecordWriter& out) { out.header("ODD", 1, "WHAT"); }, "of this type (ODD, occurrence 1"},
       {[](RecordWriter& out) { writeStep(out, 2, head(2, 38)); }, "too short (INTEHEAD, occurrence 3"},
-      {[](RecordWriter& out) { out.integers("SEQNUM", {}); }, "too short (SEQNUM, occurrence 2"}};
+      {[](RecordWriter& out) { out.integers("SEQNUM", {}); }, "too short (SEQNUM, occurrence 2"},
+      {[](RecordWriter& out) { out.integers("SAVEHEAD", {}); }, "too short (SAVEHEAD, occurrence 1"}};
   for (const auto& [add, told] : rows) {
     auto bytes = unified(bigEndian, {1});
     RecordWriter out(memorySink(bytes), bigEndian);
@@ -220,6 +179,26 @@ TEST(Save, WhatEndsAStepWithoutSuccess) {
     EXPECT_THAT(load.told(), HasSubstr(told));
   }
   EXPECT_FALSE(SaveLoad().save.CheckSAVEFile(folder.file("RUN.V0001")));
+
+  std::vector<std::byte> bytes;
+  RecordWriter out(memorySink(bytes), bigEndian);
+  out.integers("SAVEHEAD", std::array{500, 100});
+  for (const std::int32_t step : {4, 5}) writeStep(out, step, head(step));
+  writeFile(path, bytes);
+  SaveLoad one;
+  ASSERT_TRUE(one.run(path));
+  EXPECT_EQ(one.nSteps, 1) << "a file that begins with SAVEHEAD is one step";
+  const auto whole = unified(bigEndian, {1, 2});
+  writeFile(folder.file("CUT.SAVE"), std::span(whole).first(whole.size() - 10));
+  SaveLoad truncated;
+  ASSERT_TRUE(truncated.run(folder.file("CUT.SAVE")));
+  EXPECT_THAT(truncated.steps, ElementsAre(1));
+  EXPECT_THAT(truncated.told(), AllOf(HasSubstr("byte"), HasSubstr("skipped the step")));
+  EXPECT_EQ((std::array{one.save.xSEQ[0].iProgram, one.save.xSEQ[0].iVersion}), (std::array{500, 100}));
+  const FaultyFiles rewritten(ReadFault::Touched, 1);
+  SaveLoad load;
+  EXPECT_FALSE(load.run(path));
+  EXPECT_THAT(load.told(), HasSubstr("another modification time"));
 }
 
 }  // namespace

@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "arrays/ArrayReader.h"
 #include "arrays/ArrayUnits.h"
 #include "index/RestartIndex.h"
-#include "record/Quarnet.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Fault.h"
 #include "support/IndexedRun.h"
@@ -24,27 +24,17 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-struct HeaderCase {
-  std::size_t words;
-  std::int32_t word4, word12, program, word96;
-  std::int64_t nActive, ofInit;
-};
-
 TEST(HeaderWordsTest, ActiveCellsDependOnTheSimulator) {
-  for (const auto& [words, word4, word12, program, word96, nActive, ofInit] :
-       {HeaderCase{411, 7, 5, 100, 0, 5, 5}, HeaderCase{411, 7, 5, 300, 0, 7, 7},
-        HeaderCase{411, 7, 5, 300, 1, 5, 7}, HeaderCase{411, 0, 5, 300, 0, 5, 5},
-        HeaderCase{95, 7, 5, 300, 0, 7, 7}, HeaderCase{94, 7, 5, 300, 0, 5, 5}}) {
+  const std::tuple<std::size_t, std::int32_t, std::int32_t, std::int32_t, std::int64_t, std::int64_t> rows[] =
+      {{411, 7, 100, 0, 5, 5}, {411, 7, 300, 0, 7, 7}, {411, 7, 300, 1, 5, 7},
+       {411, 0, 300, 0, 5, 5}, {95, 7, 300, 0, 7, 7},  {94, 7, 300, 0, 5, 5}};
+  for (const auto& [words, word4, program, word96, nActive, ofInit] : rows) {
     std::vector<std::int32_t> header(411);
-    header[3] = word4, header[8] = 2, header[9] = 3, header[10] = 4, header[11] = word12;
+    header[3] = word4, header[8] = 2, header[9] = 3, header[10] = 4, header[11] = 5;
     header[94] = program, header[95] = word96;
     header.resize(words);
-    std::int32_t active = 0;
-    std::int64_t cells = 0;
-    PreprocessINTEHEAD(HeaderWords(header), active, cells);
-    EXPECT_EQ(active, nActive) << words << " words, simulator " << program;
-    EXPECT_EQ(cells, 24);
-    EXPECT_EQ(gridCells(header, true).active, ofInit);
+    EXPECT_EQ(gridCells(header, true).cells, 24);
+    EXPECT_EQ(gridCells(header, true).active, ofInit) << words << " words, simulator " << program;
     EXPECT_EQ(gridCells(header, false).active, nActive);
   }
   EXPECT_EQ(cellCount(46341, 46341, 2), 4294976562);
@@ -91,28 +81,24 @@ TEST_P(RestartForms, AStepHasItsArraysAndWhatHostsAreToldOfThem) {
   EXPECT_THAT(load.values("PRESSURE"), ElementsAre(101.5F, 102, 103, 104));
   EXPECT_THAT(load.values("FIPNUM"), ElementsAre(1, 2, 9999999, -4)) << "integers become singles";
   EXPECT_THAT(load.values("SOIL"), ElementsAre(0.5F, 0, 0, 0.5F)) << "what is left, between 0 and 1";
-  EXPECT_TRUE(std::ranges::equal(load.table.column(5), load.values("SOIL")));
-
-  EXPECT_EQ(ExtractAttribute(attributeDataKind, load.headers, 1), "SOLUTION");
-  EXPECT_EQ(ExtractAttribute(attributeSource, load.headers, 1), "RUN");
-  EXPECT_EQ(ExtractAttribute(attributeIndex, load.headers, 1), "1");
-  EXPECT_EQ(ExtractAttribute(attributeUnits, load.headers, 1), "BARS");
-  EXPECT_EQ(ExtractAttribute(attributeVariable, load.headers, 5), "SOIL");
-  EXPECT_EQ(ExtractAttribute(attributeLGRName, load.headers, 1), "");
-
-  const auto text = [&](std::size_t slot) { return std::get<std::string>(load.source(slot)); };
-  EXPECT_EQ(text(4), "15 JUL 2003 6:0");
-  EXPECT_EQ(text(6), "SOLUTION");
-  EXPECT_EQ(text(29), "ROOT");
-  EXPECT_EQ(load.source(7), Variant(std::int16_t{1}));
-  EXPECT_EQ(load.source(8), Variant(std::int16_t{1}));
-  EXPECT_EQ(load.source(33), Variant(true));
-  EXPECT_EQ(load.source(40), Variant(10.25));
-  EXPECT_EQ(load.source(63), Variant(std::int32_t{7}));
-  EXPECT_EQ(load.source(64), Variant(std::int32_t{2}));
+  EXPECT_THAT(load.column("SOIL"), ElementsAre(0.5F, 0, 0, 0.5F));
+  const auto attribute = [&](const auto& one) { return ExtractAttribute(one, load.headers, 1); };
+  EXPECT_EQ(attribute(attributeDataKind), "SOLUTION");
+  EXPECT_EQ(attribute(attributeSource) + attribute(attributeIndex) + attribute(attributeLGRName), "RUN1");
+  EXPECT_EQ(attribute(attributeUnits), "BARS");
+  const std::pair<std::size_t, Variant> slots[] = {{4, std::string("15 JUL 2003 6:0")},
+                                                   {6, std::string("SOLUTION")},
+                                                   {29, std::string("ROOT")},
+                                                   {7, std::int16_t{1}},
+                                                   {8, std::int16_t{1}},
+                                                   {33, true},
+                                                   {40, 10.25},
+                                                   {63, std::int32_t{7}},
+                                                   {64, std::int32_t{2}}};
+  for (const auto& [slot, value] : slots) EXPECT_EQ(load.source(slot), value) << slot;
 }
 
-/// A host reads the values by itself, with nothing but the places.
+/// A host reads the values when it needs them, by nothing but their positions.
 TEST_P(RestartForms, PlacesLeadToTheValues) {
   auto whole = load(threePhases());
   ASSERT_TRUE(whole.run());
@@ -125,51 +111,49 @@ TEST_P(RestartForms, PlacesLeadToTheValues) {
   EXPECT_EQ(places.table.rows(), 1U);
   EXPECT_EQ(places.table.columns(), 5U);
   EXPECT_EQ(places.table(1, 1), -1);
-  EXPECT_THAT(
-      (std::vector{places.places(1, 5), places.places(2, 5), places.places(3, 5), places.places(4, 5)}),
-      ElementsAre(4, 19, 4, 4));
 
   FileTypeSettings settings;
   bool qOK = false;
   places.reader.getEclipseFODInfo(settings, qOK);
-  EXPECT_EQ(settings[1], form_.formatted());
-  cFILETYPE file(places.session);
-  file.setForm(form_);
-  Quarnet records(places.session);
-  records.OpenRecordFile(places.reader.FileName, file, qOK);
-  for (std::size_t i : {4U, 1U, 2U}) {
-    file.SeekByte64(places.places(3, i), places.places(4, i));
-    std::vector<float> values;
-    records.ReadSingles(places.places(1, i), "", file, values, qOK);
+  ArrayReader reader(places.session);
+  const auto column = [&](std::size_t i) {
+    std::array<std::int32_t, 5> items{};
+    for (std::size_t row = 1; row <= 5; ++row) items[row - 1] = places.places(row, i);
+    return items;
+  };
+  for (std::size_t i : {4U, 1U, 2U, 3U}) {
+    std::vector<float> values(4);
+    reader.readFetched(places.reader.FileName, settings, column(i), 0, values, qOK);
     ASSERT_TRUE(qOK);
     EXPECT_EQ(values, whole.values(whole.names()[i - 1]));
+  }
+  EXPECT_THAT(column(5), ElementsAre(4, 19, 4, 4, 1)) << "derived";
+  const auto first = column(1);
+  for (const std::array<std::int32_t, 4> wrong :
+       {std::array{4, 19, 4, 4}, {4, 3, 0, 0}, {4, 3, first[2], 7}, {-1, 3, first[2], 0}}) {
+    std::vector<float> values(2);
+    const std::array items{wrong[0], wrong[1], wrong[2], wrong[3], 1};
+    reader.readFetched(places.reader.FileName, settings, items, 0, values, qOK);
+    EXPECT_FALSE(qOK) << wrong[0] << " " << wrong[1] << " " << wrong[3];
   }
 }
 
 TEST_P(RestartForms, LocalGridsFollowTheGlobalOne) {
   auto run = threePhases();
   run.gridEnd = RestartBuilder::GridEnd::OneInteger;
-  run.dualPorosity = true;
   auto& grids = run.steps[0].grids;
-  grids.push_back({"FINE", {3, 1, 1}, 3, {{"PRESSURE", {1, 2, 3}}, {"SWAT", {0, 0, 1}}}, {}});
-  grids.push_back({"ONE", {1, 1, 1}, 1, {{"PRESSURE", {7}}}, {}});
+  grids.push_back({"ONE", {1, 1, 1}, 1, {{"PRESSURE", {7}}, {"SWAT", {1}}}, {}});
   grids.push_back({"NONE", {2, 1, 1}, 2, {}, {}});
   run.steps.push_back(run.steps[0]);
-  run.steps[1].number = 2;
   auto loaded = load(run);
   ASSERT_TRUE(loaded.run()) << loaded.lastDiagnosis().text();
-  for (const auto step : {1, 2}) {
-    EXPECT_THAT(loaded.values("PRESSURE", step, 2), ElementsAre(1, 2, 3));
-    EXPECT_THAT(loaded.names(step, 3), ElementsAre("PRESSURE")) << "the word of ENDLGR is no array";
-    EXPECT_THAT(loaded.names(step, 2), ElementsAre("PRESSURE", "SWAT")) << "SOIL needs SGAS too";
-  }
-  EXPECT_EQ(loaded.reader.RestartSteps()[0].nGrids, 4);
-  EXPECT_EQ(loaded.reader.RestartSteps()[1].nGrids, 3) << "a last grid without arrays goes at the file's end";
+  EXPECT_THAT(loaded.names(1, 2), ElementsAre("PRESSURE", "SWAT")) << "ENDLGR is no array; SOIL needs SGAS";
+  EXPECT_EQ(loaded.reader.RestartSteps()[0].nGrids, 3);
+  EXPECT_EQ(loaded.reader.RestartSteps()[1].nGrids, 2) << "a last grid without arrays goes at the file's end";
   ASSERT_TRUE(loaded.fetch(1, 2));
-  EXPECT_EQ(ExtractAttribute(attributeLGRName, loaded.headers, 1), "FINE");
-  EXPECT_EQ(loaded.source(33), Variant(true)) << "as the global grid";
+  EXPECT_EQ(ExtractAttribute(attributeLGRName, loaded.headers, 1), "ONE");
+  EXPECT_FALSE(loaded.fetch(1, 3));
   EXPECT_FALSE(loaded.fetch(1, 4));
-  EXPECT_FALSE(loaded.fetch(1, 5));
   EXPECT_THAT(loaded.faults, ElementsAre(HasSubstr("(No.9)")));
 }
 
@@ -194,28 +178,18 @@ TEST_P(RestartForms, OnlyArraysOfTheGridAreKept) {
 }
 
 TEST_P(RestartForms, PatternsChooseArrays) {
-  struct Row {
-    const char* only;
-    const char* except;
-    std::vector<std::string> names;
-    std::vector<std::string> unmatched = {};
-  };
-  for (const auto& row :
-       {Row{"pres*, SGAS,RS", "", {"PRESSURE", "SGAS"}, {"RS"}}, Row{"", "S*", {"PRESSURE", "FIPNUM"}},
-        Row{"SOIL", "", {"SWAT", "SGAS", "SOIL"}}, Row{"S?A?", "", {"SWAT", "SGAS"}}}) {
+  const std::tuple<const char*, const char*, std::vector<std::string>> rows[] = {
+      {"pres*, SGAS,RS", "", {"PRESSURE", "SGAS"}},
+      {"", "S*", {"PRESSURE", "FIPNUM"}},
+      {"SOIL", "", {"SWAT", "SGAS", "SOIL"}}};
+  for (const auto& [only, except, names] : rows) {
     auto loaded = load(threePhases());
-    loaded.reader.zOnly = row.only;
-    loaded.reader.zExcept = row.except;
+    loaded.reader.zOnly = only;
+    loaded.reader.zExcept = except;
     ASSERT_TRUE(loaded.run());
-    EXPECT_EQ(loaded.names(), row.names) << row.only;
-    EXPECT_EQ(loaded.reader.UnmatchedPatterns(), row.unmatched);
+    EXPECT_EQ(loaded.names(), names) << only;
+    EXPECT_EQ(loaded.reader.UnmatchedPatterns().size(), names.front() == "PRESSURE" && *only ? 1U : 0U);
   }
-  auto listed = load(threePhases());
-  listed.reader.bOnly = ByteTable(onlyWidth, 1);
-  listed.reader.bOnly.put(1, 1, onlyNameWidth, "PRESSURE");
-  listed.reader.qOnly = true;
-  ASSERT_TRUE(listed.run());
-  EXPECT_THAT(listed.names(), ElementsAre("PRESSURE"));
 }
 
 TEST_P(RestartForms, TheMissingSaturationFollowsFromThePhases) {
@@ -238,18 +212,6 @@ TEST_P(RestartForms, TheMissingSaturationFollowsFromThePhases) {
     EXPECT_EQ(loaded.names(), kept) << phases;
     if (kept.size() == given.size()) continue;
     EXPECT_THAT(loaded.values(kept.back()), ElementsAre(0.75F, 1, 0, 0));
-  }
-}
-
-TEST_P(RestartForms, AShortHeaderTakesTheStepFromElsewhere) {
-  auto run = threePhases();
-  run.headerWords = 60;
-  run.steps[0].number = 7;
-  for (const bool unified : {true, false}) {
-    RestartLoad loaded(run.write(folder_, "RUN", form_, unified));
-    ASSERT_TRUE(loaded.run());
-    EXPECT_THAT(loaded.steps(), ElementsAre(7));
-    EXPECT_EQ(loaded.reader.RestartGrid(1, 1)->iDay, -1);
   }
 }
 
@@ -311,6 +273,12 @@ TEST_P(RestartForms, WhatCannotBeReadSaysWhere) {
   EXPECT_THAT(strange.steps(), ElementsAre(1)) << "the steps before stay";
   EXPECT_EQ(strange.lastDiagnosis().keyword, "STRANGE");
   EXPECT_EQ(strange.lastDiagnosis().occurrence, 2);
+
+  test::writeFile(folder_.file("NOTE.UNRST"), test::bytesOf("no record file"));
+  strange.reader.FileName = folder_.file("NOTE.UNRST");
+  EXPECT_FALSE(strange.run());
+  EXPECT_TRUE(strange.steps().empty()) << "nothing of the file before";
+  EXPECT_FALSE(strange.fetch(1));
 }
 
 }  // namespace

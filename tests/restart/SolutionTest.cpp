@@ -1,10 +1,11 @@
 #include <filesystem>
-#include <fstream>
 #include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "cli/CommandRun.h"
+#include "restart/MarkerTable.h"
 #include "support/Paths.h"
 #include "support/RestartBuilder.h"
 #include "support/RestartLoad.h"
@@ -18,31 +19,6 @@ using test::RestartLoad;
 using test::TemporaryFolder;
 using ::testing::ElementsAre;
 
-/// The solution arrays of a table that an independent reader made, step by step.
-struct ExpectedArray {
-  std::string name;
-  double least = 0;
-  double most = 0;
-  double sum = 0;
-};
-std::vector<std::vector<ExpectedArray>> expectedSteps(const std::string& file) {
-  std::vector<std::vector<ExpectedArray>> steps;
-  std::ifstream in(examplePath("/data/expected/") + file + ".records.csv");
-  std::string line;
-  bool solution = false;
-  while (std::getline(in, line)) {
-    const auto fields = split(trim(line), ',');
-    if (fields[0] == "ENDSOL") solution = false;
-    if (solution) {
-      steps.back().push_back({fields[0], std::stod(fields[3]), std::stod(fields[4]), std::stod(fields[5])});
-    }
-    if (fields[0] != "STARTSOL") continue;
-    solution = true;
-    steps.emplace_back();
-  }
-  return steps;
-}
-
 struct Sample {
   const char* folder;
   const char* file;
@@ -50,34 +26,34 @@ struct Sample {
 };
 class RestartSamples : public ::testing::TestWithParam<Sample> {};
 
+/// Compares with tables of the records that an independent reader made.
 TEST_P(RestartSamples, HoldWhatTheIndependentReaderFound) {
   const auto& [folder, file, step] = GetParam();
   RestartLoad load(examplePath("/data/") + folder + "/" + file);
   load.reader.iStart = load.reader.iEnd = step;
   ASSERT_TRUE(load.run()) << load.lastDiagnosis().text();
   EXPECT_TRUE(load.session.diagnoses().empty());
-  const auto expected = expectedSteps(file);
-  ASSERT_EQ(load.steps().size(), expected.size());
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    const auto iSeqnum = static_cast<std::int32_t>(i + 1);
-    const auto* grid = load.reader.RestartGrid(iSeqnum, 1);
-    ASSERT_GE(load.names(iSeqnum).size(), expected[i].size());
-    for (std::size_t k = 0; k < expected[i].size(); ++k) {
-      const auto& wanted = expected[i][k];
-      EXPECT_EQ(load.names(iSeqnum)[k], wanted.name);
-      const auto values = load.reader.RestartValues(iSeqnum, 1, static_cast<std::int32_t>(k + 1));
-      ASSERT_EQ(values.size(), static_cast<std::size_t>(grid->nActive));
-      double sum = 0;
-      for (const float value : values) sum += value;
-      EXPECT_EQ(std::ranges::min(values), static_cast<float>(wanted.least)) << wanted.name;
-      EXPECT_EQ(std::ranges::max(values), static_cast<float>(wanted.most)) << wanted.name;
-      EXPECT_NEAR(sum, wanted.sum, 1e-9 * std::abs(wanted.sum)) << wanted.name;
-    }
-    // What the samples hold beyond that follows from their saturations.
-    for (std::size_t k = expected[i].size(); k < load.names(iSeqnum).size(); ++k) {
-      EXPECT_EQ(load.names(iSeqnum)[k], "SOIL");
-    }
+  const auto records = cli::testing::content(examplePath("/data/expected/") + file + ".records.csv");
+  std::int32_t iStep = 0, iArray = 0;
+  bool solution = false;
+  for (const auto& record : cli::testing::parseCsv(records)) {
+    if (record[0] == "STARTSOL") ++iStep, iArray = 0;
+    const bool array =
+        std::exchange(solution, (solution || record[0] == "STARTSOL") && record[0] != "ENDSOL");
+    if (!array || !solution) continue;
+    ++iArray;
+    ASSERT_LE(static_cast<std::size_t>(iArray), load.names(iStep).size());
+    EXPECT_EQ(load.names(iStep)[static_cast<std::size_t>(iArray) - 1], record[0]);
+    const auto values = load.reader.RestartValues(iStep, 1, iArray);
+    ASSERT_EQ(values.size(), static_cast<std::size_t>(load.reader.RestartGrid(iStep, 1)->nActive));
+    double sum = 0;
+    for (const float value : values) sum += value;
+    EXPECT_EQ(std::ranges::min(values), std::stof(record[3])) << record[0];
+    EXPECT_EQ(std::ranges::max(values), std::stof(record[4])) << record[0];
+    EXPECT_NEAR(sum, std::stod(record[5]), 1e-9 * std::abs(sum)) << record[0];
   }
+  EXPECT_EQ(static_cast<std::size_t>(iStep), load.steps().size());
+  EXPECT_GT(iArray, 0);
 }
 INSTANTIATE_TEST_SUITE_P(Samples, RestartSamples,
                          ::testing::Values(Sample{"ARBOR", "ARBOR.UNRST"}, Sample{"ARBORF", "ARBORF.FUNRST"},
@@ -103,20 +79,16 @@ class RestartSets : public test::OfForm {
 };
 INSTANTIATE_TEST_SUITE_P(Forms, RestartSets, ::testing::ValuesIn(test::everyForm), test::formName);
 
-struct LimitsCase {
-  bool unified;
-  std::int32_t iStart, iEnd;
-  std::vector<std::int32_t> steps;
-};
-
+/// Also of a unified file under a name that is not one of a restart.
 TEST_P(RestartSets, LimitsChooseSteps) {
   const auto run = fourSteps();
-  for (const auto& [unified, iStart, iEnd, steps] :
-       {LimitsCase{true, -1, -1, {0, 2, 5, 9}}, LimitsCase{true, 2, 5, {2, 5}}, LimitsCase{true, 5, 2, {5}},
-        LimitsCase{true, 2, -1, {2}}, LimitsCase{true, -1, 5, {0, 2, 5}}, LimitsCase{true, 3, 4, {}},
-        LimitsCase{true, 6, 99, {9}}, LimitsCase{false, -1, -1, {0, 2, 5, 9}},
-        LimitsCase{false, 2, 5, {2, 5}}, LimitsCase{false, 5, -1, {5}}, LimitsCase{false, 20, 30, {}}}) {
-    RestartLoad load(run.write(folder_, unified ? "ONE" : "MANY", form_, unified));
+  const std::tuple<bool, std::int32_t, std::int32_t, std::vector<std::int32_t>> rows[] = {
+      {true, -1, -1, {0, 2, 5, 9}},  {true, 5, 2, {5}},     {true, 3, 4, {}},   {true, 2, 5, {2, 5}},
+      {false, -1, -1, {0, 2, 5, 9}}, {false, 2, 5, {2, 5}}, {false, 20, 30, {}}};
+  for (const auto& [unified, iStart, iEnd, steps] : rows) {
+    const auto path = run.write(folder_, unified ? "ONE" : "MANY", form_, unified);
+    if (unified) std::filesystem::rename(path, folder_.file("backup.bin"));
+    RestartLoad load(unified ? folder_.file("backup.bin") : path);
     load.reader.iStart = iStart;
     load.reader.iEnd = iEnd;
     ASSERT_TRUE(load.run()) << load.lastDiagnosis().text();
@@ -129,35 +101,12 @@ TEST_P(RestartSets, LimitsChooseSteps) {
   }
 }
 
-TEST_P(RestartSets, FilesThatGoAndNamesThatTellNothingAreNoFailure) {
-  const auto run = fourSteps();
-  const auto first = run.write(folder_, "MANY", form_, false);
-  qvEclipseSOLUTION set;
-  ASSERT_TRUE(set.CheckRESTARTFile(first));
-  bool qOK = false;
-  set.SetMultList(3, {first, folder_.file("GONE.X0001"), first}, qOK);
-  set.iStart = set.iEnd = -1;
-  set.getSOLUTIONData(qOK);
-  EXPECT_TRUE(qOK);
-  EXPECT_EQ(set.NumSequences(), 2);
-
-  const auto odd = folder_.file("backup.bin");
-  std::filesystem::copy_file(run.write(folder_, "ONE", form_), odd);
-  RestartLoad unified(odd);
-  ASSERT_TRUE(unified.run());
-  EXPECT_EQ(unified.steps().size(), 4U);
-  std::filesystem::copy_file(first, odd, std::filesystem::copy_options::overwrite_existing);
-  RestartLoad one(odd);
-  ASSERT_TRUE(one.run());
-  EXPECT_THAT(one.steps(), ElementsAre(0));
-}
-
 TEST_P(RestartSets, ReadOnlyHeaderGivesDatesAndSizes) {
   for (const bool unified : {true, false}) {
     qvEclipseSOLUTION set;
     ASSERT_TRUE(set.CheckRESTARTFile(fourSteps().write(folder_, "RUN", form_, unified)));
     bool qOK = false;
-    set.SetMultList(1, {set.FileName}, qOK);
+    set.SetMultList(2, {set.FileName, folder_.file("GONE.X0001")}, qOK);
     set.iStart = set.iEnd = -1;
     set.ReadOnlyHeader = true;
     set.getSOLUTIONData(qOK);
@@ -174,15 +123,69 @@ TEST_P(RestartSets, ReadOnlyHeaderGivesDatesAndSizes) {
   }
 }
 
-TEST_P(RestartSets, ADeletedStepKeepsItsDate) {
-  RestartLoad load(fourSteps().write(folder_, "RUN", form_));
-  ASSERT_TRUE(load.run());
-  bool qOK = false;
-  load.reader.DeleteRESTARTSEQUENCE(2, qOK);
-  EXPECT_TRUE(qOK);
-  EXPECT_FALSE(load.fetch(2));
-  EXPECT_EQ(load.reader.RestartSteps()[1].zDate, "3 FEB 2020");
-  EXPECT_TRUE(load.fetch(3));
+/// Operations of hosts that read the steps one by one.
+TEST(Solution, AnswersHostsForEachStep) {
+  const TemporaryFolder folder;
+  const auto bytes = fourSteps().bytes(test::bigEndian);
+  const auto path = fourSteps().write(folder, "RUN", test::bigEndian);
+  qvEclipseSOLUTION set;
+  bool qOK = false, qFlag = false;
+  std::vector<std::int32_t> numbers;
+  std::vector<double> times;
+  std::int32_t n = -1, nPerfs = -1;
+  set.GetRestartRecordTimesAndSteps(numbers, times, n, qOK);
+  EXPECT_THAT(numbers, ElementsAre(-32768));
+  ASSERT_TRUE(set.CheckRESTARTFile(path));
+  set.setONLYList({"PRESSURE"}, true, qOK);
+  ByteTable only;
+  set.getbONLYList(only, qFlag, qOK);
+  EXPECT_EQ(trimRight(only.get(1, 1, onlyNameWidth)), "PRESSURE");
+  set.iStart = set.iEnd = -1;
+  set.getSOLUTIONData(qOK);
+  ASSERT_TRUE(qOK);
+  set.GetRestartRecordTimesAndSteps(numbers, times, n, qOK);
+  EXPECT_THAT(numbers, ElementsAre(0, 2, 5, 9));
+  EXPECT_THAT(times, ElementsAre(0, 20, 50, 90));
+  std::array<std::int32_t, 3> date{};
+  set.getRESTARTDate(date[0], date[1], date[2]);
+  EXPECT_THAT(date, ElementsAre(10, 2, 2020));
+
+  const auto& step = set.step(3);
+  ColumnTable<std::int32_t> places;
+  set.getSingleSEQUENCEFODInfo(3, places, qOK);
+  VectorDetails details;
+  step.GetVectorDetails(details, qOK);
+  EXPECT_THAT(details.zVectors, ElementsAre("PRESSURE"));
+  EXPECT_THAT((std::array{details.nNumber[0], details.iType[0], details.iPointer[0], details.iPointerB[0]}),
+              ElementsAre(4, 3, places(3, 1), 0));
+  EXPECT_THAT((std::array{details.dTime[0], double{details.sMin[0]}, double{details.sMax[0]}}),
+              ElementsAre(50, 5, 5));
+  step.getSEQUENCEFODInfo(places, qOK);
+  step.GetINTEHEAD(numbers, qOK);
+  EXPECT_EQ(numbers.at(64), 6) << "day";
+  EXPECT_THAT((std::array{step.Nx(1, qOK), step.Ny(1, qOK), step.Nz(1, qOK), step.Nx(2, qOK)}),
+              ElementsAre(2, 2, 1, -1));
+  step.NumMarkers(1, n, nPerfs, qOK);
+  EXPECT_EQ(n + nPerfs, 0);
+  XYData table;
+  ByteTable headers;
+  SourceData source;
+  MarkerTable markers;
+  set.iGridNumber = 1;
+  set.GetSingleSEQUENCEFOD(3, table, headers, source, markers, n, places, qFlag, qOK);
+  EXPECT_TRUE(qOK && !qFlag && table(1, 1) == 5);
+  set.DeleteSingleSEQUENCE(3, qOK);
+  EXPECT_TRUE(qOK && step.grid(1).arrays.nVectors() == 0);
+  EXPECT_EQ(step.grid(1).zDate, "6 FEB 2020");
+
+  auto cursor = test::cursorOver(bytes, test::bigEndian);
+  qvEclipseSEQUENCE one;
+  one.Unified = true;
+  one.getEclipseSEQUENCE(cursor, qOK);
+  EXPECT_TRUE(qOK && cursor.next()) << "in front of the next SEQNUM";
+  std::vector<std::string> names;
+  one.GetINITVectorList(cursor, n, names, qOK, true);
+  EXPECT_THAT(names, ElementsAre("PRESSURE"));
 }
 
 class PickingDialog final : public LoadDialog {
@@ -218,18 +221,6 @@ TEST_P(RestartSets, ADialogPicksFilesAndASpanOfAUnifiedFile) {
   }
 }
 
-TEST(RestartFiles, OthersAreRefused) {
-  const TemporaryFolder folder;
-  const auto text = folder.file("RUN.UNRST");
-  test::writeFile(text, test::bytesOf("no record file"));
-  for (const auto& file : {text, folder.file("NONE.UNRST"), examplePath("/data/ARBOR/ARBOR.EGRID")}) {
-    RestartLoad load(file);
-    EXPECT_FALSE(load.run());
-    EXPECT_EQ(load.lastDiagnosis().path, file);
-    EXPECT_FALSE(load.reader.CheckECLIPSEFileType(file, 11));
-  }
-}
-
 /// A load writes the index of its set where the host names a folder; the name of the index leads back to
 /// both.
 TEST(Solution, AnIndexIsWrittenAndLeadsToItsSet) {
@@ -251,7 +242,6 @@ TEST(Solution, AnIndexIsWrittenAndLeadsToItsSet) {
 
   std::filesystem::remove(folder.file("RUN.UNRST"));
   EXPECT_FALSE(load.run());
-  EXPECT_TRUE(load.reader.IsInitialised(28));
   load.reader.DeleteObject(28);
   EXPECT_FALSE(load.reader.IsInitialised(28));
 }

