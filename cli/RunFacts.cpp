@@ -44,7 +44,7 @@ void walk(const std::string& path, Console& console, const std::function<void(Re
   } catch (const BadRecord& damage) {
     Diagnosis diagnosis = damage.diagnosis();
     diagnosis.action = "told what stands before it";
-    console.tell(diagnosis);
+    console.session().diagnose(std::move(diagnosis));
   }
 }
 
