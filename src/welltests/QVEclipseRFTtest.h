@@ -94,7 +94,7 @@ class QVEclipseRFTtest {
   std::int32_t nPLTBranches() const { return nPLTBranches_; }
   std::int32_t nICDBranches() const { return nICDBranches_; }
   std::int32_t nICDSegments() const { return nICDSegments_; }
-  std::string dateText() const;  ///< "15 JUL 2003"; empty without a date
+  std::string dateText() const;          ///< "15 JUL 2003"; empty without a date
   float time() const { return sTime_; }  ///< as the file has it
   /// TIME in days, by the unit in WELLETC: laboratory runs have hours.
   double days() const { return static_cast<double>(sTime_) / unitsPerDay(welletc_.textOf(welletcTime)); }
