@@ -100,7 +100,7 @@ void listGrids(const Grids& grids, const GridOptions& options, std::ostream& out
     table->number(countRefined(*grid, refinedCells(grids, iGrid)));
     table->number(grid->connections().size());
     table->text(grid->zGridUnit);
-    const Box box = gridExtent(*grid);
+    const Box box = extentOf(grids, *grid);
     for (const double end : {box.low.x, box.high.x, box.low.y, box.high.y, box.low.z, box.high.z})
       box.empty() ? table->empty() : table->number(static_cast<float>(end));  // as corners are given
     table->text(axesText(*grid));

@@ -1,5 +1,6 @@
 #include "InitFile.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <fmt/format.h>
@@ -45,8 +46,19 @@ void addInitContent(Facts& facts, const std::string& path, Console& console) {
   qvEclipseINIT init(console.session());
   init.LoadData = false;
   init.AcceptDamaged = true;
+  // Damage to records has been reported by the walk that counted them.
+  Session& session = console.session();
+  const auto reported = session.diagnoses();
+  const auto shown = session.diagnosisSink;
+  session.diagnosisSink = [&](const Diagnosis& one) {
+    const bool known = std::ranges::any_of(reported, [&](const Diagnosis& other) {
+      return other.message == one.message && other.path == one.path && other.offset == one.offset;
+    });
+    if (!known && shown) shown(one);
+  };
   bool qOK = init.CheckINITFile(path);
   if (qOK) init.getEclipseINITArrays(qOK);
+  session.diagnosisSink = shown;
   console.checkCancelled();
   if (!qOK) return;
   const auto& flags = init.grid(1).flags;

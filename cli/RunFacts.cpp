@@ -40,7 +40,7 @@ void walk(const RunMember& file, Console& console, const std::function<void(Reco
   } catch (const BadRecord& damage) {
     Diagnosis diagnosis = damage.diagnosis();
     diagnosis.action = "told what stands before it";
-    console.tell(diagnosis);
+    console.session().diagnose(std::move(diagnosis));
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "../record/LoadedFiles.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
@@ -105,6 +106,10 @@ void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>
       cursor_ = std::make_unique<RecordCursor>(std::move(source), form, file);
     }
     cursor_->checkUnchanged();
+    const auto& loaded = session_->part<LoadedFiles>().stamps;
+    if (const auto stamp = loaded.find(file); stamp != loaded.end()) {
+      if (auto change = changedSince(stamp->second, file)) throw BadRecord(std::move(*change));
+    }
     if (header.dataAt > cursor_->fileSize()) {
       throw BadRecord({.message = Message::ArrayBehindEnd,
                        .path = file,

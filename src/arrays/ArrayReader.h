@@ -47,7 +47,8 @@ class ArrayReader {
   /// By a column of a step's fetch-on-demand table, the file that the step was read from, and the settings
   /// that came with it (FORTRAN, Formatted, 4-byte marks, bytes swapped, I/O method 8): elements
   /// [first, first + values.size()). Kinds 2 (integers), 3 and 11 (32-bit floating point) are in the file;
-  /// any other kind, as of a derived array, is a fault.
+  /// any other kind, as of a derived array, is a fault. Fails when the file is not as it was when this
+  /// reader's session loaded it, or when this reader opened it.
   void readFetched(const std::string& file, const std::array<bool, 5>& qFileTypeSettings, FetchColumn column,
                    std::int64_t first, std::span<float> values, bool& qOK);
 

@@ -5,7 +5,10 @@
 #include <string>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "../arrays/ActiveCells.h"
+#include "../index/SectionTracker.h"
 #include "qvGridProcessor.h"
 
 namespace lumbarn {
@@ -23,6 +26,30 @@ std::int32_t word(const std::vector<std::int32_t>& words, std::size_t n) {
 }  // namespace
 
 bool EGridRecords::read() {
+  for (;;) {
+    try {
+      return readOn();
+    } catch (BadRecord& damage) {
+      if (!continueBehind(damage.diagnosis())) throw;
+    }
+  }
+}
+
+/// False when no record follows. Without the global grid, local grids have no place.
+bool EGridRecords::continueBehind(Diagnosis& diagnosis) {
+  if (set_.grids.empty()) return false;
+  const std::string name = set_.current().zName;
+  if (!passDamage(set_.cursor(), diagnosis)) return false;
+  diagnosis.path = set_.cursor().path();
+  diagnosis.action = fmt::format("dropped grid {}; {}", name, diagnosis.action);
+  set_.session().diagnose(std::move(diagnosis));
+  set_.passGap();
+  pending_ = {};
+  damaged_ = afterGap_ = true;
+  return true;
+}
+
+bool EGridRecords::readOn() {
   RecordCursor& cursor = set_.cursor();
   Session& session = set_.session();
   while (cursor.next()) {
@@ -42,6 +69,9 @@ bool EGridRecords::read() {
 bool EGridRecords::take() {
   const RecordHeader& header = set_.cursor().header();
   const auto& keyword = header.keyword;
+  // What belongs to the grid that the damage is in, or to one whose beginning it hides.
+  afterGap_ = afterGap_ && keyword != "LGR" && !keyword.starts_with("NNCHEAD");
+  if (afterGap_) return true;
   if (keyword == "ENDGRID") return ProcessEGridCorners();
   if (header.is("LGR", ElementType::Text)) {
     if (!finish()) return false;

@@ -13,9 +13,10 @@ namespace lumbarn {
 class EGridRecords {
  public:
   explicit EGridRecords(GridSet& set) : set_(set) {}
-  /// Reads all grids. False when the load is cancelled; whatever is wrong is BadRecord, with the grids before
-  /// it in the set.
+  /// Reads all grids. False when the load is cancelled. A damaged local grid is reported and dropped, and
+  /// reading continues with the next one; any other damage is BadRecord, with the grids before it in the set.
   bool read();
+  bool damaged() const { return damaged_; }  ///< a grid was dropped
 
  private:
   /// What has been read of a grid before its end.
@@ -29,6 +30,8 @@ class EGridRecords {
     std::vector<std::int32_t> coarse;
     std::vector<std::int32_t> hosts;
   };
+  bool readOn();
+  bool continueBehind(Diagnosis& diagnosis);
   bool take();
   void takeFileHead();
   void takeGridHead();
@@ -43,6 +46,8 @@ class EGridRecords {
 
   GridSet& set_;
   std::int32_t dualPorosity_ = 0;
+  bool damaged_ = false;
+  bool afterGap_ = false;  // the next record that begins a section is still to come
   Pending pending_;
 };
 

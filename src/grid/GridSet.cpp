@@ -64,6 +64,12 @@ void GridSet::complete() {
   start(zName);
 }
 
+void GridSet::passGap() {
+  gap_ = true;
+  firstKeyword_.clear();
+  start({});
+}
+
 bool GridSet::takeShared() {
   static constexpr PairRecord pairs[] = {{"NNC1", "NNC2", GridConnection::Kind::Inside},
                                          {"NNCL", "NNCG", GridConnection::Kind::LocalGlobal},
@@ -140,10 +146,12 @@ void GridSet::takeConnections(const PairRecord& record, bool second) {
   }
   const auto& ends1 = second ? firstCells_ : cells;
   const auto& ends2 = second ? cells : firstCells_;
+  std::int32_t iGrid1 = connected_[0];
   const std::int32_t iGrid2 = record.kind == GridConnection::Kind::Inside ? connected_[0] : connected_[1];
+  if (gap_ && std::max(iGrid1, iGrid2) > 1) iGrid1 = 0;  // unknown, which is reported once
   const std::size_t count = std::min(ends1.size(), ends2.size());
   for (std::size_t n = 0; n < count; ++n) {
-    connections_.push_back({record.kind, connected_[0], ends1[n], iGrid2, ends2[n]});
+    connections_.push_back({record.kind, iGrid1, ends1[n], iGrid2, ends2[n]});
   }
   firstKeyword_.clear();
 }

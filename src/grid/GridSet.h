@@ -41,6 +41,9 @@ class GridSet {
   bool sized() const { return current_->Nx() > 0; }
   /// The current grid is complete.
   void complete();
+  /// The current grid is dropped for damage. Numbers of local grids in connections no longer tell which grids
+  /// are meant.
+  void passGap();
 
   /// Records that can stand in both kinds of file: MAPAXES, MAPUNITS, GRIDUNIT, LGRPARNT and those of
   /// connections. False when the cursor's record is none of them.
@@ -94,6 +97,7 @@ class GridSet {
   std::vector<std::int32_t> firstCells_;  // of the pair record whose second part is to come
   std::string firstKeyword_;
   std::array<std::int32_t, 2> connected_{1, 1};  // grids that the next connections join
+  bool gap_ = false;
   std::vector<GridConnection> connections_;
   std::optional<std::uint64_t> connectionsAt_;  // byte of the first record of connections
   std::uint64_t sizesAt_ = 0;                   // byte of the record with the sizes of the current grid

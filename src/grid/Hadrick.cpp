@@ -274,10 +274,4 @@ void Hadrick::fillFromRows(std::int32_t iFirst, std::span<float> rows, const Map
   }
 }
 
-std::size_t Hadrick::memoryUsed() const {
-  const std::size_t words = numbers_.size() + cells_.size() + pillars_.size() + depths_.values().size() +
-                            cellRows_.values().size() + hostCells_.size() + reservoirOfLayer_.size();
-  return 4 * words + connections_.size() * sizeof(GridConnection) + coarse_.size() * sizeof(CoarseBlock);
-}
-
 }  // namespace lumbarn

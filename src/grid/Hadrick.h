@@ -148,7 +148,6 @@ class Hadrick : public GridFacts {
   }
   /// Active number of each cell, 0 or below when inactive; empty when all are active.
   std::span<const std::int32_t> activeNumbers() const { return numbers_; }
-  std::size_t memoryUsed() const;
 
   // --- Building, by readers. Arrays that do not go with the sizes are Fault 9.
   /// Forgets arrays that were there. Fault 6 when a size is below 1 or the cells cannot be numbered with 32
@@ -166,7 +165,6 @@ class Hadrick : public GridFacts {
   void setCellRows(XYData rows, bool compressed);
   void setHostCells(std::vector<std::int32_t> iHost);
   void addConnection(const GridConnection& connection) { connections_.push_back(connection); }
-  void setConnections(std::vector<GridConnection> connections) { connections_ = std::move(connections); }
   /// Makes each block one cell: active when one of its cells is. The grid must not be compressed; a block is
   /// Fault 9 when its box does not lie in the grid or does not begin with its cell.
   void setCoarse(std::vector<CoarseBlock> blocks);

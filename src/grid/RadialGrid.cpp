@@ -1,10 +1,12 @@
 #include "RadialGrid.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
 
+#include "CellGeometryOfGrid.h"
 #include "Refinement.h"
 
 namespace lumbarn {
@@ -71,6 +73,31 @@ RadialCenter radialCenter(std::span<const std::shared_ptr<Hadrick>> grids, const
   Middle middle(parent);
   for (const std::int32_t iCell : hosts) middle.add(iCell, hostsI, hostsJ);
   return middle.center();
+}
+
+Box extentOf(std::span<const std::shared_ptr<Hadrick>> grids, const Hadrick& grid) {
+  if (!isRadial(grid)) return gridExtent(grid);
+  constexpr double quarter = circle / 4;
+  const RadialCenter center = radialCenter(grids, grid);
+  Box all;
+  forEachCell(grid, CellChoice::Active, [&](std::int32_t, CellCorners corners) {
+    for (const std::size_t n : {0U, 1U, 4U, 5U}) {  // sides along theta, from corner n to corner n + 2
+      const float* from = corners.data() + 3 * n;
+      const float* to = from + 6;
+      const auto add = [&](const float* corner, double theta) {
+        const Point point = cylinderPoint(center, corner[0], theta, corner[2], theta);
+        if (std::isfinite(point.x + point.y + point.z)) all.add({point, point});
+      };
+      add(from, from[1]);
+      add(to, to[1]);
+      const double low = std::min(from[1], to[1]), high = std::max(from[1], to[1]);
+      if (!(high - low <= circle) || !std::isfinite(high)) continue;
+      // An arc reaches farthest at multiples of 90 degrees.
+      for (double theta = std::ceil(low / quarter) * quarter; theta <= high; theta += quarter)
+        add(from, theta);
+    }
+  });
+  return all;
 }
 
 Point cylinderPoint(const RadialCenter& center, double r, double theta, double z, double firstAngle) {

@@ -24,6 +24,9 @@ inline bool isRadial(const Hadrick& grid) { return grid.iGridType == 3; }
 /// file.
 RadialCenter radialCenter(std::span<const std::shared_ptr<Hadrick>> grids, const Hadrick& grid);
 
+/// The box in x, y and z around the active cells of a grid of either type; `grids` are all grids of the file.
+Box extentOf(std::span<const std::shared_ptr<Hadrick>> grids, const Hadrick& grid);
+
 /// A corner of a radial grid in x, y and z. Angles that are a full circle apart give the same point to the
 /// last bit: those within a thousandth of a degree of `firstAngle`, or of it plus 360, count as equal to it.
 Point cylinderPoint(const RadialCenter& center, double r, double theta, double z, double firstAngle);

@@ -78,7 +78,7 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
   const GridReadOptions options{HPGFolder, byteSwap, CompressOnLoad && !Formatted, NoInactive, Coarsened};
   GridSet set(cursor, options, *session_);
   GridRecords cells(set, source);
-  bool whole = false;
+  bool whole = false, passed = false;
   // Keeps the complete grids; says how many there are.
   const auto keep = [&](bool damaged) {
     qDamaged = damaged;
@@ -88,7 +88,9 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
     return fmt::format("kept {} {}", nGrids, nGrids == 1 ? "grid" : "grids");
   };
   try {
-    whole = FileType == egridFile ? EGridRecords(set).read() : cells.read();
+    EGridRecords arrays(set);
+    whole = FileType == egridFile ? arrays.read() : cells.read();
+    passed = arrays.damaged();
     if (whole && set.grids.empty()) set.fail(Message::GridMissing, "a grid", "none");
     cursor.checkUnchanged();
   } catch (const LoadCanceled&) {
@@ -111,8 +113,8 @@ bool qvGRIDReader::readRecords(std::shared_ptr<const ByteSource> source) {
                                  .action = keep(true)});
     throw;
   }
-  keep(false);
-  return whole;
+  keep(passed);
+  return whole && !passed;
 }
 
 void qvGRIDReader::setRead() {

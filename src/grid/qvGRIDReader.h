@@ -38,7 +38,7 @@ class qvGRIDReader : public FormFlags {
   /// False.
   bool CompressOnLoad = false;
   bool NoInactive = false;  ///< all cells of a GRID file count as active
-  bool qDamaged = false;    ///< the last read met damage; xGrids has what was whole before it
+  bool qDamaged = false;    ///< the last read met damage; xGrids has the grids that are complete
 
   /// True when the first record is DIMENS, or FILEHEAD. Sets the form and remembers the name; on False the
   /// object is as it was.

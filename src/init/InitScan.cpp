@@ -10,6 +10,7 @@
 #include "../index/RestartIndex.h"
 #include "../index/SectionTracker.h"
 #include "../record/ByteSource.h"
+#include "../record/LoadedFiles.h"
 #include "../shapes/OnlyList.h"
 #include "../support/Dates.h"
 #include "../support/Diagnosis.h"
@@ -76,8 +77,9 @@ void qvEclipseINIT::setINITFileTypeProps(cFILETYPE& cFile, bool& qOK) const {
   qOK = true;
 }
 
-/// Null, with a diagnosis, when the file cannot be opened.
-std::unique_ptr<RecordCursor> qvEclipseINIT::open() const {
+/// Null, with a diagnosis, when the file cannot be opened. Throws BadRecord when it is no longer the file
+/// that was loaded.
+std::unique_ptr<RecordCursor> qvEclipseINIT::open() {
   std::string why;
   std::shared_ptr<const ByteSource> source = FileSource::open(FileName, why);
   if (!source) {
@@ -87,6 +89,11 @@ std::unique_ptr<RecordCursor> qvEclipseINIT::open() const {
   cFILETYPE cFile(*session_);
   bool qSet = false;
   setINITFileTypeProps(cFile, qSet);
+  if (stamp_) {
+    if (auto change = changedSince(*stamp_, FileName)) throw BadRecord(std::move(*change));
+  } else {
+    stamp_ = source->stamp();
+  }
   auto cursor = std::make_unique<RecordCursor>(std::move(source), cFile.form(), FileName);
   cursor->attach(*session_, RecordFile::Init);
   return cursor;
@@ -366,6 +373,7 @@ void qvEclipseINIT::reset() {
   iHeader.clear();
   qHaveDate = qTABDIMS = qTAB = qHaveTables_ = qFlagsKnown_ = qDamaged = unreadable_ = false;
   nSEQNUM = 0;
+  stamp_.reset();
   xTAB.clear();
 }
 
@@ -384,14 +392,15 @@ void qvEclipseINIT::getEclipseINITArrays(bool& qOK) {
 bool qvEclipseINIT::load() {
   const auto cursor = open();
   if (!cursor) return false;
+  if (stamp_) session_->part<LoadedFiles>().stamps[FileName] = *stamp_;
   Scan scan{*cursor};
   if (!walk(scan)) return false;
   keepArrays();
   SetDates();
   setTableProperties();
   bool qTables = false;
-  xTAB.processTables(qTables);
-  qHaveTables_ = xTAB.nTables() > 0;  // also when one of them does not lie in TAB
+  if (qTAB || !unreadable_) xTAB.processTables(qTables);  // without TAB the damage is all there is to report
+  qHaveTables_ = xTAB.nTables() > 0;                      // also when one of them does not lie in TAB
   for (auto& grid : tGrids_) {
     if (LoadData && !loadValues(*cursor, grid)) return false;
     if (!grid.arrays.empty()) grid.nVectorsMax = grid.nVectors();

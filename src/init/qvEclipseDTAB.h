@@ -64,7 +64,6 @@ class qvEclipseDTAB {
   void setPhases(std::int32_t nPhases) { iPhases_ = nPhases; }
   void setProgram(std::int32_t iProgram) { iProgram_ = iProgram; }  ///< INTEHEAD word 95; decides units
   void setTableProperties(const TableProperties& properties) { properties_ = properties; }
-  const TableProperties& tableProperties() const { return properties_; }
   /// Builds the list of the tables in use; see `tablesInUse`. Success with nothing in it when there was no
   /// TABDIMS. A table that does not lie in TAB is not added: qOK False, and a diagnosis says which.
   void processTables(bool& qOK);

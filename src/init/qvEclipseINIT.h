@@ -144,7 +144,7 @@ class qvEclipseINIT : public FormFlags {
   void reset();
   bool load();
   void removeScratchFiles();
-  std::unique_ptr<RecordCursor> open() const;
+  std::unique_ptr<RecordCursor> open();
   bool walk(Scan& scan);
   bool takeRecord(Scan& scan);
   void takeInteger(Scan& scan);
@@ -179,8 +179,9 @@ class qvEclipseINIT : public FormFlags {
   Session* session_;
   std::vector<GRIDINFO> tGrids_;
   bool qHaveTables_ = false;
-  bool qFlagsKnown_ = false;  // some word of the global grid's LOGIHEAD is true
-  bool unreadable_ = false;   // damaged in a way that fails the load
+  bool qFlagsKnown_ = false;        // some word of the global grid's LOGIHEAD is true
+  bool unreadable_ = false;         // damaged in a way that fails the load
+  std::optional<FileStamp> stamp_;  // of the file when it was loaded
 };
 
 }  // namespace lumbarn

@@ -61,8 +61,10 @@ constexpr Row egrid[] = {{"FILEHEAD", inte, 1}, {"MAPUNITS", text}, {"MAPAXES", 
                          {"HOSTNUM", inte},     {"LGR", text, 1},   {"LGRPARNT", text},
                          {"NNCHEAD", inte, 1},  {"NNC1", inte},     {"NNC2", inte},
                          {"NNCL", inte},        {"NNCG", inte}};
-constexpr Row wellTest[] = {{"TIME", real, 1}, {"DATE", inte, 3}, {"WELLETC", text, 2}, {"CONIPOS", inte},
-                            {"CONJPOS", inte}, {"CONKPOS", inte}, {"HOSTGRID", text}};
+// Connection indices that are stored as reals are arrays of production logs.
+constexpr Row wellTest[] = {{"TIME", real, 1},        {"DATE", inte, 3},        {"WELLETC", text, 2},
+                            {"CONIPOS", inte | real}, {"CONJPOS", inte | real}, {"CONKPOS", inte | real},
+                            {"HOSTGRID", text}};
 
 std::span<const Row> rowsOf(RecordFile file) {
   switch (file) {

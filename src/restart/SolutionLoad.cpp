@@ -12,6 +12,7 @@
 #include "../files/FileChoice.h"
 #include "../files/FileSets.h"
 #include "../record/ByteSource.h"
+#include "../record/LoadedFiles.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
@@ -126,6 +127,7 @@ bool qvEclipseSOLUTION::readFile(Load& load, std::size_t entry) {
   }
   constexpr std::string_view firstWords[] = {"INTEHEAD", "SEQNUM"};
   const auto detected = detectForm(*source, firstWords);
+  if (const auto stamp = source->stamp()) session_->part<LoadedFiles>().stamps[path] = *stamp;
   RecordCursor cursor(std::move(source), detected ? detected->form : form(), path);
   cursor.attach(*session_, RecordFile::Restart);
   try {

@@ -94,10 +94,7 @@ class QVEclipseRFTtest {
   std::int32_t nPLTBranches() const { return nPLTBranches_; }
   std::int32_t nICDBranches() const { return nICDBranches_; }
   std::int32_t nICDSegments() const { return nICDSegments_; }
-  std::string dateText() const;  ///< "15 JUL 2003"; empty without a date
-  std::int32_t day() const { return iDay_; }
-  std::int32_t month() const { return iMonth_; }
-  std::int32_t year() const { return iYear_; }
+  std::string dateText() const;          ///< "15 JUL 2003"; empty without a date
   float time() const { return sTime_; }  ///< as the file has it
   /// TIME in days, by the unit in WELLETC: laboratory runs have hours.
   double days() const { return static_cast<double>(sTime_) / unitsPerDay(welletc_.textOf(welletcTime)); }
@@ -106,18 +103,12 @@ class QVEclipseRFTtest {
   const std::string& origin() const { return zOrigin_; }    ///< nothing fills it
   std::int32_t testNumber() const { return iTestNumber_; }  ///< within the well, from 1; 0 before numbering
   void setTestNumber(std::int32_t number) { iTestNumber_ = number; }
-  const std::string& gasOilRatioUnits() const { return zGORUnits_; }
   const std::string& wellType() const { return zWellType_; }
   bool qRFT() const { return qRFT_; }
   bool qPLT() const { return qPLT_; }
   bool qSEG() const { return qSEG_; }
-  bool hasPLTBranches() const { return qPLTBranches_; }
-  bool hasICD() const { return qICD_; }
-  const TextArray& welletc() const { return welletc_; }
   const TestTable& rftTable() const { return rft_; }
-  const TestTable& pltTable() const { return plt_; }
   const TestTable& segmentTable() const { return seg_; }
-  const TestTable& branchTable() const { return brn_; }
 
  private:
   // Reading: TestReading.cpp.

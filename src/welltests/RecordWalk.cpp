@@ -11,18 +11,39 @@ bool RecordWalk::skipToTest(Session& session) {
       for (; more(); ahead_ = false) {
         if (header().is("TIME", ElementType::Single)) return true;
       }
-      cursor_.checkUnchanged();
+      checkUnchanged(session);
       return false;
     } catch (BadRecord& damage) {
-      setDamaged();
-      damage.diagnosis().action = "kept the tests before it";
       // Not in the file's content: searching on would only meet it again.
-      const bool system = damage.diagnosis().message == Message::FileRead ||
-                          damage.diagnosis().message == Message::FileChanged;
-      session.diagnose(std::move(damage.diagnosis()));
+      const bool system = damage.diagnosis().message == Message::FileRead;
+      setDamaged(damage, session);
       if (system) return false;
     }
   }
+}
+
+void RecordWalk::checkUnchanged(Session& session) {
+  try {
+    cursor_.checkUnchanged();
+  } catch (BadRecord& change) {
+    setDamaged(change, session);
+  }
+}
+
+void RecordWalk::setDamaged(BadRecord& damage, Session& session) {
+  setDamaged();
+  damage.diagnosis().action = "kept the tests before it";
+  session.diagnose(std::move(damage.diagnosis()));
+}
+
+bool RecordWalk::reportType(Session& session) const {
+  auto report = unexpected(RecordFile::WellTest, header());
+  if (!report || report->message != Message::RecordType) return false;
+  report->path = cursor_.path();
+  report->occurrence = cursor_.occurrence();
+  report->action = "skipped the record";
+  session.diagnose(std::move(*report));
+  return true;
 }
 
 /// Moves to the next sound header. False at the end of the file.

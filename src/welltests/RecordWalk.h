@@ -29,6 +29,10 @@ class RecordWalk {
   /// Moves on until the next record is a TIME of singles, over damage too, which is reported with what is
   /// lost. False when there is none.
   bool skipToTest(Session& session);
+  /// At the end of the file: reports when it is no longer the file that was opened.
+  void checkUnchanged(Session& session);
+  /// Reports the current record when its keyword has another type in files of well tests.
+  bool reportType(Session& session) const;
 
   RecordCursor& cursor() { return cursor_; }
   const RecordHeader& header() const { return cursor_.header(); }
@@ -52,6 +56,7 @@ class RecordWalk {
 
  private:
   bool passDamage(Session& session);
+  void setDamaged(BadRecord& damage, Session& session);
 
   RecordCursor cursor_;
   bool ahead_ = false;

@@ -106,12 +106,14 @@ void QVEclipseRFTtest::readRecord(RecordWalk& reader) {
       }
       break;
     case ElementType::Text:
-      if (keyword == "WELLETC") readWELLETC(cursor);
-      return;
+      if (keyword == "WELLETC") return readWELLETC(cursor);
+      [[fallthrough]];
     default:
+      reader.reportType(*session_);
       return;
   }
-  if (TestTable* table = tableOf(keyword)) addRecord(cursor, *table);
+  TestTable* table = tableOf(keyword);
+  table ? addRecord(cursor, *table) : void(reader.reportType(*session_));
 }
 
 void QVEclipseRFTtest::setDate(RecordCursor& cursor) {

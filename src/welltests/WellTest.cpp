@@ -125,7 +125,9 @@ bool WellTestReader::next(WellTest& test) {
       if (records_->atDamage() && !records_->skipToTest(*session_)) return false;
       std::vector<WellTestColumn> columns;
       if (readTest(test, columns)) return true;
-      if (!records_->atDamage()) return false;
+      if (records_->atDamage()) continue;
+      if (!session_->cancelled()) records_->checkUnchanged(*session_);
+      return false;
     }
   });
   return qOK;
@@ -177,6 +179,8 @@ void WellTestReader::readRecord(WellTest& test, std::vector<std::int32_t>& date,
     test.rawWelletc.width = static_cast<std::size_t>(header.width);
     test.rawWelletc.bytes.resize(static_cast<std::size_t>(header.count) * test.rawWelletc.width);
     cursor.readText(test.rawWelletc.bytes);
+  } else if (records_->reportType(*session_)) {
+    return;
   } else if (auto values = readValues(cursor)) {
     columns.push_back({header.keyword, std::move(*values), header.headerAt});
   }

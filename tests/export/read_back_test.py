@@ -100,12 +100,6 @@ class ReadBack(unittest.TestCase):
         self.check_cells(grid, arrays, list(corners(run)), RIGHT[4:] + RIGHT[:4], -1)
         self.assertGreater(min(arrays["Volume"]), 0)
 
-    def test_steps_one_file_each_formatted(self):
-        run = SAMPLES / "ARBORFM"
-        _, arrays = self.export(run, "--array", "PRESSURE", "--step", 3)
-        _, same = self.export(SAMPLES / "ARBORF", "--array", "PRESSURE", "--step", 3)
-        self.assertEqual(arrays["PRESSURE"], same["PRESSURE"])
-
 
 if __name__ == "__main__":
     unittest.main(argv=[sys.argv[0], "-v"])

@@ -12,35 +12,22 @@ namespace lumbarn::testing {
 /// lean, each its own way, as a share of a cell. `fault`: how far the columns from the middle of I on are
 /// moved down.
 inline Hadrick distortedBlock(std::array<std::int32_t, 3> size, float lean, float fault) {
-  const auto [nx, ny, nz] = std::array{size[0], size[1], size[2]};
+  const auto [nx, ny, nz] = size;
   std::mt19937 random(42);
   std::uniform_real_distribution<float> part(-1, 1);
-  std::vector<float> coord;
-  for (std::int32_t j = 0; j <= ny; ++j) {
-    for (std::int32_t i = 0; i <= nx; ++i) {
-      const float x = 100.0F * static_cast<float>(i) + 15 * part(random);
-      const float y = 100.0F * static_cast<float>(j) + 15 * part(random);
-      coord.insert(coord.end(), {x, y, 1000, x + 100 * lean * part(random), y + 100 * lean * part(random),
-                                 1000 + 10 * static_cast<float>(nz)});
-    }
+  std::vector<float> coord, surfaces, zcorn;
+  for (std::int32_t p = 0; p < (nx + 1) * (ny + 1); ++p) {
+    const float x = 100.0F * static_cast<float>(p % (nx + 1)) + 15 * part(random);
+    const float y = 100.0F * static_cast<float>(p / (nx + 1)) + 15 * part(random);
+    coord.insert(coord.end(), {x, y, 1000, x + 100 * lean * part(random), y + 100 * lean * part(random),
+                               1000 + 10 * static_cast<float>(nz)});
   }
-  const auto across = static_cast<std::size_t>(nx) + 1;
-  std::vector<float> depth(across * (static_cast<std::size_t>(ny) + 1) * (static_cast<std::size_t>(nz) + 1));
-  for (std::size_t n = 0; n < depth.size(); ++n) {
-    const auto layer = n / (across * (static_cast<std::size_t>(ny) + 1));
-    depth[n] = 1000 + 10 * static_cast<float>(layer) + 4 * part(random);
-  }
-  std::vector<float> zcorn;
-  for (std::int32_t k = 0; k < 2 * nz; ++k) {
-    for (std::int32_t j = 0; j < 2 * ny; ++j) {
-      for (std::int32_t i = 0; i < 2 * nx; ++i) {
-        const auto node =
-            static_cast<std::size_t>((i + 1) / 2) +
-            across * (static_cast<std::size_t>((j + 1) / 2) +
-                      (static_cast<std::size_t>(ny) + 1) * static_cast<std::size_t>((k + 1) / 2));
-        zcorn.push_back(depth[node] + (i / 2 >= nx / 2 ? fault : 0));
-      }
-    }
+  for (std::int32_t n = 0; n < (nx + 1) * (ny + 1) * (nz + 1); ++n)
+    surfaces.push_back(1000 + 10 * static_cast<float>(n / ((nx + 1) * (ny + 1))) + 4 * part(random));
+  for (std::int32_t n = 0; n < 8 * nx * ny * nz; ++n) {
+    const std::int32_t i = n % (2 * nx), j = n / (2 * nx) % (2 * ny), k = n / (4 * nx * ny);
+    const std::int32_t node = (i + 1) / 2 + (nx + 1) * ((j + 1) / 2 + (ny + 1) * ((k + 1) / 2));
+    zcorn.push_back(surfaces[static_cast<std::size_t>(node)] + (i / 2 >= nx / 2 ? fault : 0));
   }
   Hadrick grid;
   grid.setSize(nx, ny, nz);

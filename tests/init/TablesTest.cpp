@@ -1,8 +1,4 @@
-#include <algorithm>
-#include <cctype>
 #include <cstdint>
-#include <cstdlib>
-#include <fstream>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -12,9 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "init/qvEclipseDTAB.h"
-#include "record/RecordCursor.h"
 #include "shapes/HeaderLayout.h"
-#include "support/Paths.h"
 
 namespace lumbarn {
 namespace {
@@ -22,78 +16,7 @@ namespace {
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
-
-using Rows = std::vector<std::vector<double>>;
-
-/// The tables of a sample run, read from its two records alone.
-struct SampleTables {
-  SampleTables(const std::string& file, std::int32_t phases, bool dissolvedGas) {
-    std::string why;
-    auto cursor = openRecords(examplePath("/data/") + file, why);
-    while (cursor && cursor->next()) {
-      if (cursor->header().keyword == "TABDIMS") tables.processTABDIMS(cursor->integers(), qOK);
-      if (cursor->header().keyword == "TAB") tables.addDTAB(cursor->doubles(), qOK);
-    }
-    tables.setPhases(phases);
-    tables.setTableProperties({.DissolvedGas = dissolvedGas});
-    tables.processTables(qOK);
-  }
-  Session session;
-  qvEclipseDTAB tables{session};
-  bool qOK = false;
-};
-
-/// The numbers of a keyword of a deck, up to each "/".
-Rows deckRecords(const std::string& file, std::string_view keyword) {
-  std::ifstream deck(examplePath("/data/") + file);
-  Rows records(1);
-  std::string word;
-  while (deck >> word && word != keyword) {
-  }
-  while (deck >> word && std::isalpha(static_cast<unsigned char>(word.front())) == 0) {
-    word == "/" ? records.push_back({}) : records.back().push_back(std::atof(word.c_str()));
-  }
-  std::erase_if(records, [](const auto& record) { return record.empty(); });
-  return records;
-}
-
-TEST(PhysicalTables, AreTheNumbersOfTheDeck) {
-  const struct {
-    const char *run, *table, *keyword;
-    std::size_t width;
-    std::vector<std::size_t> columns;  // those of the deck's rows that the table has
-  } rows[] = {{"ARBOR", "PVDG", "PVDG", 3, {0, 1, 2}},        {"ARBOR", "DENSITY", "DENSITY", 3, {0, 1, 2}},
-              {"ARBOR", "PVTW", "PVTW", 5, {0, 1, 2, 3, 4}},  {"ARBOR", "SWFN", "SWOF", 4, {0, 1, 3}},
-              {"ARBOR", "SGFN", "SGOF", 4, {0, 1, 3}},        {"HOLLIN", "PVDO", "PVDO", 3, {0, 1, 2}},
-              {"HOLLIN", "PVTW", "PVTW", 5, {0, 1, 2, 3, 4}}, {"HOLLIN", "SWFN", "SWOF", 4, {0, 1, 3}}};
-  for (const auto& [run, table, keyword, width, columns] : rows) {
-    const bool gas = std::string_view(run) == "ARBOR";
-    SampleTables sample(fmt::format("{0}/{0}.INIT", run), gas ? 7 : 3, gas);
-    const auto physical = sample.tables.physicalTable(table, 1, 2, sample.qOK);
-    const auto deck = deckRecords(fmt::format("{0}/{0}.DATA", run), keyword).at(0);
-    ASSERT_EQ(physical.columns.size(), columns.size()) << run << table;
-    ASSERT_EQ(physical.rows() * width, deck.size()) << run << table;
-    for (std::size_t at = 0; at < deck.size(); ++at) {
-      const auto column = std::ranges::find(columns, at % width);
-      if (column == columns.end()) continue;
-      const bool small = keyword[0] == 'S' && deck[at] < 1e-6;  // the writer sets such permeabilities to 0
-      const double found =
-          physical.columns[static_cast<std::size_t>(column - columns.begin())].values[at / width];
-      EXPECT_NEAR(found, small ? 0 : deck[at], 1e-7 * std::abs(deck[at])) << run << table << at;
-    }
-  }
-}
-
-TEST(PhysicalTables, ThatAreNotInUseAreNotListed) {
-  SampleTables arbor("ARBOR/ARBOR.INIT", 7, true);
-  std::vector<std::string> names;
-  std::int32_t count = 0;
-  arbor.tables.getTableNames(names, count);
-  EXPECT_THAT(names, ElementsAre("SWFN", "PVTW", "SGFN", "PVDG", "SOF3", "PVTO", "RS", "DENSITY"));
-  EXPECT_THAT(arbor.session.diagnoses(), IsEmpty());
-}
 
 /// TABDIMS with the given words set, from 1.
 std::vector<std::int32_t> words(std::initializer_list<std::pair<int, std::int32_t>> set) {
@@ -158,6 +81,15 @@ TEST_F(Tables, ColumnsOfSeveralTablesAlternateAndBlankRowsGo) {
     get(name, number);
     EXPECT_FALSE(qOK_) << name << number;
   }
+  std::vector<std::int32_t> each;
+  tables_.GetTABDIMS(each);
+  EXPECT_EQ(each, words({{21, 1}, {22, 4}, {23, 1}}));
+  std::vector<std::string> found, parents;
+  tables_.getAllTableProperties(found, parents, each, qOK_);
+  EXPECT_THAT(found, ElementsAre("SWFN"));
+  EXPECT_EQ(tables_.getTableIndex("swfn") + tables_.nSaturationTables() + tables_.nSaturationRows(),
+            1 + 2 + 4);
+  EXPECT_EQ(tables_.nPVTTables() + tables_.nPVTRows() + tables_.nPVTOuterRows(), 0);
 }
 
 TEST_F(Tables, OfAnOuterIndexHaveItsValuesBesideThem) {
@@ -177,6 +109,8 @@ TEST_F(Tables, OfAnOuterIndexHaveItsValuesBesideThem) {
   EXPECT_THAT(values_, ElementsAre(7, -999, 8, -999, 10, 20, 30, 2e20F, 0.5F, 0.25F, 0.2F, 2e20F, 0.25F,
                                    0.125F, 0.1F, 2e20F));
   ByteTable headers;
+  tables_.getTableHeaders("PVTO", 1, headers, qOK_);
+  EXPECT_EQ(ExtractAttribute(attributeVariable, headers, 1), "P");
   tables_.getTableHeaders2D("PVTO", 1, headers, qOK_);
   ASSERT_EQ(headers.entries(), 4u);
   EXPECT_EQ(ExtractAttribute(attributeMember, headers, 1), "RS");
@@ -346,19 +280,13 @@ TEST_F(Tables, OfOneSimulatorHavePressuresAndRatiosInMetricUnits) {
 }
 
 TEST_F(Tables, OfAShortRecordHaveTheWordsThatAreThere) {
-  auto dims = words({{2, 1}, {3, 1}, {12, 3}, {13, 1}});
   for (const std::size_t length : {1, 2, 3, 12, 13, 47}) {
-    qvEclipseDTAB tables(session_);
+    auto dims = words({{2, 1}, {3, 1}, {12, 3}, {13, 1}});
+    dims.resize(length);
     session_.clearDiagnoses();
-    tables.processTABDIMS(std::span(dims).first(length), qOK_);
-    EXPECT_FALSE(qOK_);
-    EXPECT_THAT(session_.diagnoses(), SizeIs(1));
-    tables.addDTAB(std::vector<double>(7, 1), qOK_);
-    tables.setPhases(2);
-    tables.processTables(qOK_);
-    EXPECT_TRUE(qOK_);
-    EXPECT_EQ(tables.getNumberTables("ROCK"), length >= 3 ? 1 : 0) << length;
-    EXPECT_EQ(tables.getNumberTables("PVTW"), length >= 13 ? 1 : 0) << length;
+    build(dims, std::vector<double>(7, 1), 2);
+    EXPECT_EQ(session_.diagnoses().front().found, std::to_string(length));
+    EXPECT_EQ(names(), length >= 13 ? "PVTW ROCK" : length >= 3 ? "ROCK" : "") << length;
   }
 }
 
