@@ -109,10 +109,10 @@ std::string typeNames(Types types) {
 
 }  // namespace
 
-std::optional<Diagnosis> unexpected(RecordFile file, std::uint64_t key, const RecordHeader& header) {
+std::optional<Diagnosis> unexpected(RecordFile file, const RecordHeader& header) {
   const auto rows = rowsOf(file);
   if (rows.empty() || header.keyword.size() > 8) return std::nullopt;
-  const auto row = std::ranges::find(rows, key, &Row::key);
+  const auto row = std::ranges::find(rows, keywordKey(header.keyword), &Row::key);
   if (row == rows.end()) return std::nullopt;
   const auto report = [&header](Message message, std::string expected, std::string found) {
     return Diagnosis{.message = message,

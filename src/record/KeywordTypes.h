@@ -25,7 +25,7 @@ enum class RecordFile : std::uint8_t {
 
 /// The damage that a keyword has a type, or fewer elements, than it has in a file of that type: what is read
 /// of it would be skipped or misread. Gives offset, keyword, expected and found; empty for a keyword without
-/// a row. `key` is that of the header's keyword.
-std::optional<Diagnosis> unexpected(RecordFile file, std::uint64_t key, const RecordHeader& header);
+/// a row.
+std::optional<Diagnosis> unexpected(RecordFile file, const RecordHeader& header);
 
 }  // namespace lumbarn

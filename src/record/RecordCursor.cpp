@@ -56,15 +56,14 @@ bool RecordCursor::next() {
   occurrence_ = 0;
   return located([&] {
     if (!readHeader(start_)) return false;
-    const std::uint64_t key = keywordKey(header_.keyword);
-    occurrence_ = ++met_[key];
+    occurrence_ = ++met_[header_.keyword];
     if (header_.count < 0) {
       throwBadRecord("element count is negative", header_.headerAt, "0 or more",
                      fmt::format("{}", header_.count));
     }
     *layout_ = codec_->locate(*window_, header_);
     next_ = layout_->end;
-    if (auto wrong = unexpected(file_, key, header_)) throw BadRecord(std::move(*wrong));
+    if (auto wrong = unexpected(file_, header_)) throw BadRecord(std::move(*wrong));
     return true;
   });
 }
@@ -84,7 +83,7 @@ void RecordCursor::checkUnchanged() const {
 }
 
 void RecordCursor::unread() {
-  --met_[keywordKey(header_.keyword)];
+  --met_[header_.keyword];
   next_ = header_.headerAt;
 }
 

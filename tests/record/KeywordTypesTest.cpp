@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "record/KeywordCounts.h"
 #include "record/KeywordTypes.h"
 #include "support/Forms.h"
 #include "support/Session.h"
@@ -25,7 +24,7 @@ TEST(KeywordTypes, SayWhatIsUnexpected) {
   for (const auto& [file, keyword, type, count, message] : rows) {
     const RecordHeader header{
         .keyword = keyword, .typeWord = type, .type = typeInfo(type).type, .count = count, .headerAt = 24};
-    const auto report = unexpected(file, keywordKey(keyword), header);
+    const auto report = unexpected(file, header);
     EXPECT_EQ(report ? std::optional<Message>(report->message) : std::nullopt, message)
         << keyword << ' ' << type;
     EXPECT_EQ(report ? report->offset : 24U, 24U);
