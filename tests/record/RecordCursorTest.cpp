@@ -250,7 +250,7 @@ TEST(FormattedRecords, DamageIsNamedWithItsCharacter) {
       {one + std::string(10000, ' '), "(byte 44: "},
       {one + std::string(10000, '\n'), "(byte 44: "},
       {" 'A       '           1 'X231'\n" + one, "X231 count is not negative (A, byte 0"},
-      {" 'B       '          -1 'X231'\n" + one, "no header follows X231 (A"},
+      {" 'B       '          -1 'X231'\n" + one, "no header follows X231 (B"},
       {params + "0.1x000000E+01\n", "PARAMS, occurrence 1, byte 51"},
       {" 'PARAMS  '           3 'REAL'\n   0.5   " + std::string(90, '9') + "E+04\n 0.25\n", "PARAMS, occ"},
       // One field too few on the first line, one too many on the second: the record ends where it should.
