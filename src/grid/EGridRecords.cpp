@@ -39,7 +39,7 @@ bool EGridRecords::read() {
 bool EGridRecords::continueBehind(Diagnosis& diagnosis) {
   if (set_.grids.empty()) return false;
   const std::string name = set_.current().zName;
-  if (!passDamage(set_.cursor(), diagnosis)) return false;
+  if (!passDamage(set_.cursor(), diagnosis, set_.session())) return false;
   diagnosis.path = set_.cursor().path();
   diagnosis.action = fmt::format("dropped grid {}; {}", name, diagnosis.action);
   set_.session().diagnose(std::move(diagnosis));

@@ -183,7 +183,7 @@ class FileWalk {
   bool passed(Builder& builder, Diagnosis diagnosis) {
     index_.whole = false;
     const RecordHeader damaged = cursor_->header();
-    if (const auto gap = passDamage(*cursor_, diagnosis)) {
+    if (const auto gap = passDamage(*cursor_, diagnosis, session_)) {
       builder.passGap(damaged, *gap);
       session_.diagnose(std::move(diagnosis));
       return true;

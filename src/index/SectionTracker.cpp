@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "../support/Session.h"
 #include "RestartIndex.h"
 #include "RestartIndexHeads.h"
 
@@ -70,7 +71,7 @@ void SectionTracker::passGap(const RecordHeader& damaged, const Gap& gap) {
   lost_ = lost_ || (!oneRecord && (!started_ || length > gap.from - start_));
 }
 
-std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis) {
+std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis, Session& session) {
   if (diagnosis.message == Message::FileRead || diagnosis.message == Message::FileChanged)
     return std::nullopt;
   try {
@@ -81,7 +82,9 @@ std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis) {
     diagnosis.cutOff = false;
     diagnosis.action = fmt::format("skipped bytes {} to {}", gap.from, gap.to);
     return gap;
-  } catch (const BadRecord&) {
+  } catch (BadRecord& failure) {
+    failure.diagnosis().action = "looked for no more records behind damage";
+    session.diagnose(std::move(failure.diagnosis()));
     return std::nullopt;
   }
 }

@@ -66,7 +66,7 @@ class SectionTracker {
 };
 
 /// Makes `cursor` continue behind damage and states in `diagnosis` what was passed over. Gives nothing when
-/// no record follows: then the file ends there, or cannot be read.
-std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis);
+/// no record follows: then the file ends there, or cannot be read, which is reported if it is found here.
+std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis, Session& session);
 
 }  // namespace lumbarn

@@ -130,7 +130,7 @@ bool qvEclipseINIT::walk(Scan& scan) {
 
 /// False when no record follows the damage.
 bool qvEclipseINIT::continueBehind(Scan& scan, Diagnosis diagnosis) {
-  const auto gap = passDamage(scan.cursor, diagnosis);
+  const auto gap = passDamage(scan.cursor, diagnosis, *session_);
   scan.afterGap = true;
   std::string action = gap ? diagnosis.action : "kept the arrays before";
   endAtDamage(std::move(diagnosis), std::move(action));

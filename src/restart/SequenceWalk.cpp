@@ -95,7 +95,7 @@ bool qvEclipseSEQUENCE::takeNext(RecordCursor& cFile, Walk& walk) {
   } catch (BadRecord& damage) {
     const RecordHeader damaged = cFile.header();
     const bool complete = isCompleteBeforeDamage(parts(), damaged.keyword, partsBefore);
-    const auto gap = passDamage(cFile, damage.diagnosis());
+    const auto gap = passDamage(cFile, damage.diagnosis(), *session_);
     if (!gap && !complete) throw;
     if (!gap || sections_.beginsAnother(damaged)) {
       damageBehind = std::move(damage.diagnosis());

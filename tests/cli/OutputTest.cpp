@@ -40,27 +40,5 @@ TEST_F(Output, WhatIsReplacedAndOnRequestOnly) {
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }
 
-TEST(ProgressBar, AppearsAfterASecondAndGoesAwayForMessages) {
-  Session session;
-  auto now = Session::Clock::time_point{};
-  session.now = [&now] { return now; };
-  std::ostringstream err;
-  ProgressBar bar(err, session, true);
-  const auto drawn = [&](int milliseconds, double share) {
-    now += std::chrono::milliseconds(milliseconds);
-    bar.fraction(share);
-    return std::exchange(err, std::ostringstream()).str();
-  };
-  bar.files(2);
-  EXPECT_EQ(drawn(0, 0.1), "");
-  EXPECT_EQ(drawn(999, 0.4), "");
-  EXPECT_EQ(drawn(1, 0.5), "\r[##########                              ]  25 %");
-  EXPECT_EQ(drawn(0, 0.6), "") << "drawn too often";
-  bar.fileDone();
-  EXPECT_THAT(drawn(1000, 0), HasSubstr(" 50 %"));
-  for (int time = 0; time < 2; ++time) bar.hide();
-  EXPECT_EQ(err.str(), "\r\033[K");
-}
-
 }  // namespace
 }  // namespace lumbarn::cli::testing

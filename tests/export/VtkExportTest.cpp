@@ -57,40 +57,6 @@ CellArray numbered(const std::string& name, bool changes) {
           .changes = changes};
 }
 
-TEST_F(VtkExport, StepsShareOneGeometry) {
-  Hadrick grid = distortedBlock({2, 2, 2}, 0.1F, 0);
-  grid.setActive({1, 1, 0, 1, 1, 1, 1, 0});
-  const CellArray arrays[] = {numbered("1/BO", true), numbered("FIXED", false)};
-  ASSERT_TRUE(write(grid, arrays, {.times = {0, 31.5}}));
-  EXPECT_THAT(read<std::int32_t>("CellData/CELL"), ElementsAre(1, 2, 4, 5, 6, 7));
-  EXPECT_THAT(read<std::int64_t>("Offsets"), ElementsAre(0, 8, 16, 24, 32, 40, 48));
-  EXPECT_THAT(read<double>("CellData/1_BO"),
-              ElementsAre(0, 1, 2, 3, 4, 5, 1000, 1001, 1002, 1003, 1004, 1005));
-  EXPECT_THAT(read<double>("CellData/FIXED"), ElementsAre(0, 1, 2, 3, 4, 5));
-  EXPECT_THAT(read<double>("Steps/Values"), ElementsAre(0, 31.5));
-  EXPECT_THAT(read<std::int64_t>("Steps/CellDataOffsets/1_BO"), ElementsAre(0, 6));
-  for (const char* constant : {"CellDataOffsets/FIXED", "CellDataOffsets/I", "PartOffsets", "PointOffsets",
-                               "CellOffsets", "ConnectivityIdOffsets"}) {
-    EXPECT_THAT(read<std::int64_t>(std::string("Steps/") + constant), ElementsAre(0, 0)) << constant;
-  }
-  // Of 27 nodes that 8 cells share, the active ones leave out two that only inactive cells have.
-  EXPECT_THAT(read<std::int64_t>("NumberOfPoints"), ElementsAre(25));
-}
-
-TEST_F(VtkExport, SeveralPiecesAreOneGrid) {
-  const Hadrick grid = distortedBlock({100, 100, 8}, 0, 0);
-  ASSERT_TRUE(write(grid));
-  const auto points = read<float>("Points");
-  const auto connectivity = read<std::int64_t>("Connectivity");
-  ASSERT_EQ(points.size(), 3 * 101 * 101 * 9);
-  constexpr std::array<std::size_t, 8> order{0, 1, 3, 2, 4, 5, 7, 6};
-  for (std::size_t n = 0; n < connectivity.size(); n += 7) {
-    const auto row = test::cornersOf(grid, static_cast<std::int32_t>(n / 8) + 1);
-    const auto at = points.begin() + 3 * connectivity[n];
-    ASSERT_TRUE(std::equal(at, at + 3, &row[3 * order[n % 8]])) << n;
-  }
-}
-
 TEST_F(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
   std::ofstream(path) << "before";
   const Hadrick grid = distortedBlock({2, 2, 2}, 0, 0);

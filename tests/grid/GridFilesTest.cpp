@@ -306,20 +306,6 @@ TEST(OldGridFiles, BadRecordsEndTheReadAndOthersAreTaken) {
   }
 }
 
-TEST(OldGridFiles, AGridWithoutActiveCellsEndsTheRead) {
-  GridBuilder builder;
-  builder.grids[0].activity.assign(12, 0);
-  builder.grids.push_back({.name = "LOCAL"});
-  GridLoad load(false);
-  EXPECT_TRUE(load.read(builder.grid(bigEndian), bigEndian));
-  EXPECT_EQ(load.reader.nGrids, 1);
-  EXPECT_THAT(load.lastDiagnosis().text(), HasSubstr("no active cell"));
-  load.reader.NoInactive = true;
-  EXPECT_TRUE(load.read(builder.grid(bigEndian), bigEndian));
-  EXPECT_EQ(load.grid().nActive(), 12);
-  EXPECT_EQ(load.reader.nGrids, 2);
-}
-
 }  // namespace
 
 }  // namespace lumbarn::test

@@ -94,17 +94,6 @@ TEST_P(IndexOfForm, OfARestartSaysWhatAWalkSays) {
   }
 }
 
-TEST_P(IndexOfForm, OfAnInitFileKeepsThePasses) {
-  writeFile(folder_.file("R.INIT"), run_.init(form_));
-  RoundTrip trip;
-  trip.run({folder_.file("R.INIT")}, folder_.file("R.INSPEC"), true);
-  if (HasFatalFailure()) return;
-  std::vector<std::string> grids;
-  for (const auto& group : trip.read.steps[0].groups) grids.push_back(group.grid);
-  EXPECT_THAT(grids, ::testing::ElementsAre("", "LGR1", "NEAR WELL", "", "LGR1", "NEAR WELL", ""));
-  EXPECT_EQ(trip.read.steps[0].groups[4].cells.active, 4) << "from the header of the first pass";
-}
-
 /// One fault that makes an index another one than that of its files.
 struct Fault1 {
   const char* name;

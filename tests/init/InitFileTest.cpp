@@ -61,29 +61,6 @@ class Loaded {
   bool qOK = false;
 };
 
-TEST(InitLoad, EveryArrayOfSeveralPassesEndsOnItsGrid) {
-  Loaded file(test::twoLocalGrids(test::bigEndian));
-  ASSERT_TRUE(file.qOK);
-  EXPECT_THAT(file.session.diagnoses(), IsEmpty());
-  ASSERT_EQ(file.init.nGrids(), 3);
-  EXPECT_EQ(file.arrays(1),
-            "PORV=10,30,40,60 DEPTH=1,3,4,6 PORO=5,6,7,8 PVTNUM=1,1,2,2 SATNUM=1,3,4,6 FIPNUM=9,8,7,6");
-  EXPECT_EQ(file.arrays(2), "PORV=1,2,3,4 PORO=11,12,13,14 PVTNUM=3,3,4,4");
-  EXPECT_EQ(file.arrays(3), "PORV=5,6 DR=21,22 DTHETA=23,24 PERMR=25,26 PVTNUM=5,6");
-  EXPECT_EQ(file.arrays(1), file.arrays(1)) << "a fetch moves the values out, the next reads them again";
-  const auto& ring = file.init.grid(file.init.GridNumber("RING"));
-  EXPECT_TRUE(ring.flags.qRadial);
-  EXPECT_TRUE(ring.flags.DualPorosity) << "as the first grid's";
-  EXPECT_EQ(ring.zDate, "7 FEB 1999");
-  EXPECT_EQ(file.init.xTAB.getNumberTables("DENSITY"), 1);
-  std::vector<std::int32_t> a2n;
-  file.init.GetA2N(a2n, file.qOK, 1);
-  EXPECT_THAT(a2n, ElementsAre(1, 3, 4, 6));
-  std::vector<float> all;
-  file.init.GetArray(1, 5, true, all, file.qOK);
-  EXPECT_THAT(all, ElementsAre(1, -999, 3, 4, -999, 6));
-}
-
 TEST(InitLoad, ConnectionArraysStandByKind) {
   const std::tuple<std::int32_t, std::int32_t, std::vector<float>, std::string> rows[] = {
       {1, 1, {0.5F, 0.25F, 0.125F}, "NNC"},
@@ -244,26 +221,6 @@ TEST(InitLoad, SelectionKeepsPoreVolumesForTheNumbering) {
   std::vector<std::string> names;
   file.init.GetInitVectorList(count, names, file.qOK, true);
   EXPECT_THAT(names, ElementsAre("DEPTH")) << "up to the first local grid";
-}
-
-TEST(InitLoad, ArraysThatDoNotFitAreDroppedAndTold) {
-  const InitHead head{.Nx = 3, .Ny = 2, .nActive = 4};
-  const struct {
-    std::vector<float> porv;
-    std::string arrays, told;
-  } rows[] = {{{1, 1, 1, 1, 1}, "PORO=5,6,7,8", "PORV"},
-              {{1, 1, 1, 1}, "PORV=1,1,1,1 PORO=5,6,7,8", "DEPTH"},
-              {{1, 0, 1, 1, 0, 0}, "PORO=5,6,7,8", "expected 4 cells with pore volume, found 3"},
-              {{9, 8, 7, 6, 5, 0}, "PORV=9,8,7,6 DEPTH=1,2,3,4 PORO=5,6,7,8", "took the first ones"}};
-  for (const auto& [porv, arrays, told] : rows) {
-    InitBuilder bytes(test::bigEndian);
-    bytes.head(head).singles("PORV", porv).singles("DEPTH", {1, 2, 3, 4, 5, 6});
-    Loaded file(bytes.singles("PORO", {5, 6, 7, 8}).singles("SHORT", {1, 2}).bytes());
-    EXPECT_TRUE(file.qOK) << told;
-    EXPECT_EQ(file.arrays(1), arrays) << told;
-    ASSERT_FALSE(file.session.diagnoses().empty()) << told;
-    EXPECT_THAT(file.session.diagnoses().front().text(), HasSubstr(told));
-  }
 }
 
 /// Of more than 2^31 cells; their product fits into 64 bits in any sound file.

@@ -133,33 +133,6 @@ TEST_F(Tables, WithAnOuterIndexOfSeveralRegionsAlternate) {
             "PG=50,80,80 BARSA, RV=0.6,0.7,0 SM3/SM3, BG=1,8,10 RM3/SM3, MUG=1,0.5,0.1 CP");
 }
 
-/// Tables that no sample run has: the second of two regions, TAB counting up from 1.
-TEST_F(Tables, StandWhereTheirWordsSay) {
-  const struct {
-    const char* name;
-    std::initializer_list<std::pair<int, std::int32_t>> set;
-    std::int32_t iUnits;
-    std::string columns;
-  } rows[] = {
-      {"ROCK", {{2, 1}, {3, 2}}, 4, "PREF=2 ATMA, CR=4 1/ATM"},
-      {"ROCKTAB", {{4, 1}, {5, 2}, {6, 2}}, 3, "P=3,4 ATMA, PVMULT=7,8, TRMULT=11,12"},
-      {"DENSITY", {{19, 1}, {20, 2}}, 3, "OIL=2 GM/CC, WATER=4 GM/CC, GAS=6 GM/CC"},
-      {"RSVD", {{33, 1}, {34, 2}, {35, 2}}, 2, "DEPTH=3,4 FT, RS=7,8 MSCF/STB"},
-      {"RVVD", {{36, 1}, {37, 2}, {38, 2}}, 2, "DEPTH=3,4 FT, RV=7,8 STB/MSCF"},
-      {"EQUIL",
-       {{31, 1}, {32, 2}},
-       1,
-       "DEPTH=2 M, P=4 BARSA, WOC=6 M, PCOW=8 BARS, GOC=10 M, PCOG=12 BARS, RSTYPE=14, RVTYPE=16, "
-       "ACCURACY=18, ITEM10=20"},
-  };
-  std::vector<double> tab(20);
-  std::iota(tab.begin(), tab.end(), 1);
-  for (const auto& [name, set, iUnits, columns] : rows) {
-    build(words(set), tab, 7, {.RockCompaction = name == std::string("ROCKTAB")});
-    EXPECT_EQ(shown(name, 2, iUnits), columns);
-  }
-}
-
 TEST_F(Tables, TheFifthColumnOfWaterIsMadePhysicalOnlyWithoutDefault) {
   build(words({{12, 1}, {13, 1}}), {200, 0.5, 4, 2, 3}, 2);
   tables_.getTable2d("PVTW", 1, values_, sizes_, nDims_, qOK_, false);

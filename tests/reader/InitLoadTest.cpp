@@ -65,25 +65,6 @@ TEST_F(InitOperations, FetchTheChosenGrid) {
   EXPECT_FALSE(reader_.IsInitialised(15) || reader_.Oil() || reader_.IsINITTableData());
 }
 
-TEST_F(InitOperations, ChooseArraysByEachKindOfList) {
-  const auto load = [&](auto set) {
-    reader_.InitEclipseReader();
-    reader_.Silent = true;
-    set();
-    host_.load(path_, 15);
-    return names();
-  };
-  const auto list = listOf({"PORO/", "DEPTH/", "PORV/"});
-  EXPECT_THAT(load([&] { reader_.zOnly = "PO*"; }), ElementsAre("PORV", "PORO"));
-  EXPECT_THAT(load([&] { reader_.zExcept = "P*,SATNUM"; }), ElementsAre("DEPTH", "FIPNUM"));
-  EXPECT_THAT(load([&] { reader_.VectorPatterns = {"depth", "NONE"}; }), ElementsAre("DEPTH"));
-  EXPECT_THAT(reader_.UnmatchedPatterns(), ElementsAre("NONE"));
-  EXPECT_THAT(load([&] { reader_.bOnly = list, reader_.qOnly = true; }),
-              ElementsAre("PORV", "DEPTH", "PORO"));
-  EXPECT_THAT(load([&] { reader_.bOnly = list, reader_.qOnly = false; }),
-              ElementsAre("PVTNUM", "SATNUM", "FIPNUM"));
-}
-
 TEST_F(InitOperations, GivePlacesThatLeadToTheValues) {
   test::writeFile(path_, test::twoLocalGrids(test::formatted));
   reader_.LoadData = false;
@@ -154,23 +135,6 @@ TEST_F(InitOperations, AskADialog) {
   EXPECT_EQ(std::get<std::string>(host_.source(1)), "CHOSEN");
   dialog.goOn = false;
   EXPECT_FALSE(host_.run());
-}
-
-/// Connection values of the INIT file with the cells of the grid file.
-TEST_F(InitOperations, PairConnectionsWithTheirCells) {
-  ASSERT_TRUE(host_.run());
-  reader_.InitConnections(1, qOK_);
-  EXPECT_FALSE(qOK_) << "no grid is loaded";
-  test::GridBuilder builder;
-  builder.grids[0].size = {3, 2, 1};
-  builder.grids[0].nnc1 = {1, 2, 3};
-  builder.grids[0].nnc2 = {4, 5, 6};
-  test::writeFile(folder_.file("CASE.EGRID"), builder.egrid(test::bigEndian));
-  ASSERT_TRUE(host_.load(folder_.file("CASE.EGRID"), 23));
-  const auto pairs = reader_.InitConnections(1, qOK_);
-  ASSERT_TRUE(qOK_ && pairs.size() == 3);
-  EXPECT_EQ(pairs[2].cell1 + 10 * pairs[2].cell2, 63);
-  EXPECT_THAT(pairs[2].values, ElementsAre(0.125F));
 }
 
 }  // namespace

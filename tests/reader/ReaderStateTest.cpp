@@ -135,21 +135,6 @@ TEST(ReaderState, NothingThatOneLoadFoundAppliesToTheNext) {
   EXPECT_FALSE(load.reader.IsInitialised(13)) << "the data of another file must not remain under this name";
 }
 
-// Writers that begin each step file with SEQNUM.
-TEST(ReaderState, AllStepFilesThatBeginAsAUnifiedFileAreRead) {
-  TemporaryFolder folder;
-  for (const std::int32_t number : {1, 2, 3}) {
-    restart({number}).write(folder, "T", bigEndian, true);
-    std::filesystem::rename(folder.file("T.UNRST"), folder.file("RUN.X000" + std::to_string(number)));
-  }
-  for (const char* name : {"RUN.X0002", "RUN"}) {
-    Host load(folder.file(name), 11);
-    EXPECT_TRUE(load.run());
-    EXPECT_EQ(load.reader.RestartSteps().size(), 3U) << name;
-    EXPECT_FALSE(load.reader.RestartValues(1, 1, "pressure").empty()) << "names in any letter case";
-  }
-}
-
 /// A thread to each session: a race would show under load as other values, or to a sanitizer.
 TEST(ReaderState, SessionsLoadSideBySide) {
   const std::string files[] = {"ARBOR/ARBOR.SMSPEC", "CEDAR/CEDAR_R2.SMSPEC", "HOLLIN/HOLLIN.SMSPEC"};

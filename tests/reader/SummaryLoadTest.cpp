@@ -62,20 +62,6 @@ TEST_F(SummaryFiles, FewOfManyVectorsArePickedOutOfTheirRows) {
   }
 }
 
-TEST_F(SummaryFiles, RowsThatDoNotFitAreRefusedWithTheirPosition) {
-  auto other = smallRun();
-  for (auto& row : other.rows) row.values.push_back(1);
-  writeFile(folder_.file("RUN.UNSMRY"), other.data(bigEndian));
-  SummaryLoad load(spec_), empty(spec_);
-  EXPECT_FALSE(load.run());
-  EXPECT_THAT(load.lastDiagnosis().text(),
-              HasSubstr("RUN.UNSMRY: row does not fit the specification (PARAMS, occurrence 1, byte 72: "
-                        "expected 7 values, found 8); kept 0 rows"));
-  writeFile(folder_.file("RUN.UNSMRY"), {});
-  ASSERT_TRUE(empty.run()) << "a run that has just begun";
-  EXPECT_EQ(empty.table.rows() + empty.headers.entries(), 6U);
-}
-
 TEST_F(SummaryFiles, AGrowingFileIsReadOnFromItsLastStep) {
   SummaryLoad first(spec_);
   first.reader.Unified = true;

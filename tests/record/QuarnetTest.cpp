@@ -154,28 +154,6 @@ TEST(Quarnet, ScratchFilesComeBackAsTheyWere) {
   }
 }
 
-TEST_P(QuarnetForms, EachReadThatFailsIsReported) {
-  session_.faultReporter = [](std::string_view) {};
-  bool met = true;
-  for (int at = 1; met; ++at) {
-    session_.clearDiagnoses();
-    const FaultyFiles faulty(ReadFault::Fails, at);
-    std::array<bool, 4> qOK{};
-    quarnet_.OpenRecordFile(path_, file_, qOK[0]);
-    std::vector<float> singles(2);
-    quarnet_.ReadRawSingles(2, singles, file_, qOK[1]);
-    file_.SeekByte(1);
-    std::string keyword, type;
-    std::int32_t n = 2;
-    quarnet_.ReadRecordHeader(file_, keyword, n, type, qOK[2]);
-    std::vector<std::string> values;
-    quarnet_.ReadStrings("", "", n, file_, values, qOK[3]);
-    met = faulty.met();
-    EXPECT_EQ(std::ranges::count(qOK, false) > 0, met) << at;
-    EXPECT_EQ(session_.diagnoses().size() > 0, met);
-  }
-}
-
 TEST(Quarnet, CountsTheMarksOfBlocks) {
   Session session;
   session.faultReporter = [](std::string_view) {};

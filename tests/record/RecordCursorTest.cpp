@@ -98,60 +98,6 @@ TEST_P(AllForms, EveryTypeComesBackAcrossBlocksAndInParts) {
   EXPECT_THROW(cursor.read(std::span<double>(wrongType)), Fault);
 }
 
-std::vector<std::byte> smallFile(const Form& form) {
-  std::vector<std::byte> bytes;
-  RecordWriter writer(memorySink(bytes), form);
-  writer.integers("SEQHDR", std::vector<std::int32_t>{5});
-  writer.singles("PARAMS", evenValues(40));
-  writer.texts("UNITS", std::vector<std::string>{"DAYS", "SM3/DAY"});
-  writer.doubles("DOUBHEAD", std::vector<double>{1.5, -2.25});
-  return bytes;
-}
-
-TEST_P(AllForms, RecordsBehindDamageAreFoundAndTheGapIsGiven) {
-  const auto bytes = smallFile(form_);
-  std::vector<std::uint64_t> headers;
-  for (auto cursor = cursorOver(bytes, form_); cursor.next();) headers.push_back(cursor.header().headerAt);
-  const std::uint64_t lead = form_.formatted() ? 1 : 0;  // the blank in front of a header need not be one
-  for (std::size_t at = 0; at < bytes.size(); ++at) {
-    auto damaged = bytes;
-    damaged[at] ^= std::byte{0xA5};
-    auto cursor = cursorOver(damaged, form_);
-    std::size_t met = 0;
-    for (bool more = true; more;) {
-      try {
-        more = cursor.next();
-        met += more;
-      } catch (const BadRecord&) {
-        const Gap gap = cursor.skipDamage();
-        EXPECT_LE(gap.from, at);
-        EXPECT_GT(gap.to, at);
-        const auto startsAt = [&](std::uint64_t header) {
-          return gap.to == header || gap.to == header + lead;
-        };
-        EXPECT_TRUE(gap.to == bytes.size() || std::ranges::any_of(headers, startsAt)) << at << ' ' << gap.to;
-      }
-    }
-    // The record of the byte is lost, and where it was a line end, the header that seems to go on the line.
-    EXPECT_GE(met + 1 + lead, headers.size()) << at;
-  }
-}
-
-TEST(MarkedRecords, ASearchBehindDamageEndsWhenTheLoadIsCanceled) {
-  auto bytes = smallFile(bigEndian);
-  bytes.resize(bytes.size() + (std::size_t{1} << 20));
-  Session session;
-  auto cursor = cursorOver(bytes, bigEndian);
-  cursor.attach(session);
-  for (int i = 0; i < 4; ++i) next(cursor);
-  EXPECT_THROW(cursor.next(), BadRecord);
-  session.CancelLoad = true;
-  EXPECT_THROW(cursor.skipDamage(), LoadCanceled);
-  session.CancelLoad = false;
-  EXPECT_EQ(cursor.skipDamage().to, bytes.size());
-  EXPECT_FALSE(cursor.next());
-}
-
 void appendWord(std::vector<std::byte>& bytes, std::uint32_t word) {
   for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<std::byte>(word >> shift));
 }
@@ -186,33 +132,6 @@ TEST(MarkedRecords, BlocksOfOtherSizesAreFollowedByTheirMarks) {
   auto other = cursorOver(bytes, narrow);
   EXPECT_EQ(next(other).integers()[299], 99);
   EXPECT_FALSE(other.next());
-}
-
-TEST(MarkedRecords, X231AnnouncesArraysBeyond2To31Elements) {
-  const std::uint64_t count = (std::uint64_t{1} << 31) + 5;
-  std::vector<std::byte> head, tail;
-  RecordWriter writer(memorySink(head), bigEndian);
-  writer.header("PORO", -1, "X231");
-  writer.header("PORO", 5, "REAL");
-  appendWord(head, 4000);
-  appendWord(tail, 0x3F800000);  // 1.0, the last element
-  appendWord(tail, 4 * (count % 1000));
-  RecordWriter(memorySink(tail), bigEndian).integers("NEXT", std::vector<std::int32_t>{1});
-  const TemporaryFolder folder;
-  const std::string path = folder.file("large");
-  writeFile(path, head);
-  // All but the ends is a hole.
-  std::filesystem::resize_file(path, 48 + 4 * count + 8 * ((count + 999) / 1000) - 8);
-  std::ofstream(path, std::ios::app) << std::string(reinterpret_cast<const char*>(tail.data()), tail.size());
-
-  std::string why;
-  RecordCursor cursor(FileSource::open(path, why), bigEndian, path);
-  EXPECT_EQ(next(cursor).header().count, count);
-  EXPECT_EQ(cursor.header().headerAt, 0U);
-  float value = 0;
-  cursor.gather(std::array{static_cast<std::uint32_t>(count - 1)}, std::span(&value, 1));
-  EXPECT_EQ(value, 1.0F);
-  EXPECT_EQ(next(cursor).header().keyword, "NEXT");
 }
 
 /// CR LF, lines of other lengths, fields that touch, odd exponents, no line end at the end.

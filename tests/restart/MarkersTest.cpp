@@ -101,50 +101,6 @@ TEST(Markers, RowsOfWellsAndTheirConnectionsAlsoWhenPacked) {
   }
 }
 
-TEST(Markers, TablesThatAStepDoesNotHave) {
-  const Session session;
-  auto grid = loadedWells();
-  grid.qICON = grid.qZWEL = false;
-  grid.sWELL = {};
-  grid.sWELL2 = {};
-  const auto rows = rowTexts(markerTable(grid, true, session));
-  EXPECT_THAT(rows.at(0), "1 0 1 1 1 (4) 104 (1) WELL (15) 106 108 4 107 (24) ");
-  EXPECT_EQ(rows.size(), 3U);
-  for (const auto& [count, first] : {std::pair(4, 1), std::pair(1, 0), std::pair(2147483647, 3)}) {
-    auto wild = loadedWells();
-    wild.iWELL(1, 5) = count;
-    wild.iWELL(1, 10) = first;
-    EXPECT_THROW(markerTable(wild, true, session), Fault) << count;
-    EXPECT_THROW(packMarkers(wild, true, {}, session), Fault) << count;
-  }
-}
-
-/// The bytes of the page that describes the layout, read by hand: no code of the writer is used.
-TEST(Markers, TheLayoutOfABlockIsAsWrittenDown) {
-  const Session session;
-  auto grid = loadedWells();
-  grid.sWELL = {};
-  grid.sWELL2 = {};
-  grid.zWELL(1, 1) = std::string(45, 'x') + "#";
-  const auto bytes = packMarkers(grid, false, {.iForm = 3, .qLong = false}, session);
-  const auto word = [&](std::size_t at) {
-    std::int32_t value = 0;
-    std::memcpy(&value, bytes.data() + at, 4);
-    return value;
-  };
-  std::vector<std::int32_t> header;
-  for (std::size_t at = 4; at < 56; at += 4) header.push_back(word(at));
-  EXPECT_THAT(header, ElementsAre(20, 16, 0, 0, 1, 40, 6, 3, 3, 104, 55, 3, 0));
-  ASSERT_EQ(bytes.size(), 56U + 6 * 104);
-  std::vector<std::int32_t> perf;
-  for (std::size_t at = 56 + 104; at < 56 + 104 + 64; at += 4) perf.push_back(word(at));
-  constexpr std::int32_t set = 0x1F | 1 << 10 | 1 << 11 | 1 << 13 | 1 << 25 | 1 << 26;
-  EXPECT_THAT(perf, ElementsAre(2, set, 0, 10105, 0, 1, 1, 1, 0, 10114, 10107, 10110, 0, 0, 0, 0));
-  EXPECT_EQ(opened(bytes)(2, 11), Variant(std::string(40, 'x'))) << "short names";
-  const auto wide = packMarkers(grid, false, {.iForm = 3, .qLong = true}, session);
-  EXPECT_EQ(opened(wide)(2, 11), Variant(grid.zWELL(1, 1)));
-}
-
 TEST(Markers, BlocksOfAnotherLengthOrLayoutAreRefused) {
   const Session session;
   const auto whole = packMarkers(loadedWells(), true, {.iForm = 2}, session);

@@ -41,20 +41,6 @@ TEST(HeaderWordsTest, ActiveCellsDependOnTheSimulator) {
   EXPECT_THROW(cellCount(2147483647, 2147483647, 3), Fault);
 }
 
-TEST(ArrayUnitsTest, FollowTheUnitSystem) {
-  const std::pair<const char*, const char*> rows[] = {{"PRESSURE", "BARS PSI ATMOS"},
-                                                      {"TOPS", "M FT cm"},
-                                                      {"RV", "SM3/SM3 Stb/Mscf scc/scc"},
-                                                      {"PORV", "M3 RB cc"},
-                                                      {"TRANX", "CPM3/D/BAR CPRB/D/PSI CPcc/H/A"},
-                                                      {"PERMTRAN", "MDarcy MDarcy MDarcy"},
-                                                      {"SWAT", "  "}};
-  for (const auto& [name, units] : rows) {
-    EXPECT_EQ(fmt::format("{} {} {}", arrayUnit(name, 1), arrayUnit(name, 2), arrayUnit(name, 3)), units);
-    EXPECT_EQ(arrayUnit(name, 4), "");
-  }
-}
-
 class RestartForms : public test::OfForm {
  protected:
   RestartLoad load(const RestartBuilder& run) { return RestartLoad(run.write(folder_, "RUN", form_)); }
@@ -70,32 +56,6 @@ RestartBuilder threePhases() {
                                   {"FIPNUM", {1, 2, 9999999, -4}, true},
                                   {"SGAS", {0.25F, 0.5F, 0.5F, -0.5F}}};
   return run;
-}
-
-TEST_P(RestartForms, AStepHasItsArraysAndWhatHostsAreToldOfThem) {
-  auto run = threePhases();
-  run.dualPorosity = true;
-  RestartLoad load(run.write(folder_, "RUN", form_));
-  ASSERT_TRUE(load.run() && load.fetch(1));
-  EXPECT_THAT(load.names(), ElementsAre("PRESSURE", "SWAT", "FIPNUM", "SGAS", "SOIL"));
-  EXPECT_THAT(load.values("PRESSURE"), ElementsAre(101.5F, 102, 103, 104));
-  EXPECT_THAT(load.values("FIPNUM"), ElementsAre(1, 2, 9999999, -4)) << "integers become singles";
-  EXPECT_THAT(load.values("SOIL"), ElementsAre(0.5F, 0, 0, 0.5F)) << "what is left, between 0 and 1";
-  EXPECT_THAT(load.column("SOIL"), ElementsAre(0.5F, 0, 0, 0.5F));
-  const auto attribute = [&](const auto& one) { return ExtractAttribute(one, load.headers, 1); };
-  EXPECT_EQ(attribute(attributeDataKind), "SOLUTION");
-  EXPECT_EQ(attribute(attributeSource) + attribute(attributeIndex) + attribute(attributeLGRName), "RUN1");
-  EXPECT_EQ(attribute(attributeUnits), "BARS");
-  const std::pair<std::size_t, Variant> slots[] = {{4, std::string("15 JUL 2003 6:0")},
-                                                   {6, std::string("SOLUTION")},
-                                                   {29, std::string("ROOT")},
-                                                   {7, std::int16_t{1}},
-                                                   {8, std::int16_t{1}},
-                                                   {33, true},
-                                                   {40, 10.25},
-                                                   {63, std::int32_t{7}},
-                                                   {64, std::int32_t{2}}};
-  for (const auto& [slot, value] : slots) EXPECT_EQ(load.source(slot), value) << slot;
 }
 
 /// A host reads the values when it needs them, by nothing but their positions.
@@ -155,26 +115,6 @@ TEST_P(RestartForms, LocalGridsFollowTheGlobalOne) {
   EXPECT_FALSE(loaded.fetch(1, 3));
   EXPECT_FALSE(loaded.fetch(1, 4));
   EXPECT_THAT(loaded.faults, ElementsAre(HasSubstr("(No.9)")));
-}
-
-/// Of a grid of 6 cells, 4 of them active; the first array is of the active cells.
-TEST_P(RestartForms, OnlyArraysOfTheGridAreKept) {
-  auto run = threePhases();
-  auto& grid = run.steps[0].grids[0];
-  grid.size = {3, 2, 1};
-  grid.arrays.resize(1);
-  const std::tuple<const char*, std::size_t, bool> cases[] = {
-      {"TEMP", 4, true},    {"OTHER", 5, false},   {"CELLS", 6, false},    {"SWEL", 4, false},
-      {"HIDDEN", 4, false}, {"FLOOILI+", 4, true}, {"FLOOILA+", 4, false}, {"FLOGASN+", 4, false},
-      {"FLOA+", 4, true},   {"VOILL+", 4, false},  {"VOILI+", 4, true},    {"MIXED", 4, true}};
-  std::vector<std::string> kept{"PRESSURE"};
-  for (const auto& [name, count, isKept] : cases) {
-    grid.arrays.push_back({name == std::string("MIXED") ? "mixed" : name, std::vector<float>(count)});
-    if (isKept) kept.emplace_back(name);
-  }
-  auto loaded = load(run);
-  ASSERT_TRUE(loaded.run());
-  EXPECT_EQ(loaded.names(), kept);
 }
 
 TEST_P(RestartForms, PatternsChooseArrays) {

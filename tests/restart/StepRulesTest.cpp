@@ -10,6 +10,7 @@
 #include "index/ReportStep.h"
 #include "index/RestartIndex.h"
 #include "index/RestartIndexHeads.h"
+#include "support/FaultySource.h"
 #include "support/IndexedRun.h"
 #include "support/RestartLoad.h"
 
@@ -262,6 +263,15 @@ TEST(StepRules, DataBehindDamageAreFound) {
     for (const IndexEntry* entry : cellArrays(index.steps.at(1).groups.front()))
       listed.emplace_back(entry->keyword.view());
     EXPECT_EQ(listed, arrays);
+  }
+  // A read that fails while records behind the damage are looked for is no end of the file either.
+  bool met = true;
+  for (int read = 1; met; ++read) {
+    const FaultyFiles faults(ReadFault::Fails, read);
+    Session session;
+    walkRestart(session, std::array{path});
+    met = faults.met();
+    EXPECT_EQ(met, std::ranges::count(session.diagnoses(), "file.read", &Diagnosis::id) > 0) << read;
   }
 }
 

@@ -38,32 +38,6 @@ std::vector<T> row(const ColumnTable<T>& table, std::size_t iRow) {
   return all;
 }
 
-/// Values of RestartBuilder::blockWord: 1000 times the block and the word.
-TEST_P(WellTables, WordsGoToTheirColumns) {
-  RestartLoad loaded(threeWells().write(folder_, "RUN", form_));
-  loaded.reader.FullWellInfo = true;
-  ASSERT_TRUE(loaded.run());
-  const auto& grid = *loaded.reader.RestartGrid(1, 1);
-  EXPECT_THAT(row(grid.iWELL, 1), ElementsAre(1, 1, 1, 1, 2, 0, 0, 0, 5, 1, 0, 3, 0, 3, 0));
-  EXPECT_THAT(row(grid.iWELL, 2), ElementsAre(0, 0, 9, 0, 0, 0, 0, 0, 6, 3, 0, 0, 0, 4, 0))
-      << "no connections, and the phase of word 16";
-  EXPECT_THAT(row(grid.iWELL, 3), ElementsAre(2, 2, 4, 0, 1, 0, 0, 0, 7, 3, 0, 0, 0, 3, 0));
-  EXPECT_EQ(grid.sWELL(2, 10), -32768);
-  EXPECT_THAT(row(grid.dWELL, 1), ElementsAre(1001, 1002, 1003, 1004, 1005, 1006, 1007, 0, 1008, 1030, 0));
-  EXPECT_EQ(grid.zWELL(3, 1), "I1");
-  EXPECT_EQ(grid.zGROUP(1, 1), "FIELD");
-  // Slots of P1 are blocks 1 and 2 of SCON, that of I1 is block 7.
-  EXPECT_THAT(row(grid.iCONN, 3), ElementsAre(2, 2, 1, 30106, 30105, 30114, 30107, 30110, 30101));
-  EXPECT_EQ(grid.sCONN(3, 2), 7002);
-  EXPECT_THROW(grid.sCONN(4, 2), Fault);
-
-  loaded.reader.FullWellInfo = false;
-  ASSERT_TRUE(loaded.run());
-  const auto& few = *loaded.reader.RestartGrid(1, 1);
-  EXPECT_THAT(row(few.iCONN, 3), ElementsAre(2, 2, 1, 30106, 30105, 0, 0, 0, 0));
-  EXPECT_FALSE(few.qSWEL || few.qXWEL || few.qSCON);
-}
-
 /// Counts that the records do not bear out: the table is left out, and all else is read.
 TEST_P(WellTables, RecordsThatDoNotFitAreLeftOut) {
   constexpr std::int32_t most = 2147483647;

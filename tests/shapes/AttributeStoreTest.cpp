@@ -34,28 +34,6 @@ TEST(AttributeStore, EqualStringsShareANumberWhateverTheirPadding) {
   EXPECT_THAT(iPointers, IsEmpty());
 }
 
-TEST(AttributeStore, KeepsNumbersThroughGrowthReplaceFinishAndCopies) {
-  AttributeStore store;
-  bool qOK = false;
-  for (std::int32_t number = 1; number <= 1000; ++number)
-    ASSERT_EQ(store.add("P" + std::to_string(number)), number);
-  store.StoreReplace("P7", "P500", qOK);
-  EXPECT_TRUE(qOK);
-  store.StoreFinish(qOK);
-  AttributeStore copy = store;
-  store.add("goes with the original");
-  store = AttributeStore();
-  store = std::move(copy);
-  for (std::int32_t number = 1; number <= 1000; ++number) {
-    const auto name = "P" + std::to_string(number);
-    EXPECT_EQ(store.item(number), number == 500 ? "P7" : name);
-    EXPECT_EQ(store.find(name), number == 500 ? -1 : number) << "of equal texts the lowest number";
-  }
-  store.StoreReplace("X", "P500", qOK);
-  EXPECT_FALSE(qOK);
-  EXPECT_EQ(store.add("P500"), 1001);
-}
-
 TEST(AttributeStore, OperationsOfHosts) {
   AttributeStore store;
   ByteTable bItems;
@@ -84,17 +62,6 @@ TEST(AttributeStore, OperationsOfHosts) {
   std::int32_t nBytes = 0, nGrowth = 0, nStep = 0;
   getDefaultSttributeSizes(attributeMember, nBytes, nGrowth, nItems, nWidth, nStep, qOK);
   EXPECT_EQ((std::array{nBytes, nGrowth, nItems, nWidth, nStep}), (std::array{100000, 5000, 5000, 20, 5000}));
-}
-
-TEST(AttributeStores, ElevenOfFourteenExist) {
-  AttributeStores xStore;
-  bool qOK = false;
-  InitByteStorage(true, xStore, qOK);
-  EXPECT_EQ(xStore(9).item(xStore(9).add("A member name that is far longer than twenty")),
-            "A member name that i");
-  for (const auto none : {-1, 0, 1, 3, 13, 15}) EXPECT_THROW(xStore(none), Fault) << none;
-  InitByteStorage(false, xStore, qOK);
-  EXPECT_EQ(xStore(9).count(), 0);
 }
 
 TEST(VectorData, WordsStandWhereHostsLookForThem) {

@@ -13,37 +13,6 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(EclipseInfo, ClassesAndMembersTakeTheirVectorsInOrder) {
-  Headers headers;
-  headers.add("GROUPS", "G").add("WELLS", "P2").add("WELLS", "P1").add("WELLS", "-").add("WELLS", "P2");
-  headers.add("TRACERS", "P1");
-  headers.xStore(attributeClass).add("NODES");  // a class all of whose vectors were given another
-  headers.xVectors.push_back({.iClass = 2, .iMember = 900});  // numbers that the stores have not
-  headers.xVectors.push_back({.iClass = 77});
-  headers.xVectors.push_back({.iClass = -1});
-  auto xInfo = headers.info();
-  EXPECT_TRUE(xInfo.qValid);
-  EXPECT_EQ(xInfo.nVectors, 9);
-  EXPECT_EQ(xInfo.nClasses, 4) << "all strings of the store, known or not";
-  EXPECT_EQ(classOf(xInfo, "NODES").nVectors, 0);
-  const auto& wells = classOf(xInfo, "WELLS");
-  EXPECT_THAT(wells.iVectors, ElementsAre(2, 3, 4, 5, 7));
-  ASSERT_EQ(wells.nMembers, 3);
-  EXPECT_EQ(wells.xMember[0].zMember, "P2") << "named first";
-  EXPECT_THAT(wells.xMember[0].iVectors, ElementsAre(2, 5));
-  EXPECT_THAT(wells.xMember[1].iVectors, ElementsAre(3));
-  EXPECT_EQ(wells.xMember[2].zMember, "");
-  classOf(xInfo, "WELLS").qMemberChosen = {false, true, true};
-  EXPECT_EQ(maskText(xInfo), "111111111") << "members count only once qAllMembers is False";
-  xInfo.qAllMembers = false;
-  EXPECT_EQ(maskText(xInfo), "101101111") << "a vector of the class without a member stays";
-  classOf(xInfo, "WELLS").xMember[0].iVectors[1] = 10;
-  EXPECT_THROW(vectorMask(xInfo), Fault);
-  auto xChosen = headers.info(false);
-  xChosen.qClassChosen.fill(false);
-  EXPECT_EQ(maskText(xChosen), "000001011") << "vectors of no class are always kept";
-}
-
 TEST(EclipseInfo, ClassWords) {
   for (std::int32_t iClass = 1; iClass <= nClassSlots; ++iClass)
     EXPECT_EQ(getClassIndex(classWord(iClass)), iClass == 11 ? 0 : iClass);

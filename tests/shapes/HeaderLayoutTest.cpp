@@ -11,28 +11,6 @@
 namespace lumbarn {
 namespace {
 
-TEST(HeaderLayout, TextsAreCutAtTheirFieldAndComeBack) {
-  // Attributes in the order in which their fields are stored, with the widths that hosts know.
-  const std::pair<std::int32_t, std::size_t> fields[] = {
-      {4, 32}, {5, 8}, {2, 16}, {6, 16}, {9, 40}, {7, 16}, {8, 16}, {10, 16}, {11, 16}, {12, 40}, {14, 16}};
-  bool qOK = false;
-  InitAttributes(qOK);
-  EXPECT_TRUE(qOK);
-  ByteTable bHeaders(headerWidth, 2);
-  std::string expected;
-  for (const auto& [attribute, width] : fields) {
-    const auto letter = static_cast<char>('a' + attribute);
-    setAttribute(attribute, bHeaders, 2, std::string(60, letter));
-    EXPECT_EQ(ExtractAttribute(attribute, bHeaders, 2), std::string(width, letter));
-    EXPECT_EQ(ExtractAttribute(attribute, bHeaders, 1), "") << "the other record stays blank";
-    expected += std::string(width, letter);
-  }
-  const auto entry = bHeaders.entry(2);
-  EXPECT_EQ(std::string(entry.begin(), entry.end()), expected + ' ');
-  EXPECT_THROW(ExtractAttribute(4, bHeaders, 3), Fault);
-  EXPECT_THROW(setAttribute(4, bHeaders, 0, "x"), Fault);
-}
-
 TEST(HeaderLayout, FieldTextRows) {
   const std::pair<std::string, const char*> rows[] = {{"  CASE A  ", "CASE A"},
                                                       {std::string("AB\0CD", 5), "AB"},

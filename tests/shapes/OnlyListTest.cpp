@@ -149,30 +149,6 @@ TEST(OnlyList, SaturationsAreChosenTogetherInRestartsOnly) {
   EXPECT_EQ(ActualInOnlyList(15, xInfo), 1) << "a count beyond the arrays";
 }
 
-TEST(OnlyList, TheTextListLooksAtAsManyItemsAsCount) {
-  Session session;
-  EXPECT_TRUE(checkEclipseONLYList(session, "FOPT"));
-  for (const bool qOnly : {true, false}) {
-    setEclipseONLYList(session, Lines{"FOPT", " WOPR P1 ", "FOPT", "GOPR G"}, qOnly);
-    const std::tuple<std::int32_t, const char*, bool> rows[] = {
-        {4, "FOPT", true},    {4, "WOPR P1", true}, {4, " GOPR G", true},   {4, "fopt", false},
-        {2, "WOPR P1", true}, {2, "GOPR G", false}, {100000, "WOPT", false}};
-    for (const auto& [count, name, listed] : rows) {
-      session.part<SelectionState>().nOnly = count;
-      EXPECT_EQ(checkEclipseONLYList(session, name), qOnly == listed) << count << name;
-    }
-    session.part<SelectionState>().nOnly = 0;
-    EXPECT_TRUE(checkEclipseONLYList(session, "WOPT"));
-  }
-  setEclipseONLYList(session, Lines{"", "  "}, true);
-  EXPECT_TRUE(checkEclipseONLYList(session, "FOPT")) << "blank items are no list";
-  Lines zOnly;
-  bool qOnly = false;
-  getEclipseONLYList(session, zOnly, qOnly);
-  EXPECT_THAT(zOnly, ElementsAre("", "  "));
-  EXPECT_TRUE(qOnly);
-}
-
 TEST(OnlyList, TextItems) {
   const std::pair<OnlyItem, const char*> rows[] = {
       {{"AQUIFERS", "", "AAQR", "x", "3"}, "AAQR AQUIFER 3"},

@@ -66,12 +66,6 @@ SummaryBuilder everyKind() {
   return run;
 }
 
-std::vector<std::string> namesOf(const qvEclipseSPEC& spec) {
-  std::vector<std::string> names;
-  for (const auto& vector : summaryVectors(spec)) names.push_back(vector.name);
-  return names;
-}
-
 class SpecFile : public ::testing::Test {
  protected:
   bool read(const std::vector<std::byte>& bytes) {
@@ -128,33 +122,6 @@ TEST_F(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
   EXPECT_EQ(field(headers, 2, attributeVerbose), "Oil production rate");
   const AttributeStore& classes = spec.xStore(attributeClass);
   EXPECT_EQ(classes.useCount(classes.find("WELLS")), 1) << "without the dummy";
-}
-
-TEST_F(SpecFile, ArraysOfWrongLengthAreUsedAsFarAsTheyGo) {
-  std::vector<std::byte> bytes;
-  RecordWriter out(memorySink(bytes), bigEndian);
-  const auto texts = [&](const char* keyword, std::vector<std::string> items) { out.texts(keyword, items); };
-  texts("RESTART", {std::string(8, '\0'), "LEFTOVER"});
-  out.integers("DIMENS", std::vector<std::int32_t>{99, 2000000000, 2000000000, 2000000000, 0, -7});
-  texts("KEYWORDS", {"TIME", "WOPR", "BPR", "WOPT"});
-  texts("KEYWORDS", {"FOPT"});
-  texts("WGNAMES", {"", "P1"});
-  out.integers("NUMS", std::vector<std::int32_t>{0, 0, 5, 0, 8, 8});
-  out.integers("STARTDAT", std::vector<std::int32_t>{1, 13, 2001});
-  ASSERT_TRUE(read(bytes));
-  EXPECT_EQ(spec.nVectors, 4);
-  EXPECT_EQ(spec.zRestartName, "");
-  EXPECT_EQ(spec.iRestartStep, 0);
-  EXPECT_EQ(spec.zStartDate, "1  2001");
-  EXPECT_FALSE(spec.start());
-  EXPECT_THAT(namesOf(spec), ElementsAre("TIME", "WOPR:P1", "BPR", "WOPT"))
-      << "a grid of so many cells has no cell 5 that we could name";
-  std::vector<std::string> told;
-  for (const Diagnosis& diagnosis : session.diagnoses()) {
-    told.push_back(diagnosis.keyword);
-    EXPECT_TRUE(diagnosis.offset) << diagnosis.text();
-  }
-  EXPECT_THAT(told, ::testing::UnorderedElementsAre("KEYWORDS", "WGNAMES", "NUMS", "UNITS", "STARTDAT"));
 }
 
 /// Only existing hosts' headers of 24 bytes have 16-bit numbers.

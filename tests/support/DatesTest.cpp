@@ -11,24 +11,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(Dates, MonthsBothWays) {
-  for (const auto& [name, number] :
-       {std::pair{"JAN", 1}, {"jly", 7}, {" July ", 7}, {"DECEMBER", 12}, {"JU", 0}, {"", 0}, {"13", 0}})
-    EXPECT_EQ(monthNumber(name), number) << name;
-  EXPECT_EQ(monthName(7), "JUL");
-  EXPECT_TRUE(monthName(0).empty() && monthName(13).empty());
-}
-
-TEST(Dates, OnlyDaysThatThereAre) {
-  EXPECT_TRUE(makeMoment(2000, 2, 29));
-  // 257: 1 in a byte
-  for (const auto& [year, month, day] :
-       {std::array{1900, 2, 29}, {2001, 4, 31}, {0, 1, 1}, {10000, 1, 1}, {2001, 257, 1}})
-    EXPECT_FALSE(makeMoment(year, month, day)) << year << month;
-  EXPECT_FALSE(makeMoment(2001, 1, 1, 24) || makeMoment(2001, 1, 1, 0, 0, 60'000'000));
-  EXPECT_EQ(*makeMoment(1970, 1, 2, 3, 4, 5'000'006) - Moment{}, 27h + 4min + 5s + 6us);
-}
-
 TEST(Dates, TextsHaveNoMoreThanTheMoment) {
   const auto moment = *makeMoment(987, 6, 5, 4, 3, 2'010'000);
   EXPECT_EQ(isoText(moment, true), "0987-06-05T04:03:02.01");

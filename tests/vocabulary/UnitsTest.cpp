@@ -30,23 +30,5 @@ TEST(Units, TimesInDays) {
   EXPECT_EQ(unitsPerDay(atmosphereUnits), 1.0);
 }
 
-TEST(SegmentVectors, TakeTheirUnitsFromTheTest) {
-  std::vector<std::string> names{"old"}, units;
-  std::int32_t count = 0;
-  bool qOK = false;
-  setSEGHeaders(std::vector<std::string>{"  DAYS", "W1", "", " METRES", "  BARSA", "MULTISEG", "SEG",
-                                         " SM3/DAY", "MSM3/DAY", "RM3/DAY", " M/SEC"},
-                names, units, count, qOK);
-  EXPECT_TRUE(qOK && count == 31 && names.size() == 31);
-  EXPECT_EQ(names[6] + names[26] + names[30], "SEGYCORDSEGCORTSSEGGOR");
-  EXPECT_THAT(
-      (std::vector{units[0], units[7], units[8], units[10], units[11], units[13], units[14], units[17]}),
-      ElementsAre("METRES", "BARSA", "SM3/DAY", "MSM3/DAY", "SM3/DAY/METRES", "MSM3/DAY/METRES", "M/SEC",
-                  ""));
-  setSEGHeaders(std::vector<std::string>{"DAYS", "W1", "", "FEET", "PSIA", "RFT", "STANDARD", "STB/DAY"},
-                names, units, count, qOK);
-  EXPECT_EQ(units[11] + units[13] + units[14], "STB/DAY/FEET") << "no gas rate: not \"/FEET\"";
-}
-
 }  // namespace
 }  // namespace lumbarn

@@ -27,28 +27,6 @@ using Texts = std::vector<std::string>;
 
 const std::vector<WellTestBuilder::Array> depth = arraysOf("DEPTH 1");
 
-TEST(RftFile, GivesTheTableFromTheDepthColumnOn) {
-  const auto arrays = arraysOf(
-      "CONIPOS: 4 5; CONJPOS: 7 7; CONKPOS: 1 2; SOIL 9 9; PRESSURE 201 202; SWAT 0.25 0.5; "
-      "DEPTH 20 30; SGAS 0.125 0.75; WELLPLT 1 2 3");
-  WellTestLoad run({{{.well = "B-1 H", .arrays = arrays, .grid = "LG1"}}});
-  ASSERT_TRUE(run.rft(1));
-  // SOIL of the file does not count; saturations may add up to more than 1.
-  EXPECT_EQ(run.shown(),
-            "DEPTH/METRES SGAS CONIPOS CONJPOS CONKPOS SOIL COMPLETION PRESSURE/BARSA SWAT "
-            "= 20 0.125 4 7 1 0.625 1 201 0.25; 30 0.75 5 7 2 -0.25 2 202 0.5");
-  EXPECT_EQ(run.well + "," + run.grid + "," + run.date + "," + run.origin, "B-1 H,LG1,11 JAN 2015,");
-  const auto header = run.headers.entry(1);
-  std::string expected(233, ' ');
-  expected.replace(32, 3, "RFT").replace(40, 6, "METRES").replace(72, 5, "B-1 H").replace(144, 1, "1");
-  expected.replace(160, 5, "DEPTH").replace(176, 5, "DEPTH");
-  EXPECT_EQ(std::string(header.begin(), header.end()), expected);
-  std::vector<char> bGrids;
-  bool qOK = false;
-  run.file.getRFTtestGrid(1, bGrids, qOK);
-  EXPECT_EQ(std::string(bGrids.begin(), bGrids.end()), "LG1 LG1 ");
-}
-
 TEST(RftFile, NumbersTestsWellByWellAndTellsTheTimeOfDay) {
   WellTestBuilder builder;
   const std::tuple<const char*, float, std::string> rows[] = {{"A", 10, "A 1 11 JAN 2015"},
