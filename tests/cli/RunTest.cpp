@@ -4,6 +4,7 @@
 #include <set>
 
 #include "CommandTest.h"
+#include "Console.h"
 #include "Run.h"
 #include "support/ModelRun.h"
 #include "support/Paths.h"
@@ -224,6 +225,11 @@ TEST_F(Run, StatusFollowsFromTheWorstDiagnosis) {
     const Outcome outcome = command({subcommand, sample("ARBOR")}, std::move(small));
     EXPECT_TRUE(outcome.err.empty() || outcome.status != 0) << subcommand << ": an empty table with exit 0";
   }
+  Session session;
+  std::ostringstream text;
+  const Console console(text, text, session, false);
+  session.reportFault("Error:Overflow (No.6) In [qvX (Code) (Read)] ");
+  EXPECT_EQ(console.doneStatus(), Partial) << "whatever the operation returned, it did not run to its end";
 }
 
 }  // namespace
