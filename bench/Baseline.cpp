@@ -42,7 +42,7 @@ SwappedBytes readSwapped(const std::filesystem::path& path) {
   constexpr std::size_t piece = std::size_t{256} << 10;
   std::string error = "has shrunk";
   const auto file = openFile(path);
-  const auto size = static_cast<std::size_t>(file.size());
+  const auto size = static_cast<std::size_t>(file.openingStamp().size);
   SwappedBytes result{std::make_unique_for_overwrite<std::byte[]>(size), size};
   for (std::size_t at = 0; at < size; at += piece) {
     const std::span part(result.bytes.get() + at, std::min(piece, size - at));
@@ -55,7 +55,7 @@ SwappedBytes readSwapped(const std::filesystem::path& path) {
 
 std::string readText(const std::filesystem::path& path) {
   const auto file = openFile(path);
-  std::string text(static_cast<std::size_t>(file.size()), ' ');
+  std::string text(static_cast<std::size_t>(file.openingStamp().size), ' ');
   std::string error;
   file.readAt(0, std::as_writable_bytes(std::span(text)), error);
   return text;
