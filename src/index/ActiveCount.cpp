@@ -21,9 +21,23 @@ ArrayLengths lengthsOf(const std::vector<const IndexGroup*>& groups, IsArray isA
   return lengths;
 }
 
+/// Whether half of the records, or more, have the length that the header states: no other has more then.
+bool mostHaveStatedLength(const std::vector<const IndexGroup*>& groups) {
+  const GridCells& cells = groups.front()->cells;
+  std::size_t records = 0, stated = 0;
+  for (const IndexGroup* group : groups) {
+    for (const IndexEntry& entry : group->entries) {
+      records += entry.count > 0 && entry.count <= cells.cells ? 1U : 0U;
+      stated += entry.count == cells.active ? 1U : 0U;
+    }
+  }
+  return cells.active > 0 && 2 * stated >= records;
+}
+
 /// Names are slow to compare, and that the lengths of all records disagree with the header is rare.
 std::int64_t activeOf(const std::vector<const IndexGroup*>& groups) {
   const GridCells& cells = groups.front()->cells;
+  if (mostHaveStatedLength(groups)) return cells.active;
   const auto any = [](const IndexEntry&) { return true; };
   if (lengthsOf(groups, any).isMostCommon(cells.active)) return cells.active;
   const auto isArray = [](const IndexEntry& entry) {

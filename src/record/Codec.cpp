@@ -1,10 +1,12 @@
 #include "Codec.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "../support/Diagnosis.h"
 #include "../support/Text.h"
 #include "FormattedCodec.h"
+#include "KeywordCounts.h"
 #include "MarkedCodec.h"
 
 namespace lumbarn {
@@ -21,12 +23,40 @@ std::unique_ptr<const Codec> makeCodec(const Form& form) {
   return std::make_unique<MarkedCodec>(1, form.byteSwap);
 }
 
-bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_view typeWord) {
+namespace {
+
+/// Takes a keyword as nearly all files have it, without a look at each letter: in upper case, with blanks
+/// behind it only. False, with nothing done, for any other.
+bool setUsualKeyword(RecordHeader& header, std::string_view keyword) {
+  constexpr std::uint64_t eachByte = 0x0101010101010101, highBits = 0x80 * eachByte, blanks = 0x20 * eachByte;
+  if (keyword.size() != 8 || keyword[0] == ' ') return false;
+  std::uint64_t letters = 0;
+  std::memcpy(&letters, keyword.data(), sizeof letters);
+  const bool below = ((letters - blanks) & ~letters & highBits) != 0;  // a byte before the blank
+  const bool above =
+      ((letters | (letters + blanks)) & highBits) != 0;  // a small letter, or what is behind them
+  if (below || above) return false;
+  std::size_t length = 8;
+  while (keyword[length - 1] == ' ') --length;
+  header.keyword.assign(keyword.data(), length);
+  header.key = letters;
+  return true;
+}
+
+bool setAnyKeyword(RecordHeader& header, std::string_view keyword) {
   const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
-  const auto wordLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); };
   if (!std::ranges::all_of(keyword, printable)) return false;
   header.keyword = trim(keyword);
   for (char& c : header.keyword) c = upperLetter(c);
+  header.key = keywordKey(header.keyword);
+  return true;
+}
+
+}  // namespace
+
+bool setHeaderWords(RecordHeader& header, std::string_view keyword, std::string_view typeWord) {
+  const auto wordLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); };
+  if (!setUsualKeyword(header, keyword) && !setAnyKeyword(header, keyword)) return false;
   header.typeWord = typeWord;
   for (char& c : header.typeWord) c = upperLetter(c);
   if (header.typeWord.size() != 4 || !std::ranges::all_of(header.typeWord, wordLetter)) return false;

@@ -53,6 +53,11 @@ class Codec {
   /// The singles with these ascending numbers.
   virtual void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
                       std::span<const std::uint32_t> elements, float* out) const = 0;
+  /// Checks that the data of a record whose layout was found earlier still begin with their mark, in forms
+  /// that have marks.
+  virtual void checkStart(Window& window, const RecordHeader& header, const DataLayout& layout) const {
+    (void)window, (void)header, (void)layout;
+  }
 };
 
 std::unique_ptr<const Codec> makeCodec(const Form& form);

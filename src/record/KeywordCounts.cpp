@@ -27,9 +27,8 @@ void KeywordCounts::grow() {
   entries_ = std::move(larger);
 }
 
-std::int64_t& KeywordCounts::operator[](std::string_view keyword) {
+std::int64_t& KeywordCounts::operator[](std::uint64_t key) {
   if (2 * used_ >= entries_.size()) grow();
-  const std::uint64_t key = keywordKey(keyword);
   Entry& entry = entries_[placeOf(entries_, key)];
   if (entry.key == 0) {
     entry.key = key;

@@ -23,8 +23,8 @@ constexpr std::uint64_t keywordKey(std::string_view keyword) {
 /// and the table is flat: it is asked once for every record, and in files of many small records that counts.
 class KeywordCounts {
  public:
-  /// The count of a keyword, 0 for a new one. Holds until the next call.
-  std::int64_t& operator[](std::string_view keyword);
+  /// The count of a keyword by its key, 0 for a new one. Holds until the next call.
+  std::int64_t& operator[](std::uint64_t key);
 
  private:
   struct Entry {

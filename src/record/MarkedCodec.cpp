@@ -317,52 +317,36 @@ void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataL
   }
 }
 
-/// The byte offset of the mark of a piece that is nearer to the place asked for. Both hold the piece's
-/// length, and either shows that the file still has the layout that was found when it was walked.
-std::uint64_t MarkedCodec::nearerMark(const Piece& piece) const {
-  const bool opening = 2 * piece.before <= piece.bytes;
-  return opening ? piece.dataAt - static_cast<std::uint64_t>(markBytes_) : piece.dataAt + piece.bytes;
-}
-
 void MarkedCodec::gather(Window& window, const RecordHeader& header, const DataLayout& layout,
                          std::span<const std::uint32_t> elements, float* out) const {
   // Elements closer than this are fetched together: a transfer costs about as much as copying that many
   // bytes.
   constexpr std::uint64_t worthOneTransfer = 4096;
-  const auto mark = static_cast<std::uint64_t>(markBytes_);
-  const auto pieceOf = [&](std::size_t i) { return pieceAt(header, layout, 4 * std::uint64_t{elements[i]}); };
-  const auto placeIn = [](const Piece& piece) { return piece.dataAt + piece.before; };
-  // The end of what is read with an element: of its closing mark, where that is checked and near.
-  const auto endFor = [&](const Piece& piece, bool check) {
-    const std::uint64_t at = placeIn(piece);
-    const std::uint64_t markAt = nearerMark(piece);
-    return check && markAt > at && markAt - at <= worthOneTransfer ? markAt + mark : at + 4;
+  const auto place = [&](std::uint32_t element) {
+    const Piece piece = pieceAt(header, layout, 4 * std::uint64_t{element});
+    return piece.dataAt + piece.before;
   };
   std::uint64_t fetchedTo = 0;
-  std::uint64_t checked = 0;  // data offset of the piece whose mark was seen
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    const Piece piece = pieceOf(i);
-    const std::uint64_t at = placeIn(piece);
-    const std::uint64_t markAt = nearerMark(piece);
-    const bool check = piece.dataAt != std::exchange(checked, piece.dataAt);
-    const std::uint64_t from = check && markAt < at && at - markAt <= worthOneTransfer ? markAt : at;
+    const std::uint64_t at = place(elements[i]);
     if (at >= fetchedTo) {
-      fetchedTo = endFor(piece, check);
-      std::uint64_t before = piece.dataAt;
+      fetchedTo = at + 4;
       for (std::size_t k = i + 1; k < elements.size(); ++k) {
-        const Piece next = pieceOf(k);
-        const std::uint64_t end = endFor(next, next.dataAt != std::exchange(before, next.dataAt));
-        if (placeIn(next) > fetchedTo + worthOneTransfer || end - from > Window::capacity) break;
-        fetchedTo = std::max(fetchedTo, end);
+        const std::uint64_t next = place(elements[k]);
+        if (next - fetchedTo > worthOneTransfer || next + 4 - at > Window::capacity) break;
+        fetchedTo = next + 4;
       }
     }
-    if (check && markAt < at) checkMark(window, markAt, piece.mark, from == markAt ? fetchedTo - markAt : 0);
     const auto bytes = window.at(at, 4, fetchedTo - at);
     if (bytes.size() < 4) throwTooShort(at, 4, bytes.size());
     const auto word = loadWord<std::uint32_t>(bytes.data(), swap_);
     std::memcpy(out + i, &word, sizeof word);
-    if (check && markAt > at) checkMark(window, markAt, piece.mark);
   }
+}
+
+void MarkedCodec::checkStart(Window& window, const RecordHeader& header, const DataLayout& layout) const {
+  const Piece piece = pieceAt(header, layout, 0);
+  checkMark(window, piece.dataAt - static_cast<std::uint64_t>(markBytes_), piece.mark);
 }
 
 }  // namespace lumbarn

@@ -19,6 +19,7 @@ class MarkedCodec final : public Codec {
   std::uint64_t findHeader(Window& window, std::uint64_t position) const override;
   void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
               std::span<const std::uint32_t> elements, float* out) const override;
+  void checkStart(Window& window, const RecordHeader& header, const DataLayout& layout) const override;
 
   static constexpr std::uint64_t pieceBytes = 128;
   static constexpr std::uint32_t pieceContinues = 129;
@@ -32,7 +33,6 @@ class MarkedCodec final : public Codec {
     std::uint32_t mark = 0;    // what its marks should say
   };
   Piece pieceAt(const RecordHeader& header, const DataLayout& layout, std::uint64_t byte) const;
-  std::uint64_t nearerMark(const Piece& piece) const;
   std::uint32_t readMark(Window& window, std::uint64_t position, std::uint64_t wanted = 0) const;
   std::uint32_t loadMark(const std::byte* from) const;
   void checkMark(const std::byte* at, std::uint64_t position, std::uint32_t expected) const;

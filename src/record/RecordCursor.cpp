@@ -56,7 +56,7 @@ bool RecordCursor::next() {
   occurrence_ = 0;
   return located([&] {
     if (!readHeader(start_)) return false;
-    occurrence_ = ++met_[header_.keyword];
+    occurrence_ = ++met_[header_.key];
     if (header_.count < 0) {
       throwBadRecord("element count is negative", header_.headerAt, "0 or more",
                      fmt::format("{}", header_.count));
@@ -83,7 +83,7 @@ void RecordCursor::checkUnchanged() const {
 }
 
 void RecordCursor::unread() {
-  --met_[header_.keyword];
+  --met_[header_.key];
   next_ = header_.headerAt;
 }
 
@@ -164,7 +164,14 @@ void RecordCursor::gather(std::span<const std::uint32_t> elements, std::span<flo
   if (elements.size() > out.size() || (!elements.empty() && elements.back() >= header_.count)) {
     throw Fault(FaultNumber::Subscript);
   }
-  located([&] { codec_->gather(*window_, header_, *layout_, elements, out.data()); });
+  // A file that was rewritten since it was indexed shows it by its marks. Looking at those of every record
+  // would make picking single values a tenth slower.
+  constexpr std::uint32_t recordsForACheck = 32;
+  located([&] {
+    if (gathers_++ % recordsForACheck == 0 && header_.count > 0)
+      codec_->checkStart(*window_, header_, *layout_);
+    codec_->gather(*window_, header_, *layout_, elements, out.data());
+  });
 }
 
 std::vector<std::int32_t> RecordCursor::integers() {

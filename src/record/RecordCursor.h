@@ -121,6 +121,7 @@ class RecordCursor {
   std::uint64_t start_ = 0;  // where `next` looked last
   std::uint64_t next_ = 0;
   std::int64_t occurrence_ = 0;
+  std::uint32_t gathers_ = 0;
   KeywordCounts met_;
 };
 

@@ -27,10 +27,12 @@ struct RecordHeader {
   std::int32_t width = 0;      ///< bytes of one element in an unformatted file; characters of a text
   std::uint64_t headerAt = 0;  ///< byte offset of the header record, from 0; of the X231 one if any
   std::uint64_t dataAt = 0;    ///< byte offset of what follows the header record, from 0
+  std::uint64_t key = 0;       ///< `keywordKey` of the keyword, where the header was read from a file
 
   /// As new, but with the room that the texts have.
   void clear() {
     keyword.clear();
+    key = 0;
     typeWord.clear();
     type = ElementType::None;
     count = 0;

@@ -41,6 +41,7 @@ class Window {
     std::unique_ptr<std::byte[]> bytes;
     std::uint64_t start = 0;
     std::size_t length = 0;
+    std::uint64_t number = 0;  // of the fetch, in their order
 
     bool has(std::uint64_t position, std::size_t needed) const {
       return position >= start && position - start <= length && length - (position - start) >= needed;

@@ -52,9 +52,11 @@ void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns
   float* const out = table.values().data() + firstRow;
   const std::size_t blockRows = rows / 4 * 4;
   const std::size_t blockColumns = columns / 4 * 4;
-  for (std::size_t j = 0; j < blockColumns; j += 4) {
+  constexpr std::size_t lineValues = 16;  // one cache line of the tile serves as many columns
+  for (std::size_t j0 = 0; j0 < blockColumns; j0 += lineValues) {
     for (std::size_t i = 0; i < blockRows; i += 4) {
-      turnBlock(tile.data() + i * columns + j, columns, out + j * stride + i, stride);
+      for (std::size_t j = j0; j < std::min(j0 + lineValues, blockColumns); j += 4)
+        turnBlock(tile.data() + i * columns + j, columns, out + j * stride + i, stride);
     }
   }
   for (std::size_t j = 0; j < columns; ++j) {
