@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "Failure.h"
-#include "Numbers.h"
+#include "frame/NumberText.h"
 #include "RunIndex.h"
 #include "Suggestion.h"
 #include "arrays/ArrayUnits.h"

@@ -8,7 +8,7 @@
 #include "ArrayValues.h"
 #include "Commands.h"
 #include "InitFile.h"
-#include "Numbers.h"
+#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunIndex.h"

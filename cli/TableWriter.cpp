@@ -4,7 +4,7 @@
 
 #include "Console.h"
 #include "Facts.h"
-#include "Numbers.h"
+#include "frame/NumberText.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

@@ -6,7 +6,7 @@
 
 #include "Commands.h"
 #include "InitFile.h"
-#include "Numbers.h"
+#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
 #include "support/Text.h"

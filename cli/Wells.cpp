@@ -10,7 +10,7 @@
 
 #include "Commands.h"
 #include "Facts.h"
-#include "Numbers.h"
+#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunFacts.h"

@@ -6,7 +6,7 @@
 #include <concepts>
 #include <string_view>
 
-namespace lumbarn::cli {
+namespace lumbarn {
 
 /// A number as text: the fewest digits that read back to the same value of its type.
 class NumberText {
@@ -34,4 +34,4 @@ class NumberText {
   std::size_t length_;
 };
 
-}  // namespace lumbarn::cli
+}  // namespace lumbarn

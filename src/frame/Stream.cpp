@@ -1,0 +1,189 @@
+#include "Stream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+#include <utility>
+
+#include "../support/Session.h"
+
+namespace lumbarn {
+
+StreamContext::StreamContext(ReadOptions options)
+    : options_(std::move(options)), session_(std::make_unique<Session>()) {
+  session_->diagnosisSink = [this](const Diagnosis& diagnosis) { note(diagnosis); };
+  if (options_.stop.stop_possible()) {
+    stop_.emplace(options_.stop, [session = session_.get()] { session->CancelLoad = true; });
+  }
+}
+StreamContext::~StreamContext() = default;
+
+void StreamContext::note(const Diagnosis& diagnosis) {
+  if (diagnosis.severity() == Severity::Remark) {
+    remarks_.push_back(diagnosis);
+  } else if (!worst_ || worst_->severity() < diagnosis.severity()) {
+    worst_ = diagnosis;
+  }
+}
+
+Stream::Stream(std::shared_ptr<const Schema> schema, std::shared_ptr<StreamContext> context,
+               std::unique_ptr<BatchSource> source)
+    : schema_(std::move(schema)), context_(std::move(context)), source_(std::move(source)) {}
+Stream::Stream(Stream&&) noexcept = default;
+Stream& Stream::operator=(Stream&& other) noexcept {
+  source_ = std::exchange(other.source_, nullptr);  // the old one while its context still lives
+  schema_ = other.schema_;
+  context_ = other.context_;
+  incomplete_ = std::move(other.incomplete_);
+  return *this;
+}
+Stream::~Stream() = default;
+
+std::optional<Batch> Stream::next() {
+  if (!source_) return std::nullopt;
+  try {
+    if (context_->session().cancelled()) throw LoadCanceled();
+    while (auto batch = source_->next()) {
+      if (batch->rows() > 0) return batch;
+    }
+  } catch (...) {
+    return fail(errorInFlight());
+  }
+  if (context_->session().cancelled())
+    return fail(
+        Error(Error::Kind::Cancelled, {.message = Message::SystemFault, .problem = "stopped as requested"}));
+  if (const auto& worst = context_->worst()) return fail(Error(Error::Kind::Damaged, *worst));
+  source_.reset();
+  return std::nullopt;
+}
+
+/// Ends the stream by an error, or like any other where the host keeps what there is.
+std::optional<Batch> Stream::fail(Error error) {
+  source_.reset();
+  const bool kept = context_->options().keepPartial &&
+                    (error.kind() == Error::Kind::Damaged || error.kind() == Error::Kind::System);
+  if (!kept) throw error;
+  incomplete_ = error.diagnosis();
+  return std::nullopt;
+}
+
+namespace {
+
+class FilledRows final : public BatchSource {
+ public:
+  FilledRows(std::shared_ptr<const Schema> schema, const BatchLimits& limits,
+             std::function<bool(BatchBuilder&)> fill)
+      : rows_(std::move(schema), limits), fill_(std::move(fill)) {}
+
+  std::optional<Batch> next() override {
+    if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
+    if (ended_) return std::nullopt;
+    try {
+      ended_ = !fill_(rows_);
+    } catch (...) {
+      rows_.dropRow();
+      if (rows_.rows() == 0) throw;
+      failure_ = std::current_exception();
+    }
+    return rows_.finish();
+  }
+
+ private:
+  BatchBuilder rows_;
+  std::function<bool(BatchBuilder&)> fill_;
+  std::exception_ptr failure_;
+  bool ended_ = false;
+};
+
+class OneBatch final : public BatchSource {
+ public:
+  explicit OneBatch(Batch batch) : batch_(std::move(batch)) {}
+  std::optional<Batch> next() override { return std::exchange(batch_, std::nullopt); }
+
+ private:
+  std::optional<Batch> batch_;
+};
+
+/// Copies the bits [0, count) of a batch behind those of earlier ones.
+void appendBits(std::vector<std::uint8_t>& to, std::size_t at, const std::uint8_t* from, std::size_t count) {
+  to.resize((at + count + 7) / 8, 0);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (from == nullptr || bitAt(from, i))
+      to[(at + i) / 8] |= static_cast<std::uint8_t>(1U << ((at + i) % 8));
+  }
+}
+
+/// The rows of several batches of one schema as one.
+Batch joined(const std::shared_ptr<const Schema>& schema, const std::vector<Batch>& batches) {
+  struct Memory {
+    std::vector<Block> values;
+    std::vector<std::vector<std::uint8_t>> bits;
+    std::vector<std::string> texts;
+  };
+  auto memory = std::make_shared<Memory>();
+  auto data = std::make_shared<BatchData>();
+  data->schema = schema;
+  for (const Batch& batch : batches) data->rows += batch.rows();
+  memory->bits.resize(2 * schema->size());
+  memory->texts.resize(schema->size());
+  for (std::size_t c = 0; c < schema->size(); ++c) {
+    const Field& field = (*schema)[c];
+    const bool utf8 = field.type == Type::Utf8;
+    const std::size_t width = utf8 ? sizeof(std::int32_t) : widthOf(field);
+    const Block& block = memory->values.emplace_back((data->rows + (utf8 ? 1 : 0)) * width);
+    ColumnBuffers buffers{.values = block.data()};
+    for (const Batch& batch : batches) buffers.nulls += batch.data()->columns[c].nulls;
+    auto& bits = memory->bits[2 * c];
+    auto& validity = memory->bits[2 * c + 1];
+    std::size_t row = 0;
+    for (const Batch& batch : batches) {
+      const ColumnBuffers& from = batch.data()->columns[c];
+      if (buffers.nulls > 0) appendBits(validity, row, from.validity, batch.rows());
+      if (field.type == Type::Bool) {
+        appendBits(bits, row, reinterpret_cast<const std::uint8_t*>(from.values), batch.rows());
+      } else if (!utf8) {
+        std::memcpy(block.data() + row * width, from.values, batch.rows() * width);
+      }
+      for (std::size_t i = 0; utf8 && i < batch.rows(); ++i) {
+        memory->texts[c] += batch[c].text(i);
+        if (memory->texts[c].size() > INT32_MAX) throw std::bad_alloc();
+        const auto end = static_cast<std::int32_t>(memory->texts[c].size());
+        std::memcpy(block.data() + (row + i + 1) * width, &end, sizeof end);
+      }
+      row += batch.rows();
+    }
+    if (field.type == Type::Bool) buffers.values = reinterpret_cast<const std::byte*>(bits.data());
+    if (buffers.nulls > 0) buffers.validity = validity.data();
+    buffers.texts = memory->texts[c].data();
+    data->columns.push_back(buffers);
+  }
+  data->owners.push_back(std::move(memory));
+  return Batch(std::move(data));
+}
+
+}  // namespace
+
+Batch Stream::collect() && {
+  std::vector<Batch> batches;
+  while (auto batch = next()) batches.push_back(std::move(*batch));
+  if (batches.size() == 1) return batches.front();
+  try {
+    return joined(schema_, batches);
+  } catch (...) {
+    throw errorInFlight();
+  }
+}
+
+Stream streamOfRows(Schema schema, std::shared_ptr<StreamContext> context,
+                    std::function<bool(BatchBuilder&)> fill) {
+  auto shared = std::make_shared<const Schema>(std::move(schema));
+  auto source = std::make_unique<FilledRows>(shared, context->options().limits, std::move(fill));
+  return {std::move(shared), std::move(context), std::move(source)};
+}
+
+Stream streamOf(Batch batch, std::shared_ptr<StreamContext> context) {
+  auto schema = batch.data()->schema;
+  return {std::move(schema), std::move(context), std::make_unique<OneBatch>(std::move(batch))};
+}
+
+}  // namespace lumbarn

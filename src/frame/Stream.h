@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stop_token>
+#include <vector>
+
+#include "BatchBuilder.h"
+#include "Column.h"
+#include "Error.h"
+
+struct ArrowArrayStream;
+
+namespace lumbarn {
+
+class Session;
+
+/// How a question is answered.
+struct ReadOptions {
+  std::stop_token stop{};  ///< ends the stream with Error Cancelled; may be requested from any thread
+  std::function<void(double)> progress{};  ///< share that was read, 0 to 1, on the caller's thread
+  BatchLimits limits{};
+  unsigned threads = 0;  ///< 0: one for each core, 8 at most; made for a call and gone with it
+  bool keepPartial =
+      false;  ///< damage ends the stream like its last row; `Stream::incomplete` has the reason
+};
+
+/// What makes the batches of a stream.
+class BatchSource {
+ public:
+  virtual ~BatchSource() = default;
+  /// The next rows; nothing behind the last. Throws when no more can be read; it is not called again then.
+  virtual std::optional<Batch> next() = 0;
+};
+
+/// The session of a stream and what was reported in it. Sources refer to it, so it lives as long as they do.
+class StreamContext {
+ public:
+  explicit StreamContext(ReadOptions options = {});
+  ~StreamContext();
+  StreamContext(const StreamContext&) = delete;
+  StreamContext& operator=(const StreamContext&) = delete;
+
+  Session& session() { return *session_; }
+  const ReadOptions& options() const { return options_; }
+  const std::vector<Diagnosis>& remarks() const { return remarks_; }
+  /// The first diagnosis of the worst severity, of those that mean that data are missing.
+  const std::optional<Diagnosis>& worst() const { return worst_; }
+  void note(const Diagnosis& diagnosis);
+
+ private:
+  ReadOptions options_;
+  std::unique_ptr<Session> session_;
+  std::optional<std::stop_callback<std::function<void()>>> stop_;
+  std::vector<Diagnosis> remarks_;
+  std::optional<Diagnosis> worst_;
+};
+
+/// Rows of a table, batch after batch. Movable, read once, by one thread at a time. Owns its session and,
+/// through its source, its files.
+class Stream {
+ public:
+  Stream(std::shared_ptr<const Schema> schema, std::shared_ptr<StreamContext> context,
+         std::unique_ptr<BatchSource> source);
+  Stream(Stream&&) noexcept;
+  Stream& operator=(Stream&&) noexcept;
+  ~Stream();
+
+  const Schema& schema() const { return *schema_; }
+  const std::shared_ptr<const Schema>& sharedSchema() const { return schema_; }
+  const std::shared_ptr<StreamContext>& context() const { return context_; }
+
+  /// The next batch, which has rows; nothing at the end. Where data are missing, all good rows come first and
+  /// then the Error, once; with `keepPartial` the end, and `incomplete` has the reason.
+  std::optional<Batch> next();
+  /// What is missing, after the end of a stream with `keepPartial`.
+  const std::optional<Diagnosis>& incomplete() const { return incomplete_; }
+  /// What was reported so far that is no fault: choices and assumptions.
+  std::span<const Diagnosis> remarks() const { return context_->remarks(); }
+
+  /// All rows that are left as one batch. Throws Error Memory beyond the session's limit.
+  Batch collect() &&;
+
+  /// Hands the stream to a consumer of Arrow's C stream interface; this one is empty afterwards. get_next
+  /// returns EIO, ENOMEM or ECANCELED, get_last_error the text of the diagnosis.
+  void exportTo(ArrowArrayStream* out) &&;
+
+ private:
+  void end();
+  std::optional<Batch> fail(Error error);
+
+  std::shared_ptr<const Schema> schema_;
+  std::shared_ptr<StreamContext> context_;  // before the source, which refers to it
+  std::unique_ptr<BatchSource> source_;     // null: at the end
+  std::optional<Diagnosis> incomplete_;
+};
+
+/// Makes a stream of rows. `fill` adds rows to a builder until that is full, and is called again for more; it
+/// returns false when there are none. When it throws, the rows that it ended are delivered first.
+Stream streamOfRows(Schema schema, std::shared_ptr<StreamContext> context,
+                    std::function<bool(BatchBuilder&)> fill);
+
+/// A stream of one batch at most, which is at hand already.
+Stream streamOf(Batch batch, std::shared_ptr<StreamContext> context = std::make_shared<StreamContext>());
+
+}  // namespace lumbarn
