@@ -5,11 +5,11 @@
 #include <fmt/format.h>
 
 #include "Failure.h"
-#include "frame/NumberText.h"
 #include "RunIndex.h"
 #include "Suggestion.h"
 #include "arrays/ArrayUnits.h"
 #include "arrays/DerivedSaturation.h"
+#include "frame/NumberText.h"
 #include "support/Pattern.h"
 #include "support/Text.h"
 

@@ -8,12 +8,12 @@
 #include "ArrayValues.h"
 #include "Commands.h"
 #include "InitFile.h"
-#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunIndex.h"
 #include "Suggestion.h"
 #include "arrays/ArrayUnits.h"
+#include "frame/NumberText.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

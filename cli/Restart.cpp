@@ -5,12 +5,12 @@
 
 #include "ArrayValues.h"
 #include "Commands.h"
-#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunIndex.h"
 #include "arrays/ArrayUnits.h"
 #include "arrays/DerivedSaturation.h"
+#include "frame/NumberText.h"
 
 namespace lumbarn::cli {
 namespace {

@@ -7,11 +7,11 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
-#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
 #include "WellTestFile.h"
 #include "files/Recogniser.h"
+#include "frame/NumberText.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

@@ -5,13 +5,13 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
-#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
 #include "StepRange.h"
 #include "Suggestion.h"
 #include "VectorNames.h"
 #include "files/FileChoice.h"
+#include "frame/NumberText.h"
 #include "reader/qvEclipseReader.h"
 #include "summary/RestartChain.h"
 #include "summary/VectorSelection.h"

@@ -6,9 +6,9 @@
 
 #include "Commands.h"
 #include "InitFile.h"
-#include "frame/NumberText.h"
 #include "Output.h"
 #include "PathArgument.h"
+#include "frame/NumberText.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

@@ -112,7 +112,8 @@ std::string typeNames(Types types) {
 std::optional<Diagnosis> unexpected(RecordFile file, const RecordHeader& header) {
   const auto rows = rowsOf(file);
   if (rows.empty() || header.keyword.size() > 8) return std::nullopt;
-  const auto row = std::ranges::find(rows, header.key != 0 ? header.key : keywordKey(header.keyword), &Row::key);
+  const auto row =
+      std::ranges::find(rows, header.key != 0 ? header.key : keywordKey(header.keyword), &Row::key);
   if (row == rows.end()) return std::nullopt;
   const auto report = [&header](Message message, std::string expected, std::string found) {
     return Diagnosis{.message = message,
