@@ -91,7 +91,7 @@ TEST(InitLoad, ConnectionArraysStandByKind) {
 }
 
 TEST(InitLoad, FlagsComeFromTheirWords) {
-  const std::tuple<std::int32_t, std::initializer_list<int>, int, std::string> rows[] = {
+  const std::tuple<std::int32_t, std::vector<int>, int, std::string> rows[] = {
       {100, {4}, 35, "ReversibleKR "},
       {100, {5}, 35, "Radial "},
       {300, {4}, 35, "Radial "},

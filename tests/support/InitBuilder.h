@@ -37,7 +37,7 @@ class InitBuilder {
     return integers("INTEHEAD", words);
   }
   /// LOGIHEAD of 35 words, those with the given numbers true.
-  InitBuilder& flags(std::initializer_list<int> set, int count = 35, bool value = true) {
+  InitBuilder& flags(const std::vector<int>& set, int count = 35, bool value = true) {
     const auto words = std::make_unique<bool[]>(static_cast<std::size_t>(count));
     for (const int word : set) words[static_cast<std::size_t>(word) - 1] = value;
     writer_.logicals("LOGIHEAD", {words.get(), static_cast<std::size_t>(count)});
