@@ -39,7 +39,7 @@ void walk(const RunMember& file, Console& console, const std::function<void(Reco
     }
   } catch (const BadRecord& damage) {
     Diagnosis diagnosis = damage.diagnosis();
-    diagnosis.action = "told what stands before it";
+    diagnosis.action = "reported the records before it";
     console.session().diagnose(std::move(diagnosis));
   }
 }

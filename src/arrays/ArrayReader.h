@@ -21,7 +21,8 @@ namespace lumbarn {
 using FetchColumn = std::span<const std::int32_t, 5>;
 
 /// Reads arrays of a restart set or an INIT file on demand: each call reads the elements that it returns and
-/// no more. Integers and 64-bit numbers lose precision when they are read as 32-bit floating point.
+/// no more. Integers beyond 2^24 and 64-bit numbers lose precision when they are read as 32-bit floating
+/// point.
 ///
 /// Names are found in any letter case. A saturation that a step of a restart does not store and that follows
 /// from the others (see `derivedArray`) is read like an array of the file.

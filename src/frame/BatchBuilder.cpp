@@ -74,9 +74,9 @@ std::byte* BatchBuilder::place(std::size_t column) {
 }
 
 void BatchBuilder::refuse(std::size_t column, std::string_view value) const {
-  Diagnosis diagnosis{.message = Message::SystemFault};
-  diagnosis.problem = fmt::format("column {} takes no {}", (*schema_)[column].name, value);
-  throw Error(Error::Kind::BadRequest, std::move(diagnosis));
+  throw Error(Error::Kind::BadRequest,
+              {.message = Message::TableRequest,
+               .problem = fmt::format("column {} takes no {}", (*schema_)[column].name, value)});
 }
 
 template <class Number>
@@ -114,6 +114,7 @@ template void BatchBuilder::set(std::size_t, double);
 
 void BatchBuilder::set(std::size_t column, std::string_view text) {
   if ((*schema_)[column].type != Type::Utf8) refuse(column, "texts");
+  if (columns_[column].setIn == rows_ + 1) dropText(column);
   place(column);
   std::string& texts = columns_[column].texts;
   if (text.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()) - texts.size())
@@ -158,12 +159,17 @@ void BatchBuilder::dropRow() {
     ColumnState& state = columns_[i];
     if (state.setIn != rows_ + 1) continue;
     state.setIn = 0;
-    if ((*schema_)[i].type != Type::Utf8) continue;
-    std::int32_t end = 0;
-    std::memcpy(&end, block_.data() + state.offset + rows_ * sizeof end, sizeof end);
-    textBytes_ -= state.texts.size() - static_cast<std::size_t>(end);
-    state.texts.resize(static_cast<std::size_t>(end));
+    if ((*schema_)[i].type == Type::Utf8) dropText(i);
   }
+}
+
+/// Removes the text of the current row.
+void BatchBuilder::dropText(std::size_t column) {
+  ColumnState& state = columns_[column];
+  std::int32_t end = 0;
+  std::memcpy(&end, block_.data() + state.offset + rows_ * sizeof end, sizeof end);
+  textBytes_ -= state.texts.size() - static_cast<std::size_t>(end);
+  state.texts.resize(static_cast<std::size_t>(end));
 }
 
 Batch BatchBuilder::finish() {

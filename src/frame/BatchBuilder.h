@@ -60,6 +60,7 @@ class BatchBuilder {
   void reserve(std::size_t rows);
   std::byte* place(std::size_t column);
   void markNull(std::size_t column);
+  void dropText(std::size_t column);
   [[noreturn]] void refuse(std::size_t column, std::string_view value) const;
 
   std::shared_ptr<const Schema> schema_;

@@ -16,9 +16,9 @@ namespace lumbarn {
 namespace {
 
 Error wrongType(const Field& field, std::string_view wanted) {
-  Diagnosis diagnosis{.message = Message::SystemFault};
-  diagnosis.problem = fmt::format("column {} has no {}", field.name, wanted);
-  return {Error::Kind::BadRequest, std::move(diagnosis)};
+  return {
+      Error::Kind::BadRequest,
+      {.message = Message::TableRequest, .problem = fmt::format("column {} has no {}", field.name, wanted)}};
 }
 
 template <class T>
@@ -115,9 +115,8 @@ std::size_t Batch::rows() const { return data_->rows; }
 
 Column Batch::operator[](std::size_t column) const {
   if (column >= columns()) {
-    Diagnosis diagnosis{.message = Message::SystemFault};
-    diagnosis.problem = fmt::format("column {} of {}", column, columns());
-    throw Error(Error::Kind::BadRequest, std::move(diagnosis));
+    throw Error(Error::Kind::BadRequest, {.message = Message::TableRequest,
+                                          .problem = fmt::format("column {} of {}", column, columns())});
   }
   return {data_, column};
 }
@@ -125,13 +124,13 @@ Column Batch::operator[](std::size_t column) const {
 Column Batch::operator[](std::string_view name) const {
   const auto found = std::ranges::find(schema(), name, &Field::name);
   if (found != schema().end()) return {data_, static_cast<std::size_t>(found - schema().begin())};
-  Diagnosis diagnosis{.message = Message::SystemFault};
-  diagnosis.problem = fmt::format("there is no column {}", name);
   std::vector<std::string> similar;
   for (const Field& field : schema()) {
     if (equalNoCase(field.name, name)) similar.push_back(field.name);
   }
-  throw Error(Error::Kind::NotFound, std::move(diagnosis), std::move(similar));
+  throw Error(Error::Kind::NotFound,
+              {.message = Message::TableRequest, .problem = fmt::format("there is no column {}", name)},
+              std::move(similar));
 }
 
 std::span<const float> Batch::block(std::size_t first, std::size_t count, std::size_t& stride) const {

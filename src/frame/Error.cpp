@@ -26,9 +26,7 @@ Error::Kind kindOf(const Diagnosis& diagnosis) {
 }
 
 Error failure(Error::Kind kind, const char* problem) {
-  Diagnosis diagnosis{.message = Message::SystemFault};
-  diagnosis.problem = problem;
-  return {kind, std::move(diagnosis)};
+  return {kind, {.message = Message::SystemFault, .problem = problem}};
 }
 
 }  // namespace
@@ -41,7 +39,7 @@ Error errorInFlight() {
   } catch (const BadRecord& damage) {
     return {kindOf(damage.diagnosis()), damage.diagnosis()};
   } catch (const LoadCanceled&) {
-    return failure(Error::Kind::Cancelled, "stopped as requested");
+    return {Error::Kind::Cancelled, {.message = Message::Stopped}};
   } catch (const Fault& fault) {
     return failure(fault.number() == FaultNumber::OutOfMemory ? Error::Kind::Memory : Error::Kind::BadRequest,
                    fault.what());

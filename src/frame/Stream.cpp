@@ -45,13 +45,12 @@ std::optional<Batch> Stream::next() {
     if (context_->session().cancelled()) throw LoadCanceled();
     while (auto batch = source_->next()) {
       if (batch->rows() > 0) return batch;
+      if (context_->session().cancelled()) throw LoadCanceled();
     }
+    if (context_->session().cancelled()) throw LoadCanceled();
   } catch (...) {
     return fail(errorInFlight());
   }
-  if (context_->session().cancelled())
-    return fail(
-        Error(Error::Kind::Cancelled, {.message = Message::SystemFault, .problem = "stopped as requested"}));
   if (const auto& worst = context_->worst()) return fail(Error(Error::Kind::Damaged, *worst));
   source_.reset();
   return std::nullopt;

@@ -21,18 +21,16 @@ class Session;
 /// How a question is answered.
 struct ReadOptions {
   std::stop_token stop{};  ///< ends the stream with Error Cancelled; may be requested from any thread
-  std::function<void(double)> progress{};  ///< share that was read, 0 to 1, on the caller's thread
   BatchLimits limits{};
-  unsigned threads = 0;  ///< 0: one for each core, 8 at most; made for a call and gone with it
   bool keepPartial =
       false;  ///< damage ends the stream like its last row; `Stream::incomplete` has the reason
 };
 
-/// What makes the batches of a stream.
+/// Produces the batches of a stream.
 class BatchSource {
  public:
   virtual ~BatchSource() = default;
-  /// The next rows; nothing behind the last. Throws when no more can be read; it is not called again then.
+  /// The next batch, or nothing after the last one. Throws if reading fails, and is not called again.
   virtual std::optional<Batch> next() = 0;
 };
 
@@ -81,7 +79,7 @@ class Stream {
   /// What was reported so far that is no fault: choices and assumptions.
   std::span<const Diagnosis> remarks() const { return context_->remarks(); }
 
-  /// All rows that are left as one batch. Throws Error Memory beyond the session's limit.
+  /// All remaining rows as one batch. Throws Error Memory if there is not enough.
   Batch collect() &&;
 
   /// Hands the stream to a consumer of Arrow's C stream interface; this one is empty afterwards. get_next
@@ -103,7 +101,7 @@ class Stream {
 Stream streamOfRows(Schema schema, std::shared_ptr<StreamContext> context,
                     std::function<bool(BatchBuilder&)> fill);
 
-/// A stream of one batch at most, which is at hand already.
+/// A stream of one batch.
 Stream streamOf(Batch batch, std::shared_ptr<StreamContext> context = std::make_shared<StreamContext>());
 
 }  // namespace lumbarn

@@ -17,7 +17,7 @@ Sink::~Sink() = default;
 
 namespace {
 
-/// What a cell is, which decides its quotes and what stands for it in json.
+/// Decides whether a cell is quoted and how it is written in JSON.
 enum class Cell { Empty, Text, Number, NotFinite, Word };
 
 void appendJsonText(std::string& out, std::string_view text) {

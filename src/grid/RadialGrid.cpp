@@ -92,9 +92,11 @@ Box extentOf(std::span<const std::shared_ptr<Hadrick>> grids, const Hadrick& gri
       add(to, to[1]);
       const double low = std::min(from[1], to[1]), high = std::max(from[1], to[1]);
       if (!(high - low <= circle) || !std::isfinite(high)) continue;
-      // An arc reaches farthest at multiples of 90 degrees.
-      for (double theta = std::ceil(low / quarter) * quarter; theta <= high; theta += quarter)
-        add(from, theta);
+      // An arc reaches farthest at multiples of 90 degrees. They are counted, because adding 90 to a large
+      // angle, as in a damaged file, may not change it.
+      const double first = std::ceil(low / quarter) * quarter;
+      for (int turn = 0; turn <= 4 && first + turn * quarter <= high; ++turn)
+        add(from, first + turn * quarter);
     }
   });
   return all;

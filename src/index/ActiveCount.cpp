@@ -21,13 +21,15 @@ ArrayLengths lengthsOf(const std::vector<const IndexGroup*>& groups, IsArray isA
   return lengths;
 }
 
-/// Whether half of the records, or more, have the length that the header states: no other has more then.
+/// Whether at least half of the records have the length stated in the header, so that no other length occurs
+/// more often.
 bool mostHaveStatedLength(const std::vector<const IndexGroup*>& groups) {
   const GridCells& cells = groups.front()->cells;
   std::size_t records = 0, stated = 0;
   for (const IndexGroup* group : groups) {
     for (const IndexEntry& entry : group->entries) {
-      records += entry.count > 0 && entry.count <= cells.cells ? 1U : 0U;
+      if (entry.count <= 0 || entry.count > cells.cells) continue;
+      ++records;
       stated += entry.count == cells.active ? 1U : 0U;
     }
   }

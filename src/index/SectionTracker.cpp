@@ -83,7 +83,7 @@ std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis, Sessio
     diagnosis.action = fmt::format("skipped bytes {} to {}", gap.from, gap.to);
     return gap;
   } catch (BadRecord& failure) {
-    failure.diagnosis().action = "looked for no more records behind damage";
+    failure.diagnosis().action = "stopped searching for records after the damage";
     session.diagnose(std::move(failure.diagnosis()));
     return std::nullopt;
   }

@@ -25,16 +25,15 @@ std::unique_ptr<const Codec> makeCodec(const Form& form) {
 
 namespace {
 
-/// Takes a keyword as nearly all files have it, without a look at each letter: in upper case, with blanks
-/// behind it only. False, with nothing done, for any other.
+/// Sets the keyword if it is in upper case with blanks only at its end, as in nearly all files, by comparing
+/// its eight bytes at once. Returns false and changes nothing for any other keyword.
 bool setUsualKeyword(RecordHeader& header, std::string_view keyword) {
   constexpr std::uint64_t eachByte = 0x0101010101010101, highBits = 0x80 * eachByte, blanks = 0x20 * eachByte;
   if (keyword.size() != 8 || keyword[0] == ' ') return false;
   std::uint64_t letters = 0;
   std::memcpy(&letters, keyword.data(), sizeof letters);
-  const bool below = ((letters - blanks) & ~letters & highBits) != 0;  // a byte before the blank
-  const bool above =
-      ((letters | (letters + blanks)) & highBits) != 0;  // a small letter, or what is behind them
+  const bool below = ((letters - blanks) & ~letters & highBits) != 0;   // a control character
+  const bool above = ((letters | (letters + blanks)) & highBits) != 0;  // a lower-case letter or above
   if (below || above) return false;
   std::size_t length = 8;
   while (keyword[length - 1] == ' ') --length;
@@ -82,7 +81,7 @@ void throwBadRecord(std::string problem, std::uint64_t offset, std::string expec
 
 void throwTruncated(std::uint64_t offset, std::string expected, std::string found) {
   throw BadRecord({.message = Message::RecordTruncated,
-                   .problem = "record is cut off",
+                   .problem = "record truncated",
                    .offset = offset,
                    .expected = std::move(expected),
                    .found = std::move(found),

@@ -19,7 +19,7 @@ bool swappedMarks(std::span<const std::byte, 4> mark) {
   return mark[std::endian::native == std::endian::little ? 3 : 0] == headerMark;
 }
 
-/// Whether the first byte is none of a record mark's: looking for text in a file with marks would cost more
+/// Whether the first byte is not that of a record mark. Parsing text in a file with marks would take longer
 /// than reading its first header.
 bool mayBeText(std::byte first) { return first != std::byte{0} && first != headerMark; }
 

@@ -21,8 +21,7 @@ std::span<const std::byte> Window::fetch(std::uint64_t position, std::size_t nee
   if (session_ && session_->cancelled()) throw LoadCanceled();
   std::swap(last_, before_);
   if (last_.has(position, needed)) return last_.from(position);
-  if (last_.number > before_.number)
-    std::swap(last_, before_);  // a look back has made the newer one the other
+  if (last_.number > before_.number) std::swap(last_, before_);  // an access to the older one swapped them
   last_.number = before_.number + 1;
   if (!last_.bytes) last_.bytes.reset(new std::byte[capacity]);
   const auto share = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, capacity));

@@ -29,7 +29,7 @@ FourValues load(const float* from) {
   return values;
 }
 
-/// Turns a block of 4 by 4 in registers; value by value takes nearly twice the time of a whole load.
+/// Transposes a block of 4 by 4 values in registers, which takes half the time of copying value by value.
 void turnBlock(const float* in, std::size_t inStride, float* out, std::size_t outStride) {
   const FourValues a = load(in), b = load(in + inStride);
   const FourValues c = load(in + 2 * inStride), d = load(in + 3 * inStride);

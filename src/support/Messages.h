@@ -37,6 +37,8 @@ struct MessageRow {
   ROW(FileType, "file.type", Damage, "file is of another type")                                              \
   ROW(FileChanged, "file.changed", Damage, "file changed while it was being read")                           \
   ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
+  ROW(Stopped, "stopped", Incomplete, "stopped as requested")                                                \
+  ROW(TableRequest, "frame.request", Incomplete, "the request does not match the columns of the table")      \
   /* files */                                                                                                \
   ROW(FolderList, "files.folder", Damage, "folder cannot be listed")                                         \
   ROW(FilesBothSets, "files.both", Remark, "the run has a unified file and step files")                      \

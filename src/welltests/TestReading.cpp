@@ -112,8 +112,11 @@ void QVEclipseRFTtest::readRecord(RecordWalk& reader) {
       reader.reportType(*session_);
       return;
   }
-  TestTable* table = tableOf(keyword);
-  table ? addRecord(cursor, *table) : void(reader.reportType(*session_));
+  if (TestTable* table = tableOf(keyword)) {
+    addRecord(cursor, *table);
+  } else {
+    reader.reportType(*session_);
+  }
 }
 
 void QVEclipseRFTtest::setDate(RecordCursor& cursor) {

@@ -57,7 +57,7 @@ TEST_F(Check, DamageInOneFileDoesNotHideTheOthers) {
   const std::string data = file("RUN.UNSMRY");
   EXPECT_THAT(some.out, ::testing::StartsWith(
                             file("RUN.SMSPEC") + ": 8 records, clean\n" + data +
-                            ": record is cut off (PARAMS, occurrence 8, byte 4816: expected 149 elements, "
+                            ": record truncated (PARAMS, occurrence 8, byte 4816: expected 149 elements, "
                             "found 184 bytes); stopped behind 18 records\n" +
                             data + ": 18 records, 1 finding\n" + file("RUN.UNRST") +
                             ": number does not rise (SEQNUM, occurrence 16, byte " +

@@ -58,7 +58,7 @@ TEST_F(Records, DamagedFilesGiveTheirWholeRecords) {
   } damages[] = {
       {5000, 0, 3, 3,
        "(PORV, occurrence 1, byte 4080: expected 300 elements, found 920 bytes); listed the 3"},
-      {4060, 0, 3, 3, "record is cut off (byte 4056: expected 24 bytes, found 4); listed the 3 records"},
+      {4060, 0, 3, 3, "record truncated (byte 4056: expected 24 bytes, found 4); listed the 3 records"},
       {100, 0, 1, 0, "byte 24: expected 411 elements, found 76 bytes); nothing can be listed"},
       {whole.size(), 4059, 3, 21, "(byte 4056: expected 16, found 239); skipped bytes 4056 to "},
       {0, 0, 1, 0, "BAD.INIT: "},

@@ -158,7 +158,7 @@ TEST_F(Run, ExitStatusAndStreamsOfTheProgram) {
   const std::string program = "'" + commandPath() + "' ", cut = " '" + file("CUT") + "' ";
   const std::string arbor = " '" + sample("ARBOR") + "' ", messages = file("messages"), target = file("out");
   const std::string message = "lumbarn: " + file("CUT.UNSMRY") +
-                              ": record is cut off (byte 8992: expected 24 bytes, found 8); kept 13 rows\n";
+                              ": record truncated (byte 8992: expected 24 bytes, found 8); kept 13 rows\n";
   std::vector<std::tuple<std::string, int, std::string>> rows{
       {program + "info" + arbor + ">/dev/null", 0, ""},
       {program + "vectors" + arbor + "<&- >&-", 1, "standard output cannot be written"},

@@ -126,7 +126,7 @@ TEST_F(VtkExport, BothPorositySystemsAreDistinguished) {
 }
 
 /// A radial grid of two radii and `angles` sectors of a full circle inside cell 5 of 3 x 3.
-std::vector<std::shared_ptr<Hadrick>> radialRun(std::int32_t angles) {
+std::vector<std::shared_ptr<Hadrick>> radialRun(std::int32_t angles, float turn = 0) {
   auto parent = std::make_shared<Hadrick>(distortedBlock({3, 3, 1}, 0, 0));
   auto radial = std::make_shared<Hadrick>();
   radial->zParent = "ROOT";
@@ -136,7 +136,7 @@ std::vector<std::shared_ptr<Hadrick>> radialRun(std::int32_t angles) {
   std::vector<float> coord;
   for (std::int32_t j = 0; j <= angles; ++j) {
     for (const float r : {1.0F, 10.0F, 40.0F}) {
-      const float theta = 360.0F / static_cast<float>(angles) * static_cast<float>(j);
+      const float theta = 360.0F / static_cast<float>(angles) * static_cast<float>(j) + turn;
       coord.insert(coord.end(), {r, theta, 1000, r, theta, 1010});
     }
   }
@@ -177,6 +177,9 @@ TEST_F(VtkExport, RadialGridsAreClosedCylindersInTheMiddleOfTheirHost) {
       EXPECT_EQ(values[n], numbers[n] - 1);
     }
   }
+  // To an angle this large, 90 degrees add nothing.
+  const auto damaged = radialRun(4, 1e20F);
+  EXPECT_EQ(extentOf(damaged, *damaged[1]).high.z, 1010);
 }
 
 }  // namespace

@@ -49,6 +49,7 @@ Stream oddRows() {
     };
     const std::array<float, 2> first{1, 2.5F}, second{-0.0F, 1e20F};
     out.set(0, moment(993'945'600'000'000));
+    out.set(1, std::string_view("replaced below"));
     out.set(1, std::string_view("P\xC3\xA9, \"1\"\n"));
     out.set(2, 0.1F);
     out.set(3, 744.2708333333334);

@@ -160,7 +160,7 @@ GridBuilder::Grid local(const char* name, const char* parent = "", std::vector<s
   return {.size = {1, 1, 1}, .name = name, .parent = parent, .hosts = std::move(hosts)};
 }
 
-/// What does not hold is told. `grids` is how many are given out nevertheless.
+/// Faults are reported; `grids` is the number of grids that are returned nevertheless.
 TEST(EGridFiles, BadGridsAreToldAndDoNoHarm) {
   const struct {
     GridBuilder builder;
@@ -268,7 +268,7 @@ TEST(OldGridFiles, CellsInAnyOrderAndWithoutRecordsAreRead) {
               {{100, 100, 10}, {7, 5000, 99999}, "grid.cells.omitted"}};
   for (const auto& [size, order, message] : rows) {
     OldGrid file(size);
-    std::map<std::int32_t, float> last;  // what stands last for each cell
+    std::map<std::int32_t, float> last;  // the last value stored for each cell
     for (const std::int32_t one : order) {
       const std::int32_t cell = std::abs(one);
       last[cell] = static_cast<float>(10 * last.size()) + static_cast<float>(cell);
