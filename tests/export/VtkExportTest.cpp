@@ -178,7 +178,7 @@ TEST_F(VtkExport, RadialGridsAreClosedCylindersInTheMiddleOfTheirHost) {
     }
   }
   // To an angle this large, 90 degrees add nothing.
-  const auto damaged = radialRun(4, 1e20F);
+  const auto damaged = radialRun(4, std::ldexp(90.0F, 60));
   EXPECT_EQ(extentOf(damaged, *damaged[1]).high.z, 1010);
 }
 
