@@ -6,7 +6,7 @@
 
 #include "Failure.h"
 #include "RunIndex.h"
-#include "Suggestion.h"
+#include "support/Closest.h"
 #include "arrays/ArrayUnits.h"
 #include "arrays/DerivedSaturation.h"
 #include "frame/NumberText.h"

@@ -10,7 +10,7 @@
 #include "PathArgument.h"
 #include "RunArrays.h"
 #include "RunIndex.h"
-#include "Suggestion.h"
+#include "support/Closest.h"
 #include "grid/CellGeometryOfGrid.h"
 #include "grid/RadialGrid.h"
 #include "grid/Refinement.h"

@@ -7,7 +7,7 @@
 
 #include "Failure.h"
 #include "RunIndex.h"
-#include "Suggestion.h"
+#include "support/Closest.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
 #include "record/RecordCursor.h"

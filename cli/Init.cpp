@@ -11,7 +11,7 @@
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunIndex.h"
-#include "Suggestion.h"
+#include "support/Closest.h"
 #include "arrays/ArrayUnits.h"
 #include "frame/NumberText.h"
 #include "support/Text.h"

@@ -17,6 +17,7 @@ namespace lumbarn::cli {
 struct OutputOptions {
   Format format = Format::Table;
   std::string file;      ///< empty: standard output
+  bool unitRow = false;  ///< csv: a second header line with units; json: an object of units and rows
   bool replace = false;  ///< `file` may be a simulator file or a deck
 };
 

@@ -7,7 +7,8 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
-#include "Suggestion.h"
+#include "frame/Error.h"
+#include "support/Closest.h"
 #include "support/Fault.h"
 
 namespace lumbarn::cli {
@@ -63,12 +64,33 @@ std::string usageMessage(const CLI::App& app, const CLI::ParseError& error) {
   return fmt::format("{} (see \"{} --help\")", message, name);
 }
 
+/// The exit status of a question that cannot be answered.
+ExitStatus tellError(const Error& error, Console& console) {
+  switch (error.kind()) {
+    case Error::Kind::NotFound:
+    case Error::Kind::BadRequest: {
+      const auto similar = error.candidates();
+      console.say(similar.size() == 1 ? fmt::format("{}; did you mean \"{}\"?", error.what(), similar[0])
+                                      : std::string(error.what()));
+      return Usage;
+    }
+    case Error::Kind::Cancelled:
+      console.say("cancelled");
+      return Cancelled;
+    default:
+      console.tell(error.diagnosis());
+      return Unreadable;
+  }
+}
+
 ExitStatus perform(const Action& action, Console& console) {
   try {
     return action(console);
   } catch (const Failure& failure) {
     if (*failure.what() != '\0') console.say(failure.what());
     return failure.status();
+  } catch (const Error& error) {
+    return tellError(error, console);
   } catch (const LoadCanceled&) {
     console.say("cancelled");
     return Cancelled;

@@ -30,7 +30,8 @@ Format formatNamed(const std::string& word) {
   if (equalNoCase(word, "table")) return Format::Table;
   if (equalNoCase(word, "csv")) return Format::Csv;
   if (equalNoCase(word, "json")) return Format::Json;
-  throw CLI::ValidationError(fmt::format("--format is table, csv or json, not \"{}\"", word));
+  if (equalNoCase(word, "ndjson")) return Format::Ndjson;
+  throw CLI::ValidationError(fmt::format("--format is table, csv, json or ndjson, not \"{}\"", word));
 }
 
 }  // namespace
@@ -81,7 +82,7 @@ void Subcommand::list(const std::string& name, std::vector<std::string>& texts, 
 
 void Subcommand::output(OutputOptions& options) {
   const auto setFormat = [&options](const std::string& word) { options.format = formatNamed(word); };
-  command_.add_option_function<std::string>("--format", setFormat, "Form of the output: table, csv or json")
+  command_.add_option_function<std::string>("--format", setFormat, "Form of the output: table, csv, json or ndjson")
       ->option_text("FORMAT");
   value("-o,--output", options.file, "FILE", "Write to FILE, which appears when it is complete");
   flag("--replace", options.replace, "Let FILE replace a simulator file or a deck");

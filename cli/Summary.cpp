@@ -8,7 +8,7 @@
 #include "Output.h"
 #include "PathArgument.h"
 #include "StepRange.h"
-#include "Suggestion.h"
+#include "support/Closest.h"
 #include "VectorNames.h"
 #include "files/FileChoice.h"
 #include "frame/NumberText.h"

@@ -4,6 +4,7 @@
 
 #include "Console.h"
 #include "Facts.h"
+#include "Failure.h"
 #include "frame/NumberText.h"
 #include "support/Text.h"
 
@@ -113,6 +114,8 @@ std::unique_ptr<TableWriter> TableWriter::make(Format format, std::vector<Column
     case Format::Table:
       writer = std::make_unique<ReadableWriter>(std::move(columns), out);
       break;
+    default:
+      throw Failure(Usage, "this table can be written as table, csv or json");
   }
   for (Column& column : writer->columns_) {
     column.name = toUtf8(column.name);

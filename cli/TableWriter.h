@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-namespace lumbarn::cli {
+#include "frame/Write.h"
 
-enum class Format { Table, Csv, Json };
+namespace lumbarn::cli {
 
 struct Column {
   std::string name;

@@ -14,7 +14,7 @@
 #include "PathArgument.h"
 #include "RunFacts.h"
 #include "RunIndex.h"
-#include "Suggestion.h"
+#include "support/Closest.h"
 #include "files/FileChoice.h"
 #include "frame/NumberText.h"
 #include "reader/qvEclipseReader.h"

@@ -68,6 +68,7 @@ void ArrayTable::makeRoom(const ArrayRequest& request, std::size_t length, std::
         std::min(static_cast<std::size_t>(std::max(request.nVectorEstimate, 1)), mostColumns);
     length_ = length;
     loaded_ = request.LoadData;
+    arrays_.reserve(columns);
     sData_ = loaded_ ? XYData(length, columns + 1, session) : XYData();
     capacity_ = std::max(request.nVectorEstimate, 1);
     return;

@@ -12,6 +12,11 @@ namespace lumbarn {
 StreamContext::StreamContext(ReadOptions options)
     : options_(std::move(options)), session_(std::make_unique<Session>()) {
   session_->diagnosisSink = [this](const Diagnosis& diagnosis) { note(diagnosis); };
+  session_->faultReporter = [this](std::string_view text) {
+    note({.message = Message::SystemFault, .problem = std::string(text)});
+  };
+  session_->Container = options_.progress;
+  session_->hostCancel = options_.stopFlag;
   if (options_.stop.stop_possible()) {
     stop_.emplace(options_.stop, [session = session_.get()] { session->CancelLoad = true; });
   }
@@ -19,6 +24,8 @@ StreamContext::StreamContext(ReadOptions options)
 StreamContext::~StreamContext() = default;
 
 void StreamContext::note(const Diagnosis& diagnosis) {
+  if (options_.report) options_.report(diagnosis);
+  if (record_ != nullptr) record_->push_back(diagnosis);
   if (diagnosis.severity() == Severity::Remark) {
     remarks_.push_back(diagnosis);
   } else if (!worst_ || worst_->severity() < diagnosis.severity()) {
@@ -49,19 +56,24 @@ std::optional<Batch> Stream::next() {
     }
     if (context_->session().cancelled()) throw LoadCanceled();
   } catch (...) {
-    return fail(errorInFlight());
+    auto error = errorInFlight();
+    if (keeps(error)) context_->note(error.diagnosis());
+    return fail(std::move(error));
   }
   if (const auto& worst = context_->worst()) return fail(Error(Error::Kind::Damaged, *worst));
   source_.reset();
   return std::nullopt;
 }
 
-/// Ends the stream by an error, or like any other where the host keeps what there is.
+/// Whether the stream ends by the error like any other, as the host keeps what there is.
+bool Stream::keeps(const Error& error) const {
+  return context_->options().keepPartial &&
+         (error.kind() == Error::Kind::Damaged || error.kind() == Error::Kind::System);
+}
+
 std::optional<Batch> Stream::fail(Error error) {
   source_.reset();
-  const bool kept = context_->options().keepPartial &&
-                    (error.kind() == Error::Kind::Damaged || error.kind() == Error::Kind::System);
-  if (!kept) throw error;
+  if (!keeps(error)) throw error;
   incomplete_ = error.diagnosis();
   return std::nullopt;
 }

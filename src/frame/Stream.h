@@ -1,11 +1,13 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <stop_token>
+#include <utility>
 #include <vector>
 
 #include "BatchBuilder.h"
@@ -17,13 +19,19 @@ struct ArrowArrayStream;
 namespace lumbarn {
 
 class Session;
+class Progress;
 
 /// How a question is answered.
 struct ReadOptions {
   std::stop_token stop{};  ///< ends the stream with Error Cancelled; may be requested from any thread
+  /// The same for a flag that a signal handler sets. Not owned; null: none.
+  const std::atomic<bool>* stopFlag = nullptr;
+  /// Is told of each diagnosis as it is made, on the thread that reads.
+  std::function<void(const Diagnosis&)> report{};
+  Progress* progress = nullptr;  ///< is told how far the read has come, on the thread that reads; not owned
   BatchLimits limits{};
-  bool keepPartial =
-      false;  ///< damage ends the stream like its last row; `Stream::incomplete` has the reason
+  /// Damage ends the stream like its last row; `Stream::incomplete` has the reason.
+  bool keepPartial = false;
 };
 
 /// Produces the batches of a stream.
@@ -48,9 +56,20 @@ class StreamContext {
   /// The first diagnosis of the worst severity, of those that mean that data are missing.
   const std::optional<Diagnosis>& worst() const { return worst_; }
   void note(const Diagnosis& diagnosis);
+  /// Does some work, and adds what is reported during it to `reports`.
+  template <class Work>
+  auto recorded(std::vector<Diagnosis>& reports, Work&& work) {
+    struct Recording {
+      std::vector<Diagnosis>*& record;
+      std::vector<Diagnosis>* outer;
+      ~Recording() { record = outer; }
+    } recording{record_, std::exchange(record_, &reports)};
+    return std::forward<Work>(work)();
+  }
 
  private:
   ReadOptions options_;
+  std::vector<Diagnosis>* record_ = nullptr;
   std::unique_ptr<Session> session_;
   std::optional<std::stop_callback<std::function<void()>>> stop_;
   std::vector<Diagnosis> remarks_;
@@ -87,7 +106,7 @@ class Stream {
   void exportTo(ArrowArrayStream* out) &&;
 
  private:
-  void end();
+  bool keeps(const Error& error) const;
   std::optional<Batch> fail(Error error);
 
   std::shared_ptr<const Schema> schema_;

@@ -17,6 +17,12 @@ constexpr std::int64_t elementsPerX231 = std::int64_t{1} << 31;
 
 }  // namespace
 
+struct RecordCursor::Ahead {
+  std::uint64_t start = 0;  // where `next` looked
+  RecordHeader header;
+  DataLayout layout;
+};
+
 RecordCursor::RecordCursor(std::shared_ptr<const ByteSource> source, Form form, std::string path)
     : source_(std::move(source)),
       form_(form),
@@ -54,6 +60,7 @@ bool RecordCursor::next() {
   start_ = next_;
   header_.clear();
   occurrence_ = 0;
+  if (takeAhead()) return true;
   return located([&] {
     if (!readHeader(start_)) return false;
     occurrence_ = ++met_[header_.key];
@@ -64,8 +71,22 @@ bool RecordCursor::next() {
     *layout_ = codec_->locate(*window_, header_);
     next_ = layout_->end;
     if (auto wrong = unexpected(file_, header_)) throw BadRecord(std::move(*wrong));
+    if (lookingAhead_ && regular()) ahead_.push_back({start_, header_, *layout_});
     return true;
   });
+}
+
+/// Takes the next record from those that were met looking ahead, if it is one of them.
+bool RecordCursor::takeAhead() {
+  if (nextAhead_ == ahead_.size()) return false;
+  const Ahead& ahead = ahead_[nextAhead_];
+  if (ahead.start != start_) return false;
+  ++nextAhead_;
+  header_ = ahead.header;
+  *layout_ = ahead.layout;
+  next_ = layout_->end;
+  occurrence_ = ++met_[header_.key];
+  return true;
 }
 
 Gap RecordCursor::skipDamage() {
@@ -87,7 +108,15 @@ void RecordCursor::unread() {
   next_ = header_.headerAt;
 }
 
+RecordCursor::Mark RecordCursor::mark() {
+  ahead_.clear();
+  nextAhead_ = 0;
+  lookingAhead_ = true;
+  return {next_, met_};
+}
+
 void RecordCursor::goBack(Mark mark) {
+  lookingAhead_ = false;
   next_ = mark.next;
   met_ = std::move(mark.met);
 }

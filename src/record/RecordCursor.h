@@ -70,7 +70,9 @@ class RecordCursor {
     std::uint64_t next = 0;
     KeywordCounts met;
   };
-  Mark mark() const { return {next_, met_}; }
+  /// What `next` meets from here on until `goBack` is remembered, so that the second walk does not read it
+  /// again.
+  Mark mark();
   void goBack(Mark mark);
   std::uint64_t fileSize() const { return source_->size(); }
   const std::string& path() const { return path_; }
@@ -108,6 +110,7 @@ class RecordCursor {
   template <class Body>
   auto located(Body&& body);
   bool readHeader(std::uint64_t position);
+  bool takeAhead();
   void decode(ElementType wanted, std::int64_t first, std::size_t count, void* out);
 
   std::shared_ptr<const ByteSource> source_;
@@ -123,6 +126,11 @@ class RecordCursor {
   std::int64_t occurrence_ = 0;
   std::uint32_t gathers_ = 0;
   KeywordCounts met_;
+
+  struct Ahead;
+  std::vector<Ahead> ahead_;  // records met between `mark` and `goBack`, in the order of the file
+  std::size_t nextAhead_ = 0;
+  bool lookingAhead_ = false;
 };
 
 /// A cursor on a file, its form found by content. On failure null, with the reason in `why`.

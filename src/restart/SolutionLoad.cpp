@@ -27,6 +27,19 @@ constexpr std::size_t stepGrowth = 50;
 /// However small the first step is beside its file: room for more is made when they come.
 constexpr std::size_t mostExpected = 100000;
 
+/// The first array whose name an earlier one has; their number if there is none.
+std::size_t repeatedArray(const std::vector<KeptArray>& arrays,
+                          std::vector<std::pair<std::string_view, std::size_t>>& names) {
+  names.clear();
+  for (const KeptArray& array : arrays) names.emplace_back(array.name, names.size());
+  std::ranges::sort(names);
+  std::size_t first = arrays.size();
+  for (std::size_t i = 1; i < names.size(); ++i) {
+    if (names[i].first == names[i - 1].first) first = std::min(first, names[i].second);
+  }
+  return first;
+}
+
 }  // namespace
 
 /// What one load has found out.
@@ -42,6 +55,8 @@ struct qvEclipseSOLUTION::Load {
   bool stepTwice = false;           ///< reported: a step number, or an array of a step, that occurs again
   bool arrayTwice = false;
   bool stop = false;
+  std::unordered_set<std::int32_t> numbers;                     ///< of the steps that were kept
+  std::vector<std::pair<std::string_view, std::size_t>> names;  ///< of one grid's arrays: working memory
 };
 
 void qvEclipseSOLUTION::getSOLUTIONData(bool& qOK) {
@@ -219,17 +234,13 @@ void qvEclipseSOLUTION::reportRepeats(Load& load, const qvEclipseSEQUENCE& step)
                         .found = std::move(found),
                         .action = "kept both; each is selected by its position"});
   };
-  for (std::int32_t i = 1; i <= nSequences_ && !load.stepTwice; ++i) {
-    if (this->step(i).iSeqnum == step.iSeqnum)
-      report(load.stepTwice, Message::StepTwice, load.start, fmt::format("2 steps {}", step.iSeqnum));
-  }
+  if (!load.numbers.insert(step.iSeqnum).second)
+    report(load.stepTwice, Message::StepTwice, load.start, fmt::format("2 steps {}", step.iSeqnum));
   for (std::int32_t iGrid = 1; iGrid <= step.nGrids && !load.arrayTwice; ++iGrid) {
-    std::unordered_set<std::string_view> names;
-    for (const KeptArray& array : step.grid(iGrid).arrays.arrays()) {
-      if (!names.insert(array.name).second)
-        report(load.arrayTwice, Message::ArrayTwice, array.header.headerAt,
-               fmt::format("{} twice in step {}", array.name, step.iSeqnum));
-    }
+    const auto& arrays = step.grid(iGrid).arrays.arrays();
+    if (const auto again = repeatedArray(arrays, load.names); again < arrays.size())
+      report(load.arrayTwice, Message::ArrayTwice, arrays[again].header.headerAt,
+             fmt::format("{} twice in step {}", arrays[again].name, step.iSeqnum));
   }
 }
 

@@ -79,10 +79,6 @@ std::int32_t AttributeStore::find(std::string_view item) const {
   return number == 0 ? -1 : number;
 }
 
-std::string_view AttributeStore::item(std::int32_t number) const {
-  return has(number) ? std::string_view(at(number).text) : std::string_view();
-}
-
 std::int32_t AttributeStore::useCount(std::int32_t number) const { return has(number) ? at(number).uses : 0; }
 
 void AttributeStore::StoreInit(std::int32_t, std::int32_t nWidth, std::int32_t, bool& qOK) {

@@ -52,7 +52,9 @@ class AttributeStore {
   std::int32_t add(std::string_view item);         ///< number of the item, added when new
   std::int32_t find(std::string_view item) const;  ///< -1 when it is not there
   /// Text of a number, empty for a number that is none. Holds until that item is replaced or the store goes.
-  std::string_view item(std::int32_t number) const;
+  std::string_view item(std::int32_t number) const {
+    return has(number) ? std::string_view(at(number).text) : std::string_view();
+  }
   std::int32_t count() const { return static_cast<std::int32_t>(items_.size()); }
   std::int32_t useCount(std::int32_t number) const;  ///< 0 for a number that is none
   std::int32_t width() const { return width_; }

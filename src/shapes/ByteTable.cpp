@@ -1,6 +1,7 @@
 #include "ByteTable.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "../support/Fault.h"
@@ -57,7 +58,7 @@ void ByteTable::put(std::size_t iEntry, std::size_t firstByte, std::size_t field
                     std::string_view text) {
   const auto bytes = entry(iEntry);
   check(firstByte >= 1 && firstByte <= width_ + 1 && fieldWidth <= width_ + 1 - firstByte);
-  std::ranges::copy(text.substr(0, fieldWidth), bytes.begin() + static_cast<std::ptrdiff_t>(firstByte) - 1);
+  std::memcpy(bytes.data() + firstByte - 1, text.data(), std::min(text.size(), fieldWidth));
 }
 
 std::string_view ByteTable::get(std::size_t iEntry, std::size_t firstByte, std::size_t fieldWidth) const {

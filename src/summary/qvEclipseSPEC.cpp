@@ -162,6 +162,38 @@ void qvEclipseSPEC::getHorizontalHeaders(ByteTable& bHeaders, std::vector<bool>&
   qHorizontalMask_ = qMask;
 }
 
+/// The texts of one attribute. Vectors come in runs with the same unit, class or mnemonic, so the last text
+/// is kept.
+class AttributeTexts {
+ public:
+  AttributeTexts(const AttributeStores& stores, std::int32_t iAttribute) : store_(stores(iAttribute)) {}
+  std::string_view operator()(std::int32_t number) {
+    if (number != number_) text_ = store_.item(number_ = number);
+    return text_;
+  }
+
+ private:
+  const AttributeStore& store_;
+  std::int32_t number_ = 0;
+  std::string_view text_;
+};
+
+struct qvEclipseSPEC::HeaderTexts {
+  explicit HeaderTexts(const AttributeStores& stores)
+      : source(stores(attributeSource).item(1)),
+        kind(stores(attributeDataKind).item(1).substr(0, 8)),
+        zClass(stores, attributeClass),
+        member(stores, attributeMember),
+        index(stores, attributeIndex),
+        variable(stores, attributeVariable),
+        verbose(stores, attributeVerbose),
+        units(stores, attributeUnits) {}
+
+  std::string_view source;
+  std::string_view kind;
+  AttributeTexts zClass, member, index, variable, verbose, units;
+};
+
 void qvEclipseSPEC::ReturnHeaders(ByteTable& bHeaders, std::vector<bool>& qMask, bool& qOK,
                                   bool qHorizontal) {
   guarded(*session_, qOK, className, "ReturnHeaders", [&] {
@@ -169,20 +201,19 @@ void qvEclipseSPEC::ReturnHeaders(ByteTable& bHeaders, std::vector<bool>& qMask,
     if (!qLoaded_) return false;
     if (qHorizontal) qMask.assign(xVectors.size(), true);
     addSource();
-    const std::string source(xStore(attributeSource).item(1));
-    const std::string kind(xStore(attributeDataKind).item(1).substr(0, 8));
+    HeaderTexts texts(xStore);
     ByteTable headers(headerWidth, static_cast<std::size_t>(std::ranges::count(qMask, true)));
     std::size_t entry = 0;
     for (std::size_t i = 0; i < xVectors.size(); ++i) {
       if ((i + 1) % yieldInterval == 0 && session_->yield()) return false;
       if (!qMask[i]) continue;
-      std::string_view variable = text(xVectors[i], attributeVariable);
+      std::string_view variable = texts.variable(xVectors[i].iVariable);
       variable = trim(variable.substr(0, variable.find('\t')));
       if (qHorizontal && !isConnectionMnemonic(variable)) {
         qMask[i] = false;
         continue;
       }
-      fillHeader(headers, ++entry, xVectors[i], variable, source, kind);
+      fillHeader(headers, ++entry, xVectors[i], variable, texts);
     }
     if (qHorizontal && entry == 0) return false;
     if (qHorizontal) headers.resize(entry);
@@ -193,24 +224,23 @@ void qvEclipseSPEC::ReturnHeaders(ByteTable& bHeaders, std::vector<bool>& qMask,
 }
 
 void qvEclipseSPEC::fillHeader(ByteTable& bHeaders, std::size_t iEntry, const VECTORDATA& xVector,
-                               std::string_view variable, std::string_view source,
-                               std::string_view kind) const {
+                               std::string_view variable, HeaderTexts& texts) const {
   const auto put = [&](std::int32_t iAttribute, std::string_view value) {
     if (!value.empty()) setAttribute(iAttribute, bHeaders, iEntry, value);
   };
-  put(attributeSource, source);
-  put(attributeDataKind, kind);
-  const std::string_view zClass = text(xVector, attributeClass);
+  put(attributeSource, texts.source);
+  put(attributeDataKind, texts.kind);
+  const std::string_view zClass = texts.zClass(xVector.iClass);
   put(attributeClass, zClass);
   if (nLGRs > 0 && zClass == "LGR") {
     put(attributeLGRName, text(xVector, attributeLGRName));
     put(attributeLGRClass, text(xVector, attributeLGRClass));
   }
-  put(attributeMember, text(xVector, attributeMember));
-  put(attributeIndex, text(xVector, attributeIndex));
+  put(attributeMember, texts.member(xVector.iMember));
+  put(attributeIndex, texts.index(xVector.iIndex));
   put(attributeVariable, variable);
-  put(attributeVerbose, text(xVector, attributeVerbose));
-  put(attributeUnits, text(xVector, attributeUnits));
+  put(attributeVerbose, texts.verbose(xVector.iVerbose));
+  put(attributeUnits, texts.units(xVector.iUnits));
 }
 
 void qvEclipseSPEC::getHorizontalLengths(std::vector<float>& sLengths, std::string& zUnits, bool& qOK) {

@@ -125,8 +125,9 @@ class qvEclipseSPEC : public FormFlags {
   void clear();
   bool readRecords();
   void addSource();
+  struct HeaderTexts;
   void fillHeader(ByteTable& bHeaders, std::size_t iEntry, const VECTORDATA& xVector,
-                  std::string_view variable, std::string_view source, std::string_view kind) const;
+                  std::string_view variable, HeaderTexts& texts) const;
   void ReturnHeaders(ByteTable& bHeaders, std::vector<bool>& qMask, bool& qOK, bool qHorizontal);
 
   Session* session_;

@@ -39,6 +39,11 @@ struct MessageRow {
   ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
   ROW(Stopped, "stopped", Incomplete, "stopped as requested")                                                \
   ROW(TableRequest, "frame.request", Incomplete, "the request does not match the columns of the table")      \
+  ROW(RequestMissing, "request.missing", Incomplete, "what was asked for is not there")                      \
+  ROW(RequestRefused, "request.refused", Incomplete, "the request cannot be answered")                       \
+  ROW(RunMissing, "run.missing", Incomplete, "no such file or run")                                          \
+  ROW(RunSeveral, "run.several", Incomplete, "the path can mean several runs")                               \
+  ROW(RunFileMissing, "run.file", Incomplete, "the run has no file of this type")                            \
   /* files */                                                                                                \
   ROW(FolderList, "files.folder", Damage, "folder cannot be listed")                                         \
   ROW(FilesBothSets, "files.both", Remark, "the run has a unified file and step files")                      \

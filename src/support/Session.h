@@ -51,8 +51,10 @@ class Session {
   double NullValue = -999;         ///< stands for "no value" in results
   std::int32_t UseNullValue = 1;   ///< told to the host in the source data
   std::atomic<bool> CancelLoad{};  ///< polled by every long loop; may be set from a signal or another thread
-  Progress* Container = nullptr;   ///< not owned
-  std::size_t memoryLimit = 0;     ///< bytes that one result array may take; 0: no limit but the machine's
+  const std::atomic<bool>* hostCancel =
+      nullptr;                    ///< a flag of the host's that has the same effect; not owned
+  Progress* Container = nullptr;  ///< not owned
+  std::size_t memoryLimit = 0;    ///< bytes that one result array may take; 0: no limit but the machine's
 
   std::function<void()> hostYield;                       ///< the host's message loop
   std::function<void(std::string_view)> faultReporter;   ///< takes the text of each fault report
@@ -68,7 +70,10 @@ class Session {
     if (hostYield) hostYield();
     return cancelled();
   }
-  bool cancelled() const { return CancelLoad.load(std::memory_order_relaxed); }
+  bool cancelled() const {
+    return CancelLoad.load(std::memory_order_relaxed) ||
+           (hostCancel != nullptr && hostCancel->load(std::memory_order_relaxed));
+  }
 
   /// Counts a fault and passes its text to the reporter. Nothing is shown when the host gave none.
   void reportFault(std::string_view text) {

@@ -1,13 +1,14 @@
-#include "Suggestion.h"
+#include "Closest.h"
 
 #include <algorithm>
 #include <numeric>
 #include <utility>
 #include <vector>
 
-#include "support/Text.h"
+#include "Text.h"
 
-namespace lumbarn::cli {
+namespace lumbarn {
+
 namespace {
 
 /// Letters to insert, remove or replace to get from one word to the other.
@@ -43,4 +44,4 @@ std::string closest(std::string_view word, std::span<const std::string> known) {
   return best;
 }
 
-}  // namespace lumbarn::cli
+}  // namespace lumbarn

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-namespace lumbarn::cli {
+namespace lumbarn {
 
 /// The known word that a mistyped one most likely stands for; empty when none is close.
 std::string closest(std::string_view word, std::span<const std::string> known);
 
-}  // namespace lumbarn::cli
+}  // namespace lumbarn

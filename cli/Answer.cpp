@@ -1,0 +1,48 @@
+#include "Answer.h"
+
+#include <ostream>
+
+namespace lumbarn::cli {
+namespace {
+
+class OutputSink final : public Sink {
+ public:
+  explicit OutputSink(std::ostream& out) : out_(out) {}
+  void write(std::span<const std::byte> bytes) override {
+    out_.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    if (!out_) throw Unwritable();
+  }
+  void flush() override { out_.flush(); }
+
+  /// `Output::commit` tells the reason.
+  struct Unwritable {};
+
+ private:
+  std::ostream& out_;
+};
+
+}  // namespace
+
+ReadOptions asking(Console& console) {
+  ReadOptions options;
+  options.stopFlag = &console.session().CancelLoad;
+  options.report = [&console](const Diagnosis& diagnosis) { console.tell(diagnosis); };
+  options.progress = &console.progress();
+  options.keepPartial = true;
+  return options;
+}
+
+ExitStatus write(Stream&& answer, const OutputOptions& options, const Run& run, Console& console) {
+  Output output(options, console.out(), run.files());
+  OutputSink sink(output.stream());
+  try {
+    lumbarn::write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+  } catch (const OutputSink::Unwritable&) {
+  }
+  console.progress().hide();
+  console.checkCancelled();
+  output.commit();
+  return console.doneStatus();
+}
+
+}  // namespace lumbarn::cli

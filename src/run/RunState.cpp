@@ -1,0 +1,69 @@
+#include "RunState.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "../files/FileChoice.h"
+#include "../files/Recogniser.h"
+#include "../frame/Error.h"
+#include "../index/RestartIndexAgreement.h"
+#include "../index/qvEclipseINSPEC.h"
+#include "../support/Closest.h"
+
+namespace lumbarn {
+
+namespace {
+
+/// An index from which something can be read. The reason why nothing can is among the reports.
+RestartIndex checked(RestartIndex index, StreamContext& context) {
+  if (context.session().cancelled()) throw LoadCanceled();
+  if (!index.steps.empty()) return index;
+  if (context.worst()) throw Error(Error::Kind::Damaged, *context.worst());
+  throw Error(Error::Kind::Damaged, {.message = Message::RecordDamaged,
+                                     .path = index.files.empty() ? std::string() : index.files.front(),
+                                     .problem = "nothing of it can be read"});
+}
+
+}  // namespace
+
+const RunMember& RunState::file(FileKind kind) const {
+  if (const RunMember* member = family_.find(kind)) return *member;
+  throw Error(Error::Kind::NotFound, {.message = Message::RunFileMissing,
+                                      .path = root(),
+                                      .problem = fmt::format("has no {} file", nameOf(kind))});
+}
+
+std::string RunState::pathOf(FileKind kind) const {
+  const RunMember* member = family_.find(kind);
+  return member ? member->path : std::string();
+}
+
+std::shared_ptr<const RestartIndex> RunState::restartIndex(StreamContext& context) const {
+  return restart_.get(context, [&](Session& session) {
+    const auto files = chooseFiles(session, family_, FileKind::Restart).files;
+    if (files.empty()) file(FileKind::Restart);
+    return checked(indexOfRestart(session, files, pathOf(FileKind::Rsspec)), context);
+  });
+}
+
+std::shared_ptr<const RestartIndex> RunState::initIndex(StreamContext& context) const {
+  return init_.get(context, [&](Session& session) {
+    return checked(indexOfInit(session, file(FileKind::Init).path, pathOf(FileKind::Inspec)), context);
+  });
+}
+
+void throwNotFound(const std::string& path, const std::string& problem, std::string_view name,
+                   const std::vector<std::string>& names) {
+  std::vector<std::string> similar;
+  if (std::string better = closest(name, names); !better.empty()) similar.push_back(std::move(better));
+  throw Error(Error::Kind::NotFound, {.message = Message::RequestMissing, .path = path, .problem = problem},
+              std::move(similar));
+}
+
+void throwRefused(const std::string& path, const std::string& problem) {
+  throw Error(Error::Kind::BadRequest,
+              {.message = Message::RequestRefused, .path = path, .problem = problem});
+}
+
+}  // namespace lumbarn

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "../files/Families.h"
+#include "../index/RestartIndex.h"
+#include "Lazy.h"
+
+namespace lumbarn {
+
+/// What the copies of a Run share: the names of its files, and what was read of them so far. Only the Lazy
+/// members change, and they may be used from several threads.
+class RunState {
+ public:
+  explicit RunState(RunFamily family) : family_(std::move(family)) {}
+
+  const RunFamily& family() const { return family_; }
+  std::string root() const { return family_.folder + family_.base; }
+
+  /// The file of a type. Throws Error NotFound when the run has none.
+  const RunMember& file(FileKind kind) const;
+
+  /// The steps and arrays of the restart set, or the arrays of the INIT file. Throw Error NotFound without
+  /// such files, and Damaged when nothing of them can be read.
+  std::shared_ptr<const RestartIndex> restartIndex(StreamContext& context) const;
+  std::shared_ptr<const RestartIndex> initIndex(StreamContext& context) const;
+
+ private:
+  std::string pathOf(FileKind kind) const;
+
+  RunFamily family_;
+  Lazy<RestartIndex> restart_;
+  Lazy<RestartIndex> init_;
+};
+
+/// Throws Error NotFound, with similar names among those that there are.
+[[noreturn]] void throwNotFound(const std::string& path, const std::string& problem, std::string_view name,
+                                const std::vector<std::string>& names);
+/// Throws Error BadRequest.
+[[noreturn]] void throwRefused(const std::string& path, const std::string& problem);
+
+/// The name by which people know a grid: ROOT is the global one.
+inline std::string shownGrid(const std::string& grid) { return grid.empty() ? "ROOT" : grid; }
+
+/// The moment of a header, for columns.
+inline LocalMoment toLocal(Moment moment) { return LocalMoment(moment.time_since_epoch()); }
+inline std::optional<LocalMoment> toLocal(const std::optional<Moment>& moment) {
+  return moment ? std::optional(toLocal(*moment)) : std::nullopt;
+}
+
+}  // namespace lumbarn
