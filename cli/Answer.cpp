@@ -32,17 +32,24 @@ ReadOptions asking(Console& console) {
   return options;
 }
 
-ExitStatus write(Stream&& answer, const OutputOptions& options, const Run& run, Console& console) {
-  Output output(options, console.out(), run.files());
+ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
+                       Console& console) {
+  Output output(options, console.out(), inputs);
   OutputSink sink(output.stream());
   try {
-    lumbarn::write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
-  } catch (const OutputSink::Unwritable&) {
+    write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+  } catch (const OutputSink::Unwritable&) {  // the stream has the reason
   }
   console.progress().hide();
   console.checkCancelled();
   output.commit();
   return console.doneStatus();
+}
+
+ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console& console,
+                  const Question& ask) {
+  const Run run = Run::open(runs.paths.front());
+  return writeAnswer(ask(run, asking(console)), options, run.files(), console);
 }
 
 }  // namespace lumbarn::cli

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
+
 #include "Console.h"
 #include "Output.h"
+#include "Subcommand.h"
 #include "frame/Stream.h"
 #include "frame/Write.h"
 #include "run/Run.h"
@@ -12,7 +15,15 @@ namespace lumbarn::cli {
 ReadOptions asking(Console& console);
 
 /// Writes the rows of an answer in the form that was asked for, to standard output or to a file that appears
-/// when it is complete. Gives the exit status that follows from what was reported.
-ExitStatus write(Stream&& answer, const OutputOptions& options, const Run& run, Console& console);
+/// when it is complete. `inputs` are the files that are read. Gives the exit status that follows from what
+/// was reported.
+ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
+                       Console& console);
+
+/// A question about one run.
+using Question = std::function<Stream(const Run&, const ReadOptions&)>;
+/// Asks the runs and writes the answer.
+ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console& console,
+                  const Question& ask);
 
 }  // namespace lumbarn::cli

@@ -1,6 +1,9 @@
 #include "Subcommand.h"
 
+#include <algorithm>
 #include <limits>
+#include <string_view>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -80,9 +83,44 @@ void Subcommand::list(const std::string& name, std::vector<std::string>& texts, 
   command_.add_option(name, texts, description)->allow_extra_args(false)->delimiter(',')->option_text(word);
 }
 
+void Subcommand::runs(RunOptions& options) {
+  command_.add_option("PATH", options.paths, "A file of the run, its root name or its folder")
+      ->required()
+      ->expected(1)
+      ->option_text(" ");
+}
+
+void Subcommand::time(TimeOptions& options) {
+  value("--steps", options.steps, "A:B", "Report steps: 3:7, 3:, :7, 3, 3:7,9 or last");
+  value("--date", options.date, "DATE",
+        "The last one at or before a date, as 2001-08-01 or 2001-08-01T06:30:00");
+  value("--from", options.from, "DATE", "From a date on");
+  value("--to", options.to, "DATE", "Up to a date; one without a time of day means its end");
+  value("--every", options.every, "PERIOD", "The last one of each day, month, quarter or year");
+}
+
+TimeSelection TimeOptions::selection() const {
+  TimeSelection selection;
+  if (!steps.empty()) selection = TimeSelection::parse(steps);
+  if (!date.empty()) selection.at = parseMoment(date, true);
+  if (!from.empty()) selection.from = parseMoment(from);
+  if (!to.empty()) selection.to = parseMoment(to, true);
+  if (every.empty()) return selection;
+  constexpr std::pair<std::string_view, Every> periods[] = {
+      {"day", Every::Day}, {"month", Every::Month}, {"quarter", Every::Quarter}, {"year", Every::Year}};
+  const auto period =
+      std::ranges::find_if(periods, [&](const auto& one) { return equalNoCase(one.first, every); });
+  if (period == std::end(periods))
+    throw Failure(Usage, fmt::format("--every is day, month, quarter or year, not \"{}\"", every));
+  selection.every = period->second;
+  return selection;
+}
+
 void Subcommand::output(OutputOptions& options) {
   const auto setFormat = [&options](const std::string& word) { options.format = formatNamed(word); };
-  command_.add_option_function<std::string>("--format", setFormat, "Form of the output: table, csv, json or ndjson")
+  command_
+      .add_option_function<std::string>("--format", setFormat,
+                                        "Form of the output: table, csv, json or ndjson")
       ->option_text("FORMAT");
   value("-o,--output", options.file, "FILE", "Write to FILE, which appears when it is complete");
   flag("--replace", options.replace, "Let FILE replace a simulator file or a deck");

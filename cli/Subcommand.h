@@ -10,6 +10,7 @@
 #include "Console.h"
 #include "Failure.h"
 #include "Output.h"
+#include "run/Selections.h"
 
 namespace CLI {
 class App;
@@ -24,6 +25,26 @@ using Action = std::function<ExitStatus(Console&)>;
 struct CommandLine {
   CLI::App& app;
   Action& chosen;
+};
+
+/// Which runs to ask.
+struct RunOptions {
+  std::vector<std::string> paths;
+};
+
+/// Which rows or steps to show, as texts of the command line.
+struct TimeOptions {
+  std::string steps;
+  std::string date;
+  std::string from;
+  std::string to;
+  std::string every;
+
+  bool given() const {
+    return !(steps.empty() && date.empty() && from.empty() && to.empty() && every.empty());
+  }
+  /// Throws Error BadRequest for texts that are none.
+  TimeSelection selection() const;
 };
 
 /// A subcommand and its arguments, as its help lists them. The library that parses command lines is seen by
@@ -64,6 +85,10 @@ class Subcommand {
   /// As `repeated`, with each text split at its commas.
   void list(const std::string& name, std::vector<std::string>& texts, const std::string& word,
             const std::string& description);
+  /// The paths of runs, one at least.
+  void runs(RunOptions& options);
+  /// `--steps`, `--date`, `--from`, `--to` and `--every`.
+  void time(TimeOptions& options);
   /// `--format` and `-o`.
   void output(OutputOptions& options);
 
