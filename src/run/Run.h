@@ -52,6 +52,15 @@ class Run {
   /// The steps of the restart files, in the order of the files.
   std::vector<StepInfo> steps(const ReadOptions& options = {}) const;
 
+  /// The grids, or the one with a name:
+  /// `name,parent,type,nx,ny,nz,active,refined,connections,units,x_min,x_max,y_min,
+  /// y_max,z_min,z_max,map_axes`. Extents are in the unit of length of the file; of a radial grid they are
+  /// those of the cylinder in its host.
+  Stream grids(const std::string& name = {}, const ReadOptions& options = {}) const;
+  /// The active cells of a grid, `i,j,k` from 1 and `corners`: x, y, z of eight corners, in a radial grid r,
+  /// theta, z. Depths grow downwards unless `zUp`.
+  Stream corners(const CornerSelection& selection = {}, const ReadOptions& options = {}) const;
+
   explicit Run(std::shared_ptr<const RunState> state) : state_(std::move(state)) {}
   const RunState& state() const { return *state_; }
 

@@ -9,6 +9,9 @@
 
 namespace lumbarn {
 
+class Hadrick;
+using Grids = std::vector<std::shared_ptr<Hadrick>>;
+
 /// What the copies of a Run share: the names of its files, and what was read of them so far. Only the Lazy
 /// members change, and they may be used from several threads.
 class RunState {
@@ -25,6 +28,8 @@ class RunState {
   /// such files, and Damaged when nothing of them can be read.
   std::shared_ptr<const RestartIndex> restartIndex(StreamContext& context) const;
   std::shared_ptr<const RestartIndex> initIndex(StreamContext& context) const;
+  /// The grids of the EGRID or GRID file; of a damaged file those that are complete.
+  std::shared_ptr<const Grids> grids(StreamContext& context) const;
 
  private:
   std::string pathOf(FileKind kind) const;
@@ -32,6 +37,7 @@ class RunState {
   RunFamily family_;
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
+  Lazy<Grids> grids_;
 };
 
 /// Throws Error NotFound, with similar names among those that there are.

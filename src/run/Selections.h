@@ -45,6 +45,13 @@ struct TimeSelection {
 /// last microsecond of the day. Throws Error BadRequest.
 LocalMoment parseMoment(std::string_view text, bool endOfDay = false);
 
+/// Corners of the active cells of a grid.
+struct CornerSelection {
+  std::string grid{};  ///< empty or ROOT: the global one
+  bool map = false;    ///< x and y in the axes and units of the map, where the file has such
+  bool zUp = false;    ///< heights in place of depths
+};
+
 /// Cells of a grid, numbered from 1, both ends included.
 struct CellBox {
   std::array<std::int32_t, 3> from{};

@@ -147,6 +147,7 @@ struct MessageRow {
   ROW(IndexFolder, "reader.index-folder", Incomplete, "no folder is specified for the index")                \
   ROW(CellGeometry, "reader.cell-geometry", Incomplete, "geometry of inactive cells was not kept")           \
   /* export */                                                                                               \
+  ROW(ExportModule, "export.module", Damage, "the module of the export cannot be opened")                    \
   ROW(ExportHdf, "export.hdf5", Damage, "cannot be written as an HDF5 file")                                 \
   /* command */                                                                                              \
   ROW(FileContent, "check.content", Damage, "content is not what the name says")                             \
