@@ -38,12 +38,15 @@ class ArrayReader {
  public:
   explicit ArrayReader(Session& session = Session::process()) : session_(&session) {}
   /// For arrays by name, at the positions in the index.
-  ArrayReader(RestartIndex index, Session& session) : session_(&session), index_(std::move(index)) {}
+  ArrayReader(RestartIndex index, Session& session)
+      : ArrayReader(std::make_shared<const RestartIndex>(std::move(index)), session) {}
+  ArrayReader(std::shared_ptr<const RestartIndex> index, Session& session)
+      : session_(&session), index_(std::move(index)) {}
   ~ArrayReader();
   ArrayReader(const ArrayReader&) = delete;
   ArrayReader& operator=(const ArrayReader&) = delete;
 
-  const RestartIndex& index() const { return index_; }
+  const RestartIndex& index() const { return *index_; }
 
   /// By a column of a step's fetch-on-demand table, the file that the step was read from, and the settings
   /// that came with it (FORTRAN, Formatted, 4-byte marks, bytes swapped, I/O method 8): elements
@@ -76,6 +79,17 @@ class ArrayReader {
   void readCell(std::int32_t step, std::string_view name, std::string_view grid, std::int32_t i,
                 std::int32_t j, std::int32_t k, double& value, bool& qOK);
 
+  /// Elements of an entry of a step of this reader's index, or of one of `derivedArray`, which needs the
+  /// grid: [first, first + values.size()), or those with the numbers given, which ascend. Number is
+  /// std::int32_t, float or double; 64-bit numbers lose precision as float. Throw BadRecord, Fault and
+  /// LoadCanceled.
+  template <class Number>
+  void fetch(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
+             std::span<Number> values);
+  template <class Number>
+  void fetch(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
+             std::span<const std::uint32_t> elements, std::span<Number> values);
+
   /// Sets which cells of a grid are active.
   void setActiveCells(std::string_view grid, ActiveCells cells);
 
@@ -93,17 +107,18 @@ class ArrayReader {
   RecordCursor& moveTo(const Found& array);
   template <class Number>
   void readElements(const Found& array, std::int64_t first, std::span<Number> values);
-  template <class Number>
-  void readDerived(const Found& array, std::int64_t first, std::span<Number> values);
+  template <class Number, class Fetch>
+  void derive(const Found& array, std::span<Number> values, Fetch fetchPiece);
   void readCellsOf(const Found& array, std::int64_t first, std::span<double> values);
   const ActiveCells* knownActiveCells(const Found& array) const;
   void clearInactive(const ActiveCells& cells, std::int64_t first, std::span<double> values) const;
   const ActiveCells& activeCellsOf(const Found& array) const;
 
   Session* session_;
-  RestartIndex index_;
+  std::shared_ptr<const RestartIndex> index_ = std::make_shared<const RestartIndex>();
   std::map<std::string, ActiveCells, std::less<>> activeCells_;
   std::unique_ptr<RecordCursor> cursor_;  // on the file that was read last
+  std::optional<std::uint64_t> current_;  // the record of it that the cursor is on, if it was moved there
   bool repeatReported_ = false;
 };
 
