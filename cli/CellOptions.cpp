@@ -55,7 +55,9 @@ TimeSelection stepsOf(const Run& run, const CellOptions& options) {
 ExitStatus writeCells(const Run& run, const CellSelection& selection, const OutputOptions& options,
                       Console& console) {
   const auto files = run.files();
-  if (!options.grdecl) return writeAnswer(run.cells(selection, asking(console)), options, files, console);
+  ReadOptions read = asking(console);
+  read.limits.bytes = std::size_t{8} << 20;  // the text of a batch takes as much again, or twice that
+  if (!options.grdecl) return writeAnswer(run.cells(selection, read), options, files, console);
   const auto& steps = selection.time.steps;
   const bool one = selection.init || (steps.size() == 1 && steps[0].first == steps[0].last);
   if (!one) throw Failure(Usage, "--format grdecl needs --step N: the one report step to write");
@@ -64,8 +66,8 @@ ExitStatus writeCells(const Run& run, const CellSelection& selection, const Outp
   complete.inactive = true;
   const auto writeArrays = [&](Sink& sink) {
     const auto step = selection.init ? std::nullopt : std::optional(steps[0].first);
-    for (const std::string& name : arrayNames(run.cells(complete, asking(console)).schema()))
-      writeGrdecl(run.cellArray(name, step, {}, selection.grid, asking(console)), name, sink);
+    for (const std::string& name : arrayNames(run.cells(complete, read).schema()))
+      writeGrdecl(run.cellArray(name, step, {}, selection.grid, read), name, sink);
   };
   return writeAnswer(writeArrays, options, files, console);
 }

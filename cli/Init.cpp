@@ -312,7 +312,7 @@ void addInit(CommandLine& line) {
   command.flag("--nnc", options.nnc, "List the connection arrays by kind, or with --array show their values");
   command.output(options.output, true);
   command.footer(
-      "Names are separated by commas; options may be repeated. Examples:\n"
+      "Names are separated by commas; options may be repeated. Example:\n"
       "  lumbarn init --array PORO,PERMX --ijk --format csv -o rock.csv RUN\n"
       "  lumbarn init --array PORO --format grdecl -o poro.grdecl RUN");
 }

@@ -129,7 +129,7 @@ void addRestart(CommandLine& line) {
   addStepOptions(command, options.cells);
   command.output(options.output, true);
   command.footer(
-      "Names are separated by commas; options may be repeated. Examples:\n"
+      "Names are separated by commas; options may be repeated. Example:\n"
       "  lumbarn restart --step 5 --array PRESSURE,SWAT --ijk --format csv -o step5.csv RUN\n"
       "  lumbarn restart --array PRESSURE --cell 12,8,4 --from 2001-08-01 --format csv RUN");
 }

@@ -121,12 +121,7 @@ void CellRows::listCells() {
 
 bool CellRows::nextStep() {
   if (steps_ == plan_.steps.size()) return false;
-  Session& session = context_->session();
-  if (session.cancelled()) throw LoadCanceled();
-  if (session.Container) {
-    if (steps_ == 0) session.Container->files(1);
-    session.Container->fraction(static_cast<double>(steps_) / static_cast<double>(plan_.steps.size()));
-  }
+  if (context_->session().cancelled()) throw LoadCanceled();
   step_ = plan_.steps[steps_++];
   cells_ = step_->cellsOf(plan_.grid);
   if (cells_.known()) size_ = cells_.size;
@@ -142,6 +137,8 @@ bool CellRows::nextStep() {
   rowsOfStep_ = !listed_.empty()      ? static_cast<std::int64_t>(listed_.size())
                 : selection_.inactive ? cells_.cells
                                       : cells_.active;
+  const bool numbered = active_ || !hasPlaces_ || cells_.active == cells_.cells;
+  if (!anyCell() && !numbered) rowsOfStep_ = 0;
   inOrder_ = listed_.empty() && !active_;
   reportInactive();
   return true;
@@ -184,13 +181,13 @@ void CellRows::findActive() {
       return entry && (entry->count == cells_.cells) == full;
     });
   };
-  const bool anyCell = selection_.inactive || !listed_.empty();
-  if (!anyCell && !hasPlaces_ && !has(true)) return;
+  if (!anyCell() && !hasPlaces_ && !has(true)) return;
   active_ = run_->activeCells(*context_, plan_.grid, cells_);
   if (context_->session().cancelled()) throw LoadCanceled();
   if (active_->has_value()) return;
   active_.reset();
-  if (anyCell && !has(false)) return;  // values of all cells can be given as they are stored
+  if (anyCell() && !has(false)) return;   // values of all cells can be given as they are stored
+  if (!has(true) && !has(false)) return;  // a step without arrays, whose header alone tells the number
   throw Error(Error::Kind::Damaged,
               {.message = Message::ActiveCellsUnknown,
                .path = plan_.index->files[step_->file],
@@ -218,11 +215,20 @@ void CellRows::reportInactive() {
                                            count - 1)});
 }
 
+void CellRows::showProgress() const {
+  Progress* progress = context_->session().Container;
+  if (!progress) return;
+  if (steps_ == 1 && nextRow_ == 0) progress->files(1);
+  const double ofStep = static_cast<double>(nextRow_) / static_cast<double>(rowsOfStep_);
+  progress->fraction((static_cast<double>(steps_ - 1) + ofStep) / static_cast<double>(plan_.steps.size()));
+}
+
 /// The next rows, of all columns. Where the file is damaged, as few that the damage is behind them.
 bool CellRows::nextPiece() {
   while (nextRow_ == rowsOfStep_) {
     if (!nextStep()) return false;
   }
+  showProgress();
   auto rows =
       static_cast<std::size_t>(std::min(static_cast<std::int64_t>(mostRows_), rowsOfStep_ - nextRow_));
   for (bool read = false; !read;) {

@@ -35,6 +35,9 @@ class CellRows {
   void listCells();
   bool nextStep();
   bool nextPiece();
+  void showProgress() const;
+  /// Whether rows may be cells that are not active.
+  bool anyCell() const { return selection_.inactive || !listed_.empty(); }
   void countElements();
   void findActive();
   void readPiece(std::size_t rows);

@@ -39,12 +39,16 @@ const Refusal refusals[] = {
     {"summary --steps 5:3 @ARBOR", "--steps takes a range as 3:7, 3:, :7 or 3, not \"5:3\""},
     {"summary --vectors X* @ARBOR", "no vector matches \"X*\""},
     {"restart --step X", "--step needs a whole number, not \"X\" (see"},
-    {"restart --step 99 @HOLLIN", "has no report step 99; it has 0:13"},
+    {"restart --step 99 @HOLLIN", "has none of the report steps asked for; it has 0:13"},
     {"restart --step 3 --grid FAULT @HOLLIN", "step 3 has no grid FAULT; it has ROOT"},
     {"restart --step 3 --array PRESURE @HOLLIN", "did you mean \"PRESSURE\"?"},
     {"restart --step 3 --array ZWEL @HOLLIN", "holds no numbers but CHAR"},
-    {"restart --step 3 --array ICON --ijk @HOLLIN", "it cannot be shown with --ijk"},
-    {"restart --array PRESSURE @HOLLIN", "--array needs --step N"},
+    {"restart --step 3 --array ICON --ijk @HOLLIN", "ICON has no values for cells"},
+    {"restart --array PRESSURE --format grdecl @HOLLIN", "--format grdecl needs --step N"},
+    {"restart --step 3 --steps 4 @HOLLIN", "--step goes without other choices of steps"},
+    {"cells --array PRESSURE --cell 1,2 @HOLLIN", "a cell is given as 12,8,4"},
+    {"cells --array PRESSURE --cell 17,1,1 @HOLLIN", "cell 17,1,1 is not in grid ROOT"},
+    {"stats --array PRESSURE --by FIPNUN @HOLLIN", "has no array FIPNUN"},
     {"wells --grid RODT @HOLLIN", "step 13 has no grid \"RODT\"; did you mean \"ROOT\"?\n"},
     {"wells ~IN", "IN: has no restart files"},
     {"init --ijk @HOLLIN", "--ijk goes with --array"},
@@ -101,7 +105,7 @@ TEST_F(Run, EveryOptionIsInTheManPageAndInTheCompletions) {
     const auto at = text.find(from);
     return at == text.npos ? "" : text.substr(at, text.find(to, at + 1) - at);
   };
-  for (const std::string name : {"info", "records", "check", "vectors", "summary", "restart", "wells", "grid",
+  for (const std::string name : {"info", "records", "check", "vectors", "summary", "restart", "cells", "stats", "wells", "grid",
                                  "rft", "index", "init", "tables"}) {
     const std::string help = command({name, "--help"}).out;
     EXPECT_THAT(help, HasSubstr("Example:\n  lumbarn " + name));

@@ -203,7 +203,6 @@ TEST_F(LongArrays, AnythingThatIsNotThereIsRefusedBeforeTheFirstRow) {
               HasSubstr("show them one by one"));
   EXPECT_THAT(problemOf(BadRequest, ask({.arrays = {"INTEHEAD"}, .ijk = true})),
               HasSubstr("no values for cells"));
-  EXPECT_THAT(problemOf(BadRequest, ask({.arrays = {"STARTSOL"}})), HasSubstr("holds no numbers"));
   auto some = run.cells({.arrays = {"PRESSURE,XYZ"}});
   EXPECT_THAT(some.remarks(), SizeIs(1)) << "what is there is shown";
 }
