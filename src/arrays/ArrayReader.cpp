@@ -18,8 +18,6 @@ namespace {
 
 constexpr const char* className = "ArrayReader";
 
-std::string gridKey(std::string_view grid) { return isGlobalGrid(grid) ? "" : upper(trim(grid)); }
-
 constexpr std::size_t pieceElements = std::size_t{1} << 16;
 
 /// Decodes straight into the array where the types are the same, a piece at a time otherwise.
@@ -303,85 +301,6 @@ void ArrayReader::read(const IndexStep& step, const IndexEntry& entry, std::stri
                        std::int64_t first, std::span<double> values, bool& qOK) {
   guarded(*session_, qOK, className, "read",
           [&] { readElements(foundEntry(step, entry, grid), first, values); });
-}
-
-void ArrayReader::setActiveCells(std::string_view grid, ActiveCells cells) {
-  activeCells_.insert_or_assign(gridKey(grid), std::move(cells));
-}
-
-/// Null when the active cells were not set, or those of another grid were.
-const ActiveCells* ArrayReader::knownActiveCells(const Found& array) const {
-  const auto cells = activeCells_.find(gridKey(array.grid));
-  const bool fits = cells != activeCells_.end() && cells->second.cells() == array.cells.cells &&
-                    cells->second.active() == array.cells.active;
-  return fits ? &cells->second : nullptr;
-}
-
-const ActiveCells& ArrayReader::activeCellsOf(const Found& array) const {
-  const auto* cells = knownActiveCells(array);
-  if (!cells) throw BadRecord(refusal(array, Message::ActiveCellsUnknown));
-  return *cells;
-}
-
-/// Gives the inactive ones of the cells from [first] on the null value.
-void ArrayReader::clearInactive(const ActiveCells& cells, std::int64_t first,
-                                std::span<double> values) const {
-  auto next = std::ranges::upper_bound(cells.iA2N(), first);
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    const bool active = next != cells.iA2N().end() && *next == first + static_cast<std::int64_t>(i) + 1;
-    if (active)
-      ++next;
-    else
-      values[i] = session_->NullValue;
-  }
-}
-
-void ArrayReader::readCells(std::int32_t step, std::string_view name, std::string_view grid,
-                            std::int64_t first, std::span<double> values, bool& qOK) {
-  guarded(*session_, qOK, className, "readCells",
-          [&] { readCellsOf(find(step, name, grid), first, values); });
-}
-
-void ArrayReader::readCells(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
-                            std::int64_t first, std::span<double> values, bool& qOK) {
-  guarded(*session_, qOK, className, "readCells",
-          [&] { readCellsOf(foundEntry(step, entry, grid), first, values); });
-}
-
-void ArrayReader::readCellsOf(const Found& array, std::int64_t first, std::span<double> values) {
-  if (!isCellArray(array.entry, array.cells)) throw BadRecord(refusal(array, Message::ArrayNotOfCells));
-  const auto count = static_cast<std::int64_t>(values.size());
-  if (first < 0 || first > array.cells.cells || count > array.cells.cells - first) {
-    throw Fault(FaultNumber::Subscript);
-  }
-  if (array.entry.count == array.cells.cells) {
-    readElements(array, first, values);
-    if (const auto* active = knownActiveCells(array)) clearInactive(*active, first, values);
-    return;
-  }
-  // The values of the active cells in the range lie next to each other: they are read to its front and
-  // moved to their positions from behind.
-  const auto& iA2N = activeCellsOf(array).iA2N();
-  const auto from = std::ranges::upper_bound(iA2N, first);
-  const auto to = std::ranges::upper_bound(iA2N, first + count);
-  auto left = static_cast<std::size_t>(to - from);
-  readElements(array, from - iA2N.begin(), values.first(left));
-  for (std::int64_t cell = count; cell-- > 0;) {
-    const bool active = left > 0 && *(from + static_cast<std::ptrdiff_t>(left) - 1) == first + cell + 1;
-    values[static_cast<std::size_t>(cell)] = active ? values[--left] : session_->NullValue;
-  }
-}
-
-void ArrayReader::readCell(std::int32_t step, std::string_view name, std::string_view grid, std::int32_t i,
-                           std::int32_t j, std::int32_t k, double& value, bool& qOK) {
-  std::int64_t cell = -1;
-  guarded(*session_, qOK, className, "readCell", [&] {
-    const auto [nx, ny, nz] = find(step, name, grid).cells.size;
-    const auto inside = [](std::int32_t at, std::int32_t size) { return at >= 1 && at <= size; };
-    if (!inside(i, nx) || !inside(j, ny) || !inside(k, nz)) throw Fault(FaultNumber::Subscript);
-    cell = (static_cast<std::int64_t>(k - 1) * ny + (j - 1)) * nx + (i - 1);
-  });
-  if (qOK) readCells(step, name, grid, cell, std::span(&value, 1), qOK);
 }
 
 }  // namespace lumbarn

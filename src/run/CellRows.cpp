@@ -81,8 +81,11 @@ Schema CellRows::schema() const {
 void CellRows::checkRequest() const {
   if (plan_.ofCells() || !(hasPlaces_ || selection_.inactive || !selection_.cells.empty())) return;
   const auto other = std::ranges::find(plan_.columns, false, &ArrayColumn::ofCells);
-  throwRefused(plan_.index->files.front(),
-               fmt::format("{} has no values for cells: it can only be shown as it is stored", other->name));
+  throw Error(Error::Kind::BadRequest,
+              {.message = Message::ArrayNotOfCells,
+               .path = plan_.index->files.front(),
+               .problem = fmt::format("{} has no values for cells: it can only be shown as it is stored",
+                                      other->name)});
 }
 
 void CellRows::listCells() {
