@@ -62,7 +62,9 @@ struct Candidate {
   std::size_t most = 0;      // in one step
   std::size_t steps = 0;     // that have it
   std::size_t inStep = 0;
-  const IndexStep* step = nullptr;  // the last one that has it
+  const IndexStep* step = nullptr;       // the last one that has it
+  const IndexEntry* repeated = nullptr;  // the second one of the name in the first step with two
+  const IndexStep* repeatedIn = nullptr;
   bool taken = false;
 };
 
@@ -127,6 +129,10 @@ class Candidates {
       ++candidate.steps;
     }
     candidate.most = std::max(candidate.most, ++candidate.inStep);
+    if (candidate.inStep == 2 && !candidate.repeated) {
+      candidate.repeated = &entry;
+      candidate.repeatedIn = &step;
+    }
   }
 
   const RestartIndex* index_;
@@ -191,12 +197,9 @@ class Planner {
     for (std::size_t i = 0; i < candidate.most; ++i)
       plan_.columns.push_back(
           {candidate.name, i, fixed, *candidate.type, candidate.unit, asked_, candidate.allCells});
-    if (candidate.most > 1) {
-      const auto entries = candidate.step->findAll(candidate.name, plan_.grid);
-      if (entries.size() > 1)
-        context_.session().diagnose(
-            repeatedArray(from.index(), *candidate.step, *entries[1], "shown in the order of the file"));
-    }
+    if (candidate.repeated)
+      context_.session().diagnose(repeatedArray(from.index(), *candidate.repeatedIn, *candidate.repeated,
+                                                "shown in the order of the file"));
     const std::size_t steps = fixed ? 1 : plan_.steps.size();
     if (candidate.steps < steps)
       context_.session().diagnose({.message = Message::ArraySomeSteps,

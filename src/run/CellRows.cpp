@@ -53,6 +53,7 @@ CellRows::CellRows(std::shared_ptr<const RunState> run, std::shared_ptr<StreamCo
 
 Schema CellRows::schema() const {
   Schema schema;
+  const std::string grid = gridName(plan_.steps, plan_.grid);
   if (!selection_.valuesOnly) {
     if (!selection_.init) {
       schema.push_back({.name = "step", .type = Type::Int32, .nullable = false});
@@ -62,8 +63,7 @@ Schema CellRows::schema() const {
     schema.push_back({.name = "grid",
                       .type = Type::Dictionary,
                       .nullable = false,
-                      .dictionary = std::make_shared<const std::vector<std::string>>(
-                          std::vector{gridName(plan_.steps, plan_.grid)})});
+                      .dictionary = std::make_shared<const std::vector<std::string>>(std::vector{grid})});
   }
   for (const char* axis : {"i", "j", "k"}) {
     if (hasPlaces_) schema.push_back({.name = axis, .type = Type::Int32, .nullable = false});
@@ -71,7 +71,7 @@ Schema CellRows::schema() const {
   for (const ArrayColumn& column : plan_.columns) {
     Field field{.name = column.name, .type = column.type, .unit = column.unit};
     field.metadata.emplace_back("mnemonic", column.name);
-    if (!plan_.grid.empty()) field.metadata.emplace_back("lgr", gridName(plan_.steps, plan_.grid));
+    if (!plan_.grid.empty()) field.metadata.emplace_back("lgr", grid);
     schema.push_back(std::move(field));
   }
   makeNamesUnique(schema);
