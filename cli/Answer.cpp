@@ -34,10 +34,18 @@ ReadOptions asking(Console& console) {
 
 ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
                        Console& console) {
+  const auto writeRows = [&](Sink& sink) {
+    write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+  };
+  return writeAnswer(writeRows, options, inputs, console);
+}
+
+ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOptions& options,
+                       std::span<const std::string> inputs, Console& console) {
   Output output(options, console.out(), inputs);
   OutputSink sink(output.stream());
   try {
-    write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+    write(sink);
   } catch (const OutputSink::Unwritable&) {  // the stream has the reason
   }
   console.progress().hide();

@@ -20,6 +20,10 @@ ReadOptions asking(Console& console);
 ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
                        Console& console);
 
+/// The same for output that is more than one table: `write` writes all of it.
+ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOptions& options,
+                       std::span<const std::string> inputs, Console& console);
+
 /// A question about one run.
 using Question = std::function<Stream(const Run&, const ReadOptions&)>;
 /// Asks the runs and writes the answer.

@@ -22,6 +22,8 @@ void addCommands(CommandLine line) {
   addVectors(line);
   addSummary(line);
   addRestart(line);
+  addCells(line);
+  addStats(line);
   addWells(line);
   addInit(line);
   addTables(line);

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <map>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "../arrays/ActiveCells.h"
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
 #include "Lazy.h"
@@ -31,6 +36,12 @@ class RunState {
   /// The grids of the EGRID or GRID file; of a damaged file those that are complete.
   std::shared_ptr<const Grids> grids(StreamContext& context) const;
 
+  /// Which cells of a grid with these cells are active, by the INIT and EGRID files; nothing where they do
+  /// not decide it.
+  std::shared_ptr<const std::optional<ActiveCells>> activeCells(StreamContext& context,
+                                                                const std::string& grid,
+                                                                const GridCells& cells) const;
+
  private:
   std::string pathOf(FileKind kind) const;
 
@@ -38,6 +49,9 @@ class RunState {
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
   Lazy<Grids> grids_;
+  using GridKey = std::tuple<std::string, std::int64_t, std::int64_t>;  // name, cells, active cells
+  mutable std::mutex activeMutex_;                                      // of the map, not of what it holds
+  mutable std::map<GridKey, Lazy<std::optional<ActiveCells>>> active_;
 };
 
 /// Throws Error NotFound, with similar names among those that there are.

@@ -58,4 +58,37 @@ struct CellBox {
   std::array<std::int32_t, 3> to{};
 };
 
+/// A cell or a box as "12,8,4" or "1:16,8,1:5". Throws Error BadRequest.
+CellBox parseCells(std::string_view text);
+
+/// Which arrays are listed.
+struct ArrayListSelection {
+  bool init = false;   ///< those of the INIT file, not of the restart files
+  std::string grid{};  ///< empty: all grids
+  TimeSelection time{};
+};
+
+/// Which values of arrays of cells are wanted.
+struct CellSelection {
+  /// Names, or patterns for the arrays that `Run::arrays` lists; each text may be several with commas
+  /// between.
+  std::vector<std::string> arrays{};
+  std::string grid = "ROOT";
+  TimeSelection time{};
+  std::vector<CellBox> cells{};  ///< empty: the active cells
+  bool init = false;             ///< arrays of the INIT file only, which have no time
+  bool inactive = false;         ///< all cells, where `cells` is empty
+  bool ijk = false;              ///< the columns i, j, k, which a list of cells has in any case
+  bool valuesOnly = false;       ///< without step, date, days, grid, and i, j, k unless `ijk` asks for them
+  std::optional<std::int32_t>
+      nth{};  ///< of steps with one number that at this position, from 1; else the last
+};
+
+/// Which arrays are summarized, over which cells.
+struct StatisticsSelection {
+  CellSelection cells{};
+  std::vector<std::string> by{};  ///< arrays of whole numbers; each combination of them is a region
+  std::string weight{};           ///< array by which means are weighted; empty: none
+};
+
 }  // namespace lumbarn
