@@ -32,12 +32,17 @@ ReadOptions asking(Console& console) {
   return options;
 }
 
-ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
-                       Console& console) {
+namespace {
+
+ExitStatus writeAnswers(std::span<Stream> answers, const OutputOptions& options,
+                        std::span<const std::string> inputs, Console& console) {
   Output output(options, console.out(), inputs);
   OutputSink sink(output.stream());
   try {
-    write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+    for (Stream& answer : answers) {
+      if (&answer != answers.data()) output.stream() << '\n';
+      write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+    }
   } catch (const OutputSink::Unwritable&) {  // the stream has the reason
   }
   console.progress().hide();
@@ -46,10 +51,25 @@ ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<
   return console.doneStatus();
 }
 
+}  // namespace
+
+ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
+                       Console& console) {
+  return writeAnswers({&answer, 1}, options, inputs, console);
+}
+
 ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console& console,
                   const Question& ask) {
   const Run run = Run::open(runs.paths.front());
   return writeAnswer(ask(run, asking(console)), options, run.files(), console);
+}
+
+ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console& console,
+                   std::span<const Question> questions) {
+  const Run run = Run::open(runs.paths.front());
+  std::vector<Stream> all;
+  for (const Question& ask : questions) all.push_back(ask(run, asking(console)));
+  return writeAnswers(all, options, run.files(), console);
 }
 
 }  // namespace lumbarn::cli

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <string>
 #include <thread>
 #include <vector>
@@ -105,8 +106,13 @@ class Cells {
         return numberCell(text, at<std::int64_t>(buffers, row), forPeople_);
       case Type::Float32:
         return numberCell(text, at<float>(buffers, row), forPeople_);
-      case Type::Float64:
-        return numberCell(text, at<double>(buffers, row), forPeople_);
+      case Type::Float64: {
+        const auto number = at<double>(buffers, row);
+        // The digits of a single tell people more than 17 of which the last ones are noise.
+        if (forPeople_ && std::abs(number) < std::numeric_limits<float>::max())
+          return numberCell(text, static_cast<float>(number), true);
+        return numberCell(text, number, forPeople_);
+      }
       case Type::FixedList:
         return numberCell(
             text, at<float>(buffers, row * static_cast<std::size_t>(field.listSize) + from.item), forPeople_);
