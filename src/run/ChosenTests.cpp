@@ -53,6 +53,8 @@ ChosenTests::ChosenTests(const RunState& run, const TestSelection& selection, bo
       names_(selection.wells) {
   if (!selection.time.steps.empty() || selection.time.every == Every::ReportStep)
     throwRefused(file_.path, "well tests have no report steps; they are chosen by date");
+  context.session().NullValue = static_cast<double>(TestFile::none);
+  context.session().faultReporter = nullptr;  // diagnoses tell the same
   tests_ = TestFile::open(file_.path, file_.kind, selection.part, context.session());
   auto first = tests_ ? read() : std::nullopt;
   if (first) {

@@ -261,8 +261,6 @@ std::unique_ptr<TestFile> openUsers(const std::string& path, FileKind kind, Test
 
 std::unique_ptr<TestFile> TestFile::open(const std::string& path, FileKind kind, TestPart part,
                                          Session& session) {
-  session.NullValue = static_cast<double>(none);
-  session.faultReporter = nullptr;
   if (kind != FileKind::Rft) return openUsers(path, kind, part, session);
   if (part == TestPart::Segments || part == TestPart::All) {
     auto reader = WellTestReader::open(path, session);

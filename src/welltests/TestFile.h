@@ -44,12 +44,12 @@ struct TestColumn {
 /// tests are asked for, once and from front to back; no more than one test is held.
 class TestFile {
  public:
-  /// Stands for "no value" in the columns of singles: no file has it.
+  /// Stands for "no value" in the columns of singles, when it is the session's null value: no file has it.
   static constexpr float none = std::numeric_limits<float>::lowest();
 
-  /// A file of kind Rft, UserRft or UserPlt, of whose tests one part will be asked for. Takes the session's
-  /// null value and reporter of faults: what ends a part of a test is told as a diagnosis too. Throws
-  /// BadRecord when it cannot be opened. Null, with a diagnosis, when nothing of it can be read.
+  /// A file of kind Rft, UserRft or UserPlt, of whose tests one part will be asked for. Null, with a
+  /// diagnosis, when nothing of it can be read; throws BadRecord when it cannot be opened. What ends a part
+  /// of a test is told as a fault and as a diagnosis.
   static std::unique_ptr<TestFile> open(const std::string& path, FileKind kind, TestPart part,
                                         Session& session);
   virtual ~TestFile() = default;
