@@ -12,7 +12,7 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
-    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number)
+    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number | --well | --date | --from | --to | --every)
       return
       ;;
   esac
@@ -21,8 +21,8 @@ _lumbarn() {
     index) options='--into --replace -h --help' ;;
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;
-    rft) options+=' --test --plt --branch --icd --segments --all' ;;
-    wells) options+=' --step --grid' ;;
+    rft) options+=' --well --steps --date --from --to --every --test --rows --plt --branch --icd --segments --all' ;;
+    wells) options+=' --step --steps --date --from --to --every --well --grid --no-connections' ;;
     summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
     init) options+=' --array --grid --ijk --all --flags --nnc' ;;

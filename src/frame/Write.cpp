@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <limits>
 #include <string>
 #include <thread>
 #include <vector>
@@ -39,6 +38,13 @@ Cell numberCell(std::string& text, Number value, bool forPeople) {
   text = NumberText(value, forPeople).view();
   if constexpr (std::floating_point<Number>) return std::isfinite(value) ? Cell::Number : Cell::NotFinite;
   return Cell::Number;
+}
+
+/// Whether the digits of a single tell people all there is: of doubles that come from an iteration, as rates,
+/// the others are noise.
+bool isShownAsSingle(const Field& field) {
+  return std::ranges::any_of(
+      field.metadata, [](const auto& one) { return one.first == "display" && one.second == "float32"; });
 }
 
 /// One column of what is written: one of a batch, or one value of a FixedList.
@@ -106,13 +112,10 @@ class Cells {
         return numberCell(text, at<std::int64_t>(buffers, row), forPeople_);
       case Type::Float32:
         return numberCell(text, at<float>(buffers, row), forPeople_);
-      case Type::Float64: {
-        const auto number = at<double>(buffers, row);
-        // The digits of a single tell people more than 17 of which the last ones are noise.
-        if (forPeople_ && std::abs(number) < std::numeric_limits<float>::max())
-          return numberCell(text, static_cast<float>(number), true);
-        return numberCell(text, number, forPeople_);
-      }
+      case Type::Float64:
+        if (forPeople_ && isShownAsSingle(field) && std::isfinite(at<double>(buffers, row)))
+          return numberCell(text, static_cast<float>(at<double>(buffers, row)), true);
+        return numberCell(text, at<double>(buffers, row), forPeople_);
       case Type::FixedList:
         return numberCell(
             text, at<float>(buffers, row * static_cast<std::size_t>(field.listSize) + from.item), forPeople_);

@@ -82,7 +82,7 @@ std::optional<ChosenTest> ChosenTests::read() {
     std::string why;
     if (withColumns_) one.columns = tests_->columns(selection_.branch, why);
     if (!why.empty()) {
-      if (why_.empty()) why_ = std::move(why);
+      if (++withoutPart_ == 1) why_ = std::move(why);
       continue;
     }
     any_ = true;
@@ -131,7 +131,8 @@ void ChosenTests::throwNone() {
   }
   names_.throwIfNone(file_.path);
   if (!why_.empty() && context_.worst()) throw Error(Error::Kind::Damaged, *context_.worst());
-  if (!why_.empty()) throwMissing(file_.path, why_);
+  if (!why_.empty())
+    throwMissing(file_.path, withoutPart_ > 1 ? "no test that was chosen has such a table: " + why_ : why_);
   chooseTimes(selection_.time, outside_, file_.path);
   throwMissing(file_.path, "has no tests");
 }

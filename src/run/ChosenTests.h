@@ -47,10 +47,11 @@ class ChosenTests {
   RunMember file_;
   WellNames names_;
   std::unique_ptr<TestFile> tests_;
-  std::int32_t count_ = 0;                  // of tests read
-  bool any_ = false;                        // test was kept
-  std::vector<TimePoint> outside_;          // of tests that are not, as long as none is
-  std::string why_;                         // the first test without the part has none
+  std::int32_t count_ = 0;          // of tests read
+  bool any_ = false;                // test was kept
+  std::vector<TimePoint> outside_;  // of tests that are not, as long as none is
+  std::int32_t withoutPart_ = 0;
+  std::string why_;                         // the first of them has none
   std::map<std::string, ChosenTest> held_;  // by well: kept unless a later one takes its place
   std::deque<ChosenTest> ready_;
 };

@@ -92,9 +92,11 @@ constexpr RecordField<ConnectionRecord> connectionFields[] = {
 
 template <class Record, std::size_t n>
 void addFields(Schema& schema, const RecordField<Record> (&fields)[n], std::int32_t units) {
-  for (const auto& field : fields)
+  for (const auto& field : fields) {
     schema.push_back(
         {.name = field.name, .type = field.type, .unit = std::string(unitOf(field.quantity, units))});
+    if (field.type == Type::Float64) schema.back().metadata = {{"display", "float32"}};
+  }
 }
 
 /// An empty text is no value, as one that is not there.
