@@ -60,4 +60,18 @@ ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console&
   return writeAnswer(ask(run, asking(console)), options, run.files(), console);
 }
 
+ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console& console,
+                   std::span<const Question> questions) {
+  const Run run = Run::open(runs.paths.front());
+  std::vector<Stream> all;
+  for (const Question& ask : questions) all.push_back(ask(run, asking(console)));
+  const auto writeAll = [&](Sink& sink) {
+    for (Stream& table : all) {
+      if (&table != all.data()) sink.write(std::as_bytes(std::span("\n", 1)));
+      write(std::move(table), sink, {.format = options.format, .unitRow = options.unitRow});
+    }
+  };
+  return writeAnswer(writeAll, options, run.files(), console);
+}
+
 }  // namespace lumbarn::cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 
 #include "Console.h"
 #include "Output.h"
@@ -29,5 +30,9 @@ using Question = std::function<Stream(const Run&, const ReadOptions&)>;
 /// Asks the runs and writes the answer.
 ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console& console,
                   const Question& ask);
+
+/// Asks them several questions and writes the answers one below the other, for people.
+ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console& console,
+                   std::span<const Question> questions);
 
 }  // namespace lumbarn::cli

@@ -23,8 +23,8 @@ _lumbarn() {
     index) options='--into --replace -h --help' ;;
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;
-    rft) options+=' --test --plt --branch --icd --segments --all' ;;
-    wells) options+=' --step --grid' ;;
+    rft) options+=' --well --steps --date --from --to --every --test --rows --plt --branch --icd --segments --all' ;;
+    wells) options+=' --step --steps --date --from --to --every --well --grid --no-connections' ;;
     summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
     init) options+=' --array --grid --cell --ijk --all --flags --nnc' ;;

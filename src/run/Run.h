@@ -93,6 +93,23 @@ class Run {
   /// order, and the last with the region "all"; numbers of several region arrays are joined by "/". Sums and
   /// means are computed in double precision, over the cells with values. Throws as `cells`.
   Stream statistics(const StatisticsSelection& selection, const ReadOptions& options = {}) const;
+  /// The wells of the restart files: `step,date,days,grid,well` and what is known of each at the step, in the
+  /// order of the files. Rates are in the units of the run; words that are not known to mean anything are
+  /// left out. Throws Error NotFound for steps, grids and wells that are not there.
+  Stream wells(const WellSelection& selection = {}, const ReadOptions& options = {}) const;
+  /// Their connections: the same first columns, the cell from 1, its state and numbers.
+  Stream connections(const WellSelection& selection = {}, const ReadOptions& options = {}) const;
+
+  /// The list of well tests, of the simulator's file or of a text file of measured ones: `test,well,date`,
+  /// the number among those of the well, the grid (measured ones: the origin), the kinds of data, rows and,
+  /// of the simulator's, branches. Throws Error NotFound for tests and wells that are not there, BadRequest
+  /// for report steps, which tests do not have.
+  Stream tests(const TestSelection& selection = {}, const ReadOptions& options = {}) const;
+  /// A table of each test, one below the other, behind `test,well,date`. Of a part that is worked out there
+  /// is a column for each array that any of the tests has, so all tests that are chosen are read before the
+  /// first row. `TestPart::All` has a row for each value instead: `test,well,group,array,units,row,value`,
+  /// values as texts. Tests without that part are left out; Throws Error NotFound if no test has it.
+  Stream testRows(const TestSelection& selection = {}, const ReadOptions& options = {}) const;
 
   explicit Run(std::shared_ptr<const RunState> state) : state_(std::move(state)) {}
   const RunState& state() const { return *state_; }

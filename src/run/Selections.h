@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../frame/Column.h"
+#include "../welltests/TestPart.h"
 
 namespace lumbarn {
 
@@ -89,6 +90,24 @@ struct StatisticsSelection {
   CellSelection cells{};
   std::vector<std::string> by{};  ///< arrays of whole numbers; each combination of them is a region
   std::string weight{};           ///< array by which means are weighted; empty: none
+};
+
+/// Which wells of the restart files.
+struct WellSelection {
+  std::vector<std::string> wells{};  ///< patterns of names; empty: all
+  std::string grid{};                ///< pattern of the names of grids; empty: the global one
+  TimeSelection time{};
+  bool connections = false;  ///< of `Run::wells`: a row for each connection, with the columns of both
+};
+
+/// Which well tests, and what of them.
+struct TestSelection {
+  std::vector<std::string> wells{};     ///< patterns of names; empty: all
+  TimeSelection time{};                 ///< `last`, `at` and `every` choose among the tests of each well
+  std::vector<std::int32_t> numbers{};  ///< in the file, from 1; empty: all
+  TestPart part = TestPart::Rft;
+  std::int32_t branch = 0;  ///< from 1, of the parts that are of one branch
+  bool plain = false;       ///< without the columns that tell which test a row is of; for one number only
 };
 
 }  // namespace lumbarn
