@@ -6,6 +6,7 @@
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
 #include "Lazy.h"
+#include "SummaryState.h"
 
 namespace lumbarn {
 
@@ -13,7 +14,9 @@ namespace lumbarn {
 /// members change, and they may be used from several threads.
 class RunState {
  public:
-  explicit RunState(RunFamily family) : family_(std::move(family)) {}
+  explicit RunState(RunFamily family) : family_(std::move(family)), summary_(family_) {}
+  RunState(const RunState&) = delete;
+  RunState& operator=(const RunState&) = delete;
 
   const RunFamily& family() const { return family_; }
   std::string root() const { return family_.folder + family_.base; }
@@ -26,12 +29,15 @@ class RunState {
   std::shared_ptr<const RestartIndex> restartIndex(StreamContext& context) const;
   std::shared_ptr<const RestartIndex> initIndex(StreamContext& context) const;
 
+  const SummaryState& summary() const { return summary_; }
+
  private:
   std::string pathOf(FileKind kind) const;
 
   RunFamily family_;
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
+  SummaryState summary_;
 };
 
 /// Throws Error NotFound, with similar names among those that there are.
