@@ -12,6 +12,11 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
+    --every)
+      mapfile -t COMPREPLY < <(compgen -W 'day month quarter year' -- "$word")
+      return
+      ;;
+    --date | --from | --to) return ;;
     --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number)
       return
       ;;
@@ -23,7 +28,7 @@ _lumbarn() {
     vectors) options+=' --keep-duplicates' ;;
     rft) options+=' --test --plt --branch --icd --segments --all' ;;
     wells) options+=' --step --grid' ;;
-    summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
+    summary) options+=' --vectors --except --steps --date --from --to --every --restart --report-steps --dates --keep-duplicates' ;;
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
     init) options+=' --array --grid --ijk --all --flags --nnc' ;;
     tables) options+=' --table --number' ;;

@@ -73,7 +73,7 @@ TEST_F(Summary, ColumnsByPattern) {
   EXPECT_EQ(some.status, 0);
   EXPECT_THAT(some.out, ::testing::StartsWith("WBHP:PROD,\"BPR:1,1,1\",FOPR\r\n"));
   EXPECT_THAT(some.err, HasSubstr("ARBOR.SMSPEC: no vector matches \"X*\"\n"));
-  EXPECT_THAT(run("summary --vectors FPOR @ARBOR").err, HasSubstr("did you mean \"FOPR\"?"));
+  EXPECT_THAT(run("summary --vectors WBPH:PROD @ARBOR").err, HasSubstr("did you mean \"WBHP:PROD\"?"));
   EXPECT_EQ(run("summary --vectors= @ARBOR").status, 2);
 }
 
