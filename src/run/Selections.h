@@ -110,4 +110,18 @@ struct TestSelection {
   bool plain = false;       ///< without the columns that tell which test a row is of; for one number only
 };
 
+/// Vectors of a summary, by full names or patterns ("WOPR:*", "BPR:10,4,3"), several in one text separated by
+/// commas.
+struct SummarySelection {
+  std::vector<std::string> vectors{};  ///< in the order of the columns; empty: all
+  std::vector<std::string> except{};   ///< omitted; TIME is a column unless it is one of these
+  TimeSelection time{};
+  bool chain = false;           ///< with the rows of the runs that this one restarted from
+  bool keepDuplicates = false;  ///< vectors whose name occurs before too, as "FOPR#2"
+  bool dates = false;           ///< a column DATE in front
+  /// `step`, `date` and `days` in front, in place of DATE and TIME. TIME is then a column only if it is one
+  /// of `vectors` by name.
+  bool keys = false;
+};
+
 }  // namespace lumbarn

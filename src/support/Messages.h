@@ -41,6 +41,7 @@ struct MessageRow {
   ROW(TableRequest, "frame.request", Incomplete, "the request does not match the columns of the table")      \
   ROW(RequestMissing, "request.missing", Incomplete, "what was asked for is not there")                      \
   ROW(RequestRefused, "request.refused", Incomplete, "the request cannot be answered")                       \
+  ROW(PatternUnmatched, "request.pattern", Remark, "nothing matches a pattern")                              \
   ROW(RunMissing, "run.missing", Incomplete, "no such file or run")                                          \
   ROW(RunSeveral, "run.several", Incomplete, "the path can mean several runs")                               \
   ROW(RunFileMissing, "run.file", Incomplete, "the run has no file of this type")                            \
@@ -72,6 +73,8 @@ struct MessageRow {
       "record does not have one element for each vector")                                                    \
   ROW(SpecRecordMissing, "summary.spec.missing", Incomplete, "record missing")                               \
   ROW(SpecStartDate, "summary.spec.startdat", Incomplete, "record contains no date")                         \
+  ROW(SummaryNames, "summary.names", Remark, "several vectors have the same name")                           \
+  ROW(SummaryDates, "summary.dates", Remark, "dates of the rows are not known: no start date or no TIME")    \
   ROW(SummaryRowLength, "summary.params.length", Damage, "row does not fit the specification")               \
   ROW(SummaryTimeDecreases, "summary.params.time", Damage, "TIME decreases")                                 \
   ROW(SummaryRowTwice, "summary.params.twice", Damage, "second row for one MINISTEP")                        \
