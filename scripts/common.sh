@@ -7,9 +7,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build_packages=(
   ccache
   cmake
+  flatbuffers-compiler
   g++-12
   libcli11-dev
   libfast-float-dev
+  libflatbuffers-dev
   libfmt-dev
   libhdf5-dev # the export of grids
   ninja-build

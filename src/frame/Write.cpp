@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "ArrowWriter.h"
 #include "BatchData.h"
 #include "NumberText.h"
 
@@ -350,6 +351,8 @@ std::unique_ptr<TextForm> makeForm(const Schema& schema, const WriteOptions& opt
       return std::make_unique<TableForm>(schema);
     case Format::Json:
     case Format::Ndjson:
+    case Format::ArrowFile:
+    case Format::ArrowStream:
       break;
   }
   return std::make_unique<JsonForm>(schema, options.format == Format::Ndjson, options.unitRow);
@@ -402,6 +405,10 @@ std::string isoText(LocalMoment moment) {
 }
 
 void write(Stream&& stream, Sink& sink, const WriteOptions& options) {
+  if (options.format == Format::ArrowFile || options.format == Format::ArrowStream) {
+    writeArrow(std::move(stream), sink, options.format == Format::ArrowFile);
+    return;
+  }
   const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
   const unsigned threads = options.threads == 0 ? cores : options.threads;
   const auto form = makeForm(stream.schema(), options);
