@@ -324,7 +324,8 @@ std::optional<UnitChange> unitChange(std::string_view unit, Units units, std::st
     text += word;
   }
   if (known) return same;
-  return between(parts, partsOf(text), std::move(text));
+  const auto wanted = partsOf(text);
+  return between(parts, wanted, std::move(text));
 }
 
 std::optional<UnitChange> unitChange(std::string_view from, std::string_view to) {

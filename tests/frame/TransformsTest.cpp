@@ -161,12 +161,13 @@ TEST(JoinedRuns, HaveAllColumnsInOneUnitAndType) {
   runs.push_back({"C", grids({"ROOT"}, Type::Int32)});
   Stream joined = joinRuns(std::move(runs));
   EXPECT_EQ(joined.schema()[4].unit, "BARSA");
+  const auto context = joined.context();
   EXPECT_EQ(csv(std::move(joined)),
             "run,step,date,days,WBHP:P1,FGPR,grid,cells\n"
             "A,0,2001-01-01T00:00:00,0,4796.636,0,,\n"
             "B,1,2001-01-31T12:00:00,30.5,275.79028,20,,\n"
             "C,,,,,,ROOT,0\n");
-  EXPECT_EQ(joined.remarks().size(), 1U) << "columns that runs lack are told once";
+  EXPECT_EQ(context->remarks().size(), 1U) << "columns that runs lack are told once";
 
   std::vector<NamedStream> words;
   words.push_back({"A", grids({"ROOT", "L1"}, Type::Int32)});
