@@ -35,6 +35,7 @@ ReadOptions asking(Console& console) {
   options.report = [&console](const Diagnosis& diagnosis) { console.tell(diagnosis); };
   options.progress = &console.progress();
   options.keepPartial = true;
+  options.limits.bytes = std::size_t{8} << 20;  // several transforms may each have a batch in memory
   return options;
 }
 

@@ -102,7 +102,9 @@ class LastOfPeriods final : public BatchSource {
     } else {
       for (std::size_t row = 0; row < batch->rows(); ++row) take(*batch, row, done);
     }
-    return copied(stream_.sharedSchema(), done);
+    auto rows = copied(stream_.sharedSchema(), done);
+    if (batch) holdLess(batch->rows());
+    return rows;
   }
 
  private:
@@ -112,6 +114,14 @@ class LastOfPeriods final : public BatchSource {
     bool operator==(const Place&) const = default;
   };
 
+  /// Keeps a few held rows alone, not the batches that they are in.
+  void holdLess(std::size_t rowsOfBatch) {
+    std::size_t rows = 0;
+    for (const RowRange& range : held_) rows += range.count;
+    if (rows == 0 || rows > rowsOfBatch / 2) return;
+    Batch few = copied(stream_.sharedSchema(), held_);
+    held_.assign(1, {std::move(few), 0, rows});
+  }
   /// Where a row is; rows without a moment are moments of their own.
   std::optional<Place> placeOf(const Batch& batch, std::size_t row) {
     const std::size_t decides = every_ == Every::ReportStep ? *by_.step : *by_.moment;

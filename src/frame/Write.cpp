@@ -417,10 +417,12 @@ void write(Stream&& stream, Sink& sink, const WriteOptions& options) {
   form->begin(edge, batch ? &*batch : nullptr);
   put(sink, edge);
   bool anyRow = false;
-  for (; batch; batch = stream.next()) {
+  while (batch) {
     for (const std::string& text : textOf(*form, *batch, anyRow, threads)) put(sink, text);
     anyRow = true;
     sink.flush();
+    batch.reset();  // its memory before that of the next
+    batch = stream.next();
   }
   edge.clear();
   form->end(edge, anyRow);
