@@ -1,7 +1,7 @@
 # Completion of the lumbarn command for bash.
 
 _lumbarn() {
-  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace -h --help'
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace --units --unit-row --long -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
     mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft init tables -h --help --version' -- "$word")
@@ -9,7 +9,11 @@ _lumbarn() {
   fi
   case $before in
     --format)
-      mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
+      mapfile -t COMPREPLY < <(compgen -W 'table csv json ndjson arrow' -- "$word")
+      return
+      ;;
+    --units)
+      mapfile -t COMPREPLY < <(compgen -W 'metric field lab si' -- "$word")
       return
       ;;
     --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number)
