@@ -84,7 +84,9 @@ std::set<std::string> optionsIn(const std::string& text) {
   std::set<std::string> found;
   for (std::sregex_iterator each(text.begin(), text.end(), option), end; each != end; ++each)
     found.insert(each->str());
-  for (const char* everywhere : {"--help", "--format", "--output", "--replace"}) found.erase(everywhere);
+  for (const char* everywhere :
+       {"--help", "--format", "--output", "--replace", "--units", "--unit-row", "--long"})
+    found.erase(everywhere);
   return found;
 }
 
