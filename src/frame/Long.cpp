@@ -75,8 +75,10 @@ class LongForm {
     const Schema& from = stream_.schema();
     for (std::size_t c = 0; c < from.size(); ++c) (isKey(from[c]) ? keys_ : values_).push_back(c);
     if (values_.empty()) refuse("the table has no values that a long form could list");
-    vectors_ = std::ranges::any_of(
-        values_, [&](std::size_t c) { return metadataOf(from[c], "mnemonic").has_value(); });
+    const bool places = std::ranges::count(from, "grid", &Field::name) > 0;
+    vectors_ = !places && std::ranges::any_of(values_, [&](std::size_t c) {
+      return metadataOf(from[c], "mnemonic").has_value();
+    });
     for (const std::size_t c : values_) {
       const Field& field = from[c];
       if (field.type == Type::FixedList) refuse(fmt::format("column {} has no long form", field.name));

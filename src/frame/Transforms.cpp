@@ -10,6 +10,7 @@
 
 #include "../support/Session.h"
 #include "BatchCopy.h"
+#include "RowUnits.h"
 
 namespace lumbarn {
 
@@ -260,12 +261,15 @@ Stream convertUnits(Stream stream, Units units) {
       unknown.insert(field.unit);
     }
   }
+  if (unknown.empty() &&
+      std::ranges::none_of(changes, [](const UnitChange& one) { return !one.unit.empty(); }))
+    return convertRowUnits(std::move(stream), units);
   if (!unknown.empty()) {
     stream.context()->session().diagnose(
         {.message = Message::UnitUnknown,
          .problem = fmt::format("units that are not known are kept: {}", fmt::join(unknown, ", "))});
   }
-  return inPlaceOf<Converted>(std::move(stream), schema, schema, std::move(changes));
+  return convertRowUnits(inPlaceOf<Converted>(std::move(stream), schema, schema, std::move(changes)), units);
 }
 
 }  // namespace lumbarn

@@ -31,7 +31,9 @@ Stream resample(Stream stream, Every every);
 
 /// Converts the values of columns that have a unit, in double precision and rounded once to the column's
 /// type. A column "days" remains what its name says, and whole numbers remain as they are. Columns whose unit
-/// is not known keep values and text, and one remark names the units.
+/// is not known keep values and text, and one remark names the units. In a table with the unit of each row in
+/// a column "unit", the columns "value", "min", "max", "mean", "weighted_mean" and "sum" are converted row by
+/// row.
 Stream convertUnits(Stream stream, Units units);
 
 /// Whether a column tells what a row is about, so that the long form repeats it. A question says so by the
@@ -39,11 +41,12 @@ Stream convertUnits(Stream stream, Units units);
 /// have the name of a place or time, such as "step", "days" or "i".
 bool isKey(const Field& field);
 
-/// A row for each value: the keys, then "vector", "mnemonic" and "member" or, where no column is of a vector,
-/// "array", then "value" and "unit". The value has the type of all columns of values, or is a text where
-/// these differ, with each number in the shortest form of its own type. What has no value has no row. A table
-/// that has columns "value" and "unit" is long already and remains as it is. Throws Error BadRequest for a
-/// table without values, and for one with lists.
+/// A row for each value: the keys, then "vector", "mnemonic" and "member" where columns have mnemonics and
+/// their place in their names, otherwise, as in tables with a column "grid", "array"; then "value" and
+/// "unit". The value has the type of all columns of values, or is a text where these differ, with each number
+/// in the shortest form of its own type. What has no value has no row. A table that has columns "value" and
+/// "unit" is long already and remains as it is. Throws Error BadRequest for a table without values, and for
+/// one with lists.
 Stream toLong(Stream stream);
 
 }  // namespace lumbarn

@@ -132,6 +132,8 @@ TEST(Transforms, UnitsAreConvertedAndTheLongFormTellsThem) {
   Stream values = toLong(oneCell(cells));
   EXPECT_EQ(values.schema()[2].type, Type::Float32);
   EXPECT_EQ(csv(std::move(values)), "i,array,value,unit\n1,PRESSURE,2,BARS\n1,SWAT,3,\n");
+  EXPECT_EQ(csv(convertUnits(toLong(oneCell(cells)), Units::Field)),
+            "i,array,value,unit\n1,PRESSURE,29.007547,PSI\n1,SWAT,3,\n");
   Schema told = cells;
   told[1].metadata = {{"role", "key"}};
   EXPECT_EQ(csv(toLong(oneCell(told))), "i,PRESSURE,array,value,unit\n1,2,SWAT,3,\n");
