@@ -16,10 +16,10 @@ namespace lumbarn {
 namespace {
 
 /// Numbers that say where or when, under whatever question.
-constexpr std::string_view placesAndTimes[] = {
-    "step", "date", "days",   "i",          "j",      "k",      "i1",         "j1",      "k1",
-    "i2",   "j2",   "k2",     "active",     "cell",   "number", "connection", "segment", "branch",
-    "test", "row",  "region", "occurrence", "offset", "index",  "DATE",       "TIME"};
+constexpr std::string_view placesAndTimes[] = {"step",   "date", "days",   "i",          "j",       "k",
+                                               "i1",     "j1",   "k1",     "i2",         "j2",      "k2",
+                                               "active", "cell", "number", "connection", "segment", "branch",
+                                               "test",   "row",  "region", "occurrence", "offset",  "index"};
 
 /// A text for each column of values, as a column of the long form.
 class Label {
@@ -73,7 +73,8 @@ class LongForm {
  public:
   explicit LongForm(Stream stream) : stream_(std::move(stream)) {
     const Schema& from = stream_.schema();
-    for (std::size_t c = 0; c < from.size(); ++c) (isKey(from[c]) ? keys_ : values_).push_back(c);
+    const auto isValue = valueColumns(from);
+    for (std::size_t c = 0; c < from.size(); ++c) (isValue[c] ? values_ : keys_).push_back(c);
     if (values_.empty()) refuse("the table has no values that a long form could list");
     const bool places = std::ranges::count(from, "grid", &Field::name) > 0;
     vectors_ = !places && std::ranges::any_of(values_, [&](std::size_t c) {
@@ -160,10 +161,23 @@ class LongForm {
 
 }  // namespace
 
-bool isKey(const Field& field) {
-  if (const auto role = metadataOf(field, "role")) return *role == "key";
-  return !(isNumeric(field.type) || field.type == Type::FixedList) ||
-         std::ranges::count(placesAndTimes, field.name) > 0;
+std::vector<bool> valueColumns(const Schema& schema) {
+  const auto isNamed = [](const Field& field) {
+    return metadataOf(field, "mnemonic").has_value() || metadataOf(field, "array").has_value();
+  };
+  const bool named = std::ranges::any_of(schema, isNamed);
+  std::vector<bool> values;
+  for (const Field& field : schema) {
+    if (const auto role = metadataOf(field, "role")) {
+      values.push_back(*role == "value");
+    } else if (named) {
+      values.push_back(isNamed(field));
+    } else {
+      values.push_back((isNumeric(field.type) || field.type == Type::FixedList) &&
+                       std::ranges::count(placesAndTimes, field.name) == 0);
+    }
+  }
+  return values;
 }
 
 Stream toLong(Stream stream) {

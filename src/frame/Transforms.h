@@ -36,10 +36,11 @@ Stream resample(Stream stream, Every every);
 /// row.
 Stream convertUnits(Stream stream, Units units);
 
-/// Whether a column tells what a row is about, so that the long form repeats it. A question says so by the
-/// metadata "role", "key" or "value"; otherwise texts, moments and truth values are keys, and numbers that
-/// have the name of a place or time, such as "step", "days" or "i".
-bool isKey(const Field& field);
+/// Whether each column has values; the others tell what a row is about, and the long form repeats them. A
+/// question says so by the metadata "role", "key" or "value". Otherwise, where columns have "mnemonic" or
+/// "array" as metadata, these are the values; in other tables all numbers but those that have the name of a
+/// place or time, such as "step", "days" or "i".
+std::vector<bool> valueColumns(const Schema& schema);
 
 /// A row for each value: the keys, then "vector", "mnemonic" and "member" where columns have mnemonics and
 /// their place in their names, otherwise, as in tables with a column "grid", "array"; then "value" and
