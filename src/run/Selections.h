@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../frame/Column.h"
+#include "../frame/Transforms.h"
 #include "../welltests/TestPart.h"
 
 namespace lumbarn {
@@ -16,10 +17,6 @@ namespace lumbarn {
 // What a question asks for. Selections are aggregates, to be written as {.vectors = {"FOPR"}}: every member
 // has a default, and new ones are added at the end.
 
-/// The last row of each period.
-enum class Every : std::uint8_t { Row, ReportStep, Day, Month, Quarter, Year };
-/// Units of the answer; File: as the file has them.
-enum class Units : std::uint8_t { File, Metric, Field, Lab, SI };
 /// Wide: a column for each vector or array. Long: a row for each value.
 enum class Layout : std::uint8_t { Wide, Long };
 

@@ -39,6 +39,9 @@ struct MessageRow {
   ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
   ROW(Stopped, "stopped", Incomplete, "stopped as requested")                                                \
   ROW(TableRequest, "frame.request", Incomplete, "the request does not match the columns of the table")      \
+  ROW(UnitUnknown, "frame.unit", Remark, "values in an unknown unit are kept as they are")                   \
+  ROW(RunColumn, "frame.run-column", Remark, "not all runs have the same columns")                           \
+  ROW(RunColumnLeftOut, "frame.run-column.left-out", Incomplete, "column of a run does not fit the others")  \
   ROW(RequestMissing, "request.missing", Incomplete, "what was asked for is not there")                      \
   ROW(RequestRefused, "request.refused", Incomplete, "the request cannot be answered")                       \
   ROW(PatternUnmatched, "request.pattern", Remark, "nothing matches a pattern")                              \
