@@ -200,7 +200,8 @@ void qvEclipseSEQUENCE::processXWEL(std::span<const double> words, bool& qOK) {
     for (std::size_t i = 1; i <= rows; ++i) {
       const auto block = words.subspan((i - 1) * size(to.nXWELZ), size(to.nXWELZ));
       for (const auto& [word, column] : taken) {
-        if (block[word - 1] >= -most && block[word - 1] <= most) to.dWELL(i, column) = block[word - 1];
+        const bool known = block[word - 1] >= -most && block[word - 1] <= most;
+        to.dWELL(i, column) = known ? block[word - 1] : noRate;
       }
       for (const auto& [word, column] : taken2) to.sWELL2(i, column) = toSingle(block[word - 1]);
     }

@@ -1,5 +1,7 @@
 #include "WellReader.h"
 
+#include <limits>
+
 #include "../support/Fault.h"
 #include "qvEclipseSEQUENCE.h"
 
@@ -17,6 +19,7 @@ bool concernsFile(const Diagnosis& diagnosis) {
 std::vector<WellRecord> WellReader::read(const IndexStep& step, std::string_view grid) {
   qvEclipseSEQUENCE wells(*session_);
   wells.qMarkers = true;
+  wells.noRate = std::numeric_limits<double>::quiet_NaN();
   if (!isGlobalGrid(grid)) wells.AddLGRGrid(grid);
   // The order counts: each gives the sizes of those behind it.
   constexpr std::string_view names[] = {"INTEHEAD", "ZGRP", "IWEL", "XWEL", "ZWEL", "ICON", "SCON"};

@@ -20,8 +20,9 @@ class WellReader {
       : session_(&session), index_(std::move(index)), records_(session) {}
 
   /// The wells of one grid of a step of the index, with the extended records, in the order of the file; the
-  /// empty name is the global grid. A record that is damaged or does not fit the header is reported and
-  /// counts as one that is missing. Throws BadRecord when the file cannot be read or was changed.
+  /// empty name is the global grid. Rates that the file does not have are no numbers. A record that is
+  /// damaged or does not fit the header is reported and counts as one that is missing. Throws BadRecord when
+  /// the file cannot be read or was changed.
   std::vector<WellRecord> read(const IndexStep& step, std::string_view grid);
 
  private:

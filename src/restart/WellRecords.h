@@ -56,7 +56,7 @@ struct ConnectionRecord {
 };
 
 /// Rates of a well at the step, from XWEL; read with the extended well records only. Rates of an injector are
-/// below 0. A number that the simulator left beyond 1E36 is 0.
+/// below 0. A number that the simulator left beyond 1E36 is 0, of a `WellReader` no number.
 struct WellRates {
   double oil = 0;        ///< word 1
   double water = 0;      ///< word 2

@@ -72,6 +72,7 @@ class qvEclipseSEQUENCE {
   bool qByteForm = true;
 
   // Not used by existing hosts.
+  double noRate = 0;                    ///< stands for a number of XWEL beyond 1E36, which is none
   ArraySelection* selection = nullptr;  ///< patterns of array names; not owned, null: all
   bool qAnyRecord = false;              ///< the step has records at all
   bool qAtEnd = false;                  ///< reading ended at the end of the file

@@ -105,10 +105,11 @@ class Run {
   /// of the simulator's, branches. Throws Error NotFound for tests and wells that are not there, BadRequest
   /// for report steps, which tests do not have.
   Stream tests(const TestSelection& selection = {}, const ReadOptions& options = {}) const;
-  /// A table of each test, one below the other, behind `test,well,date`. Of a part that is worked out there
-  /// is a column for each array that any of the tests has, so all tests that are chosen are read before the
-  /// first row. `TestPart::All` has a row for each value instead: `test,well,group,array,units,row,value`,
-  /// values as texts. Tests without that part are left out; Throws Error NotFound if no test has it.
+  /// A table of each test, one below the other, behind `test,well,date`; DEPTH is `depth`, as it tells the
+  /// row too. Of a part that is worked out there is a column for each array that any of the tests has, so all
+  /// tests that are chosen are read before the first row. `TestPart::All` has a row for each value instead:
+  /// `test,well,group,array,units,row,value`, values as texts. Tests without that part are left out. Throws
+  /// Error NotFound if no test has it.
   Stream testRows(const TestSelection& selection = {}, const ReadOptions& options = {}) const;
   /// The vectors of the summary, one row for each: `name` (as a column of `summary` has it), `mnemonic`,
   /// `class`, `member`, `index`, `lgr`, `units`, `description`. A vector whose name occurs before is omitted,

@@ -22,7 +22,7 @@ void putText(BatchBuilder& rows, std::size_t column, std::string_view text) {
 }
 
 Schema testFields() {
-  return {{.name = "test", .type = Type::Int32, .nullable = false},
+  return {{.name = "test", .type = Type::Int32, .nullable = false, .metadata = {{"role", "key"}}},
           {.name = "well", .type = Type::Utf8},
           {.name = "date", .type = Type::Timestamp}};
 }
@@ -152,9 +152,10 @@ class PartRows {
     const auto [known, isNew] = placeOf_.try_emplace({column.name, timesSeen, column.units}, fields_.size());
     if (isNew) {
       Field field{.name = toUtf8(column.name), .type = typeOf(column.values), .unit = toUtf8(column.units)};
-      // Depths are where the other values are measured.
+      // Depths are where the other values are measured: in a table of several tests they tell the row too.
       const bool depth = column.name == "DEPTH" || column.name == "CONMD" || column.name == "SEGMD";
-      if (!depth) field.metadata = {{"array", field.name}};
+      field.metadata = {{"role", depth ? "key" : "value"}};
+      if (column.name == "DEPTH" && first_ > 0) field.name = "depth";
       fields_.push_back(std::move(field));
     } else {
       Field& field = fields_[known->second];

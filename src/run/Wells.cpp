@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <functional>
 #include <string>
 #include <utility>
@@ -34,8 +34,9 @@ struct RecordField {
 
 template <double WellRates::*rate>
 Cell rateOf(const WellRecord& well) {
+  if (!well.rates || std::isnan((*well.rates).*rate)) return {};
   // Adding nothing turns a rate of -0, as simulators leave it, into 0.
-  return well.rates ? Cell((*well.rates).*rate + 0.0) : Cell();
+  return (*well.rates).*rate + 0.0;
 }
 template <float ConnectionNumbers::*number>
 Cell numberOf(const ConnectionRecord& connection) {
@@ -96,6 +97,7 @@ void addFields(Schema& schema, const RecordField<Record> (&fields)[n], std::int3
     schema.push_back(
         {.name = field.name, .type = field.type, .unit = std::string(unitOf(field.quantity, units))});
     if (field.type == Type::Float64) schema.back().metadata = {{"display", "float32"}};
+    if (field.type == Type::Int32) schema.back().metadata = {{"role", "key"}};
   }
 }
 

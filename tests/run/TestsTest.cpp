@@ -59,8 +59,11 @@ TEST_F(RunTests, AreThoseOfEveryWriter) {
       EXPECT_EQ(list["date"].values<std::int64_t>()[0],
                 parseMoment("2015-01-11T06:00").time_since_epoch().count());
       const Batch rows = run.testRows({.numbers = {1}}).collect();
-      for (const char* name : {"DEPTH", "PRESSURE", "SWAT"})
-        EXPECT_THAT(rows[name].values<float>(), ElementsAre(modelValue(name, 0, 1), modelValue(name, 0, 2)));
+      constexpr std::pair<const char*, const char*> columns[] = {
+          {"depth", "DEPTH"}, {"PRESSURE", "PRESSURE"}, {"SWAT", "SWAT"}};
+      for (const auto& [column, name] : columns)
+        EXPECT_THAT(rows[column].values<float>(),
+                    ElementsAre(modelValue(name, 0, 1), modelValue(name, 0, 2)));
       const Batch rates = run.testRows({.part = TestPart::Plt}).collect();
       EXPECT_EQ(rates["test"].values<std::int32_t>()[0], two ? 2 : 1);
       EXPECT_EQ(rates["CONWRAT"].values<float>()[1], modelValue("CONWRAT", 0, 2));
@@ -78,7 +81,7 @@ TEST_F(RunTests, StandInOneTableWithTheArraysThatAnyHas) {
                           {.well = "A", .arrays = arraysOf("DEPTH 5; SGAS 0.5"), .date = {11, 1, 2016}}});
   const Batch all = run.testRows().collect();
   EXPECT_THAT(namesAndUnits(all.schema()),
-              ElementsAre("test", "well", "date", "DEPTH METRES", "PRESSURE BARSA", "SOIL", "COMPLETION",
+              ElementsAre("test", "well", "date", "depth METRES", "PRESSURE BARSA", "SOIL", "COMPLETION",
                           "PRESSURE#2 ATMA", "SGAS"));
   EXPECT_THAT(texts(all, "well"), ElementsAre("A", "A", "A", "B", "A"));
   EXPECT_EQ(all["PRESSURE"].nullCount(), 2U);

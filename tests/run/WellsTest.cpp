@@ -98,6 +98,17 @@ TEST(RunWells, AreSelectedByNameGridAndStep) {
   EXPECT_THAT(refused({.wells = {""}}, Error::Kind::BadRequest), HasSubstr("pattern"));
 }
 
+TEST(RunWells, HaveNoRateWhereTheSimulatorLeftAHugeNumber) {
+  const TemporaryFolder folder;
+  auto bytes = twoGrids().bytes(bigEndian);
+  const auto words = std::ranges::search(bytes, bytesOf("XWEL    ")).begin() + 24;
+  words[2 * sizeof(double)] = std::byte{0x7E};  // exponent of the gas rate of the first well
+  writeFile(folder.file("W.UNRST"), bytes);
+  const Batch wells = lumbarn::Run::open(folder.file("W.UNRST")).wells().collect();
+  EXPECT_EQ(wells["gas_rate"].nullCount(), 1U);
+  EXPECT_FALSE(wells["gas_rate"].valid(0));
+}
+
 TEST(RunWells, HaveNoNumbersOfARecordThatDoesNotFit) {
   const TemporaryFolder folder;
   auto builder = twoGrids();
