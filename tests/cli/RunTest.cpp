@@ -105,8 +105,8 @@ TEST_F(Run, EveryOptionIsInTheManPageAndInTheCompletions) {
     const auto at = text.find(from);
     return at == text.npos ? "" : text.substr(at, text.find(to, at + 1) - at);
   };
-  for (const std::string name : {"info", "records", "check", "vectors", "summary", "restart", "cells",
-                                 "stats", "wells", "grid", "rft", "index", "init", "tables"}) {
+  for (const std::string name : {"info", "records", "check", "vectors", "summary", "restart", "cells", "stats", "wells", "grid",
+                                 "rft", "index", "init", "tables"}) {
     const std::string help = command({name, "--help"}).out;
     EXPECT_THAT(help, HasSubstr("Example:\n  lumbarn " + name));
     const auto options = optionsIn(help);
