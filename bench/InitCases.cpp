@@ -8,8 +8,9 @@
 
 #include "Baseline.h"
 #include "Cases.h"
-#include "arrays/ArrayReader.h"
+#include "arrays/ActiveCells.h"
 #include "reader/qvEclipseReader.h"
+#include "record/RecordCursor.h"
 #include "record/RecordWriter.h"
 #include "run/Run.h"
 
@@ -88,20 +89,24 @@ void askPoreVolumes(const std::filesystem::path& path) {
   require(rows == activeCells && last == static_cast<float>(cells - 3), "other pore volumes came");
 }
 
-/// The same by a read for each run of active cells.
+/// The same by finding and reading the record, and checking its file, for each run of active cells.
 void readPoreVolumesByRuns(const std::filesystem::path& path) {
   Session session;
-  ArrayReader reader(walkInit(session, path.string()), session);
-  const IndexStep& step = reader.index().steps.front();
-  const IndexEntry& entry = *step.find("PORV");
+  const RestartIndex index = walkInit(session, path.string());
+  const IndexStep& step = index.steps.front();
   const auto active = findActiveCells(session, path.string(), "", "", step.cellsOf(""));
   require(active && active->active() == activeCells, "other cells are active");
+  std::string why;
+  const auto cursor = openRecords(path.string(), why);
   std::vector<float> values(activeCells);
   const auto& numbers = active->iA2N();
   for (std::size_t row = 0; row < numbers.size();) {
     std::size_t to = row + 1;
     while (to < numbers.size() && numbers[to] == numbers[to - 1] + 1) ++to;
-    reader.fetch(step, entry, "", numbers[row] - 1, std::span(values).subspan(row, to - row));
+    cursor->checkUnchanged();
+    cursor->seek(step.find("PORV")->position);
+    cursor->next();
+    cursor->read(std::span(values).subspan(row, to - row), numbers[row] - 1);
     row = to;
   }
   require(values.back() == static_cast<float>(cells - 3), "other pore volumes came");

@@ -31,7 +31,8 @@ TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
   EXPECT_THAT(listed[2], ElementsAre("4", "2015-01-01T00:00:00", "9", "ROOT", "SWAT", "REAL", "4", ""));
   const auto shown = [this](const std::string& nth) {
     const Outcome outcome = run("restart ~TWICE --step 4 --array SWAT --format csv " + nth);
-    EXPECT_THAT(outcome.err, HasSubstr(outcome.status == 0 ? "2 steps 4" : "there are 2 steps with number 4"));
+    EXPECT_THAT(outcome.err,
+                HasSubstr(outcome.status == 0 ? "2 steps 4" : "there are 2 steps with number 4"));
     return outcome.out;
   };
   EXPECT_EQ(shown("--nth 1"), "SWAT\r\n1\r\n2\r\n3\r\n4\r\n");
