@@ -45,10 +45,18 @@ ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<
     throw Failure(Usage, "--unit-row is for csv and json");
   Stream shaped = convertUnits(std::move(answer), options.units);
   if (options.longForm) shaped = toLong(std::move(shaped));
-  Output output({.file = options.file, .replace = options.replace}, console.out(), inputs);
+  const auto writeRows = [&](Sink& sink) {
+    write(std::move(shaped), sink, {.format = options.format, .unitRow = options.unitRow});
+  };
+  return writeAnswer(writeRows, options, inputs, console);
+}
+
+ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOptions& options,
+                       std::span<const std::string> inputs, Console& console) {
+  Output output(options, console.out(), inputs);
   OutputSink sink(output.stream());
   try {
-    write(std::move(shaped), sink, {.format = options.format, .unitRow = options.unitRow});
+    write(sink);
   } catch (const OutputSink::Unwritable&) {  // the stream has the reason
   }
   console.progress().hide();
@@ -123,6 +131,22 @@ ExitStatus answer(const RunOptions& options, const OutputOptions& output, Consol
   if (!several && !output.longForm && !options.each)
     return writeAnswer(std::move(answers.front().stream), output, inputs, console);
   return writeAnswer(joinRuns(std::move(answers)), output, inputs, console);
+}
+
+ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console& console,
+                   std::span<const Question> questions) {
+  if (runs.paths.size() > 1 || runs.each || options.longForm)
+    throw Failure(Usage, "several tables cannot be joined: choose one of them, or csv");
+  const Run run = Run::open(runs.paths.front());
+  std::vector<Stream> all;
+  for (const Question& ask : questions) all.push_back(convertUnits(ask(run, asking(console)), options.units));
+  const auto writeAll = [&](Sink& sink) {
+    for (Stream& table : all) {
+      if (&table != all.data()) sink.write(std::as_bytes(std::span("\n", 1)));
+      write(std::move(table), sink, {.format = options.format, .unitRow = options.unitRow});
+    }
+  };
+  return writeAnswer(writeAll, options, run.files(), console);
 }
 
 }  // namespace lumbarn::cli

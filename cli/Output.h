@@ -17,9 +17,10 @@ namespace lumbarn::cli {
 /// What `--format`, `-o` and the options of their kind say.
 struct OutputOptions {
   Format format = Format::Table;
-  std::string file;           ///< empty: standard output
-  bool unitRow = false;       ///< csv: a second header line with units; json: an object of units and rows
-  bool replace = false;       ///< `file` may be a simulator file or a deck
+  std::string file;      ///< empty: standard output
+  bool unitRow = false;  ///< csv: a second header line with units; json: an object of units and rows
+  bool grdecl = false;   ///< `--format grdecl`: as keywords of a data deck, where a subcommand can do that
+  bool replace = false;  ///< `file` may be a simulator file or a deck
   Units units = Units::File;  ///< to which values are converted
   bool longForm = false;      ///< a row for each value
 };

@@ -128,11 +128,16 @@ TimeSelection TimeOptions::selection() const {
   return selection;
 }
 
-void Subcommand::output(OutputOptions& options) {
-  const auto setFormat = [&options](const std::string& word) { options.format = formatNamed(word); };
+void Subcommand::output(OutputOptions& options, bool grdecl) {
+  const auto setFormat = [&options, grdecl](const std::string& word) {
+    options.grdecl = grdecl && equalNoCase(word, "grdecl");
+    if (!options.grdecl) options.format = formatNamed(word);
+  };
   command_
       .add_option_function<std::string>("--format", setFormat,
-                                        "Form of the output: table, csv, json, ndjson or arrow")
+                                        grdecl
+                                            ? "Form of the output: table, csv, json, ndjson, arrow or grdecl"
+                                            : "Form of the output: table, csv, json, ndjson or arrow")
       ->option_text("FORMAT");
   const auto setUnits = [&options](const std::string& word) { options.units = unitsNamed(word); };
   command_.add_option_function<std::string>("--units", setUnits, "Convert values: metric, field, lab or si")

@@ -90,8 +90,8 @@ class Subcommand {
   void runs(RunOptions& options);
   /// `--steps`, `--date`, `--from`, `--to` and `--every`.
   void time(TimeOptions& options);
-  /// `--format`, `-o`, `--replace`, `--units`, `--unit-row` and `--long`.
-  void output(OutputOptions& options);
+  /// `--format`, `-o`, `--replace`, `--units`, `--unit-row` and `--long`. `grdecl`: takes that form too.
+  void output(OutputOptions& options, bool grdecl = false);
 
   /// What the help says behind the options.
   void footer(const std::string& text);

@@ -44,6 +44,7 @@ struct MessageRow {
   ROW(RunColumnLeftOut, "frame.run-column.left-out", Incomplete, "column of a run does not fit the others")  \
   ROW(RequestMissing, "request.missing", Incomplete, "what was asked for is not there")                      \
   ROW(RequestRefused, "request.refused", Incomplete, "the request cannot be answered")                       \
+  ROW(PatternUnmatched, "request.pattern", Remark, "nothing matches a pattern")                              \
   ROW(RunMissing, "run.missing", Incomplete, "no such file or run")                                          \
   ROW(RunSeveral, "run.several", Incomplete, "the path can mean several runs")                               \
   ROW(RunFileMissing, "run.file", Incomplete, "the run has no file of this type")                            \
@@ -63,6 +64,9 @@ struct MessageRow {
   ROW(ArrayMoved, "arrays.array.moved", Damage, "record is not where its index says")                        \
   ROW(ArrayBehindEnd, "arrays.array.end", Damage, "array is behind the end of the file")                     \
   ROW(ArrayNotOfCells, "arrays.array.cells", Incomplete, "array has no values for cells")                    \
+  ROW(ArraySomeSteps, "arrays.array.steps", Remark, "array is missing in some of the steps")                 \
+  ROW(ArrayUnmatched, "arrays.unmatched", Remark, "no array has this name")                                  \
+  ROW(CellInactive, "arrays.cell.inactive", Remark, "cell is not active")                                    \
   ROW(ActiveCellsGuessed, "arrays.active.guess", Incomplete, "pore volumes disagree with the active cells")  \
   ROW(ActiveCellsUnknown, "arrays.active.unknown", Incomplete, "it is not known which cells are active")     \
   ROW(ActiveCellsBeyondNumbers, "arrays.active.number", Incomplete, "grid has too many cells to number")     \
@@ -72,6 +76,8 @@ struct MessageRow {
       "record does not have one element for each vector")                                                    \
   ROW(SpecRecordMissing, "summary.spec.missing", Incomplete, "record missing")                               \
   ROW(SpecStartDate, "summary.spec.startdat", Incomplete, "record contains no date")                         \
+  ROW(SummaryNames, "summary.names", Remark, "several vectors have the same name")                           \
+  ROW(SummaryDates, "summary.dates", Remark, "dates of the rows are not known: no start date or no TIME")    \
   ROW(SummaryRowLength, "summary.params.length", Damage, "row does not fit the specification")               \
   ROW(SummaryTimeDecreases, "summary.params.time", Damage, "TIME decreases")                                 \
   ROW(SummaryRowTwice, "summary.params.twice", Damage, "second row for one MINISTEP")                        \
@@ -150,6 +156,7 @@ struct MessageRow {
   ROW(IndexFolder, "reader.index-folder", Incomplete, "no folder is specified for the index")                \
   ROW(CellGeometry, "reader.cell-geometry", Incomplete, "geometry of inactive cells was not kept")           \
   /* export */                                                                                               \
+  ROW(ExportModule, "export.module", Damage, "the module of the export cannot be opened")                    \
   ROW(ExportHdf, "export.hdf5", Damage, "cannot be written as an HDF5 file")                                 \
   /* command */                                                                                              \
   ROW(FileContent, "check.content", Damage, "content is not what the name says")                             \

@@ -100,6 +100,10 @@ std::size_t InputFile::readAt(std::uint64_t position, std::span<std::byte> out, 
   return done;
 }
 
+void InputFile::expectSparseReads() const {
+  if (handle_ >= 0) ::posix_fadvise(static_cast<int>(handle_), 0, 0, POSIX_FADV_RANDOM);
+}
+
 OutputFile::OutputFile(const std::string& path, std::string& error) {
   handle_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (handle_ < 0) error = errorText(errno);
@@ -198,6 +202,16 @@ void* allocateLarge(std::size_t bytes) {
 void freeLarge(void* memory, std::size_t bytes) noexcept {
   if (bytes < largePage) return ::operator delete(memory, std::align_val_t(64));
   ::munmap(memory, (bytes + largePage - 1) / largePage * largePage);
+}
+
+void* openLibrary(const std::string& name, const char* function, std::string& error) {
+  void* library = ::dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* found = library ? ::dlsym(library, function) : nullptr;
+  if (!found) {
+    const char* reason = ::dlerror();
+    error = reason ? reason : "it does not have " + std::string(function);
+  }
+  return found;
 }
 
 std::string thisModulePath() {

@@ -53,6 +53,8 @@ class InputFile {
   /// of the file or at a read error; `error` then states the reason, and is left alone at the end of the
   /// file.
   std::size_t readAt(std::uint64_t position, std::span<std::byte> out, std::string& error) const;
+  /// Tells the system that a few bytes here and there will be read, so that it does not read ahead.
+  void expectSparseReads() const;
 
  private:
   std::intptr_t handle_ = -1;
@@ -99,6 +101,10 @@ std::string makeTemporaryFile(const std::string& prefix);
 /// std::bad_alloc. Give the same size back.
 void* allocateLarge(std::size_t bytes);
 void freeLarge(void* memory, std::size_t bytes) noexcept;
+
+/// Opens a shared library, which stays open, by the system's search, and finds a function in it. Null with
+/// the reason in `error`.
+void* openLibrary(const std::string& name, const char* function, std::string& error);
 
 /// The file that holds this library's code: itself when it is shared, else the program; empty when not known.
 std::string thisModulePath();
