@@ -24,7 +24,7 @@ const Refusal refusals[] = {
     {"sumary X", ": unknown subcommand \"sumary\"; did you mean \"summary\"? (see \"lumbarn --help\")"},
     {"records --stat X", "\"--stat\"; did you mean \"--stats\"? (see \"lumbarn records --help\")"},
     {"summary --report-step=1 X", "option \"--report-step=1\"; did you mean \"--report-steps\"?"},
-    {"info --format xml X", "--format is table, csv, json or ndjson, not \"xml\""},
+    {"info --format xml X", "--format is table, csv, json, ndjson or arrow, not \"xml\""},
     {"records ~NOT.THERE", "NOT.THERE"},
     {"records @ARBOR", "name one of its files: "},
     {"info @CEDAR", "CEDAR can mean several runs, name one: "},
