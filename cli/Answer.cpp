@@ -29,6 +29,9 @@ ReadOptions asking(Console& console) {
   options.report = [&console](const Diagnosis& diagnosis) { console.tell(diagnosis); };
   options.progress = &console.progress();
   options.keepPartial = true;
+  // Text is some three times as large as its numbers; that of larger batches is returned to the system and
+  // taken from it again each time, a fifth of the processor time of a wide summary.
+  options.limits.bytes = std::size_t{4} << 20;
   return options;
 }
 
