@@ -5,26 +5,23 @@
 
 #include <fmt/format.h>
 
-#include "ArrayValues.h"
+#include "ArrayList.h"
+#include "CellOptions.h"
 #include "Commands.h"
 #include "InitFile.h"
 #include "Output.h"
 #include "PathArgument.h"
-#include "RunIndex.h"
-#include "support/Closest.h"
 #include "arrays/ArrayUnits.h"
 #include "frame/NumberText.h"
+#include "support/Closest.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {
 namespace {
 
 struct InitOptions {
-  std::string path;
-  std::vector<std::string> arrays;
-  std::string grid;
-  bool ijk = false;
-  bool all = false;
+  RunOptions runs;
+  CellOptions cells;
   bool flags = false;
   bool nnc = false;
   OutputOptions output;
@@ -46,9 +43,9 @@ std::optional<Range> rangeOf(std::span<const float> values) {
   return range;
 }
 
-/// One line of a list of arrays.
-struct ListedArray {
-  std::string grid, kind, name, type;
+/// One line of a list of connection arrays.
+struct ConnectionArray {
+  std::string grid, kind, name;
   std::int64_t count = 0;
   std::string unit;
   std::optional<Range> range;
@@ -56,7 +53,7 @@ struct ListedArray {
 
 constexpr const char* kindNames[] = {"within the grid", "local to global", "local to local"};
 
-/// An INIT file, and what of it is to be shown other than values of cells.
+/// An INIT file, and what of it is to be shown other than arrays of cells.
 class InitListing {
  public:
   InitListing(const RunFamily& run, const InitOptions& options, Console& console)
@@ -69,15 +66,15 @@ class InitListing {
 
   void write(Format format, std::ostream& out) {
     if (options_.flags) return writeFlags(format, out);
-    if (!options_.nnc) return writeList(cellArrays(), format, out);
-    options_.arrays.empty() ? writeList(connectionArrays(), format, out) : writeConnections(format, out);
+    options_.cells.arrays.empty() ? writeList(connectionArrays(), format, out)
+                                  : writeConnections(format, out);
   }
 
  private:
   qvEclipseINIT& init() { return *reader_.Init(); }
 
   std::vector<std::int32_t> grids() {
-    if (!options_.grid.empty()) return {gridNumber(init(), options_.grid)};
+    if (!options_.cells.grid.empty()) return {gridNumber(init(), options_.cells.grid)};
     std::vector<std::int32_t> all;
     for (std::int32_t grid = 1; grid <= init().nGrids(); ++grid) all.push_back(grid);
     return all;
@@ -85,7 +82,7 @@ class InitListing {
 
   void writeFlags(Format format, std::ostream& out) {
     const auto table = TableWriter::make(format, {{"flag", false, 24}, {"value"}}, out);
-    const auto& flags = init().grid(gridNumber(init(), options_.grid)).flags;
+    const auto& flags = init().grid(gridNumber(init(), options_.cells.grid)).flags;
     for (const auto& [name, flag] : namedFlags()) {
       table->text(name);
       table->text(flags.*flag ? "true" : "false");
@@ -93,29 +90,8 @@ class InitListing {
     table->finish();
   }
 
-  /// One array at a time, so that the whole file need not fit into memory.
-  std::vector<ListedArray> cellArrays() {
-    std::vector<ListedArray> list;
-    std::vector<float> values;
-    for (const auto grid : grids()) {
-      const auto& arrays = init().grid(grid).arrays;
-      console_.progress().files(1);
-      for (std::size_t i = 0; i < arrays.size(); ++i) {
-        console_.checkCancelled();
-        console_.progress().fraction(static_cast<double>(i) / static_cast<double>(arrays.size()));
-        bool qOK = false;
-        init().GetArray(grid, static_cast<std::int32_t>(i) + 1, false, values, qOK);
-        const auto& array = arrays[i];
-        list.push_back({init().GridName(grid), "", array.name, array.header.typeWord, array.header.count,
-                        array.unit, qOK ? rangeOf(values) : std::nullopt});
-      }
-    }
-    console_.progress().hide();
-    return list;
-  }
-
-  std::vector<ListedArray> connectionArrays() {
-    std::vector<ListedArray> list;
+  std::vector<ConnectionArray> connectionArrays() {
+    std::vector<ConnectionArray> list;
     for (const auto grid : grids()) {
       init().iGrid = grid;
       for (std::int32_t kind = 1; kind <= 3; ++kind) {
@@ -124,8 +100,8 @@ class InitListing {
         init().GetNNCData(kind, values, qOK);
         const auto& record = init().grid(grid).xNNC[static_cast<std::size_t>(kind) - 1];
         for (std::size_t i = 0; i < record.zArrays.size(); ++i) {
-          list.push_back({init().GridName(grid), kindNames[kind - 1], record.zArrays[i], "REAL",
-                          record.nItems, std::string(arrayUnit(record.zArrays[i], init().grid(grid).iUnits)),
+          list.push_back({init().GridName(grid), kindNames[kind - 1], record.zArrays[i], record.nItems,
+                          std::string(arrayUnit(record.zArrays[i], init().grid(grid).iUnits)),
                           qOK ? rangeOf(values.column(i + 1)) : std::nullopt});
         }
       }
@@ -133,16 +109,15 @@ class InitListing {
     return list;
   }
 
-  void writeList(const std::vector<ListedArray>& list, Format format, std::ostream& out) {
-    if (list.empty())
-      console_.say(options_.nnc ? "the file has no connection arrays" : "the file has no arrays");
+  void writeList(const std::vector<ConnectionArray>& list, Format format, std::ostream& out) {
+    if (list.empty()) console_.say("the file has no connection arrays");
     // For people the grid is left out where there is only one.
-    const bool grid = format != Format::Table || std::ranges::any_of(list, [&](const ListedArray& array) {
+    const bool grid = format != Format::Table || std::ranges::any_of(list, [&](const ConnectionArray& array) {
                         return array.grid != list.front().grid;
                       });
     std::vector<Column> columns;
     if (grid) columns.push_back({"grid", false, 8});
-    if (options_.nnc) columns.push_back({"kind", false, 15});
+    columns.push_back({"kind", false, 15});
     for (const auto& column :
          {Column{"array", false, 8}, {"type"}, {"count", true}, {"unit"}, {"min", true}, {"max", true}})
       columns.push_back(column);
@@ -160,9 +135,9 @@ class InitListing {
     const auto table = TableWriter::make(format, columns, out);
     for (const auto& array : list) {
       if (grid) table->text(array.grid);
-      if (options_.nnc) table->text(array.kind);
+      table->text(array.kind);
       table->text(array.name);
-      table->text(array.type);
+      table->text("REAL");
       table->number(array.count);
       table->text(array.unit);
       array.range ? table->number(array.range->least) : table->empty();
@@ -173,8 +148,9 @@ class InitListing {
 
   /// Places, from 1, of the connection arrays that the patterns choose. Throws Failure when there are none.
   std::vector<std::int32_t> choose(const std::vector<std::string>& names) {
-    if (names.empty()) throw Failure(Usage, fmt::format("{}: has no connection arrays", options_.path));
-    ArraySelection selection(options_.arrays, {});
+    if (names.empty())
+      throw Failure(Usage, fmt::format("{}: has no connection arrays", options_.runs.paths.front()));
+    ArraySelection selection(options_.cells.arrays, {});
     std::vector<std::int32_t> chosen;
     for (std::size_t i = 0; i < names.size(); ++i) {
       if (selection.choosesDerived(names[i])) chosen.push_back(static_cast<std::int32_t>(i) + 1);
@@ -185,8 +161,8 @@ class InitListing {
                                better.empty() ? "" : fmt::format("; did you mean \"{}\"?", better)));
     }
     if (chosen.empty())
-      throw Failure(Usage,
-                    fmt::format("nothing to show; \"lumbarn init --nnc {}\" lists the names", options_.path));
+      throw Failure(Usage, fmt::format("nothing to show; \"lumbarn init --nnc {}\" lists the names",
+                                       options_.runs.paths.front()));
     return chosen;
   }
 
@@ -225,7 +201,7 @@ class InitListing {
   }
 
   void writeConnections(Format format, std::ostream& out) {
-    const auto number = gridNumber(init(), options_.grid);
+    const auto number = gridNumber(init(), options_.cells.grid);
     auto [columns, values, kinds] = connections(number);
     columns.insert(columns.begin(), Column{"connection", true});
     std::size_t rows = 0;
@@ -279,25 +255,47 @@ class InitListing {
   std::optional<RunMember> gridFile_;
 };
 
+/// For people without the grid where there is only one.
+void writeReadable(Stream&& list, Console& console, Sink& sink) {
+  std::vector<ListedArray> arrays;
+  while (const auto batch = list.next()) {
+    for (std::size_t row = 0; row < batch->rows(); ++row) arrays.push_back(listedArray(*batch, row));
+  }
+  if (arrays.empty()) console.say("the file has no arrays");
+  writeArrayList(arrays, true, sink);
+}
+
+ExitStatus showCellArrays(const InitOptions& options, Console& console) {
+  const Run run = Run::open(options.runs.paths.front());
+  if (!options.cells.arrays.empty()) {
+    CellSelection selection = options.cells.selection();
+    selection.init = true;
+    selection.valuesOnly = selection.cells.empty();
+    return writeCells(run, selection, options.output, console);
+  }
+  auto list = run.arrays({.init = true, .grid = options.cells.grid}, asking(console));
+  if (options.output.format != Format::Table)
+    return writeAnswer(std::move(list), options.output, run.files(), console);
+  return writeAnswer([&](Sink& sink) { writeReadable(std::move(list), console, sink); }, options.output,
+                     run.files(), console);
+}
+
 ExitStatus showInit(const InitOptions& options, Console& console) {
-  const bool values = !options.arrays.empty();
-  if (!values && (options.all || options.ijk))
-    throw Failure(Usage, fmt::format("{} goes with --array", options.all ? "--all" : "--ijk"));
-  if (options.nnc && (options.all || options.ijk))
-    throw Failure(
-        Usage, fmt::format("{} goes with arrays of cells, not with --nnc", options.all ? "--all" : "--ijk"));
+  const bool values = !options.cells.arrays.empty();
+  const char* ofCells = options.cells.all              ? "--all"
+                        : options.cells.ijk            ? "--ijk"
+                        : !options.cells.cells.empty() ? "--cell"
+                        : options.output.grdecl        ? "--format grdecl"
+                                                       : nullptr;
+  if (!values && ofCells) throw Failure(Usage, fmt::format("{} goes with --array", ofCells));
+  if (options.nnc && ofCells)
+    throw Failure(Usage, fmt::format("{} goes with arrays of cells, not with --nnc", ofCells));
   if (options.flags && (options.nnc || values))
     throw Failure(Usage, fmt::format("--flags goes without {}", options.nnc ? "--nnc" : "--array"));
-  const RunFamily run = findRun(options.path);
+  if (!options.flags && !options.nnc) return showCellArrays(options, console);
+  const RunFamily run = findRun(options.runs.paths.front());
   Output output(options.output, console.out(), pathsOf(run));
-  if (values && !options.nnc) {
-    const ArrayOptions arrays{options.arrays, options.grid, options.all, options.ijk};
-    ArrayReader reader(initIndex(run, console), console.session());
-    ArrayValues(reader, reader.index().steps.front(), run, arrays, console)
-        .write(options.output.format, output.stream());
-  } else {
-    InitListing(run, options, console).write(options.output.format, output.stream());
-  }
+  InitListing(run, options, console).write(options.output.format, output.stream());
   output.commit();
   return console.doneStatus();
 }
@@ -308,18 +306,15 @@ void addInit(CommandLine& line) {
   Subcommand command(line, "init",
                      "List the static arrays of a run, or show values, model flags or connections");
   InitOptions& options = command.performs(showInit);
-  command.path(options.path);
-  command.repeated("--array", options.arrays, "NAMES", "Arrays to show, as PORO,NTG or PERM*");
-  command.value("--grid", options.grid, "LGR", "The local grid to list or show; ROOT is the global one");
-  command.flag("--ijk", options.ijk, "Show the numbers i, j, k of each cell in front");
-  command.flag("--all", options.all,
-               "Show all cells in natural order, inactive ones as -999, instead of the active cells");
+  command.runs(options.runs);
+  addCellOptions(command, options.cells);
   command.flag("--flags", options.flags, "Show what the run models");
   command.flag("--nnc", options.nnc, "List the connection arrays by kind, or with --array show their values");
-  command.output(options.output);
+  command.output(options.output, true);
   command.footer(
       "Names are separated by commas; options may be repeated. Example:\n"
-      "  lumbarn init --array PORO,PERMX --ijk --format csv -o rock.csv RUN");
+      "  lumbarn init --array PORO,PERMX --ijk --format csv -o rock.csv RUN\n"
+      "  lumbarn init --array PORO --format grdecl -o poro.grdecl RUN");
 }
 
 }  // namespace lumbarn::cli

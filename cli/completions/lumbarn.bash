@@ -1,36 +1,33 @@
 # Completion of the lumbarn command for bash.
 
 _lumbarn() {
-  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace -h --help'
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace --units --unit-row --long -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft init tables -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart cells stats wells index grid rft init tables -h --help --version' -- "$word")
     return
   fi
   case $before in
     --format)
-      mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
+      mapfile -t COMPREPLY < <(compgen -W 'table csv json ndjson grdecl' -- "$word")
       return
       ;;
-    --every)
-      mapfile -t COMPREPLY < <(compgen -W 'day month quarter year' -- "$word")
-      return
-      ;;
-    --date | --from | --to) return ;;
-    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number)
+    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --cell | --by | --weight | --date | --from | --to | --every | --table | --number)
       return
       ;;
   esac
   case ${COMP_WORDS[1]} in
-    restart) options+=' --step --nth --array --grid --ijk --all' ;;
+    restart) options+=' --array --grid --cell --ijk --all --step --nth --steps --date --from --to --every' ;;
+    cells) options+=' --array --grid --cell --ijk --all --init --step --nth --steps --date --from --to --every' ;;
+    stats) options+=' --array --by --weight --grid --init --steps --date --from --to --every' ;;
     index) options='--into --replace -h --help' ;;
     records) options+=' --stats' ;;
     vectors) options+=' --keep-duplicates' ;;
-    rft) options+=' --test --plt --branch --icd --segments --all' ;;
-    wells) options+=' --step --grid' ;;
-    summary) options+=' --vectors --except --steps --date --from --to --every --restart --report-steps --dates --keep-duplicates' ;;
+    rft) options+=' --well --steps --date --from --to --every --test --rows --plt --branch --icd --segments --all' ;;
+    wells) options+=' --step --steps --date --from --to --every --well --grid --no-connections' ;;
+    summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
-    init) options+=' --array --grid --ijk --all --flags --nnc' ;;
+    init) options+=' --array --grid --cell --ijk --all --flags --nnc' ;;
     tables) options+=' --table --number' ;;
   esac
   if [[ $word == -* ]]; then

@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "ArrowWriter.h"
 #include "BatchData.h"
 #include "NumberText.h"
 
@@ -38,6 +39,13 @@ Cell numberCell(std::string& text, Number value, bool forPeople) {
   text = NumberText(value, forPeople).view();
   if constexpr (std::floating_point<Number>) return std::isfinite(value) ? Cell::Number : Cell::NotFinite;
   return Cell::Number;
+}
+
+/// Whether the digits of a single tell people all there is: of doubles that come from an iteration, as rates,
+/// the others are noise.
+bool isShownAsSingle(const Field& field) {
+  return std::ranges::any_of(
+      field.metadata, [](const auto& one) { return one.first == "display" && one.second == "float32"; });
 }
 
 /// One column of what is written: one of a batch, or one value of a FixedList.
@@ -106,6 +114,8 @@ class Cells {
       case Type::Float32:
         return numberCell(text, at<float>(buffers, row), forPeople_);
       case Type::Float64:
+        if (forPeople_ && isShownAsSingle(field) && std::isfinite(at<double>(buffers, row)))
+          return numberCell(text, static_cast<float>(at<double>(buffers, row)), true);
         return numberCell(text, at<double>(buffers, row), forPeople_);
       case Type::FixedList:
         return numberCell(
@@ -350,6 +360,8 @@ std::unique_ptr<TextForm> makeForm(const Schema& schema, const WriteOptions& opt
       return std::make_unique<TableForm>(schema);
     case Format::Json:
     case Format::Ndjson:
+    case Format::ArrowFile:
+    case Format::ArrowStream:
       break;
   }
   return std::make_unique<JsonForm>(schema, options.format == Format::Ndjson, options.unitRow);
@@ -402,6 +414,10 @@ std::string isoText(LocalMoment moment) {
 }
 
 void write(Stream&& stream, Sink& sink, const WriteOptions& options) {
+  if (options.format == Format::ArrowFile || options.format == Format::ArrowStream) {
+    writeArrow(std::move(stream), sink, options.format == Format::ArrowFile);
+    return;
+  }
   const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
   const unsigned threads = options.threads == 0 ? cores : options.threads;
   const auto form = makeForm(stream.schema(), options);
@@ -410,10 +426,12 @@ void write(Stream&& stream, Sink& sink, const WriteOptions& options) {
   form->begin(edge, batch ? &*batch : nullptr);
   put(sink, edge);
   bool anyRow = false;
-  for (; batch; batch = stream.next()) {
+  while (batch) {
     for (const std::string& text : textOf(*form, *batch, anyRow, threads)) put(sink, text);
     anyRow = true;
     sink.flush();
+    batch.reset();  // its memory before that of the next
+    batch = stream.next();
   }
   edge.clear();
   form->end(edge, anyRow);

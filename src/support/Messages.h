@@ -39,6 +39,9 @@ struct MessageRow {
   ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
   ROW(Stopped, "stopped", Incomplete, "stopped as requested")                                                \
   ROW(TableRequest, "frame.request", Incomplete, "the request does not match the columns of the table")      \
+  ROW(UnitUnknown, "frame.unit", Remark, "values in an unknown unit are kept as they are")                   \
+  ROW(RunColumn, "frame.run-column", Remark, "not all runs have the same columns")                           \
+  ROW(RunColumnLeftOut, "frame.run-column.left-out", Incomplete, "column of a run does not fit the others")  \
   ROW(RequestMissing, "request.missing", Incomplete, "what was asked for is not there")                      \
   ROW(RequestRefused, "request.refused", Incomplete, "the request cannot be answered")                       \
   ROW(PatternUnmatched, "request.pattern", Remark, "nothing matches a pattern")                              \
@@ -61,6 +64,9 @@ struct MessageRow {
   ROW(ArrayMoved, "arrays.array.moved", Damage, "record is not where its index says")                        \
   ROW(ArrayBehindEnd, "arrays.array.end", Damage, "array is behind the end of the file")                     \
   ROW(ArrayNotOfCells, "arrays.array.cells", Incomplete, "array has no values for cells")                    \
+  ROW(ArraySomeSteps, "arrays.array.steps", Remark, "array is missing in some of the steps")                 \
+  ROW(ArrayUnmatched, "arrays.unmatched", Remark, "no array has this name")                                  \
+  ROW(CellInactive, "arrays.cell.inactive", Remark, "cell is not active")                                    \
   ROW(ActiveCellsGuessed, "arrays.active.guess", Incomplete, "pore volumes disagree with the active cells")  \
   ROW(ActiveCellsUnknown, "arrays.active.unknown", Incomplete, "it is not known which cells are active")     \
   ROW(ActiveCellsBeyondNumbers, "arrays.active.number", Incomplete, "grid has too many cells to number")     \
@@ -150,6 +156,7 @@ struct MessageRow {
   ROW(IndexFolder, "reader.index-folder", Incomplete, "no folder is specified for the index")                \
   ROW(CellGeometry, "reader.cell-geometry", Incomplete, "geometry of inactive cells was not kept")           \
   /* export */                                                                                               \
+  ROW(ExportModule, "export.module", Damage, "the module of the export cannot be opened")                    \
   ROW(ExportHdf, "export.hdf5", Damage, "cannot be written as an HDF5 file")                                 \
   /* command */                                                                                              \
   ROW(FileContent, "check.content", Damage, "content is not what the name says")                             \
