@@ -309,7 +309,8 @@ TEST_P(WholeRun, CommandShowsTheSameValues) {
   for (std::size_t n = 0; n < vectors.size(); ++n)
     EXPECT_THAT(numbers(table, n), ElementsAreArray(columnOf(rows, n)));
   const auto step = model_.firstStep() + 1;
-  const auto one = csv({"summary", "--steps", std::to_string(step), "--vectors", "FOPR"}, run_.root());
+  const auto one =
+      csv({"summary", "--steps", std::to_string(step), "--vectors", "FOPR"}, run_.root(), ending);
   EXPECT_THAT(numbers(one), ElementsAreArray({rows[0][0], rows[1][0]}));
   // A remark each where step files are left over and where cells are omitted; neither is a fault.
   const int findings = int{writer_.running} + int{writer_.leftovers} + int{writer_.omitsInactive};
