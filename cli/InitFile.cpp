@@ -11,37 +11,6 @@
 
 namespace lumbarn::cli {
 
-namespace {
-
-void checkArrays(const std::string& path, Session& session) {
-  qvEclipseINIT init(session);
-  init.LoadData = false;
-  bool qOK = init.CheckINITFile(path);
-  if (qOK) init.getEclipseINITArrays(qOK);
-  std::vector<float> values;
-  for (std::int32_t grid = 1; qOK && grid <= init.nGrids(); ++grid) {
-    const auto& info = init.grid(grid);
-    bool numbered = true;  // one array of all cells that is not says what they all would
-    for (std::int32_t array = 1; array <= info.nVectors(); ++array) {
-      if (session.cancelled()) return;
-      // Only arrays of all cells can turn out not to fit.
-      const auto count = info.arrays[static_cast<std::size_t>(array) - 1].header.count;
-      if (!numbered || count == info.nActive) continue;
-      bool qFits = false;
-      init.GetArray(grid, array, false, values, qFits);
-      numbered = qFits || count != info.nCells;
-    }
-  }
-}
-
-}  // namespace
-
-void checkInit(const std::string& path, Session& session, const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  checkArrays(path, session);
-  session.diagnosisSink = shown;
-}
-
 void addInitContent(Facts& facts, const std::string& path, Console& console) {
   qvEclipseINIT init(console.session());
   init.LoadData = false;

@@ -4,14 +4,10 @@
 
 #include "Console.h"
 #include "Facts.h"
-#include "FileCheck.h"
 #include "files/Families.h"
 #include "reader/qvEclipseReader.h"
 
 namespace lumbarn::cli {
-
-/// Reports arrays, pore volumes and simulation tables of an INIT file that do not fit together.
-void checkInit(const std::string& path, Session& session, const FindingSink& report);
 
 /// Phases, counts of arrays and connections, and simulation tables of an INIT file.
 void addInitContent(Facts& facts, const std::string& path, Console& console);

@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "InitFile.h"
-#include "RecordData.h"
+#include "run/RecordData.h"
 #include "RunIndex.h"
 #include "WellTestFile.h"
 #include "arrays/ActiveCells.h"
@@ -34,7 +34,7 @@ void walk(const RunMember& file, Console& console, const std::function<void(Reco
   try {
     while (cursor->next()) {
       console.checkCancelled();
-      showProgress(*cursor, console);
+      showProgress(*cursor, console.session());
       visit(*cursor);
     }
   } catch (const BadRecord& damage) {

@@ -19,7 +19,8 @@ _lumbarn() {
   case ${COMP_WORDS[1]} in
     restart) options+=' --step --nth --array --grid --ijk --all' ;;
     index) options='--into --replace -h --help' ;;
-    records) options+=' --stats' ;;
+    records) options+=' --stats --show --occurrence --range' ;;
+    check) options+=' --values' ;;
     vectors) options+=' --keep-duplicates' ;;
     rft) options+=' --test --plt --branch --icd --segments --all' ;;
     wells) options+=' --step --grid' ;;

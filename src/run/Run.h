@@ -54,6 +54,7 @@ class Run {
 
   explicit Run(std::shared_ptr<const RunState> state) : state_(std::move(state)) {}
   const RunState& state() const { return *state_; }
+  const std::shared_ptr<const RunState>& sharedState() const { return state_; }
 
  private:
   std::shared_ptr<const RunState> state_;

@@ -51,4 +51,13 @@ struct CellBox {
   std::array<std::int32_t, 3> to{};
 };
 
+/// Elements of records of one file.
+struct RecordSelection {
+  std::string file{};
+  std::vector<std::string> keywords{};  ///< patterns
+  std::int64_t occurrence = 0;          ///< of each keyword, from 1; 0: all
+  std::int64_t first = 1;               ///< element, from 1
+  std::int64_t last = -1;               ///< -1: to the end
+};
+
 }  // namespace lumbarn
