@@ -6,10 +6,10 @@
 
 #include "Failure.h"
 #include "RunIndex.h"
-#include "support/Closest.h"
 #include "arrays/ArrayUnits.h"
 #include "arrays/DerivedSaturation.h"
 #include "frame/NumberText.h"
+#include "support/Closest.h"
 #include "support/Pattern.h"
 #include "support/Text.h"
 

@@ -10,11 +10,11 @@
 #include "PathArgument.h"
 #include "RunArrays.h"
 #include "RunIndex.h"
-#include "support/Closest.h"
 #include "grid/CellGeometryOfGrid.h"
 #include "grid/RadialGrid.h"
 #include "grid/Refinement.h"
 #include "grid/qvGRIDReader.h"
+#include "support/Closest.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

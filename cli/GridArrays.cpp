@@ -7,10 +7,10 @@
 
 #include "Failure.h"
 #include "RunIndex.h"
-#include "support/Closest.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
 #include "record/RecordCursor.h"
+#include "support/Closest.h"
 
 namespace lumbarn::cli {
 namespace {

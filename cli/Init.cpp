@@ -11,9 +11,9 @@
 #include "Output.h"
 #include "PathArgument.h"
 #include "RunIndex.h"
-#include "support/Closest.h"
 #include "arrays/ArrayUnits.h"
 #include "frame/NumberText.h"
+#include "support/Closest.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

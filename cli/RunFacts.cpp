@@ -9,7 +9,6 @@
 #include <nlohmann/json.hpp>
 
 #include "InitFile.h"
-#include "run/RecordData.h"
 #include "RunIndex.h"
 #include "WellTestFile.h"
 #include "arrays/ActiveCells.h"
@@ -19,6 +18,7 @@
 #include "index/RestartIndexHeads.h"
 #include "index/SectionTracker.h"
 #include "record/RecordCursor.h"
+#include "run/RecordData.h"
 #include "support/Dates.h"
 #include "support/Text.h"
 #include "vocabulary/Units.h"

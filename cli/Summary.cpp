@@ -8,7 +8,6 @@
 #include "Output.h"
 #include "PathArgument.h"
 #include "StepRange.h"
-#include "support/Closest.h"
 #include "VectorNames.h"
 #include "files/FileChoice.h"
 #include "frame/NumberText.h"
@@ -16,6 +15,7 @@
 #include "summary/RestartChain.h"
 #include "summary/VectorSelection.h"
 #include "summary/qvEclipseSPEC.h"
+#include "support/Closest.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft init tables -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart wells index grid rft init tables compare convert -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -12,7 +12,7 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$word")
       return
       ;;
-    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number)
+    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --table | --number | --show | --occurrence | --range | --abs | --rel | --top | --date | --from | --to | --every)
       return
       ;;
   esac
@@ -28,6 +28,8 @@ _lumbarn() {
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
     init) options+=' --array --grid --ijk --all --flags --nnc' ;;
     tables) options+=' --table --number' ;;
+    compare) options+=' --abs --rel --array --top --overview' ;;
+    convert) options='--formatted --little-endian --array --steps --date --from --to --every -o --output --replace -h --help' ;;
   esac
   if [[ $word == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")

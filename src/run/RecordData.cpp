@@ -1,6 +1,7 @@
 #include "RecordData.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -8,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "../files/Recogniser.h"
+#include "../frame/NumberText.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
@@ -93,6 +95,13 @@ void showProgress(const RecordCursor& cursor, Session& session) {
   const auto size = static_cast<double>(cursor.fileSize());
   if (size > 0 && session.Container)
     session.Container->fraction(static_cast<double>(cursor.nextPosition()) / size);
+}
+
+double sameDigits(float value) {
+  const NumberText text(value, false);
+  double wide = value;
+  std::from_chars(text.view().data(), text.view().data() + text.view().size(), wide);
+  return wide;
 }
 
 std::unique_ptr<RecordCursor> openRecordFile(const std::string& path) {

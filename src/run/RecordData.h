@@ -49,6 +49,9 @@ bool nextRecord(RecordCursor& cursor, Action&& otherwise, Report&& report) {
 /// Tells the host's progress display how far in the file the cursor is.
 void showProgress(const RecordCursor& cursor, Session& session);
 
+/// A single as the double that has its shortest digits, so that 0.1 is not shown as 0.10000000149011612.
+double sameDigits(float value);
+
 /// A cursor on a file of records. Throws BadRecord, which tells what the file is instead.
 std::unique_ptr<RecordCursor> openRecordFile(const std::string& path);
 

@@ -1,13 +1,11 @@
 #include "Records.h"
 
-#include <charconv>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "../files/Families.h"
 #include "../files/Folder.h"
-#include "../frame/NumberText.h"
 #include "../support/Session.h"
 #include "../support/Text.h"
 #include "RecordData.h"
@@ -17,14 +15,6 @@
 namespace lumbarn {
 
 namespace {
-
-/// A single as the double that has its shortest digits, so that 0.1 is not shown as 0.10000000149011612.
-double sameDigits(float value) {
-  const NumberText text(value, false);
-  double wide = value;
-  std::from_chars(text.view().data(), text.view().data() + text.view().size(), wide);
-  return wide;
-}
 
 class RecordList {
  public:

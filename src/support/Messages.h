@@ -41,9 +41,13 @@ struct MessageRow {
   ROW(TableRequest, "frame.request", Incomplete, "the request does not match the columns of the table")      \
   ROW(RequestMissing, "request.missing", Incomplete, "what was asked for is not there")                      \
   ROW(RequestRefused, "request.refused", Incomplete, "the request cannot be answered")                       \
+  ROW(PatternUnmatched, "request.pattern", Remark, "nothing matches a pattern")                              \
   ROW(RunMissing, "run.missing", Incomplete, "no such file or run")                                          \
   ROW(RunSeveral, "run.several", Incomplete, "the path can mean several runs")                               \
   ROW(RunFileMissing, "run.file", Incomplete, "the run has no file of this type")                            \
+  ROW(CompareMissing, "compare.missing", Remark, "only one of the two has it")                               \
+  ROW(CompareSize, "compare.size", Remark, "the two are of different size")                                  \
+  ROW(ConvertReadBack, "convert.read-back", Damage, "what was written does not read back the same")          \
   /* files */                                                                                                \
   ROW(FolderList, "files.folder", Damage, "folder cannot be listed")                                         \
   ROW(FilesBothSets, "files.both", Remark, "the run has a unified file and step files")                      \

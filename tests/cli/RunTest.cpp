@@ -102,7 +102,7 @@ TEST_F(Run, EveryOptionIsInTheManPageAndInTheCompletions) {
     return at == text.npos ? "" : text.substr(at, text.find(to, at + 1) - at);
   };
   for (const std::string name : {"info", "records", "check", "vectors", "summary", "restart", "wells", "grid",
-                                 "rft", "index", "init", "tables"}) {
+                                 "rft", "index", "init", "tables", "compare", "convert"}) {
     const std::string help = command({name, "--help"}).out;
     EXPECT_THAT(help, HasSubstr("Example:\n  lumbarn " + name));
     const auto options = optionsIn(help);
