@@ -169,36 +169,46 @@ class FilePair {
   /// False when something is missing on either side.
   bool compare(DifferenceList& differences) {
     indexB();
-    bool same = true;
     while (next(*a_)) {
       const RecordHeader& header = a_->header();
       if (!wanted(header)) continue;
       const auto other = ofB_.find({header.keyword, a_->occurrence()});
       if (other == ofB_.end()) {
-        same = tell(*a_, Message::CompareMissing, {}, {});
+        missing_.add(*a_, header, a_->occurrence());
         continue;
       }
       const RecordHeader found = other->second;
       ofB_.erase(other);
-      same = comparePair(found, differences) && same;
+      comparePair(found, differences);
       showProgress(*a_, session_);
     }
-    for (const auto& [name, header] : ofB_) {
-      session_.diagnose({.message = Message::CompareMissing,
-                         .path = b_->path(),
-                         .problem = {},
-                         .keyword = name.first,
-                         .occurrence = name.second,
-                         .offset = header.headerAt,
-                         .expected = {},
-                         .found = {},
-                         .action = {}});
-      same = false;
-    }
-    return same;
+    for (const auto& [name, header] : ofB_) missing_.add(*b_, header, name.second);
+    for (const Unequal* unequal : {&missing_, &size_}) unequal->tell(session_);
+    return missing_.count == 0 && size_.count == 0;
   }
 
  private:
+  /// Records that cannot be compared, told as one: of unequal grids every array would be told.
+  struct Unequal {
+    Message message;
+    Diagnosis first{.message = message, .path = {}, .problem = {}, .keyword = {}};
+    std::int64_t count = 0;
+
+    void add(const RecordCursor& cursor, const RecordHeader& header, std::int64_t occurrence) {
+      if (count++ > 0) return;
+      first.path = cursor.path();
+      first.keyword = header.keyword;
+      first.occurrence = occurrence;
+      first.offset = header.headerAt;
+    }
+    void tell(Session& session) const {
+      if (count == 0) return;
+      Diagnosis told = first;
+      if (count > 1) told.action = fmt::format("so are {} other records", count - 1);
+      session.diagnose(std::move(told));
+    }
+  };
+
   bool wanted(const RecordHeader& header) const {
     return comparison_.keywords.empty() ||
            std::ranges::any_of(comparison_.keywords, [&](const std::string& pattern) {
@@ -216,22 +226,16 @@ class FilePair {
       if (wanted(b_->header())) ofB_.emplace(std::pair(b_->header().keyword, b_->occurrence()), b_->header());
     }
   }
-  bool tell(const RecordCursor& cursor, Message message, std::string expected, std::string found) {
-    session_.diagnose({.message = message,
-                       .path = cursor.path(),
-                       .problem = {},
-                       .keyword = cursor.header().keyword,
-                       .occurrence = cursor.occurrence(),
-                       .offset = cursor.header().headerAt,
-                       .expected = std::move(expected),
-                       .found = std::move(found),
-                       .action = {}});
-    return false;
-  }
-  bool comparePair(const RecordHeader& other, DifferenceList& differences) {
+  void comparePair(const RecordHeader& other, DifferenceList& differences) {
     const RecordHeader& header = a_->header();
-    const auto shape = [](const RecordHeader& one) { return fmt::format("{} {}", one.count, one.typeWord); };
-    if (!sameShape(header, other)) return tell(*a_, Message::CompareSize, shape(other), shape(header));
+    if (!sameShape(header, other)) {
+      const auto shape = [](const RecordHeader& one) {
+        return fmt::format("{} {}", one.count, one.typeWord);
+      };
+      size_.first.expected = size_.count == 0 ? shape(other) : size_.first.expected;
+      size_.first.found = size_.count == 0 ? shape(header) : size_.first.found;
+      return size_.add(*a_, header, a_->occurrence());
+    }
     b_->setCurrent(other);
     differences.count("record", header.keyword, header.count);
     visitUnequal(*a_, *b_, session_, [&](const ElementPair& pair) {
@@ -239,7 +243,6 @@ class FilePair {
         return fmt::format("occurrence {}, element {}", a_->occurrence(), pair.element + 1);
       });
     });
-    return true;
   }
 
   std::unique_ptr<RecordCursor> a_;
@@ -247,6 +250,8 @@ class FilePair {
   const Comparison& comparison_;
   Session& session_;
   std::map<std::pair<std::string, std::int64_t>, RecordHeader> ofB_;  // not met in a yet
+  Unequal missing_{Message::CompareMissing};
+  Unequal size_{Message::CompareSize};
 };
 
 void requireSameKind(const std::string& a, const std::string& b) {

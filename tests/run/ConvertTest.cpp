@@ -43,7 +43,7 @@ TEST_P(Conversions, ThereAndBackGiveTheSameBytes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Writers, Conversions, ::testing::ValuesIn(test::everyWriter),
-                         [](const auto& info) { return info.param.name; });
+                         ::testing::PrintToStringParamName());
 
 TEST(Conversion, WordsOfLogicalsStay) {
   const test::TemporaryFolder folder;

@@ -20,8 +20,11 @@ TEST(InitQuestions, ConnectionsHaveTheirCells) {
   EXPECT_EQ(stream.schema()[7].unit, "CPM3/D/BAR");
   const Batch rows = std::move(stream).collect();
   ASSERT_EQ(rows.rows(), 89U);
-  const auto i1 = rows["i1"].values<std::int32_t>(), i2 = rows["i2"].values<std::int32_t>();
-  for (std::size_t row = 0; row < rows.rows(); ++row) ASSERT_EQ(std::abs(i1[row] - i2[row]), 1) << "a fault";
+  std::vector<std::int32_t> cells;
+  for (const char* index : {"i1", "j1", "k1", "i2", "j2", "k2"})
+    cells.push_back(rows[index].values<std::int32_t>()[1]);
+  EXPECT_THAT(cells, ElementsAre(10, 1, 1, 9, 1, 4));
+  EXPECT_FLOAT_EQ(rows["TRANNNC"].values<float>()[88], 2.3006082F);
   EXPECT_THROW(hollin.nnc({.arrays = {"X*"}}), Error);
   EXPECT_THROW(hollin.nnc({.grid = "LGR1"}), Error);
 }
