@@ -8,8 +8,10 @@
 
 #include "Baseline.h"
 #include "Cases.h"
+#include "arrays/ArrayReader.h"
 #include "reader/qvEclipseReader.h"
 #include "record/RecordWriter.h"
+#include "run/Run.h"
 
 namespace lumbarn::bench {
 
@@ -74,6 +76,37 @@ void load(const std::filesystem::path& path, const std::string& only, bool data,
   benchmark::DoNotOptimize(xyData.values().data());
 }
 
+/// Asks for the pore volumes of the active cells, whose record has those of all cells.
+void askPoreVolumes(const std::filesystem::path& path) {
+  auto stream = Run::open(path.string()).cells({.arrays = {"PORV"}, .init = true, .valuesOnly = true});
+  std::size_t rows = 0;
+  float last = 0;
+  while (const auto batch = stream.next()) {
+    rows += batch->rows();
+    last = (*batch)[0].values<float>().back();
+  }
+  require(rows == activeCells && last == static_cast<float>(cells - 3), "other pore volumes came");
+}
+
+/// The same by a read for each run of active cells.
+void readPoreVolumesByRuns(const std::filesystem::path& path) {
+  Session session;
+  ArrayReader reader(walkInit(session, path.string()), session);
+  const IndexStep& step = reader.index().steps.front();
+  const IndexEntry& entry = *step.find("PORV");
+  const auto active = findActiveCells(session, path.string(), "", "", step.cellsOf(""));
+  require(active && active->active() == activeCells, "other cells are active");
+  std::vector<float> values(activeCells);
+  const auto& numbers = active->iA2N();
+  for (std::size_t row = 0; row < numbers.size();) {
+    std::size_t to = row + 1;
+    while (to < numbers.size() && numbers[to] == numbers[to - 1] + 1) ++to;
+    reader.fetch(step, entry, "", numbers[row] - 1, std::span(values).subspan(row, to - row));
+    row = to;
+  }
+  require(values.back() == static_cast<float>(cells - 3), "other pore volumes came");
+}
+
 }  // namespace
 
 Family initFamily(const std::filesystem::path& folder) {
@@ -87,6 +120,8 @@ Family initFamily(const std::filesystem::path& folder) {
               {"init/full", "B", 1.5, 0, 1.1 * table, [path] { load(path, "", true, arrays); }, swapped},
               {"init/list", "B", 0.01, 0, 2e6, [path] { load(path, "", false, arrays); }, swapped},
               {"init/one", "B", 1.5 * share, 0, 0, [path] { load(path, "ARRAY12", true, 1); }, swapped},
+              {"init/porv", "runs", 0.06, 0, 0, [path] { askPoreVolumes(path); },
+               [path] { readPoreVolumesByRuns(path); }},
           }};
 }
 

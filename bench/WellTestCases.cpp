@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <filesystem>
@@ -13,7 +14,9 @@
 
 #include "Baseline.h"
 #include "Cases.h"
+#include "frame/Write.h"
 #include "record/RecordWriter.h"
+#include "run/Run.h"
 #include "welltests/WellTest.h"
 #include "welltests/qvEclipseRFT.h"
 
@@ -142,6 +145,18 @@ void readRecords(const TestFile& file) {
   require(tests == file.tests, fmt::format("{} tests", tests));
 }
 
+/// The list of all tests as the command writes it.
+void list(const TestFile& file) {
+  struct Lines final : Sink {
+    void write(std::span<const std::byte> bytes) override {
+      count += std::ranges::count(bytes, std::byte{'\n'});
+    }
+    std::ptrdiff_t count = 0;
+  } lines;
+  write(Run::open(file.path.string()).tests(), lines);
+  require(lines.count == file.tests + 1, fmt::format("{} lines", lines.count));
+}
+
 }  // namespace
 
 Family wellTestFamily(const std::filesystem::path& folder) {
@@ -158,6 +173,7 @@ Family wellTestFamily(const std::filesystem::path& folder) {
           {
               {"welltests/rft", "B", 3, 0, 0, loaded(small), swapped(small)},
               {"welltests/twice", "half", 2.4, 1.6, 0, loaded(small), loaded(half)},
+              {"welltests/list", "B", 3.5, 0, 20e6, [small] { list(small); }, swapped(small)},
               {"welltests/plt", "B", 3, 0, 0, loaded(plt), swapped(plt)},
               {"welltests/segments", "B", 3, 0, 0, loaded(segments), swapped(segments)},
               {"welltests/records", "B", 0, 0, 20e6, [plt] { readRecords(plt); }, swapped(plt)},

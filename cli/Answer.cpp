@@ -34,10 +34,18 @@ ReadOptions asking(Console& console) {
 
 ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
                        Console& console) {
+  const auto writeRows = [&](Sink& sink) {
+    write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+  };
+  return writeAnswer(writeRows, options, inputs, console);
+}
+
+ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOptions& options,
+                       std::span<const std::string> inputs, Console& console) {
   Output output(options, console.out(), inputs);
   OutputSink sink(output.stream());
   try {
-    write(std::move(answer), sink, {.format = options.format, .unitRow = options.unitRow});
+    write(sink);
   } catch (const OutputSink::Unwritable&) {  // the stream has the reason
   }
   console.progress().hide();
@@ -50,6 +58,20 @@ ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console&
                   const Question& ask) {
   const Run run = Run::open(runs.paths.front());
   return writeAnswer(ask(run, asking(console)), options, run.files(), console);
+}
+
+ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console& console,
+                   std::span<const Question> questions) {
+  const Run run = Run::open(runs.paths.front());
+  std::vector<Stream> all;
+  for (const Question& ask : questions) all.push_back(ask(run, asking(console)));
+  const auto writeAll = [&](Sink& sink) {
+    for (Stream& table : all) {
+      if (&table != all.data()) sink.write(std::as_bytes(std::span("\n", 1)));
+      write(std::move(table), sink, {.format = options.format, .unitRow = options.unitRow});
+    }
+  };
+  return writeAnswer(writeAll, options, run.files(), console);
 }
 
 }  // namespace lumbarn::cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 
 #include "Console.h"
 #include "Output.h"
@@ -20,10 +21,18 @@ ReadOptions asking(Console& console);
 ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
                        Console& console);
 
+/// The same for output that is more than one table: `write` writes all of it.
+ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOptions& options,
+                       std::span<const std::string> inputs, Console& console);
+
 /// A question about one run.
 using Question = std::function<Stream(const Run&, const ReadOptions&)>;
 /// Asks the runs and writes the answer.
 ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console& console,
                   const Question& ask);
+
+/// Asks them several questions and writes the answers one below the other, for people.
+ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console& console,
+                   std::span<const Question> questions);
 
 }  // namespace lumbarn::cli

@@ -11,6 +11,8 @@ void addCheck(CommandLine& line);
 void addVectors(CommandLine& line);
 void addSummary(CommandLine& line);
 void addRestart(CommandLine& line);
+void addCells(CommandLine& line);
+void addStats(CommandLine& line);
 void addWells(CommandLine& line);
 void addInit(CommandLine& line);
 void addTables(CommandLine& line);

@@ -82,10 +82,7 @@ GridCells GridArrays::cellsOf(const IndexStep& step) const {
 }
 
 bool GridArrays::isArray(const IndexEntry& entry, const GridCells& cells) const {
-  if (cells.cells != grid_.nCells()) return false;
-  const bool doubles = typeInfo(entry.typeWord.view()).type == ElementType::Double &&
-                       (entry.count == cells.active || entry.count == cells.cells);
-  return doubles || isCellArray(entry, cells);
+  return cells.cells == grid_.nCells() && hasCellValues(entry, cells);
 }
 
 GridArrays::Place GridArrays::find(const RestartIndex& index, const IndexStep& step,

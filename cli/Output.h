@@ -18,6 +18,7 @@ struct OutputOptions {
   Format format = Format::Table;
   std::string file;      ///< empty: standard output
   bool unitRow = false;  ///< csv: a second header line with units; json: an object of units and rows
+  bool grdecl = false;   ///< `--format grdecl`: as keywords of a data deck, where a subcommand can do that
   bool replace = false;  ///< `file` may be a simulator file or a deck
 };
 

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
+#include "ManPage.h"
 #include "frame/Error.h"
 #include "support/Closest.h"
 #include "support/Fault.h"
@@ -21,6 +22,8 @@ void addCommands(CommandLine line) {
   addVectors(line);
   addSummary(line);
   addRestart(line);
+  addCells(line);
+  addStats(line);
   addWells(line);
   addInit(line);
   addTables(line);
@@ -118,6 +121,10 @@ int run(std::span<const std::string> args, std::ostream& out, std::ostream& err,
   app.require_subcommand(0, 1);
   Action chosen;
   addCommands({app, chosen});
+  if (args.size() == 1 && args[0] == "__man") {
+    writeManPage(app, out);
+    return Done;
+  }
   try {
     app.parse(std::vector<std::string>(args.rbegin(), args.rend()));
   } catch (const CLI::ParseError& error) {

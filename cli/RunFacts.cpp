@@ -5,12 +5,12 @@
 #include <functional>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
 #include "InitFile.h"
 #include "RunIndex.h"
-#include "WellTestFile.h"
 #include "arrays/ActiveCells.h"
 #include "files/Recogniser.h"
 #include "index/ActiveCount.h"
@@ -22,6 +22,7 @@
 #include "support/Dates.h"
 #include "support/Text.h"
 #include "vocabulary/Units.h"
+#include "welltests/TestFile.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -213,19 +214,25 @@ Facts testFacts(const RunFamily& run, Console& console) {
 }
 
 Facts userTestFacts(const RunMember& file, Console& console) {
-  const auto tests = WellTestFile::open(file.path, file.kind, console);
+  // What ends a part of a test is told as a diagnosis too.
+  const auto reporter = std::exchange(console.session().faultReporter, nullptr);
+  const auto tests = TestFile::open(file.path, file.kind, TestPart::Rft, console.session());
+  console.session().faultReporter = reporter;
+  console.checkCancelled();
+  if (!tests) console.giveUp(file.path, "no tests can be read from it");
+  std::int64_t count = 0;
   std::set<std::string> wells;
   std::optional<Moment> first;
   std::optional<Moment> last;
   std::size_t rows = 0;
-  for (const TestSummary& test : tests->tests()) {
+  for (TestSummary test; tests->next(test); ++count) {
     wells.insert(test.well);
     rows += test.rows;
     if (!test.date) continue;
     first = first ? std::min(first, test.date) : test.date;
     last = std::max(last, test.date);
   }
-  Facts facts = {{"tests", tests->tests().size()}, {"wells", wells}, {"rows", rows}};
+  Facts facts = {{"tests", count}, {"wells", wells}, {"rows", rows}};
   if (first) facts["first_date"] = isoText(*first, true);
   if (last) facts["last_date"] = isoText(*last, true);
   return facts;

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "Failure.h"
 #include "files/FileChoice.h"
@@ -62,27 +61,9 @@ RestartIndex initIndex(const RunFamily& run, Console& console) {
   return checked(indexOfInit(console.session(), file->path, pathOf(run.find(FileKind::Inspec))), console);
 }
 
-std::string shownGrid(const std::string& grid) { return grid.empty() ? "ROOT" : grid; }
-
-std::string stepsText(const std::vector<std::int32_t>& steps) {
-  return fmt::format("{}", fmt::join(rangesOf(steps), ", "));
-}
-
 std::string noStepText(const std::string& file, std::int32_t step, const std::vector<std::int32_t>& steps) {
   return fmt::format("{} has no report step {}; it has {}", file, step,
                      steps.empty() ? "none" : listText(rangesOf(steps)));
-}
-
-void requireGrid(std::span<const IndexStep* const> steps, const std::string& grid, const std::string& owner) {
-  std::vector<std::string> names;
-  for (const IndexStep* step : steps) {
-    if (step->hasGrid(grid)) return;
-    for (const IndexGroup& group : step->groups) {
-      const auto name = shownGrid(group.grid);
-      if (std::ranges::count(names, name) == 0) names.push_back(name);
-    }
-  }
-  throw Failure(Usage, fmt::format("{} has no grid {}; it has {}", owner, grid, listText(names)));
 }
 
 std::string listText(const std::vector<std::string>& names) {
@@ -91,15 +72,6 @@ std::string listText(const std::vector<std::string>& names) {
   for (std::size_t i = 0; i < names.size() && i < shown; ++i) text += (i == 0 ? "" : ", ") + names[i];
   if (names.size() > shown) text += fmt::format(" and {} others", names.size() - shown);
   return text;
-}
-
-StepDates::StepDates(const RestartIndex& index, bool forPeople)
-    : dateOnly_(forPeople && std::ranges::all_of(index.steps, [](const IndexStep& step) {
-                  return !step.date || *step.date == std::chrono::floor<std::chrono::days>(*step.date);
-                })) {}
-
-std::string StepDates::operator()(const IndexStep& step) const {
-  return step.date ? isoText(*step.date, dateOnly_) : "";
 }
 
 }  // namespace lumbarn::cli

@@ -23,26 +23,10 @@ std::optional<std::int32_t> namedStep(const RunFamily& run);
 RestartIndex restartIndex(const RunFamily& run, Console& console);
 RestartIndex initIndex(const RunFamily& run, Console& console);
 
-/// The name by which people know a grid: ROOT is the global one.
-std::string shownGrid(const std::string& grid);
-/// Report steps as people write them: "0:3, 5".
-std::string stepsText(const std::vector<std::int32_t>& steps);
 /// What to tell whoever asked a file for a report step that it does not have: "RUN.UNRST has no report step
 /// 4; it has 0:3, 5".
 std::string noStepText(const std::string& file, std::int32_t step, const std::vector<std::int32_t>& steps);
-/// Throws Failure, with the grids that there are, when none of the steps has a grid. `owner` names them.
-void requireGrid(std::span<const IndexStep* const> steps, const std::string& grid, const std::string& owner);
 /// "A, B, C and 12 others".
 std::string listText(const std::vector<std::string>& names);
-
-/// The dates of steps: without time of day when all are at midnight, for people.
-class StepDates {
- public:
-  StepDates(const RestartIndex& index, bool forPeople);
-  std::string operator()(const IndexStep& step) const;
-
- private:
-  bool dateOnly_;
-};
 
 }  // namespace lumbarn::cli

@@ -116,11 +116,15 @@ TimeSelection TimeOptions::selection() const {
   return selection;
 }
 
-void Subcommand::output(OutputOptions& options) {
-  const auto setFormat = [&options](const std::string& word) { options.format = formatNamed(word); };
+void Subcommand::output(OutputOptions& options, bool grdecl) {
+  const auto setFormat = [&options, grdecl](const std::string& word) {
+    options.grdecl = grdecl && equalNoCase(word, "grdecl");
+    if (!options.grdecl) options.format = formatNamed(word);
+  };
   command_
       .add_option_function<std::string>("--format", setFormat,
-                                        "Form of the output: table, csv, json or ndjson")
+                                        grdecl ? "Form of the output: table, csv, json, ndjson or grdecl"
+                                               : "Form of the output: table, csv, json or ndjson")
       ->option_text("FORMAT");
   value("-o,--output", options.file, "FILE", "Write to FILE, which appears when it is complete");
   flag("--replace", options.replace, "Let FILE replace a simulator file or a deck");

@@ -89,8 +89,8 @@ class Subcommand {
   void runs(RunOptions& options);
   /// `--steps`, `--date`, `--from`, `--to` and `--every`.
   void time(TimeOptions& options);
-  /// `--format` and `-o`.
-  void output(OutputOptions& options);
+  /// `--format` and `-o`. `grdecl`: takes that form too.
+  void output(OutputOptions& options, bool grdecl = false);
 
   /// What the help says behind the options.
   void footer(const std::string& text);

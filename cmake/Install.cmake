@@ -10,24 +10,20 @@ install(
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   INCLUDES
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/export/VtkExport.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn/export)
 if(TARGET lumbarn_vtk)
-  # Targets of their own file: without HDF5 on the host's machine the rest of the package is still of use.
   install(
     TARGETS lumbarn_vtk
     EXPORT lumbarnVtkTargets
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(FILES ${PROJECT_SOURCE_DIR}/export/VtkExport.h
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn/export)
-  install(FILES ${PROJECT_SOURCE_DIR}/cmake/Hdf5.cmake DESTINATION ${lumbarn_package_dir})
   install(
     EXPORT lumbarnVtkTargets
     NAMESPACE lumbarn::
     DESTINATION ${lumbarn_package_dir})
-  if(BUILD_SHARED_LIBS)
-    set_target_properties(lumbarn_vtk PROPERTIES INSTALL_RPATH "\$ORIGIN")
-  endif()
+endif()
+if(BUILD_SHARED_LIBS)
+  set_target_properties(lumbarn PROPERTIES INSTALL_RPATH "\$ORIGIN")  # the module is next to the library
 endif()
 install(
   DIRECTORY ${PROJECT_SOURCE_DIR}/src/
@@ -52,14 +48,12 @@ install(FILES ${PROJECT_BINARY_DIR}/lumbarnConfig.cmake ${PROJECT_BINARY_DIR}/lu
         DESTINATION ${lumbarn_package_dir})
 
 if(TARGET lumbarn_cli)
-  if(BUILD_SHARED_LIBS)
-    # The command finds the library wherever both are put.
-    file(RELATIVE_PATH library_from_command ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(lumbarn_cli PROPERTIES INSTALL_RPATH "\$ORIGIN/${library_from_command}")
-  endif()
+  # The command finds the library, and the module of the export, next to it or in the library folder.
+  file(RELATIVE_PATH library_from_command ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(lumbarn_cli PROPERTIES INSTALL_RPATH "\$ORIGIN;\$ORIGIN/${library_from_command}")
   install(TARGETS lumbarn_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(
-    FILES ${PROJECT_SOURCE_DIR}/cli/man/lumbarn.1
+    FILES ${PROJECT_BINARY_DIR}/cli/lumbarn.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
     OPTIONAL)
   # bash looks for a file with the command's name.

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "HdfFile.h"
 #include "VtkCells.h"
 #include "grid/Hadrick.h"
 #include "grid/Refinement.h"
@@ -79,9 +80,9 @@ constexpr const char* ghosts = "vtkGhostType";
 
 class Writer {
  public:
-  Writer(std::span<const std::shared_ptr<Hadrick>> grids, const VtkOptions& options, hdf::Storage& storage,
+  Writer(std::span<const std::shared_ptr<Hadrick>> grids, const VtkOptions& options, OutputFile& file,
          Session& session)
-      : options_(options), session_(session), file_(storage) {
+      : options_(options), session_(session), file_(file) {
     for (std::size_t n = 0; n < grids.size(); ++n) {
       const auto number = static_cast<std::int32_t>(n) + 1;
       if (options.iGrid != 0 && options.iGrid != number) continue;
@@ -91,14 +92,14 @@ class Writer {
       if (options.iGrid == 0) part.refined = refinedCells(grids, number);
       parts_.push_back(std::move(part));
     }
-    root_ = hdf::createGroup(file_.handle(), "VTKHDF");
-    cellData_ = hdf::createGroup(root_, "CellData");
+    root_ = file_.createGroup(HdfFile::top, "VTKHDF");
+    cellData_ = file_.createGroup(root_, "CellData");
   }
 
   void write(std::span<const CellArray> arrays) {
     const bool steps = !options_.times.empty();
-    hdf::setNumbers(root_, "Version", std::array<std::int64_t, 2>{steps ? 2 : 1, 0});
-    hdf::setText(root_, "Type", "UnstructuredGrid");
+    file_.setNumbers(root_, "Version", std::array<std::int64_t, 2>{steps ? 2 : 1, 0});
+    file_.setText(root_, "Type", "UnstructuredGrid");
     // Each array counts as much as the geometry here, which is near enough for a progress display.
     work_ = 2 + arrays.size() * std::max<std::size_t>(1, options_.times.size());
     examine();
@@ -108,8 +109,8 @@ class Writer {
       std::visit([&](const auto& read) { writeArray(array, read); }, array.read);
     }
     if (steps) writeSteps(arrays);
-    cellData_.close("CellData");
-    root_.close("VTKHDF");
+    file_.closeGroup(cellData_);
+    file_.closeGroup(root_);
     file_.close();
   }
 
@@ -168,7 +169,7 @@ class Writer {
   /// An array of one integer for each cell.
   template <class Number, class Of>
   void writeIntegers(const char* name, Of of) {
-    hdf::Table table(cellData_, name, hdf::typeOf<Number>(), hexahedra_);
+    HdfFile::Table<Number> table(file_, cellData_, name, hexahedra_);
     forEachRange([&](const Range& range) {
       std::vector<Number> values;
       for (std::size_t i = 0; i < range.count; ++i) values.push_back(of(range.part, range.cell(i)));
@@ -191,9 +192,9 @@ class Writer {
   template <class Number>
   void writeArray(const CellArray& array, const CellReader<Number>& read) {
     const std::size_t steps = array.changes ? std::max<std::size_t>(1, options_.times.size()) : 1;
-    hdf::Table table(cellData_, datasetName(array), hdf::typeOf<Number>(),
-                     hexahedra_ * static_cast<std::int64_t>(steps),
-                     static_cast<std::int64_t>(array.components));
+    HdfFile::Table<Number> table(file_, cellData_, datasetName(array),
+                                 hexahedra_ * static_cast<std::int64_t>(steps),
+                                 static_cast<std::int64_t>(array.components));
     for (std::size_t step = 0; step < steps; ++step) {
       forEachRange([&](const Range& range) {
         std::vector<Number> values(range.count * array.components);
@@ -210,9 +211,9 @@ class Writer {
 
   const VtkOptions& options_;
   Session& session_;
-  hdf::File file_;
-  hdf::Handle root_;
-  hdf::Handle cellData_;
+  HdfFile file_;
+  HdfFile::Group root_ = HdfFile::top;
+  HdfFile::Group cellData_ = HdfFile::top;
   std::vector<Part> parts_;
   std::vector<std::string> constant_;  // names of the arrays that come with each file
   std::int64_t hexahedra_ = 0;
@@ -222,11 +223,10 @@ class Writer {
 
 void Writer::writeGeometry() {
   constexpr std::int64_t corners = VtkCells::pointsOfCell;
-  const auto wide = hdf::typeOf<std::int64_t>();
-  auto points = hdf::Table::growing(root_, "Points", hdf::typeOf<float>(), 3);
-  hdf::Table connectivity(root_, "Connectivity", wide, hexahedra_ * corners);
-  hdf::Table offsets(root_, "Offsets", wide, hexahedra_ + 1);
-  hdf::Table types(root_, "Types", hdf::typeOf<std::uint8_t>(), hexahedra_);
+  HdfFile::Table<float> points(file_, root_, "Points", -1, 3);
+  HdfFile::Table<std::int64_t> connectivity(file_, root_, "Connectivity", hexahedra_ * corners);
+  HdfFile::Table<std::int64_t> offsets(file_, root_, "Offsets", hexahedra_ + 1);
+  HdfFile::Table<std::uint8_t> types(file_, root_, "Types", hexahedra_);
   offsets.append(std::span<const std::int64_t>(std::array<std::int64_t, 1>{0}));
   std::int64_t pointCount = 0;
   Part* current = nullptr;
@@ -251,42 +251,44 @@ void Writer::writeGeometry() {
     types.append(std::span<const std::uint8_t>(std::vector(ends.size(), hexahedron)));
   });
   endPart();
-  for (hdf::Table* table : {&points, &connectivity, &offsets, &types}) table->close();
-  hdf::write<std::int64_t>(root_, "NumberOfPoints", {pointCount});
-  hdf::write<std::int64_t>(root_, "NumberOfCells", {hexahedra_});
-  hdf::write<std::int64_t>(root_, "NumberOfConnectivityIds", {connectivity.rows()});
+  points.close();
+  connectivity.close();
+  offsets.close();
+  types.close();
+  file_.write<std::int64_t>(root_, "NumberOfPoints", {pointCount});
+  file_.write<std::int64_t>(root_, "NumberOfCells", {hexahedra_});
+  file_.write<std::int64_t>(root_, "NumberOfConnectivityIds", {connectivity.rows()});
 }
 
 /// Where the parts of each step begin: the geometry is the one part of all steps.
 void Writer::writeSteps(std::span<const CellArray> arrays) {
   const std::size_t count = options_.times.size();
   const std::vector<std::int64_t> start(count, 0);
-  auto steps = hdf::createGroup(root_, "Steps");
-  hdf::setNumber(steps, "NSteps", static_cast<std::int64_t>(count));
-  hdf::write(steps, "Values", options_.times);
-  hdf::write(steps, "PartOffsets", start);
-  hdf::write(steps, "NumberOfParts", std::vector<std::int64_t>(count, 1));
-  hdf::write(steps, "PointOffsets", start);
-  hdf::write(steps, "CellOffsets", start, true);
-  hdf::write(steps, "ConnectivityIdOffsets", start, true);
-  auto offsets = hdf::createGroup(steps, "CellDataOffsets");
-  for (const std::string& name : constant_) hdf::write(offsets, name, start);
+  const auto steps = file_.createGroup(root_, "Steps");
+  file_.setNumber(steps, "NSteps", static_cast<std::int64_t>(count));
+  file_.write(steps, "Values", options_.times);
+  file_.write(steps, "PartOffsets", start);
+  file_.write(steps, "NumberOfParts", std::vector<std::int64_t>(count, 1));
+  file_.write(steps, "PointOffsets", start);
+  file_.write(steps, "CellOffsets", start, true);
+  file_.write(steps, "ConnectivityIdOffsets", start, true);
+  const auto offsets = file_.createGroup(steps, "CellDataOffsets");
+  for (const std::string& name : constant_) file_.write(offsets, name, start);
   for (const CellArray& array : arrays) {
     std::vector<std::int64_t> rows = start;
     for (std::size_t step = 0; step < count && array.changes; ++step)
       rows[step] = static_cast<std::int64_t>(step) * hexahedra_;
-    hdf::write(offsets, datasetName(array), rows);
+    file_.write(offsets, datasetName(array), rows);
   }
-  offsets.close("CellDataOffsets");
-  steps.close("Steps");
+  file_.closeGroup(offsets);
+  file_.closeGroup(steps);
 }
 
 }  // namespace
 
 void writeVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const CellArray> arrays,
-              const VtkOptions& options, hdf::Storage& storage, Session& session) {
-  const hdf::Quiet quiet;
-  Writer(grids, options, storage, session).write(arrays);
+              const VtkOptions& options, OutputFile& file, Session& session) {
+  Writer(grids, options, file, session).write(arrays);
 }
 
 }  // namespace lumbarn

@@ -3,16 +3,17 @@
 #include <memory>
 #include <span>
 
-#include "HdfDriver.h"
 #include "VtkExport.h"
 
 namespace lumbarn {
 
+class OutputFile;
+
 /// Thrown to leave all loops when the load is canceled.
 struct ExportCanceled {};
 
-/// Writes the file of `exportVtk` into a storage. Throws BadRecord, Fault or ExportCanceled.
+/// Writes the file of `exportVtk`. Throws BadRecord, Fault or ExportCanceled.
 void writeVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const CellArray> arrays,
-              const VtkOptions& options, hdf::Storage& storage, Session& session);
+              const VtkOptions& options, OutputFile& file, Session& session);
 
 }  // namespace lumbarn

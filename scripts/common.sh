@@ -26,6 +26,7 @@ test_packages=(
   llvm-14 # llvm-symbolizer: function names in what the sanitizers report
   python3
   python3-vtk9 # reads exported grids back; the largest by far: 50 MB to fetch, 245 MB on the disk
+  zsh          # completion is tested in it too
 )
 tidy_packages=("${test_packages[@]}" clang-tidy-14 clang-tools-14)
 

@@ -18,11 +18,6 @@ namespace {
 
 constexpr const char* className = "ArrayReader";
 
-/// Ends an operation with qOK False and nothing to report.
-struct Cancelled {};
-
-std::string gridKey(std::string_view grid) { return isGlobalGrid(grid) ? "" : upper(trim(grid)); }
-
 constexpr std::size_t pieceElements = std::size_t{1} << 16;
 
 /// Decodes straight into the array where the types are the same, a piece at a time otherwise.
@@ -30,7 +25,7 @@ template <class Stored, class Number>
 void readAs(RecordCursor& cursor, const Session& session, std::int64_t first, std::span<Number> values) {
   std::vector<Stored> piece(std::is_same_v<Stored, Number> ? 0 : std::min(values.size(), pieceElements));
   for (std::size_t done = 0; done < values.size();) {
-    if (session.cancelled()) throw Cancelled();
+    if (session.cancelled()) throw LoadCanceled();
     const auto out = values.subspan(done, std::min(values.size() - done, pieceElements));
     const std::int64_t from = first + static_cast<std::int64_t>(done);
     if constexpr (std::is_same_v<Stored, Number>) {
@@ -54,6 +49,51 @@ void readNumbers(RecordCursor& cursor, const Session& session, std::int64_t firs
       return readAs<double>(cursor, session, first, values);
     default:
       return readAs<float>(cursor, session, first, values);  // a fault for texts and logicals
+  }
+}
+
+/// Elements with ascending numbers. Where they are close to each other, all between them are decoded too:
+/// that is faster than to find each of them.
+template <class Stored, class Number>
+void pickAs(RecordCursor& cursor, const Session& session, std::span<const std::uint32_t> elements,
+            std::span<Number> values) {
+  constexpr std::size_t closeTogether = 8;
+  std::vector<Stored> piece;
+  while (!elements.empty()) {
+    if (session.cancelled()) throw LoadCanceled();
+    const std::uint64_t first = elements.front();
+    const auto end = std::ranges::lower_bound(elements, first + pieceElements, {},
+                                              [](std::uint32_t element) -> std::uint64_t { return element; });
+    const auto chosen = elements.first(static_cast<std::size_t>(end - elements.begin()));
+    const std::size_t extent = chosen.back() - first + 1;
+    const bool close = extent <= closeTogether * chosen.size();
+    piece.resize(close ? extent : chosen.size());
+    if (close) {
+      cursor.read(std::span(piece), static_cast<std::int64_t>(first));
+    } else {
+      cursor.gather(chosen, std::span(piece));
+    }
+    for (std::size_t i = 0; i < chosen.size(); ++i)
+      values[i] = static_cast<Number>(piece[close ? chosen[i] - first : i]);
+    elements = elements.subspan(chosen.size());
+    values = values.subspan(chosen.size());
+  }
+}
+
+template <class Number>
+void pickNumbers(RecordCursor& cursor, const Session& session, std::span<const std::uint32_t> elements,
+                 std::span<Number> values) {
+  switch (cursor.header().type) {
+    case ElementType::Integer:
+      return pickAs<std::int32_t>(cursor, session, elements, values);
+    case ElementType::Double:
+      return pickAs<double>(cursor, session, elements, values);
+    case ElementType::Short:
+      for (std::size_t i = 0; i < elements.size(); ++i)
+        readAs<std::int32_t>(cursor, session, elements[i], values.subspan(i, 1));
+      return;
+    default:
+      return pickAs<float>(cursor, session, elements, values);
   }
 }
 
@@ -97,6 +137,7 @@ ArrayReader::~ArrayReader() = default;
 void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>& qFileTypeSettings,
                               FetchColumn column, std::int64_t first, std::span<float> values, bool& qOK) {
   guarded(*session_, qOK, className, "readFetched", [&] {
+    current_.reset();
     const RecordHeader header = headerOf(column);
     const Form form = formOf(qFileTypeSettings, *session_);
     if (!cursor_ || cursor_->path() != file || !(cursor_->form() == form)) {
@@ -123,24 +164,25 @@ void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>
 }
 
 ArrayReader::Found ArrayReader::find(std::int32_t step, std::string_view name, std::string_view grid) {
-  const IndexStep* found = index_.init && !index_.steps.empty() ? &index_.steps.front() : index_.nth(step);
+  const IndexStep* found =
+      index_->init && !index_->steps.empty() ? &index_->steps.front() : index_->nth(step);
   if (!found) {
     Diagnosis diagnosis{.message = Message::ArrayStepMissing,
-                        .path = index_.files.empty() ? "" : index_.files.front(),
+                        .path = index_->files.empty() ? "" : index_->files.front(),
                         .expected = fmt::format("report step {}", step),
-                        .found = fmt::format("{} other steps", index_.steps.size())};
-    if (!index_.steps.empty()) diagnosis.offset = index_.steps.back().position;
+                        .found = fmt::format("{} other steps", index_->steps.size())};
+    if (!index_->steps.empty()) diagnosis.offset = index_->steps.back().position;
     throw BadRecord(std::move(diagnosis));
   }
   if (const auto entries = found->findAll(name, grid); !entries.empty()) {
     if (entries.size() > 1 && !std::exchange(repeatReported_, true))
-      session_->diagnose(repeatedArray(index_, *found, *entries[1], "read the first one"));
+      session_->diagnose(repeatedArray(*index_, *found, *entries[1], "read the first one"));
     return foundEntry(*found, *entries[0], grid);
   }
-  const auto derived = index_.init ? std::nullopt : derivedArray(*found, grid);
+  const auto derived = index_->init ? std::nullopt : derivedArray(*found, grid);
   if (derived && equalNoCase(derived->keyword.view(), trim(name))) return foundEntry(*found, *derived, grid);
   throw BadRecord({.message = Message::ArrayMissing,
-                   .path = index_.files[found->file],
+                   .path = index_->files[found->file],
                    .problem = fmt::format("has no array {}{} in step {}", upper(trim(name)),
                                           isGlobalGrid(grid) ? "" : fmt::format(" of grid {}", trim(grid)),
                                           found->number),
@@ -155,7 +197,7 @@ ArrayReader::Found ArrayReader::foundEntry(const IndexStep& step, const IndexEnt
 
 Diagnosis ArrayReader::refusal(const Found& array, Message message) const {
   return {.message = message,
-          .path = index_.files[array.step->file],
+          .path = index_->files[array.step->file],
           .keyword = std::string(array.entry.keyword.view()),
           .offset = array.entry.isDerived() ? array.step->position : array.entry.position,
           .expected = fmt::format("{} of {} cells active", array.cells.active, array.cells.cells),
@@ -163,14 +205,17 @@ Diagnosis ArrayReader::refusal(const Found& array, Message message) const {
 }
 
 RecordCursor& ArrayReader::moveTo(const Found& array) {
-  const std::string& path = index_.files[array.step->file];
+  const std::string& path = index_->files[array.step->file];
   if (!cursor_ || cursor_->path() != path) {
     std::string why;
+    current_.reset();
     cursor_ = openRecords(path, why);
     if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = path, .problem = why});
   }
-  if (auto change = changedSince(index_.stamps[array.step->file], path)) throw BadRecord(std::move(*change));
+  if (auto change = changedSince(index_->stamps[array.step->file], path)) throw BadRecord(std::move(*change));
   const IndexEntry& entry = array.entry;
+  if (current_ == entry.position) return *cursor_;
+  current_.reset();
   cursor_->seek(entry.position);
   const bool there = cursor_->next();
   const RecordHeader& header = cursor_->header();
@@ -181,18 +226,22 @@ RecordCursor& ArrayReader::moveTo(const Found& array) {
     diagnosis.found = fmt::format("{} of {} {}", header.keyword, header.count, header.typeWord);
     throw BadRecord(std::move(diagnosis));
   }
+  current_ = entry.position;
   return *cursor_;
 }
 
 template <class Number>
 void ArrayReader::readElements(const Found& array, std::int64_t first, std::span<Number> values) {
-  if (array.entry.isDerived()) return readDerived(array, first, values);
-  readNumbers(moveTo(array), *session_, first, values);
+  if (!array.entry.isDerived()) return readNumbers(moveTo(array), *session_, first, values);
+  derive(array, values, [&](const Found& source, std::size_t done, std::span<float> piece) {
+    readNumbers(moveTo(source), *session_, first + static_cast<std::int64_t>(done), piece);
+  });
 }
 
-/// As a load of the step derives it: in single precision, a piece at a time.
-template <class Number>
-void ArrayReader::readDerived(const Found& array, std::int64_t first, std::span<Number> values) {
+/// As a load of the step derives it: in single precision, a piece at a time. `fetchPiece` gives the values of
+/// a source from a position among those that are wanted.
+template <class Number, class Fetch>
+void ArrayReader::derive(const Found& array, std::span<Number> values, Fetch fetchPiece) {
   std::vector<const IndexEntry*> sources;
   for (const std::string_view name : {"SWAT", "SGAS"}) {
     if (const auto* entry = storedSaturation(*array.step, array.grid, name)) sources.push_back(entry);
@@ -202,8 +251,7 @@ void ArrayReader::readDerived(const Found& array, std::int64_t first, std::span<
     const auto out = values.subspan(done, std::min(values.size() - done, pieceElements));
     for (std::size_t i = 0; i < sources.size(); ++i) {
       pieces[i].resize(out.size());
-      const Found source = foundEntry(*array.step, *sources[i], array.grid);
-      readNumbers(moveTo(source), *session_, first + static_cast<std::int64_t>(done), std::span(pieces[i]));
+      fetchPiece(foundEntry(*array.step, *sources[i], array.grid), done, std::span(pieces[i]));
     }
     for (std::size_t i = 0; i < out.size(); ++i) {
       const float other = sources.size() > 1 ? pieces[1][i] : 0;
@@ -212,6 +260,32 @@ void ArrayReader::readDerived(const Found& array, std::int64_t first, std::span<
     done += out.size();
   }
 }
+
+template <class Number>
+void ArrayReader::fetch(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
+                        std::int64_t first, std::span<Number> values) {
+  readElements(foundEntry(step, entry, grid), first, values);
+}
+
+template <class Number>
+void ArrayReader::fetch(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
+                        std::span<const std::uint32_t> elements, std::span<Number> values) {
+  const Found array = foundEntry(step, entry, grid);
+  if (!entry.isDerived()) return pickNumbers(moveTo(array), *session_, elements, values);
+  derive(array, values, [&](const Found& source, std::size_t done, std::span<float> piece) {
+    pickNumbers(moveTo(source), *session_, elements.subspan(done, piece.size()), piece);
+  });
+}
+
+#define LUMBARN_FETCH(Number)                                                                           \
+  template void ArrayReader::fetch(const IndexStep&, const IndexEntry&, std::string_view, std::int64_t, \
+                                   std::span<Number>);                                                  \
+  template void ArrayReader::fetch(const IndexStep&, const IndexEntry&, std::string_view,               \
+                                   std::span<const std::uint32_t>, std::span<Number>)
+LUMBARN_FETCH(std::int32_t);
+LUMBARN_FETCH(float);
+LUMBARN_FETCH(double);
+#undef LUMBARN_FETCH
 
 void ArrayReader::read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
                        std::span<double> values, bool& qOK) {
@@ -227,85 +301,6 @@ void ArrayReader::read(const IndexStep& step, const IndexEntry& entry, std::stri
                        std::int64_t first, std::span<double> values, bool& qOK) {
   guarded(*session_, qOK, className, "read",
           [&] { readElements(foundEntry(step, entry, grid), first, values); });
-}
-
-void ArrayReader::setActiveCells(std::string_view grid, ActiveCells cells) {
-  activeCells_.insert_or_assign(gridKey(grid), std::move(cells));
-}
-
-/// Null when the active cells were not set, or those of another grid were.
-const ActiveCells* ArrayReader::knownActiveCells(const Found& array) const {
-  const auto cells = activeCells_.find(gridKey(array.grid));
-  const bool fits = cells != activeCells_.end() && cells->second.cells() == array.cells.cells &&
-                    cells->second.active() == array.cells.active;
-  return fits ? &cells->second : nullptr;
-}
-
-const ActiveCells& ArrayReader::activeCellsOf(const Found& array) const {
-  const auto* cells = knownActiveCells(array);
-  if (!cells) throw BadRecord(refusal(array, Message::ActiveCellsUnknown));
-  return *cells;
-}
-
-/// Gives the inactive ones of the cells from [first] on the null value.
-void ArrayReader::clearInactive(const ActiveCells& cells, std::int64_t first,
-                                std::span<double> values) const {
-  auto next = std::ranges::upper_bound(cells.iA2N(), first);
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    const bool active = next != cells.iA2N().end() && *next == first + static_cast<std::int64_t>(i) + 1;
-    if (active)
-      ++next;
-    else
-      values[i] = session_->NullValue;
-  }
-}
-
-void ArrayReader::readCells(std::int32_t step, std::string_view name, std::string_view grid,
-                            std::int64_t first, std::span<double> values, bool& qOK) {
-  guarded(*session_, qOK, className, "readCells",
-          [&] { readCellsOf(find(step, name, grid), first, values); });
-}
-
-void ArrayReader::readCells(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
-                            std::int64_t first, std::span<double> values, bool& qOK) {
-  guarded(*session_, qOK, className, "readCells",
-          [&] { readCellsOf(foundEntry(step, entry, grid), first, values); });
-}
-
-void ArrayReader::readCellsOf(const Found& array, std::int64_t first, std::span<double> values) {
-  if (!isCellArray(array.entry, array.cells)) throw BadRecord(refusal(array, Message::ArrayNotOfCells));
-  const auto count = static_cast<std::int64_t>(values.size());
-  if (first < 0 || first > array.cells.cells || count > array.cells.cells - first) {
-    throw Fault(FaultNumber::Subscript);
-  }
-  if (array.entry.count == array.cells.cells) {
-    readElements(array, first, values);
-    if (const auto* active = knownActiveCells(array)) clearInactive(*active, first, values);
-    return;
-  }
-  // The values of the active cells in the range lie next to each other: they are read to its front and
-  // moved to their positions from behind.
-  const auto& iA2N = activeCellsOf(array).iA2N();
-  const auto from = std::ranges::upper_bound(iA2N, first);
-  const auto to = std::ranges::upper_bound(iA2N, first + count);
-  auto left = static_cast<std::size_t>(to - from);
-  readElements(array, from - iA2N.begin(), values.first(left));
-  for (std::int64_t cell = count; cell-- > 0;) {
-    const bool active = left > 0 && *(from + static_cast<std::ptrdiff_t>(left) - 1) == first + cell + 1;
-    values[static_cast<std::size_t>(cell)] = active ? values[--left] : session_->NullValue;
-  }
-}
-
-void ArrayReader::readCell(std::int32_t step, std::string_view name, std::string_view grid, std::int32_t i,
-                           std::int32_t j, std::int32_t k, double& value, bool& qOK) {
-  std::int64_t cell = -1;
-  guarded(*session_, qOK, className, "readCell", [&] {
-    const auto [nx, ny, nz] = find(step, name, grid).cells.size;
-    const auto inside = [](std::int32_t at, std::int32_t size) { return at >= 1 && at <= size; };
-    if (!inside(i, nx) || !inside(j, ny) || !inside(k, nz)) throw Fault(FaultNumber::Subscript);
-    cell = (static_cast<std::int64_t>(k - 1) * ny + (j - 1)) * nx + (i - 1);
-  });
-  if (qOK) readCells(step, name, grid, cell, std::span(&value, 1), qOK);
 }
 
 }  // namespace lumbarn

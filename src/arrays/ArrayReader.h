@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -12,7 +11,6 @@
 #include "../index/RestartIndex.h"
 #include "../record/RecordCursor.h"
 #include "../support/Session.h"
-#include "ActiveCells.h"
 
 namespace lumbarn {
 
@@ -32,18 +30,21 @@ using FetchColumn = std::span<const std::int32_t, 5>;
 /// it. All of them are read by entry: `index().nth(number, position)` is a step by its position among those
 /// with the number, and `IndexStep::findAll(name, grid)` lists its arrays of one name.
 ///
-/// Elements and cells in `first` count from 0; i, j, k and cell numbers count from 1. If qOK is False,
-/// outputs are unchanged or partly written, and a diagnosis or the fault report states why.
+/// Elements count from 0. If qOK is False, outputs are unchanged or partly written, and a diagnosis or the
+/// fault report states why.
 class ArrayReader {
  public:
   explicit ArrayReader(Session& session = Session::process()) : session_(&session) {}
   /// For arrays by name, at the positions in the index.
-  ArrayReader(RestartIndex index, Session& session) : session_(&session), index_(std::move(index)) {}
+  ArrayReader(RestartIndex index, Session& session)
+      : ArrayReader(std::make_shared<const RestartIndex>(std::move(index)), session) {}
+  ArrayReader(std::shared_ptr<const RestartIndex> index, Session& session)
+      : session_(&session), index_(std::move(index)) {}
   ~ArrayReader();
   ArrayReader(const ArrayReader&) = delete;
   ArrayReader& operator=(const ArrayReader&) = delete;
 
-  const RestartIndex& index() const { return index_; }
+  const RestartIndex& index() const { return *index_; }
 
   /// By a column of a step's fetch-on-demand table, the file that the step was read from, and the settings
   /// that came with it (FORTRAN, Formatted, 4-byte marks, bytes swapped, I/O method 8): elements
@@ -63,21 +64,17 @@ class ArrayReader {
   /// By entry of a step of this reader's index, or one of `derivedArray`, which needs the grid.
   void read(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
             std::span<double> values, bool& qOK);
-  /// One value for each cell of the grid from cell [first], in natural order; inactive cells get the
-  /// session's null value. Which cells are active must be known, see `setActiveCells`, of an array with one
-  /// value for each of them: fails with a diagnosis otherwise, and for an array that is not of cells. An
-  /// array with a value for each cell is returned as stored if the active cells are not known.
-  void readCells(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
-                 std::span<double> values, bool& qOK);
-  void readCells(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
-                 std::span<double> values, bool& qOK);
-  /// The value of cell i, j, k, counted from 1; the session's null value for an inactive one. Throws nothing;
-  /// a cell outside of the grid is a fault.
-  void readCell(std::int32_t step, std::string_view name, std::string_view grid, std::int32_t i,
-                std::int32_t j, std::int32_t k, double& value, bool& qOK);
 
-  /// Sets which cells of a grid are active.
-  void setActiveCells(std::string_view grid, ActiveCells cells);
+  /// Elements of an entry of a step of this reader's index, or of one of `derivedArray`, which needs the
+  /// grid: [first, first + values.size()), or those with the numbers given, which ascend. Number is
+  /// std::int32_t, float or double; 64-bit numbers lose precision as float. Throw BadRecord, Fault and
+  /// LoadCanceled.
+  template <class Number>
+  void fetch(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
+             std::span<Number> values);
+  template <class Number>
+  void fetch(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
+             std::span<const std::uint32_t> elements, std::span<Number> values);
 
  private:
   /// An array of the index.
@@ -93,17 +90,13 @@ class ArrayReader {
   RecordCursor& moveTo(const Found& array);
   template <class Number>
   void readElements(const Found& array, std::int64_t first, std::span<Number> values);
-  template <class Number>
-  void readDerived(const Found& array, std::int64_t first, std::span<Number> values);
-  void readCellsOf(const Found& array, std::int64_t first, std::span<double> values);
-  const ActiveCells* knownActiveCells(const Found& array) const;
-  void clearInactive(const ActiveCells& cells, std::int64_t first, std::span<double> values) const;
-  const ActiveCells& activeCellsOf(const Found& array) const;
+  template <class Number, class Fetch>
+  void derive(const Found& array, std::span<Number> values, Fetch fetchPiece);
 
   Session* session_;
-  RestartIndex index_;
-  std::map<std::string, ActiveCells, std::less<>> activeCells_;
+  std::shared_ptr<const RestartIndex> index_ = std::make_shared<const RestartIndex>();
   std::unique_ptr<RecordCursor> cursor_;  // on the file that was read last
+  std::optional<std::uint64_t> current_;  // the record of it that the cursor is on, if it was moved there
   bool repeatReported_ = false;
 };
 

@@ -40,6 +40,13 @@ Cell numberCell(std::string& text, Number value, bool forPeople) {
   return Cell::Number;
 }
 
+/// Whether the digits of a single tell people all there is: of doubles that come from an iteration, as rates,
+/// the others are noise.
+bool isShownAsSingle(const Field& field) {
+  return std::ranges::any_of(
+      field.metadata, [](const auto& one) { return one.first == "display" && one.second == "float32"; });
+}
+
 /// One column of what is written: one of a batch, or one value of a FixedList.
 struct OutputColumn {
   std::size_t column = 0;
@@ -106,6 +113,8 @@ class Cells {
       case Type::Float32:
         return numberCell(text, at<float>(buffers, row), forPeople_);
       case Type::Float64:
+        if (forPeople_ && isShownAsSingle(field) && std::isfinite(at<double>(buffers, row)))
+          return numberCell(text, static_cast<float>(at<double>(buffers, row)), true);
         return numberCell(text, at<double>(buffers, row), forPeople_);
       case Type::FixedList:
         return numberCell(

@@ -10,7 +10,9 @@ namespace lumbarn {
 
 /// Forms in which a stream can be written.
 enum class Format : std::uint8_t {
-  Table,   ///< aligned columns for people, units in a second header line
+  /// Aligned columns for people, units in a second header line. Float64 with the metadata "display" "float32"
+  /// has the digits of a single.
+  Table,
   Csv,     ///< RFC 4180: one header line, lines end in CR LF, no value is an empty field
   Json,    ///< an array with one object for each row
   Ndjson,  ///< one object for each line

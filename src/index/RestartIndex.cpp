@@ -145,6 +145,12 @@ bool isCellArray(const IndexEntry& entry, const GridCells& cells) {
          mayBeCellArray(typeInfo(entry.typeWord.view()).type, entry.keyword.view());
 }
 
+bool hasCellValues(const IndexEntry& entry, const GridCells& cells) {
+  const bool doubles = typeInfo(entry.typeWord.view()).type == ElementType::Double && entry.count > 0 &&
+                       (entry.count == cells.active || entry.count == cells.cells);
+  return doubles || isCellArray(entry, cells);
+}
+
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group) {
   std::vector<const IndexEntry*> arrays;
   for (const IndexEntry& entry : group.entries) {

@@ -146,6 +146,8 @@ bool mayBeCellArray(ElementType type, std::string_view zName);
 /// Such an array with a value for each cell or active cell of its grid: the arrays that are kept of a restart
 /// or INIT file when all are wanted.
 bool isCellArray(const IndexEntry& entry, const GridCells& cells);
+/// The same, 64-bit numbers included, which are not kept: what can be shown cell by cell.
+bool hasCellValues(const IndexEntry& entry, const GridCells& cells);
 /// The entries of a group that are cell arrays.
 std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);
 

@@ -50,9 +50,9 @@ class Codec {
   /// the size of the file when there is none. For a file that is damaged before: reads on in order, in time
   /// linear in the bytes passed; memory is limited to the window.
   virtual std::uint64_t findHeader(Window& window, std::uint64_t position) const = 0;
-  /// The singles with these ascending numbers.
+  /// The elements with these ascending numbers, of 32 or 64 bits each, as `decode` gives them.
   virtual void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
-                      std::span<const std::uint32_t> elements, float* out) const = 0;
+                      std::span<const std::uint32_t> elements, std::byte* out) const = 0;
   /// Checks that the data of a record whose layout was found earlier still begin with their mark, in forms
   /// that have marks.
   virtual void checkStart(Window& window, const RecordHeader& header, const DataLayout& layout) const {

@@ -404,16 +404,18 @@ void FormattedCodec::decode(Window& window, const RecordHeader& header, const Da
 }
 
 void FormattedCodec::gather(Window& window, const RecordHeader& header, const DataLayout& layout,
-                            std::span<const std::uint32_t> elements, float* out) const {
+                            std::span<const std::uint32_t> elements, std::byte* out) const {
+  const auto width = static_cast<std::size_t>(header.width);
   if (layout.kind == DataLayout::Kind::Regular) {
     for (std::size_t i = 0; i < elements.size(); ++i) {
-      decode(window, header, layout, elements[i], 1, reinterpret_cast<std::byte*>(out + i));
+      decode(window, header, layout, elements[i], 1, out + i * width);
     }
     return;
   }
-  std::vector<float> all(static_cast<std::size_t>(header.count));
-  decode(window, header, layout, 0, all.size(), reinterpret_cast<std::byte*>(all.data()));
-  for (std::size_t i = 0; i < elements.size(); ++i) out[i] = all[elements[i]];
+  std::vector<std::byte> all(static_cast<std::size_t>(header.count) * width);
+  decode(window, header, layout, 0, static_cast<std::size_t>(header.count), all.data());
+  for (std::size_t i = 0; i < elements.size(); ++i)
+    std::memcpy(out + i * width, all.data() + elements[i] * width, width);
 }
 
 }  // namespace lumbarn

@@ -14,7 +14,7 @@ class FormattedCodec final : public Codec {
               std::size_t count, std::byte* out) const override;
   std::uint64_t findHeader(Window& window, std::uint64_t position) const override;
   void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
-              std::span<const std::uint32_t> elements, float* out) const override;
+              std::span<const std::uint32_t> elements, std::byte* out) const override;
 };
 
 /// Fields of one line of a formatted record.

@@ -318,29 +318,42 @@ void MarkedCodec::decode(Window& window, const RecordHeader& header, const DataL
 }
 
 void MarkedCodec::gather(Window& window, const RecordHeader& header, const DataLayout& layout,
-                         std::span<const std::uint32_t> elements, float* out) const {
+                         std::span<const std::uint32_t> elements, std::byte* out) const {
+  if (header.width == 8 && layout.kind == DataLayout::Kind::Table) {  // a block may end within an element
+    for (std::size_t i = 0; i < elements.size(); ++i)
+      decode(window, header, layout, elements[i], 1, out + 8 * i);
+    return;
+  }
+  header.width == 8 ? gatherWords<std::uint64_t>(window, header, layout, elements, out)
+                    : gatherWords<std::uint32_t>(window, header, layout, elements, out);
+}
+
+template <class Word>
+void MarkedCodec::gatherWords(Window& window, const RecordHeader& header, const DataLayout& layout,
+                              std::span<const std::uint32_t> elements, std::byte* out) const {
   // Elements closer than this are fetched together: a transfer costs about as much as copying that many
   // bytes.
   constexpr std::uint64_t worthOneTransfer = 4096;
+  constexpr std::uint64_t width = sizeof(Word);
   const auto place = [&](std::uint32_t element) {
-    const Piece piece = pieceAt(header, layout, 4 * std::uint64_t{element});
+    const Piece piece = pieceAt(header, layout, width * element);
     return piece.dataAt + piece.before;
   };
   std::uint64_t fetchedTo = 0;
   for (std::size_t i = 0; i < elements.size(); ++i) {
     const std::uint64_t at = place(elements[i]);
     if (at >= fetchedTo) {
-      fetchedTo = at + 4;
+      fetchedTo = at + width;
       for (std::size_t k = i + 1; k < elements.size(); ++k) {
         const std::uint64_t next = place(elements[k]);
-        if (next - fetchedTo > worthOneTransfer || next + 4 - at > Window::capacity) break;
-        fetchedTo = next + 4;
+        if (next - fetchedTo > worthOneTransfer || next + width - at > Window::capacity) break;
+        fetchedTo = next + width;
       }
     }
-    const auto bytes = window.at(at, 4, fetchedTo - at);
-    if (bytes.size() < 4) throwTooShort(at, 4, bytes.size());
-    const auto word = loadWord<std::uint32_t>(bytes.data(), swap_);
-    std::memcpy(out + i, &word, sizeof word);
+    const auto bytes = window.at(at, width, fetchedTo - at);
+    if (bytes.size() < width) throwTooShort(at, width, bytes.size());
+    const auto word = loadWord<Word>(bytes.data(), swap_);
+    std::memcpy(out + i * width, &word, width);
   }
 }
 

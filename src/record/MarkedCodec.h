@@ -18,13 +18,16 @@ class MarkedCodec final : public Codec {
               std::size_t count, std::byte* out) const override;
   std::uint64_t findHeader(Window& window, std::uint64_t position) const override;
   void gather(Window& window, const RecordHeader& header, const DataLayout& layout,
-              std::span<const std::uint32_t> elements, float* out) const override;
+              std::span<const std::uint32_t> elements, std::byte* out) const override;
   void checkStart(Window& window, const RecordHeader& header, const DataLayout& layout) const override;
 
   static constexpr std::uint64_t pieceBytes = 128;
   static constexpr std::uint32_t pieceContinues = 129;
 
  private:
+  template <class Word>
+  void gatherWords(Window& window, const RecordHeader& header, const DataLayout& layout,
+                   std::span<const std::uint32_t> elements, std::byte* out) const;
   /// A run of data bytes between two marks, and a place in it.
   struct Piece {
     std::uint64_t dataAt = 0;  // byte offset in the file

@@ -189,8 +189,21 @@ void RecordCursor::readText(std::span<char> out, std::int64_t first) {
 }
 
 void RecordCursor::gather(std::span<const std::uint32_t> elements, std::span<float> out) {
-  if (header_.type != ElementType::Single) throw Fault(FaultNumber::TypeMismatch);
-  if (elements.size() > out.size() || (!elements.empty() && elements.back() >= header_.count)) {
+  gather(ElementType::Single, elements, out.size(), reinterpret_cast<std::byte*>(out.data()));
+}
+
+void RecordCursor::gather(std::span<const std::uint32_t> elements, std::span<double> out) {
+  gather(ElementType::Double, elements, out.size(), reinterpret_cast<std::byte*>(out.data()));
+}
+
+void RecordCursor::gather(std::span<const std::uint32_t> elements, std::span<std::int32_t> out) {
+  gather(ElementType::Integer, elements, out.size(), reinterpret_cast<std::byte*>(out.data()));
+}
+
+void RecordCursor::gather(ElementType wanted, std::span<const std::uint32_t> elements, std::size_t room,
+                          std::byte* out) {
+  if (header_.type != wanted) throw Fault(FaultNumber::TypeMismatch);
+  if (elements.size() > room || (!elements.empty() && elements.back() >= header_.count)) {
     throw Fault(FaultNumber::Subscript);
   }
   // The mark shows if the file was rewritten since it was indexed. Checking it in every record would make
@@ -199,7 +212,7 @@ void RecordCursor::gather(std::span<const std::uint32_t> elements, std::span<flo
   located([&] {
     if (gathers_++ % recordsForACheck == 0 && header_.count > 0)
       codec_->checkStart(*window_, header_, *layout_);
-    codec_->gather(*window_, header_, *layout_, elements, out.data());
+    codec_->gather(*window_, header_, *layout_, elements, out);
   });
 }
 

@@ -88,9 +88,11 @@ class RecordCursor {
   void readLogicals(std::span<std::int16_t> out, std::int64_t first = 0);
   /// Texts as they stand, `header().width` bytes each, one after the other.
   void readText(std::span<char> out, std::int64_t first = 0);
-  /// The elements with these numbers (from 0, ascending) of a Single record; reads no more of the file than
-  /// it must.
+  /// The elements with these numbers (from 0, ascending) of a record whose type goes with the array: Single,
+  /// Double or Integer. Reads no more of the file than it must.
   void gather(std::span<const std::uint32_t> elements, std::span<float> out);
+  void gather(std::span<const std::uint32_t> elements, std::span<double> out);
+  void gather(std::span<const std::uint32_t> elements, std::span<std::int32_t> out);
 
   /// The whole data of the current record.
   std::vector<std::int32_t> integers();
@@ -111,6 +113,7 @@ class RecordCursor {
   auto located(Body&& body);
   bool readHeader(std::uint64_t position);
   bool takeAhead();
+  void gather(ElementType wanted, std::span<const std::uint32_t> elements, std::size_t room, std::byte* out);
   void decode(ElementType wanted, std::int64_t first, std::size_t count, void* out);
 
   std::shared_ptr<const ByteSource> source_;

@@ -171,31 +171,17 @@ void qvEclipseSEQUENCE::takeInteger(RecordCursor& cFile, Walk& walk) {
   const std::string& name = cFile.header().keyword;
   if (SectionTracker::marksStep(cFile.header())) return;
   if (name == "INTEHEAD") return takeHeader(cFile, walk);
-  bool qKept = true;
-  if (name == "IWEL") {
-    processIWEL(cFile.integers(), qKept);
-  } else if (name == "ICON") {
-    // A step of a multiple set is held even when it lies outside of the limits, and answers for its wells.
-    if (!walk.keep && (Unified || ReadOnlyHeader)) return;
-    processICON(cFile.integers(), qKept);
-  } else if (walk.keep && name != "IGRP") {
-    takeArray(cFile, walk);
-  }
-  if (!qKept) reportDropped(cFile);
+  // A step of a multiple set is held even when it lies outside of the limits, and answers for its wells.
+  if (name == "ICON" && !walk.keep && (Unified || ReadOnlyHeader)) return;
+  if (name == "IWEL" || name == "ICON") return takeWells(cFile);
+  if (walk.keep && name != "IGRP") takeArray(cFile, walk);
 }
 
 void qvEclipseSEQUENCE::takeSingle(RecordCursor& cFile, Walk& walk) {
   if (!walk.keep) return;
   const std::string& name = cFile.header().keyword;
-  bool qKept = true;
-  if (name == "SCON") {
-    if (qMarkers) processSCON(cFile.singles(), qKept);
-  } else if (name == "SWEL") {
-    if (qMarkers) processSWEL(cFile.singles(), qKept);
-  } else {
-    takeArray(cFile, walk);
-  }
-  if (!qKept) reportDropped(cFile);
+  if (name != "SCON" && name != "SWEL") return takeArray(cFile, walk);
+  if (qMarkers) takeWells(cFile);
 }
 
 void qvEclipseSEQUENCE::takeDouble(RecordCursor& cFile, Walk& walk) {
@@ -208,21 +194,44 @@ void qvEclipseSEQUENCE::takeDouble(RecordCursor& cFile, Walk& walk) {
     walk.seenTime = true;
     stopBehindHeaders(walk);
   } else if (header.keyword == "XWEL" && walk.keep && qMarkers) {
-    bool qKept = true;
-    processXWEL(cFile.doubles(), qKept);
-    if (!qKept) reportDropped(cFile);
+    takeWells(cFile);
   }
 }
 
 void qvEclipseSEQUENCE::takeText(RecordCursor& cFile) {
   const std::string& name = cFile.header().keyword;
+  if (name == "ZWEL" || name == "ZGRP") takeWells(cFile);
+}
+
+void qvEclipseSEQUENCE::takeWells(RecordCursor& cFile) {
+  if (auto misfit = takeWellRecord(cFile)) session_->diagnose(std::move(*misfit));
+}
+
+std::optional<Diagnosis> qvEclipseSEQUENCE::takeWellRecord(RecordCursor& cFile) {
+  const RecordHeader& header = cFile.header();
   bool qKept = true;
-  if (name == "ZWEL") {
+  if (header.is("INTEHEAD", ElementType::Integer)) {
+    processINTEHEAD(HeaderWords(cFile.integers()));
+  } else if (header.is("IWEL", ElementType::Integer)) {
+    processIWEL(cFile.integers(), qKept);
+  } else if (header.is("ICON", ElementType::Integer)) {
+    processICON(cFile.integers(), qKept);
+  } else if (header.is("SWEL", ElementType::Single)) {
+    processSWEL(cFile.singles(), qKept);
+  } else if (header.is("SCON", ElementType::Single)) {
+    processSCON(cFile.singles(), qKept);
+  } else if (header.is("XWEL", ElementType::Double)) {
+    processXWEL(cFile.doubles(), qKept);
+  } else if (header.is("ZWEL", ElementType::Text)) {
     processZWEL(cFile.texts(), qKept);
-  } else if (name == "ZGRP") {
+  } else if (header.is("ZGRP", ElementType::Text)) {
     processZGRP(cFile.texts(), qKept);
   }
-  if (!qKept) reportDropped(cFile);
+  if (qKept) return std::nullopt;
+  return recordDiagnosis(
+      cFile, Message::WellRecordLength,
+      fmt::format("complete blocks for {} wells of up to {} connections", grid().nWells, grid().nCWMAX),
+      fmt::format("{} words", header.count), "skipped the record");
 }
 
 void qvEclipseSEQUENCE::takeLogicals(RecordCursor& cFile) {
@@ -282,13 +291,6 @@ void qvEclipseSEQUENCE::takeArray(RecordCursor& cFile, Walk& walk) {
   if (!checkIfRESTARTArray(header)) return;
   // An array whose length differs from that of the first is skipped without a diagnosis, as hosts expect.
   grid().arrays.add(cFile, arrayUnit(header.keyword, grid().iUnits), {LoadData, nVectorEstimate}, *session_);
-}
-
-void qvEclipseSEQUENCE::reportDropped(const RecordCursor& cFile) {
-  session_->diagnose(recordDiagnosis(
-      cFile, Message::WellRecordLength,
-      fmt::format("complete blocks for {} wells of up to {} connections", grid().nWells, grid().nCWMAX),
-      fmt::format("{} words", cFile.header().count), "skipped the record"));
 }
 
 /// Headers of records behind the current one that may be arrays of its grid.

@@ -129,6 +129,9 @@ class qvEclipseSEQUENCE {
   void processICON(std::span<const std::int32_t> words, bool& qOK);
   void processSCON(std::span<const float> words, bool& qOK);
   void processZGRP(std::span<const std::string> words, bool& qOK);
+  /// Takes the current record to the current grid when it is the header of a grid or one of these records.
+  /// Gives what is wrong with one that does not fit.
+  std::optional<Diagnosis> takeWellRecord(RecordCursor& cFile);
   /// Whether the words per well, per connection and per name are all at least 1.
   bool checkWellData(bool& qOK) const;
   /// PVT table number of a well by its number, from 1, or with -1 by its name. -1 and qOK False for an empty
@@ -183,7 +186,7 @@ class qvEclipseSEQUENCE {
   void stopBehindHeaders(Walk& walk);
   bool takeNext(RecordCursor& cFile, Walk& walk);
   void dropLastGrid();
-  void reportDropped(const RecordCursor& cFile);
+  void takeWells(RecordCursor& cFile);
   void deriveSaturation();
   std::vector<std::int32_t> rowOfFOD(std::size_t iRow) const;
   std::int32_t dimension(std::int32_t number, std::int32_t RESTARTGRID::*field, bool& qOK) const;

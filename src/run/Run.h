@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "../frame/Stream.h"
+#include "Dense.h"
 #include "Selections.h"
 
 namespace lumbarn {
@@ -68,6 +69,64 @@ class Run {
   /// and the grid file tells them, and a column for each array, null behind its last connection. Throws Error
   /// NotFound when no array is chosen.
   Stream nnc(const NncSelection& selection = {}, const ReadOptions& options = {}) const;
+
+  /// The grids, or the one with a name:
+  /// `name,parent,type,nx,ny,nz,active,refined,connections,units,x_min,x_max,y_min,
+  /// y_max,z_min,z_max,map_axes`. Extents are in the unit of length of the file; of a radial grid they are
+  /// those of the cylinder in its host.
+  Stream grids(const std::string& name = {}, const ReadOptions& options = {}) const;
+  /// The active cells of a grid, `i,j,k` from 1 and `corners`: x, y, z of eight corners, in a radial grid r,
+  /// theta, z. Depths grow downwards unless `zUp`.
+  Stream corners(const CornerSelection& selection = {}, const ReadOptions& options = {}) const;
+
+  /// The arrays of cells that the restart files have: `step, date, days, grid, array, type, count, unit`, a
+  /// row for each array of each step, and one without array for a step that has none. `type` is as in the
+  /// file, or "derived" for a saturation that follows from the others. Of the INIT file: `grid, array, type,
+  /// count, unit, min, max`, the last two over the active cells.
+  Stream arrays(const ArrayListSelection& selection = {}, const ReadOptions& options = {}) const;
+
+  /// Values of arrays in cells of one grid: `step, date, days, grid, i, j, k` and a column for each array, in
+  /// its own type and with the unit of the file, that is Float64 where the type differs between steps. There
+  /// is a row for each active cell in natural order, or for each cell that is asked for; i, j, k are there on
+  /// request or with a list of cells. Arrays that the restart files do not have are looked for in the INIT
+  /// file, whose values are repeated in each step.
+  ///
+  /// Null: the cell is not active, or the step does not have the array; each is a remark. Records that are no
+  /// arrays of cells can be asked for by name; rows are then their elements, and all must be of one length.
+  ///
+  /// Reads no more than what is asked for, in one pass. Throws Error NotFound for arrays, grids and steps
+  /// that are not there, BadRequest for cells outside of the grid, Damaged when it matters which cells are
+  /// active and no file tells it.
+  Stream cells(const CellSelection& selection, const ReadOptions& options = {}) const;
+
+  /// Values of one array in all cells of a grid, or of a box, in place. `step`: of the restart files; without
+  /// a value the array of the INIT file. Of several arrays of the name the first. Throws as `cells`.
+  Dense cellArray(const std::string& name, std::optional<std::int32_t> step,
+                  const std::optional<CellBox>& box = {}, const std::string& grid = "ROOT",
+                  const ReadOptions& options = {}) const;
+
+  /// Arrays summarized by region: `step, date, grid, array, region, count, min, max, mean, weighted_mean,
+  /// sum, weight_sum, unit`; without step and date for the INIT file. A row for each region in ascending
+  /// order, and the last with the region "all"; numbers of several region arrays are joined by "/". Sums and
+  /// means are computed in double precision, over the cells with values. Throws as `cells`.
+  Stream statistics(const StatisticsSelection& selection, const ReadOptions& options = {}) const;
+  /// The wells of the restart files: `step,date,days,grid,well` and what is known of each at the step, in the
+  /// order of the files. Rates are in the units of the run; words that are not known to mean anything are
+  /// left out. Throws Error NotFound for steps, grids and wells that are not there.
+  Stream wells(const WellSelection& selection = {}, const ReadOptions& options = {}) const;
+  /// Their connections: the same first columns, the cell from 1, its state and numbers.
+  Stream connections(const WellSelection& selection = {}, const ReadOptions& options = {}) const;
+
+  /// The list of well tests, of the simulator's file or of a text file of measured ones: `test,well,date`,
+  /// the number among those of the well, the grid (measured ones: the origin), the kinds of data, rows and,
+  /// of the simulator's, branches. Throws Error NotFound for tests and wells that are not there, BadRequest
+  /// for report steps, which tests do not have.
+  Stream tests(const TestSelection& selection = {}, const ReadOptions& options = {}) const;
+  /// A table of each test, one below the other, behind `test,well,date`. Of a part that is worked out there
+  /// is a column for each array that any of the tests has, so all tests that are chosen are read before the
+  /// first row. `TestPart::All` has a row for each value instead: `test,well,group,array,units,row,value`,
+  /// values as texts. Tests without that part are left out; Throws Error NotFound if no test has it.
+  Stream testRows(const TestSelection& selection = {}, const ReadOptions& options = {}) const;
 
   explicit Run(std::shared_ptr<const RunState> state) : state_(std::move(state)) {}
   const RunState& state() const { return *state_; }

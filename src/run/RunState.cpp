@@ -10,6 +10,7 @@
 #include "../index/RestartIndexAgreement.h"
 #include "../index/qvEclipseINSPEC.h"
 #include "../support/Closest.h"
+#include "../support/Text.h"
 
 namespace lumbarn {
 
@@ -50,6 +51,19 @@ std::shared_ptr<const RestartIndex> RunState::restartIndex(StreamContext& contex
 std::shared_ptr<const RestartIndex> RunState::initIndex(StreamContext& context) const {
   return init_.get(context, [&](Session& session) {
     return checked(indexOfInit(session, file(FileKind::Init).path, pathOf(FileKind::Inspec)), context);
+  });
+}
+
+std::shared_ptr<const std::optional<ActiveCells>> RunState::activeCells(StreamContext& context,
+                                                                        const std::string& grid,
+                                                                        const GridCells& cells) const {
+  const Lazy<std::optional<ActiveCells>>* known = nullptr;
+  {
+    const std::lock_guard lock(activeMutex_);
+    known = &active_[{upper(trim(grid)), cells.cells, cells.active}];
+  }
+  return known->get(context, [&](Session& session) {
+    return findActiveCells(session, pathOf(FileKind::Init), pathOf(FileKind::EGrid), grid, cells);
   });
 }
 

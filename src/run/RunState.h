@@ -1,13 +1,21 @@
 #pragma once
 
+#include <map>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "../arrays/ActiveCells.h"
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
 #include "Lazy.h"
 
 namespace lumbarn {
+
+class Hadrick;
+using Grids = std::vector<std::shared_ptr<Hadrick>>;
 
 /// What the copies of a Run share: the names of its files, and what was read of them so far. Only the Lazy
 /// members change, and they may be used from several threads.
@@ -25,6 +33,14 @@ class RunState {
   /// such files, and Damaged when nothing of them can be read.
   std::shared_ptr<const RestartIndex> restartIndex(StreamContext& context) const;
   std::shared_ptr<const RestartIndex> initIndex(StreamContext& context) const;
+  /// The grids of the EGRID or GRID file; of a damaged file those that are complete.
+  std::shared_ptr<const Grids> grids(StreamContext& context) const;
+
+  /// Which cells of a grid with these cells are active, by the INIT and EGRID files; nothing where they do
+  /// not decide it.
+  std::shared_ptr<const std::optional<ActiveCells>> activeCells(StreamContext& context,
+                                                                const std::string& grid,
+                                                                const GridCells& cells) const;
 
  private:
   std::string pathOf(FileKind kind) const;
@@ -32,6 +48,10 @@ class RunState {
   RunFamily family_;
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
+  Lazy<Grids> grids_;
+  using GridKey = std::tuple<std::string, std::int64_t, std::int64_t>;  // name, cells, active cells
+  mutable std::mutex activeMutex_;                                      // of the map, not of what it holds
+  mutable std::map<GridKey, Lazy<std::optional<ActiveCells>>> active_;
 };
 
 /// Throws Error NotFound, with similar names among those that there are.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../frame/Column.h"
+#include "../welltests/TestPart.h"
 
 namespace lumbarn {
 
@@ -45,6 +46,13 @@ struct TimeSelection {
 /// last microsecond of the day. Throws Error BadRequest.
 LocalMoment parseMoment(std::string_view text, bool endOfDay = false);
 
+/// Corners of the active cells of a grid.
+struct CornerSelection {
+  std::string grid{};  ///< empty or ROOT: the global one
+  bool map = false;    ///< x and y in the axes and units of the map, where the file has such
+  bool zUp = false;    ///< heights in place of depths
+};
+
 /// Cells of a grid, numbered from 1, both ends included.
 struct CellBox {
   std::array<std::int32_t, 3> from{};
@@ -80,6 +88,57 @@ struct RecordSelection {
   std::int64_t occurrence = 0;          ///< of each keyword, from 1; 0: all
   std::int64_t first = 1;               ///< element, from 1
   std::int64_t last = -1;               ///< -1: to the end
+};
+
+/// A cell or a box as "12,8,4" or "1:16,8,1:5". Throws Error BadRequest.
+CellBox parseCells(std::string_view text);
+
+/// Which arrays are listed.
+struct ArrayListSelection {
+  bool init = false;   ///< those of the INIT file, not of the restart files
+  std::string grid{};  ///< empty: all grids
+  TimeSelection time{};
+};
+
+/// Which values of arrays of cells are wanted.
+struct CellSelection {
+  /// Names, or patterns for the arrays that `Run::arrays` lists; each text may be several with commas
+  /// between.
+  std::vector<std::string> arrays{};
+  std::string grid = "ROOT";
+  TimeSelection time{};
+  std::vector<CellBox> cells{};  ///< empty: the active cells
+  bool init = false;             ///< arrays of the INIT file only, which have no time
+  bool inactive = false;         ///< all cells, where `cells` is empty
+  bool ijk = false;              ///< the columns i, j, k, which a list of cells has in any case
+  bool valuesOnly = false;       ///< without step, date, days, grid, and i, j, k unless `ijk` asks for them
+  std::optional<std::int32_t>
+      nth{};  ///< of steps with one number that at this position, from 1; else the last
+};
+
+/// Which arrays are summarized, over which cells.
+struct StatisticsSelection {
+  CellSelection cells{};
+  std::vector<std::string> by{};  ///< arrays of whole numbers; each combination of them is a region
+  std::string weight{};           ///< array by which means are weighted; empty: none
+};
+
+/// Which wells of the restart files.
+struct WellSelection {
+  std::vector<std::string> wells{};  ///< patterns of names; empty: all
+  std::string grid{};                ///< pattern of the names of grids; empty: the global one
+  TimeSelection time{};
+  bool connections = false;  ///< of `Run::wells`: a row for each connection, with the columns of both
+};
+
+/// Which well tests, and what of them.
+struct TestSelection {
+  std::vector<std::string> wells{};     ///< patterns of names; empty: all
+  TimeSelection time{};                 ///< `last`, `at` and `every` choose among the tests of each well
+  std::vector<std::int32_t> numbers{};  ///< in the file, from 1; empty: all
+  TestPart part = TestPart::Rft;
+  std::int32_t branch = 0;  ///< from 1, of the parts that are of one branch
+  bool plain = false;       ///< without the columns that tell which test a row is of; for one number only
 };
 
 }  // namespace lumbarn

@@ -45,10 +45,14 @@ bool inSteps(const TimeSelection& selection, std::int32_t step) {
          });
 }
 
+bool needsDates(const TimeSelection& selection) {
+  return selection.from || selection.to || selection.at || selection.every > Every::ReportStep;
+}
+
 void requireDates(const TimeSelection& selection, const std::vector<TimePoint>& rows,
                   const std::string& source) {
-  const bool byDate = selection.from || selection.to || selection.at || selection.every > Every::ReportStep;
-  if (!byDate || std::ranges::all_of(rows, [](const TimePoint& row) { return row.date.has_value(); })) return;
+  const auto dated = [](const TimePoint& row) { return row.date.has_value(); };
+  if (!needsDates(selection) || std::ranges::all_of(rows, dated)) return;
   throw Error(Error::Kind::BadRequest,
               {.message = Message::RequestRefused,
                .path = source,
@@ -75,16 +79,6 @@ void requireDates(const TimeSelection& selection, const std::vector<TimePoint>& 
   }
   throw Error(Error::Kind::NotFound,
               {.message = Message::RequestMissing, .path = source, .problem = "has " + has});
-}
-
-/// Keeps the last row of each run of rows for which `key` is the same.
-template <class Key>
-void keepLast(std::vector<std::size_t>& kept, Key key) {
-  std::vector<std::size_t> last;
-  for (std::size_t i = 0; i < kept.size(); ++i) {
-    if (i + 1 == kept.size() || key(kept[i]) != key(kept[i + 1])) last.push_back(kept[i]);
-  }
-  kept = std::move(last);
 }
 
 std::int32_t stepNumberFrom(std::string_view part, std::string_view whole) {
@@ -174,25 +168,31 @@ LocalMoment parseMoment(std::string_view text, bool endOfDay) {
   return dateOnly && endOfDay ? local + days(1) - std::chrono::microseconds(1) : local;
 }
 
+bool isWithin(const TimeSelection& selection, const TimePoint& row) {
+  if (!inSteps(selection, row.step)) return false;
+  if (!needsDates(selection)) return true;
+  return row.date && (!selection.from || *row.date >= *selection.from) &&
+         (!selection.to || *row.date <= *selection.to) && (!selection.at || *row.date <= *selection.at);
+}
+
+bool keepsLaterOnly(const TimeSelection& selection, const TimePoint& row, const TimePoint& later) {
+  if (selection.last || selection.at) return true;
+  if (selection.every == Every::Row) return false;
+  if (selection.every == Every::ReportStep) return row.step == later.step;
+  return periodOf(*row.date, selection.every) == periodOf(*later.date, selection.every);
+}
+
 std::vector<std::size_t> chooseTimes(const TimeSelection& selection, const std::vector<TimePoint>& rows,
                                      const std::string& source) {
   std::vector<std::size_t> kept;
   if (rows.empty()) return kept;
   requireDates(selection, rows, source);
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    const TimePoint& row = rows[i];
-    const bool in = inSteps(selection, row.step) && (!selection.from || *row.date >= *selection.from) &&
-                    (!selection.to || *row.date <= *selection.to) &&
-                    (!selection.at || *row.date <= *selection.at);
-    if (in) kept.push_back(i);
+    if (!isWithin(selection, rows[i])) continue;
+    if (!kept.empty() && keepsLaterOnly(selection, rows[kept.back()], rows[i])) kept.pop_back();
+    kept.push_back(i);
   }
   if (kept.empty()) nothingFound(selection, rows, source);
-  if (selection.every == Every::ReportStep) {
-    keepLast(kept, [&](std::size_t i) { return rows[i].step; });
-  } else if (selection.every != Every::Row) {
-    keepLast(kept, [&](std::size_t i) { return periodOf(*rows[i].date, selection.every); });
-  }
-  if (selection.last || selection.at) kept.erase(kept.begin(), kept.end() - 1);
   return kept;
 }
 

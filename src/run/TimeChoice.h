@@ -22,6 +22,11 @@ struct TimePoint {
 std::vector<std::size_t> chooseTimes(const TimeSelection& selection, const std::vector<TimePoint>& rows,
                                      const std::string& source);
 
+/// The two rules of that choice, for rows that come one after the other: whether a row is within the steps
+/// and dates, and whether of two consecutive ones that are only the later is kept.
+bool isWithin(const TimeSelection& selection, const TimePoint& row);
+bool keepsLaterOnly(const TimeSelection& selection, const TimePoint& row, const TimePoint& later);
+
 /// Report steps as people write them: "0:3, 5"; of many the first ones and the number of the others.
 std::string stepsText(const std::vector<std::int32_t>& steps);
 

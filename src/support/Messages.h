@@ -64,6 +64,9 @@ struct MessageRow {
   ROW(ArrayMoved, "arrays.array.moved", Damage, "record is not where its index says")                        \
   ROW(ArrayBehindEnd, "arrays.array.end", Damage, "array is behind the end of the file")                     \
   ROW(ArrayNotOfCells, "arrays.array.cells", Incomplete, "array has no values for cells")                    \
+  ROW(ArraySomeSteps, "arrays.array.steps", Remark, "array is missing in some of the steps")                 \
+  ROW(ArrayUnmatched, "arrays.unmatched", Remark, "no array has this name")                                  \
+  ROW(CellInactive, "arrays.cell.inactive", Remark, "cell is not active")                                    \
   ROW(ActiveCellsGuessed, "arrays.active.guess", Incomplete, "pore volumes disagree with the active cells")  \
   ROW(ActiveCellsUnknown, "arrays.active.unknown", Incomplete, "it is not known which cells are active")     \
   ROW(ActiveCellsBeyondNumbers, "arrays.active.number", Incomplete, "grid has too many cells to number")     \
@@ -151,6 +154,7 @@ struct MessageRow {
   ROW(IndexFolder, "reader.index-folder", Incomplete, "no folder is specified for the index")                \
   ROW(CellGeometry, "reader.cell-geometry", Incomplete, "geometry of inactive cells was not kept")           \
   /* export */                                                                                               \
+  ROW(ExportModule, "export.module", Damage, "the module of the export cannot be opened")                    \
   ROW(ExportHdf, "export.hdf5", Damage, "cannot be written as an HDF5 file")                                 \
   /* command */                                                                                              \
   ROW(FileContent, "check.content", Damage, "content is not what the name says")                             \

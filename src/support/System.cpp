@@ -200,6 +200,16 @@ void freeLarge(void* memory, std::size_t bytes) noexcept {
   ::munmap(memory, (bytes + largePage - 1) / largePage * largePage);
 }
 
+void* openLibrary(const std::string& name, const char* function, std::string& error) {
+  void* library = ::dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* found = library ? ::dlsym(library, function) : nullptr;
+  if (!found) {
+    const char* reason = ::dlerror();
+    error = reason ? reason : "it does not have " + std::string(function);
+  }
+  return found;
+}
+
 std::string thisModulePath() {
   Dl_info info{};
   const bool found = ::dladdr(reinterpret_cast<const void*>(&thisModulePath), &info) != 0 && info.dli_fname;

@@ -100,6 +100,10 @@ std::string makeTemporaryFile(const std::string& prefix);
 void* allocateLarge(std::size_t bytes);
 void freeLarge(void* memory, std::size_t bytes) noexcept;
 
+/// Opens a shared library, which stays open, by the system's search, and finds a function in it. Null with
+/// the reason in `error`.
+void* openLibrary(const std::string& name, const char* function, std::string& error);
+
 /// The file that holds this library's code: itself when it is shared, else the program; empty when not known.
 std::string thisModulePath();
 

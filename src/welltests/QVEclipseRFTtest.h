@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Dates.h"
 #include "../support/Fault.h"
 #include "../support/Session.h"
 #include "../vocabulary/Units.h"
@@ -95,6 +97,7 @@ class QVEclipseRFTtest {
   std::int32_t nICDBranches() const { return nICDBranches_; }
   std::int32_t nICDSegments() const { return nICDSegments_; }
   std::string dateText() const;          ///< "15 JUL 2003"; empty without a date
+  std::optional<Moment> date() const;    ///< see `WellTest::date`
   float time() const { return sTime_; }  ///< as the file has it
   /// TIME in days, by the unit in WELLETC: laboratory runs have hours.
   double days() const { return static_cast<double>(sTime_) / unitsPerDay(welletc_.textOf(welletcTime)); }

@@ -8,6 +8,7 @@
 #include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "QVEclipseRFTtest.h"
+#include "TimeOfDay.h"
 
 namespace lumbarn {
 
@@ -135,6 +136,11 @@ void QVEclipseRFTtest::setDate(RecordCursor& cursor) {
 /// A month that is none has no name; the text keeps its place.
 std::string QVEclipseRFTtest::dateText() const {
   return qDate_ ? fmt::format("{} {} {:04}", iDay_, monthName(iMonth_), iYear_) : std::string();
+}
+
+std::optional<Moment> QVEclipseRFTtest::date() const {
+  if (!qDate_) return std::nullopt;
+  return testMoment(iDay_, iMonth_, iYear_, sTime_, unitsPerDay(welletc_.textOf(welletcTime)));
 }
 
 void QVEclipseRFTtest::readWELLETC(RecordCursor& cursor) {

@@ -20,4 +20,17 @@ std::string withTimeOfDay(std::string zDate, double dTime) {
   return zDate;
 }
 
+/// TIME is a 32-bit float of days or hours since the start, so the start is computed first and the moment is
+/// the plainest one that has this float.
+std::optional<Moment> testMoment(std::int32_t day, std::int32_t month, std::int32_t year, float time,
+                                 double perDay) {
+  constexpr double mostDays = 9999 * 366.0;
+  const auto date = makeMoment(year, month, day);
+  const double days = static_cast<double>(time) / perDay;
+  if (!date || !(std::fabs(days) < mostDays)) return date;
+  const Moment start = *date - std::chrono::days(static_cast<std::int64_t>(std::floor(days)));
+  const auto moment = momentAfter(start, time, perDay);
+  return moment ? moment : date;
+}
+
 }  // namespace lumbarn

@@ -1,7 +1,6 @@
 #include "WellTest.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include <fmt/format.h>
 
@@ -12,6 +11,7 @@
 #include "../vocabulary/Units.h"
 #include "QVEclipseRFTtest.h"
 #include "TestUnits.h"
+#include "TimeOfDay.h"
 
 namespace lumbarn {
 
@@ -57,19 +57,6 @@ WellTestUnits unitsOf(const TextArray& welletc) {
   const auto text = [&](std::size_t place) { return std::string(welletc.textOf(place)); };
   return {text(welletcTime),    text(welletcLength),        text(welletcPressure), text(welletcLiquidRate),
           text(welletcGasRate), text(welletcReservoirRate), text(welletcVelocity), text(viscosity)};
-}
-
-/// The day of DATE with the time of day of TIME. TIME is a 32-bit float of days or hours since the start, so
-/// the start is computed first and the moment is the plainest one that has this float.
-std::optional<Moment> momentOf(const std::vector<std::int32_t>& date, float time, double perDay) {
-  if (date.size() < 3) return std::nullopt;
-  const auto day = makeMoment(date[2], date[1], date[0]);
-  constexpr double mostDays = 9999 * 366.0;
-  const double days = static_cast<double>(time) / perDay;
-  if (!day || !(std::fabs(days) < mostDays)) return day;
-  const Moment start = *day - std::chrono::days(static_cast<std::int64_t>(std::floor(days)));
-  const auto moment = momentAfter(start, time, perDay);
-  return moment ? moment : day;
 }
 
 }  // namespace
@@ -195,7 +182,8 @@ void WellTestReader::finish(WellTest& test, const std::vector<std::int32_t>& dat
   test.wellType = getWellType(welletc.textOf(welletcType));
   for (std::size_t i = 1; i <= welletc.size(); ++i) test.welletc.emplace_back(welletc.at(i));
   test.units = unitsOf(welletc);
-  test.date = momentOf(date, test.time, unitsPerDay(welletc.textOf(welletcTime)));
+  if (date.size() >= 3)
+    test.date = testMoment(date[0], date[1], date[2], test.time, unitsPerDay(welletc.textOf(welletcTime)));
   test.number = ++number_;
   test.numberInWell = ++numberOf_[test.well];
 

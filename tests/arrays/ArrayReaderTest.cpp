@@ -18,21 +18,12 @@ class ArrayReading : public OfForm {
       : files_(run_.writeRestart(folder_, "R", form_, true)),
         reader_(walkRestart(session_, files_), session_) {
     session_.faultReporter = [this](std::string_view) { ++faults_; };
-    writeFile(folder_.file("R.INIT"), run_.init(form_));
-    cells_ = reader_.index().steps[0].cellsOf("");
   }
-  void tellActiveCells() {
-    const auto active = findActiveCells(session_, folder_.file("R.INIT"), "", "", cells_);
-    ASSERT_TRUE(active);
-    reader_.setActiveCells("", *active);
-  }
-
   TemporaryFolder folder_;
   IndexedRun run_;
   Session session_;
   std::vector<std::string> files_;
   ArrayReader reader_;
-  GridCells cells_;
   int faults_ = 0;
   bool qOK_ = false;
 };
@@ -82,33 +73,6 @@ TEST_P(ArrayReading, ByNameAsItStands) {
   moved.count = 8;
   reader_.read(step, moved, "", 0, std::span(values), qOK_);
   EXPECT_EQ(session_.diagnoses().back().id(), "arrays.array.moved");
-}
-
-TEST_P(ArrayReading, ByCellWithInactiveOnes) {
-  std::vector<double> values(12);
-  reader_.readCells(2, "PRESSURE", "", 0, values, qOK_);
-  EXPECT_FALSE(qOK_) << "it is not known yet which cells are active";
-  EXPECT_EQ(session_.diagnoses().size(), 1U);
-  tellActiveCells();
-  reader_.readCells(2, "PRESSURE", "", 0, values, qOK_);
-  ASSERT_TRUE(qOK_);
-  EXPECT_THAT(values, ElementsAre(200, 201, -999, 202, 203, 204, -999, 205, 206, 207, 208, -999));
-  session_.NullValue = 0;
-  values.resize(4);
-  reader_.readCells(2, "REGION", "ROOT", 5, values, qOK_);
-  EXPECT_THAT(values, ElementsAre(5, 0, 6, 7));
-  reader_.readCells(2, "FULL", "", 8, values, qOK_);
-  EXPECT_THAT(values, ElementsAre(208, 209, 210, 0)) << "the file has a value for the inactive cell too";
-  reader_.readCells(2, "PRESSURE", "LGR1", 0, values, qOK_);
-  EXPECT_TRUE(qOK_) << "all of its cells are active";
-  double value = 1;
-  reader_.readCell(5, "PRESSURE", "", 2, 2, 2, value, qOK_);
-  EXPECT_EQ(value, 508);
-  EXPECT_EQ(faults_, 0);
-  reader_.readCell(5, "PRESSURE", "", 4, 1, 1, value, qOK_);
-  EXPECT_FALSE(qOK_);
-  reader_.readCells(2, "ICON", "", 0, values, qOK_);
-  EXPECT_FALSE(qOK_) << "no array of cells";
 }
 
 /// A run that is continued into its own file writes steps again.

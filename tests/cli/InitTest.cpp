@@ -23,7 +23,7 @@ TEST_F(InitCommand, ShowsArraysOfEveryGridWithTheirCells) {
                                                               {"3", "2", "1", "8", "6"}}));
   const auto all = csv("init --array poro,DEPTH,SATNUM --ijk --all ~CASE");
   ASSERT_EQ(all.size(), 7u);
-  EXPECT_THAT(all[5], ElementsAre("2", "2", "1", "-999", "-999", "-999"));
+  EXPECT_THAT(all[5], ElementsAre("2", "2", "1", "", "", ""));
   EXPECT_EQ(csv("init --array PERM* --grid RING ~CASE"), (Rows{{"PERMR"}, {"25"}, {"26"}}));
   EXPECT_THAT(csv("init --nnc --array TRAN* ~CASE")[2], ElementsAre("2", "0.25"));
 }

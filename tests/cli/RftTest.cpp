@@ -28,16 +28,16 @@ TEST_F(RftCommand, ShowsTheTablesOfTheReader) {
                     .time = 10.25F}};
   builder.write(folder_, test::bigEndian);
   EXPECT_THAT(csv("rft ~RUN.RFT").at(1),
-              ElementsAre("1", "H-1", "2015-01-11T06:00:00", "1", "", "RFT PLT SEG", "3", "1", "1", "1"));
-  const auto plt = csv("rft --plt ~RUN.RFT");
+              ElementsAre("1", "H-1", "2015-01-11T06:00:00", "1", "ROOT", "RFT PLT SEG", "3", "1", "1", "1"));
+  const auto plt = csv("rft --test 1 --plt ~RUN.RFT");
   // The cells of connections stand in both tables that are put together here.
   EXPECT_THAT(plt.at(0), ElementsAre("CONMD", "CONLENST", "CONLENEN", "CONLENTH", "CONBRNO", "CONPRES",
                                      "CONIPOS", "CONJPOS", "CONKPOS", "CONIPOS#2", "CONJPOS#2", "CONKPOS#2"));
   EXPECT_THAT(plt.at(2), ElementsAre("15", "10", "20", "10", "2", "101.5", "5", "7", "2", "5", "7", "2"));
   EXPECT_EQ(csv("rft --plt --branch 1 ~RUN.RFT").size(), 2);
-  EXPECT_EQ(csv("rft --branch 1 ~RUN.RFT").size(), 3);
-  EXPECT_EQ(csv("rft --icd 1 ~RUN.RFT").at(1).at(1), "");
-  EXPECT_THAT(csv("rft --segments ~RUN.RFT").at(3), ElementsAre("3", "2", "20", "20.1", "2"));
+  EXPECT_EQ(csv("rft --test 1 --branch 1 ~RUN.RFT").size(), 3);
+  EXPECT_EQ(csv("rft --test 1 --icd 1 ~RUN.RFT").at(1).at(1), "");
+  EXPECT_THAT(csv("rft --test 1 --segments ~RUN.RFT").at(3), ElementsAre("3", "2", "20", "20.1", "2"));
   const auto all = csv("rft --all ~RUN.RFT");
   EXPECT_EQ(all.size(), 1 + 7 * 3 + 4 * 3 + 2 * 2);
   EXPECT_THAT(all.at(21), ElementsAre("1", "H-1", "connections", "CONPRES", "BARSA", "3", "102"));

@@ -1,11 +1,11 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <hdf5.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Hdf.h"
 #include "VtkExport.h"
 #include "grid/GridBlocks.h"
 #include "grid/GridLoad.h"
@@ -30,11 +30,19 @@ class VtkExport : public ::testing::Test {
   template <class Number>
   std::vector<Number> read(const std::string& array) const {
     const auto name = "VTKHDF/" + array;
-    const hdf::Handle file(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), H5Fclose, path);
-    const hdf::Handle dataset(H5Dopen2(file.id(), name.c_str(), H5P_DEFAULT), H5Dclose, name);
-    const hdf::Handle space(H5Dget_space(dataset.id()), H5Sclose, name);
-    std::vector<Number> values(static_cast<std::size_t>(H5Sget_simple_extent_npoints(space.id())));
-    H5Dread(dataset.id(), hdf::typeOf<Number>(), H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data());
+    const hid_t file = H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
+    const hid_t dataset = H5Dopen2(file, name.c_str(), H5P_DEFAULT);
+    const hid_t space = H5Dget_space(dataset);
+    std::vector<Number> values(static_cast<std::size_t>(H5Sget_simple_extent_npoints(space)));
+    const hid_t type = std::is_same_v<Number, float>          ? H5T_NATIVE_FLOAT
+                       : std::is_same_v<Number, double>       ? H5T_NATIVE_DOUBLE
+                       : std::is_same_v<Number, std::int32_t> ? H5T_NATIVE_INT32
+                       : std::is_same_v<Number, std::int64_t> ? H5T_NATIVE_INT64
+                                                              : H5T_NATIVE_UINT8;
+    H5Dread(dataset, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data());
+    H5Sclose(space);
+    H5Dclose(dataset);
+    H5Fclose(file);
     return values;
   }
   const test::TemporaryFolder folder;
@@ -107,8 +115,9 @@ TEST_F(VtkExport, AllGridsAreInOneFileAndRefinedCellsAreMarked) {
 
   ASSERT_TRUE(write(grids, arrays, {.iGrid = 1}));
   EXPECT_THAT(read<std::int32_t>("CellData/GRID"), ::testing::Each(1));
-  const hdf::Handle file(H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), H5Fclose, path);
-  EXPECT_EQ(H5Lexists(file.id(), "VTKHDF/CellData/vtkGhostType", H5P_DEFAULT), 0) << "nothing overlaps";
+  const hid_t file = H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
+  EXPECT_EQ(H5Lexists(file, "VTKHDF/CellData/vtkGhostType", H5P_DEFAULT), 0) << "nothing overlaps";
+  H5Fclose(file);
   builder.grids[1].hosts = {};
   builder.grids[1].place = {2, 1, 1, 3, 2, 1};  // a box in place of host cells
   ASSERT_TRUE(write(gridsOf(builder)));

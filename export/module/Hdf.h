@@ -6,14 +6,18 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
+
+#include "HdfFunctions.h"
 
 namespace lumbarn::hdf {
 
-/// Writing an HDF5 file piece by piece. Whatever HDF5 refuses ends in BadRecord, with the object's name as
-/// keyword and HDF5's own description as found.
+/// Writing an HDF5 file piece by piece. Whatever HDF5 refuses ends in Failure.
+struct Failure {
+  std::string what;   ///< the name of the object
+  std::string cause;  ///< HDF5's own description
+};
 
-/// Throws when an HDF5 call returned a failure.
+/// Throws Failure when an HDF5 call returned a failure.
 void check(herr_t result, std::string_view what);
 
 /// An open HDF5 object. Move-only; closes itself, which loses a failure to write what HDF5 still kept, so
@@ -52,9 +56,8 @@ class Quiet {
   void* data_ = nullptr;
 };
 
-/// The type of a number, in memory and in the file.
-template <class Number>
-hid_t typeOf();
+/// The type of numbers, in memory and in the file.
+hid_t typeOf(lumbarn_hdf_type type);
 
 Handle createGroup(const Handle& parent, const std::string& name);
 
@@ -74,32 +77,18 @@ class Table {
   static Table growing(const Handle& parent, const std::string& name, hid_t type, std::int64_t components);
 
   /// Writes the next rows.
-  template <class Number>
-  void append(std::span<const Number> numbers) {
-    append(typeOf<Number>(), numbers.data(), numbers.size());
-  }
-  std::int64_t rows() const { return written_; }
+  void append(const void* numbers, std::size_t count);
   /// Closes the dataset, after its last row; throws when HDF5 fails to write what it still kept.
   void close();
 
  private:
-  void append(hid_t type, const void* numbers, std::size_t count);
-
   std::string name_;
+  hid_t type_ = H5I_INVALID_HID;
   Handle dataset_;
   std::int64_t components_ = 1;
   bool twoDimensional_ = false;
   bool grows_ = false;
   std::int64_t written_ = 0;
 };
-
-/// A complete dataset at once.
-template <class Number>
-void write(const Handle& parent, const std::string& name, const std::vector<Number>& numbers,
-           bool twoDimensional = false) {
-  Table table(parent, name, typeOf<Number>(), static_cast<std::int64_t>(numbers.size()), 1, twoDimensional);
-  table.append(std::span<const Number>(numbers));
-  table.close();
-}
 
 }  // namespace lumbarn::hdf

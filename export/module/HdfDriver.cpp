@@ -1,9 +1,9 @@
 #include "HdfDriver.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <new>
-
-#include "support/Diagnosis.h"
+#include <span>
 #if H5_VERSION_GE(1, 13, 0)
 #include <H5FDdevelop.h>
 #endif
@@ -31,7 +31,10 @@ void attempt(OpenFile& file, haddr_t position, bool done) {
 }
 
 void put(OpenFile& file, haddr_t position, std::span<const std::byte> bytes) {
-  if (!file.state->failed) attempt(file, position, file.state->storage->writeAt(position, bytes));
+  if (!file.state->failed) {
+    const lumbarn_hdf_storage& storage = file.state->storage;
+    attempt(file, position, storage.write_at(storage.user, position, bytes.data(), bytes.size()) != 0);
+  }
   file.end = std::max(file.end, position + bytes.size());
 }
 
@@ -68,7 +71,7 @@ herr_t read(H5FD_t* file, H5FD_mem_t, hid_t, haddr_t position, std::size_t size,
   if (state.failed) {
     std::ranges::fill(out, std::byte{0});
   } else {
-    attempt(of(file), position, state.storage->readAt(position, out));
+    attempt(of(file), position, state.storage.read_at(state.storage.user, position, buffer, size) != 0);
   }
   return 0;
 }
@@ -118,20 +121,9 @@ Handle create(const Handle& driver, File::State* state) {
 
 }  // namespace
 
-File::File(Storage& storage)
-    : state_{&storage}, driver_(registerDriver()), handle_(create(driver_, &state_)) {}
+File::File(const lumbarn_hdf_storage& storage)
+    : state_{storage}, driver_(registerDriver()), handle_(create(driver_, &state_)) {}
 
-void File::check() const {
-  if (!state_.failed) return;
-  throw BadRecord({.message = Message::FileWrite,
-                   .problem = "cannot be written: " + state_.storage->error(),
-                   .offset = state_.failedAt,
-                   .action = "wrote nothing"});
-}
-
-void File::close() {
-  handle_.close("end of the file");
-  check();
-}
+void File::close() { handle_.close("end of the file"); }
 
 }  // namespace lumbarn::hdf

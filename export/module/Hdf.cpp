@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "support/Diagnosis.h"
-
 namespace lumbarn::hdf {
 namespace {
 
@@ -58,10 +56,7 @@ void setAttribute(const Handle& object, const char* name, hid_t type, const Hand
 
 void check(herr_t result, std::string_view what) {
   if (result >= 0) return;
-  throw BadRecord({.message = Message::ExportHdf,
-                   .keyword = std::string(what),
-                   .found = cause(),
-                   .action = "wrote nothing"});
+  throw Failure{std::string(what), cause()};
 }
 
 Handle::Handle(hid_t id, Close closer, std::string_view what) : id_(id), close_(closer) {
@@ -88,25 +83,19 @@ Quiet::Quiet() {
 }
 Quiet::~Quiet() { H5Eset_auto2(H5E_DEFAULT, function_, data_); }
 
-template <>
-hid_t typeOf<float>() {
-  return H5T_NATIVE_FLOAT;
-}
-template <>
-hid_t typeOf<double>() {
-  return H5T_NATIVE_DOUBLE;
-}
-template <>
-hid_t typeOf<std::int32_t>() {
-  return H5T_NATIVE_INT32;
-}
-template <>
-hid_t typeOf<std::int64_t>() {
-  return H5T_NATIVE_INT64;
-}
-template <>
-hid_t typeOf<std::uint8_t>() {
-  return H5T_NATIVE_UINT8;
+hid_t typeOf(lumbarn_hdf_type type) {
+  switch (type) {
+    case LUMBARN_HDF_FLOAT32:
+      return H5T_NATIVE_FLOAT;
+    case LUMBARN_HDF_FLOAT64:
+      return H5T_NATIVE_DOUBLE;
+    case LUMBARN_HDF_INT32:
+      return H5T_NATIVE_INT32;
+    case LUMBARN_HDF_INT64:
+      return H5T_NATIVE_INT64;
+    default:
+      return H5T_NATIVE_UINT8;
+  }
 }
 
 Handle createGroup(const Handle& parent, const std::string& name) {
@@ -131,13 +120,14 @@ void setNumber(const Handle& object, const char* name, std::int64_t number) {
 
 Table::Table(const Handle& parent, const std::string& name, hid_t type, std::int64_t rows,
              std::int64_t components, bool twoDimensional)
-    : name_(name), components_(components), twoDimensional_(twoDimensional || components > 1) {
+    : name_(name), type_(type), components_(components), twoDimensional_(twoDimensional || components > 1) {
   dataset_ = createTable(parent, name, type, twoDimensional_ ? 2 : 1, rows, components, false);
 }
 
 Table Table::growing(const Handle& parent, const std::string& name, hid_t type, std::int64_t components) {
   Table table;
   table.name_ = name;
+  table.type_ = type;
   table.components_ = components;
   table.twoDimensional_ = components > 1;
   table.grows_ = true;
@@ -145,7 +135,7 @@ Table Table::growing(const Handle& parent, const std::string& name, hid_t type, 
   return table;
 }
 
-void Table::append(hid_t type, const void* numbers, std::size_t count) {
+void Table::append(const void* numbers, std::size_t count) {
   if (count == 0) return;
   const int dimensions = twoDimensional_ ? 2 : 1;
   const Sizes first{static_cast<hsize_t>(written_), 0};
@@ -155,7 +145,7 @@ void Table::append(hid_t type, const void* numbers, std::size_t count) {
   const Handle memory = space(dimensions, sizes, sizes);
   const Handle file(H5Dget_space(dataset_.id()), H5Sclose, name_);
   check(H5Sselect_hyperslab(file.id(), H5S_SELECT_SET, first.data(), nullptr, sizes.data(), nullptr), name_);
-  check(H5Dwrite(dataset_.id(), type, memory.id(), file.id(), H5P_DEFAULT, numbers), name_);
+  check(H5Dwrite(dataset_.id(), type_, memory.id(), file.id(), H5P_DEFAULT, numbers), name_);
   written_ += static_cast<std::int64_t>(sizes[0]);
 }
 

@@ -1,0 +1,29 @@
+#include <fmt/format.h>
+
+#include "../support/Text.h"
+#include "RunState.h"
+#include "Selections.h"
+
+namespace lumbarn {
+
+CellBox parseCells(std::string_view text) {
+  const auto number = [&](std::string_view part) {
+    const auto value = toInteger(trim(part));
+    if (value && *value >= 1 && *value <= std::numeric_limits<std::int32_t>::max())
+      return static_cast<std::int32_t>(*value);
+    throwRefused({}, fmt::format("a cell is given as 12,8,4 and a box as 1:16,8,1:5, not \"{}\"", text));
+  };
+  const auto parts = split(text, ',');
+  if (parts.size() != 3) number({});
+  CellBox box;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    const std::string_view part = parts[axis];
+    const auto colon = part.find(':');
+    box.from[axis] = number(part.substr(0, colon));
+    box.to[axis] = colon == part.npos ? box.from[axis] : number(part.substr(colon + 1));
+    if (box.to[axis] < box.from[axis]) number({});
+  }
+  return box;
+}
+
+}  // namespace lumbarn
