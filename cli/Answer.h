@@ -15,9 +15,9 @@ namespace lumbarn::cli {
 /// How a subcommand asks: what is reported goes to the console, Ctrl-C stops, and all good rows are kept.
 ReadOptions asking(Console& console);
 
-/// Writes the rows of an answer in the form that was asked for, to standard output or to a file that appears
-/// when it is complete. `inputs` are the files that are read. Gives the exit status that follows from what
-/// was reported.
+/// Writes the rows of an answer in the units and the form that were asked for, to standard output or to a
+/// file that appears when it is complete. `inputs` are the files that are read. Gives the exit status that
+/// follows from what was reported.
 ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<const std::string> inputs,
                        Console& console);
 
@@ -27,8 +27,9 @@ ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOpti
 
 /// A question about one run.
 using Question = std::function<Stream(const Run&, const ReadOptions&)>;
-/// Asks the runs and writes the answer.
-ExitStatus answer(const RunOptions& runs, const OutputOptions& options, Console& console,
+/// Asks the runs and writes the answer. That of several, and the long form of one, have a column "run". Of
+/// several runs, one that cannot be asked is reported and does not stop the others.
+ExitStatus answer(const RunOptions& options, const OutputOptions& output, Console& console,
                   const Question& ask);
 
 /// Asks them several questions and writes the answers one below the other, for people.

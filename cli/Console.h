@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -27,6 +28,10 @@ class Console {
   std::ostream& err() { return err_; }
   Session& session() { return session_; }
   ProgressBar& progress() { return progress_; }
+  /// Becomes true when the command is to end.
+  const std::atomic<bool>& stopFlag() const {
+    return session_.hostCancel ? *session_.hostCancel : session_.CancelLoad;
+  }
 
   /// One line: "lumbarn: " and the text.
   void say(std::string_view text);

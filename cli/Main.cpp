@@ -1,3 +1,4 @@
+#include <atomic>
 #include <csignal>
 #include <iostream>
 #include <string>
@@ -17,11 +18,14 @@ constexpr int endingSignals[] = {SIGINT, SIGTERM};
 #endif
 
 volatile std::sig_atomic_t receivedSignal = 0;
+std::atomic<bool> stopRequested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
-/// The first signal asks the load to end, so that temporary files are removed; a second one ends the program.
-extern "C" void cancel(int signal) {
+/// The first signal asks what is read to end, so that temporary files are removed; a second one ends the
+/// program.
+extern "C" void stop(int signal) {
   receivedSignal = signal;
-  lumbarn::Session::process().CancelLoad = true;
+  stopRequested = true;
   std::signal(signal, SIG_DFL);
 }
 
@@ -30,13 +34,13 @@ extern "C" void cancel(int signal) {
 int main(int argc, char** argv) {
   lumbarn::openStandardStreams();
   std::ios::sync_with_stdio(false);
-  lumbarn::Session::process();  // made here, as the handler must not make it
+  lumbarn::Session::process().hostCancel = &stopRequested;
 #ifdef SIGXFSZ
   std::signal(SIGXFSZ, SIG_IGN);  // writing beyond the size limit then fails, and is reported
 #endif
   for (const int signal : endingSignals) {
     // What was started to ignore it, as shells start work in the background, goes on ignoring it.
-    if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, cancel);
+    if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, stop);
   }
   const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
   const int status =

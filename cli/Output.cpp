@@ -80,6 +80,11 @@ bool FileBuffer::put(std::string_view bytes) {
 
 Output::Output(const OutputOptions& options, std::ostream& standard, std::span<const std::string> inputs)
     : standard_(standard) {
+  if (options.units != Units::File || options.longForm || options.unitRow ||
+      options.format == Format::ArrowFile) {
+    throw Failure(Usage,
+                  "this answer is no table: --units, --long, --unit-row and --format arrow do not apply");
+  }
   if (options.file.empty()) return;
   target_ = toPath(options.file);
   std::error_code unknown;

@@ -9,17 +9,20 @@
 #include <string_view>
 
 #include "TableWriter.h"
+#include "frame/Transforms.h"
 #include "support/PendingFile.h"
 
 namespace lumbarn::cli {
 
-/// What `--format` and `-o` say.
+/// What `--format`, `-o` and the options of their kind say.
 struct OutputOptions {
   Format format = Format::Table;
   std::string file;      ///< empty: standard output
   bool unitRow = false;  ///< csv: a second header line with units; json: an object of units and rows
   bool grdecl = false;   ///< `--format grdecl`: as keywords of a data deck, where a subcommand can do that
   bool replace = false;  ///< `file` may be a simulator file or a deck
+  Units units = Units::File;  ///< to which values are converted
+  bool longForm = false;      ///< a row for each value
 };
 
 /// Throws Failure when a file to be written is one of `inputs`, by whatever name, or, unless `replace` is
@@ -52,7 +55,8 @@ class FileBuffer final : public std::streambuf {
 /// Where a subcommand's data go: standard output, or a file that appears under its name once it is complete.
 class Output {
  public:
-  /// Throws Failure when the file cannot be written, or is refused by `checkTarget`.
+  /// Throws Failure when the file cannot be written, or is refused by `checkTarget`, and for options of the
+  /// form that only `writeAnswer` can follow, which passes on the others.
   Output(const OutputOptions& options, std::ostream& standard, std::span<const std::string> inputs);
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;

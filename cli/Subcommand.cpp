@@ -34,7 +34,18 @@ Format formatNamed(const std::string& word) {
   if (equalNoCase(word, "csv")) return Format::Csv;
   if (equalNoCase(word, "json")) return Format::Json;
   if (equalNoCase(word, "ndjson")) return Format::Ndjson;
-  throw CLI::ValidationError(fmt::format("--format is table, csv, json or ndjson, not \"{}\"", word));
+  if (equalNoCase(word, "arrow")) return Format::ArrowFile;
+  throw CLI::ValidationError(fmt::format("--format is table, csv, json, ndjson or arrow, not \"{}\"", word));
+}
+
+Units unitsNamed(const std::string& word) {
+  constexpr std::pair<std::string_view, Units> systems[] = {
+      {"metric", Units::Metric}, {"field", Units::Field}, {"lab", Units::Lab}, {"si", Units::SI}};
+  const auto system =
+      std::ranges::find_if(systems, [&](const auto& one) { return equalNoCase(one.first, word); });
+  if (system == std::end(systems))
+    throw CLI::ValidationError(fmt::format("--units is metric, field, lab or si, not \"{}\"", word));
+  return system->second;
 }
 
 }  // namespace
@@ -84,10 +95,11 @@ void Subcommand::list(const std::string& name, std::vector<std::string>& texts, 
 }
 
 void Subcommand::runs(RunOptions& options) {
-  command_.add_option("PATH", options.paths, "A file of the run, its root name or its folder")
+  command_
+      .add_option("PATH", options.paths, "A file of the run, its root name or its folder; several runs too")
       ->required()
-      ->expected(1)
       ->option_text(" ");
+  flag("--each", options.each, "Every run of a folder");
 }
 
 void Subcommand::time(TimeOptions& options) {
@@ -123,9 +135,15 @@ void Subcommand::output(OutputOptions& options, bool grdecl) {
   };
   command_
       .add_option_function<std::string>("--format", setFormat,
-                                        grdecl ? "Form of the output: table, csv, json, ndjson or grdecl"
-                                               : "Form of the output: table, csv, json or ndjson")
+                                        grdecl
+                                            ? "Form of the output: table, csv, json, ndjson, arrow or grdecl"
+                                            : "Form of the output: table, csv, json, ndjson or arrow")
       ->option_text("FORMAT");
+  const auto setUnits = [&options](const std::string& word) { options.units = unitsNamed(word); };
+  command_.add_option_function<std::string>("--units", setUnits, "Convert values: metric, field, lab or si")
+      ->option_text("SYSTEM");
+  flag("--unit-row", options.unitRow, "Units in a second line of csv, or beside the rows of json");
+  flag("--long", options.longForm, "A row for each value");
   value("-o,--output", options.file, "FILE", "Write to FILE, which appears when it is complete");
   flag("--replace", options.replace, "Let FILE replace a simulator file or a deck");
 }

@@ -30,6 +30,7 @@ struct CommandLine {
 /// Which runs to ask.
 struct RunOptions {
   std::vector<std::string> paths;
+  bool each = false;  ///< all runs that a path can mean
 };
 
 /// Which rows or steps to show, as texts of the command line.
@@ -85,11 +86,11 @@ class Subcommand {
   /// As `repeated`, with each text split at its commas.
   void list(const std::string& name, std::vector<std::string>& texts, const std::string& word,
             const std::string& description);
-  /// The paths of runs, one at least.
+  /// The paths of runs, one at least, and `--each`.
   void runs(RunOptions& options);
   /// `--steps`, `--date`, `--from`, `--to` and `--every`.
   void time(TimeOptions& options);
-  /// `--format` and `-o`. `grdecl`: takes that form too.
+  /// `--format`, `-o`, `--replace`, `--units`, `--unit-row` and `--long`. `grdecl`: takes that form too.
   void output(OutputOptions& options, bool grdecl = false);
 
   /// What the help says behind the options.

@@ -7,9 +7,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 build_packages=(
   ccache
   cmake
+  flatbuffers-compiler
   g++-12
   libcli11-dev
   libfast-float-dev
+  libflatbuffers-dev
   libfmt-dev
   libhdf5-dev # the export of grids
   ninja-build
@@ -28,6 +30,8 @@ test_packages=(
   python3-vtk9 # reads exported grids back; the largest by far: 50 MB to fetch, 245 MB on the disk
   zsh          # completion is tested in it too
 )
+# Arrow's own reader and a database, which read back what we write; for node, from npm's registry.
+node_packages=(apache-arrow@21.2.0 @duckdb/node-api@1.5.6-r.1)
 tidy_packages=("${test_packages[@]}" clang-tidy-14 clang-tools-14)
 
 jobs=$(nproc)
@@ -52,6 +56,16 @@ need() {
   "${as_root[@]}" apt-get update -q
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
     apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+# Installs node, unless some node with npm is there, and the node packages in build-node.
+need_node() {
+  command -v npm >/dev/null || need nodejs npm
+  [[ $(cat build-node/installed 2>/dev/null) != "${node_packages[*]}" ]] || return 0
+  step "Installing ${node_packages[*]}"
+  mkdir -p build-node
+  npm install --prefix build-node --no-save --no-package-lock --no-audit --no-fund "${node_packages[@]}"
+  echo "${node_packages[*]}" >build-node/installed
 }
 
 # All C++ sources, as they lie in the work tree.

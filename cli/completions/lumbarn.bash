@@ -1,7 +1,7 @@
 # Completion of the lumbarn command for bash.
 
 _lumbarn() {
-  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace -h --help'
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace --units --unit-row --long -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
     mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart cells stats wells index grid rft init tables compare convert -h --help --version' -- "$word")

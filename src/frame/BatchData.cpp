@@ -39,4 +39,11 @@ std::size_t widthOf(const Field& field) {
   return 0;
 }
 
+std::vector<std::pair<std::string, std::string>> allMetadata(const Field& field) {
+  auto pairs = field.metadata;
+  if (!field.unit.empty()) pairs.emplace_back("unit", field.unit);
+  if (!field.description.empty()) pairs.emplace_back("description", field.description);
+  return pairs;
+}
+
 }  // namespace lumbarn

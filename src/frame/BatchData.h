@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "Column.h"
@@ -46,6 +48,9 @@ struct BatchData {
 
 /// Bytes that a value of a type takes in its column; 0 for Bool and Utf8. For FixedList those of a row.
 std::size_t widthOf(const Field& field);
+
+/// All that Arrow's metadata tell of a column: those of the field, its unit and its description.
+std::vector<std::pair<std::string, std::string>> allMetadata(const Field& field);
 
 inline bool bitAt(const std::uint8_t* bits, std::size_t i) { return ((bits[i / 8] >> (i % 8)) & 1U) != 0; }
 

@@ -36,6 +36,13 @@ void widen(std::span<const T> values, std::vector<double>& out) {
 
 }  // namespace
 
+std::optional<std::string_view> metadataOf(const Field& field, std::string_view key) {
+  for (const auto& [name, text] : field.metadata) {
+    if (name == key) return text;
+  }
+  return std::nullopt;
+}
+
 std::vector<std::string> makeNamesUnique(Schema& schema) {
   std::set<std::string> taken;
   std::vector<std::string> changed;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -42,6 +43,9 @@ struct Field {
   std::vector<std::pair<std::string, std::string>> metadata{};   ///< "mnemonic", "member", "cell", "lgr", ...
   std::shared_ptr<const std::vector<std::string>> dictionary{};  ///< texts of Dictionary
 };
+
+/// What the metadata of a field say of one thing; nothing if they do not.
+std::optional<std::string_view> metadataOf(const Field& field, std::string_view key);
 
 /// The columns of a table. Fixed before the first batch of a stream.
 using Schema = std::vector<Field>;

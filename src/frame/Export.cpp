@@ -90,9 +90,7 @@ std::string formatOf(const Field& field) {
 /// Metadata in Arrow's encoding: their number, then length and bytes of each key and value, in this machine's
 /// order.
 std::string encoded(const Field& field) {
-  auto pairs = field.metadata;
-  if (!field.unit.empty()) pairs.emplace_back("unit", field.unit);
-  if (!field.description.empty()) pairs.emplace_back("description", field.description);
+  const auto pairs = allMetadata(field);
   if (pairs.empty()) return {};
   std::string bytes;
   const auto number = [&](std::size_t value) {

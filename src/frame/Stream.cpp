@@ -1,11 +1,10 @@
 #include "Stream.h"
 
-#include <algorithm>
-#include <cstring>
 #include <exception>
 #include <utility>
 
 #include "../support/Session.h"
+#include "BatchCopy.h"
 
 namespace lumbarn {
 
@@ -115,71 +114,14 @@ class OneBatch final : public BatchSource {
   std::optional<Batch> batch_;
 };
 
-/// Copies the bits [0, count) of a batch behind those of earlier ones.
-void appendBits(std::vector<std::uint8_t>& to, std::size_t at, const std::uint8_t* from, std::size_t count) {
-  to.resize((at + count + 7) / 8, 0);
-  for (std::size_t i = 0; i < count; ++i) {
-    if (from == nullptr || bitAt(from, i))
-      to[(at + i) / 8] |= static_cast<std::uint8_t>(1U << ((at + i) % 8));
-  }
-}
-
-/// The rows of several batches of one schema as one.
-Batch joined(const std::shared_ptr<const Schema>& schema, const std::vector<Batch>& batches) {
-  struct Memory {
-    std::vector<Block> values;
-    std::vector<std::vector<std::uint8_t>> bits;
-    std::vector<std::string> texts;
-  };
-  auto memory = std::make_shared<Memory>();
-  auto data = std::make_shared<BatchData>();
-  data->schema = schema;
-  for (const Batch& batch : batches) data->rows += batch.rows();
-  memory->bits.resize(2 * schema->size());
-  memory->texts.resize(schema->size());
-  for (std::size_t c = 0; c < schema->size(); ++c) {
-    const Field& field = (*schema)[c];
-    const bool utf8 = field.type == Type::Utf8;
-    const std::size_t width = utf8 ? sizeof(std::int32_t) : widthOf(field);
-    const Block& block = memory->values.emplace_back((data->rows + (utf8 ? 1 : 0)) * width);
-    ColumnBuffers buffers{.values = block.data()};
-    for (const Batch& batch : batches) buffers.nulls += batch.data()->columns[c].nulls;
-    auto& bits = memory->bits[2 * c];
-    auto& validity = memory->bits[2 * c + 1];
-    std::size_t row = 0;
-    for (const Batch& batch : batches) {
-      const ColumnBuffers& from = batch.data()->columns[c];
-      if (buffers.nulls > 0) appendBits(validity, row, from.validity, batch.rows());
-      if (field.type == Type::Bool) {
-        appendBits(bits, row, reinterpret_cast<const std::uint8_t*>(from.values), batch.rows());
-      } else if (!utf8) {
-        std::memcpy(block.data() + row * width, from.values, batch.rows() * width);
-      }
-      for (std::size_t i = 0; utf8 && i < batch.rows(); ++i) {
-        memory->texts[c] += batch[c].text(i);
-        if (memory->texts[c].size() > INT32_MAX) throw std::bad_alloc();
-        const auto end = static_cast<std::int32_t>(memory->texts[c].size());
-        std::memcpy(block.data() + (row + i + 1) * width, &end, sizeof end);
-      }
-      row += batch.rows();
-    }
-    if (field.type == Type::Bool) buffers.values = reinterpret_cast<const std::byte*>(bits.data());
-    if (buffers.nulls > 0) buffers.validity = validity.data();
-    buffers.texts = memory->texts[c].data();
-    data->columns.push_back(buffers);
-  }
-  data->owners.push_back(std::move(memory));
-  return Batch(std::move(data));
-}
-
 }  // namespace
 
 Batch Stream::collect() && {
-  std::vector<Batch> batches;
-  while (auto batch = next()) batches.push_back(std::move(*batch));
-  if (batches.size() == 1) return batches.front();
+  std::vector<RowRange> all;
+  while (auto batch = next()) all.push_back({*batch, 0, batch->rows()});
+  if (all.size() == 1) return all.front().batch;
   try {
-    return joined(schema_, batches);
+    return copied(schema_, all);
   } catch (...) {
     throw errorInFlight();
   }

@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "ArrowWriter.h"
 #include "BatchData.h"
 #include "NumberText.h"
 
@@ -359,6 +360,8 @@ std::unique_ptr<TextForm> makeForm(const Schema& schema, const WriteOptions& opt
       return std::make_unique<TableForm>(schema);
     case Format::Json:
     case Format::Ndjson:
+    case Format::ArrowFile:
+    case Format::ArrowStream:
       break;
   }
   return std::make_unique<JsonForm>(schema, options.format == Format::Ndjson, options.unitRow);
@@ -411,6 +414,10 @@ std::string isoText(LocalMoment moment) {
 }
 
 void write(Stream&& stream, Sink& sink, const WriteOptions& options) {
+  if (options.format == Format::ArrowFile || options.format == Format::ArrowStream) {
+    writeArrow(std::move(stream), sink, options.format == Format::ArrowFile);
+    return;
+  }
   const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
   const unsigned threads = options.threads == 0 ? cores : options.threads;
   const auto form = makeForm(stream.schema(), options);
@@ -419,10 +426,12 @@ void write(Stream&& stream, Sink& sink, const WriteOptions& options) {
   form->begin(edge, batch ? &*batch : nullptr);
   put(sink, edge);
   bool anyRow = false;
-  for (; batch; batch = stream.next()) {
+  while (batch) {
     for (const std::string& text : textOf(*form, *batch, anyRow, threads)) put(sink, text);
     anyRow = true;
     sink.flush();
+    batch.reset();  // its memory before that of the next
+    batch = stream.next();
   }
   edge.clear();
   form->end(edge, anyRow);

@@ -13,9 +13,11 @@ enum class Format : std::uint8_t {
   /// Aligned columns for people, units in a second header line. Float64 with the metadata "display" "float32"
   /// has the digits of a single.
   Table,
-  Csv,     ///< RFC 4180: one header line, lines end in CR LF, no value is an empty field
-  Json,    ///< an array with one object for each row
-  Ndjson,  ///< one object for each line
+  Csv,          ///< RFC 4180: one header line, lines end in CR LF, no value is an empty field
+  Json,         ///< an array with one object for each row
+  Ndjson,       ///< one object for each line
+  ArrowFile,    ///< Arrow's IPC file, with types, units and all else that is known of the columns
+  ArrowStream,  ///< the same to be read while it is written
 };
 
 struct WriteOptions {
@@ -40,7 +42,7 @@ class Sink {
 /// (separated by commas), or by its name with ".1" and so on; in json it is an array.
 ///
 /// Where the stream ends in an Error, the rows before it are written and the Error is thrown; what was
-/// written is then no complete json text, so that nobody takes it for all there is.
+/// written is then no complete json text or Arrow file, so that nobody takes it for all there is.
 void write(Stream&& stream, Sink& sink, const WriteOptions& options = {});
 
 /// A moment as ISO text, "2001-07-01T06:30:00", with a fraction of a second only where it has one.

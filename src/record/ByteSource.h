@@ -25,6 +25,8 @@ class ByteSource {
   /// The damage that the bytes read so far and those still to come may be of two runs: the file was replaced,
   /// truncated or rewritten after it was opened. Growth is a running simulation and not reported.
   virtual std::optional<Diagnosis> changed() const { return std::nullopt; }
+  /// Announces that only a few bytes here and there will be read.
+  virtual void expectSparseReads() const {}
 
   /// Copies bytes from a position and returns their number: out.size(), or less where the source ends. Throws
   /// BadRecord (FileRead) at the first byte that cannot be read, so that a failure never looks like an end.
@@ -47,6 +49,7 @@ class FileSource final : public ByteSource {
   std::string path() const override { return path_; }
   std::optional<FileStamp> stamp() const override { return stamp_; }
   std::optional<Diagnosis> changed() const override;
+  void expectSparseReads() const override { file_.expectSparseReads(); }
 
  private:
   FileSource(InputFile file, std::string path, const FileStamp& stamp)

@@ -127,6 +127,21 @@ class Run {
   /// first row. `TestPart::All` has a row for each value instead: `test,well,group,array,units,row,value`,
   /// values as texts. Tests without that part are left out; Throws Error NotFound if no test has it.
   Stream testRows(const TestSelection& selection = {}, const ReadOptions& options = {}) const;
+  /// The vectors of the summary, one row for each: `name` (as a column of `summary` has it), `mnemonic`,
+  /// `class`, `member`, `index`, `lgr`, `units`, `description`. A vector whose name occurs before is omitted,
+  /// with a remark, unless `keepDuplicates` is set.
+  Stream vectors(bool keepDuplicates = false, const ReadOptions& options = {}) const;
+  /// Summary data, one row for each row of the files that the selection keeps: DATE (Timestamp) if requested,
+  /// TIME, then the vectors, Float32 in the units of the file. Patterns give the order of the columns; what
+  /// one pattern matches is in the order of the file. A row is null where its run of a chain lacks the
+  /// vector. Fields have the unit, the description, and `mnemonic`, `member`, `cell` and `lgr` as metadata.
+  ///
+  /// Throws Error NotFound, with similar names, when there is no summary or nothing matches the patterns or
+  /// the times; a remark lists patterns without a match while others match. BadRequest for an empty pattern,
+  /// when `except` leaves no column, or for dates that are not known.
+  Stream summary(const SummarySelection& selection = {}, const ReadOptions& options = {}) const;
+  /// The files that `summary` reads of the runs that this one restarted from.
+  std::vector<std::string> filesOfChain(const ReadOptions& options = {}) const;
 
   explicit Run(std::shared_ptr<const RunState> state) : state_(std::move(state)) {}
   const RunState& state() const { return *state_; }

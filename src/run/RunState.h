@@ -11,6 +11,7 @@
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
 #include "Lazy.h"
+#include "SummaryState.h"
 
 namespace lumbarn {
 
@@ -21,7 +22,9 @@ using Grids = std::vector<std::shared_ptr<Hadrick>>;
 /// members change, and they may be used from several threads.
 class RunState {
  public:
-  explicit RunState(RunFamily family) : family_(std::move(family)) {}
+  explicit RunState(RunFamily family) : family_(std::move(family)), summary_(family_) {}
+  RunState(const RunState&) = delete;
+  RunState& operator=(const RunState&) = delete;
 
   const RunFamily& family() const { return family_; }
   std::string root() const { return family_.folder + family_.base; }
@@ -42,6 +45,8 @@ class RunState {
                                                                 const std::string& grid,
                                                                 const GridCells& cells) const;
 
+  const SummaryState& summary() const { return summary_; }
+
  private:
   std::string pathOf(FileKind kind) const;
 
@@ -52,6 +57,7 @@ class RunState {
   using GridKey = std::tuple<std::string, std::int64_t, std::int64_t>;  // name, cells, active cells
   mutable std::mutex activeMutex_;                                      // of the map, not of what it holds
   mutable std::map<GridKey, Lazy<std::optional<ActiveCells>>> active_;
+  SummaryState summary_;
 };
 
 /// Throws Error NotFound, with similar names among those that there are.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../frame/Column.h"
+#include "../frame/Transforms.h"
 #include "../welltests/TestPart.h"
 
 namespace lumbarn {
@@ -16,10 +17,6 @@ namespace lumbarn {
 // What a question asks for. Selections are aggregates, to be written as {.vectors = {"FOPR"}}: every member
 // has a default, and new ones are added at the end.
 
-/// The last row of each period.
-enum class Every : std::uint8_t { Row, ReportStep, Day, Month, Quarter, Year };
-/// Units of the answer; File: as the file has them.
-enum class Units : std::uint8_t { File, Metric, Field, Lab, SI };
 /// Wide: a column for each vector or array. Long: a row for each value.
 enum class Layout : std::uint8_t { Wide, Long };
 
@@ -139,6 +136,20 @@ struct TestSelection {
   TestPart part = TestPart::Rft;
   std::int32_t branch = 0;  ///< from 1, of the parts that are of one branch
   bool plain = false;       ///< without the columns that tell which test a row is of; for one number only
+};
+
+/// Vectors of a summary, by full names or patterns ("WOPR:*", "BPR:10,4,3"), several in one text separated by
+/// commas.
+struct SummarySelection {
+  std::vector<std::string> vectors{};  ///< in the order of the columns; empty: all
+  std::vector<std::string> except{};   ///< omitted; TIME is a column unless it is one of these
+  TimeSelection time{};
+  bool chain = false;           ///< with the rows of the runs that this one restarted from
+  bool keepDuplicates = false;  ///< vectors whose name occurs before too, as "FOPR#2"
+  bool dates = false;           ///< a column DATE in front
+  /// `step`, `date` and `days` in front, in place of DATE and TIME. TIME is then a column only if it is one
+  /// of `vectors` by name.
+  bool keys = false;
 };
 
 }  // namespace lumbarn

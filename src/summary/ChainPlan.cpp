@@ -11,13 +11,11 @@ namespace {
 constexpr std::size_t yieldInterval = 1000;  // columns
 
 void copyConverted(std::span<const float> values, const ChainSource& source, std::span<float> out) {
-  if (source.factor == 1 && source.offset == 0) {
+  if (!source.converts()) {
     std::ranges::copy(values, out.begin());
     return;
   }
-  std::ranges::transform(values, out.begin(), [&](float value) {
-    return static_cast<float>(value * source.factor + source.offset);
-  });
+  std::ranges::transform(values, out.begin(), [&](float value) { return source.converted(value); });
 }
 
 }  // namespace

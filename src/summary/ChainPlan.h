@@ -16,6 +16,9 @@ struct ChainSource {
   std::int32_t column = 0;  ///< of the run's table, from 1; 0: the run has no values for the column
   double factor = 1;        ///< from the units of the run to those of the table
   double offset = 0;        ///< added to the result
+
+  bool converts() const { return factor != 1 || offset != 0; }
+  float converted(float value) const { return static_cast<float>(value * factor + offset); }
 };
 
 /// What one run contributes to the table of a chain.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "../support/Fault.h"
 
@@ -30,7 +31,7 @@ FourValues load(const float* from) {
 }
 
 /// Transposes a block of 4 by 4 values in registers, which takes half the time of copying value by value.
-void turnBlock(const float* in, std::size_t inStride, float* out, std::size_t outStride) {
+void turnBlock(const float* in, std::size_t inStride, float* const* out, std::size_t row) {
   const FourValues a = load(in), b = load(in + inStride);
   const FourValues c = load(in + 2 * inStride), d = load(in + 3 * inStride);
   const FourValues lowAB = __builtin_shufflevector(a, b, 0, 4, 1, 5);
@@ -41,35 +42,47 @@ void turnBlock(const float* in, std::size_t inStride, float* out, std::size_t ou
                                __builtin_shufflevector(lowAB, lowCD, 2, 3, 6, 7),
                                __builtin_shufflevector(highAB, highCD, 0, 1, 4, 5),
                                __builtin_shufflevector(highAB, highCD, 2, 3, 6, 7)};
-  for (std::size_t i = 0; i < 4; ++i) std::memcpy(out + i * outStride, &turned[i], sizeof turned[i]);
+  for (std::size_t i = 0; i < 4; ++i) std::memcpy(out[i] + row, &turned[i], sizeof turned[i]);
 }
 
 }  // namespace
 
-void turnTile(std::span<const float> tile, std::size_t rows, std::size_t columns, std::size_t firstRow,
-              XYData& table) {
-  const std::size_t stride = table.rows();
-  float* const out = table.values().data() + firstRow;
+void turnTile(std::span<const float> tile, std::size_t rows, std::size_t firstRow,
+              std::span<float* const> out) {
+  const std::size_t columns = out.size();
   const std::size_t blockRows = rows / 4 * 4;
   const std::size_t blockColumns = columns / 4 * 4;
   constexpr std::size_t lineValues = 16;  // one cache line of the tile serves as many columns
   for (std::size_t j0 = 0; j0 < blockColumns; j0 += lineValues) {
     for (std::size_t i = 0; i < blockRows; i += 4) {
       for (std::size_t j = j0; j < std::min(j0 + lineValues, blockColumns); j += 4)
-        turnBlock(tile.data() + i * columns + j, columns, out + j * stride + i, stride);
+        turnBlock(tile.data() + i * columns + j, columns, out.data() + j, firstRow + i);
     }
   }
   for (std::size_t j = 0; j < columns; ++j) {
     for (std::size_t i = j < blockColumns ? blockRows : 0; i < rows; ++i) {
-      out[j * stride + i] = tile[i * columns + j];
+      out[j][firstRow + i] = tile[i * columns + j];
     }
   }
 }
 
+bool readsSparsely(std::size_t wanted, std::size_t all) {
+  constexpr std::size_t page = 4096;
+  return 2 * page * (wanted + 1) <= sizeof(float) * all;  // one more for the headers
+}
+
+void describeLoss(Diagnosis& damage, std::size_t kept, bool oneFile, bool continues) {
+  damage.action = "kept " + std::to_string(kept) + " rows";
+  if (oneFile) damage.occurrence = static_cast<std::int64_t>(kept) + 1;
+  if (continues) damage.action += ", continued with the next file";
+}
+
 void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int32_t> vectors,
-                        XYData& table) {
-  if (table.rows() < rows.size() || table.columns() != vectors.size()) throw Fault(FaultNumber::InvalidCall);
+                        std::span<float* const> columns) {
+  if (columns.size() != vectors.size()) throw Fault(FaultNumber::InvalidCall);
+  rowsDone_ = 0;
   vectors_ = vectors;
+  sparse_ = readsSparsely(vectors.size(), static_cast<std::size_t>(nValues_));
   const auto all = static_cast<std::size_t>(nValues_);
   elements_.clear();
   wholeRow_.clear();
@@ -91,7 +104,7 @@ void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int
     const std::size_t count = std::min(tileRows, rows.size() - rowsDone_);
     std::size_t read = 0;
     const auto turn = [&] {
-      turnTile(tile, read, vectors.size(), rowsDone_, table);
+      turnTile(tile, read, rowsDone_, columns);
       rowsDone_ += read;
     };
     try {
@@ -104,7 +117,8 @@ void ColumnReader::read(std::span<const RowPlace> rows, std::span<const std::int
     }
     turn();
     if (session_.Container) {
-      session_.Container->fraction(static_cast<double>(rowsDone_) / static_cast<double>(rows.size()));
+      const double share = static_cast<double>(rowsDone_) / static_cast<double>(rows.size());
+      session_.Container->fraction(shareBefore_ + (shareAfter_ - shareBefore_) * share);
     }
     session_.yield();
   }
@@ -135,7 +149,7 @@ void ColumnReader::openFile(std::int32_t iFile) {
   if (cursor_) cursor_->checkUnchanged();
   const auto file = static_cast<std::size_t>(iFile);
   std::optional<FileStamp> stamp;
-  cursor_ = openSummaryData(files_[file], form_, session_, stamp);
+  cursor_ = openSummaryData(files_[file], form_, session_, stamp, sparse_);
   if (!cursor_) throw Fault(FaultNumber::FileNotFound);
   if (stamps_[file]) {
     if (auto change = changedSince(*stamps_[file], files_[file])) throw BadRecord(std::move(*change));

@@ -87,8 +87,8 @@ class RowWalk {
 
   RowIndex run() {
     for (std::size_t i = 0; i < request_.zFiles.size() && !stop_; ++i) {
-      if (const auto cursor =
-              openSummaryData(request_.zFiles[i], request_.form, session_, index_.stamps.emplace_back())) {
+      if (const auto cursor = openSummaryData(request_.zFiles[i], request_.form, session_,
+                                              index_.stamps.emplace_back(), request_.sparse)) {
         index_.opened = true;
         walkFile(*cursor, static_cast<std::int32_t>(i));
       } else {
@@ -248,7 +248,7 @@ RowIndex indexRows(const RowIndexRequest& request, Session& session) {
 }
 
 std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const Form& form, Session& session,
-                                              std::optional<FileStamp>& stamp) {
+                                              std::optional<FileStamp>& stamp, bool sparse) {
   std::string why;
   std::shared_ptr<const ByteSource> source = FileSource::open(path, why);
   if (!source) {
@@ -256,6 +256,7 @@ std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const For
     return nullptr;
   }
   stamp = source->stamp();
+  if (sparse) source->expectSparseReads();
   try {
     // Some writers put records of their own in front, so any keyword is accepted.
     const auto detected = detectForm(*source);

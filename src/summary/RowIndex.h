@@ -35,6 +35,7 @@ struct RowIndexRequest {
   std::int32_t nValues = 0;       ///< values that a row must have
   std::int32_t iRestartStep = 0;  ///< report step at which the run was restarted
   bool timeFirst = false;         ///< the first value of a row is TIME
+  bool sparse = false;            ///< few values of each row will be read
 };
 
 /// The rows of one run.
@@ -56,8 +57,8 @@ struct RowIndex {
 RowIndex indexRows(const RowIndexRequest& request, Session& session);
 
 /// A cursor on one file of a set, in the form of its first header if that is sound, and the state of the
-/// file. Null with a Diagnosis when the file cannot be opened.
+/// file. Null with a Diagnosis when the file cannot be opened. `sparse`: few of its bytes will be read.
 std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const Form& form, Session& session,
-                                              std::optional<FileStamp>& stamp);
+                                              std::optional<FileStamp>& stamp, bool sparse);
 
 }  // namespace lumbarn

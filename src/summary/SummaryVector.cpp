@@ -137,10 +137,15 @@ SummaryVector makeVector(std::size_t column, Text&& text) {
 }  // namespace
 
 std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec) {
+  return summaryVectors(spec, std::vector<bool>(spec.qKeyMask.size(), true));
+}
+
+std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec, const std::vector<bool>& chosen) {
   std::vector<SummaryVector> vectors;
-  vectors.reserve(static_cast<std::size_t>(spec.nKeysUsed));
+  vectors.reserve(static_cast<std::size_t>(std::ranges::count(chosen, true)));
+  std::size_t kept = 0;
   for (std::size_t i = 0; i < spec.xVectors.size(); ++i) {
-    if (!spec.qKeyMask[i]) continue;
+    if (!spec.qKeyMask[i] || !chosen[kept++]) continue;
     vectors.push_back(
         makeVector(i + 1, [&](std::int32_t iAttribute) { return spec.text(spec.xVectors[i], iAttribute); }));
   }

@@ -36,6 +36,8 @@ struct SummaryVector {
 
 /// The vectors that the specification's mask keeps, in order; these are the columns of its data.
 std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec);
+/// Those of them whose element of `chosen` is true; it has one for each vector that the mask keeps.
+std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec, const std::vector<bool>& chosen);
 /// Their full names alone; an empty text for a vector whose mnemonic is not wanted.
 std::vector<std::string> summaryNames(const qvEclipseSPEC& spec,
                                       const std::function<bool(std::string_view mnemonic)>& wanted);

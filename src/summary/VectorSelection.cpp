@@ -38,40 +38,44 @@ bool hasOtherThanAscii(std::string_view name) {
   return std::ranges::any_of(name, [](char c) { return static_cast<unsigned char>(c) > 127; });
 }
 
+using Ranks = std::vector<std::int32_t>;
+
 class Names {
  public:
   explicit Names(std::span<const std::string> names) : names_(names) {}
 
-  /// Marks the vectors of that very name; false when there are none.
-  bool markName(std::string_view name, std::vector<bool>& marks) {
+  /// Gives the vectors of that very name the current rank; false when there are none.
+  bool markName(std::string_view name, Ranks& marks) {
     if (++lookUps_ > worthATable) return markByTable(name, marks);
     bool any = false;
     for (std::size_t i = 0; i < names_.size(); ++i) {
       if (names_[i].size() != name.size() || !equalNoCase(names_[i], name)) continue;
-      marks[i] = true;
+      mark(marks, i);
       any = true;
     }
     return any;
   }
 
-  bool markPattern(std::string_view pattern, std::vector<bool>& marks) {
+  bool markPattern(std::string_view pattern, Ranks& marks) {
     bool any = markName(pattern, marks);
     if (pattern.find_first_of("*?") == std::string_view::npos) return any;
     const std::string plain = onlyStarAndQuestion(pattern);
     for (std::size_t i = 0; i < names_.size(); ++i) {
       if (!matchesPattern(names_[i], plain)) continue;
-      marks[i] = true;
+      mark(marks, i);
       any = true;
     }
     return any;
   }
 
-  void markLists(std::span<const std::string> lists, std::vector<bool>& marks,
-                 std::vector<std::string>& unmatched) {
+  void markLists(std::span<const std::string> lists, Ranks& marks, std::vector<std::string>& unmatched) {
+    rank_ = 0;
     for (const std::string& list : lists) {
       const std::string_view whole = trim(list);
+      ++rank_;
       if (whole.find(',') != std::string_view::npos && markName(toUtf8(whole), marks)) continue;
       for (std::string& pattern : splitPatterns(whole)) {
+        ++rank_;
         if (!markPattern(toUtf8(pattern), marks)) unmatched.push_back(std::move(pattern));
       }
     }
@@ -81,18 +85,23 @@ class Names {
   /// A few names are found faster by looking through all than by making a table of all first.
   static constexpr int worthATable = 32;
 
-  bool markByTable(std::string_view name, std::vector<bool>& marks) {
+  void mark(Ranks& marks, std::size_t i) const {
+    if (marks[i] < 0) marks[i] = rank_;
+  }
+
+  bool markByTable(std::string_view name, Ranks& marks) {
     if (byName_.empty()) {
       byName_.reserve(names_.size());
       for (std::size_t i = 0; i < names_.size(); ++i) byName_.emplace(upper(names_[i]), i);
     }
     const auto [first, last] = byName_.equal_range(upper(name));
-    for (auto it = first; it != last; ++it) marks[it->second] = true;
+    for (auto it = first; it != last; ++it) mark(marks, it->second);
     return first != last;
   }
 
   std::span<const std::string> names_;
   int lookUps_ = 0;
+  std::int32_t rank_ = 0;  // of the pattern that is being marked
   std::unordered_multimap<std::string, std::size_t> byName_;
 };
 
@@ -145,13 +154,12 @@ VectorSelection selectVectors(std::span<const std::string> vectorNames, std::spa
   }
   Names names(vectorNames);
   VectorSelection selection;
-  selection.mask.assign(vectorNames.size(), only.empty());
-  names.markLists(only, selection.mask, selection.unmatched);
-  std::vector<bool> left(vectorNames.size(), false);
+  selection.rank.assign(vectorNames.size(), -1);
+  names.markLists(only, selection.rank, selection.unmatched);
+  Ranks left(vectorNames.size(), -1);
   names.markLists(except, left, selection.unmatched);
-  for (std::size_t i = 0; i < vectorNames.size(); ++i) {
-    if (left[i]) selection.mask[i] = false;
-  }
+  for (std::size_t i = 0; i < vectorNames.size(); ++i)
+    selection.mask.push_back((only.empty() || selection.rank[i] >= 0) && left[i] < 0);
   return selection;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -33,6 +34,7 @@ class MnemonicFilter {
 /// What patterns choose out of vectors.
 struct VectorSelection {
   std::vector<bool> mask;              ///< one entry per vector
+  std::vector<std::int32_t> rank;      ///< orders vectors by the first pattern to keep that fits; -1: none
   std::vector<std::string> unmatched;  ///< patterns that fit no vector, as given, those to keep first
 };
 

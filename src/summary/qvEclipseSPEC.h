@@ -120,6 +120,9 @@ class qvEclipseSPEC : public FormFlags {
   /// The vectors with mask True, in order.
   std::vector<VECTORDATA> keptVectors() const;
   Session& session() const { return *session_; }
+  /// For a specification that outlives its session: only the operations under "Beyond what hosts ask for" may
+  /// follow.
+  void releaseSession() { session_ = nullptr; }
 
  private:
   void clear();

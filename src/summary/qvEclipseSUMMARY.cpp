@@ -91,6 +91,7 @@ bool qvEclipseSUMMARY::readRun() {
   request.nValues = nAllKeys;
   request.iRestartStep = iRestartStep;
   request.timeFirst = timeFirst;
+  request.sparse = readsSparsely(iSelected.size(), static_cast<std::size_t>(nAllKeys));
   if (session_->Container && nFiles > 1) session_->Container->files(nFiles);
 
   index_ = indexRows(request, *session_);
@@ -134,14 +135,18 @@ XYData qvEclipseSUMMARY::readColumns(std::span<const std::int32_t> vectors) {
 
 void qvEclipseSUMMARY::readInto(XYData& table, std::span<const std::int32_t> vectors) {
   ColumnReader reader(zFiles, index_.stamps, form(), nAllKeys, *session_);
+  std::vector<float*> columns(vectors.size());
+  std::size_t done = 0;
   for (bool again = true; again;) {
     again = false;
+    for (std::size_t i = 0; i < columns.size(); ++i) columns[i] = table.column(i + 1).data() + done;
     try {
-      reader.read(index_.rows, vectors, table);
+      reader.read(std::span(index_.rows).subspan(done), vectors, columns);
     } catch (BadRecord& damage) {
       const bool changed = damage.diagnosis().message == Message::FileChanged;
-      dropDamagedRows(damage.diagnosis(), changed ? 0 : reader.rowsDone());
-      again = !changed && reader.rowsDone() < index_.rows.size();
+      done = changed ? 0 : done + reader.rowsDone();
+      dropDamagedRows(damage.diagnosis(), done);
+      again = !changed && done < index_.rows.size();
     }
   }
   table.cutRows(index_.rows.size());
@@ -153,13 +158,12 @@ void qvEclipseSUMMARY::dropDamagedRows(Diagnosis& diagnosis, std::size_t good) {
   auto& rows = index_.rows;
   const auto first = rows.begin() + static_cast<std::ptrdiff_t>(good);
   auto end = rows.end();
-  diagnosis.action = "kept " + std::to_string(good) + " rows";
-  if (diagnosis.message != Message::FileChanged) {
-    if (nFiles == 1) diagnosis.occurrence = static_cast<std::int64_t>(good) + 1;
+  const bool changed = diagnosis.message == Message::FileChanged;
+  if (!changed) {
     end = std::ranges::find_if(first, rows.end(),
                                [iFile = first->iFile](const RowPlace& row) { return row.iFile != iFile; });
-    if (end != rows.end()) diagnosis.action += ", continued with the next file";
   }
+  describeLoss(diagnosis, good, nFiles == 1 && !changed, end != rows.end());
   session_->diagnose(std::move(diagnosis));
   const auto step = iSteps.begin() + static_cast<std::ptrdiff_t>(good);
   iSteps.erase(step, step + (end - first));

@@ -1,7 +1,6 @@
 #include "qvEclipseSUMMARYFile.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
 #include "../files/FileChoice.h"
@@ -10,9 +9,9 @@
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
-#include "RestartChain.h"
 #include "ScratchFile.h"
 #include "SummaryMerge.h"
+#include "SummaryRun.h"
 #include "VectorSelection.h"
 
 namespace lumbarn {
@@ -20,31 +19,6 @@ namespace lumbarn {
 namespace {
 
 constexpr const char* className = "qvEclipseSUMMARYFile";
-constexpr std::size_t mostRuns = 1000;
-
-bool sameFile(const std::string& a, const std::string& b) {
-  std::error_code none;
-  return std::filesystem::equivalent(a, b, none) && !none;
-}
-
-/// Whether the vectors that are kept of a run hold perforation data. Without a choice by patterns one
-/// completion vector in the file is enough, also one that was not chosen: hosts know it so.
-bool holdsPerforations(const qvEclipseSPEC& spec, bool byPatterns) {
-  if (!spec.qPerforations || !byPatterns) return spec.qPerforations;
-  return std::ranges::any_of(spec.keptVectors(),
-                             [&](const auto& v) { return spec.text(v, attributeClass) == "COMPLETIONS"; });
-}
-
-void reportLeftOut(Session& session, const qvEclipseSPEC& spec) {
-  session.diagnose({.message = Message::ChainConnections,
-                    .path = spec.zFileName,
-                    .action = "omitted the run; select vectors without completions to include it"});
-}
-
-bool timeIsFirst(const qvEclipseSPEC& spec) {
-  return !spec.xVectors.empty() && spec.text(spec.xVectors.front(), attributeVariable) == "TIME";
-}
-
 std::vector<SummaryRow> rowsOf(const qvEclipseSUMMARY& summary, std::int32_t iRun) {
   std::vector<SummaryRow> rows;
   rows.reserve(summary.rows().size());
@@ -105,7 +79,7 @@ bool qvEclipseSUMMARYFile::readChain() {
     if (newest) rows_ = rowsOf(*summary, 1);
     xSPEC.push_back(std::move(spec));
     xSUMMARY.push_back(std::move(summary));
-    if (NoRestart || xSPEC.size() == mostRuns) break;
+    if (NoRestart || xSPEC.size() == mostRunsOfChain) break;
     spec = earlierRun(*xSPEC.back());
   }
   NumRestart = static_cast<std::int32_t>(xSPEC.size()) - 1;
@@ -216,34 +190,12 @@ std::unique_ptr<qvEclipseSUMMARY> qvEclipseSUMMARYFile::readData(qvEclipseSPEC& 
 
 /// The specification of the run that a run restarted from, read; null where the chain ends.
 std::unique_ptr<qvEclipseSPEC> qvEclipseSUMMARYFile::earlierRun(const qvEclipseSPEC& later) {
-  if (later.zRestartName.empty()) return nullptr;
-  auto spec = findEarlierRun(later.zRestartName, later.zFileName, later.Formatted, *session_);
+  std::vector<std::string> chain;
+  for (const auto& run : xSPEC) chain.push_back(run->zFileName);
+  auto spec = findNextOfChain(chain, later, *session_);
   if (!spec) return nullptr;
-  const bool ring =
-      std::ranges::any_of(xSPEC, [&](const auto& run) { return sameFile(run->zFileName, spec->zFileName); });
-  if (ring) {
-    session_->diagnose({.message = Message::ChainLoop,
-                        .path = later.zFileName,
-                        .keyword = "RESTART",
-                        .occurrence = 1,
-                        .expected = "an earlier run",
-                        .found = spec->zFileName,
-                        .action = "the restart chain ends here"});
-    return nullptr;
-  }
   spec->zOrigin = zOrigin;
   return readSpec(*spec) ? std::move(spec) : nullptr;
-}
-
-ChainRun qvEclipseSUMMARYFile::chainRun(const qvEclipseSPEC& spec, const qvEclipseSUMMARY& summary) const {
-  ChainRun run{.path = spec.zFileName, .vectors = summaryVectors(spec), .start = spec.start()};
-  for (const RowPlace& row : summary.rows()) run.times.push_back(row.first);
-  if (timeIsFirst(spec)) run.timeUnit = spec.text(spec.xVectors.front(), attributeUnits);
-  run.nameWidth = spec.nNameWidth;
-  run.iRestartStep = spec.iRestartStep;
-  const bool limited = iStart >= 0 || iEnd >= 0;
-  if (!limited && !summary.rows().empty()) run.iLastStep = summary.rows().back().iReportStep;
-  return run;
 }
 
 /// What all ways of fetching share: the newest run, then each earlier one. The runs are released whatever the
@@ -266,9 +218,10 @@ bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, AddHea
     const auto spec = std::move(specs[run]);
     const auto summary = std::move(summaries[run]);
     const bool newest = run == 0;
-    qPerforations = qPerforations || holdsPerforations(*spec, byPatterns);
+    auto vectors = summaryVectors(*spec);
+    qPerforations = qPerforations || holdsCompletions(*spec, vectors, byPatterns);
     if (qPerforations && !newest) {
-      reportLeftOut(*session_, *spec);
+      reportRunOmitted(*spec, *session_);
       continue;
     }
     summary->SaveScratchFile = qSave;
@@ -280,7 +233,9 @@ bool qvEclipseSUMMARYFile::fetch(XYData& xyData, ReadHeaders readHeaders, AddHea
       zScratchFile = summary->zScratchFile;
       qMask = spec->getKeyMask();
     }
-    chain.add(chainRun(*spec, *summary));
+    ChainRun known = chainRunOf(*spec, std::move(vectors), summary->rows());
+    if (iStart >= 0 || iEnd >= 0) known.iLastStep = -1;
+    chain.add(std::move(known));
     if (!newest) addHeaders(chain.added());
     const auto rows = rowsOf(*summary, static_cast<std::int32_t>(run) + 1);
     rows_.insert(rows_.begin(), rows.begin(),

@@ -126,7 +126,6 @@ class qvEclipseSUMMARYFile : public FormFlags {
   template <class ReadHeaders, class AddHeaders>
   bool fetch(XYData& xyData, ReadHeaders readHeaders, AddHeaders addHeaders);
   bool assemble(const ChainPlan& plan, std::vector<XYData>& tables, XYData& xyData);
-  ChainRun chainRun(const qvEclipseSPEC& spec, const qvEclipseSUMMARY& summary) const;
   bool getDataUsedForHorizontalWells(ByteTable& bHeaders, XYData& sData, std::vector<float>& sLengths,
                                      std::string& zUnits);
 

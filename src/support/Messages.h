@@ -39,6 +39,9 @@ struct MessageRow {
   ROW(SystemFault, "system.fault", Damage, "operation failed")                                               \
   ROW(Stopped, "stopped", Incomplete, "stopped as requested")                                                \
   ROW(TableRequest, "frame.request", Incomplete, "the request does not match the columns of the table")      \
+  ROW(UnitUnknown, "frame.unit", Remark, "values in an unknown unit are kept as they are")                   \
+  ROW(RunColumn, "frame.run-column", Remark, "not all runs have the same columns")                           \
+  ROW(RunColumnLeftOut, "frame.run-column.left-out", Incomplete, "column of a run does not fit the others")  \
   ROW(RequestMissing, "request.missing", Incomplete, "what was asked for is not there")                      \
   ROW(RequestRefused, "request.refused", Incomplete, "the request cannot be answered")                       \
   ROW(PatternUnmatched, "request.pattern", Remark, "nothing matches a pattern")                              \
@@ -76,6 +79,8 @@ struct MessageRow {
       "record does not have one element for each vector")                                                    \
   ROW(SpecRecordMissing, "summary.spec.missing", Incomplete, "record missing")                               \
   ROW(SpecStartDate, "summary.spec.startdat", Incomplete, "record contains no date")                         \
+  ROW(SummaryNames, "summary.names", Remark, "several vectors have the same name")                           \
+  ROW(SummaryDates, "summary.dates", Remark, "dates of the rows are not known: no start date or no TIME")    \
   ROW(SummaryRowLength, "summary.params.length", Damage, "row does not fit the specification")               \
   ROW(SummaryTimeDecreases, "summary.params.time", Damage, "TIME decreases")                                 \
   ROW(SummaryRowTwice, "summary.params.twice", Damage, "second row for one MINISTEP")                        \

@@ -100,6 +100,10 @@ std::size_t InputFile::readAt(std::uint64_t position, std::span<std::byte> out, 
   return done;
 }
 
+void InputFile::expectSparseReads() const {
+  if (handle_ >= 0) ::posix_fadvise(static_cast<int>(handle_), 0, 0, POSIX_FADV_RANDOM);
+}
+
 OutputFile::OutputFile(const std::string& path, std::string& error) {
   handle_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (handle_ < 0) error = errorText(errno);

@@ -53,6 +53,8 @@ class InputFile {
   /// of the file or at a read error; `error` then states the reason, and is left alone at the end of the
   /// file.
   std::size_t readAt(std::uint64_t position, std::span<std::byte> out, std::string& error) const;
+  /// Tells the system that a few bytes here and there will be read, so that it does not read ahead.
+  void expectSparseReads() const;
 
  private:
   std::intptr_t handle_ = -1;

@@ -1,15 +1,18 @@
-#include "VectorNames.h"
+#include "ColumnNames.h"
 
 #include <string_view>
 #include <unordered_map>
 
 #include <fmt/format.h>
 
-namespace lumbarn::cli {
+#include "../support/Diagnosis.h"
+
+namespace lumbarn {
 
 std::vector<NamedVector> nameVectors(std::span<const SummaryVector> vectors, bool keepDuplicates,
-                                     Console& console) {
+                                     const std::string& path, Session& session) {
   std::vector<NamedVector> named;
+  named.reserve(vectors.size());
   std::unordered_map<std::string_view, int> met;
   std::size_t hidden = 0;
   std::string_view firstHidden;
@@ -24,11 +27,13 @@ std::vector<NamedVector> nameVectors(std::span<const SummaryVector> vectors, boo
     }
   }
   if (hidden > 0) {
-    console.say(
-        fmt::format("{} vector{} left out, as their names occur before ({}{}); --keep-duplicates shows all",
-                    hidden, hidden == 1 ? "" : "s", firstHidden, hidden == 1 ? "" : " and others"));
+    session.diagnose(
+        {.message = Message::SummaryNames,
+         .path = path,
+         .problem = fmt::format("{} vector{} omitted, as their names occur before ({}{})", hidden,
+                                hidden == 1 ? "" : "s", firstHidden, hidden == 1 ? "" : " and others")});
   }
   return named;
 }
 
-}  // namespace lumbarn::cli
+}  // namespace lumbarn
