@@ -19,5 +19,7 @@ void addTables(CommandLine& line);
 void addGrid(CommandLine& line);
 void addRft(CommandLine& line);
 void addIndex(CommandLine& line);
+void addCompare(CommandLine& line);
+void addConvert(CommandLine& line);
 
 }  // namespace lumbarn::cli

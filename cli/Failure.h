@@ -11,6 +11,7 @@ enum ExitStatus : int {
   Unreadable = 1,   ///< the data could not be read, or the output not written
   Usage = 2,        ///< wrong usage, or no such file
   Partial = 3,      ///< the readable part was written, the rest is told on standard error
+  Different = 4,    ///< what was compared differs
   Cancelled = 130,  ///< as shells tell the end by Ctrl-C
 };
 

@@ -11,37 +11,6 @@
 
 namespace lumbarn::cli {
 
-namespace {
-
-void checkArrays(const std::string& path, Session& session) {
-  qvEclipseINIT init(session);
-  init.LoadData = false;
-  bool qOK = init.CheckINITFile(path);
-  if (qOK) init.getEclipseINITArrays(qOK);
-  std::vector<float> values;
-  for (std::int32_t grid = 1; qOK && grid <= init.nGrids(); ++grid) {
-    const auto& info = init.grid(grid);
-    bool numbered = true;  // one array of all cells that is not says what they all would
-    for (std::int32_t array = 1; array <= info.nVectors(); ++array) {
-      if (session.cancelled()) return;
-      // Only arrays of all cells can turn out not to fit.
-      const auto count = info.arrays[static_cast<std::size_t>(array) - 1].header.count;
-      if (!numbered || count == info.nActive) continue;
-      bool qFits = false;
-      init.GetArray(grid, array, false, values, qFits);
-      numbered = qFits || count != info.nCells;
-    }
-  }
-}
-
-}  // namespace
-
-void checkInit(const std::string& path, Session& session, const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  checkArrays(path, session);
-  session.diagnosisSink = shown;
-}
-
 void addInitContent(Facts& facts, const std::string& path, Console& console) {
   qvEclipseINIT init(console.session());
   init.LoadData = false;
@@ -77,31 +46,6 @@ void addInitContent(Facts& facts, const std::string& path, Console& console) {
   Facts tables = Facts::array();
   for (const auto& table : init.xTAB.tables()) tables.push_back(table.zTable);
   facts["tables"] = tables;
-}
-
-void openInit(qvEclipseReader& reader, const RunFamily& run, bool tables, Console& console) {
-  const RunMember* file = run.find(FileKind::Init);
-  if (!file) throw Failure(Usage, run.folder + run.base + ": has no INIT file");
-  reader.FileName = file->path;
-  reader.whichtype = 15;
-  reader.Silent = true;
-  reader.LoadData = false;
-  reader.AcceptDamaged = true;
-  reader.InitTables = tables;
-  bool qOK = false;
-  reader.ECLReadData(qOK);
-  console.checkCancelled();
-  if (!qOK || !reader.Init()) console.giveUp(file->path, "nothing of it can be read");
-}
-
-std::int32_t gridNumber(const qvEclipseINIT& init, const std::string& name) {
-  if (name.empty()) return 1;
-  std::vector<std::string> names;
-  for (std::int32_t grid = 1; grid <= init.nGrids(); ++grid) {
-    if (equalNoCase(init.GridName(grid), name)) return grid;
-    names.push_back(init.GridName(grid));
-  }
-  throw Failure(Usage, fmt::format("no grid \"{}\"; it has {}", name, fmt::join(names, ", ")));
 }
 
 }  // namespace lumbarn::cli

@@ -4,24 +4,12 @@
 
 #include "Console.h"
 #include "Facts.h"
-#include "FileCheck.h"
 #include "files/Families.h"
 #include "reader/qvEclipseReader.h"
 
 namespace lumbarn::cli {
 
-/// Reports arrays, pore volumes and simulation tables of an INIT file that do not fit together.
-void checkInit(const std::string& path, Session& session, const FindingSink& report);
-
 /// Phases, counts of arrays and connections, and simulation tables of an INIT file.
 void addInitContent(Facts& facts, const std::string& path, Console& console);
-
-/// The INIT file of a run, walked and not read, in `reader`. Throws Failure when there is none or nothing of
-/// it can be read.
-void openInit(qvEclipseReader& reader, const RunFamily& run, bool tables, Console& console);
-
-/// The number of the grid that an option names; empty means the global one. Throws Failure, with the grids
-/// that there are.
-std::int32_t gridNumber(const qvEclipseINIT& init, const std::string& name);
 
 }  // namespace lumbarn::cli

@@ -33,14 +33,6 @@ RunFamily findRun(const std::string& argument) {
   askToChoose(argument + " can mean several runs, name one", roots);
 }
 
-std::string oneFile(const std::string& argument) {
-  if (isFile(argument)) return argument;
-  const RunFamily run = findRun(argument);
-  if (const RunMember* member = run.givenMember()) return member->path;
-  if (run.members.size() == 1) return run.members.front().path;
-  askToChoose(argument + " is a run, name one of its files", pathsOf(run));
-}
-
 std::vector<std::string> pathsOf(const RunFamily& run) {
   std::vector<std::string> paths;
   for (const RunMember& member : run.members) paths.push_back(member.path);

@@ -11,10 +11,6 @@ namespace lumbarn::cli {
 /// with the list of runs when several fit.
 RunFamily findRun(const std::string& argument);
 
-/// The one file that an argument means; for a root name or a folder throws Failure with the files to choose
-/// from, unless the run has a single one.
-std::string oneFile(const std::string& argument);
-
 /// The summary specification of a run. Throws Failure when it has none.
 RunMember summarySpecification(const RunFamily& run);
 

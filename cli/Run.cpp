@@ -30,6 +30,8 @@ void addCommands(CommandLine line) {
   addGrid(line);
   addRft(line);
   addIndex(line);
+  addCompare(line);
+  addConvert(line);
 }
 
 /// The subcommand that was given, or the command itself.

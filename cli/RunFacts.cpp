@@ -10,7 +10,6 @@
 #include <nlohmann/json.hpp>
 
 #include "InitFile.h"
-#include "RecordData.h"
 #include "RunIndex.h"
 #include "arrays/ActiveCells.h"
 #include "files/Recogniser.h"
@@ -19,6 +18,7 @@
 #include "index/RestartIndexHeads.h"
 #include "index/SectionTracker.h"
 #include "record/RecordCursor.h"
+#include "run/RecordData.h"
 #include "support/Dates.h"
 #include "support/Text.h"
 #include "vocabulary/Units.h"
@@ -35,7 +35,7 @@ void walk(const RunMember& file, Console& console, const std::function<void(Reco
   try {
     while (cursor->next()) {
       console.checkCancelled();
-      showProgress(*cursor, console);
+      showProgress(*cursor, console.session());
       visit(*cursor);
     }
   } catch (const BadRecord& damage) {

@@ -4,7 +4,7 @@ _lumbarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace --units --unit-row --long -h --help'
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart cells stats wells index grid rft init tables -h --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart cells stats wells index grid rft init tables compare convert -h --help --version' -- "$word")
     return
   fi
   case $before in
@@ -12,7 +12,7 @@ _lumbarn() {
       mapfile -t COMPREPLY < <(compgen -W 'table csv json ndjson grdecl' -- "$word")
       return
       ;;
-    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --cell | --by | --weight | --date | --from | --to | --every | --table | --number)
+    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --cell | --by | --weight | --date | --from | --to | --every | --table | --number | --show | --occurrence | --range | --abs | --rel | --top)
       return
       ;;
   esac
@@ -21,7 +21,8 @@ _lumbarn() {
     cells) options+=' --array --grid --cell --ijk --all --init --step --nth --steps --date --from --to --every' ;;
     stats) options+=' --array --by --weight --grid --init --steps --date --from --to --every' ;;
     index) options='--into --replace -h --help' ;;
-    records) options+=' --stats' ;;
+    records) options+=' --stats --show --occurrence --range' ;;
+    check) options+=' --values' ;;
     vectors) options+=' --keep-duplicates' ;;
     rft) options+=' --well --steps --date --from --to --every --test --rows --plt --branch --icd --segments --all' ;;
     wells) options+=' --step --steps --date --from --to --every --well --grid --no-connections' ;;
@@ -29,6 +30,8 @@ _lumbarn() {
     grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
     init) options+=' --array --grid --cell --ijk --all --flags --nnc' ;;
     tables) options+=' --table --number' ;;
+    compare) options+=' --abs --rel --array --top --overview' ;;
+    convert) options='--formatted --little-endian --array --steps --date --from --to --every -o --output --replace -h --help' ;;
   esac
   if [[ $word == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")

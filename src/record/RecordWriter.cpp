@@ -46,62 +46,117 @@ void putWord(std::vector<std::byte>& bytes, Word word, bool swap) {
 
 }  // namespace
 
+void RecordWriter::begin(std::string_view keyword, std::int64_t count, std::string_view typeWord) {
+  constexpr std::int64_t most = std::int64_t{1} << 31;
+  if (count >= most) header(keyword, -static_cast<std::int32_t>(count / most), "X231");
+  header(keyword, static_cast<std::int32_t>(count % most), typeWord);
+}
+
 /// Cuts the values into blocks, and in a formatted file the blocks into lines.
 template <class T, class Format, class Bytes>
-void RecordWriter::record(std::string_view keyword, std::span<const T> values, std::string_view typeWord,
-                          Format format, Bytes bytes) {
-  header(keyword, static_cast<std::int32_t>(values.size()), typeWord);
-  const auto [type, width] = typeInfo(typeWord);
+void RecordWriter::add(std::span<const T> values, ElementType type, std::int32_t width, Format format,
+                       Bytes bytes) {
   const auto perBlock = static_cast<std::size_t>(elementsPerBlock(type));
   const auto perLine = static_cast<std::size_t>(lineShape(type, width).perLine);
   for (std::size_t at = 0; at < values.size(); at += perBlock) {
     const auto part = values.subspan(at, std::min(perBlock, values.size() - at));
     if (form_.formatted()) {
-      for (std::size_t i = 0; i < part.size(); i += perLine) {
-        std::string text;
-        for (const auto& value : part.subspan(i, std::min(perLine, part.size() - i))) text += format(value);
-        line(text);
+      std::string text;
+      for (std::size_t i = 0; i < part.size(); ++i) {
+        text += format(part[i]);
+        if ((i + 1) % perLine == 0 || i + 1 == part.size()) text += '\n';
       }
+      sink_(std::as_bytes(std::span(text)));
     } else {
       std::vector<std::byte> data;
-      for (const auto& value : part) bytes(data, value);
+      bytes(data, part);
       block(data);
     }
   }
 }
 
+/// Words of 4 or 8 bytes as they are in the file.
+template <class Word>
+void RecordWriter::putWords(std::vector<std::byte>& data, std::span<const Word> words) const {
+  data.resize(words.size_bytes());
+  if (!form_.byteSwap) {
+    std::memcpy(data.data(), words.data(), data.size());
+  } else if constexpr (sizeof(Word) == 4) {
+    copySwapped4(data.data(), words.data(), words.size());
+  } else {
+    copySwapped8(data.data(), words.data(), words.size());
+  }
+}
+
+void RecordWriter::addIntegers(std::span<const std::int32_t> values) {
+  add(
+      values, ElementType::Integer, 4, [](std::int32_t v) { return fmt::format("{:12}", v); },
+      [this](auto& data, auto part) { putWords(data, part); });
+}
+
+void RecordWriter::addShorts(std::span<const std::int32_t> values) {
+  add(
+      values, ElementType::Short, 2, [](std::int32_t v) { return fmt::format("{:12}", v); },
+      [this](auto& data, auto part) {
+        for (const std::int32_t value : part) putWord(data, static_cast<std::int16_t>(value), form_.byteSwap);
+      });
+}
+
+void RecordWriter::addSingles(std::span<const float> values) {
+  add(
+      values, ElementType::Single, 4, [](float v) { return fmt::format("{:>17}", fraction(v, 8, 'E')); },
+      [this](auto& data, auto part) { putWords(data, part); });
+}
+
+void RecordWriter::addDoubles(std::span<const double> values) {
+  add(
+      values, ElementType::Double, 8, [](double v) { return fmt::format("{:>23}", fraction(v, 14, 'D')); },
+      [this](auto& data, auto part) { putWords(data, part); });
+}
+
+void RecordWriter::addLogicals(std::span<const std::int32_t> words) {
+  add(
+      words, ElementType::Logical, 4, [](std::int32_t v) { return std::string(v != 0 ? "  T" : "  F"); },
+      [this](auto& data, auto part) { putWords(data, part); });
+}
+
+void RecordWriter::addTexts(std::span<const std::string> values, std::int32_t width) {
+  const auto size = static_cast<std::size_t>(width);
+  add(
+      values, ElementType::Text, width, [size](const auto& v) { return " '" + cut(v, size) + "'"; },
+      [size](auto& data, auto part) {
+        for (const auto& value : part) {
+          for (const char c : cut(value, size)) data.push_back(static_cast<std::byte>(c));
+        }
+      });
+}
+
 void RecordWriter::integers(std::string_view keyword, std::span<const std::int32_t> values) {
-  record(
-      keyword, values, "INTE", [](std::int32_t v) { return fmt::format("{:12}", v); },
-      [this](auto& data, std::int32_t v) { putWord(data, v, form_.byteSwap); });
+  begin(keyword, static_cast<std::int64_t>(values.size()), "INTE");
+  addIntegers(values);
 }
 
 void RecordWriter::singles(std::string_view keyword, std::span<const float> values) {
-  record(
-      keyword, values, "REAL", [](float v) { return fmt::format("{:>17}", fraction(v, 8, 'E')); },
-      [this](auto& data, float v) { putWord(data, v, form_.byteSwap); });
+  begin(keyword, static_cast<std::int64_t>(values.size()), "REAL");
+  addSingles(values);
 }
 
 void RecordWriter::doubles(std::string_view keyword, std::span<const double> values) {
-  record(
-      keyword, values, "DOUB", [](double v) { return fmt::format("{:>23}", fraction(v, 14, 'D')); },
-      [this](auto& data, double v) { putWord(data, v, form_.byteSwap); });
+  begin(keyword, static_cast<std::int64_t>(values.size()), "DOUB");
+  addDoubles(values);
 }
 
 void RecordWriter::logicals(std::string_view keyword, std::span<const bool> values) {
-  record(
-      keyword, values, "LOGI", [](bool v) { return std::string(v ? "  T" : "  F"); },
-      [this](auto& data, bool v) { putWord(data, std::int32_t{v ? -1 : 0}, form_.byteSwap); });
+  begin(keyword, static_cast<std::int64_t>(values.size()), "LOGI");
+  std::vector<std::int32_t> words;
+  for (const bool value : values) words.push_back(value ? -1 : 0);
+  addLogicals(words);
 }
 
 void RecordWriter::texts(std::string_view keyword, std::span<const std::string> values, int width) {
-  const auto size = static_cast<std::size_t>(width);
-  record(
-      keyword, values, width == 8 ? "CHAR" : fmt::format("C{:03}", width),
-      [size](const std::string& v) { return " '" + cut(v, size) + "'"; },
-      [size](auto& data, const std::string& v) {
-        for (const char c : cut(v, size)) data.push_back(static_cast<std::byte>(c));
-      });
+  begin(keyword, static_cast<std::int64_t>(values.size()),
+        width == 8 ? "CHAR" : fmt::format("C{:03}", width));
+  addTexts(values, width);
 }
 
 void RecordWriter::message(std::string_view keyword) { header(keyword, 0, "MESS"); }

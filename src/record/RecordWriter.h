@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Form.h"
+#include "RecordHeader.h"
 
 namespace lumbarn {
 
@@ -26,6 +27,18 @@ class RecordWriter {
   void logicals(std::string_view keyword, std::span<const bool> values);
   /// CHAR with width 8, C0nn with any other width; texts are cut or padded with blanks.
   void texts(std::string_view keyword, std::span<const std::string> values, int width = 8);
+  /// A record whose data follow in parts, of the type that goes with the word. Parts, other than the last,
+  /// have a multiple of `partUnit` elements.
+  void begin(std::string_view keyword, std::int64_t count, std::string_view typeWord);
+  static constexpr std::int64_t partUnit = 21000;  // whole blocks of 1000 and of 105
+  void addIntegers(std::span<const std::int32_t> values);
+  void addShorts(std::span<const std::int32_t> values);
+  void addSingles(std::span<const float> values);
+  void addDoubles(std::span<const double> values);
+  /// Words as they are; in a formatted file any word but 0 is true.
+  void addLogicals(std::span<const std::int32_t> words);
+  void addTexts(std::span<const std::string> values, std::int32_t width);
+
   /// MESS: a header without data.
   void message(std::string_view keyword);
   /// A header alone, whatever it says; for damaged and unusual files.
@@ -33,8 +46,9 @@ class RecordWriter {
 
  private:
   template <class T, class Format, class Bytes>
-  void record(std::string_view keyword, std::span<const T> values, std::string_view typeWord, Format format,
-              Bytes bytes);
+  void add(std::span<const T> values, ElementType type, std::int32_t width, Format format, Bytes bytes);
+  template <class Word>
+  void putWords(std::vector<std::byte>& data, std::span<const Word> words) const;
   void block(std::span<const std::byte> data);
   void line(std::string text);
 

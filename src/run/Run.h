@@ -53,6 +53,23 @@ class Run {
   /// The steps of the restart files, in the order of the files.
   std::vector<StepInfo> steps(const ReadOptions& options = {}) const;
 
+  /// The simulation tables of the INIT file: `table`, `number` among those of that name, `rows`, and
+  /// `columns` with their units.
+  Stream tables(const ReadOptions& options = {}) const;
+  /// One table as a deck has it: a column for each of its own, with its unit, in the units of the run. Throws
+  /// Error NotFound for a table that is not there, with similar names.
+  Stream table(const std::string& name, std::int32_t number = 1, const ReadOptions& options = {}) const;
+  /// What the run models: `flag` and `value`, as the INIT file states it for a grid. Throws Error NotFound
+  /// for a grid that is not there.
+  Stream flags(const std::string& grid = {}, const ReadOptions& options = {}) const;
+  /// The arrays of connections between cells that are no neighbours: `grid`, `kind`, `array`, `type`,
+  /// `count`, `unit`, `min`, `max`. Of all grids if `grid` is empty.
+  Stream nncArrays(const std::string& grid = {}, const ReadOptions& options = {}) const;
+  /// Their values: `connection` from 1, `i1,j1,k1,i2,j2,k2` of the two cells where all are within the grid
+  /// and the grid file tells them, and a column for each array, null behind its last connection. Throws Error
+  /// NotFound when no array is chosen.
+  Stream nnc(const NncSelection& selection = {}, const ReadOptions& options = {}) const;
+
   /// The grids, or the one with a name:
   /// `name,parent,type,nx,ny,nz,active,refined,connections,units,x_min,x_max,y_min,
   /// y_max,z_min,z_max,map_axes`. Extents are in the unit of length of the file; of a radial grid they are
@@ -129,6 +146,7 @@ class Run {
 
   explicit Run(std::shared_ptr<const RunState> state) : state_(std::move(state)) {}
   const RunState& state() const { return *state_; }
+  const std::shared_ptr<const RunState>& sharedState() const { return state_; }
 
  private:
   std::shared_ptr<const RunState> state_;

@@ -56,6 +56,37 @@ struct CellBox {
   std::array<std::int32_t, 3> to{};
 };
 
+/// Connections between cells that are no neighbours, of one grid.
+struct NncSelection {
+  std::vector<std::string> arrays{};  ///< patterns; empty: all
+  std::string grid{};                 ///< empty or ROOT: the global one
+};
+
+/// The form in which a file of records is written, and what of it.
+struct Conversion {
+  bool formatted = false;
+  bool littleEndian = false;          ///< of a file that is not formatted
+  TimeSelection time{};               ///< steps of a restart file
+  std::vector<std::string> arrays{};  ///< patterns; arrays of cells that match none are left out
+};
+
+/// What to compare, and what counts as a difference: numbers that are farther apart than both tolerances.
+struct Comparison {
+  std::vector<std::string> keywords{};  ///< of records, patterns; empty: all
+  double absolute = 0;
+  double relative = 0;   ///< of the larger number of the two
+  std::size_t top = 20;  ///< how many of the largest differences are given
+};
+
+/// Elements of records of one file.
+struct RecordSelection {
+  std::string file{};
+  std::vector<std::string> keywords{};  ///< patterns
+  std::int64_t occurrence = 0;          ///< of each keyword, from 1; 0: all
+  std::int64_t first = 1;               ///< element, from 1
+  std::int64_t last = -1;               ///< -1: to the end
+};
+
 /// A cell or a box as "12,8,4" or "1:16,8,1:5". Throws Error BadRequest.
 CellBox parseCells(std::string_view text);
 

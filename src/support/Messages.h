@@ -48,6 +48,9 @@ struct MessageRow {
   ROW(RunMissing, "run.missing", Incomplete, "no such file or run")                                          \
   ROW(RunSeveral, "run.several", Incomplete, "the path can mean several runs")                               \
   ROW(RunFileMissing, "run.file", Incomplete, "the run has no file of this type")                            \
+  ROW(CompareMissing, "compare.missing", Remark, "only one of the two has it")                               \
+  ROW(CompareSize, "compare.size", Remark, "the two are of different size")                                  \
+  ROW(ConvertReadBack, "convert.read-back", Damage, "what was written does not read back the same")          \
   /* files */                                                                                                \
   ROW(FolderList, "files.folder", Damage, "folder cannot be listed")                                         \
   ROW(FilesBothSets, "files.both", Remark, "the run has a unified file and step files")                      \

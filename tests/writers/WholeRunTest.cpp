@@ -314,7 +314,7 @@ TEST_P(WholeRun, CommandShowsTheSameValues) {
   EXPECT_THAT(numbers(one), ElementsAreArray({rows[0][0], rows[1][0]}));
   // A remark each where step files are left over and where cells are omitted; neither is a fault.
   const int findings = int{writer_.running} + int{writer_.leftovers} + int{writer_.omitsInactive};
-  EXPECT_THAT(csv({"check"}, run_.root(), ending), SizeIs(1 + findings));
+  EXPECT_THAT(csv({"check", "--values"}, run_.root(), ending), SizeIs(1 + findings));
 
   const auto steps = model_.restartSteps();
   for (const bool local : {false, true}) {

@@ -5,19 +5,13 @@
 
 #include <fmt/format.h>
 
+#include "../files/Recogniser.h"
+#include "../record/RecordCursor.h"
+#include "../support/Session.h"
+#include "ContentCheck.h"
 #include "RecordData.h"
-#include "RunIndex.h"
-#include "files/Recogniser.h"
-#include "grid/qvGRIDReader.h"
-#include "index/RestartIndex.h"
-#include "index/RestartIndexAgreement.h"
-#include "index/qvEclipseINSPEC.h"
-#include "reader/qvEclipseReader.h"
-#include "restart/qvEclipseSAVE.h"
-#include "summary/RestartChain.h"
-#include "summary/qvEclipseSPEC.h"
 
-namespace lumbarn::cli {
+namespace lumbarn {
 namespace {
 
 /// The table of keyword types for files of a kind.
@@ -54,16 +48,16 @@ struct OrderRule {
 
 class Walk {
  public:
-  Walk(RecordCursor& cursor, bool summary, std::optional<std::int64_t> vectors, Console& console,
+  Walk(RecordCursor& cursor, bool summary, const CheckRequest& request, Session& session,
        const FindingSink& report)
-      : cursor_(cursor), summary_(summary), vectors_(vectors), console_(console), report_(report) {}
+      : cursor_(cursor), summary_(summary), request_(request), session_(session), report_(report) {}
 
   void walk() {
     while (next()) {
-      console_.checkCancelled();
+      if (session_.yield()) throw LoadCanceled();
       ++records_;
       checkRecord();
-      showProgress(cursor_, console_);
+      if (records_ % 256 == 0 || request_.values) showProgress(cursor_, session_);
     }
     if (openMinistep_) {
       add({.message = Message::SummaryRowOrder,
@@ -80,23 +74,18 @@ class Walk {
  private:
   /// Moves to the next record, over damage where there is one behind it.
   bool next() {
-    while (true) {
-      try {
-        return cursor_.next();
-      } catch (BadRecord& damage) {
-        openMinistep_ = false;  // what becomes of the row is part of this damage
-        const bool more =
-            continueBehind(cursor_, damage.diagnosis(), fmt::format("stopped behind {} records", records_));
-        const std::string action = damage.diagnosis().action;
-        add(std::move(damage.diagnosis()), action);
-        if (!more) return false;
-      }
-    }
+    return nextRecord(
+        cursor_, [&] { return fmt::format("stopped behind {} records", records_); },
+        [&](Diagnosis& damage) {
+          openMinistep_ = false;  // what becomes of the row is part of this damage
+          const std::string action = damage.action;
+          add(std::move(damage), action);
+        });
   }
 
   void checkRecord() {
     try {
-      readExtremes(cursor_, console_);
+      if (request_.values) readExtremes(cursor_, session_);
       checkOrder(sequence_);
       if (summary_) checkTime();
     } catch (const BadRecord& damage) {
@@ -120,8 +109,8 @@ class Walk {
     const RecordHeader& header = cursor_.header();
     if (header.keyword == "PARAMS") {
       if (!openMinistep_) addHere("summary row without a number", "MINISTEP before it", "");
-      if (vectors_ && header.count != *vectors_) {
-        addHere("summary row does not fit its specification", fmt::format("{} values", *vectors_),
+      if (request_.vectors && header.count != *request_.vectors) {
+        addHere("summary row does not fit its specification", fmt::format("{} values", *request_.vectors),
                 fmt::format("{}", header.count));
       }
       openMinistep_ = false;
@@ -162,8 +151,8 @@ class Walk {
 
   RecordCursor& cursor_;
   bool summary_;
-  std::optional<std::int64_t> vectors_;
-  Console& console_;
+  const CheckRequest& request_;
+  Session& session_;
   const FindingSink& report_;
   std::int64_t records_ = 0;
   bool openMinistep_ = false;
@@ -174,7 +163,7 @@ class Walk {
 
 }  // namespace
 
-FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, Console& console,
+FileCheck checkFile(const RunMember& file, const CheckRequest& request, Session& session,
                     const FindingSink& report) {
   FileCheck result;
   const FindingSink count = [&](Diagnosis finding) {
@@ -183,7 +172,7 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
   };
   const Recognised recognised = recogniseFile(file.path);
   if (recognised.kind == FileKind::UserRft || recognised.kind == FileKind::UserPlt) {
-    const auto tests = checkWellTests(file.path, recognised.kind, console.session(), count);
+    const auto tests = checkWellTests(file.path, recognised.kind, session, count);
     result.readable = tests.has_value();
     result.records = tests.value_or(0);
     result.unit = "test";
@@ -205,91 +194,12 @@ FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, 
            .expected = std::string(nameOf(file.kind)),
            .found = std::string(nameOf(recognised.kind))});
   }
-  cursor->attach(console.session(), recordFileOf(file.kind));
-  Walk walk(*cursor, file.kind == FileKind::Summary, vectors, console, count);
+  cursor->attach(session, recordFileOf(file.kind));
+  Walk walk(*cursor, file.kind == FileKind::Summary, request, session, count);
   walk.walk();
   result.records = walk.records();
   result.readable = result.records > 0;
   return result;
 }
 
-void checkGrid(const RunMember& file, Session& session, const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  qvGRIDReader reader(session);
-  bool qOK = false;
-  if (file.kind == FileKind::EGrid && reader.CheckEGRIDFile(file.path)) {
-    reader.ReadEclipseEGridFile(qOK);
-  } else if (file.kind == FileKind::Grid && reader.CheckGRIDFile(file.path)) {
-    reader.ReadEclipseGridFile(qOK);
-  }
-  session.diagnosisSink = shown;
-}
-
-void checkSave(const RunMember& file, Session& session, const FindingSink& report) {
-  // What is wrong is reported as a finding; the fault report of the same would only repeat it.
-  const auto reporter = std::exchange(session.faultReporter, {});
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  qvEclipseSAVE save(session);
-  bool qOK = false;
-  if (save.CheckSAVEFile(file.path)) {
-    save.SetMultList(1, {file.path}, qOK);
-    save.getSAVEData(qOK);
-  }
-  session.diagnosisSink = shown;
-  session.faultReporter = reporter;
-}
-
-std::optional<std::int64_t> checkSpecification(const RunMember& file, Session& session,
-                                               const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  qvEclipseSPEC spec(session);
-  bool qOK = false;
-  if (spec.CheckSPECFile(file.path)) spec.ReadEclipseSPECFile(qOK);
-  if (qOK && !spec.zRestartName.empty())
-    findEarlierRun(spec.zRestartName, file.path, spec.Formatted, session);
-  session.diagnosisSink = shown;
-  if (!qOK) return std::nullopt;
-  return spec.nVectors;
-}
-
-std::optional<std::int64_t> checkWellTests(const std::string& path, FileKind kind, Session& session,
-                                           const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  const auto said = std::exchange(session.faultReporter, nullptr);  // faults come as diagnoses too
-  qvEclipseReader reader(session);
-  reader.FileName = path;
-  reader.whichtype = whichtypeOf(kind);
-  bool qOK = false;
-  reader.ECLReadData(qOK);
-  session.faultReporter = said;
-  session.diagnosisSink = shown;
-  if (!qOK) return std::nullopt;
-  return kind == FileKind::Rft ? reader.NumberRFTTests() : reader.NumberUserTests();
-}
-
-void checkSteps(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, nullptr);
-  const auto files = restartFiles(run, session);
-  std::vector<std::string> walked = {file.path};
-  // The last step of a set must have what the one before it has.
-  if (files.size() > 1 && files.back() == file.path) walked.insert(walked.begin(), files[files.size() - 2]);
-  session.diagnosisSink = [&](const Diagnosis& finding) {
-    if (finding.path == file.path) report(finding);
-  };
-  walkRestart(session, walked);
-  session.diagnosisSink = shown;
-}
-
-void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report) {
-  const bool init = file.kind == FileKind::Inspec;
-  if (!run.find(init ? FileKind::Init : FileKind::Restart)) return;
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  if (init) {
-    indexOfInit(session, run.find(FileKind::Init)->path, file.path);
-  } else {
-    indexOfRestart(session, restartFiles(run, session), file.path);
-  }
-  session.diagnosisSink = shown;
-}
-
-}  // namespace lumbarn::cli
+}  // namespace lumbarn

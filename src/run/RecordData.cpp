@@ -1,24 +1,27 @@
 #include "RecordData.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <vector>
 
 #include <fmt/format.h>
 
-namespace lumbarn::cli {
-namespace {
+#include "../files/Recogniser.h"
+#include "../frame/NumberText.h"
+#include "../support/Session.h"
 
-constexpr std::int64_t partElements = std::int64_t{1} << 18;
+namespace lumbarn {
+namespace {
 
 /// Gives the record's elements to `use` in parts; an element is `width` items of the array.
 template <class Item, class Read, class Use>
-void readParts(RecordCursor& cursor, Console& console, std::size_t width, Read read, Use use) {
+void readParts(RecordCursor& cursor, Session& session, std::size_t width, Read read, Use use) {
   const std::int64_t count = cursor.header().count;
   std::vector<Item> part(static_cast<std::size_t>(std::min(count, partElements)) * width);
   for (std::int64_t first = 0; first < count; first += partElements) {
-    console.checkCancelled();
+    if (session.yield()) throw LoadCanceled();
     const auto items = static_cast<std::size_t>(std::min(count - first, partElements)) * width;
     const std::span<Item> now(part.data(), items);
     read(now, first);
@@ -27,13 +30,13 @@ void readParts(RecordCursor& cursor, Console& console, std::size_t width, Read r
 }
 
 template <class Number>
-std::optional<Extremes> extremes(RecordCursor& cursor, Console& console) {
+std::optional<Extremes> extremes(RecordCursor& cursor, Session& session) {
   // Values that are not numbers compare as false, so they never get in.
   double smallest = std::numeric_limits<double>::infinity();
   double largest = -smallest;
   bool any = false;
   readParts<Number>(
-      cursor, console, 1, [&](std::span<Number> out, std::int64_t first) { cursor.read(out, first); },
+      cursor, session, 1, [&](std::span<Number> out, std::int64_t first) { cursor.read(out, first); },
       [&](std::span<const Number> part) {
         for (const Number value : part) {
           const auto number = static_cast<double>(value);
@@ -49,24 +52,24 @@ std::optional<Extremes> extremes(RecordCursor& cursor, Console& console) {
 
 }  // namespace
 
-std::optional<Extremes> readExtremes(RecordCursor& cursor, Console& console) {
+std::optional<Extremes> readExtremes(RecordCursor& cursor, Session& session) {
   const auto ignore = [](const auto&) {};
   switch (cursor.header().type) {
     case ElementType::Integer:
     case ElementType::Short:
-      return extremes<std::int32_t>(cursor, console);
+      return extremes<std::int32_t>(cursor, session);
     case ElementType::Single:
-      return extremes<float>(cursor, console);
+      return extremes<float>(cursor, session);
     case ElementType::Double:
-      return extremes<double>(cursor, console);
+      return extremes<double>(cursor, session);
     case ElementType::Logical:
       readParts<std::int16_t>(
-          cursor, console, 1,
+          cursor, session, 1,
           [&](std::span<std::int16_t> out, std::int64_t first) { cursor.readLogicals(out, first); }, ignore);
       break;
     case ElementType::Text:
       readParts<char>(
-          cursor, console, static_cast<std::size_t>(cursor.header().width),
+          cursor, session, static_cast<std::size_t>(cursor.header().width),
           [&](std::span<char> out, std::int64_t first) { cursor.readText(out, first); }, ignore);
       break;
     default:
@@ -88,9 +91,29 @@ bool continueBehind(RecordCursor& cursor, Diagnosis& damage, std::string otherwi
   }
 }
 
-void showProgress(const RecordCursor& cursor, Console& console) {
+void showProgress(const RecordCursor& cursor, Session& session) {
   const auto size = static_cast<double>(cursor.fileSize());
-  if (size > 0) console.progress().fraction(static_cast<double>(cursor.nextPosition()) / size);
+  if (size > 0 && session.Container)
+    session.Container->fraction(static_cast<double>(cursor.nextPosition()) / size);
 }
 
-}  // namespace lumbarn::cli
+double sameDigits(float value) {
+  const NumberText text(value, false);
+  double wide = value;
+  std::from_chars(text.view().data(), text.view().data() + text.view().size(), wide);
+  return wide;
+}
+
+std::unique_ptr<RecordCursor> openRecordFile(const std::string& path) {
+  std::string why;
+  if (auto cursor = openRecords(path, why)) return cursor;
+  const Recognised found = recogniseFile(path);
+  throw BadRecord(found.problem.value_or(Diagnosis{.message = Message::FileType,
+                                                   .path = path,
+                                                   .problem = "not a record file",
+                                                   .offset = 0,
+                                                   .expected = "a record header",
+                                                   .found = std::string(nameOf(found.kind))}));
+}
+
+}  // namespace lumbarn

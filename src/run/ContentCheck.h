@@ -1,33 +1,18 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 
-#include "Console.h"
-#include "files/Families.h"
-#include "record/RecordCursor.h"
+#include "../files/Families.h"
+#include "FileCheck.h"
 
-namespace lumbarn::cli {
+namespace lumbarn {
 
-using FindingSink = std::function<void(Diagnosis)>;
+// What the records of a sound file say: whether it fits together. Each reports what does not.
 
-/// What a walk over a file gives.
-struct FileCheck {
-  bool readable = false;     ///< it is a record file, and its first record is whole
-  std::int64_t records = 0;  ///< whole ones
-  const char* unit = "record";
-  std::int64_t findings = 0;
-};
-
-/// Reads every record of a file with all its data, and reports what is wrong with any. Damage inside of a
-/// record's data lets the walk go on behind it, damage to the headers ends it. Also reports numbers that
-/// should rise and do not: `SEQNUM` of a restart, `SEQHDR` and `MINISTEP` of a summary; rows of a summary
-/// that are not whole or have not `vectors` values. Throws Failure when cancelled.
-/// A text of well tests is read as such, and its tests are counted.
-FileCheck checkFile(const RunMember& file, std::optional<std::int64_t> vectors, Console& console,
-                    const FindingSink& report);
+/// Arrays, pore volumes and simulation tables of an INIT file.
+void checkInit(const std::string& path, Session& session, const FindingSink& report);
 
 /// Reports what keeps a save file whose records are whole from telling its steps.
 void checkSave(const RunMember& file, Session& session, const FindingSink& report);
@@ -49,4 +34,4 @@ void checkSteps(const RunFamily& run, const RunMember& file, Session& session, c
 /// Reports why an index file (RSSPEC, INSPEC) is not that of the run's restart or INIT file, if it has one.
 void checkIndex(const RunFamily& run, const RunMember& file, Session& session, const FindingSink& report);
 
-}  // namespace lumbarn::cli
+}  // namespace lumbarn

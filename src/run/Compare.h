@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "../frame/Stream.h"
+#include "Selections.h"
+
+namespace lumbarn {
+
+/// In what two files or runs differ.
+struct Differences {
+  /// One row for each name that was compared: `kind`, `name`, `count` of the values, `different` of them,
+  /// `max` and `mean` of their absolute differences.
+  Batch overview;
+  /// The largest differences, the largest first: `kind`, `name`, `step`, `date`, `place`, `a`, `b`, `abs`,
+  /// `rel`. `a` and `b` are numbers, or texts if a text is among them.
+  Batch largest;
+  bool equal = true;  ///< nothing differs by more than the tolerance, and nothing is missing on either side
+};
+
+/// Compares two files of records record by record: those of one keyword in their order. What only one of them
+/// has and records of different size are reported as remarks, and make them unequal. Throws Error NotFound,
+/// Damaged when one cannot be read, BadRequest for files of different types or without anything to compare.
+Differences compareFiles(const std::string& a, const std::string& b, const Comparison& comparison = {},
+                         const ReadOptions& options = {});
+
+}  // namespace lumbarn
