@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "Commands.h"
+#include "Completion.h"
 #include "ManPage.h"
 #include "frame/Error.h"
 #include "support/Closest.h"
@@ -121,6 +122,10 @@ int run(std::span<const std::string> args, std::ostream& out, std::ostream& err,
   app.require_subcommand(0, 1);
   Action chosen;
   addCommands({app, chosen});
+  if (!args.empty() && args[0] == "__complete") {
+    complete(app, args.subspan(1), out);
+    return Done;
+  }
   if (args.size() == 1 && args[0] == "__man") {
     writeManPage(app, out);
     return Done;

@@ -1,44 +1,21 @@
-# Completion of the lumbarn command for bash.
+# Completion of the lumbarn command for bash. The command itself tells what can follow.
 
 _lumbarn() {
-  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options='--format -o --output --replace --units --unit-row --long -h --help'
+  local line=${COMP_LINE:0:COMP_POINT} words=() word found prefix
+  read -ra words <<<"$line"
+  [[ $line == *' ' ]] && words+=('')
+  word=${words[-1]}
+  mapfile -t found < <("${words[0]}" __complete "${words[@]:1}" 2>/dev/null)
   COMPREPLY=()
-  if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'info records check vectors summary restart cells stats wells index grid rft init tables compare convert -h --help --version' -- "$word")
+  if [[ ${found[0]} == :files ]]; then
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "${COMP_WORDS[COMP_CWORD]}")
     return
   fi
-  case $before in
-    --format)
-      mapfile -t COMPREPLY < <(compgen -W 'table csv json ndjson grdecl' -- "$word")
-      return
-      ;;
-    --vectors | --except | --steps | --test | --branch | --icd | --grid | --array | --step | --nth | --cell | --by | --weight | --date | --from | --to | --every | --table | --number | --show | --occurrence | --range | --abs | --rel | --top)
-      return
-      ;;
-  esac
-  case ${COMP_WORDS[1]} in
-    restart) options+=' --array --grid --cell --ijk --all --step --nth --steps --date --from --to --every' ;;
-    cells) options+=' --array --grid --cell --ijk --all --init --step --nth --steps --date --from --to --every' ;;
-    stats) options+=' --array --by --weight --grid --init --steps --date --from --to --every' ;;
-    index) options='--into --replace -h --help' ;;
-    records) options+=' --stats --show --occurrence --range' ;;
-    check) options+=' --values' ;;
-    vectors) options+=' --keep-duplicates' ;;
-    rft) options+=' --well --steps --date --from --to --every --test --rows --plt --branch --icd --segments --all' ;;
-    wells) options+=' --step --steps --date --from --to --every --well --grid --no-connections' ;;
-    summary) options+=' --vectors --except --steps --restart --report-steps --dates --keep-duplicates' ;;
-    grid) options+=' --grid --corners --vtk --array --step --z-up' ;;
-    init) options+=' --array --grid --cell --ijk --all --flags --nnc' ;;
-    tables) options+=' --table --number' ;;
-    compare) options+=' --abs --rel --array --top --overview' ;;
-    convert) options='--formatted --little-endian --array --steps --date --from --to --every -o --output --replace -h --help' ;;
-  esac
-  if [[ $word == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
-  else
-    compopt -o filenames 2>/dev/null
-    mapfile -t COMPREPLY < <(compgen -f -- "$word")
-  fi
+  # The shell takes what precedes the last colon of a name as a word of its own.
+  prefix=
+  [[ $word == *:* && $COMP_WORDBREAKS == *:* ]] && prefix=${word%"${word##*:}"}
+  COMPREPLY=("${found[@]#"$prefix"}")
 }
 
 complete -F _lumbarn lumbarn

@@ -109,6 +109,46 @@ TEST_F(Run, HelpAndManPageTellEveryOptionWithAnExample) {
   EXPECT_GE(subcommands, 12U);
 }
 
+/// What a shell shows when Tab is pressed behind a line.
+std::vector<std::string> tab(const std::string& shell, const std::string& line) {
+  const std::string scripts = examplePath("/../cli/completions/");
+  const std::string bash = "source " + scripts +
+                           "lumbarn.bash; COMP_LINE=\"$1\"; COMP_POINT=${#1}; compopt() { :; }; "
+                           "COMP_WORDS=($1); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _lumbarn; "
+                           "printf '%s\\n' \"${COMPREPLY[@]}\"";
+  const std::string zsh =
+      "words=(${(s: :)1}); [[ $1 == *' ' ]] && words+=(''); CURRENT=$#words; "
+      "_files() { print -- :files }; compadd() { shift 3; print -l -- \"$@\" }; source " +
+      scripts + "_lumbarn";
+  const test::TemporaryFolder folder;
+  store(folder.file("script"), shell == "bash" ? bash : zsh);
+  const std::string call = shell + (shell == "bash" ? " --norc " : " -f ") + folder.file("script") + " '" +
+                           line + "' > " + folder.file("out") + " 2>&1";
+  EXPECT_EQ(std::system(call.c_str()), 0) << content(folder.file("out"));
+  std::istringstream out(content(folder.file("out")));
+  std::vector<std::string> words;
+  for (std::string word; std::getline(out, word);) words.push_back(word);
+  return words;
+}
+
+TEST_F(Run, ShellsCompleteWhatTheRunHas) {
+  const std::string name = LUMBARN_COMMAND;
+  const std::string hollin = sample("HOLLIN");
+  for (const std::string shell : {"bash", "zsh"}) {
+    if (std::system(("command -v " + shell + " > /dev/null").c_str()) != 0) continue;
+    SCOPED_TRACE(shell);
+    EXPECT_THAT(tab(shell, name + " sum"), ElementsAre("summary"));
+    EXPECT_THAT(tab(shell, name + " summary --rep"), ElementsAre("--report-steps", "--replace"));
+    EXPECT_THAT(tab(shell, name + " summary " + hollin + " --vectors FOPR,wbhp:p"),
+                shell == "bash" ? ElementsAre("P1", "P2") : ElementsAre("FOPR,WBHP:P1", "FOPR,WBHP:P2"));
+    EXPECT_THAT(tab(shell, name + " restart " + hollin + " --array PR"), ElementsAre("PRESSURE"));
+    EXPECT_THAT(tab(shell, name + " wells " + hollin + " --well P"), ElementsAre("P1", "P2"));
+    EXPECT_THAT(tab(shell, name + " summary " + hollin + " --steps 1"),
+                ElementsAre("1", "10", "11", "12", "13"));
+    EXPECT_THAT(tab(shell, name + " rft --format "), ::testing::Contains("csv"));
+  }
+}
+
 /// Every writer's run and each of its files, in the words of the model.
 TEST_F(Run, InfoHasTheFactsOfEveryWriter) {
   for (const auto& writer : test::everyWriter) {
