@@ -49,7 +49,7 @@ struct StepRecords {
   StepRecords& local(const char* name, std::int32_t number = 99) {
     out.texts("LGR", std::array<std::string, 1>{name});
     head(number).open(2).end();
-    out.message("ENDLGR");
+    out.integers("ENDLGR", std::array{1});  // as some writers have it, others have no data
     return *this;
   }
   StepRecords& solution(float value = 1) { return open(value).end(); }
