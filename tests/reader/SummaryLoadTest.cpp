@@ -124,6 +124,21 @@ TEST_F(SummaryFiles, StepFilesOfARun) {
   }
 }
 
+TEST_F(SummaryFiles, AStepFileThatChangesBeforeItsValuesAreReadIsReported) {
+  struct Writer : Progress {
+    void fileDone() override {
+      if (--left == 0) fs::last_write_time(path, fs::last_write_time(path) + std::chrono::milliseconds(5));
+    }
+    int left = 3;
+    std::string path;
+  } writer;
+  SummaryLoad load(smallRun().write(folder_, "SET", bigEndian, false));
+  writer.path = folder_.file("SET.S0001");
+  load.session.Container = &writer;
+  EXPECT_FALSE(load.run());
+  EXPECT_EQ(load.lastDiagnosis().message, Message::FileChanged);
+}
+
 TEST_F(SummaryFiles, DamageWithinARowLeavesTheOtherFiles) {
   SummaryBuilder run;
   for (int i = 0; i < 1100; ++i) run.vectors.push_back({i == 0 ? "TIME" : "FOPR"});
