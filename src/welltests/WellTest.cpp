@@ -96,7 +96,13 @@ std::string WellTest::unit(std::string_view name) const {
 
 std::unique_ptr<WellTestReader> WellTestReader::open(const std::string& path, Session& session) {
   std::string why;
-  auto records = openWalk(path, why);
+  std::unique_ptr<RecordWalk> records;
+  try {
+    records = openWalk(path, why);
+  } catch (BadRecord& failure) {
+    session.diagnose(std::move(failure.diagnosis()));
+    return nullptr;
+  }
   if (!records) {
     session.diagnose(Diagnosis{.message = Message::FileOpen, .path = path, .problem = why});
     return nullptr;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "VtkExport.h"
+#include "VtkWriter.h"
 #include "grid/GridBlocks.h"
 #include "grid/GridLoad.h"
 #include "grid/RadialGrid.h"
@@ -77,11 +78,13 @@ TEST_F(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
   const CellArray good = numbered("A", false);
   const std::vector<CellArray> failures[] = {
       {good, {.name = "BROKEN", .read = broken}}, {good, good}, {{.name = "SLOW", .read = canceling}, good}};
+  ::testing::internal::CaptureStderr();
   for (const auto& arrays : failures) {
     EXPECT_FALSE(write(grid, arrays));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.file("")), {}), 1);
     EXPECT_EQ(std::filesystem::file_size(path), 6);
   }
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
   ASSERT_EQ(session.diagnoses().size(), 2);  // nothing is wrong when it is cancelled
   EXPECT_EQ(session.diagnoses()[0].path, "RUN.INIT");
   EXPECT_THAT(session.diagnoses()[1].text(), HasSubstr(path + ": cannot be written"));
@@ -93,6 +96,45 @@ TEST_F(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
     EXPECT_FALSE(write(grid));
     ASSERT_FALSE(session.diagnoses().empty());
     EXPECT_THAT(session.diagnoses().back().text(), HasSubstr(impossible + ": cannot be written"));
+  }
+}
+
+/// Keeps a file in memory; its n-th write fails.
+class FailingStorage : public hdf::Storage {
+ public:
+  explicit FailingStorage(int failAt) : failAt_(failAt) {}
+  bool writeAt(std::uint64_t position, std::span<const std::byte> bytes) noexcept override {
+    bytes_.resize(std::max(bytes_.size(), static_cast<std::size_t>(position) + bytes.size()));
+    std::ranges::copy(bytes, bytes_.begin() + static_cast<std::ptrdiff_t>(position));
+    return ++writes_ != failAt_;
+  }
+  bool readAt(std::uint64_t position, std::span<std::byte> out) noexcept override {
+    for (std::size_t i = 0; i < out.size(); ++i)
+      out[i] = position + i < bytes_.size() ? bytes_[position + i] : std::byte{0};
+    return true;
+  }
+  std::string error() const override { return "No space left on device"; }
+  bool failed() const { return writes_ >= failAt_; }
+
+ private:
+  std::vector<std::byte> bytes_;
+  int writes_ = 0;
+  int failAt_;
+};
+
+TEST_F(VtkExport, AnyWriteThatFailsIsReported) {
+  const auto grids = gridsOf({});
+  bool told = true;
+  for (int n = 1; told; ++n) {
+    FailingStorage storage(n);
+    told = false;
+    try {
+      writeVtk(grids, {}, {}, storage, session);
+      EXPECT_FALSE(storage.failed()) << "write " << n;
+    } catch (const BadRecord& failure) {
+      told = true;
+      EXPECT_THAT(failure.diagnosis().text(), HasSubstr("cannot be written: No space left"));
+    }
   }
 }
 

@@ -81,6 +81,10 @@ TEST(Families, TheGivenFileDecidesBetweenForms) {
     EXPECT_THAT(stepNames(family, Save), IsEmpty());
     EXPECT_EQ(nameIn(family, family.find(Init)), "none");
   }
+  const TemporaryFolder other;
+  other.add({"R.SMSPEC", "R.FSMSPEC", "R.FUNSMRY"});
+  const RunFamily family = run(other.file("R"));
+  EXPECT_EQ(nameIn(family, family.find(SummarySpec)), "R.FSMSPEC") << "that of the data";
 }
 
 TEST(Families, AFileWithAnUntellingNameIsAMemberByItsContent) {

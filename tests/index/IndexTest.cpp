@@ -8,6 +8,7 @@
 #include "index/IndexFile.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
+#include "index/qvEclipseRSSPEC.h"
 #include "support/IndexedRun.h"
 #include "support/ModelRun.h"
 
@@ -74,6 +75,12 @@ TEST_P(IndexOfForm, OfARestartSaysWhatAWalkSays) {
     EXPECT_EQ(step.number, 5);
     EXPECT_EQ(step.days, 5.25);
     EXPECT_EQ(isoText(*step.date), "2003-07-06T06:30:01.5");
+    qvEclipseRSSPEC written(trip.session);
+    bool qOK = false;
+    written.CheckRESTARTFile(folder_.file("R.RSSPEC"), qOK);
+    written.getRSSPECData(qOK);
+    EXPECT_THAT(written.steps.at(2).iTime,
+                ::testing::ElementsAre(5, 6, 7, 2003, -2345, 1, 0, 0, 1, 1, 0, 0, 0));
     ASSERT_EQ(step.groups.size(), 3U);
     EXPECT_EQ(cellArrays(step.groups[0]).size(), 3U) << "the length of ICON is that of the grid by chance";
     EXPECT_EQ(step.groups[2].grid, "NEAR WELL");

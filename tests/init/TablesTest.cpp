@@ -131,6 +131,9 @@ TEST_F(Tables, WithAnOuterIndexOfSeveralRegionsAlternate) {
             "PG=100,100,200 BARSA, RV=0.2,0.1,0.3 SM3/SM3, BG=2,4,5 RM3/SM3, MUG=0.5,0.25,2 CP");
   EXPECT_EQ(shown("PVTG", 2, 1),
             "PG=50,80,80 BARSA, RV=0.6,0.7,0 SM3/SM3, BG=1,8,10 RM3/SM3, MUG=1,0.5,0.1 CP");
+  build(words({{14, 1}, {15, 7}, {16, 2}, {17, 1}, {18, 1}}), {0.2, 0.2, 0.5, 0.5, 1, 1, 100, none}, 4,
+        {.VapourisedOil = true});
+  EXPECT_EQ(shown("PVTG", 1, 1), "PG=100 BARSA, RV=0.2 SM3/SM3, BG=2 RM3/SM3, MUG=0.5 CP");
 }
 
 TEST_F(Tables, TheFifthColumnOfWaterIsMadePhysicalOnlyWithoutDefault) {
@@ -209,6 +212,7 @@ TEST_F(Tables, ThatDoNotLieInTabAreOmitted) {
   build(words({{21, -1}, {22, 3}, {23, 1}, {24, 1}, {25, 0}, {26, 1}}), {1}, 6);
   EXPECT_TRUE(qOK_);  // no start and no rows are no tables
   EXPECT_EQ(tables_.nTables(), 0);
+  EXPECT_EQ(session_.diagnoses().back().message, Message::InitTablesNone);
 }
 
 /// An unused table keeps its dimensions and begins at word 1 of TAB.

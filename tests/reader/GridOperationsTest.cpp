@@ -1,8 +1,10 @@
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 
 #include <gmock/gmock.h>
 
+#include "grid/GridCache.h"
 #include "grid/GridLoad.h"
 #include "support/GridBuilder.h"
 #include "support/Host.h"
@@ -122,6 +124,12 @@ TEST(GridCache, GivesTheSameGridsUntilTheFileOrTheCacheChanges) {
   }
 
   writeFile(cached, whole);
+  qvGRIDReader reader;
+  reader.FileName = run.path;
+  const GridCache late(run.folder.file("late"), reader, first.session);
+  std::filesystem::last_write_time(run.path,
+                                   std::filesystem::last_write_time(cached) + std::chrono::hours(1));
+  EXPECT_FALSE(late.save({})) << "the grid file has changed since it was opened";
   auto changed = run.builder;
   changed.lean = 2;
   const auto time = std::filesystem::last_write_time(run.path);

@@ -151,6 +151,7 @@ TEST(ChainMatching, ByCompleteNames) {
       {"truncated names in the earlier run", producer, north, swapped, Message::ChainNames},
       {"truncated names in the later run", north, producer, swapped, Message::ChainNames},
       {"a truncated name that may be either of two", twice, two, apart, Message::ChainNoValues},
+      {"a truncated name of two vectors", twice, north, apart, Message::ChainNoValues},
       {"a truncated name with two longer ones", producer, two, apart, Message::ChainNoValues},
       {"units that cannot be converted", stb, sm3, {{1, 5}, {0, 3}, {2, 4}}, Message::ChainUnits},
       {"units of time", days, hours, {{1, 5}, {24, 3}, {2, 4}}, {}},

@@ -55,6 +55,7 @@ TEST_F(SummaryFiles, FewOfManyVectorsArePickedOutOfTheirRows) {
     SummaryLoad load(run.write(folder_, "RUN", form));
     load.reader.zOnly = "WOPR:P999,WOPR:P500,WOPR:P1299";
     ASSERT_TRUE(load.run()) << name;
+    EXPECT_EQ(load.reader.nOnly, 3);
     EXPECT_THAT(load.names(), ElementsAre("TIME", "WOPR:P500", "WOPR:P999", "WOPR:P1299"));
     const float first[] = {0, 500, 999, 1299};
     for (std::size_t i = 0; i < 4; ++i)
@@ -123,6 +124,34 @@ TEST_F(SummaryFiles, StepFilesOfARun) {
   }
 }
 
+TEST_F(SummaryFiles, AStepFileThatChangesBeforeItsValuesAreReadIsReported) {
+  struct Writer : Progress {
+    void fileDone() override {
+      if (--left == 0) fs::last_write_time(path, fs::last_write_time(path) + std::chrono::milliseconds(5));
+    }
+    int left = 3;
+    std::string path;
+  } writer;
+  SummaryLoad load(smallRun().write(folder_, "SET", bigEndian, false));
+  writer.path = folder_.file("SET.S0001");
+  load.session.Container = &writer;
+  EXPECT_FALSE(load.run());
+  EXPECT_EQ(load.lastDiagnosis().message, Message::FileChanged);
+}
+
+TEST_F(SummaryFiles, DamageWithinARowLeavesTheOtherFiles) {
+  SummaryBuilder run;
+  for (int i = 0; i < 1100; ++i) run.vectors.push_back({i == 0 ? "TIME" : "FOPR"});
+  for (const float time : {1.0F, 2.0F, 3.0F}) run.rows.push_back({std::vector<float>(1100, time)});
+  SummaryLoad load(run.write(folder_, "WIDE", bigEndian, false));
+  auto bytes = run.steps(bigEndian)[1];
+  bytes[bytes.size() - 409] = std::byte{1};  // of the mark behind the first block
+  writeFile(folder_.file("WIDE.S0002"), bytes);
+  load.reader.AcceptDamaged = true;
+  ASSERT_TRUE(load.run());
+  EXPECT_THAT(load.column(1), ElementsAre(1, 3));
+}
+
 TEST_F(SummaryFiles, AStepFileOlderThanTheOneBeforeItMayBeLeftFromAnEarlierRun) {
   const auto spec = smallRun().write(folder_, "STEPS", bigEndian, false), third = folder_.file("STEPS.S0003");
   for (const int age : {50, 3600}) {  // seconds; files of a copied run differ by less than a minute
@@ -131,6 +160,14 @@ TEST_F(SummaryFiles, AStepFileOlderThanTheOneBeforeItMayBeLeftFromAnEarlierRun) 
     ASSERT_TRUE(load.run());
     EXPECT_EQ(load.table.rows(), 6U);
     EXPECT_EQ(load.lastDiagnosis().path, age == 50 ? "" : third);
+  }
+  smallRun(2).write(folder_, "STEPS", bigEndian);
+  fs::last_write_time(folder_.file("STEPS.UNSMRY"), fs::last_write_time(third) - std::chrono::hours(1));
+  for (const bool asked : {true, false}) {
+    SummaryLoad load(spec);
+    load.reader.Unified = asked;
+    ASSERT_TRUE(load.run());
+    EXPECT_EQ(load.table.rows(), asked ? 2U : 6U) << "all step files are newer";
   }
 }
 
@@ -282,6 +319,29 @@ TEST_F(SummaryFiles, ADialogChoosesAndItsChoiceCanBeRepeatedSilently) {
 
   dialog.accept = false;
   EXPECT_FALSE(load.run());
+}
+
+TEST_F(SummaryFiles, AfterACancelThereIsNothingToFetch) {
+  auto later = smallRun(2, 7);
+  later.restart = "RUN";
+  const auto spec = later.write(folder_, "NEXT", bigEndian);
+  int left = -1;
+  for (int turns = 0; left < 0; ++turns) {  // up to a load that comes to its end
+    Host host(spec, 12);
+    host.reader.NoRestart = false;
+    left = turns;
+    host.session.hostYield = [&] {
+      if (left-- == 0) host.session.CancelLoad = true;
+    };
+    const bool loaded = host.run();
+    EXPECT_EQ(loaded, left >= 0) << turns;
+    host.session.hostYield = nullptr;
+    host.session.CancelLoad = loaded;  // then the first fetch is canceled
+    EXPECT_FALSE(host.fetchSummary());
+    host.session.CancelLoad = false;
+    EXPECT_FALSE(host.fetchSummary());
+    EXPECT_EQ(host.reader.Count(), 0);
+  }
 }
 
 TEST_F(SummaryFiles, FacadeQuirksThatHostsKnow) {

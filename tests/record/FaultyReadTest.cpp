@@ -43,6 +43,13 @@ TEST(FaultyReads, AreNeverTheEndOfAFile) {
   }
 }
 
+TEST(FaultyReads, HaveTheReasonOfTheSystem) {
+  std::string why;
+  std::byte byte{};
+  EXPECT_EQ(InputFile("/proc/self/mem", why).readAt(0, std::span(&byte, 1), why), 0U);
+  EXPECT_EQ(why, "Input/output error");
+}
+
 TEST(FileSource, KnowsWhetherItsFileIsStillTheSame) {
   namespace fs = std::filesystem;
   using namespace std::chrono_literals;

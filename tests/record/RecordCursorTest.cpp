@@ -1,3 +1,4 @@
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -134,6 +135,23 @@ TEST(MarkedRecords, BlocksOfOtherSizesAreFollowedByTheirMarks) {
   EXPECT_FALSE(other.next());
 }
 
+TEST(MarkedRecords, ValuesArePickedBehindTheirMark) {
+  std::vector<std::byte> bytes;
+  RecordWriter(memorySink(bytes), bigEndian).singles("PARAMS", std::vector<float>(2, 0.5F));
+  auto indexed = cursorOver(bytes, bigEndian);
+  const RecordHeader header = next(indexed).header();
+  bytes[27] = std::byte{9};
+  auto rewritten = cursorOver(bytes, bigEndian);
+  rewritten.setCurrent(header, true);
+  std::vector<float> value(1);
+  EXPECT_THROW(rewritten.gather(std::array{1U}, value), BadRecord);
+  Session session;
+  session.CancelLoad = true;
+  auto canceled = cursorOver(bytes, bigEndian);
+  canceled.attach(session, RecordFile::Any);
+  EXPECT_THROW(canceled.next(), LoadCanceled);
+}
+
 /// CR LF, lines of other lengths, fields that touch, odd exponents, no line end at the end.
 TEST(FormattedRecords, WhatOtherWritersPutOnTheLines) {
   auto cursor = cursorOver(bytesOf(" 'PARAMS  '           7 'REAL'\r\n"
@@ -165,7 +183,7 @@ TEST(FormattedRecords, DamageIsNamedWithItsCharacter) {
   const std::pair<std::string, const char*> rows[] = {
       {one, ""},
       // Zeros and long runs of blanks are no part of a file.
-      {one + std::string(10000, '\0'), "(byte 44: "},
+      {one + std::string(100, '\0') + one, "(byte 44: "},
       {one + std::string(10000, ' '), "(byte 44: "},
       {one + std::string(10000, '\n'), "(byte 44: "},
       {" 'A       '           1 'X231'\n" + one, "X231 count is not negative (A, byte 0"},

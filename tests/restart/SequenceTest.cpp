@@ -10,6 +10,7 @@
 #include "index/RestartIndex.h"
 #include "shapes/HeaderLayout.h"
 #include "support/Fault.h"
+#include "support/FaultySource.h"
 #include "support/IndexedRun.h"
 #include "support/RestartBuilder.h"
 #include "support/RestartLoad.h"
@@ -165,6 +166,14 @@ TEST_P(RestartForms, TheLengthOfTheArraysDecidesTheActiveCells) {
   for (const std::int32_t grid : {1, 2}) {
     EXPECT_EQ(loaded.reader.RestartGrid(1, grid)->nActive, 3);
     EXPECT_THAT(loaded.values("rs", 1, grid), ElementsAre(4, 5, 6));
+  }
+  const auto index = walkRestart(loaded.session, std::array{loaded.reader.FileName});
+  EXPECT_EQ(index.steps.at(0).cellsOf("FINE").active, 3);
+  bool met = true;
+  for (int read = 1; met; ++read) {
+    const test::FaultyFiles faults(test::ReadFault::Fails, read);
+    EXPECT_TRUE(!loaded.run() || loaded.values("rs", 1, 2).size() == 3) << read;
+    met = faults.met();
   }
 }
 

@@ -49,7 +49,7 @@ struct StepRecords {
   StepRecords& local(const char* name, std::int32_t number = 99) {
     out.texts("LGR", std::array<std::string, 1>{name});
     head(number).open(2).end();
-    out.message("ENDLGR");
+    out.integers("ENDLGR", std::array{1});  // as some writers have it, others have no data
     return *this;
   }
   StepRecords& solution(float value = 1) { return open(value).end(); }
@@ -70,7 +70,7 @@ const FileCase unifiedFiles[] = {
      [](auto& to) { to.seqnum(0).head(1).solution().step(1); },
      {0, 1}},
     {"header of a local grid has another number", [](auto& to) { to.step(3).local("FINE", 1); }, {3}},
-    {"no SEQNUM", [](auto& to) { to.head(4).solution(); }, {4}},
+    {"no SEQNUM", [](auto& to) { to.head(4).solution().local("FINE", 1); }, {4}},
     {"neither STARTSOL nor ENDSOL", [](auto& to) { to.seqnum(1).head(1).seqnum(2).head(2); }, {1, 2}},
     {"an array before SEQNUM", [](auto& to) { to.array("FOREIGN", 0).step(2); }, {2}},
     {"one step, still without solution", [](auto& to) { to.seqnum(1).head(1); }, {}, 1},
@@ -142,6 +142,7 @@ TEST(StepRules, UnifiedFiles) {
       const auto loaded = load.reader.RestartSteps();
       for (std::size_t i = 0; i < steps.size(); ++i) {
         const auto& step = loaded[i];
+        EXPECT_EQ(step.dTime, index.steps.at(i).days);
         EXPECT_EQ(makeMoment(step.iYear, step.iMonth, step.iDay),
                   std::chrono::floor<std::chrono::days>(*index.steps.at(i).date));
       }
@@ -215,6 +216,7 @@ TEST(StepRules, ArraysBehindALocalGridBelongToTheGlobalOne) {
   Session session;
   const auto index = walkRestart(session, std::array{folder.file("RUN.UNRST")});
   EXPECT_TRUE(index.steps.at(0).find("SWAT") && index.steps.at(0).find("pressure", "fine"));
+  EXPECT_EQ(index.steps[0].groups.at(1).grid, "FINE");
   RestartLoad load(folder.file("RUN.UNRST"));
   ASSERT_TRUE(load.run());
   EXPECT_THAT(load.names(1, 1), ElementsAre("PRESSURE", "SWAT"));
@@ -273,7 +275,8 @@ TEST(StepRules, DataBehindDamageAreFound) {
     met = faults.met();
     EXPECT_EQ(met, std::ranges::any_of(session.diagnoses(),
                                        [](const Diagnosis& diagnosis) {
-                                         return diagnosis.what().starts_with("cannot be read");
+                                         return diagnosis.what().starts_with("cannot be read") &&
+                                                !diagnosis.action.starts_with("skipped");
                                        }))
         << read;
   }

@@ -14,6 +14,7 @@ namespace lumbarn {
 namespace {
 
 using namespace test;
+using ::testing::AllOf;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::Field;
@@ -73,12 +74,17 @@ TEST_F(Profiles, OfInflowAreRunningSumsInOrderOfLength) {
     EXPECT_TRUE(host_.table.empty());
   }
   EXPECT_THAT(host_.faults, SizeIs(3));
-  EXPECT_THAT(host_.session.diagnoses(), Each(Field(&Diagnosis::message, Message::SystemFault)));
+  const auto isFault = AllOf(Field(&Diagnosis::message, Message::SystemFault),
+                             Field(&Diagnosis::path, folder_.file("RUN.SMSPEC")));
+  EXPECT_THAT(host_.session.diagnoses(), AllOf(SizeIs(3), Each(isFault)));
 }
 
 TEST_F(Profiles, ByConnectionKeepTheValuesAndMinistepsCountFrom0) {
-  ASSERT_TRUE(load(horizontalRun(), true));
+  auto run = horizontalRun();
+  run.vectors[0].unit = " HR";
+  ASSERT_TRUE(load(run, true));
   ASSERT_TRUE(fetch(3, false));
+  EXPECT_EQ(std::get<std::string>(host_.source(4)), "1 JAN 2015") << "the unit of TIME, not of the system";
   EXPECT_THAT(host_.column("WLENGTH"), ElementsAre(10, 20, 30));
   EXPECT_THAT(host_.column("WCOFR"), ElementsAre(302, 303, 301));
   EXPECT_EQ(field(2, attributeIndex), "2");

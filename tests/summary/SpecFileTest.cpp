@@ -1,3 +1,4 @@
+#include <array>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "shapes/OnlyList.h"
 #include "summary/SummaryVector.h"
 #include "summary/qvEclipseSPEC.h"
+#include "support/FaultySource.h"
 #include "support/SummaryBuilder.h"
 
 namespace lumbarn {
@@ -38,7 +40,7 @@ const std::vector<Kind> kinds = {
     {{"GOPR", "G1", 0, "SM3/DAY"}, "GROUPS", "G1", "", "GOPR:G1"},
     {{"BPR", "OP_1", 240, "BARSA"}, "BLOCKS", "OP_1", "10 4 3", "BPR:OP_1:10,4,3"},
     {{"BPR", "BLK 240", 240, "BARSA"}, "BLOCKS", "", "10 4 3", "BPR:10,4,3"},
-    {{"RPR", "NORTH", 2, "BARSA"}, "REGIONS", "NORTH", "2", "RPR:NORTH:2"},
+    {{"RPR", "NORTH 12", 2, "BARSA"}, "REGIONS", "NORTH 12", "2", "RPR:NORTH 12:2"},
     {{"AAQR", "AQUIF1", 1, "SM3/DAY"}, "AQUIFERS", "", "1", "AAQR:1"},
     {{"#WSTATH1", "OP_1", 0, ""}, "MISCELLANEOUS", "OP_1", "", "#WSTATH1:OP_1"},
     {{"#FSTATH1", "FIELD", 0, ""}, "MISCELLANEOUS", "", "", "#FSTATH1"},
@@ -122,6 +124,40 @@ TEST_F(SpecFile, EveryKindOfVectorGetsItsClassIndexAndName) {
   EXPECT_EQ(field(headers, 2, attributeVerbose), "Oil production rate");
   const AttributeStore& classes = spec.xStore(attributeClass);
   EXPECT_EQ(classes.useCount(classes.find("WELLS")), 1) << "without the dummy";
+}
+
+TEST_F(SpecFile, InteheadStatesTheUnitSystemWhereUnitsDoNot) {
+  for (const auto& [unit, system] : {std::pair{"DAYS", 4}, {" STB/DAY", 2}}) {
+    SummaryBuilder run;
+    run.intehead = 4;
+    run.vectors = {{"TIME", ":+:+:+:+", 0, unit}};
+    ASSERT_TRUE(read(run.spec(bigEndian)));
+    EXPECT_EQ(spec.iUnitSystem, system) << unit;
+  }
+  bool met = true;  // the second record tells it from a restart file
+  for (int n = 1; met; ++n) {
+    session.clearDiagnoses();
+    const FaultyFiles faults(ReadFault::Fails, n);
+    const bool good = spec.CheckSPECFile(path);
+    met = faults.met();
+    EXPECT_NE(good, met);
+    EXPECT_EQ(session.diagnoses().size(), met ? 1U : 0U);
+  }
+}
+
+TEST_F(SpecFile, RecordsThatAreShortOrMissingAreReportedWithTheirByte) {
+  std::vector<std::byte> bytes;
+  RecordWriter out(memorySink(bytes), bigEndian);
+  out.texts("RESTART", std::vector<std::string>(9));
+  out.texts("KEYWORDS", std::vector<std::string>{"TIME", "FOPR"});
+  const std::size_t at = bytes.size();
+  out.texts("WGNAMES", std::vector<std::string>{"A"});
+  out.integers("STARTDAT", std::array{1, 1, 2015});
+  ASSERT_TRUE(read(bytes));
+  std::vector<std::pair<std::string, std::size_t>> places;
+  for (const auto& one : session.diagnoses()) places.emplace_back(one.keyword, one.offset.value_or(0));
+  EXPECT_THAT(places, ElementsAre(std::pair("WGNAMES", at), std::pair("UNITS", bytes.size()),
+                                  std::pair("NUMS", bytes.size())));
 }
 
 /// Only existing hosts' headers of 24 bytes have 16-bit numbers.

@@ -74,6 +74,11 @@ class SummaryMerge : public ::testing::Test {
 TEST_F(SummaryMerge, PutsEarlierRowsInFrontOrLeavesTheTableAsItWas) {
   merge(bOld, sOld, true);
   EXPECT_TRUE(qOK) << "completion data take no earlier runs";
+  std::vector<std::int32_t> iNew, iMatch;
+  std::int32_t nNew = 0;
+  checkSummaryList(session, headers({{"SOFR", "P1"}}, "SEG"), headers({{"SOFR", "1"}}, "SEGP"), iNew, nNew,
+                   iMatch, qOK);
+  EXPECT_EQ(nNew, 1) << "parts of a header do not run together";
   merge(ByteTable(200, 1), sOld);
   EXPECT_FALSE(qOK) << "headers too short";
   merge(bOld, table(session, {{1, 2}}));
@@ -146,6 +151,11 @@ TEST_F(SummaryMerge, StoreFormCarriesTextsOver) {
   AttributeStores xOld, xMain;
   ByteTable pOld, pMain;
   fill(xOld, pOld, 32, {{"TIME", ""}, {"WWPR", longName}, {"WOPR", "P1"}});
+  fill(xMain, pMain, 8, {{"TIME", ""}, {"WOPRP", "1"}});
+  std::vector<std::int32_t> iNew, iMatch;
+  std::int32_t nNew = 0;
+  checkStoreSummaryList(session, xOld, pOld, xMain, pMain, iNew, nNew, iMatch, qOK);
+  EXPECT_EQ(nNew, 2) << "parts of a name do not run together";
   fill(xMain, pMain, 8, {{"TIME", ""}, {"WOPR", "P1"}});
   sMain = table(session, {{5}, {60}});
   mergeStoreSUMMARYData(session, xOld, pOld, table(session, {{1}, {91}, {7}}), xMain, pMain, sMain, false,

@@ -32,6 +32,7 @@ TEST(PendingFile, FailuresLeaveTheFolderAsItWas) {
   fs::create_directory(folder.file("folder"));
   const auto nothing = [](auto&) {};
   EXPECT_EQ(problemOf(folder.file("folder"), nothing), "cannot be written: is a folder");
+  EXPECT_EQ(problemOf(target, [&](auto&) { PendingFile(target).out(); }), "") << "names are random";
   EXPECT_EQ(problemOf("/dev/null", nothing), "cannot be written: is not a regular file");
   EXPECT_EQ(problemOf(folder.file("none/out"), nothing), "cannot be written: No such file or directory");
   // Writing to a closed file fails as writing to a full disk does.

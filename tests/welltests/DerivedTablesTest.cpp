@@ -220,7 +220,8 @@ TEST(Segments, WhatTheFileLacksStaysNull) {
   EXPECT_EQ(run.column("SEGORATS"), (Singles{-999, -999}));  // not the null value by a length of 0.1
   EXPECT_EQ(run.column("SEGWRATS"), (Singles{4 / 0.1F, 6 / 0.1F}));
   ASSERT_TRUE(run.branch(2, 1));
-  for (const char* name : {"SEGMD", "SEGLENTH", "SEGWRATS"}) EXPECT_EQ(run.column(name)[0], -999) << name;
+  for (const char* name : {"SEGMD", "SEGLENTH", "SEGWRATS", "SEGWCUT"})
+    EXPECT_EQ(run.column(name)[0], -999) << name;
 }
 
 TEST(Segments, SumsTakeTheNullValueForNothing) {

@@ -241,6 +241,9 @@ TEST(WellTestFile, TestsBehindDamageAreRead) {
     ASSERT_TRUE(run.rft(static_cast<std::int32_t>(found)));
     EXPECT_EQ(run.well, "C");
   }
+  const test::FaultyFiles faults(test::ReadFault::Fails, 1);
+  EXPECT_THAT(readWellTests(path, run.session), IsEmpty());
+  EXPECT_EQ(run.lastDiagnosis().id(), "file.read");
 }
 
 TEST(WellTestFile, TruncatedInTheNextTimeLeavesTheTestWorkedOut) {
