@@ -15,6 +15,7 @@ struct SummaryOptions {
 SummarySelection selectionOf(const SummaryOptions& options) {
   SummarySelection selection = options.selection;
   selection.time = options.time.selection();
+  selection.keys = options.output.longForm;  // the long form repeats step, date and days
   if (!options.reportSteps) return selection;
   if (!options.time.every.empty()) throw Failure(Usage, "--report-steps and --every exclude each other");
   selection.time.every = Every::ReportStep;
