@@ -51,7 +51,7 @@ ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<
   const auto writeRows = [&](Sink& sink) {
     write(std::move(shaped), sink, {.format = options.format, .unitRow = options.unitRow});
   };
-  return writeAnswer(writeRows, options, inputs, console);
+  return writeAnswer(writeRows, {.file = options.file, .replace = options.replace}, inputs, console);
 }
 
 ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOptions& options,
@@ -131,8 +131,8 @@ ExitStatus answer(const RunOptions& options, const OutputOptions& output, Consol
     });
   }
   asked.report(!answers.empty());
-  if (!several && !output.longForm && !options.each)
-    return writeAnswer(std::move(answers.front().stream), output, inputs, console);
+  const bool namesRun = several || options.each || (output.longForm && options.namedInLongForm);
+  if (!namesRun) return writeAnswer(std::move(answers.front().stream), output, inputs, console);
   return writeAnswer(joinRuns(std::move(answers)), output, inputs, console);
 }
 
@@ -149,7 +149,9 @@ ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console
       write(std::move(table), sink, {.format = options.format, .unitRow = options.unitRow});
     }
   };
-  return writeAnswer(writeAll, options, run.files(), console);
+  OutputOptions written = options;
+  written.units = Units::File;  // they have been converted
+  return writeAnswer(writeAll, written, run.files(), console);
 }
 
 }  // namespace lumbarn::cli

@@ -140,8 +140,9 @@ void complete(const CLI::App& app, std::span<const std::string> words, std::ostr
       names.push_back(command->get_name());
     return offer(names, words[0], out);
   }
-  const CLI::App* command = app.get_subcommand_no_throw(words[0]);
-  if (!command) return;
+  const auto found = app.get_subcommands([&](const CLI::App* one) { return one->get_name() == words[0]; });
+  if (found.empty()) return;
+  const CLI::App* command = found.front();
   const auto line = words.subspan(1);
   const std::string& word = line.back();
   if (line.size() > 1 && takesValue(optionNamed(*command, line[line.size() - 2])))

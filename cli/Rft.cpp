@@ -21,7 +21,9 @@ struct RftOptions {
   bool all = false;
   OutputOptions output;
 
-  bool wantsRows() const { return test != 0 || rows || plt || branch != 0 || icd != 0 || segments || all; }
+  bool wantsRows() const {
+    return output.longForm || test != 0 || rows || plt || branch != 0 || icd != 0 || segments || all;
+  }
   TestPart part() const {
     if (all) return TestPart::All;
     if (segments) return TestPart::Segments;
@@ -46,7 +48,7 @@ ExitStatus showTests(const RftOptions& options, Console& console) {
     selection.part = options.part();
     selection.branch = std::max(options.branch, options.icd);
     // A program knows which test it asked for, a person reads it.
-    selection.plain = options.test != 0 && options.output.format != Format::Table;
+    selection.plain = options.test != 0 && options.output.format != Format::Table && !options.output.longForm;
   }
   return answer(options.runs, options.output, console, [&](const Run& run, const ReadOptions& read) {
     return options.wantsRows() ? run.testRows(selection, read) : run.tests(selection, read);
@@ -59,6 +61,7 @@ void addRft(CommandLine& line) {
   Subcommand command(line, "rft", "List the well tests of a run or of a text file, or show their tables");
   RftOptions& options = command.performs(showTests);
   command.runs(options.runs);
+  options.runs.namedInLongForm = false;  // the number and the well of a test identify it
   command.list("--well", options.wells, "PATTERNS", "Tests of these wells: names with * and ?");
   command.time(options.time);
   command.ordinal("--test", options.test, "Show the table of one test, by its number in the list");
