@@ -6,6 +6,7 @@
 
 #include "Answer.h"
 #include "Commands.h"
+#include "files/Folder.h"
 #include "run/Records.h"
 
 namespace lumbarn::cli {
@@ -15,6 +16,7 @@ struct CompareOptions {
   std::string a;
   std::string b;
   Comparison comparison;
+  TimeOptions time;
   std::string absolute;
   std::string relative;
   std::int32_t top = 20;
@@ -30,13 +32,33 @@ double toleranceFrom(const std::string& name, const std::string& text) {
   return value;
 }
 
+/// Both are files, and nothing of the question needs their runs.
+bool areFiles(const CompareOptions& options) {
+  return options.comparison.vectors.empty() && !options.time.given() && isFile(options.a) &&
+         isFile(options.b);
+}
+
 ExitStatus compareBoth(const CompareOptions& options, Console& console) {
-  const std::string files[] = {recordFile(options.a), recordFile(options.b)};
   Comparison comparison = options.comparison;
   if (!options.absolute.empty()) comparison.absolute = toleranceFrom("--abs", options.absolute);
   if (!options.relative.empty()) comparison.relative = toleranceFrom("--rel", options.relative);
   comparison.top = static_cast<std::size_t>(options.top);
-  const Differences found = compareFiles(files[0], files[1], comparison, asking(console));
+  std::vector<std::string> files;
+  const auto compareAny = [&] {
+    if (areFiles(options)) {
+      files = {recordFile(options.a), recordFile(options.b)};
+      return compareFiles(files[0], files[1], comparison, asking(console));
+    }
+    const Run a = Run::open(options.a);
+    const Run b = Run::open(options.b);
+    for (const Run& run : {a, b}) {
+      const auto ofRun = run.files();
+      files.insert(files.end(), ofRun.begin(), ofRun.end());
+    }
+    comparison.time = options.time.selection();
+    return compare(a, b, comparison, asking(console));
+  };
+  const Differences found = compareAny();
   const ExitStatus written = writeAnswer(streamOf(options.overview ? found.overview : found.largest),
                                          options.output, files, console);
   return found.equal ? written : Different;
@@ -45,19 +67,25 @@ ExitStatus compareBoth(const CompareOptions& options, Console& console) {
 }  // namespace
 
 void addCompare(CommandLine& line) {
-  Subcommand command(line, "compare", "Show in what two files of records differ");
+  Subcommand command(line, "compare", "Show in what two runs, or two files of records, differ");
   CompareOptions& options = command.performs(compareBoth);
-  command.path(options.a, "A record file", "A");
-  command.path(options.b, "Another one of the same type", "B");
+  command.path(options.a, "A run, or a record file", "A");
+  command.path(options.b, "Another run, or another file of the same type", "B");
   command.value("--abs", options.absolute, "X", "Numbers that differ by X or less are equal");
   command.value("--rel", options.relative, "X", "So are those that differ by X or less of the larger one");
+  command.repeated("--vectors", options.comparison.vectors, "PATTERNS",
+                   "Vectors of the summaries to compare; all if neither these nor arrays are given");
   command.list("--array", options.comparison.keywords, "NAMES",
-               "Compare only records of these names; * and ? stand for others");
+               "Arrays of the restart files to compare, or the only records; with * and ?");
+  command.time(options.time);
   command.ordinal("--top", options.top, "Show the N largest differences; 20 if not given");
   command.flag("--overview", options.overview, "Show a line for each name instead");
   command.output(options.output);
   command.footer(
-      "Exit status: 0 equal, 4 different, 1 one of them cannot be read. Example:\n"
+      "Runs are compared at rows and steps of the same date. Two files are compared record by record, "
+      "unless\n"
+      "--vectors or a time is given. Exit status: 0 equal, 4 different, 1 one of them cannot be read. "
+      "Example:\n"
       "  lumbarn compare --abs 0.01 --array PRESSURE BEFORE.UNRST AFTER.UNRST");
 }
 

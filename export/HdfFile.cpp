@@ -3,6 +3,7 @@
 #include <new>
 
 #include "support/Diagnosis.h"
+#include "support/System.h"
 
 namespace lumbarn {
 namespace {
@@ -22,17 +23,17 @@ const lumbarn_hdf_functions& openModule() {
 }
 
 int writeAt(void* user, std::uint64_t position, const void* bytes, std::size_t count) {
-  return static_cast<OutputFile*>(user)->writeAt(position, {static_cast<const std::byte*>(bytes), count}) ? 1
+  return static_cast<HdfStorage*>(user)->writeAt(position, {static_cast<const std::byte*>(bytes), count}) ? 1
                                                                                                           : 0;
 }
 int readAt(void* user, std::uint64_t position, void* bytes, std::size_t count) {
-  return static_cast<OutputFile*>(user)->readAt(position, {static_cast<std::byte*>(bytes), count}) ? 1 : 0;
+  return static_cast<HdfStorage*>(user)->readAt(position, {static_cast<std::byte*>(bytes), count}) ? 1 : 0;
 }
 
 }  // namespace
 
-HdfFile::HdfFile(OutputFile& file) : hdf_(openModule()), target_(file) {
-  const lumbarn_hdf_storage storage{&file, writeAt, readAt};
+HdfFile::HdfFile(HdfStorage& target) : hdf_(openModule()), target_(target) {
+  const lumbarn_hdf_storage storage{&target, writeAt, readAt};
   file_ = hdf_.create(&storage);
   if (!file_) throw std::bad_alloc();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -7,9 +8,19 @@
 #include <vector>
 
 #include "HdfFunctions.h"
-#include "support/System.h"
 
 namespace lumbarn {
+
+/// Where the bytes of an HDF5 file go. Nothing here may throw, as HDF5 calls it.
+class HdfStorage {
+ public:
+  virtual ~HdfStorage() = default;
+  /// False when not all bytes could be written.
+  virtual bool writeAt(std::uint64_t position, std::span<const std::byte> bytes) noexcept = 0;
+  virtual bool readAt(std::uint64_t position, std::span<std::byte> out) noexcept = 0;
+  /// The reason for the first failure.
+  virtual std::string error() const = 0;
+};
 
 /// A new HDF5 file, written piece by piece through the module lumbarn_vtk, which is opened for it. Whatever
 /// fails ends in BadRecord: FileWrite when the file takes no more, ExportHdf with the object's name as
@@ -19,7 +30,7 @@ class HdfFile {
   using Group = std::int64_t;
   static constexpr Group top = 0;
 
-  explicit HdfFile(OutputFile& file);
+  explicit HdfFile(HdfStorage& storage);
   HdfFile(const HdfFile&) = delete;
   HdfFile& operator=(const HdfFile&) = delete;
   ~HdfFile();
@@ -83,7 +94,7 @@ class HdfFile {
   std::int64_t checked(std::int64_t result);
 
   const lumbarn_hdf_functions& hdf_;
-  OutputFile& target_;
+  HdfStorage& target_;
   lumbarn_hdf_file* file_;
 };
 

@@ -1,17 +1,37 @@
 #include "VtkExport.h"
 
+#include "HdfFile.h"
 #include "VtkWriter.h"
 #include "grid/Hadrick.h"
 #include "support/Guarded.h"
 #include "support/PendingFile.h"
 
 namespace lumbarn {
+namespace {
+
+class FileStorage final : public HdfStorage {
+ public:
+  explicit FileStorage(OutputFile& file) : file_(file) {}
+  bool writeAt(std::uint64_t position, std::span<const std::byte> bytes) noexcept override {
+    return file_.writeAt(position, bytes);
+  }
+  bool readAt(std::uint64_t position, std::span<std::byte> out) noexcept override {
+    return file_.readAt(position, out);
+  }
+  std::string error() const override { return file_.error(); }
+
+ private:
+  OutputFile& file_;
+};
+
+}  // namespace
 void exportVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const CellArray> arrays,
                const VtkOptions& options, const std::string& path, Session& session, bool& qOK) {
   guarded(session, qOK, "VtkExport", "exportVtk", [&] {
     try {
       PendingFile file(path);
-      writeVtk(grids, arrays, options, file.out(), session);
+      FileStorage storage(file.out());
+      writeVtk(grids, arrays, options, storage, session);
       file.commit();
       return true;
     } catch (const ExportCanceled&) {

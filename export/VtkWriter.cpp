@@ -80,9 +80,9 @@ constexpr const char* ghosts = "vtkGhostType";
 
 class Writer {
  public:
-  Writer(std::span<const std::shared_ptr<Hadrick>> grids, const VtkOptions& options, OutputFile& file,
+  Writer(std::span<const std::shared_ptr<Hadrick>> grids, const VtkOptions& options, HdfStorage& storage,
          Session& session)
-      : options_(options), session_(session), file_(file) {
+      : options_(options), session_(session), file_(storage) {
     for (std::size_t n = 0; n < grids.size(); ++n) {
       const auto number = static_cast<std::int32_t>(n) + 1;
       if (options.iGrid != 0 && options.iGrid != number) continue;
@@ -287,8 +287,8 @@ void Writer::writeSteps(std::span<const CellArray> arrays) {
 }  // namespace
 
 void writeVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const CellArray> arrays,
-              const VtkOptions& options, OutputFile& file, Session& session) {
-  Writer(grids, options, file, session).write(arrays);
+              const VtkOptions& options, HdfStorage& storage, Session& session) {
+  Writer(grids, options, storage, session).write(arrays);
 }
 
 }  // namespace lumbarn

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "../frame/Stream.h"
+#include "Run.h"
 #include "Selections.h"
 
 namespace lumbarn {
@@ -11,7 +12,8 @@ namespace lumbarn {
 /// In what two files or runs differ.
 struct Differences {
   /// One row for each name that was compared: `kind`, `name`, `count` of the values, `different` of them,
-  /// `max` and `mean` of their absolute differences.
+  /// `max` and `mean` of their absolute differences; of vectors also the `integral` of a - b over time, in
+  /// days, to which a value counts from the row before.
   Batch overview;
   /// The largest differences, the largest first: `kind`, `name`, `step`, `date`, `place`, `a`, `b`, `abs`,
   /// `rel`. `a` and `b` are numbers, or texts if a text is among them.
@@ -24,5 +26,13 @@ struct Differences {
 /// Damaged when one cannot be read, BadRequest for files of different types or without anything to compare.
 Differences compareFiles(const std::string& a, const std::string& b, const Comparison& comparison = {},
                          const ReadOptions& options = {});
+
+/// Compares two runs: vectors of their summaries at rows of the same date, and arrays of their restart files
+/// in the same cells of steps of the same date. Dates are the same within half a unit in the last place of
+/// TIME. Units of b are converted to those of a. What only one of them has, and grids of different size, are
+/// reported as remarks and make them unequal; rows and steps at dates of one alone are counted in a remark
+/// and do not. Throws Error as `Run::summary` and `Run::cells`.
+Differences compare(const Run& a, const Run& b, const Comparison& comparison = {},
+                    const ReadOptions& options = {});
 
 }  // namespace lumbarn

@@ -72,10 +72,12 @@ struct Conversion {
 
 /// What to compare, and what counts as a difference: numbers that are farther apart than both tolerances.
 struct Comparison {
-  std::vector<std::string> keywords{};  ///< of records, patterns; empty: all
+  std::vector<std::string> keywords{};  ///< of records or arrays, patterns; empty: all records, no arrays
   double absolute = 0;
-  double relative = 0;   ///< of the larger number of the two
-  std::size_t top = 20;  ///< how many of the largest differences are given
+  double relative = 0;                 ///< of the larger number of the two
+  std::size_t top = 20;                ///< how many of the largest differences are given
+  std::vector<std::string> vectors{};  ///< of runs, patterns; empty: all, unless there are `keywords`
+  TimeSelection time{};                ///< of runs
 };
 
 /// Elements of records of one file.

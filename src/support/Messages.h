@@ -49,6 +49,7 @@ struct MessageRow {
   ROW(RunSeveral, "run.several", Incomplete, "the path can mean several runs")                               \
   ROW(RunFileMissing, "run.file", Incomplete, "the run has no file of this type")                            \
   ROW(CompareMissing, "compare.missing", Remark, "only one of the two has it")                               \
+  ROW(CompareRows, "compare.rows", Remark, "rows of only one of the two")                                    \
   ROW(CompareSize, "compare.size", Remark, "the two are of different size")                                  \
   ROW(ConvertReadBack, "convert.read-back", Damage, "what was written does not read back the same")          \
   /* files */                                                                                                \

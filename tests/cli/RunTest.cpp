@@ -132,7 +132,7 @@ std::vector<std::string> tab(const std::string& shell, const std::string& line) 
 }
 
 TEST_F(Run, ShellsCompleteWhatTheRunHas) {
-  const std::string name = LUMBARN_COMMAND;
+  const std::string name = commandPath();
   const std::string hollin = sample("HOLLIN");
   for (const std::string shell : {"bash", "zsh"}) {
     if (std::system(("command -v " + shell + " > /dev/null").c_str()) != 0) continue;

@@ -145,7 +145,7 @@ TEST(Tasks, StatisticsByRegion) {
 }
 
 TEST(Tasks, OtherForms) {
-  const TemporaryFolder folder;
+  const test::TemporaryFolder folder;
   const auto path = [&](const char* name) { return folder.file(name); };
   const std::string original = sample("HOLLIN/HOLLIN.UNRST");
   EXPECT_EQ(command({"convert", original, "-o", path("HOLLIN.FUNRST")}).status, 0);

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "HdfFile.h"
 #include "VtkExport.h"
 #include "VtkWriter.h"
 #include "grid/GridBlocks.h"
@@ -100,7 +101,7 @@ TEST_F(VtkExport, WhateverStopsItLeavesTheFolderAsItWas) {
 }
 
 /// Keeps a file in memory; its n-th write fails.
-class FailingStorage : public hdf::Storage {
+class FailingStorage : public HdfStorage {
  public:
   explicit FailingStorage(int failAt) : failAt_(failAt) {}
   bool writeAt(std::uint64_t position, std::span<const std::byte> bytes) noexcept override {
