@@ -30,8 +30,8 @@ struct CommandLine {
 /// Which runs to ask.
 struct RunOptions {
   std::vector<std::string> paths;
-  bool namedInLongForm = true;  ///< the long form has a column `run` of a single run too
   bool each = false;            ///< all runs that a path can mean
+  bool namedInLongForm = true;  ///< the long form has a column `run` of a single run too
 };
 
 /// Which rows or steps to show, as texts of the command line.

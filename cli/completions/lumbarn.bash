@@ -1,7 +1,7 @@
 # Completion of the lumbarn command for bash. The command itself tells what can follow.
 
 _lumbarn() {
-  local line=${COMP_LINE:0:COMP_POINT} words=() word found prefix
+  local line=${COMP_LINE:0:COMP_POINT} words=() word found prefix name
   read -ra words <<<"$line"
   [[ $line == *' ' ]] && words+=('')
   word=${words[-1]}
@@ -15,7 +15,7 @@ _lumbarn() {
   # The shell takes what precedes the last colon of a name as a word of its own.
   prefix=
   [[ $word == *:* && $COMP_WORDBREAKS == *:* ]] && prefix=${word%"${word##*:}"}
-  COMPREPLY=("${found[@]#"$prefix"}")
+  for name in "${found[@]}"; do COMPREPLY+=("${name:${#prefix}}"); done
 }
 
 complete -F _lumbarn lumbarn

@@ -156,7 +156,11 @@ Grids readGrids(const RunState& run, Session& session) {
     const RunMember* older = run.family().find(FileKind::Grid);
     if (older) file = older;
   }
-  if (!file) file = &run.file(FileKind::EGrid);
+  if (!file) {
+    throw Error(Error::Kind::NotFound, {.message = Message::RunFileMissing,
+                                        .path = run.root(),
+                                        .problem = "has no grid file (EGRID or GRID)"});
+  }
   qvGRIDReader reader(session);
   const bool egrid = file->kind == FileKind::EGrid;
   if (!(egrid ? reader.CheckEGRIDFile(file->path) : reader.CheckGRIDFile(file->path))) {

@@ -49,8 +49,8 @@ const Refusal refusals[] = {
     {"cells --array PRESSURE --cell 1,2 @HOLLIN", "a cell is given as 12,8,4"},
     {"cells --array PRESSURE --cell 17,1,1 @HOLLIN", "cell 17,1,1 is not in grid ROOT"},
     {"stats --array PRESSURE --by FIPNUN @HOLLIN", "has no array FIPNUN"},
-    {"wells --grid RODT @HOLLIN", "step 13 has no grid \"RODT\"; did you mean \"ROOT\"?\n"},
-    {"wells ~IN", "IN: has no restart files"},
+    {"wells --grid RODT @HOLLIN", "has no grid \"RODT\"; did you mean \"ROOT\"?\n"},
+    {"wells ~IN", "IN: has no restart file"},
     {"init --ijk @HOLLIN", "--ijk goes with --array"},
     {"init --flags --nnc @HOLLIN", "--flags goes without --nnc"},
     {"init --array DEPHT @HOLLIN", "has no array DEPHT; did you mean \"DEPTH\"?"},
@@ -112,10 +112,11 @@ TEST_F(Run, HelpAndManPageTellEveryOptionWithAnExample) {
 /// What a shell shows when Tab is pressed behind a line.
 std::vector<std::string> tab(const std::string& shell, const std::string& line) {
   const std::string scripts = examplePath("/../cli/completions/");
-  const std::string bash = "source " + scripts +
-                           "lumbarn.bash; COMP_LINE=\"$1\"; COMP_POINT=${#1}; compopt() { :; }; "
-                           "COMP_WORDS=($1); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _lumbarn; "
-                           "printf '%s\\n' \"${COMPREPLY[@]}\"";
+  const std::string bash =
+      "source " + scripts +
+      "lumbarn.bash; COMP_WORDBREAKS=':='; COMP_LINE=\"$1\"; COMP_POINT=${#1}; compopt() { :; }; "
+      "COMP_WORDS=($1); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _lumbarn; "
+      "printf '%s\\n' \"${COMPREPLY[@]}\"";
   const std::string zsh =
       "words=(${(s: :)1}); [[ $1 == *' ' ]] && words+=(''); CURRENT=$#words; "
       "_files() { print -- :files }; compadd() { shift 3; print -l -- \"$@\" }; source " +

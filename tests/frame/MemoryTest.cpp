@@ -61,7 +61,7 @@ TEST(Memory, IsBoundedWhateverTheStreamHolds) {
     const std::size_t before = resident("VmRSS:");
     CountingSink sink;
     work(sink);
-    EXPECT_GT(sink.count, 20 * megabyte);
+    EXPECT_GT(sink.count, 10 * megabyte);
     return resident("VmHWM:") - before;
   };
   // Each transform has a batch of its own in memory, so the command asks for smaller ones.
