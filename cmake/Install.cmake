@@ -35,6 +35,10 @@ install(
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn
   FILES_MATCHING
   PATTERN "*.h")
+# The place of the package is known by that of its description.
+file(RELATIVE_PATH lumbarn_prefix_from_pc ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/lumbarn.pc.in ${PROJECT_BINARY_DIR}/lumbarn.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/lumbarn.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 install(

@@ -28,6 +28,7 @@ test_packages=(
   llvm-14 # llvm-symbolizer: function names in what the sanitizers report
   python3
   python3-vtk9 # reads exported grids back; the largest by far: 50 MB to fetch, 245 MB on the disk
+  pkg-config   # a host that is built by it
   zsh          # completion is tested in it too
 )
 # Arrow's own reader and a database, which read back what we write; for node, from npm's registry.

@@ -45,6 +45,10 @@ class Sink {
 /// written is then no complete json text or Arrow file, so that nobody takes it for all there is.
 void write(Stream&& stream, Sink& sink, const WriteOptions& options = {});
 
+/// The same to a file, which appears under its name when it is complete. Where the stream ends in an Error
+/// there is no new file, and one that was there before is unchanged.
+void write(Stream&& stream, const std::string& path, const WriteOptions& options = {});
+
 /// A moment as ISO text, "2001-07-01T06:30:00", with a fraction of a second only where it has one.
 std::string isoText(LocalMoment moment);
 
