@@ -44,7 +44,8 @@ std::vector<std::size_t> VectorChoice::shown(std::span<const SummaryVector> vect
   }
   const auto rank = [&](std::size_t i) { return vectors[i].name == "TIME" ? -1 : wanted.rank[i]; };
   if (only_.empty()) {
-    std::ranges::stable_partition(order, [&](std::size_t i) { return vectors[i].name == "TIME"; });
+    std::stable_partition(order.begin(), order.end(),
+                          [&](std::size_t i) { return vectors[i].name == "TIME"; });
   } else {
     std::ranges::stable_sort(order, {}, rank);
   }
