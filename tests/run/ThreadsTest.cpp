@@ -35,16 +35,16 @@ const Question questions[] = {
 
 /// One Run is asked by eight threads, each in another order, while a ninth stops them at some moment. Under
 /// the preset tsan, LUMBARN_ROUNDS=1000 is what a release is checked with.
-TEST(Run, IsAskedFromEightThreadsWhileANinthStopsThem) {
+TEST(Threads, AskOneRunWhileANinthStopsThem) {
   const char* given = std::getenv("LUMBARN_ROUNDS");
   const int rounds = given ? std::atoi(given) : 5;
   std::size_t expected[std::size(questions)];
   for (std::size_t q = 0; q < std::size(questions); ++q)
-    expected[q] = questions[q](Run::open(examplePath("/data/HOLLIN")), {});
+    expected[q] = questions[q](lumbarn::Run::open(examplePath("/data/HOLLIN")), {});
   std::mt19937 random(1);
   std::atomic<int> complete = 0;
   for (int round = 0; round < rounds; ++round) {
-    const Run run = Run::open(examplePath("/data/HOLLIN"));
+    const auto run = lumbarn::Run::open(examplePath("/data/HOLLIN"));
     std::stop_source stop;
     std::atomic<int> wrong = 0;
     std::vector<std::thread> threads;
