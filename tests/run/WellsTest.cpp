@@ -101,7 +101,8 @@ TEST(RunWells, AreSelectedByNameGridAndStep) {
 TEST(RunWells, HaveNoRateWhereTheSimulatorLeftAHugeNumber) {
   const TemporaryFolder folder;
   auto bytes = twoGrids().bytes(bigEndian);
-  const auto words = std::ranges::search(bytes, bytesOf("XWEL    ")).begin() + 24;
+  const auto name = bytesOf("XWEL    ");
+  const auto words = std::search(bytes.begin(), bytes.end(), name.begin(), name.end()) + 24;
   words[2 * sizeof(double)] = std::byte{0x7E};  // exponent of the gas rate of the first well
   writeFile(folder.file("W.UNRST"), bytes);
   const Batch wells = lumbarn::Run::open(folder.file("W.UNRST")).wells().collect();
