@@ -58,6 +58,7 @@ void ByteTable::put(std::size_t iEntry, std::size_t firstByte, std::size_t field
                     std::string_view text) {
   const auto bytes = entry(iEntry);
   check(firstByte >= 1 && firstByte <= width_ + 1 && fieldWidth <= width_ + 1 - firstByte);
+  if (text.empty()) return;
   std::memcpy(bytes.data() + firstByte - 1, text.data(), std::min(text.size(), fieldWidth));
 }
 
