@@ -34,7 +34,7 @@ struct CopiedColumn {
   std::size_t nulls = 0;
   std::size_t rows = 0;
 
-  void append(const Field& field, const RowRange& range, std::size_t column) {
+  void append(const Field& field, const BatchRows& range, std::size_t column) {
     const ColumnBuffers& from = range.batch.data()->columns[column];
     if (from.nulls > 0) {
       for (std::size_t i = 0; i < range.count; ++i) nulls += bitAt(from.validity, range.first + i) ? 0U : 1U;
@@ -53,7 +53,7 @@ struct CopiedColumn {
     }
     rows += range.count;
   }
-  void appendTexts(const Column& from, const RowRange& range) {
+  void appendTexts(const Column& from, const BatchRows& range) {
     for (std::size_t i = 0; i < range.count; ++i) {
       texts += from.text(range.first + i);
       if (texts.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
@@ -72,17 +72,17 @@ struct CopiedColumn {
 
 }  // namespace
 
-Batch copied(const std::shared_ptr<const Schema>& schema, std::span<const RowRange> ranges) {
+Batch copied(const std::shared_ptr<const Schema>& schema, std::span<const BatchRows> ranges) {
   auto data = std::make_shared<BatchData>();
   data->schema = schema;
-  for (const RowRange& range : ranges) data->rows += range.count;
+  for (const BatchRows& range : ranges) data->rows += range.count;
   auto columns = std::make_shared<std::vector<CopiedColumn>>(schema->size());
   for (std::size_t c = 0; c < schema->size(); ++c) {
     const Field& field = (*schema)[c];
     CopiedColumn& column = (*columns)[c];
     column.values = Block(field.type == Type::Utf8 ? (data->rows + 1) * sizeof(std::int32_t)
                                                    : data->rows * widthOf(field));
-    for (const RowRange& range : ranges) column.append(field, range, c);
+    for (const BatchRows& range : ranges) column.append(field, range, c);
     data->columns.push_back(column.buffers(field.type));
   }
   data->owners.push_back(std::move(columns));

@@ -10,14 +10,14 @@
 namespace lumbarn {
 
 /// Consecutive rows of a batch.
-struct RowRange {
+struct BatchRows {
   Batch batch;
   std::size_t first = 0;
   std::size_t count = 0;
 };
 
 /// The rows of several ranges, whose batches have this schema, as one batch.
-Batch copied(const std::shared_ptr<const Schema>& schema, std::span<const RowRange> ranges);
+Batch copied(const std::shared_ptr<const Schema>& schema, std::span<const BatchRows> ranges);
 
 /// Sets a value of the builder's current row to one of a column that holds the same type; for Dictionary, of
 /// the same texts. A null stays unset.

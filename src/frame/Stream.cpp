@@ -117,7 +117,7 @@ class OneBatch final : public BatchSource {
 }  // namespace
 
 Batch Stream::collect() && {
-  std::vector<RowRange> all;
+  std::vector<BatchRows> all;
   while (auto batch = next()) all.push_back({*batch, 0, batch->rows()});
   if (all.size() == 1) return all.front().batch;
   try {

@@ -29,7 +29,7 @@ class KeptRows final : public BatchSource {
   std::optional<Batch> next() override {
     auto batch = stream_.next();
     if (!batch) return std::nullopt;
-    std::vector<RowRange> kept;
+    std::vector<BatchRows> kept;
     for (std::size_t row = 0; row < batch->rows(); ++row) {
       if (!keep_(*batch, row)) continue;
       if (!kept.empty() && kept.back().first + kept.back().count == row) {
@@ -96,7 +96,7 @@ class LastOfPeriods final : public BatchSource {
   std::optional<Batch> next() override {
     if (ended_) return std::nullopt;
     auto batch = stream_.next();
-    std::vector<RowRange> done;
+    std::vector<BatchRows> done;
     if (!batch) {
       ended_ = true;
       done = std::move(held_);
@@ -118,7 +118,7 @@ class LastOfPeriods final : public BatchSource {
   /// Keeps a few held rows alone, not the batches that they are in.
   void holdLess(std::size_t rowsOfBatch) {
     std::size_t rows = 0;
-    for (const RowRange& range : held_) rows += range.count;
+    for (const BatchRows& range : held_) rows += range.count;
     if (rows == 0 || rows > rowsOfBatch / 2) return;
     Batch few = copied(stream_.sharedSchema(), held_);
     held_.assign(1, {std::move(few), 0, rows});
@@ -135,7 +135,7 @@ class LastOfPeriods final : public BatchSource {
                        : periodOf(LocalMoment(std::chrono::microseconds(place.moment)), every_);
     return place;
   }
-  void take(const Batch& batch, std::size_t row, std::vector<RowRange>& done) {
+  void take(const Batch& batch, std::size_t row, std::vector<BatchRows>& done) {
     auto place = placeOf(batch, row);
     if (!place) return;
     if (*place != heldAt_) {
@@ -155,7 +155,7 @@ class LastOfPeriods final : public BatchSource {
   Stream stream_;
   Every every_;
   Columns by_;
-  std::vector<RowRange> held_;
+  std::vector<BatchRows> held_;
   Place heldAt_;
   std::int64_t undated_ = 0;
   bool ended_ = false;
