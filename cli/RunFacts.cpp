@@ -214,7 +214,7 @@ Facts testFacts(const RunFamily& run, Console& console) {
 }
 
 Facts userTestFacts(const RunMember& file, Console& console) {
-  // What ends a part of a test is told as a diagnosis too.
+  // What ends a part of a test gives a diagnosis too.
   const auto reporter = std::exchange(console.session().faultReporter, nullptr);
   const auto tests = TestFile::open(file.path, file.kind, TestPart::Rft, console.session());
   console.session().faultReporter = reporter;

@@ -8,6 +8,7 @@
 #include "files/FileChoice.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
+#include "support/Closest.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -64,14 +65,6 @@ RestartIndex initIndex(const RunFamily& run, Console& console) {
 std::string noStepText(const std::string& file, std::int32_t step, const std::vector<std::int32_t>& steps) {
   return fmt::format("{} has no report step {}; it has {}", file, step,
                      steps.empty() ? "none" : listText(rangesOf(steps)));
-}
-
-std::string listText(const std::vector<std::string>& names) {
-  constexpr std::size_t shown = 12;
-  std::string text;
-  for (std::size_t i = 0; i < names.size() && i < shown; ++i) text += (i == 0 ? "" : ", ") + names[i];
-  if (names.size() > shown) text += fmt::format(" and {} others", names.size() - shown);
-  return text;
 }
 
 }  // namespace lumbarn::cli

@@ -26,7 +26,5 @@ RestartIndex initIndex(const RunFamily& run, Console& console);
 /// What to tell whoever asked a file for a report step that it does not have: "RUN.UNRST has no report step
 /// 4; it has 0:3, 5".
 std::string noStepText(const std::string& file, std::int32_t step, const std::vector<std::int32_t>& steps);
-/// "A, B, C and 12 others".
-std::string listText(const std::vector<std::string>& names);
 
 }  // namespace lumbarn::cli

@@ -23,7 +23,7 @@ class HdfStorage {
 };
 
 /// A new HDF5 file, written piece by piece through the module lumbarn_vtk, which is opened for it. Whatever
-/// fails ends in BadRecord: FileWrite when the file takes no more, ExportHdf with the object's name as
+/// fails ends in BadRecord: FileWrite when the file cannot be written, ExportHdf with the object's name as
 /// keyword when HDF5 refuses, ExportModule when there is no module.
 class HdfFile {
  public:

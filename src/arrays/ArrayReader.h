@@ -18,8 +18,8 @@ namespace lumbarn {
 /// from 1, and 1.
 using FetchColumn = std::span<const std::int32_t, 5>;
 
-/// Reads arrays of a restart set or an INIT file on demand: each call reads the elements that it returns and
-/// no more. Integers beyond 2^24 and 64-bit numbers lose precision when they are read as 32-bit floating
+/// Reads arrays of a restart set or an INIT file on demand: each call reads only the elements that it
+/// returns. Integers beyond 2^24 and 64-bit numbers lose precision when they are read as 32-bit floating
 /// point.
 ///
 /// Names are found in any letter case. A saturation that a step of a restart does not store and that follows

@@ -26,9 +26,10 @@ struct ReadOptions {
   std::stop_token stop{};  ///< ends the stream with Error Cancelled; may be requested from any thread
   /// The same for a flag that a signal handler sets. Not owned; null: none.
   const std::atomic<bool>* stopFlag = nullptr;
-  /// Is told of each diagnosis as it is made, on the thread that reads.
+  /// Called with each diagnosis as it is made, on the thread that reads.
   std::function<void(const Diagnosis&)> report{};
-  Progress* progress = nullptr;  ///< is told how far the read has come, on the thread that reads; not owned
+  Progress* progress =
+      nullptr;  ///< shows how far the read has come; called on the thread that reads; not owned
   BatchLimits limits{};
   /// Damage ends the stream like its last row; `Stream::incomplete` has the reason.
   bool keepPartial = false;

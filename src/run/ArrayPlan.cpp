@@ -26,14 +26,6 @@ std::string ownerOf(const RestartIndex& index, const Steps& steps) {
   return index.init || steps.size() != 1 ? std::string() : fmt::format("step {} ", steps.front()->number);
 }
 
-std::string listText(const std::vector<std::string>& names) {
-  constexpr std::size_t shown = 12;
-  std::string text;
-  for (std::size_t i = 0; i < names.size() && i < shown; ++i) text += (i == 0 ? "" : ", ") + names[i];
-  if (names.size() > shown) text += fmt::format(" and {} others", names.size() - shown);
-  return text;
-}
-
 std::optional<Type> columnType(const IndexEntry& entry) {
   switch (typeInfo(entry.typeWord.view()).type) {
     case ElementType::Integer:

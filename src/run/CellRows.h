@@ -24,7 +24,7 @@ class CellRows {
   const ArrayPlan& plan() const { return plan_; }
   /// The step of the rows that are read next, or at which reading failed.
   const IndexStep& step() const { return *step_; }
-  /// Adds rows until the builder is full; false when there are no more.
+  /// Adds rows until the builder is full; false at the end.
   bool fill(BatchBuilder& rows);
 
  private:

@@ -51,7 +51,7 @@ class FilePair {
   }
 
  private:
-  /// Records that cannot be compared, told as one: of unequal grids every array would be told.
+  /// Records that cannot be compared, reported together: of unequal grids every array would give a report.
   struct Unequal {
     Message message;
     Diagnosis first{.message = message, .path = {}, .problem = {}, .keyword = {}};

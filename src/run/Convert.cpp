@@ -101,7 +101,7 @@ class RecordChoice {
 
   bool byArray_;
   bool byStep_ = false;
-  bool inStep_ = true;  // what stands in front of the first step goes with any
+  bool inStep_ = true;  // records before the first step belong to every selection
   std::map<std::uint64_t, bool> steps_;
   ArraySelection arrays_;
 };

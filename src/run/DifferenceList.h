@@ -157,6 +157,7 @@ class DifferenceList {
     rows.set(4, one.at.place);
     const auto put = [&](std::size_t column, double value, const std::string& text) {
       const double shown = one.values.single ? sameDigits(static_cast<float>(value)) : value;
+      if (!texts && std::isnan(shown)) return;  // no value
       if (!texts) return rows.set(column, shown);
       rows.set(column, one.values.numbers ? NumberText(shown, false).view() : std::string_view(text));
     };

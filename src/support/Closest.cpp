@@ -44,4 +44,12 @@ std::string closest(std::string_view word, std::span<const std::string> known) {
   return best;
 }
 
+std::string listText(std::span<const std::string> names) {
+  constexpr std::size_t shown = 12;
+  std::string text;
+  for (std::size_t i = 0; i < names.size() && i < shown; ++i) text += (i == 0 ? "" : ", ") + names[i];
+  if (names.size() > shown) text += " and " + std::to_string(names.size() - shown) + " others";
+  return text;
+}
+
 }  // namespace lumbarn

@@ -96,6 +96,13 @@ TEST(Tasks, Compare) {
                "--abs", "0.01", "--rel", "1e-3", "--format", "csv"});
   EXPECT_EQ(different.status, 4) << different.err;
   EXPECT_EQ(command({"compare", sample("ARBOR"), sample("NOWHERE")}).status, 2);
+  const auto largest = linesOf({"compare", sample("CEDAR/CEDAR"), sample("CEDAR/CEDAR_R1"), "--vectors",
+                                "FGIPL,FOPT", "--top", "1", "--format", "csv"},
+                               4);
+  EXPECT_THAT(largest,
+              ElementsAre("kind,name,step,date,place,a,b,abs,rel",
+                          ::testing::StartsWith(
+                              "vector,FGIPL,14,2016-03-01T00:00:00,,346917632,364728000,17810368,")));
 }
 
 TEST(Tasks, UnitConversion) {

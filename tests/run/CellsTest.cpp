@@ -8,6 +8,7 @@
 #include "run/Run.h"
 #include "support/InitBuilder.h"
 #include "support/ModelRun.h"
+#include "support/WriterCase.h"
 
 namespace lumbarn {
 namespace {
@@ -35,20 +36,7 @@ std::string problemOf(Error::Kind kind, auto ask) {
   return "answered";
 }
 
-struct Case {
-  Writer writer;
-  NamedForm form;
-  friend void PrintTo(const Case& one, std::ostream* out) { *out << one.writer.name << one.form.name; }
-};
-std::vector<Case> everyCase() {
-  std::vector<Case> all;
-  for (const Writer& writer : everyWriter) {
-    for (const NamedForm& form : everyForm) all.push_back({writer, form});
-  }
-  return all;
-}
-
-class RunCells : public ::testing::TestWithParam<Case> {
+class RunCells : public ::testing::TestWithParam<WriterCase> {
  protected:
   /// What the files have of an array in the cells given, from 0, step after step.
   std::vector<double> expected(const char* array, const std::vector<std::int32_t>& cells, bool local) const {

@@ -8,6 +8,7 @@
 #include "run/Run.h"
 #include "support/Host.h"
 #include "support/ModelRun.h"
+#include "support/WriterCase.h"
 
 namespace lumbarn::test {
 namespace {
@@ -29,22 +30,7 @@ std::vector<std::string> namesOf(const Schema& schema) {
   return names;
 }
 
-struct Case {
-  Writer writer;
-  NamedForm form;
-};
-
-void PrintTo(const Case& one, std::ostream* out) { *out << one.writer.name << ' ' << one.form.name; }
-
-std::vector<Case> everyCase() {
-  std::vector<Case> all;
-  for (const Writer& writer : everyWriter) {
-    for (const NamedForm& form : everyForm) all.push_back({writer, form});
-  }
-  return all;
-}
-
-class RunSummary : public ::testing::TestWithParam<Case> {
+class RunSummary : public ::testing::TestWithParam<WriterCase> {
  protected:
   const Writer& writer_ = GetParam().writer;
   const ModelRun files_{writer_, GetParam().form.form};

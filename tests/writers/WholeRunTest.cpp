@@ -11,6 +11,7 @@
 #include "index/qvEclipseINSPEC.h"
 #include "support/Host.h"
 #include "support/ModelRun.h"
+#include "support/WriterCase.h"
 
 namespace lumbarn {
 namespace {
@@ -23,21 +24,7 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::UnorderedElementsAreArray;
 
-struct Case {
-  Writer writer;
-  NamedForm form;
-};
-void PrintTo(const Case& one, std::ostream* out) { *out << one.writer.name << ' ' << one.form.name; }
-
-std::vector<Case> everyCase() {
-  std::vector<Case> all;
-  for (const Writer& writer : everyWriter) {
-    for (const NamedForm& form : everyForm) all.push_back({writer, form});
-  }
-  return all;
-}
-
-class WholeRun : public ::testing::TestWithParam<Case> {
+class WholeRun : public ::testing::TestWithParam<WriterCase> {
  protected:
   const Writer& writer_ = GetParam().writer;
   const ModelRun run_{writer_, GetParam().form.form};
