@@ -183,6 +183,21 @@ void addExamples(const Corpus& corpus) {
   for (const char* file : {"HOLLIN/HOLLIN.EGRID", "ARBOR/ARBOR.EGRID", "ARBORF/ARBORF.FEGRID"}) {
     corpus.add("fuzz_grid", {0}, example(file));
   }
+  // The questions of fuzz_run with the files that each reads: of the summary, of restart and INIT, ...
+  constexpr const char* runFiles[] = {"SMSPEC", "UNSMRY", "UNRST", "INIT", "EGRID", "RFT"};
+  constexpr int summaryFirst = 0, cellsFirst = 4, testsFirst = 12, gridsFirst = 15, initFirst = 17,
+                behind = 21;
+  const auto ask = [&](int first, int last, std::initializer_list<int> files) {
+    for (int question = first; question < last; ++question) {
+      for (const int file : files)
+        corpus.add("fuzz_run", {question, file}, example(std::string("ARBOR/ARBOR.") + runFiles[file]));
+    }
+  };
+  ask(summaryFirst, cellsFirst, {0, 1});
+  ask(cellsFirst, testsFirst, {2, 3, 4});
+  ask(testsFirst, gridsFirst, {5});
+  ask(gridsFirst, initFirst, {3, 4});
+  ask(initFirst, behind, {3});
   for (const char* file : {"ARBOR/ARBOR.INIT", "HOLLIN/HOLLIN.INIT", "ARBORF/ARBORF.FINIT"})
     corpus.addInit(example(file));
   corpus.addSummary(example("ARBOR/ARBOR.SMSPEC"), example("ARBOR/ARBOR.UNSMRY"));
