@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "../support/Text.h"
 
@@ -71,16 +72,22 @@ std::string unitOf(const SegmentVector& vector, std::span<const std::string> zUn
 
 }  // namespace
 
+SegmentHeaders segmentHeaders(std::span<const std::string> zUnits) {
+  SegmentHeaders headers;
+  for (const auto& vector : segmentVectors) {
+    headers.zNames.emplace_back(vector.name);
+    headers.zUnits.push_back(unitOf(vector, zUnits));
+  }
+  return headers;
+}
+
 void setSEGHeaders(std::span<const std::string> zUnits, std::vector<std::string>& zNames,
                    std::vector<std::string>& zUnitsOut, std::int32_t& nNames, bool& qOK) {
   qOK = false;
-  zNames.clear();
-  zUnitsOut.clear();
-  for (const auto& vector : segmentVectors) {
-    zNames.emplace_back(vector.name);
-    zUnitsOut.push_back(unitOf(vector, zUnits));
-  }
-  nNames = static_cast<std::int32_t>(segmentVectors.size());
+  auto headers = segmentHeaders(zUnits);
+  zNames = std::move(headers.zNames);
+  zUnitsOut = std::move(headers.zUnits);
+  nNames = static_cast<std::int32_t>(zNames.size());
   qOK = true;
 }
 
