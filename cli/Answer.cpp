@@ -126,7 +126,7 @@ ExitStatus answer(const RunOptions& options, const OutputOptions& output, Consol
   for (std::size_t i = 0; i < runs.size(); ++i) {
     asked.attempt([&] {
       answers.push_back({names[i], convertUnits(ask(runs[i], asking(console)), output.units)});
-      const auto files = runs[i].files();
+      const auto files = runs[i].paths();
       inputs.insert(inputs.end(), files.begin(), files.end());
     });
   }
@@ -151,7 +151,7 @@ ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console
   };
   OutputOptions written = options;
   written.units = Units::File;  // they have been converted
-  return writeAnswer(writeAll, written, run.files(), console);
+  return writeAnswer(writeAll, written, run.paths(), console);
 }
 
 }  // namespace lumbarn::cli

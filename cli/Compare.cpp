@@ -52,7 +52,7 @@ ExitStatus compareBoth(const CompareOptions& options, Console& console) {
     const Run a = Run::open(options.a);
     const Run b = Run::open(options.b);
     for (const Run& run : {a, b}) {
-      const auto ofRun = run.files();
+      const auto ofRun = run.paths();
       files.insert(files.end(), ofRun.begin(), ofRun.end());
     }
     comparison.time = options.time.selection();

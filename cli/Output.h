@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "TableWriter.h"
 #include "frame/Transforms.h"
+#include "frame/Write.h"
 #include "support/PendingFile.h"
 
 namespace lumbarn::cli {

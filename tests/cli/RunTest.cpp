@@ -27,7 +27,7 @@ const Refusal refusals[] = {
     {"info --format xml X", "--format is table, csv, json, ndjson or arrow, not \"xml\""},
     {"records ~NOT.THERE", "NOT.THERE"},
     {"records @ARBOR", "name one of its files: "},
-    {"info @CEDAR", "CEDAR can mean several runs, name one: "},
+    {"info @CEDAR", "CEDAR: can mean several runs, name one: "},
     {"restart --step", "--step needs a value (see \"lumbarn restart --help\")"},
     {"summary ~IN", "IN: has no summary specification (SMSPEC)"},
     {"grid @measured/rft.txt", "rft: has no grid file (EGRID or GRID)"},
@@ -65,7 +65,7 @@ const Refusal refusals[] = {
     {"grid --vtk ~OUT --corners @HOLLIN", "--corners and --vtk cannot be given together"},
     {"grid --vtk ~OUT --array PRESURE @HOLLIN", "did you mean \"PRESSURE\"?"},
     {"grid --vtk ~OUT --array DOUBHEAD @HOLLIN", "no array \"DOUBHEAD\" with a value for each cell"},
-    {"grid --vtk ~OUT --array PRESSURE --step 99 @HOLLIN", "no restart step 99 is there"},
+    {"grid --vtk ~OUT --array PRESSURE --step 99 @HOLLIN", "has none of the report steps asked for; it has 0:13"},
     {"grid --vtk ~IN.EGRID ~IN.EGRID", "is an input, not replaced"},
     {"index @HOLLIN --into ~nowhere", "nowhere"},
 };
