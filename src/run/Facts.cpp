@@ -134,4 +134,11 @@ Stream facts(const std::string& path, const ReadOptions& options) {
   return run.namedFile() ? run.fileFacts(options) : run.facts(options);
 }
 
+std::optional<std::string> typeOfInput(const std::string& path) {
+  const Recognised found = recogniseFile(path);
+  const bool simulatorFile = found.form && (found.byContent || found.kind != Unknown);
+  if (!simulatorFile && found.kind != Deck) return std::nullopt;
+  return std::string(nameOf(found.kind));
+}
+
 }  // namespace lumbarn

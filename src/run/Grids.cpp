@@ -182,6 +182,20 @@ const RunMember* RunState::gridFile() const {
   return takeOlder && older ? older : file;
 }
 
+std::optional<ActiveCells> RunState::activeInGridFile(StreamContext& context, const std::string& grid,
+                                                      const GridCells& cells) const {
+  const RunMember* file = gridFile();
+  if (!file || file->kind != FileKind::Grid) return std::nullopt;
+  for (const auto& one : *grids(context)) {
+    const bool same = sameGrid(one->isLocal() ? one->zName : std::string(), grid);
+    if (!same || one->nCells() != cells.cells || one->nActive() != cells.active) continue;
+    std::vector<std::int32_t> numbers;
+    for (std::int32_t active = 1; active <= one->nActive(); ++active) numbers.push_back(one->cellOf(active));
+    return ActiveCells(std::move(numbers), cells.cells);
+  }
+  return std::nullopt;
+}
+
 std::shared_ptr<const Grids> RunState::grids(StreamContext& context) const {
   return grids_.get(context, [&](Session& session) { return readGrids(*this, session); });
 }

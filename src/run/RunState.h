@@ -41,8 +41,8 @@ class RunState {
   /// The grids of that file; of a damaged file those that are complete.
   std::shared_ptr<const Grids> grids(StreamContext& context) const;
 
-  /// Which cells of a grid with these cells are active, by the INIT and EGRID files; nothing where they do
-  /// not decide it.
+  /// Which cells of a grid with these cells are active, by the INIT and EGRID files, or the GRID file of a
+  /// run that has no EGRID; nothing where they do not decide it.
   std::shared_ptr<const std::optional<ActiveCells>> activeCells(StreamContext& context,
                                                                 const std::string& grid,
                                                                 const GridCells& cells) const;
@@ -51,6 +51,8 @@ class RunState {
 
  private:
   std::string pathOf(FileKind kind) const;
+  std::optional<ActiveCells> activeInGridFile(StreamContext& context, const std::string& grid,
+                                              const GridCells& cells) const;
 
   RunFamily family_;
   Lazy<RestartIndex> restart_;

@@ -96,5 +96,20 @@ TEST_F(RunExport, StepsWithOneNumberOtherTypesAndDerivedArrays) {
   }
 }
 
+TEST_F(RunExport, ActiveCellsAreThoseOfTheGridFileThatThereIs) {
+  test::RestartBuilder restart;
+  restart.steps = {{.number = 1}};
+  restart.steps[0].grids[0].nActive = 3;
+  restart.steps[0].grids[0].arrays = {{"SWAT", {1, 2, 3}}};
+  test::writeFile(folder.file("OLD.UNRST"), restart.bytes(test::bigEndian));
+  test::GridBuilder grid;
+  grid.grids[0].size = {2, 2, 1};
+  grid.grids[0].activity = {1, 0, 1, 1};
+  test::writeFile(folder.file("OLD.GRID"), grid.grid(test::bigEndian));
+  write(folder.file("OLD"), {.arrays = {"SWAT"}, .step = 1});
+  EXPECT_THAT(read<std::int32_t>("CellData/CELL"), ElementsAre(1, 3, 4));
+  EXPECT_THAT(read<float>("CellData/SWAT"), ElementsAre(1, 2, 3));
+}
+
 }  // namespace
 }  // namespace lumbarn::testing

@@ -44,6 +44,7 @@ BAD = [
     ("record/Macro.cpp", "#include HEADER\n", 1, "cannot be told"),
     ("shortcuts/New.cpp", "", 1, "shortcuts is not one of the layers"),
     ("../cli/System.cpp", "#include <unistd.h>\n", 1, "is not among the libraries of cli/"),
+    ("../cli/Reader.cpp", '#include "record/Cursor.h"\n', 1, "cli/ may include from run/, frame/"),
     ("../bench/Far.cpp", '#include "support/Builder.h"\n', 1, "is not in src/, bench/"),
 ]
 
