@@ -30,7 +30,8 @@ class GridArray {
     for (const IndexStep* step : plan.steps) {
       const IndexStep& from = column_.fixed ? plan.inits->steps.front() : *step;
       const GridCells cells = from.cellsOf(plan.grid);
-      const IndexEntry* entry = plan.arraysOf(*step).entries.front();
+      const StepArrays arrays = plan.arraysOf(*step);  // owns an entry that is derived
+      const IndexEntry* entry = arrays.entries.front();
       const bool has = entry && cells.cells == grid_->nCells() && hasCellValues(*entry, cells);
       steps_.push_back(has ? std::optional(step->number) : std::nullopt);
     }
