@@ -46,9 +46,23 @@ class Run {
   /// Base name, "HOLLIN".
   std::string name() const;
   /// The paths of the run's files.
-  std::vector<std::string> files() const;
+  std::vector<std::string> paths() const;
+  /// The file that the run was opened by; nothing for a root name or a folder.
+  std::optional<std::string> namedFile() const;
   /// The step of the step file that the run was opened by, as X0003.
   std::optional<std::int32_t> namedStep() const;
+
+  /// The files of the run: `name`, `kind`, `form`, `bytes`, `first_step` and `last_step` of summary and
+  /// restart files, and `in_use`: false where the run has several of a kind and the others are read.
+  Stream files(const ReadOptions& options = {}) const;
+  /// What is known of the run without reading its data: `group`, `property`, `value`, and the `type` of the
+  /// value: text, number, date, size as "16 x 12 x 5", or texts for one of a list, which has a row for each.
+  /// A group "summary.vectors_by_class" is within "summary"; facts without a group are of the run itself.
+  /// Damage to one file does not hide the facts of the others.
+  Stream facts(const ReadOptions& options = {}) const;
+  /// The same of the file that the run was opened by, its kind as its content shows it. Throws Error
+  /// BadRequest when it was opened by another name.
+  Stream fileFacts(const ReadOptions& options = {}) const;
 
   /// The steps of the restart files, in the order of the files.
   std::vector<StepInfo> steps(const ReadOptions& options = {}) const;

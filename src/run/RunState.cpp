@@ -63,7 +63,8 @@ std::shared_ptr<const std::optional<ActiveCells>> RunState::activeCells(StreamCo
     known = &active_[{upper(trim(grid)), cells.cells, cells.active}];
   }
   return known->get(context, [&](Session& session) {
-    return findActiveCells(session, pathOf(FileKind::Init), pathOf(FileKind::EGrid), grid, cells);
+    auto found = findActiveCells(session, pathOf(FileKind::Init), pathOf(FileKind::EGrid), grid, cells);
+    return found ? std::move(found) : activeInGridFile(context, grid, cells);
   });
 }
 

@@ -36,11 +36,13 @@ class RunState {
   /// such files, and Damaged when nothing of them can be read.
   std::shared_ptr<const RestartIndex> restartIndex(StreamContext& context) const;
   std::shared_ptr<const RestartIndex> initIndex(StreamContext& context) const;
-  /// The grids of the EGRID or GRID file; of a damaged file those that are complete.
+  /// The EGRID or GRID file that is read; null when the run has neither.
+  const RunMember* gridFile() const;
+  /// The grids of that file; of a damaged file those that are complete.
   std::shared_ptr<const Grids> grids(StreamContext& context) const;
 
-  /// Which cells of a grid with these cells are active, by the INIT and EGRID files; nothing where they do
-  /// not decide it.
+  /// Which cells of a grid with these cells are active, by the INIT and EGRID files, or the GRID file of a
+  /// run that has no EGRID; nothing where they do not decide it.
   std::shared_ptr<const std::optional<ActiveCells>> activeCells(StreamContext& context,
                                                                 const std::string& grid,
                                                                 const GridCells& cells) const;
@@ -49,6 +51,8 @@ class RunState {
 
  private:
   std::string pathOf(FileKind kind) const;
+  std::optional<ActiveCells> activeInGridFile(StreamContext& context, const std::string& grid,
+                                              const GridCells& cells) const;
 
   RunFamily family_;
   Lazy<RestartIndex> restart_;
@@ -65,6 +69,9 @@ class RunState {
                                 const std::vector<std::string>& names);
 /// Throws Error BadRequest.
 [[noreturn]] void throwRefused(const std::string& path, const std::string& problem);
+
+/// The number of a grid by its name, from 0; empty and ROOT mean the global one. Throws Error NotFound.
+std::size_t numberOfGrid(const Grids& grids, const std::string& name, const std::string& root);
 
 /// The name by which people know a grid: ROOT is the global one.
 inline std::string shownGrid(const std::string& grid) { return grid.empty() ? "ROOT" : grid; }
