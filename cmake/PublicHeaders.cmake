@@ -67,9 +67,11 @@ set(lumbarn_public_headers
   shapes/XYData.h
   summary/ChainPlan.h
   summary/HorizontalData.h
+  summary/HorizontalProfiles.h
   summary/RowIndex.h
   summary/SummaryChain.h
   summary/SummaryVector.h
+  summary/SummarySpec.h
   summary/qvEclipseSPEC.h
   summary/qvEclipseSUMMARY.h
   summary/qvEclipseSUMMARYFile.h
