@@ -8,7 +8,6 @@
 #include "Failure.h"
 #include "RunIndex.h"
 #include "index/RestartIndexAgreement.h"
-#include "index/qvEclipseINSPEC.h"
 #include "record/RecordCursor.h"
 #include "support/Closest.h"
 

@@ -5,6 +5,7 @@
 #include "files/Recogniser.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
+#include "index/qvEclipseRSSPEC.h"
 #include "vocabulary/Units.h"
 
 namespace lumbarn::cli {

@@ -7,7 +7,6 @@
 #include "Failure.h"
 #include "files/FileChoice.h"
 #include "index/RestartIndexAgreement.h"
-#include "index/qvEclipseINSPEC.h"
 #include "support/Closest.h"
 
 namespace lumbarn::cli {
