@@ -1,31 +1,25 @@
+#include "RestartSetReader.h"
+
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
-#include <optional>
-#include <string_view>
-#include <unordered_set>
-#include <utility>
 
 #include <fmt/format.h>
 
 #include "../files/Extensions.h"
 #include "../files/FileChoice.h"
-#include "../files/FileSets.h"
+#include "../files/Recogniser.h"
 #include "../record/ByteSource.h"
 #include "../record/LoadedFiles.h"
+#include "../support/Attempted.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
-#include "qvEclipseSOLUTION.h"
+#include "StepArrays.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "qvEclipseSOLUTION";
-constexpr std::size_t stepGrowth = 50;
-/// However small the first step is beside its file: room for more is made when they come.
-constexpr std::size_t mostExpected = 100000;
+constexpr std::string_view firstWords[] = {"INTEHEAD", "SEQNUM"};
 
 /// The first array whose name an earlier one has; their number if there is none.
 std::size_t repeatedArray(const std::vector<KeptArray>& arrays,
@@ -42,252 +36,217 @@ std::size_t repeatedArray(const std::vector<KeptArray>& arrays,
 
 }  // namespace
 
-/// What one load has found out.
-struct qvEclipseSOLUTION::Load {
-  std::int32_t jStart = -1;
-  std::int32_t jEnd = -1;
-  std::size_t expected = 0;         ///< steps of a multiple set
-  bool qSized = false;              ///< the capacity of the step table is known
-  bool qAtEnd = false;              ///< the unified file has no more records
-  bool qFailed = false;             ///< something was damaged; a truncated last step is not
-  std::optional<StepParts> before;  ///< of the last complete step
-  std::uint64_t start = 0;          ///< byte offset of the step that is being read
-  bool stepTwice = false;           ///< reported: a step number, or an array of a step, that occurs again
-  bool arrayTwice = false;
-  bool stop = false;
-  std::unordered_set<std::int32_t> numbers;                     ///< of the steps that were kept
-  std::vector<std::pair<std::string_view, std::size_t>> names;  ///< of one grid's arrays: working memory
-};
-
-void qvEclipseSOLUTION::getSOLUTIONData(bool& qOK) {
-  guarded(*session_, qOK, className, "getSOLUTIONData", [&] {
-    xSEQ_.clear();
-    nSequences_ = 0;
-    nSequencesMax_ = 1;
-    nGrids = 0;
-    iLastStep = iDay_ = iMonth_ = iYear_ = -1;
-    iFirstHeader.clear();
-    qDamaged = false;
-    Load load;
-    return prepare(load) && readEntries(load) && (!load.qFailed || AcceptDamaged);
-  });
-  xSEQ_.resize(static_cast<std::size_t>(std::max(nSequences_, 1)));
+std::optional<RestartFileForm> formOfRestartFile(const std::string& path, Session& session) {
+  std::string why;
+  const std::shared_ptr<const ByteSource> source = FileSource::open(path, why);
+  if (!source) return std::nullopt;
+  // Some writers begin step files with SEQNUM too.
+  if (const auto detected = detectForm(*source, firstWords, session))
+    return RestartFileForm{detected->form, detected->keyword == "SEQNUM" && !isStepFile(path)};
+  // Some writers put an array in front of the first SEQNUM.
+  const auto recognised = recognise(source, path);
+  if (recognised.kind != FileKind::Restart || !recognised.byContent || !recognised.form) return std::nullopt;
+  return RestartFileForm{*recognised.form,
+                         recognised.unified.value_or(false) && GetNumericPartOfFileName(path) < 0};
 }
 
-bool qvEclipseSOLUTION::prepare(Load& load) {
-  const bool qList = !iRestartList.empty() && iRestartList.front() > -1;
-  if (qList && Unified) {
+bool RestartSetReader::read() {
+  set_ = {};
+  if (!chooseFiles()) return false;
+  if (!options_.Unified) reportOlderStepFiles(session_, options_.zMultList);
+  Progress* const progress = options_.nMultList > 1 ? session_.Container : nullptr;
+  if (progress) progress->files(options_.nMultList);
+  for (std::size_t entry = 0; entry < options_.zMultList.size() && !stop_; ++entry) {
+    if (!readFile(entry)) return false;
+    if (progress) progress->fileDone();
+    if (session_.yield()) return false;
+  }
+  return !failed_ || options_.AcceptDamaged;
+}
+
+bool RestartSetReader::chooseFiles() {
+  const auto& list = options_.iRestartList;
+  const bool listed = !list.empty() && list.front() > -1;
+  if (listed && options_.Unified) {
     // Deliberate: of a unified file, all steps between the first and the last of the list are read.
-    iStart = iRestartList.front();
-    iEnd = iRestartList.back();
+    options_.iStart = list.front();
+    options_.iEnd = list.back();
   }
-  bool qDone = false;
-  setEclipseSequenceLimits("SOLUTION", Unified, iStart, iEnd, load.jStart, load.jEnd, qDone);
-  if (Unified) {
-    std::string extension;
-    std::string unified;
-    setEclipseFileName(FileName, "SOLUTION", extension, true, Formatted, unified, qDone);
-    // A file that was looked at and is a unified one is read whatever its name.
-    if (checkedUnified_ || !qDone) unified = FileName;
-    SetMultList(1, {unified}, qDone);
-    return true;
-  }
-  load.expected = zMultList.size();
-  return !qList || applyStepList();
-}
-
-bool qvEclipseSOLUTION::applyStepList() {
-  std::vector<std::string> kept;
-  for (const auto& file : zMultList) {
-    const bool listed = std::ranges::count(iRestartList, GetNumericPartOfFileName(file)) > 0;
-    if (listed && kept.size() < iRestartList.size()) kept.push_back(file);
-  }
-  if (kept.empty()) {
-    session_->diagnose({.message = Message::RestartStepsMissing, .path = FileName, .action = "read nothing"});
-    return false;
-  }
-  bool qDone = false;
-  SetMultList(static_cast<std::int32_t>(kept.size()), kept, qDone);
-  return qDone;
-}
-
-bool qvEclipseSOLUTION::readEntries(Load& load) {
-  if (!Unified) reportOlderStepFiles(*session_, zMultList);
-  if (session_->Container && nMultList > 1) session_->Container->files(nMultList);
-  for (std::size_t entry = 0; entry < zMultList.size() && !load.stop; ++entry) {
-    if (!readFile(load, entry)) return false;
-    if (session_->Container && nMultList > 1) session_->Container->fileDone();
-    if (session_->yield()) return false;
-  }
+  wanted_ = WantedSteps("SOLUTION", options_.Unified, options_.iStart, options_.iEnd);
+  if (!options_.Unified) return !listed || applyStepList();
+  // A file that was looked at and is a unified one is read whatever its name.
+  std::string unified =
+      checkedUnified_ ? "" : unifiedFileOf(options_.FileName, "SOLUTION", form_.formatted());
+  if (unified.empty()) unified = options_.FileName;
+  options_.setFiles({std::move(unified)});
   return true;
 }
 
-bool qvEclipseSOLUTION::readFile(Load& load, std::size_t entry) {
-  const std::string& path = zMultList[entry];
+bool RestartSetReader::applyStepList() {
+  std::vector<std::string> kept;
+  for (const auto& file : options_.zMultList) {
+    const bool listed = std::ranges::count(options_.iRestartList, GetNumericPartOfFileName(file)) > 0;
+    if (listed && kept.size() < options_.iRestartList.size()) kept.push_back(file);
+  }
+  if (kept.empty()) {
+    session_.diagnose(
+        {.message = Message::RestartStepsMissing, .path = options_.FileName, .action = "read nothing"});
+    return false;
+  }
+  options_.setFiles(std::move(kept));
+  return true;
+}
+
+bool RestartSetReader::readFile(std::size_t entry) {
+  const std::string& path = options_.zMultList[entry];
   std::string why;
   std::shared_ptr<const ByteSource> source = FileSource::open(path, why);
   if (!source) {
     std::error_code none;
     const bool missing = !std::filesystem::exists(path, none);
     // Deliberate: a file that has gone is passed over, one that cannot be opened is a failure.
-    session_->diagnose({.message = Message::FileOpen,
-                        .path = path,
-                        .problem = "cannot be opened: " + why,
-                        .action = missing ? "skipped the file" : "stopped"});
+    session_.diagnose({.message = Message::FileOpen,
+                       .path = path,
+                       .problem = "cannot be opened: " + why,
+                       .action = missing ? "skipped the file" : "stopped"});
     return missing;
   }
   if (source->size() == 0) {  // not an error of the last file, which a running simulation has just created
-    reportDamage(load, entry, {.message = Message::FileEmpty, .path = path, .offset = 0, .cutOff = true});
+    reportDamage(entry, {.message = Message::FileEmpty, .path = path, .offset = 0, .cutOff = true});
     return true;
   }
-  constexpr std::string_view firstWords[] = {"INTEHEAD", "SEQNUM"};
   const auto detected = detectForm(*source, firstWords);
-  if (const auto stamp = source->stamp()) session_->part<LoadedFiles>().stamps[path] = *stamp;
-  RecordCursor cursor(std::move(source), detected ? detected->form : form(), path);
-  cursor.attach(*session_, RecordFile::Restart);
+  if (const auto stamp = source->stamp()) session_.part<LoadedFiles>().stamps[path] = *stamp;
+  RecordCursor cursor(std::move(source), detected ? detected->form : form_, path);
+  cursor.attach(session_, RecordFile::Restart);
   try {
-    bool qMore = true;
-    while (qMore && !load.stop) {
-      if (!readOneStep(load, cursor, entry)) return false;
-      qMore = Unified && !load.qAtEnd;
-      if (Unified && session_->Container) {
-        session_->Container->fraction(static_cast<double>(cursor.nextPosition()) /
-                                      static_cast<double>(std::max<std::uint64_t>(cursor.fileSize(), 1)));
-      }
-    }
+    if (!readSteps(cursor, entry)) return false;
     cursor.checkUnchanged();
   } catch (BadRecord& damage) {
-    reportDamage(load, entry, std::move(damage.diagnosis()));
+    reportDamage(entry, std::move(damage.diagnosis()));
   } catch (const Fault& fault) {
-    if (fault.number() != FaultNumber::Overflow || !AcceptDamaged) throw;
-    qDamaged = load.qFailed = true;  // a header that cannot be is damage too
-    reportCurrentException(*session_, className, "getSOLUTIONData");
+    if (fault.number() != FaultNumber::Overflow || !options_.AcceptDamaged) throw;
+    noteDamage();  // a header that cannot be is damage too
+    reportCurrentException(session_, "qvEclipseSOLUTION", "getSOLUTIONData");
   }
   return true;
 }
 
-bool qvEclipseSOLUTION::readOneStep(Load& load, RecordCursor& cursor, std::size_t entry) {
-  auto step = std::make_unique<qvEclipseSEQUENCE>(*session_);
-  step->LoadData = LoadData;
-  step->FileName = cursor.path();
-  step->iSeqnum = Unified ? -1 : GetNumericPartOfFileName(cursor.path());
-  // The working limits, where there are such: an end below the start counts as the start.
-  step->iStart = Unified ? load.jStart : iStart;
-  step->iEnd = Unified ? load.jEnd : iEnd;
-  step->Unified = Unified;
-  step->ReadOnlyHeader = ReadOnlyHeader;
-  step->qMarkers = qMarkers;
-  step->Origin = Origin;
-  step->selection = &selection;
-  step->partsBefore = load.before ? &*load.before : nullptr;
-  load.start = cursor.nextPosition();
-  if (!step->readStep(cursor)) return false;
-  load.qAtEnd = step->qAtEnd;
-  if (!step->qAnyRecord) return true;  // blank lines behind the last record
-  const auto behind = step->damageBehind;
-  if (step->qDamaged) qDamaged = load.qFailed = true;
-  const bool last = step->qAtEnd && !behind && entry + 1 == zMultList.size();
-  const bool complete = checkComplete(load, *step, cursor, last);
-  if (complete && !step->qHeadersOnly) load.before = step->parts();
-  step->getRESTARTDate(iDay_, iMonth_, iYear_);
-  iLastStep = step->iSeqnum;
-  nGrids = step->nGrids;
-  if (step->qHaveHeader && iFirstHeader.empty()) iFirstHeader = step->iHeader;
-  bool qUse = false;
-  bool qPast = false;
-  bool qDone = false;
-  checkSequence(Unified, step->iSeqnum, load.jStart, load.jEnd, qUse, qPast, qDone);
-  checkForExit(Unified, step->iSeqnum, load.jEnd, load.stop, qDone);
-  load.stop = load.stop || step->qPastEnd;
-  if (qUse && complete && !keepStep(load, cursor, std::move(step))) return false;
-  if (behind && load.qAtEnd) throw BadRecord(*behind);
-  if (behind) {
-    qDamaged = load.qFailed = true;
-    session_->diagnose(*behind);
+bool RestartSetReader::readSteps(RecordCursor& cursor, std::size_t entry) {
+  for (bool more = true; more && !stop_;) {
+    if (!readStep(cursor, entry)) return false;
+    more = options_.Unified && !atEnd_;
+    if (options_.Unified && session_.Container) {
+      session_.Container->fraction(static_cast<double>(cursor.nextPosition()) /
+                                   static_cast<double>(std::max<std::uint64_t>(cursor.fileSize(), 1)));
+    }
   }
-  return !session_->yield();
+  return true;
 }
 
-bool qvEclipseSOLUTION::keepStep(Load& load, const RecordCursor& cursor,
-                                 std::unique_ptr<qvEclipseSEQUENCE> step) {
-  bool qDone = false;
-  step->addDerivedData(qDone);
-  if (!qDone) return false;
-  step->selection = nullptr;
-  reportRepeats(load, *step);
-  if (!load.qSized) {
-    nSequencesMax_ = firstCapacity(load, cursor);
-    xSEQ_.reserve(nSequencesMax_);
-    load.qSized = true;
+std::unique_ptr<qvEclipseSEQUENCE> RestartSetReader::makeStep(const std::string& path) {
+  auto step = std::make_unique<qvEclipseSEQUENCE>(session_);
+  const bool unified = options_.Unified;
+  step->LoadData = options_.LoadData;
+  step->FileName = path;
+  step->iSeqnum = unified ? -1 : GetNumericPartOfFileName(path);
+  step->iStart = unified ? wanted_.iFirst : options_.iStart;
+  step->iEnd = unified ? wanted_.iLast : options_.iEnd;
+  step->Unified = unified;
+  step->ReadOnlyHeader = options_.ReadOnlyHeader;
+  step->qMarkers = options_.qMarkers;
+  step->Origin = options_.Origin;
+  step->selection = &options_.selection;
+  step->partsBefore = before_ ? &*before_ : nullptr;
+  return step;
+}
+
+bool RestartSetReader::readStep(RecordCursor& cursor, std::size_t entry) {
+  auto step = makeStep(cursor.path());
+  start_ = cursor.nextPosition();
+  const StepEnd end = StepReader(*step, *step, session_).read(cursor);
+  step->partsBefore = nullptr;
+  if (end.cancelled) return false;
+  atEnd_ = end.atEnd;
+  if (!end.anyRecord) return true;  // blank lines behind the last record
+  if (end.damaged) noteDamage();
+  const bool last = end.atEnd && !end.damageBehind && entry + 1 == options_.zMultList.size();
+  const bool complete = checkComplete(*step, end, cursor, last);
+  if (complete && !end.headersOnly) before_ = end.parts;
+  noteLast(*step);
+  stop_ = wanted_.endAt(step->iSeqnum) || step->qPastEnd;
+  if (complete && wanted_.contain(step->iSeqnum) && !keepStep(std::move(step))) return false;
+  if (end.damageBehind) {
+    if (atEnd_) throw BadRecord(*end.damageBehind);
+    noteDamage();
+    session_.diagnose(*end.damageBehind);
   }
-  addSEQUENCE(std::move(step));
+  return !session_.yield();
+}
+
+void RestartSetReader::noteLast(const qvEclipseSEQUENCE& step) {
+  set_.iDay = step.iDay;
+  set_.iMonth = step.iMonth;
+  set_.iYear = step.iYear;
+  set_.iLastStep = step.iSeqnum;
+  set_.nGrids = step.nGrids;
+  if (step.qHaveHeader && set_.iFirstHeader.empty()) set_.iFirstHeader = step.iHeader;
+}
+
+bool RestartSetReader::keepStep(std::unique_ptr<qvEclipseSEQUENCE> step) {
+  const auto derive = [&] { addDerivedSaturations(*step, *step, session_); };
+  if (!attempted(session_, "qvEclipseSEQUENCE", "addDerivedData", derive)) return false;
+  step->selection = nullptr;
+  reportRepeats(*step);
+  set_.xSEQ.push_back(std::move(step));
   return true;
 }
 
 /// A host that selects by number or name gets one of several; a position selects each.
-void qvEclipseSOLUTION::reportRepeats(Load& load, const qvEclipseSEQUENCE& step) const {
+void RestartSetReader::reportRepeats(const qvEclipseSEQUENCE& step) {
   const auto report = [&](bool& reported, Message message, std::uint64_t offset, std::string found) {
     if (std::exchange(reported, true)) return;
-    session_->diagnose({.message = message,
-                        .path = step.FileName,
-                        .offset = offset,
-                        .found = std::move(found),
-                        .action = "kept both; each is selected by its position"});
+    session_.diagnose({.message = message,
+                       .path = step.FileName,
+                       .offset = offset,
+                       .found = std::move(found),
+                       .action = "kept both; each is selected by its position"});
   };
-  if (!load.numbers.insert(step.iSeqnum).second)
-    report(load.stepTwice, Message::StepTwice, load.start, fmt::format("2 steps {}", step.iSeqnum));
-  for (std::int32_t iGrid = 1; iGrid <= step.nGrids && !load.arrayTwice; ++iGrid) {
+  if (!numbers_.insert(step.iSeqnum).second)
+    report(stepTwice_, Message::StepTwice, start_, fmt::format("2 steps {}", step.iSeqnum));
+  for (std::int32_t iGrid = 1; iGrid <= step.nGrids && !arrayTwice_; ++iGrid) {
     const auto& arrays = step.grid(iGrid).arrays.arrays();
-    if (const auto again = repeatedArray(arrays, load.names); again < arrays.size())
-      report(load.arrayTwice, Message::ArrayTwice, arrays[again].header.headerAt,
+    if (const auto again = repeatedArray(arrays, names_); again < arrays.size())
+      report(arrayTwice_, Message::ArrayTwice, arrays[again].header.headerAt,
              fmt::format("{} twice in step {}", arrays[again].name, step.iSeqnum));
   }
 }
 
-/// Steps to expect, by the size of the first.
-std::size_t qvEclipseSOLUTION::firstCapacity(const Load& load, const RecordCursor& cursor) const {
-  std::size_t steps = load.expected;
-  if (Unified) {
-    const auto size = static_cast<double>(cursor.fileSize());
-    const auto done = static_cast<double>(std::max<std::uint64_t>(cursor.nextPosition(), 1));
-    steps = static_cast<std::size_t>(std::llround(size / done));
-  }
-  return steps < 1 ? stepGrowth : std::min(steps, mostExpected);
-}
-
-void qvEclipseSOLUTION::addSEQUENCE(std::unique_ptr<qvEclipseSEQUENCE> step) {
-  if (xSEQ_.size() == nSequencesMax_) {
-    nSequencesMax_ += stepGrowth;
-    xSEQ_.reserve(nSequencesMax_);
-  }
-  xSEQ_.push_back(std::move(step));
-  ++nSequences_;
-}
-
 /// Reports a step that is not complete, as a running or a killed simulation leaves it: not an error.
-bool qvEclipseSOLUTION::checkComplete(const Load& load, const qvEclipseSEQUENCE& step,
-                                      const RecordCursor& cursor, bool last) {
-  const StepParts* before = last && load.before ? &*load.before : nullptr;
-  const auto missing =
-      step.qHeadersOnly ? std::string_view() : missingPart(step.parts(), before, last && !before && Unified);
+bool RestartSetReader::checkComplete(const qvEclipseSEQUENCE& step, const StepEnd& end,
+                                     const RecordCursor& cursor, bool last) {
+  const StepParts* before = last && before_ ? &*before_ : nullptr;
+  const auto missing = end.headersOnly ? std::string_view()
+                                       : missingPart(end.parts, before, last && !before && options_.Unified);
   if (missing.empty()) return true;
-  qDamaged = true;
-  const bool atEnd = step.qAtEnd;
+  set_.qDamaged = true;
+  const bool atEnd = end.atEnd;
   auto diagnosis = incompleteStep(cursor.path(), step.iSeqnum, missing,
                                   atEnd ? cursor.fileSize() : cursor.nextPosition(), atEnd ? "" : "SEQNUM");
-  diagnosis.action = fmt::format("skipped the step; kept {} steps", nSequences_);
-  session_->diagnose(std::move(diagnosis));
+  diagnosis.action = fmt::format("skipped the step; kept {} steps", set_.NumSequences());
+  session_.diagnose(std::move(diagnosis));
   return false;
 }
 
 /// Reports damage that no record follows. It ends a file but says nothing of the other files of a set. A last
 /// record that is truncated is what a running simulation leaves.
-void qvEclipseSOLUTION::reportDamage(Load& load, std::size_t entry, Diagnosis diagnosis) {
-  const bool last = entry + 1 == zMultList.size();
-  qDamaged = true;
-  load.qFailed = load.qFailed || !(last && diagnosis.cutOff);
-  diagnosis.action = last ? fmt::format("kept {} steps", nSequences_) : "continued with the next file";
-  session_->diagnose(std::move(diagnosis));
+void RestartSetReader::reportDamage(std::size_t entry, Diagnosis diagnosis) {
+  const bool last = entry + 1 == options_.zMultList.size();
+  set_.qDamaged = true;
+  failed_ = failed_ || !(last && diagnosis.cutOff);
+  diagnosis.action =
+      last ? fmt::format("kept {} steps", set_.NumSequences()) : "continued with the next file";
+  session_.diagnose(std::move(diagnosis));
 }
 
 }  // namespace lumbarn
