@@ -6,6 +6,7 @@ set(lumbarn_public_headers
   arrays/ArrayTable.h
   arrays/ColumnTable.h
   files/UserTestWords.h
+  files/FileSets.h
   frame/BatchBuilder.h
   frame/BatchData.h
   frame/Column.h
@@ -26,6 +27,7 @@ set(lumbarn_public_headers
   index/SectionTracker.h
   index/qvEclipseINSPEC.h
   index/qvEclipseRSSPEC.h
+  index/IndexFileReading.h
   init/Connections.h
   init/InitGrid.h
   init/ModelFlags.h
@@ -54,6 +56,12 @@ set(lumbarn_public_headers
   restart/qvEclipseSAVESequence.h
   restart/qvEclipseSEQUENCE.h
   restart/qvEclipseSOLUTION.h
+  restart/StepOptions.h
+  restart/StepViews.h
+  restart/StepData.h
+  restart/SaveStep.h
+  restart/SaveSet.h
+  restart/RestartSet.h
   run/Dense.h
   run/Run.h
   run/Selections.h

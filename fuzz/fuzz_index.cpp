@@ -8,6 +8,7 @@
 #include "arrays/ArrayReader.h"
 #include "index/RestartIndexAgreement.h"
 #include "index/qvEclipseINSPEC.h"
+#include "index/qvEclipseRSSPEC.h"
 #include "support/IndexedRun.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);

@@ -137,7 +137,6 @@ ArrayReader::~ArrayReader() = default;
 void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>& qFileTypeSettings,
                               FetchColumn column, std::int64_t first, std::span<float> values, bool& qOK) {
   guarded(*session_, qOK, className, "readFetched", [&] {
-    current_.reset();
     const RecordHeader header = headerOf(column);
     const Form form = formOf(qFileTypeSettings, *session_);
     if (!cursor_ || cursor_->path() != file || !(cursor_->form() == form)) {
@@ -195,39 +194,8 @@ ArrayReader::Found ArrayReader::foundEntry(const IndexStep& step, const IndexEnt
   return {&step, entry, grid, step.cellsOf(grid)};
 }
 
-Diagnosis ArrayReader::refusal(const Found& array, Message message) const {
-  return {.message = message,
-          .path = index_->files[array.step->file],
-          .keyword = std::string(array.entry.keyword.view()),
-          .offset = array.entry.isDerived() ? array.step->position : array.entry.position,
-          .expected = fmt::format("{} of {} cells active", array.cells.active, array.cells.cells),
-          .found = fmt::format("{} values", array.entry.count)};
-}
-
 RecordCursor& ArrayReader::moveTo(const Found& array) {
-  const std::string& path = index_->files[array.step->file];
-  if (!cursor_ || cursor_->path() != path) {
-    std::string why;
-    current_.reset();
-    cursor_ = openRecords(path, why);
-    if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = path, .problem = why});
-  }
-  if (auto change = changedSince(index_->stamps[array.step->file], path)) throw BadRecord(std::move(*change));
-  const IndexEntry& entry = array.entry;
-  if (current_ == entry.position) return *cursor_;
-  current_.reset();
-  cursor_->seek(entry.position);
-  const bool there = cursor_->next();
-  const RecordHeader& header = cursor_->header();
-  if (!there || header.keyword != entry.keyword.view() || header.count != entry.count ||
-      header.typeWord != entry.typeWord.view()) {
-    Diagnosis diagnosis = refusal(array, Message::ArrayMoved);
-    diagnosis.expected = fmt::format("{} of {} {}", entry.keyword.view(), entry.count, entry.typeWord.view());
-    diagnosis.found = fmt::format("{} of {} {}", header.keyword, header.count, header.typeWord);
-    throw BadRecord(std::move(diagnosis));
-  }
-  current_ = entry.position;
-  return *cursor_;
+  return records_.moveTo(*index_, *array.step, array.entry);
 }
 
 template <class Number>

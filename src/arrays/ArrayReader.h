@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "../index/IndexedRecords.h"
 #include "../index/RestartIndex.h"
 #include "../record/RecordCursor.h"
 #include "../support/Session.h"
@@ -86,7 +87,6 @@ class ArrayReader {
   };
   Found find(std::int32_t step, std::string_view name, std::string_view grid);
   Found foundEntry(const IndexStep& step, const IndexEntry& entry, std::string_view grid) const;
-  Diagnosis refusal(const Found& array, Message message) const;
   RecordCursor& moveTo(const Found& array);
   template <class Number>
   void readElements(const Found& array, std::int64_t first, std::span<Number> values);
@@ -95,8 +95,8 @@ class ArrayReader {
 
   Session* session_;
   std::shared_ptr<const RestartIndex> index_ = std::make_shared<const RestartIndex>();
-  std::unique_ptr<RecordCursor> cursor_;  // on the file that was read last
-  std::optional<std::uint64_t> current_;  // the record of it that the cursor is on, if it was moved there
+  IndexedRecords records_{*session_};
+  std::unique_ptr<RecordCursor> cursor_;  // of `readFetched`
   bool repeatReported_ = false;
 };
 

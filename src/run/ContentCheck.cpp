@@ -6,7 +6,6 @@
 #include "../grid/qvGRIDReader.h"
 #include "../index/RestartIndex.h"
 #include "../index/RestartIndexAgreement.h"
-#include "../index/qvEclipseINSPEC.h"
 #include "../init/qvEclipseINIT.h"
 #include "../restart/qvEclipseSAVE.h"
 #include "../summary/RestartChain.h"

@@ -1,5 +1,6 @@
 #include "../files/Recogniser.h"
 #include "../index/qvEclipseINSPEC.h"
+#include "../index/qvEclipseRSSPEC.h"
 #include "../vocabulary/Units.h"
 #include "RunFacts.h"
 

@@ -8,7 +8,6 @@
 #include "../files/Recogniser.h"
 #include "../frame/Error.h"
 #include "../index/RestartIndexAgreement.h"
-#include "../index/qvEclipseINSPEC.h"
 #include "../support/Closest.h"
 #include "../support/Text.h"
 
