@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "../support/Fault.h"
-#include "../support/Text.h"
+#include "../vocabulary/UnitChange.h"
 #include "qvGridProcessor.h"
 
 namespace lumbarn {
@@ -22,11 +22,8 @@ void require(bool condition) {
 
 /// Metres in a unit of length, 0 for one that is not known.
 double metres(std::string_view unit) {
-  if (unit.empty()) return 0;
-  if (equalNoCase(unit.substr(0, 5), "METRE") || equalNoCase(unit, "M")) return 1;
-  if (equalNoCase(unit, "FEET") || equalNoCase(unit, "FT")) return 0.3048;
-  if (equalNoCase(unit, "CM")) return 0.01;
-  return 0;
+  const auto change = unitChange(unit, "M");
+  return change ? change->factor : 0;
 }
 
 }  // namespace

@@ -19,19 +19,6 @@ namespace lumbarn {
 
 namespace {
 
-/// The number of a grid, from 0. Throws Error NotFound.
-std::size_t numberOf(const Grids& grids, const std::string& name, const std::string& root) {
-  if (isGlobalGrid(name)) return 0;
-  std::vector<std::string> names;
-  std::string list;
-  for (const auto& grid : grids) {
-    if (equalNoCase(grid->zName, trim(name))) return names.size();
-    names.push_back(toUtf8(grid->zName));
-    list += (list.empty() ? "" : ", ") + names.back();
-  }
-  throwNotFound(root, fmt::format("has no grid {}; it has {}", name, list), name, names);
-}
-
 std::string axesText(const Hadrick& grid) {
   if (!grid.dMapAxes) return "";
   std::string text;
@@ -180,6 +167,18 @@ Grids readGrids(const RunState& run, Session& session) {
 
 }  // namespace
 
+std::size_t positionOf(const Grids& grids, const std::string& name, const std::string& root) {
+  if (isGlobalGrid(name)) return 0;
+  std::vector<std::string> names;
+  std::string list;
+  for (const auto& grid : grids) {
+    if (equalNoCase(grid->zName, trim(name))) return names.size();
+    names.push_back(toUtf8(grid->zName));
+    list += (list.empty() ? "" : ", ") + names.back();
+  }
+  throwNotFound(root, fmt::format("has no grid {}; it has {}", name, list), name, names);
+}
+
 std::shared_ptr<const Grids> RunState::grids(StreamContext& context) const {
   return grids_.get(context, [&](Session& session) { return readGrids(*this, session); });
 }
@@ -188,7 +187,7 @@ Stream Run::grids(const std::string& name, const ReadOptions& options) const {
   try {
     auto context = std::make_shared<StreamContext>(options);
     const auto grids = state_->grids(*context);
-    const std::size_t first = name.empty() ? 0 : numberOf(*grids, name, root());
+    const std::size_t first = name.empty() ? 0 : positionOf(*grids, name, root());
     const std::size_t end = name.empty() ? grids->size() : first + 1;
     const auto& unit = grids->front()->zGridUnit;
     return streamOfRows(gridColumns(toUtf8(unit)), std::move(context),
@@ -205,7 +204,7 @@ Stream Run::corners(const CornerSelection& selection, const ReadOptions& options
   try {
     auto context = std::make_shared<StreamContext>(options);
     const auto grids = state_->grids(*context);
-    const auto& grid = (*grids)[numberOf(*grids, selection.grid, root())];
+    const auto& grid = (*grids)[positionOf(*grids, selection.grid, root())];
     auto schema = std::make_shared<const Schema>(cornerColumns(*grid));
     auto source = std::make_unique<CornerBatches>(schema, context, grid, selection);
     return {std::move(schema), std::move(context), std::move(source)};

@@ -10,6 +10,7 @@
 #include "../arrays/ActiveCells.h"
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
+#include "../support/System.h"
 #include "Lazy.h"
 #include "SummaryState.h"
 
@@ -22,7 +23,7 @@ using Grids = std::vector<std::shared_ptr<Hadrick>>;
 /// members change, and they may be used from several threads.
 class RunState {
  public:
-  explicit RunState(RunFamily family) : family_(std::move(family)), summary_(family_) {}
+  explicit RunState(RunFamily family);
   RunState(const RunState&) = delete;
   RunState& operator=(const RunState&) = delete;
 
@@ -47,10 +48,14 @@ class RunState {
 
   const SummaryState& summary() const { return summary_; }
 
+  /// Whether a file differs from the one that was there when the run was opened, other than by growth.
+  bool changed() const;
+
  private:
   std::string pathOf(FileKind kind) const;
 
   RunFamily family_;
+  std::vector<std::optional<FileStamp>> stamps_;  // of the members, when the run was opened
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
   Lazy<Grids> grids_;
@@ -59,6 +64,9 @@ class RunState {
   mutable std::map<GridKey, Lazy<std::optional<ActiveCells>>> active_;
   SummaryState summary_;
 };
+
+/// The position of a grid by its name, from 0; empty and ROOT mean the global one. Throws Error NotFound.
+std::size_t positionOf(const Grids& grids, const std::string& name, const std::string& root);
 
 /// Throws Error NotFound, with similar names among those that there are.
 [[noreturn]] void throwNotFound(const std::string& path, const std::string& problem, std::string_view name,
