@@ -6,7 +6,7 @@
 
 #include "../support/Fault.h"
 #include "../vocabulary/UnitChange.h"
-#include "qvGridProcessor.h"
+#include "CellNumbers.h"
 
 namespace lumbarn {
 
@@ -86,8 +86,10 @@ std::int32_t Hadrick::setActive(std::vector<std::int32_t> iACTNUM) {
   cells_.clear();
   nActive_ = nCells();
   if (numbers_.empty()) return refused;
-  bool qOK = false;
-  processACTNUM(Nx_, Ny_, Nz_, cells_, numbers_, nActive_, qOK);
+  if (auto numbers = numberActiveCells(Nx_, Ny_, Nz_, numbers_)) {
+    cells_ = std::move(numbers->cells);
+    nActive_ = numbers->count;
+  }
   if (nActive_ == nCells() && !compressed_) {
     numbers_ = {};
     cells_ = {};
