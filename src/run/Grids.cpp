@@ -7,11 +7,12 @@
 
 #include "../frame/BatchData.h"
 #include "../frame/Error.h"
+#include "../grid/GridFile.h"
 #include "../grid/Hadrick.h"
 #include "../grid/RadialGrid.h"
 #include "../grid/Refinement.h"
-#include "../grid/qvGRIDReader.h"
 #include "../support/Text.h"
+#include "Diagnosed.h"
 #include "Run.h"
 #include "RunState.h"
 
@@ -143,21 +144,21 @@ Grids readGrids(const RunState& run, Session& session) {
                                         .path = run.root(),
                                         .problem = "has no grid file (EGRID or GRID)"});
   }
-  qvGRIDReader reader(session);
   const bool egrid = file->kind == FileKind::EGrid;
-  if (!(egrid ? reader.CheckEGRIDFile(file->path) : reader.CheckGRIDFile(file->path))) {
+  const auto recognised = recogniseGridFile(file->path, egrid);
+  if (!recognised) {
     throw BadRecord({.message = Message::FileType,
                      .path = file->path,
                      .problem = fmt::format("does not begin with {}", egrid ? "FILEHEAD" : "DIMENS")});
   }
-  bool qOK = false;
-  egrid ? reader.ReadEclipseEGridFile(qOK) : reader.ReadEclipseGridFile(qOK);
+  GridFileContent content;
+  diagnosed(session, [&] { return readGridFile(*recognised, recognised->open(), {}, session, content); });
   if (session.cancelled()) throw LoadCanceled();
-  if (reader.xGrids.empty()) {
+  if (content.grids.empty()) {
     throw BadRecord(
         {.message = Message::GridMissing, .path = file->path, .problem = "no grid can be read from it"});
   }
-  return reader.xGrids;
+  return std::move(content.grids);
 }
 
 }  // namespace

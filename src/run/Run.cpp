@@ -64,6 +64,8 @@ std::optional<std::int32_t> Run::namedStep() const {
   return given->step;
 }
 
+bool Run::changed() const { return state_->changed(); }
+
 std::vector<StepInfo> Run::steps(const ReadOptions& options) const {
   try {
     StreamContext context(options);

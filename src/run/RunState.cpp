@@ -27,6 +27,18 @@ RestartIndex checked(RestartIndex index, StreamContext& context) {
 
 }  // namespace
 
+RunState::RunState(RunFamily family) : family_(std::move(family)), summary_(family_) {
+  for (const RunMember& member : family_.members) stamps_.push_back(stampOf(member.path));
+}
+
+bool RunState::changed() const {
+  for (std::size_t i = 0; i < stamps_.size(); ++i) {
+    const auto now = stampOf(family_.members[i].path);
+    if (stamps_[i] && (!now || changeBetween(*stamps_[i], *now) != FileChange::None)) return true;
+  }
+  return false;
+}
+
 const RunMember& RunState::file(FileKind kind) const {
   if (const RunMember* member = family_.find(kind)) return *member;
   throw Error(Error::Kind::NotFound, {.message = Message::RunFileMissing,

@@ -10,6 +10,7 @@
 #include "../arrays/ActiveCells.h"
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
+#include "../support/System.h"
 #include "Lazy.h"
 #include "SummaryState.h"
 
@@ -22,7 +23,7 @@ using Grids = std::vector<std::shared_ptr<Hadrick>>;
 /// members change, and they may be used from several threads.
 class RunState {
  public:
-  explicit RunState(RunFamily family) : family_(std::move(family)), summary_(family_) {}
+  explicit RunState(RunFamily family);
   RunState(const RunState&) = delete;
   RunState& operator=(const RunState&) = delete;
 
@@ -49,12 +50,16 @@ class RunState {
 
   const SummaryState& summary() const { return summary_; }
 
+  /// Whether a file differs from the one that was there when the run was opened, other than by growth.
+  bool changed() const;
+
  private:
   std::string pathOf(FileKind kind) const;
   std::optional<ActiveCells> activeInGridFile(StreamContext& context, const std::string& grid,
                                               const GridCells& cells) const;
 
   RunFamily family_;
+  std::vector<std::optional<FileStamp>> stamps_;  // of the members, when the run was opened
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
   Lazy<Grids> grids_;
