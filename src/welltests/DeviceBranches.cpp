@@ -9,9 +9,9 @@ namespace lumbarn {
 
 namespace {
 
-/// Limit of the steps from segment to segment in one test, for each of its segments. Flow paths of wells have a
-/// device or two before the tubing; those of a damaged file can be rings, which the counter of the walk ends,
-/// but only after as many steps as there are segments, for each of them.
+/// Limit of the steps from segment to segment in one test, for each of its segments. Flow paths of wells have
+/// a device or two before the tubing; those of a damaged file can be rings, which the counter of the walk
+/// ends, but only after as many steps as there are segments, for each of them.
 constexpr std::int64_t mostStepsPerSegment = 1000;
 
 ReportedFault noWayToTubing(const TestWork& work, std::string found,
@@ -50,8 +50,7 @@ std::vector<ICDBranchRecord> deviceBranches(const TestWork& work, std::size_t nM
     const std::int32_t b = test.segment(t).BRNO;
     const auto [found, isNew] = recordOf.try_emplace(b, recordOf.size());
     if (isNew) {
-      if (recordOf.size() > nMost)
-        throw noWayToTubing(work, "more tubing branches than device branches");
+      if (recordOf.size() > nMost) throw noWayToTubing(work, "more tubing branches than device branches");
       branches.resize(recordOf.size());
       branches.back().iTubingBranch = b;
     }

@@ -12,12 +12,12 @@ namespace lumbarn {
 
 /// Options of the PLT arithmetic. Nothing in the system ever changes those of a test, see `qvEclipseRFT`.
 struct TestOptions {
-  bool ProcessPLT = true;    ///< re-form the PLT table at all
-  bool SortedPLT = true;     ///< rows by measured depth
-  bool ScaledPLT = true;     ///< rates by length of connection. False ends the re-forming of a test with
-                             ///< rates in a fault: the table of results asks for the scaled columns all the
-                             ///< same
-  float ICDLength = 0.1F;    ///< length of the segments that represent inflow control devices
+  bool ProcessPLT = true;  ///< re-form the PLT table at all
+  bool SortedPLT = true;   ///< rows by measured depth
+  bool ScaledPLT = true;   ///< rates by length of connection. False ends the re-forming of a test with
+                           ///< rates in a fault: the table of results asks for the scaled columns all the
+                           ///< same
+  float ICDLength = 0.1F;  ///< length of the segments that represent inflow control devices
   bool ProcessICD = true;
 };
 
@@ -43,6 +43,10 @@ struct ProcessedTest {
   std::int32_t nDevices = 0;
   std::int32_t nMovedBranches = 0;  ///< branches of devices, removed from the list
 
+  // Hosts get these from a WELLETC that was read to its end only.
+  std::string_view well() const { return header.named ? header.well() : std::string_view(); }
+  std::string_view grid() const { return header.named ? header.grid() : std::string_view(); }
+  std::string_view wellType() const { return getWellType(header.named ? header.wellType() : ""); }
   std::int32_t nBranches() const { return tables.nBranches - nMovedBranches; }
   std::int32_t nDeviceBranches() const { return static_cast<std::int32_t>(deviceBranches.size()); }
   /// Throws Fault 9 for a segment that is not there.

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "../support/Guarded.h"
+#include "Attempt.h"
 #include "TestProcessing.h"
 #include "TestResults.h"
 
@@ -10,22 +10,7 @@ namespace lumbarn {
 
 namespace {
 
-/// What a body returns; nothing after an exception, which is reported in the name of the routine.
-template <class Body>
-std::invoke_result_t<Body> attempt(Session& session, const char* routine, Body body) noexcept {
-  try {
-    return body();
-  } catch (...) {
-    reportCurrentException(session, "QVEclipseRFTtest", routine);
-    return {};
-  }
-}
-
-template <class Result>
-void give(std::optional<Result> result, Result& out, bool& qOK) {
-  qOK = result.has_value();
-  if (qOK) out = std::move(*result);
-}
+constexpr const char* className = "QVEclipseRFTtest";
 
 /// True when the file ended with the test.
 bool readTest(RecordWalk& walk, Session& session, ProcessedTest& test, const TestOptions& options) {
@@ -49,22 +34,24 @@ bool readTest(RecordWalk& walk, Session& session, ProcessedTest& test, const Tes
 }  // namespace
 
 bool QVEclipseRFTtest::read(RecordWalk& reader) {
-  return attempt(*session_, "getEclipseRFTtest", [&] { return readTest(reader, *session_, test_, *this); });
+  return attempt(*session_, className, "getEclipseRFTtest",
+                 [&] { return readTest(reader, *session_, test_, *this); });
 }
 
 std::optional<XYData> QVEclipseRFTtest::data(TestPart part, std::int32_t iBranch) const {
   switch (part) {
     case TestPart::Rft:
-      return attempt(*session_, "getRFTtestData", [&] { return rftData(test_, *session_); });
+      return attempt(*session_, className, "getRFTtestData", [&] { return rftData(test_, *session_); });
     case TestPart::Plt:
-      return attempt(*session_, "getPLTtestData", [&] { return pltData(test_, *session_); });
+      return attempt(*session_, className, "getPLTtestData", [&] { return pltData(test_, *session_); });
     case TestPart::PltBranch:
-      return attempt(*session_, "getPLTBranchtestData",
+      return attempt(*session_, className, "getPLTBranchtestData",
                      [&] { return pltBranchData(test_, iBranch, *session_); });
     case TestPart::Branch:
-      return attempt(*session_, "getBRANCHtestData", [&] { return branchData(test_, iBranch, *session_); });
+      return attempt(*session_, className, "getBRANCHtestData",
+                     [&] { return branchData(test_, iBranch, *session_); });
     case TestPart::Devices:
-      return attempt(*session_, "getICDBRANCHtestData",
+      return attempt(*session_, className, "getICDBRANCHtestData",
                      [&] { return deviceBranchData(test_, iBranch, *session_); });
     default:
       return std::nullopt;
@@ -74,15 +61,17 @@ std::optional<XYData> QVEclipseRFTtest::data(TestPart part, std::int32_t iBranch
 std::optional<ByteTable> QVEclipseRFTtest::headers(TestPart part) const {
   const bool branch = part == TestPart::PltBranch;
   if (part == TestPart::Rft)
-    return attempt(*session_, "getRFTtestHeaders", [&] { return std::optional(rftHeaders(test_)); });
+    return attempt(*session_, className, "getRFTtestHeaders",
+                   [&] { return std::optional(rftHeaders(test_)); });
   if (part == TestPart::Plt || branch)
-    return attempt(*session_, "getPLTtestHeaders", [&] { return std::optional(pltHeaders(test_, branch)); });
+    return attempt(*session_, className, "getPLTtestHeaders",
+                   [&] { return std::optional(pltHeaders(test_, branch)); });
   return segmentHeaders(1, part == TestPart::Devices ? "ICDBRAN" : "");
 }
 
 std::optional<ByteTable> QVEclipseRFTtest::segmentHeaders(std::int32_t iIndex,
                                                           std::string_view zClass) const {
-  return attempt(*session_, "getSEGtestHeaders",
+  return attempt(*session_, className, "getSEGtestHeaders",
                  [&] { return std::optional(segmentTableHeaders(test_, iIndex, zClass)); });
 }
 
@@ -95,14 +84,14 @@ std::optional<TestResult> QVEclipseRFTtest::table(TestPart part, std::int32_t iB
 }
 
 std::optional<XYData> QVEclipseRFTtest::segmentValues(std::int32_t iSegment) const {
-  return attempt(*session_, "getSegmenttestData", [&]() -> std::optional<XYData> {
+  return attempt(*session_, className, "getSegmenttestData", [&]() -> std::optional<XYData> {
     if (!validSegmentIndex(iSegment)) return std::nullopt;
     return segmentData(test_, iSegment, *session_);
   });
 }
 
 bool QVEclipseRFTtest::fillGrids(std::vector<char>& bGrids) const {
-  return attempt(*session_, "getRFTtestGrids", [&] {
+  return attempt(*session_, className, "getRFTtestGrids", [&] {
     if (nRFT() > 0) bGrids = gridNames(test_);
     return true;
   });

@@ -26,8 +26,8 @@ struct TestResult {
 ///
 /// Results are singles, `XYData(row, column)`, with a header record of 233 bytes for each column. Rows,
 /// columns, branches and segments count from 1. After qOK False, outputs are what they were before unless
-/// stated otherwise. Run-time faults (number 9 for a column, branch or segment that is not there) are reported
-/// through the session; data that are skipped are reported as a Diagnosis with the record's offset.
+/// stated otherwise. Run-time faults (number 9 for a column, branch or segment that is not there) are
+/// reported through the session; data that are skipped are reported as a Diagnosis with the record's offset.
 class QVEclipseRFTtest : public TestOptions {
  public:
   /// The tables and texts of the file lie in `memory`, which must outlive the test.
@@ -95,10 +95,10 @@ class QVEclipseRFTtest : public TestOptions {
   std::optional<Moment> date() const { return test_.header.moment(); }  ///< see `WellTest::date`
   float time() const { return test_.header.time; }                      ///< as the file has it
   double days() const { return test_.header.days(); }
-  std::string_view well() const { return test_.header.well(); }
-  std::string_view grid() const { return test_.header.grid(); }  ///< empty for the main grid
-  std::string_view origin() const { return {}; }                 ///< no record has one
-  std::string_view wellType() const { return test_.header.wellType(); }
+  std::string_view well() const { return test_.well(); }
+  std::string_view grid() const { return test_.grid(); }  ///< empty for the main grid
+  std::string_view origin() const { return {}; }          ///< no record has one
+  std::string_view wellType() const { return test_.wellType(); }
   std::int32_t testNumber() const { return test_.number; }  ///< within the well, from 1; 0 before numbering
   void setTestNumber(std::int32_t number) { test_.number = number; }
   bool qRFT() const { return test_.tables.hasRft; }

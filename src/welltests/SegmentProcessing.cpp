@@ -124,8 +124,8 @@ void processBRANCHData(TestWork& work) {
   }
 }
 
-/// A device is recognized by its length alone, so a branch is taken for one of devices only when they are half
-/// of its segments or more.
+/// A device is recognized by its length alone, so a branch is taken for one of devices only when they are
+/// half of its segments or more.
 void processSEGMENTData(TestWork& work) {
   ProcessedTest& test = work.test;
   const TestTables& tables = test.tables;

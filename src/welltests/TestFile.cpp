@@ -224,10 +224,9 @@ std::unique_ptr<TestFile> openUsers(const std::string& path, FileKind kind, Test
   qvUserRFT file(session);
   const bool rft = kind == FileKind::UserRft;
   if (!(rft ? file.CheckRFTFile(path) : file.CheckPLTFile(path))) return nullptr;
-  bool qOK = false;
-  rft ? file.getRFTData(qOK) : file.getPLTData(qOK);
-  if (!qOK) return nullptr;
-  return std::make_unique<UserTests>(file.tests(rft ? UserTestKind::Rft : UserTestKind::Plt), kind, part);
+  const auto userKind = rft ? UserTestKind::Rft : UserTestKind::Plt;
+  if (!file.readFile(userKind)) return nullptr;
+  return std::make_unique<UserTests>(file.tests(userKind), kind, part);
 }
 
 }  // namespace

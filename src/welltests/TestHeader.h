@@ -36,10 +36,11 @@ struct TestHeader {
   explicit TestHeader(std::pmr::memory_resource* memory = std::pmr::get_default_resource())
       : welletc{std::pmr::string(memory)} {}
 
-  std::uint64_t beginsAt = 0;  ///< byte offset of the test's first record
-  float time = 0;              ///< in the unit in WELLETC
+  std::uint64_t beginsAt = 0;                       ///< byte offset of the test's first record
+  float time = 0;                                   ///< in the unit in WELLETC
   std::optional<std::array<std::int32_t, 3>> date;  ///< day, month, year as the file has them
   TextArray welletc;
+  bool named = false;  ///< WELLETC was read to its end
 
   std::string_view well() const { return welletc.textOf(WelletcText::Well); }
   std::string_view grid() const { return welletc.textOf(WelletcText::Grid); }  ///< empty for the main grid

@@ -10,7 +10,7 @@ void putHeader(ByteTable& bHeaders, std::size_t iColumn, std::string_view zKind,
                const ProcessedTest& test, std::string_view zName) {
   setAttribute(attributeDataKind, bHeaders, iColumn, zKind);
   setAttribute(attributeUnits, bHeaders, iColumn, zUnits);
-  setAttribute(attributeMember, bHeaders, iColumn, test.header.well());
+  setAttribute(attributeMember, bHeaders, iColumn, test.well());
   setAttribute(attributeIndex, bHeaders, iColumn, std::to_string(test.number));
   setAttribute(attributeVariable, bHeaders, iColumn, zName);
   // No table describes the vectors of these classes: each name is its own description.
@@ -48,7 +48,8 @@ ByteTable rftHeaders(const ProcessedTest& test) {
   for (std::int32_t i = 0; i < rft.count; ++i) {
     const std::string_view zName =
         rft.columns[static_cast<std::size_t>((test.tables.depthColumn - 1 + i) % rft.count)].name;
-    putHeader(headers, static_cast<std::size_t>(i + 1), "RFT", unitOf(zName, test.header.welletc), test, zName);
+    putHeader(headers, static_cast<std::size_t>(i + 1), "RFT", unitOf(zName, test.header.welletc), test,
+              zName);
   }
   return headers;
 }

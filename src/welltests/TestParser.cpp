@@ -27,13 +27,10 @@ bool readHeaderRecord(RecordCursor& cursor, TestHeader& test) {
       if (header.keyword != "WELLETC") return false;
       TextArray& texts = test.welletc;
       texts.width = static_cast<std::size_t>(header.width);
-      texts.bytes.resize(static_cast<std::size_t>(header.count) * texts.width);
-      try {
-        cursor.readText(texts.bytes);
-      } catch (...) {
-        texts.bytes.clear();
-        throw;
-      }
+      // Blank, so that of a truncated record the texts that were read count.
+      texts.bytes.assign(static_cast<std::size_t>(header.count) * texts.width, ' ');
+      cursor.readText(texts.bytes);
+      test.named = true;
       return true;
     }
     default:

@@ -52,10 +52,9 @@ void runStep(TestWork& work, const char* routine, void (*step)(TestWork&), std::
     } catch (const ReportedFault&) {
       throw;
     } catch (const Fault& fault) {
-      work.report(
-          Message::WellTestDerived, {}, header.beginsAt,
-          fmt::format("test of well {}, {}: {}", header.well(), header.dateText(), fault.what()), {}, {},
-          lost);
+      work.report(Message::WellTestDerived, {}, header.beginsAt,
+                  fmt::format("test of well {}, {}: {}", work.test.well(), header.dateText(), fault.what()),
+                  {}, {}, lost);
       throw;
     }
   } catch (...) {
@@ -69,8 +68,7 @@ void processTest(TestWork& work) {
   runStep(work, "processRFTRecords", processRFTRecords, "left out oil saturations and completions");
   runStep(work, "processPLTRecords", processPLTRecords, "worked out nothing from its PLT");
   runStep(work, "processBRANCHData", processBRANCHData, "left out the branches behind the fault");
-  runStep(work, "processSEGMENTData", processSEGMENTData,
-          "left out the segments behind it, and all devices");
+  runStep(work, "processSEGMENTData", processSEGMENTData, "left out the segments behind it, and all devices");
   runStep(work, "processICDData", processICDData, "left out the device branches");
 }
 

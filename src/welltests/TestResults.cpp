@@ -164,7 +164,7 @@ XYData segmentData(const ProcessedTest& test, std::int32_t iSegment, const Sessi
 }
 
 std::vector<char> gridNames(const ProcessedTest& test) {
-  const std::string_view grid = test.header.grid();
+  const std::string_view grid = test.grid();
   const std::string word = std::string(grid.empty() ? "ROOT" : grid) + ' ';
   std::vector<char> names;
   names.reserve(word.size() * static_cast<std::size_t>(test.tables.nConnections));

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
+#include "Attempt.h"
 #include "TestParser.h"
 #include "TestRecords.h"
 #include "TestTables.h"
@@ -107,8 +107,7 @@ std::unique_ptr<WellTestReader> WellTestReader::open(const std::string& path, Se
 }
 
 bool WellTestReader::next(WellTest& test) {
-  bool qOK = false;
-  guarded(*session_, qOK, "WellTestReader", "next", [&] {
+  return attempt(*session_, "WellTestReader", "next", [&] {
     for (;;) {
       test = {};  // frees the memory of the test before
       if (records_->atDamage() && !records_->skipToTest(*session_)) return false;
@@ -118,7 +117,6 @@ bool WellTestReader::next(WellTest& test) {
       return false;
     }
   });
-  return qOK;
 }
 
 bool WellTestReader::readTest(WellTest& test) {

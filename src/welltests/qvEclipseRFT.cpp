@@ -6,7 +6,7 @@
 #include "../files/Recogniser.h"
 #include "../shapes/HeaderLayout.h"
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
+#include "Attempt.h"
 #include "TestMemory.h"
 #include "TimeOfDay.h"
 
@@ -19,8 +19,7 @@ constexpr const char* className = "qvEclipseRFT";
 }  // namespace
 
 bool qvEclipseRFT::CheckRFTFile(std::string_view zFile) {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "CheckRFTFile", [&] {
+  return attempt(*session_, className, "CheckRFTFile", [&] {
     const Recognised found = recogniseFile(std::string(zFile));
     if (found.kind != FileKind::Rft || !found.form) return false;
     FileName = zFile;
@@ -28,7 +27,6 @@ bool qvEclipseRFT::CheckRFTFile(std::string_view zFile) {
     setForm(*found.form);
     return true;
   });
-  return qOK;
 }
 
 cFILETYPE qvEclipseRFT::setSUMMARYFileTypeProps() const {
@@ -39,21 +37,19 @@ cFILETYPE qvEclipseRFT::setSUMMARYFileTypeProps() const {
   return xFile;
 }
 
-void qvEclipseRFT::getRFTData(bool& qOK) {
-  guarded(*session_, qOK, className, "getRFTData", [&] { return read(); });
-}
-
-bool qvEclipseRFT::read() {
-  qDamaged = false;
-  std::string why;
-  const auto reader = openWalk(FileName, setSUMMARYFileTypeProps().form(), why);
-  if (!reader) {
-    session_->diagnose(Diagnosis{.message = Message::FileOpen, .path = FileName, .problem = why});
-    return false;
-  }
-  if (!readTests(*reader)) return false;
-  numberTests();
-  return !(qDamaged && reader->recordsRead == 0);
+bool qvEclipseRFT::readFile() {
+  return attempt(*session_, className, "getRFTData", [&] {
+    qDamaged = false;
+    std::string why;
+    const auto reader = openWalk(FileName, setSUMMARYFileTypeProps().form(), why);
+    if (!reader) {
+      session_->diagnose(Diagnosis{.message = Message::FileOpen, .path = FileName, .problem = why});
+      return false;
+    }
+    if (!readTests(*reader)) return false;
+    numberTests();
+    return !(qDamaged && reader->recordsRead == 0);
+  });
 }
 
 /// False when the load was canceled.
@@ -182,8 +178,7 @@ void qvEclipseRFT::GetSEGMENTtest(std::int32_t iTest, XYData&, ByteTable&, std::
 
 void qvEclipseRFT::getSEGtest(std::int32_t iTest, XYData&, ByteTable&, std::int32_t&, std::string&,
                               std::string&, std::string&, bool& qOK) {
-  guarded(*session_, qOK, className, "getSEGtest",
-          [&] { return test(iTest).segmentValues(1).has_value(); });
+  guarded(*session_, qOK, className, "getSEGtest", [&] { return test(iTest).segmentValues(1).has_value(); });
 }
 
 void qvEclipseRFT::getRFTtestGrid(std::int32_t iTest, std::vector<char>& bGrids, bool& qOK) {

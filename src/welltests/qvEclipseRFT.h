@@ -44,7 +44,7 @@ class qvEclipseRFT : public FormFlags {
   /// is kept with the arrays read so far, qDamaged is set and a Diagnosis tells the place. qOK is False when
   /// the file cannot be opened, when not one record could be read, or when the load was canceled; then the
   /// tests read so far stay, those without numbers.
-  void getRFTData(bool& qOK);
+  void getRFTData(bool& qOK) { qOK = readFile(); }
   bool qDamaged = false;  ///< the last `getRFTData` met damage
 
   std::int32_t NumTests() const { return static_cast<std::int32_t>(tests_.size()); }
@@ -95,7 +95,9 @@ class qvEclipseRFT : public FormFlags {
   std::int32_t NumberPLTBranches(std::int32_t iTest) const;
   std::int32_t NumberICDBranches(std::int32_t iTest) const;
 
-  // Beyond what hosts ask for.
+  // For callers within the library.
+  /// `getRFTData`.
+  bool readFile();
   /// One test. Throws Fault 9 for a number that is not there.
   const QVEclipseRFTtest& test(std::int32_t iTest) const;
 
@@ -103,7 +105,6 @@ class qvEclipseRFT : public FormFlags {
   struct Outputs;
   cFILETYPE setSUMMARYFileTypeProps() const;
   bool validtestnumber(std::int32_t iTest) const { return iTest >= 1 && iTest <= NumTests(); }
-  bool read();
   bool readTests(RecordWalk& reader);
   bool numberTests();
   void fetch(TestPart part, const char* routine, std::int32_t iTest, std::int32_t iBranch, Outputs out,
