@@ -96,17 +96,15 @@ namespace {
 
 /// Reads all tests of a file, and gives their count.
 std::optional<std::int64_t> readTests(const std::string& path, FileKind kind, Session& session) {
-  bool qOK = false;
+  const auto count = [](const auto& file) { return std::optional<std::int64_t>(file.NumTests()); };
   if (kind == FileKind::Rft) {
     qvEclipseRFT file(session);
-    if (file.CheckRFTFile(path)) file.getRFTData(qOK);
-    return qOK ? std::optional<std::int64_t>(file.NumTests()) : std::nullopt;
+    return file.CheckRFTFile(path) && file.readFile() ? count(file) : std::nullopt;
   }
   qvUserRFT file(session);
   const bool rft = kind == FileKind::UserRft;
-  if (rft ? file.CheckRFTFile(path) : file.CheckPLTFile(path))
-    rft ? file.getRFTData(qOK) : file.getPLTData(qOK);
-  return qOK ? std::optional<std::int64_t>(file.NumTests()) : std::nullopt;
+  if (!(rft ? file.CheckRFTFile(path) : file.CheckPLTFile(path))) return std::nullopt;
+  return file.readFile(rft ? UserTestKind::Rft : UserTestKind::Plt) ? count(file) : std::nullopt;
 }
 
 }  // namespace
