@@ -16,6 +16,10 @@ set(lumbarn_public_headers
   frame/Transforms.h
   frame/Write.h
   frame/arrow_c.h
+  grid/CellNumbers.h
+  grid/GridFile.h
+  grid/DepthRecords.h
+  grid/PillarCorners.h
   grid/CornerRows.h
   grid/Hadrick.h
   grid/qvGRIDReader.h
@@ -28,6 +32,8 @@ set(lumbarn_public_headers
   index/qvEclipseINSPEC.h
   index/qvEclipseRSSPEC.h
   index/IndexFileReading.h
+  init/InitFile.h
+  init/SimulationTables.h
   init/Connections.h
   init/InitGrid.h
   init/ModelFlags.h
@@ -83,6 +89,7 @@ set(lumbarn_public_headers
   summary/qvEclipseSPEC.h
   summary/qvEclipseSUMMARY.h
   summary/qvEclipseSUMMARYFile.h
+  support/Guarded.h
   support/Dates.h
   support/Diagnosis.h
   support/Fault.h
@@ -90,8 +97,14 @@ set(lumbarn_public_headers
   support/Session.h
   support/System.h
   support/Text.h
+  vocabulary/TestUnits.h
   vocabulary/UnitChange.h
   vocabulary/Units.h
+  welltests/TestParser.h
+  welltests/TestTables.h
+  welltests/ProcessedTest.h
+  welltests/TestHeader.h
+  welltests/Attempt.h
   welltests/QVEclipseRFTtest.h
   welltests/RecordWalk.h
   welltests/TestColumns.h
