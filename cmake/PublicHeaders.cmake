@@ -104,7 +104,6 @@ set(lumbarn_public_headers
   welltests/TestTables.h
   welltests/ProcessedTest.h
   welltests/TestHeader.h
-  welltests/Attempt.h
   welltests/QVEclipseRFTtest.h
   welltests/RecordWalk.h
   welltests/TestColumns.h

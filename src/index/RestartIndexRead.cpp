@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "../files/Extensions.h"
-#include "../support/Attempted.h"
+#include "../support/Guarded.h"
 #include "IndexFileReading.h"
 #include "RestartIndexAgreement.h"
 #include "RestartIndexHeads.h"
@@ -66,7 +66,7 @@ std::string addSteps(Session& session, const std::string& rsspec, RestartIndex& 
     made.date = makeMoment(step.iYear, step.iMonth, step.iDay);
     problem = addGroups(step.grids, made);
   };
-  const bool done = attempted(session, "qvEclipseRSSPEC", "getRSSPECData", [&] {
+  const bool done = succeeds(session, "qvEclipseRSSPEC", "getRSSPECData", [&] {
     const auto form = formOfIndexFile(rsspec);
     return form && readRsspec(rsspec, *form, session, head, take);
   });
@@ -82,7 +82,7 @@ std::string addPasses(Session& session, const std::string& inspec, RestartIndex&
   const auto take = [&](const IndexFilePass& pass) {
     if (problem.empty()) problem = addGroups(pass.grids, step);
   };
-  const bool done = attempted(session, "qvEclipseINSPECFile", "getINSPECData", [&] {
+  const bool done = succeeds(session, "qvEclipseINSPECFile", "getINSPECData", [&] {
     const auto form = formOfIndexFile(inspec);
     return form && readInspec(inspec, *form, session, head, take);
   });

@@ -10,9 +10,9 @@
 #include "../files/Recogniser.h"
 #include "../record/ByteSource.h"
 #include "../record/LoadedFiles.h"
-#include "../support/Attempted.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
+#include "../support/Guarded.h"
 #include "StepArrays.h"
 
 namespace lumbarn {
@@ -72,11 +72,11 @@ bool RestartSetReader::chooseFiles() {
     options_.iStart = list.front();
     options_.iEnd = list.back();
   }
-  wanted_ = WantedSteps("SOLUTION", options_.Unified, options_.iStart, options_.iEnd);
+  wanted_ = options_.Unified ? stepLimits("SOLUTION", options_.iStart, options_.iEnd) : StepLimits{};
   if (!options_.Unified) return !listed || applyStepList();
   // A file that was looked at and is a unified one is read whatever its name.
   std::string unified =
-      checkedUnified_ ? "" : unifiedFileOf(options_.FileName, "SOLUTION", form_.formatted());
+      checkedUnified_ ? "" : fileNameOfKind(options_.FileName, "SOLUTION", true, form_.formatted()).name;
   if (unified.empty()) unified = options_.FileName;
   options_.setFiles({std::move(unified)});
   return true;
@@ -150,8 +150,8 @@ std::unique_ptr<qvEclipseSEQUENCE> RestartSetReader::makeStep(const std::string&
   step->LoadData = options_.LoadData;
   step->FileName = path;
   step->iSeqnum = unified ? -1 : GetNumericPartOfFileName(path);
-  step->iStart = unified ? wanted_.iFirst : options_.iStart;
-  step->iEnd = unified ? wanted_.iLast : options_.iEnd;
+  step->iStart = unified ? wanted_.first : options_.iStart;
+  step->iEnd = unified ? wanted_.last : options_.iEnd;
   step->Unified = unified;
   step->ReadOnlyHeader = options_.ReadOnlyHeader;
   step->qMarkers = options_.qMarkers;
@@ -195,7 +195,7 @@ void RestartSetReader::noteLast(const qvEclipseSEQUENCE& step) {
 
 bool RestartSetReader::keepStep(std::unique_ptr<qvEclipseSEQUENCE> step) {
   const auto derive = [&] { addDerivedSaturations(*step, *step, session_); };
-  if (!attempted(session_, "qvEclipseSEQUENCE", "addDerivedData", derive)) return false;
+  if (!succeeds(session_, "qvEclipseSEQUENCE", "addDerivedData", derive)) return false;
   step->selection = nullptr;
   reportRepeats(*step);
   set_.xSEQ.push_back(std::move(step));

@@ -13,7 +13,7 @@
 #include "../record/RecordCursor.h"
 #include "../support/Session.h"
 #include "RestartSet.h"
-#include "SetSteps.h"
+#include "../files/FileSets.h"
 #include "StepReader.h"
 
 namespace lumbarn {
@@ -61,7 +61,7 @@ class RestartSetReader {
   bool checkedUnified_;
   RestartSet& set_;
   Session& session_;
-  WantedSteps wanted_;
+  StepLimits wanted_;
   bool atEnd_ = false;   // the unified file has no more records
   bool failed_ = false;  // something was damaged; a truncated last step is not
   bool stop_ = false;

@@ -6,9 +6,8 @@
 #include "../files/FileSets.h"
 #include "../files/Folder.h"
 #include "../record/ByteSource.h"
-#include "../support/Attempted.h"
 #include "../support/Diagnosis.h"
-#include "SetSteps.h"
+#include "../support/Guarded.h"
 
 namespace lumbarn {
 namespace {
@@ -27,7 +26,7 @@ class SaveSetReader {
 
   bool read() {
     if (!findFiles()) return false;
-    wanted_ = WantedSteps("SAVE", set_.Unified, set_.iStart, set_.iEnd);
+    wanted_ = set_.Unified ? stepLimits("SAVE", set_.iStart, set_.iEnd) : StepLimits{};
     Progress* const progress = set_.nMultList > 1 ? session_.Container : nullptr;
     if (progress) progress->files(set_.nMultList);
     for (const std::string& path : set_.zMultList) {
@@ -48,7 +47,7 @@ class SaveSetReader {
     if (set_.Unified) {
       std::string name = set_.FileName;
       if (meaningOf(FileName(name).extension).kind != FileKind::Unknown) {
-        name = unifiedFileOf(name, "SAVE", form_.formatted());
+        name = fileNameOfKind(name, "SAVE", true, form_.formatted()).name;
         qOK = !name.empty();
       }
       set_.setFiles({name});
@@ -92,10 +91,10 @@ class SaveSetReader {
     qvEclipseSAVESequence step(session_);
     step.Unified = set_.Unified;
     // In a unified set the working limit, so that a range given the wrong way round has its one step.
-    step.iEnd = set_.Unified ? wanted_.iLast : set_.iEnd;
+    step.iEnd = set_.Unified ? wanted_.last : set_.iEnd;
     step.iFile = iFile;
-    const bool done = attempted(session_, "qvEclipseSAVESequence", "getEclipseSAVESequence",
-                                [&] { return readSaveStep(cursor, step, session_); });
+    const bool done = succeeds(session_, "qvEclipseSAVESequence", "getEclipseSAVESequence",
+                               [&] { return readSaveStep(cursor, step, session_); });
     // A file that begins with SAVEHEAD states its simulator there and has no headers of further steps.
     fileDone_ = !set_.Unified || set_.qSaveHead || step.qPastEnd || step.qCutOff || step.nRecords == 0 ||
                 cursor.nextPosition() >= cursor.fileSize();
@@ -110,7 +109,7 @@ class SaveSetReader {
   SaveSet& set_;
   Form form_;
   Session& session_;
-  WantedSteps wanted_;
+  StepLimits wanted_;
   bool fileDone_ = false;  // the file has no more steps
   bool stop_ = false;
 };

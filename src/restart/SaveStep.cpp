@@ -3,9 +3,9 @@
 #include <cmath>
 #include <string>
 
-#include "../support/Attempted.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
+#include "../support/Guarded.h"
 
 namespace lumbarn {
 namespace {
@@ -122,7 +122,7 @@ class SaveStepWalk {
 
   After takeHeader() {
     const auto words = cursor_.integers();
-    inteHead_ = attempted(session_, className, "processINTEHEAD", [&] { takeINTEHEAD(step_, words); });
+    inteHead_ = succeeds(session_, className, "processINTEHEAD", [&] { takeINTEHEAD(step_, words); });
     if (!inteHead_) return refuseHeader();
     if (step_.iSeqnum >= 0 && step_.iEnd != -1 && step_.iSeqnum > step_.iEnd) step_.qPastEnd = true;
     return After::GoOn;
@@ -130,7 +130,7 @@ class SaveStepWalk {
 
   After takeTime() {
     const auto words = cursor_.doubles();
-    doubHead_ = attempted(session_, className, "processDBLEHEAD", [&] { takeDOUBHEAD(step_, words); });
+    doubHead_ = succeeds(session_, className, "processDBLEHEAD", [&] { takeDOUBHEAD(step_, words); });
     return doubHead_ ? After::GoOn : refuseHeader();
   }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "../support/Attempted.h"
+#include "../support/Guarded.h"
 #include "Markers.h"
 #include "qvEclipseSOLUTION.h"
 
@@ -69,9 +69,9 @@ SourceData qvEclipseSOLUTION::sourceDataOf(const qvEclipseSEQUENCE& from) const 
 /// on with what else there is.
 bool qvEclipseSOLUTION::takeArrays(const qvEclipseSEQUENCE& from, XYData& xyData, ByteTable& bHeaders) const {
   if (from.grid().arrays.nVectors() == 0) return false;
-  return attempted(*session_, stepName, "getSEQUENCEData",
-                   [&] { xyData = vectorTable(from.grid(), *session_); }) &&
-         attempted(*session_, stepName, "getSEQUENCEHeaders", [&] { bHeaders = vectorHeaders(from); });
+  return succeeds(*session_, stepName, "getSEQUENCEData",
+                  [&] { xyData = vectorTable(from.grid(), *session_); }) &&
+         succeeds(*session_, stepName, "getSEQUENCEHeaders", [&] { bHeaders = vectorHeaders(from); });
 }
 
 /// `rest` gives what the variants differ in, and the number of markers.
@@ -131,7 +131,7 @@ void qvEclipseSOLUTION::GetSingleSEQUENCEFODb(std::int32_t iSeqnum, XYData& xyDa
 std::int32_t qvEclipseSOLUTION::takeMarkers(const qvEclipseSEQUENCE& from, MarkerTable& vMarkers) const {
   std::int32_t nMarkers = 0;
   if (!hasMarkers(from.grid())) return nMarkers;
-  attempted(*session_, stepName, "getMarkerData", [&] {
+  succeeds(*session_, stepName, "getMarkerData", [&] {
     vMarkers = markerTable(from.grid(), from.qMarkers, *session_);
     nMarkers = static_cast<std::int32_t>(vMarkers.used());
   });
@@ -142,7 +142,7 @@ std::int32_t qvEclipseSOLUTION::takeMarkers(qvEclipseSEQUENCE& from, std::vector
   std::int32_t nMarkers = 0;
   from.setMarkerMethod(iMarkerMethod);
   if (!hasMarkers(from.grid())) return nMarkers;
-  attempted(*session_, stepName, "getMarkerDatab", [&] {
+  succeeds(*session_, stepName, "getMarkerDatab", [&] {
     const MarkerPacking packing{.iForm = from.iMarkerMethod, .qLong = from.qByteForm};
     bMarkers = packMarkers(from.grid(), from.qMarkers, packing, *session_);
     nMarkers = static_cast<std::int32_t>(MarkerCounts(from.grid()).rows());

@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "../support/Attempted.h"
+#include "../support/Guarded.h"
 #include "../support/Text.h"
 
 namespace lumbarn {
@@ -268,7 +268,7 @@ std::optional<Diagnosis> takeWellRecord(RecordCursor& cursor, RESTARTGRID& grid,
   bool fits = true;
   // A table that finds no room is missing and the step goes on, so that is reported as hosts know it.
   const auto take = [&](const char* routine, auto&& words, auto into) {
-    fits = attempted(session, "qvEclipseSEQUENCE", routine, [&] { return into(words); });
+    fits = succeeds(session, "qvEclipseSEQUENCE", routine, [&] { return into(words); });
   };
   if (header.is("IWEL", ElementType::Integer)) {
     take("processIWEL", cursor.integers(), [&](const auto& words) { return takeIWEL(grid, words); });

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "../files/Extensions.h"
-#include "../support/Attempted.h"
+#include "../support/Guarded.h"
 
 namespace lumbarn {
 namespace {
@@ -13,7 +13,7 @@ constexpr const char* className = "qvEclipseSAVE";
 }  // namespace
 
 bool qvEclipseSAVE::CheckSAVEFile(std::string_view zFile) {
-  return attempted(*session_, className, "CheckSAVEFile", [&] {
+  return succeeds(*session_, className, "CheckSAVEFile", [&] {
     std::string path(zFile);
     const auto file = formOfSaveFile(path);
     if (!file) return false;

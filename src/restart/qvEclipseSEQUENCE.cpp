@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "../support/Attempted.h"
+#include "../support/Guarded.h"
 #include "Markers.h"
 #include "StepArrays.h"
 #include "StepReader.h"
@@ -131,7 +131,7 @@ void qvEclipseSEQUENCE::setMarkerMethod(std::int32_t iMethod) {
 
 /// A grid that is not there is a fault of the check, which hosts know by its name.
 bool qvEclipseSEQUENCE::hasMarkers() const {
-  return attempted(*session_, className, "checkWellData", [&] { return lumbarn::hasMarkers(grid()); });
+  return succeeds(*session_, className, "checkWellData", [&] { return lumbarn::hasMarkers(grid()); });
 }
 
 void qvEclipseSEQUENCE::getMarkerData(MarkerTable& vMarkers, std::int32_t& nMarkers, bool& qOK) const {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "../shapes/OnlyList.h"
-#include "../support/Attempted.h"
+#include "../support/Guarded.h"
 #include "RestartSetReader.h"
 #include "StepWells.h"
 
@@ -127,7 +127,7 @@ void qvEclipseSOLUTION::DeleteSingleSEQUENCE(std::int32_t iSeqnum, bool& qOK) {
   guarded(*session_, qOK, className, "DeleteSingleSEQUENCE", [&] {
     qvEclipseSEQUENCE& from = step(iSeqnum);
     from.iGrid = std::max(iGridNumber, 1);
-    return attempted(*session_, "qvEclipseSEQUENCE", "DeleteSEQUENCEData", [&] { from.grid().dropData(); });
+    return succeeds(*session_, "qvEclipseSEQUENCE", "DeleteSEQUENCEData", [&] { from.grid().dropData(); });
   });
 }
 

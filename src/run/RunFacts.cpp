@@ -66,10 +66,7 @@ void addInitContent(FactList& facts, const RunState& run, StreamContext& context
     for (const auto& record : init->grid(grid).xNNC) connections += record.nItems;
   }
   facts.number("nnc", connections);
-  std::vector<std::string> tables;
-  std::int32_t count = 0;
-  init->xTAB.getTableNames(tables, count);
-  facts.texts("tables", tables);
+  facts.texts("tables", init->tables.names());
 }
 
 }  // namespace

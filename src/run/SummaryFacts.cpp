@@ -10,7 +10,7 @@ namespace lumbarn {
 namespace {
 
 /// Rows, report steps and dates; of the data only TIME is read.
-void addRows(FactList& facts, const RunState& run, const qvEclipseSPEC& spec, StreamContext& context) {
+void addRows(FactList& facts, const RunState& run, const SummarySpec& spec, StreamContext& context) {
   SummaryTable table(VectorChoice({"TIME"}, {}), context.session());
   auto time = table.choose(spec);
   table.add(run.summary().run(context, true), std::move(time));
@@ -30,7 +30,7 @@ void addRows(FactList& facts, const RunState& run, const qvEclipseSPEC& spec, St
 }
 
 /// The runs before this one that are there, newest first.
-std::vector<std::string> earlierRuns(const std::shared_ptr<const qvEclipseSPEC>& newest, Session& session) {
+std::vector<std::string> earlierRuns(const std::shared_ptr<const SummarySpec>& newest, Session& session) {
   std::vector<std::string> chain{newest->zFileName};
   auto last = newest;
   while (chain.size() < mostRunsOfChain) {

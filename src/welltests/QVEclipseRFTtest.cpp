@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "Attempt.h"
+#include "../support/Guarded.h"
 #include "TestProcessing.h"
 #include "TestResults.h"
 

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "../support/Fault.h"
-#include "Attempt.h"
+#include "../support/Guarded.h"
 #include "TestParser.h"
 #include "TestRecords.h"
 #include "TestTables.h"

@@ -6,7 +6,7 @@
 #include "../files/Recogniser.h"
 #include "../shapes/HeaderLayout.h"
 #include "../support/Fault.h"
-#include "Attempt.h"
+#include "../support/Guarded.h"
 #include "TestMemory.h"
 #include "TimeOfDay.h"
 

@@ -9,8 +9,8 @@
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
 #include "../support/Diagnosis.h"
+#include "../support/Guarded.h"
 #include "../support/Session.h"
-#include "Attempt.h"
 #include "UserTestTable.h"
 
 namespace lumbarn {
