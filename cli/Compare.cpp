@@ -1,9 +1,5 @@
 #include "run/Compare.h"
 
-#include <charconv>
-
-#include <fmt/format.h>
-
 #include "Answer.h"
 #include "Commands.h"
 
@@ -22,18 +18,10 @@ struct CompareOptions {
   OutputOptions output;
 };
 
-double toleranceFrom(const std::string& name, const std::string& text) {
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size() || !(value >= 0))
-    throw Failure(Usage, fmt::format("{} needs a number from 0, not \"{}\"", name, text));
-  return value;
-}
-
 ExitStatus compareBoth(const CompareOptions& options, Console& console) {
   Comparison comparison = options.comparison;
-  if (!options.absolute.empty()) comparison.absolute = toleranceFrom("--abs", options.absolute);
-  if (!options.relative.empty()) comparison.relative = toleranceFrom("--rel", options.relative);
+  if (!options.absolute.empty()) comparison.absolute = positiveNumber("--abs", options.absolute);
+  if (!options.relative.empty()) comparison.relative = positiveNumber("--rel", options.relative);
   comparison.top = static_cast<std::size_t>(options.top);
   comparison.time = options.time.selection();
   const Differences found = compare(options.a, options.b, comparison, asking(console));
@@ -57,6 +45,8 @@ void addCompare(CommandLine& line) {
                    "Vectors of the summaries to compare; all if neither these nor arrays are given");
   command.list("--array", options.comparison.keywords, "NAMES",
                "Arrays of the restart files to compare, or the only records; with * and ?");
+  command.flag("--interpolate", options.comparison.interpolate,
+               "Take the vectors of B at the dates of A: linearly, but rates from the row behind");
   command.time(options.time);
   command.ordinal("--top", options.top, "Show the N largest differences; 20 if not given");
   command.flag("--overview", options.overview, "Show a line for each name instead");
@@ -64,7 +54,8 @@ void addCompare(CommandLine& line) {
   command.footer(
       "Runs are compared at rows and steps of the same date. Two files are compared record by record, "
       "unless\n"
-      "--vectors or a time is given. Exit status: 0 equal, 4 different, 1 one of them cannot be read. "
+      "--vectors, a time or --interpolate is given. Exit status: 0 equal, 4 different, 1 one of them cannot "
+      "be read. "
       "Example:\n"
       "  lumbarn compare --abs 0.01 --array PRESSURE BEFORE.UNRST AFTER.UNRST");
 }

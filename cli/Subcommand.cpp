@@ -1,6 +1,7 @@
 #include "Subcommand.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -109,6 +110,14 @@ void Subcommand::time(TimeOptions& options) {
   value("--from", options.from, "DATE", "From a date on");
   value("--to", options.to, "DATE", "Up to a date; one without a time of day means its end");
   value("--every", options.every, "PERIOD", "The last one of each day, month, quarter or year");
+}
+
+double positiveNumber(const std::string& name, const std::string& text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || !(value >= 0))
+    throw Failure(Usage, fmt::format("{} needs a number from 0, not \"{}\"", name, text));
+  return value;
 }
 
 TimeSelection TimeOptions::selection() const {

@@ -34,6 +34,9 @@ struct RunOptions {
   bool namedInLongForm = true;  ///< the long form has a column `run` of a single run too
 };
 
+/// A number from 0 on, of an option. Throws Failure for any other text.
+double positiveNumber(const std::string& name, const std::string& text);
+
 /// Which rows or steps to show, as texts of the command line.
 struct TimeOptions {
   std::string steps;

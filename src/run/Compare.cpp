@@ -147,7 +147,7 @@ Differences compareFiles(const std::string& a, const std::string& b, const Compa
 
 Differences compare(const std::string& a, const std::string& b, const Comparison& comparison,
                     const ReadOptions& options) {
-  const bool ofRuns = !comparison.vectors.empty() || !comparison.time.isAll();
+  const bool ofRuns = !comparison.vectors.empty() || !comparison.time.isAll() || comparison.interpolate;
   if (!ofRuns && isFile(a) && isFile(b)) return compareFiles(a, b, comparison, options);
   return compare(Run::open(a), Run::open(b), comparison, options);
 }

@@ -32,6 +32,11 @@ Differences compareFiles(const std::string& a, const std::string& b, const Compa
 /// TIME. Units of b are converted to those of a. What only one of them has, and grids of different size, are
 /// reported as remarks and make them unequal; rows and steps at dates of one alone are counted in a remark
 /// and do not. Throws Error as `Run::summary` and `Run::cells`.
+///
+/// With `interpolate` vectors of b are taken at each date of a between its first and last row: linearly in
+/// time between the rows at both sides, but what is per time, by its unit, from the row behind, since a rate
+/// is that of the time before its row. Arrays are not interpolated. `time` then chooses rows of a
+/// alone, and rows of b between dates of a are not counted as those of one alone.
 Differences compare(const Run& a, const Run& b, const Comparison& comparison = {},
                     const ReadOptions& options = {});
 

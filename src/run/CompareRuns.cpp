@@ -19,6 +19,8 @@ namespace lumbarn {
 
 namespace {
 
+constexpr double microsecondsInDay = 86400e6;
+
 /// The rows of a stream, one after the other.
 class RowCursor {
  public:
@@ -109,7 +111,6 @@ struct RowKey {
     if (date && other.date) {
       const auto single = static_cast<float>(std::abs(days));
       const double last = std::nextafter(single, std::numeric_limits<float>::infinity()) - single;
-      constexpr double microsecondsInDay = 86400e6;
       const auto apart = static_cast<double>((*date - *other.date).count());
       if (std::abs(apart) > last / 2 * microsecondsInDay + 1) return apart < 0 ? -1 : 1;
     } else if (step != other.step) {
@@ -126,44 +127,70 @@ struct ColumnPair {
   std::size_t b = 0;
   UnitChange ofB;
   bool single = false;
+  bool rate = false;
 };
+
+/// The row of b that was passed last.
+struct PassedRow {
+  std::optional<LocalMoment> date;
+  std::vector<double> values;  // by pair
+
+  PassedRow(const RowKey& key, const RowCursor& row, const std::vector<ColumnPair>& pairs) : date(key.date) {
+    for (const ColumnPair& pair : pairs) values.push_back(row.number(pair.b));
+  }
+};
+
+/// Where a date is from the row of b before it, 0, to the one behind, 1; nothing without dates.
+std::optional<double> placeBetween(const PassedRow& before, const RowKey& at, const RowKey& behind) {
+  if (!before.date || !at.date || !behind.date) return std::nullopt;
+  const auto days = [&](LocalMoment to) {
+    return static_cast<double>((to - *before.date).count()) / microsecondsInDay;
+  };
+  return days(*at.date) / days(*behind.date);
+}
 
 class RunPair {
  public:
   RunPair(const std::string& b, const Comparison& comparison, Session& session)
-      : pathOfB_(b), differences_(comparison), session_(session) {}
+      : pathOfB_(b), allTimes_(comparison.time.isAll()), differences_(comparison), session_(session) {}
 
-  /// Compares the rows of two answers that have the same key.
-  void compareRows(const std::string& kind, Stream ofA, Stream ofB) {
+  /// Compares the rows of two answers that have the same key, or with `interpolate` those of b at the keys of
+  /// a.
+  void compareRows(const std::string& kind, Stream ofA, Stream ofB, bool interpolate) {
     RowCursor a(std::move(ofA));
     RowCursor b(std::move(ofB));
     const Columns columnsOfA(a.schema());
     const Columns columnsOfB(b.schema());
     const auto pairs = pairColumns(kind, a.schema(), columnsOfA, b.schema(), columnsOfB);
-    std::int64_t alone = 0;
+    std::int64_t aloneInA = 0, aloneInB = 0;
     std::optional<double> before;
+    std::optional<PassedRow> passed;
+    bool begun = false;  // dates of a
     while (!a.atEnd() && !b.atEnd()) {
       if (session_.yield()) throw LoadCanceled();
       const RowKey keyOfA(a, columnsOfA);
-      const int order = keyOfA.compare(RowKey(b, columnsOfB));
-      if (order != 0) {
-        ++alone;
-        order < 0 ? a.advance() : b.advance();
-        continue;
+      const RowKey keyOfB(b, columnsOfB);
+      const int order = keyOfA.compare(keyOfB);
+      std::optional<double> part;
+      if (order < 0 && passed) part = placeBetween(*passed, keyOfA, keyOfB);
+      if (order == 0 || part) {
+        compareRow(kind, pairs, a, keyOfA, valuesOfB(pairs, b, passed, part), before);
+        before = keyOfA.days;
+      } else if (order < 0) {
+        ++aloneInA;
+      } else if (!(interpolate && begun && keyOfB.date)) {
+        ++aloneInB;
       }
-      const bool ofCells = !columnsOfA.place.empty();
-      for (const ColumnPair& pair : pairs) {
-        take(kind, pair, keyOfA, ofCells, a.number(pair.a), pair.ofB.of(b.number(pair.b)));
-        if (!ofCells && before)
-          differences_.integrate(pair.name, a.number(pair.a) - pair.ofB.of(b.number(pair.b)),
-                                 keyOfA.days - *before);
-      }
-      before = keyOfA.days;
-      a.advance();
+      begun = begun || order <= 0;
+      if (order <= 0) a.advance();
+      if (order < 0) continue;
+      if (interpolate) passed.emplace(keyOfB, b, pairs);
       b.advance();
     }
-    for (; !a.atEnd(); a.advance()) ++alone;
-    for (; !b.atEnd(); b.advance()) ++alone;
+    for (; !a.atEnd(); a.advance()) ++aloneInA;
+    for (; !b.atEnd(); b.advance()) ++aloneInB;
+    // To interpolate, b is asked for more rows than a when a time is.
+    const std::int64_t alone = aloneInA + (interpolate && !allTimes_ ? 0 : aloneInB);
     if (alone > 0) {
       report(Message::CompareRows, kind,
              fmt::format("{} rows have dates or cells that only one of the two has", alone));
@@ -181,6 +208,28 @@ class RunPair {
   }
 
  private:
+  static std::vector<double> valuesOfB(const std::vector<ColumnPair>& pairs, const RowCursor& b,
+                                       const std::optional<PassedRow>& passed, std::optional<double> part) {
+    std::vector<double> values;
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+      const double value = b.number(pairs[i].b);
+      const bool between = part && !pairs[i].rate;
+      values.push_back(pairs[i].ofB.of(between ? std::lerp(passed->values[i], value, *part) : value));
+    }
+    return values;
+  }
+
+  /// `before`: the days of the last row that was compared.
+  void compareRow(const std::string& kind, const std::vector<ColumnPair>& pairs, const RowCursor& a,
+                  const RowKey& key, const std::vector<double>& ofB, std::optional<double> before) {
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+      const double value = a.number(pairs[i].a);
+      take(kind, pairs[i], key, kind == "array", value, ofB[i]);
+      if (kind != "array" && before)
+        differences_.integrate(pairs[i].name, value - ofB[i], key.days - *before);
+    }
+  }
+
   std::vector<ColumnPair> pairColumns(const std::string& kind, const Schema& a, const Columns& columnsOfA,
                                       const Schema& b, const Columns& columnsOfB) {
     std::map<std::string, std::size_t> ofB(columnsOfB.values.begin(), columnsOfB.values.end());
@@ -196,7 +245,8 @@ class RunPair {
                               ? std::optional(UnitChange{})
                               : unitChange(b[found->second].unit, a[column].unit);
       if (change) {
-        pairs.push_back({name, column, found->second, *change, a[column].type == Type::Float32});
+        pairs.push_back({name, column, found->second, *change, a[column].type == Type::Float32,
+                         isPerTime(b[found->second].unit)});
       } else {
         report(
             Message::CompareSize, name,
@@ -231,6 +281,7 @@ class RunPair {
   }
 
   std::string pathOfB_;
+  bool allTimes_;
   DifferenceList differences_;
   Session& session_;
   bool complete_ = true;
@@ -254,7 +305,7 @@ void compareArrays(const Run& a, const Run& b, const Comparison& comparison, Str
                                    (*sizeA)[1], (*sizeA)[2], (*sizeB)[0], (*sizeB)[1], (*sizeB)[2]));
   }
   CellSelection cells{.arrays = comparison.keywords, .time = comparison.time, .ijk = true};
-  runs.compareRows("array", a.cells(cells, options), b.cells(cells, options));
+  runs.compareRows("array", a.cells(cells, options), b.cells(cells, options), false);
 }
 
 }  // namespace
@@ -267,7 +318,10 @@ Differences compare(const Run& a, const Run& b, const Comparison& comparison, co
     if (all || !comparison.vectors.empty()) {
       SummarySelection vectors{
           .vectors = comparison.vectors, .except = {"TIME"}, .time = comparison.time, .keys = true};
-      runs.compareRows("vector", a.summary(vectors, options), b.summary(vectors, options));
+      SummarySelection vectorsOfB = vectors;
+      if (comparison.interpolate) vectorsOfB.time = {};
+      runs.compareRows("vector", a.summary(vectors, options), b.summary(vectorsOfB, options),
+                       comparison.interpolate);
     }
     if (!comparison.keywords.empty()) compareArrays(a, b, comparison, context, options, runs);
     return runs.result();

@@ -79,6 +79,7 @@ struct Comparison {
   std::size_t top = 20;                ///< how many of the largest differences are given
   std::vector<std::string> vectors{};  ///< of runs, patterns; empty: all, unless there are `keywords`
   TimeSelection time{};                ///< of runs
+  bool interpolate = false;            ///< vectors of the second run are taken at the dates of the first
 };
 
 /// Elements of records of one file.

@@ -336,4 +336,9 @@ std::optional<UnitChange> unitChange(std::string_view from, std::string_view to)
   return between(old, young, std::string(to));
 }
 
+bool isPerTime(std::string_view unit) {
+  return std::ranges::any_of(partsOf(unit),
+                             [](const Part& part) { return part.below && part.word->kind == Time; });
+}
+
 }  // namespace lumbarn

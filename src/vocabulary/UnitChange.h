@@ -39,4 +39,7 @@ std::optional<UnitChange> unitChange(std::string_view unit, Units units, std::st
 /// kind.
 std::optional<UnitChange> unitChange(std::string_view from, std::string_view to);
 
+/// Whether a unit counts something per time, as "STB/DAY" does; false for a text that is not understood.
+bool isPerTime(std::string_view unit);
+
 }  // namespace lumbarn

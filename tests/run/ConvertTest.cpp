@@ -7,6 +7,7 @@
 #include "support/Forms.h"
 #include "support/ModelRun.h"
 #include "support/Paths.h"
+#include "support/SummaryBuilder.h"
 
 namespace lumbarn {
 namespace {
@@ -106,6 +107,34 @@ TEST(Comparison, TellsWhereFilesDiffer) {
   EXPECT_EQ(texts.largest["b"].text(0), "P2");
   EXPECT_FALSE(compareFiles(a, folder.file("C"), {.keywords = {"MORE"}}).equal);
   EXPECT_THROW(compareFiles(a, b, {.keywords = {"NONE"}}), Error);
+}
+
+TEST(Comparison, InterpolatesAtTheDatesOfTheFirst) {
+  const test::TemporaryFolder folder;
+  const auto write = [&](const char* name, std::vector<test::SummaryBuilder::Row> rows) {
+    test::SummaryBuilder run;
+    run.vectors = {{"TIME", "", 0, "DAYS"}, {"FOPT", "", 0, "SM3"}, {"FOPR", "", 0, "SM3/DAY"}};
+    run.rows = std::move(rows);
+    return run.write(folder, name, test::bigEndian);
+  };
+  const std::string a =
+      write("A", {{{1, 10, 5}}, {{2, 20, 5}}, {{3, 30, 5}}, {{3.25F, 34, 7}}, {{4, 40, 5}}, {{5, 50, 5}}});
+  const std::string b = write("B", {{{1.5F, 99, 5}}, {{2, 20, 5}}, {{3.5F, 35, 7}}, {{4, 40, 5}}});
+  std::vector<std::string> remarks;
+  const ReadOptions options{.report = [&](const Diagnosis& one) { remarks.push_back(one.text()); }};
+  const auto found = compare(a, b, {.absolute = 1e-5, .interpolate = true}, options);
+  ASSERT_EQ(found.largest.rows(), 2U) << "the rate of B holds from 2 to 3.5";
+  const auto check = [&](std::size_t row, const char* name, double ofA, double ofB) {
+    EXPECT_EQ(found.largest["name"].text(row), name);
+    EXPECT_NEAR(found.largest["a"].values<double>()[row], ofA, 1e-5);
+    EXPECT_NEAR(found.largest["b"].values<double>()[row], ofB, 1e-5);
+  };
+  check(0, "FOPR", 5, 7);
+  check(1, "FOPT", 34, 32.5);
+  EXPECT_EQ(found.overview["count"].values<std::int64_t>()[0], 4);
+  EXPECT_THAT(remarks, ::testing::ElementsAre(::testing::HasSubstr("2 rows have dates")));
+  const Comparison later{.absolute = 1e-5, .time = {.from = parseMoment("2015-01-04")}, .interpolate = true};
+  EXPECT_EQ(compare(a, b, later).overview["count"].values<std::int64_t>()[0], 3) << "with rows of B before";
 }
 
 }  // namespace
