@@ -22,8 +22,20 @@ CellSelection CellOptions::selection() const {
   CellSelection selection{.arrays = arrays, .inactive = all, .ijk = ijk, .nth = nth};
   if (!grid.empty()) selection.grid = grid;
   for (const std::string& cell : cells) selection.cells.push_back(parseCells(cell));
+  selection.regions = regionsFrom(regions);
   if (all && !cells.empty()) throw Failure(Usage, "--all goes without --cell");
   return selection;
+}
+
+void addRegionOption(Subcommand& command, std::vector<std::string>& regions) {
+  command.repeated("--region", regions, "ARRAY=N,M",
+                   "Only cells of these regions, as FIPNUM=1,2; of several such options, of all");
+}
+
+std::vector<RegionFilter> regionsFrom(const std::vector<std::string>& texts) {
+  std::vector<RegionFilter> regions;
+  for (const std::string& text : texts) regions.push_back(parseRegion(text));
+  return regions;
 }
 
 void addCellOptions(Subcommand& command, CellOptions& options) {
@@ -31,6 +43,7 @@ void addCellOptions(Subcommand& command, CellOptions& options) {
   command.value("--grid", options.grid, "LGR", "The local grid to list or show; ROOT is the global one");
   command.repeated("--cell", options.cells, "I,J,K",
                    "Show this cell, or a box as 1:16,8,1:5, instead of the active cells");
+  addRegionOption(command, options.regions);
   command.flag("--ijk", options.ijk, "Show the numbers i, j, k of each cell in front");
   command.flag("--all", options.all,
                "Show all cells in natural order, inactive ones without values, instead of the active cells");
@@ -62,6 +75,8 @@ ExitStatus writeCells(const Run& run, const CellSelection& selection, const Outp
   const bool one = selection.init || (steps.size() == 1 && steps[0].first == steps[0].last);
   if (!one) throw Failure(Usage, "--format grdecl needs --step N: the one report step to write");
   if (!selection.cells.empty()) throw Failure(Usage, "--format grdecl writes complete grids, without --cell");
+  if (!selection.regions.empty())
+    throw Failure(Usage, "--format grdecl writes complete grids, without --region");
   CellSelection complete = selection;
   complete.inactive = true;
   const auto writeArrays = [&](Sink& sink) {

@@ -13,6 +13,7 @@ struct CellOptions {
   std::vector<std::string> arrays;
   std::string grid;
   std::vector<std::string> cells;
+  std::vector<std::string> regions;
   bool ijk = false;
   bool all = false;
   std::optional<std::int32_t> step;
@@ -23,7 +24,11 @@ struct CellOptions {
   CellSelection selection() const;
 };
 
-/// `--array`, `--grid`, `--cell`, `--ijk` and `--all`.
+/// `--region`, which may be repeated.
+void addRegionOption(Subcommand& command, std::vector<std::string>& regions);
+std::vector<RegionFilter> regionsFrom(const std::vector<std::string>& texts);
+
+/// `--array`, `--grid`, `--cell`, `--region`, `--ijk` and `--all`.
 void addCellOptions(Subcommand& command, CellOptions& options);
 /// `--step`, `--nth` and what `Subcommand::time` adds.
 void addStepOptions(Subcommand& command, CellOptions& options);

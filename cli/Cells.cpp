@@ -26,6 +26,8 @@ struct StatsOptions {
   std::vector<std::string> arrays;
   std::vector<std::string> by;
   std::string weight;
+  std::vector<std::string> percentiles;
+  std::vector<std::string> regions;
   std::string grid;
   bool init = false;
   TimeOptions time;
@@ -37,6 +39,9 @@ ExitStatus showStats(const StatsOptions& options, Console& console) {
   StatisticsSelection selection{.by = options.by, .weight = options.weight};
   selection.cells.arrays = options.arrays;
   selection.cells.init = options.init;
+  selection.cells.regions = regionsFrom(options.regions);
+  for (const std::string& text : options.percentiles)
+    selection.percentiles.push_back(positiveNumber("--percentiles", text));
   if (!options.grid.empty()) selection.cells.grid = options.grid;
   return answer(options.runs, options.output, console, [&](const Run& run, const ReadOptions& read) {
     CellOptions steps;
@@ -68,12 +73,17 @@ void addStats(CommandLine& line) {
   command.repeated("--array", options.arrays, "NAMES", "Arrays to summarize, as PRESSURE,SWAT or S*");
   command.list("--by", options.by, "NAMES", "Arrays of region numbers, as FIPNUM or FIPNUM,SATNUM");
   command.value("--weight", options.weight, "NAME", "The array by which means are weighted, as PORV");
+  command.list("--percentiles", options.percentiles, "P,Q",
+               "Percentiles, as 10,50,90, in columns p10, p50, p90; without weights");
+  addRegionOption(command, options.regions);
   command.value("--grid", options.grid, "LGR", "The local grid to summarize; ROOT is the global one");
   command.flag("--init", options.init, "Summarize arrays of the INIT file, without steps");
   command.time(options.time);
   command.output(options.output);
   command.footer(
-      "Region and weight arrays may be those of the INIT file. Example:\n"
+      "Region and weight arrays may be those of the INIT file. Percentile p of n values is at p / 100 * (n - "
+      "1)\n"
+      "in their ascending order, counted from 0, linear between the two values at its sides. Example:\n"
       "  lumbarn stats --array PRESSURE --by FIPNUM --weight PORV --steps last --format csv RUN");
 }
 

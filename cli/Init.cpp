@@ -43,11 +43,12 @@ ExitStatus showCellArrays(const InitOptions& options, Console& console) {
 
 ExitStatus showInit(const InitOptions& options, Console& console) {
   const bool values = !options.cells.arrays.empty();
-  const char* ofCells = options.cells.all              ? "--all"
-                        : options.cells.ijk            ? "--ijk"
-                        : !options.cells.cells.empty() ? "--cell"
-                        : options.output.grdecl        ? "--format grdecl"
-                                                       : nullptr;
+  const char* ofCells = options.cells.all                ? "--all"
+                        : options.cells.ijk              ? "--ijk"
+                        : !options.cells.cells.empty()   ? "--cell"
+                        : !options.cells.regions.empty() ? "--region"
+                        : options.output.grdecl          ? "--format grdecl"
+                                                         : nullptr;
   if (!values && ofCells) throw Failure(Usage, fmt::format("{} goes with --array", ofCells));
   if (options.nnc && ofCells)
     throw Failure(Usage, fmt::format("{} goes with arrays of cells, not with --nnc", ofCells));

@@ -97,6 +97,7 @@ ExitStatus listArrays(const Run& run, const RestartOptions& options, Console& co
   for (const auto& [given, name] : {std::pair{cells.all, "--all"},
                                     {cells.ijk, "--ijk"},
                                     {!cells.cells.empty(), "--cell"},
+                                    {!cells.regions.empty(), "--region"},
                                     {cells.nth.has_value(), "--nth"},
                                     {options.output.grdecl, "--format grdecl"}}) {
     if (given) throw Failure(Usage, fmt::format("{} goes with --array", name));

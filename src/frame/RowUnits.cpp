@@ -16,6 +16,10 @@ namespace {
 
 constexpr std::string_view measured[] = {"value", "min", "max", "mean", "weighted_mean", "sum"};
 
+bool isMeasured(const Field& field) {
+  return std::ranges::count(measured, field.name) > 0 || metadataOf(field, "statistic") == "percentile";
+}
+
 bool isText(Type type) { return type == Type::Utf8 || type == Type::Dictionary; }
 
 class RowUnits {
@@ -26,7 +30,7 @@ class RowUnits {
     for (std::size_t c = 0; c < schema.size(); ++c) {
       const Field& field = schema[c];
       const bool real = field.type == Type::Float32 || field.type == Type::Float64;
-      if (real && field.unit.empty() && std::ranges::count(measured, field.name) > 0) values_.push_back(c);
+      if (real && field.unit.empty() && isMeasured(field)) values_.push_back(c);
       summed_ = summed_ || field.name == "sum";
       if (isText(field.type) && (field.name == "mnemonic" || field.name == "array")) quantity_ = c;
     }

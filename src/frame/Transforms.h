@@ -32,8 +32,8 @@ Stream resample(Stream stream, Every every);
 /// Converts the values of columns that have a unit, in double precision and rounded once to the column's
 /// type. A column "days" remains what its name says, and whole numbers remain as they are. Columns whose unit
 /// is not known keep values and text, and one remark names the units. In a table with the unit of each row in
-/// a column "unit", the columns "value", "min", "max", "mean", "weighted_mean" and "sum" are converted row by
-/// row.
+/// a column "unit", the columns "value", "min", "max", "mean", "weighted_mean" and "sum", and those with the
+/// metadata "statistic": "percentile", are converted row by row.
 Stream convertUnits(Stream stream, Units units);
 
 /// Whether each column has values; the others tell what a row is about, and the long form repeats them. A

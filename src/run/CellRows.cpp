@@ -35,6 +35,7 @@ CellRows::CellRows(std::shared_ptr<const RunState> run, std::shared_ptr<StreamCo
       context_(std::move(context)),
       selection_(selection),
       plan_(planArrays(*run_, *context_, selection_)),
+      regions_(*run_, *context_, plan_, selection_),
       reader_(plan_.index, context_->session()),
       hasPlaces_(selection_.ijk || (!selection_.cells.empty() && !selection_.valuesOnly)) {
   if (plan_.inits) initReader_ = std::make_unique<ArrayReader>(plan_.inits, context_->session());
@@ -50,6 +51,9 @@ CellRows::CellRows(std::shared_ptr<const RunState> run, std::shared_ptr<StreamCo
     if (column.type == Type::Float64) values_.emplace_back(std::vector<double>());
   }
   nextStep();  // what cannot be answered is found before the first row
+  if (!regions_.any()) return;
+  while (rowsOfStep_ == 0 && nextStep()) continue;
+  if (rowsOfStep_ == 0) regions_.throwNone();
 }
 
 Schema CellRows::schema() const {
@@ -80,7 +84,7 @@ Schema CellRows::schema() const {
 }
 
 void CellRows::checkRequest() const {
-  if (plan_.ofCells() || !(hasPlaces_ || selection_.inactive || !selection_.cells.empty())) return;
+  if (plan_.ofCells() || !(hasPlaces_ || anyCell() || regions_.any())) return;
   const auto other = std::ranges::find(plan_.columns, false, &ArrayColumn::ofCells);
   throw Error(Error::Kind::BadRequest,
               {.message = Message::ArrayNotOfCells,
@@ -115,6 +119,26 @@ void CellRows::listCells() {
       }
     }
   }
+  if (regions_.any()) boxed_ = listed_;
+}
+
+/// The cells of the current step that are in the regions.
+void CellRows::listRegionCells() {
+  if (!regions_.any() || (regions_.fixed() && listedOf_ == cells_)) return;
+  if (!selection_.cells.empty()) {
+    listed_ = boxed_;
+  } else if (active_ && !selection_.inactive) {
+    const auto& iA2N = (*active_)->iA2N();
+    listed_.resize(iA2N.size());
+    std::ranges::transform(iA2N, listed_.begin(),
+                           [](std::int32_t cell) { return static_cast<std::uint32_t>(cell) - 1; });
+  } else {
+    context_->session().checkMemory(static_cast<std::size_t>(cells_.cells) * sizeof(std::uint32_t));
+    listed_.resize(static_cast<std::size_t>(cells_.cells));
+    std::iota(listed_.begin(), listed_.end(), 0U);
+  }
+  regions_.keep(listed_, cells_, active_ ? &**active_ : nullptr);
+  listedOf_ = cells_;
 }
 
 bool CellRows::nextStep() {
@@ -124,6 +148,7 @@ bool CellRows::nextStep() {
   cells_ = step_->cellsOf(plan_.grid);
   if (cells_.known()) size_ = cells_.size;
   arrays_ = plan_.arraysOf(*step_);
+  regions_.beginStep(*step_);
   nextRow_ = 0;
   row_ = rows_ = 0;
   if (!plan_.ofCells()) {
@@ -132,12 +157,13 @@ bool CellRows::nextStep() {
   }
   checkFixed();
   findActive();
-  rowsOfStep_ = !listed_.empty()      ? static_cast<std::int64_t>(listed_.size())
+  listRegionCells();
+  rowsOfStep_ = isListed()            ? static_cast<std::int64_t>(listed_.size())
                 : selection_.inactive ? cells_.cells
                                       : cells_.active;
   const bool numbered = active_ || !hasPlaces_ || cells_.active == cells_.cells;
-  if (!anyCell() && !numbered) rowsOfStep_ = 0;
-  inOrder_ = listed_.empty() && !active_;
+  if (!isListed() && !anyCell() && !numbered) rowsOfStep_ = 0;
+  inOrder_ = !isListed() && !active_;
   reportInactive();
   return true;
 }
@@ -175,11 +201,12 @@ void CellRows::findActive() {
   active_.reset();
   if (!cells_.known() || cells_.active == cells_.cells) return;
   const auto has = [&](bool full) {
-    return std::ranges::any_of(arrays_.entries, [&](const IndexEntry* entry) {
-      return entry && (entry->count == cells_.cells) == full;
-    });
+    return regions_.has(full ? cells_.cells : cells_.active) ||
+           std::ranges::any_of(arrays_.entries, [&](const IndexEntry* entry) {
+             return entry && (entry->count == cells_.cells) == full;
+           });
   };
-  if (!anyCell() && !hasPlaces_ && !has(true)) return;
+  if (!isListed() && !selection_.inactive && !hasPlaces_ && !has(true)) return;
   active_ = run_->activeCells(*context_, plan_.grid, cells_);
   if (context_->session().cancelled()) throw LoadCanceled();
   if (active_->has_value()) return;
@@ -195,7 +222,7 @@ void CellRows::findActive() {
 }
 
 void CellRows::reportInactive() {
-  if (inactiveReported_ || listed_.empty() || !active_) return;
+  if (inactiveReported_ || selection_.cells.empty() || !active_) return;
   std::int64_t first = -1;
   std::size_t count = 0;
   for (const std::uint32_t cell : listed_) {
@@ -260,7 +287,7 @@ void CellRows::findElements(std::size_t rows) {
   if (inOrder_) return std::iota(cellOf_.begin(), cellOf_.end(), first);
   byCell_.clear();
   byActive_.clear();
-  if (!listed_.empty()) return findListedElements(rows);
+  if (isListed()) return findListedElements(rows);
   const auto& iA2N = (*active_)->iA2N();
   if (!selection_.inactive) {
     for (std::size_t row = 0; row < rows; ++row) {

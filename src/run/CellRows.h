@@ -10,13 +10,15 @@
 
 #include "../arrays/ArrayReader.h"
 #include "ArrayPlan.h"
+#include "RegionCells.h"
 
 namespace lumbarn {
 
 /// Reads the arrays of a plan as rows, step after step, a piece of all columns at a time.
 class CellRows {
  public:
-  /// Throws Error BadRequest for cells that are not in the grid and for arrays that do not go together.
+  /// Throws Error BadRequest for cells that are not in the grid and for arrays that do not go together,
+  /// NotFound when no cell is in the regions.
   CellRows(std::shared_ptr<const RunState> run, std::shared_ptr<StreamContext> context,
            const CellSelection& selection);
 
@@ -37,7 +39,10 @@ class CellRows {
   bool nextPiece();
   void showProgress() const;
   /// Whether rows may be cells that are not active.
-  bool anyCell() const { return selection_.inactive || !listed_.empty(); }
+  bool anyCell() const { return selection_.inactive || !selection_.cells.empty(); }
+  /// Whether rows are the cells of `listed_`.
+  bool isListed() const { return !selection_.cells.empty() || regions_.any(); }
+  void listRegionCells();
   void countElements();
   void findActive();
   void readPiece(std::size_t rows);
@@ -52,9 +57,12 @@ class CellRows {
   std::shared_ptr<StreamContext> context_;
   CellSelection selection_;
   ArrayPlan plan_;
+  RegionCells regions_;
   ArrayReader reader_;
   std::unique_ptr<ArrayReader> initReader_;
-  std::vector<std::uint32_t> listed_;  // the cells of the selection, from 0
+  std::vector<std::uint32_t> boxed_;   // the cells of the selection's boxes, from 0
+  std::vector<std::uint32_t> listed_;  // those of them that are rows of the current step
+  std::optional<GridCells> listedOf_;  // for which `listed_` was made
   bool hasPlaces_ = false;             // columns i, j, k
   std::size_t mostRows_ = 1;           // of a piece
   bool inactiveReported_ = false;

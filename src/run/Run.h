@@ -113,8 +113,8 @@ class Run {
   /// arrays of cells can be asked for by name; rows are then their elements, and all must be of one length.
   ///
   /// Reads no more than what is asked for, in one pass. Throws Error NotFound for arrays, grids and steps
-  /// that are not there, BadRequest for cells outside of the grid, Damaged when it matters which cells are
-  /// active and no file tells it.
+  /// that are not there, and for regions without any cell, with the numbers that there are; BadRequest for
+  /// cells outside of the grid, Damaged when it matters which cells are active and no file tells it.
   Stream cells(const CellSelection& selection, const ReadOptions& options = {}) const;
 
   /// Values of one array in all cells of a grid, or of a box, in place; 0 in cells that are not active.
@@ -143,7 +143,9 @@ class Run {
   /// Arrays summarized by region: `step, date, grid, array, region, count, min, max, mean, weighted_mean,
   /// sum, weight_sum, unit`; without step and date for the INIT file. A row for each region in ascending
   /// order, and the last with the region "all"; numbers of several region arrays are joined by "/". Sums and
-  /// means are computed in double precision, over the cells with values. Throws as `cells`.
+  /// means are computed in double precision, over the cells with values. Percentiles that are asked for are
+  /// columns behind weighted_mean: percentile p of n values is at p / 100 * (n - 1) in their ascending order,
+  /// from 0, linear between the two values at its sides. Throws as `cells`.
   Stream statistics(const StatisticsSelection& selection, const ReadOptions& options = {}) const;
   /// The wells of the restart files: `step,date,days,grid,well` and what is known of each at the step, in the
   /// order of the files. Rates are in the units of the run; words that are not known to mean anything are

@@ -94,6 +94,16 @@ struct RecordSelection {
 /// A cell or a box as "12,8,4" or "1:16,8,1:5". Throws Error BadRequest.
 CellBox parseCells(std::string_view text);
 
+/// Cells by the numbers of an array of regions, which is taken from the INIT file, or from the restart files
+/// if only these have it.
+struct RegionFilter {
+  std::string array{};
+  std::vector<std::int32_t> numbers{};  ///< a cell must have one of them
+};
+
+/// Regions as "FIPNUM=1,2". Throws Error BadRequest.
+RegionFilter parseRegion(std::string_view text);
+
 /// Which arrays are listed.
 struct ArrayListSelection {
   bool init = false;   ///< those of the INIT file, not of the restart files
@@ -115,6 +125,7 @@ struct CellSelection {
   bool valuesOnly = false;       ///< without step, date, days, grid, and i, j, k unless `ijk` asks for them
   std::optional<std::int32_t>
       nth{};  ///< of steps with one number that at this position, from 1; else the last
+  std::vector<RegionFilter> regions{};  ///< only cells that are in all of these
 };
 
 /// Which arrays are summarized, over which cells.
@@ -122,6 +133,9 @@ struct StatisticsSelection {
   CellSelection cells{};
   std::vector<std::string> by{};  ///< arrays of whole numbers; each combination of them is a region
   std::string weight{};           ///< array by which means are weighted; empty: none
+  /// From 0 to 100, each a column "p10", "p2.5". They do not depend on the weight, and cost memory for the
+  /// values of the arrays at one step.
+  std::vector<double> percentiles{};
 };
 
 /// Which wells of the restart files.

@@ -8,6 +8,8 @@
 #include <fmt/format.h>
 
 #include "../frame/Error.h"
+#include "../frame/NumberText.h"
+#include "../support/Session.h"
 #include "../support/Text.h"
 #include "CellRows.h"
 #include "Run.h"
@@ -15,6 +17,21 @@
 namespace lumbarn {
 
 namespace {
+
+/// The percentiles of values, whose order changes: each at `percentile` / 100 * (count - 1) in their order,
+/// from 0, linearly between the two at its sides.
+std::vector<double> percentilesOf(std::vector<double>& values, const std::vector<double>& percentiles) {
+  std::vector<double> found;
+  for (const double percentile : values.empty() ? std::vector<double>() : percentiles) {
+    const double place = percentile / 100 * static_cast<double>(values.size() - 1);
+    const auto below = values.begin() + static_cast<std::ptrdiff_t>(place);
+    std::ranges::nth_element(values, below);
+    const double part = place - std::floor(place);
+    const double next = part > 0 ? *std::min_element(below + 1, values.end()) : *below;
+    found.push_back(std::lerp(*below, next, part));
+  }
+  return found;
+}
 
 /// What is summed up of one array in one region, in the order of the cells.
 struct Summary {
@@ -24,6 +41,7 @@ struct Summary {
   double sum = 0;
   double weights = 0;
   double weighted = 0;
+  std::vector<double> values;  // where percentiles are asked for; of all cells, those without a region
 
   void add(double value, double weight) {
     ++count;
@@ -44,6 +62,7 @@ class RegionRows {
              const StatisticsSelection& selection)
       : context_(std::move(context)),
         init_(selection.cells.init),
+        percentiles_(selection.percentiles),
         cells_(std::move(run), context_, cellSelection(selection)),
         cellSchema_(std::make_shared<const Schema>(cells_.schema())) {
     const auto& columns = cells_.plan().columns;
@@ -57,6 +76,11 @@ class RegionRows {
         throwRefused(cells_.plan().index->files.front(), fmt::format("{} has no region numbers", name));
     }
     if (!selection.weight.empty()) weight_ = columnNamed(selection.weight);
+    for (const double percentile : percentiles_) {
+      if (!(percentile >= 0 && percentile <= 100))
+        throwRefused(cells_.plan().index->files.front(),
+                     fmt::format("a percentile is from 0 to 100, not {}", percentile));
+    }
     if (values_.empty()) throwRefused(cells_.plan().index->files.front(), "no array is asked for");
   }
 
@@ -72,9 +96,16 @@ class RegionRows {
       schema.push_back({.name = text, .type = Type::Utf8, .nullable = false});
     schema.push_back({.name = "count", .type = Type::Int64, .nullable = false});
     for (const char* bound : {"min", "max"}) schema.push_back({.name = bound, .type = type});
-    for (const char* number : {"mean", "weighted_mean", "sum", "weight_sum"})
+    for (const char* number : {"mean", "weighted_mean"})
+      schema.push_back({.name = number, .type = Type::Float64});
+    for (const double percentile : percentiles_) {
+      schema.push_back({.name = fmt::format("p{}", NumberText(percentile).view()), .type = Type::Float64});
+      schema.back().metadata.emplace_back("statistic", "percentile");
+    }
+    for (const char* number : {"sum", "weight_sum"})
       schema.push_back({.name = number, .type = Type::Float64});
     schema.push_back({.name = "unit", .type = Type::Utf8});
+    makeNamesUnique(schema);
     return schema;
   }
 
@@ -102,6 +133,7 @@ class RegionRows {
     std::size_t column = 0;
     std::string region;
     Summary summary;
+    std::vector<double> percentiles;
   };
 
   static CellSelection cellSelection(const StatisticsSelection& selection) {
@@ -138,6 +170,7 @@ class RegionRows {
       failure_ = std::current_exception();
     }
     if (builder.rows() > 0) add(builder.finish());
+    if (!percentiles_.empty()) context_->session().checkMemory(keptValues_ * sizeof(double));
     const bool partial = failure_ && (init_ || cells_.step().number == step_);
     if (partial) {
       summaries_.clear();
@@ -173,6 +206,9 @@ class RegionRows {
         if (std::isnan(values[i][row])) continue;
         if (known) (*summaries)[i].add(values[i][row], weight);
         all_[i].add(values[i][row], weight);
+        if (percentiles_.empty()) continue;
+        ++keptValues_;
+        (known ? (*summaries)[i] : all_[i]).values.push_back(values[i][row]);
       }
     }
   }
@@ -197,12 +233,20 @@ class RegionRows {
   void finishStep() {
     if (all_.empty()) return;
     for (std::size_t i = 0; i < values_.size(); ++i) {
-      for (const auto& [region, summaries] : summaries_)
-        results_.push_back({step_, date_, values_[i], regionText(region), summaries[i]});
-      results_.push_back({step_, date_, values_[i], "all", all_[i]});
+      std::vector<double> all = std::move(all_[i].values);
+      for (auto& [region, summaries] : summaries_) {
+        std::vector<double> values = std::move(summaries[i].values);
+        auto percentiles = percentilesOf(values, percentiles_);
+        all.insert(all.end(), values.begin(), values.end());
+        results_.push_back(
+            {step_, date_, values_[i], regionText(region), std::move(summaries[i]), std::move(percentiles)});
+      }
+      auto percentiles = percentilesOf(all, percentiles_);
+      results_.push_back({step_, date_, values_[i], "all", std::move(all_[i]), std::move(percentiles)});
     }
     summaries_.clear();
     all_.clear();
+    keptValues_ = 0;
   }
 
   static std::string regionText(const Region& region) {
@@ -224,19 +268,22 @@ class RegionRows {
     rows.set(column++, std::string_view(field.name));
     rows.set(column++, std::string_view(result.region));
     rows.set(column++, summary.count);
+    const std::size_t behind = column + 4 + percentiles_.size();
     if (summary.count > 0) {
       rows.set(column, summary.least);
       rows.set(column + 1, summary.most);
       rows.set(column + 2, summary.sum / static_cast<double>(summary.count));
       if (weight_ && summary.weights != 0) rows.set(column + 3, summary.weighted / summary.weights);
-      rows.set(column + 4, summary.sum);
+      for (std::size_t i = 0; i < percentiles_.size(); ++i) rows.set(column + 4 + i, result.percentiles[i]);
+      rows.set(behind, summary.sum);
     }
-    if (weight_) rows.set(column + 5, summary.weights);
-    rows.set(column + 6, std::string_view(field.unit));
+    if (weight_) rows.set(behind + 1, summary.weights);
+    rows.set(behind + 2, std::string_view(field.unit));
   }
 
   std::shared_ptr<StreamContext> context_;
   bool init_;
+  std::vector<double> percentiles_;
   CellRows cells_;
   std::shared_ptr<const Schema> cellSchema_;
   std::size_t firstArray_ = 0;
@@ -249,6 +296,7 @@ class RegionRows {
   std::optional<LocalMoment> date_;
   std::map<Region, std::vector<Summary>> summaries_;
   std::vector<Summary> all_;
+  std::size_t keptValues_ = 0;
 
   std::deque<Result> results_;
   std::exception_ptr failure_;

@@ -29,6 +29,13 @@ TEST_F(CellsCommand, SummarizesByRegion) {
                                    "122234.38104248047", "1663200", "BARS"));
   EXPECT_EQ(rows[2][9], "325.3078345243262");
   EXPECT_THAT(rows[3][4], "all");
+  const auto one = csv("stats @HOLLIN --array PRESSURE --steps last --region FIPNUM=1 --percentiles 0,50");
+  EXPECT_EQ(one[0][10], "p0");
+  EXPECT_EQ(one[1][5], rows[1][5]);
+  EXPECT_EQ(std::stof(one[1][10]), std::stof(rows[1][6])) << "the smallest";
+  const Outcome none = run("cells @HOLLIN --array PRESSURE --steps last --region FIPNUM=3");
+  EXPECT_EQ(none.status, 2);
+  EXPECT_THAT(none.err, HasSubstr("of FIPNUM there are 1, 2"));
 }
 
 TEST_F(CellsCommand, WritesKeywordsOfADeck) {

@@ -252,7 +252,8 @@ TEST(StaticCells, RegionsAndRecordsOfAllTypes) {
       run.cells({.arrays = {"FINE", "FIPNUM"}, .cells = {{{1, 1, 1}, {3, 2, 1}}}, .init = true}).collect();
   EXPECT_THAT(valuesOf(cells, "FINE"), ElementsAre(0.1, 0.2, none, 0.3, 0.4, 0.5));
   EXPECT_EQ(cells["FIPNUM"].values<std::int32_t>()[1], -1);
-  StatisticsSelection selection{.by = {"FIPNUM", "SATNUM"}, .weight = "PORV"};
+  StatisticsSelection selection{
+      .by = {"FIPNUM", "SATNUM"}, .weight = "PORV", .percentiles = {0, 2.5, 75, 100}};
   selection.cells = {.arrays = {"FINE"}, .init = true};
   const Batch rows = run.statistics(selection).collect();
   std::vector<std::string> regions;
@@ -261,6 +262,31 @@ TEST(StaticCells, RegionsAndRecordsOfAllTypes) {
   EXPECT_THAT(valuesOf(rows, "count"), ElementsAre(1, 1, 2, 1, 5));
   EXPECT_THAT(valuesOf(rows, "weight_sum"), ElementsAre(2, 5, 4, 4, 15));
   EXPECT_EQ(valuesOf(rows, "weighted_mean")[2], (0.1 * 1 + 0.3 * 3) / 4);
+  EXPECT_EQ(valuesOf(rows, "p0"), valuesOf(rows, "min"));
+  EXPECT_EQ(valuesOf(rows, "p100"), valuesOf(rows, "max"));
+  EXPECT_DOUBLE_EQ(valuesOf(rows, "p2.5")[4], 0.1 + 0.1 * 0.1);
+  EXPECT_DOUBLE_EQ(valuesOf(rows, "p75")[2], 0.25);
+  EXPECT_DOUBLE_EQ(valuesOf(rows, "p75")[4], 0.4);
+
+  CellSelection some{.arrays = {"FINE"}, .init = true, .regions = {{"fipnum", {2, 7}}, {"SATNUM", {1}}}};
+  const auto fine = [&] { return valuesOf(run.cells(some).collect(), "FINE"); };
+  EXPECT_THAT(fine(), ElementsAre(0.1, 0.3));
+  some.cells = {{{3, 2, 1}, {3, 2, 1}}, {{1, 2, 1}, {1, 2, 1}}, {{3, 1, 1}, {3, 1, 1}}};
+  EXPECT_THAT(fine(), ElementsAre(0.3)) << "in listed cells";
+  some.regions = {{"FIPNUM", {-1}}, {"SATNUM", {3, 4}}};
+  EXPECT_THAT(problemOf(Error::Kind::NotFound, fine),
+              HasSubstr("FIPNUM=-1 and SATNUM=3,4; of SATNUM there are 2"));
+  some.regions = {{"PORV", {1}}};
+  EXPECT_THAT(problemOf(Error::Kind::BadRequest, fine), HasSubstr("no region numbers"));
+}
+
+TEST_F(LongArrays, RegionsOfEachStep) {
+  auto& changed = restart.steps[1].grids[0].arrays[2];
+  changed.integers = true;
+  std::ranges::reverse(changed.values);
+  const lumbarn::Run run = write();
+  const CellSelection selection{.arrays = {"PRESSURE"}, .ijk = true, .regions = {{"REGION", {5, 60}}}};
+  EXPECT_THAT(valuesOf(run.cells(selection).collect(), "PRESSURE"), ElementsAre(5, 60, 2439, 2494));
 }
 
 }  // namespace
