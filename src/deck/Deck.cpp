@@ -174,7 +174,7 @@ Stream Deck::keywordTable(const DeckSelection& selection, const ReadOptions& opt
           if (keyword.name == "PATHS") continue;
           if (keyword.section > 0) rows.set(0, keyword.section);
           rows.set(1, keyword.name);
-          rows.set(2, keyword.file);
+          rows.set(2, static_cast<std::int32_t>(keyword.file));
           rows.set(3, keyword.line);
           rows.set(4, keyword.records);
           rows.endRow();
@@ -200,7 +200,7 @@ Stream Deck::includes(const ReadOptions& options) const {
                         const auto& files = index->files.all();
                         for (; i < files.size() && !rows.full(); ++i) {
                           const DeckFile& file = files[i];
-                          rows.set(0, i);
+                          rows.set(0, static_cast<std::int32_t>(i));
                           rows.set(1, toUtf8(file.name));
                           if (file.parent >= 0) {
                             rows.set(2, file.parent);
@@ -208,7 +208,7 @@ Stream Deck::includes(const ReadOptions& options) const {
                           }
                           rows.set(4, file.depth);
                           if (file.state == DeckFile::State::Read) {
-                            rows.set(5, file.size);
+                            rows.set(5, static_cast<std::int64_t>(file.size));
                             rows.set(6, file.lines);
                           }
                           rows.set(7, static_cast<std::int32_t>(file.state));
