@@ -5,7 +5,6 @@
 #include <set>
 #include <utility>
 
-#include "../files/Extensions.h"
 #include "../support/Closest.h"
 #include "../support/Pattern.h"
 #include "../support/Session.h"
@@ -79,49 +78,28 @@ Diagnosis diagnosisOf(const DeckNote& note, const DeckFiles& files) {
 
 Deck Deck::open(const std::string& path, const ReadOptions& options, DeckSimulator simulator) {
   try {
-    auto index = std::make_shared<Index>();
-    index->path = path;
     StreamContext context(options);
-    DeckScanner scanner(path, index->forms, context.session(), simulator);
-    std::set<std::string> unknown;
-    scanner.onNote = [&](const DeckNote& note) {
-      if (index->notes.size() < mostNotes) index->notes.push_back(note);
-      const bool again = note.kind == DeckNote::Kind::UnknownKeyword && !unknown.insert(note.text).second;
-      if (rowOf(note.kind).told && !again) context.session().diagnose(diagnosisOf(note, scanner.files()));
-    };
-    DeckKeyword keyword;
-    while (scanner.next(keyword)) index->keywords.push_back(std::move(keyword));
-    index->files = scanner.files();
-    index->simulator = scanner.simulator();
-    return Deck(std::move(index));
+    return read(path, context.session(), simulator);
   } catch (...) {
     throw errorInFlight();
   }
 }
 
-bool Deck::isDeck(const std::string& path) {
-  constexpr std::size_t enough = 20;
-  constexpr std::uint64_t most = std::uint64_t{16} << 20;
-  std::string why;
-  std::shared_ptr<const ByteSource> source = FileSource::open(path, why);
-  if (!source || source->size() == 0) return false;
-  const bool named = equalNoCase(FileName(path).extension, "DATA");
-  TextWindow window(source);
-  const KeywordForms forms;
-  std::size_t known = 0;
-  std::size_t unknown = 0;
-  for (std::uint64_t at = 0; at < std::min(most, window.size()) && known + unknown < enough;) {
-    if (window.from(at).find('\0') < 512) return false;
-    const std::string_view all = window.line(at);
-    if (all.empty()) break;
-    at += all.size();
-    const std::string_view word = firstWord(deckLine(all).code);
-    if (!isKeywordWord(word)) continue;
-    const std::string name = upper(word.substr(0, 8));
-    if (name == "RUNSPEC") return true;
-    (forms.find(name, 0) ? known : unknown) += 1;
-  }
-  return known > 0 && (named || (known >= 3 && known > 2 * unknown));
+Deck Deck::read(const std::string& path, Session& session, DeckSimulator simulator) {
+  auto index = std::make_shared<Index>();
+  index->path = path;
+  DeckScanner scanner(path, index->forms, session, simulator);
+  std::set<std::string> unknown;
+  scanner.onNote = [&](const DeckNote& note) {
+    if (index->notes.size() < mostNotes) index->notes.push_back(note);
+    const bool again = note.kind == DeckNote::Kind::UnknownKeyword && !unknown.insert(note.text).second;
+    if (rowOf(note.kind).told && !again) session.diagnose(diagnosisOf(note, scanner.files()));
+  };
+  DeckKeyword keyword;
+  while (scanner.next(keyword)) index->keywords.push_back(std::move(keyword));
+  index->files = scanner.files();
+  index->simulator = scanner.simulator();
+  return Deck(std::move(index));
 }
 
 const std::string& Deck::path() const { return index_->path; }
