@@ -1,7 +1,6 @@
 #include "Answer.h"
 
 #include <optional>
-#include <ostream>
 #include <utility>
 
 #include "frame/JoinRuns.h"
@@ -9,26 +8,6 @@
 #include "run/RunNames.h"
 
 namespace lumbarn::cli {
-namespace {
-
-class OutputSink final : public Sink {
- public:
-  explicit OutputSink(std::ostream& out) : out_(out) {}
-  void write(std::span<const std::byte> bytes) override {
-    out_.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    if (!out_) throw Unwritable();
-  }
-  void flush() override { out_.flush(); }
-
-  /// `Output::commit` tells the reason.
-  struct Unwritable {};
-
- private:
-  std::ostream& out_;
-};
-
-}  // namespace
-
 ReadOptions asking(Console& console) {
   ReadOptions options;
   options.stopFlag = &console.stopFlag();
@@ -57,11 +36,7 @@ ExitStatus writeAnswer(Stream&& answer, const OutputOptions& options, std::span<
 ExitStatus writeAnswer(const std::function<void(Sink&)>& write, const OutputOptions& options,
                        std::span<const std::string> inputs, Console& console) {
   Output output(options, console.out(), inputs);
-  OutputSink sink(output.stream());
-  try {
-    write(sink);
-  } catch (const OutputSink::Unwritable&) {  // the stream has the reason
-  }
+  write(output.sink());
   console.progress().hide();
   console.checkCancelled();
   output.commit();
@@ -126,7 +101,7 @@ ExitStatus answer(const RunOptions& options, const OutputOptions& output, Consol
   for (std::size_t i = 0; i < runs.size(); ++i) {
     asked.attempt([&] {
       answers.push_back({names[i], convertUnits(ask(runs[i], asking(console)), output.units)});
-      const auto files = runs[i].files();
+      const auto files = runs[i].paths();
       inputs.insert(inputs.end(), files.begin(), files.end());
     });
   }
@@ -151,7 +126,7 @@ ExitStatus answers(const RunOptions& runs, const OutputOptions& options, Console
   };
   OutputOptions written = options;
   written.units = Units::File;  // they have been converted
-  return writeAnswer(writeAll, written, run.files(), console);
+  return writeAnswer(writeAll, written, run.paths(), console);
 }
 
 }  // namespace lumbarn::cli

@@ -54,7 +54,7 @@ TimeSelection stepsOf(const Run& run, const CellOptions& options) {
 
 ExitStatus writeCells(const Run& run, const CellSelection& selection, const OutputOptions& options,
                       Console& console) {
-  const auto files = run.files();
+  const auto files = run.paths();
   ReadOptions read = asking(console);
   read.limits.bytes = std::size_t{8} << 20;  // the text of a batch takes as much again, or twice that
   if (!options.grdecl) return writeAnswer(run.cells(selection, read), options, files, console);

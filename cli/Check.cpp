@@ -16,16 +16,16 @@ struct CheckArguments {
 };
 
 /// A line for each finding, and one for each file.
-void writeLines(RunCheck& check, std::ostream& out, Console& console) {
-  const auto line = [&](const Diagnosis& finding) { out << printable(toUtf8(finding.text())) << "\n"; };
+void writeLines(RunCheck& check, Output& out, Console& console) {
+  const auto line = [&](const Diagnosis& finding) { out.write(printable(toUtf8(finding.text())) + "\n"); };
   while (const auto file = check.next(line)) {
     console.progress().hide();
-    out << fmt::format("{}: {} {}{}, {}\n", printable(file->path), file->records, file->unit,
-                       file->records == 1 ? "" : "s",
-                       file->findings == 0   ? "clean"
-                       : file->findings == 1 ? "1 finding"
-                                             : fmt::format("{} findings", file->findings));
-    out.flush();
+    out.write(fmt::format("{}: {} {}{}, {}\n", printable(file->path), file->records, file->unit,
+                          file->records == 1 ? "" : "s",
+                          file->findings == 0   ? "clean"
+                          : file->findings == 1 ? "1 finding"
+                                                : fmt::format("{} findings", file->findings)));
+    out.sink().flush();
   }
 }
 
@@ -34,7 +34,7 @@ ExitStatus checkRun(const CheckArguments& options, Console& console) {
   const auto files = check->files();
   if (options.output.format == Format::Table) {
     Output output(options.output, console.out(), files);
-    writeLines(*check, output.stream(), console);
+    writeLines(*check, output, console);
     output.commit();
   } else {
     writeAnswer(RunCheck::findings(check), options.output, files, console);

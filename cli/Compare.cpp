@@ -6,8 +6,6 @@
 
 #include "Answer.h"
 #include "Commands.h"
-#include "files/Folder.h"
-#include "run/Records.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -32,33 +30,15 @@ double toleranceFrom(const std::string& name, const std::string& text) {
   return value;
 }
 
-/// Both are files, and nothing of the question needs their runs.
-bool areFiles(const CompareOptions& options) {
-  return options.comparison.vectors.empty() && !options.time.given() && isFile(options.a) &&
-         isFile(options.b);
-}
-
 ExitStatus compareBoth(const CompareOptions& options, Console& console) {
   Comparison comparison = options.comparison;
   if (!options.absolute.empty()) comparison.absolute = toleranceFrom("--abs", options.absolute);
   if (!options.relative.empty()) comparison.relative = toleranceFrom("--rel", options.relative);
   comparison.top = static_cast<std::size_t>(options.top);
-  std::vector<std::string> files;
-  const auto compareAny = [&] {
-    if (areFiles(options)) {
-      files = {recordFile(options.a), recordFile(options.b)};
-      return compareFiles(files[0], files[1], comparison, asking(console));
-    }
-    const Run a = Run::open(options.a);
-    const Run b = Run::open(options.b);
-    for (const Run& run : {a, b}) {
-      const auto ofRun = run.files();
-      files.insert(files.end(), ofRun.begin(), ofRun.end());
-    }
-    comparison.time = options.time.selection();
-    return compare(a, b, comparison, asking(console));
-  };
-  const Differences found = compareAny();
+  comparison.time = options.time.selection();
+  const Differences found = compare(options.a, options.b, comparison, asking(console));
+  auto files = Run::open(options.a).paths();
+  for (const std::string& path : Run::open(options.b).paths()) files.push_back(path);
   const ExitStatus written = writeAnswer(streamOf(options.overview ? found.overview : found.largest),
                                          options.output, files, console);
   return found.equal ? written : Different;

@@ -2,7 +2,6 @@
 
 #include "Answer.h"
 #include "Commands.h"
-#include "files/Extensions.h"
 #include "run/Records.h"
 
 namespace lumbarn::cli {
@@ -16,15 +15,9 @@ struct ConvertOptions {
   bool replace = false;
 };
 
-/// The name of the target tells whether it is to be formatted.
-bool isFormattedName(const std::string& target) { return meaningOf(FileName(target).extension).formatted; }
-
 ExitStatus convertFile(const ConvertOptions& options, Console& console) {
   const std::string file = recordFile(options.file);
   Conversion conversion = options.conversion;
-  conversion.formatted = conversion.formatted || isFormattedName(options.target);
-  if (conversion.formatted && conversion.littleEndian)
-    throw Failure(Usage, "--little-endian goes with files that are not formatted");
   if (options.time.given()) conversion.time = options.time.selection();
   checkTarget(options.target, std::span(&file, 1), options.replace);
   convert(file, options.target, conversion, asking(console));

@@ -2,7 +2,7 @@
 
 #include "Answer.h"
 #include "Commands.h"
-#include "GridExport.h"
+#include "VtkExport.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -26,22 +26,25 @@ void checkOptions(const GridOptions& options) {
     throw Failure(Usage, "--array and --step go with --vtk");
   if (!vtk && !options.corners && options.zUp) throw Failure(Usage, "--z-up goes with --vtk or --corners");
   if (!options.corners && options.map) throw Failure(Usage, "--map goes with --corners");
+  if (vtk && (options.runs.paths.size() > 1 || options.runs.each))
+    throw Failure(Usage, "--vtk exports one run at a time");
   if (vtk && !options.output.file.empty())
     throw Failure(Usage, "--vtk names its file; -o has no effect with it");
 }
 
+ExitStatus exportGrids(const GridOptions& options, Console& console) {
+  const Run run = Run::open(options.runs.paths.front());
+  checkTarget(options.vtk, run.paths(), options.output.replace);
+  exportVtk(run, {.grid = options.grid, .arrays = options.arrays, .step = options.step, .zUp = options.zUp},
+            options.vtk, asking(console));
+  console.progress().hide();
+  console.checkCancelled();
+  return console.doneStatus();
+}
+
 ExitStatus showGrid(const GridOptions& options, Console& console) {
   checkOptions(options);
-  if (!options.vtk.empty()) {
-    return exportGrids({.path = options.runs.paths.front(),
-                        .grid = options.grid,
-                        .vtk = options.vtk,
-                        .arrays = options.arrays,
-                        .step = options.step,
-                        .zUp = options.zUp,
-                        .replace = options.output.replace},
-                       console);
-  }
+  if (!options.vtk.empty()) return exportGrids(options, console);
   return answer(options.runs, options.output, console, [&](const Run& run, const ReadOptions& read) {
     if (!options.corners) return run.grids(options.grid, read);
     return run.corners({.grid = options.grid, .map = options.map, .zUp = options.zUp}, read);

@@ -1,143 +1,54 @@
-#include <filesystem>
-
-#include <nlohmann/json.hpp>
-
+#include "Answer.h"
 #include "Commands.h"
-#include "Output.h"
-#include "PathArgument.h"
-#include "RunFacts.h"
-#include "files/Recogniser.h"
+#include "FactWriter.h"
 
 namespace lumbarn::cli {
 namespace {
 
 struct InfoOptions {
-  std::string path;
+  RunOptions runs;
+  bool files = false;
   OutputOptions output;
 };
 
-std::uintmax_t bytesOf(const std::string& path) {
-  std::error_code unknown;
-  const auto bytes =
-      std::filesystem::file_size(std::filesystem::path(std::u8string(path.begin(), path.end())), unknown);
-  return unknown ? 0 : bytes;
+Stream factsOf(const Run& run, const ReadOptions& read) {
+  return run.namedFile() ? run.fileFacts(read) : run.facts(read);
 }
 
-/// The given file as its records show it; its kind in `recognised`.
-void addFile(Facts& facts, const RunMember& file, const Recognised& recognised) {
-  facts["file"] = file.path;
-  facts["kind"] = nameOf(recognised.kind);
-  if (recognised.form) facts["form"] = recognised.form->description();
-  if (recognised.unified) facts["layout"] = *recognised.unified ? "unified" : "one file for each step";
-  facts["bytes"] = bytesOf(file.path);
+/// Facts and files of one run, which are no table together.
+ExitStatus tellAbout(const Run& run, const OutputOptions& options, Console& console) {
+  const auto writeBoth = [&](Sink& sink) {
+    const auto write = options.format == Format::Json ? writeFactsJson : writeFactsReadable;
+    write(factsOf(run, asking(console)), run.files(asking(console)), sink);
+  };
+  return writeAnswer(writeBoth, options, run.paths(), console);
 }
 
-/// As the name tells it, and of a name that tells nothing not at all.
-const char* formOf(const RunMember& file) {
-  if (file.kind == FileKind::Unknown) return "";
-  return isText(file.kind) || file.formatted ? "formatted" : "unformatted";
-}
-
-/// One entry for each file of the run, step files of one set taken together as the first and the last of
-/// them.
-Facts familyFacts(const RunFamily& run) {
-  Facts files = Facts::array();
-  const RunMember* before = nullptr;
-  for (const RunMember& member : run.members) {
-    const bool goesOn = before && member.multiple() && before->multiple() && before->set == member.set;
-    before = &member;
-    const std::string name = nameOfFile(member.path);
-    if (goesOn) {
-      Facts& set = files.back();
-      set["files"] = set["files"].get<std::int64_t>() + 1;
-      set["last"] = name;
-      set["bytes"] = set["bytes"].get<std::uintmax_t>() + bytesOf(member.path);
-      continue;
-    }
-    files.push_back({{"kind", nameOf(member.kind)},
-                     {"form", formOf(member)},
-                     {"files", 1},
-                     {"first", name},
-                     {"last", ""},
-                     {"bytes", bytesOf(member.path)}});
+ExitStatus showInfo(const InfoOptions& options, Console& console) {
+  if (options.files) {
+    return answer(options.runs, options.output, console,
+                  [](const Run& run, const ReadOptions& read) { return run.files(read); });
   }
-  return files;
-}
-
-/// What the run's files of a kind tell; for the summary, specification and data together.
-void addContent(Facts& facts, const RunFamily& run, FileKind kind, Console& console) {
-  if (!run.find(kind)) return;
-  switch (kind) {
-    case FileKind::SummarySpec:
-      facts["summary"] = summaryFacts(run, console);
-      break;
-    case FileKind::Restart:
-      facts["restart"] = restartFacts(run, console);
-      break;
-    case FileKind::Init:
-      facts["init"] = initFacts(run, console);
-      break;
-    case FileKind::Rsspec:
-      facts["restart_index"] = indexFacts(run, kind, console);
-      break;
-    case FileKind::Inspec:
-      facts["init_index"] = indexFacts(run, kind, console);
-      break;
-    case FileKind::EGrid:
-    case FileKind::Grid:
-      facts["grid"] = gridFacts(run, kind, console);
-      break;
-    case FileKind::Save:
-      facts["save"] = saveFacts(run, console);
-      break;
-    case FileKind::Rft:
-      facts["well_tests"] = testFacts(run, console);
-      break;
-    case FileKind::UserRft:
-    case FileKind::UserPlt:
-      facts["well_tests"] = userTestFacts(*run.find(kind), console);
-      break;
-    default:
-      break;
-  }
-}
-
-ExitStatus tellAbout(const InfoOptions& options, Console& console) {
-  RunFamily run = findRun(options.path);
-  Output output(options.output, console.out(), pathsOf(run));
-  Facts facts = Facts::object();
-  bool unknown = false;
-  std::vector<FileKind> kinds{FileKind::SummarySpec, FileKind::Restart, FileKind::Init, FileKind::EGrid,
-                              FileKind::Grid,        FileKind::Rft,     FileKind::Save};
-  if (run.given) {
-    RunMember& file = run.members[*run.given];
-    const Recognised recognised = recogniseFile(file.path);
-    addFile(facts, file, recognised);
-    unknown = recognised.kind == FileKind::Unknown;
-    if (!isText(recognised.kind) && recognised.problem) console.tell(*recognised.problem);
-    file.kind = recognised.kind;
-    kinds = {file.kind == FileKind::Summary ? FileKind::SummarySpec : file.kind};
-  }
-  facts["run"] = run.folder + run.base;
-  for (const FileKind kind : kinds) addContent(facts, run, kind, console);
-  facts["files"] = familyFacts(run);
-  console.progress().hide();
-  writeFacts(facts, options.output.format, output.stream());
-  output.commit();
-  return unknown ? Unreadable : console.doneStatus();
+  const bool both = options.output.format == Format::Table || options.output.format == Format::Json;
+  const bool one = options.runs.paths.size() == 1 && !options.runs.each;
+  if (one && both && !options.output.unitRow && !options.output.longForm)
+    return tellAbout(Run::open(options.runs.paths.front()), options.output, console);
+  return answer(options.runs, options.output, console, factsOf);
 }
 
 }  // namespace
 
 void addInfo(CommandLine& line) {
   Subcommand command(line, "info", "Tell what a file is, or what a run consists of");
-  InfoOptions& options = command.performs(tellAbout);
-  command.path(options.path);
+  InfoOptions& options = command.performs(showInfo);
+  command.runs(options.runs);
+  command.flag("--files", options.files, "List the files of the run");
   command.output(options.output);
   command.footer(
-      "For a file: its kind and form, what its headers tell, and the run that it belongs to. For a run: the "
-      "same of\n"
-      "all its files. Example:\n  lumbarn info RUN");
+      "For a file: its kind and form, what its headers tell, and the files of the run that it belongs to. "
+      "For\n"
+      "a run: the same of all its files. csv and the like, and tables of several runs, have a row for each\n"
+      "fact. Example:\n  lumbarn info RUN");
 }
 
 }  // namespace lumbarn::cli

@@ -36,9 +36,9 @@ ExitStatus showCellArrays(const InitOptions& options, Console& console) {
   }
   auto list = run.arrays({.init = true, .grid = options.cells.grid}, asking(console));
   if (options.output.format != Format::Table)
-    return writeAnswer(std::move(list), options.output, run.files(), console);
+    return writeAnswer(std::move(list), options.output, run.paths(), console);
   return writeAnswer([&](Sink& sink) { writeReadable(std::move(list), console, sink); }, options.output,
-                     run.files(), console);
+                     run.paths(), console);
 }
 
 ExitStatus showInit(const InitOptions& options, Console& console) {

@@ -34,7 +34,6 @@ extern "C" void stop(int signal) {
 int main(int argc, char** argv) {
   lumbarn::openStandardStreams();
   std::ios::sync_with_stdio(false);
-  lumbarn::Session::process().hostCancel = &stopRequested;
 #ifdef SIGXFSZ
   std::signal(SIGXFSZ, SIG_IGN);  // writing beyond the size limit then fails, and is reported
 #endif
@@ -44,7 +43,7 @@ int main(int argc, char** argv) {
   }
   const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
   const int status =
-      lumbarn::cli::run(args, std::cout, std::cerr, lumbarn::Session::process(), lumbarn::stderrIsTerminal());
+      lumbarn::cli::run(args, std::cout, std::cerr, stopRequested, lumbarn::stderrIsTerminal());
   if (status == lumbarn::cli::Cancelled) {
     // Ends by the signal itself, so that a shell's loop around this command ends too.
     std::signal(receivedSignal, SIG_DFL);

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <ostream>
 #include <string>
 
-#include "support/Session.h"
+#include "frame/Progress.h"
 
 namespace lumbarn::cli {
 
@@ -13,8 +14,7 @@ namespace lumbarn::cli {
 class ProgressBar final : public Progress {
  public:
   /// Draws nothing at all unless `enabled`, which is for terminals only.
-  ProgressBar(std::ostream& err, Session& session, bool enabled)
-      : err_(err), session_(session), enabled_(enabled) {}
+  ProgressBar(std::ostream& err, bool enabled) : err_(err), enabled_(enabled) {}
   ~ProgressBar() override { hide(); }
 
   void files(int count) override;
@@ -27,12 +27,11 @@ class ProgressBar final : public Progress {
   void draw(double share);
 
   std::ostream& err_;
-  Session& session_;
   bool enabled_;
   bool shown_ = false;
   int files_ = 1;
   int done_ = 0;
-  std::optional<Session::Clock::time_point> due_;  // of the next drawing
+  std::optional<std::chrono::steady_clock::time_point> due_;  // of the next drawing
 };
 
 }  // namespace lumbarn::cli

@@ -103,8 +103,8 @@ ExitStatus listArrays(const Run& run, const RestartOptions& options, Console& co
   }
   auto list = run.arrays({.grid = cells.grid, .time = stepsOf(run, cells)}, asking(console));
   if (options.output.format != Format::Table)
-    return writeAnswer(std::move(list), options.output, run.files(), console);
-  return writeAnswer([&](Sink& sink) { writeReadable(std::move(list), sink); }, options.output, run.files(),
+    return writeAnswer(std::move(list), options.output, run.paths(), console);
+  return writeAnswer([&](Sink& sink) { writeReadable(std::move(list), sink); }, options.output, run.paths(),
                      console);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -11,7 +12,6 @@
 #include "ManPage.h"
 #include "frame/Error.h"
 #include "support/Closest.h"
-#include "support/Fault.h"
 
 namespace lumbarn::cli {
 namespace {
@@ -98,11 +98,6 @@ ExitStatus perform(const Action& action, Console& console) {
     return failure.status();
   } catch (const Error& error) {
     return tellError(error, console);
-  } catch (const LoadCanceled&) {
-    console.say("cancelled");
-    return Cancelled;
-  } catch (const BadRecord& damage) {
-    console.tell(damage.diagnosis());
   } catch (const std::bad_alloc&) {
     console.say("out of memory");
   } catch (const std::exception& other) {
@@ -113,9 +108,9 @@ ExitStatus perform(const Action& action, Console& console) {
 
 }  // namespace
 
-int run(std::span<const std::string> args, std::ostream& out, std::ostream& err, Session& session,
-        bool terminal) {
-  Console console(out, err, session, terminal);
+int run(std::span<const std::string> args, std::ostream& out, std::ostream& err,
+        const std::atomic<bool>& stop, bool terminal) {
+  Console console(out, err, stop, terminal);
   CLI::App app("Reads files of reservoir simulators: summaries, restarts, grids and the rest of a run.",
                "lumbarn");
   app.set_version_flag("--version", "lumbarn " LUMBARN_VERSION);
@@ -139,8 +134,10 @@ int run(std::span<const std::string> args, std::ostream& out, std::ostream& err,
       return Usage;
     }
     chosen = [&app, &error](Console& asked) {  // help or version
+      std::ostringstream text;
+      app.exit(error, text, text);
       Output output({}, asked.out(), {});
-      app.exit(error, output.stream(), output.stream());
+      output.write(text.view());
       output.commit();
       return Done;
     };

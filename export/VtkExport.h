@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
@@ -12,7 +13,9 @@
 namespace lumbarn {
 
 class Hadrick;
+class Run;
 class Session;
+struct ReadOptions;
 
 /// Gives values of active cells in the order of the file, which has one grid after the other and each grid's
 /// cells by number, from cell `first` (from 0) on: `values` has one item for each component of each cell,
@@ -67,5 +70,23 @@ void exportVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const 
 /// The same for one grid. The parent of a local grid is not known, so a radial one is written around 0, 0.
 void exportVtk(const Hadrick& grid, std::span<const CellArray> arrays, const VtkOptions& options,
                const std::string& path, Session& session, bool& qOK);
+
+/// What of a run is exported beside the shape of its grids.
+struct RunExport {
+  std::string grid{};                  ///< empty: all grids; ROOT: the global one
+  std::vector<std::string> arrays{};   ///< names of arrays of the restart files or the INIT file
+  std::optional<std::int32_t> step{};  ///< restart arrays as they are at this step; otherwise at all steps
+  bool zUp = false;                    ///< heights in place of depths
+};
+
+/// Writes the grids of a run with arrays of it. An array has the type that holds its values in all steps and
+/// grids. Where a step or grid does not have it, or a cell has no value, it is not a number, or 0 for whole
+/// numbers. Of steps with one number the last is exported. One array of one step and grid is in memory at a
+/// time.
+///
+/// Throws Error: NotFound for grids, arrays and steps that are not there, Damaged when it matters which cells
+/// are active and no file tells it, and when the file cannot be written.
+void exportVtk(const Run& run, const RunExport& selection, const std::string& path,
+               const ReadOptions& options);
 
 }  // namespace lumbarn

@@ -7,6 +7,7 @@
 #include "RecordMutator.h"
 #include "grid/PointLocator.h"
 #include "grid/qvGRIDReader.h"
+#include "support/Guarded.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
 
@@ -33,7 +34,8 @@ struct Read {
     reader.CompressOnLoad = (options & 1) != 0;
     reader.NoInactive = (options & 2) != 0;
     reader.Coarsened = (options & 4) == 0;
-    reader.readGrids(std::make_shared<MemorySource>(bytes), qOK);
+    guarded(session, qOK, "qvGRIDReader", "readGrids",
+            [&] { return reader.readGrids(std::make_shared<MemorySource>(bytes)); });
     fuzz::check(qOK || !session.diagnoses().empty(), "a failure is told");
     fuzz::check(static_cast<std::size_t>(reader.nGrids) == reader.xGrids.size(), "grids are counted");
   }

@@ -9,14 +9,11 @@
 #include "../record/LoadedFiles.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "DerivedSaturation.h"
 
 namespace lumbarn {
 namespace {
-
-constexpr const char* className = "ArrayReader";
 
 constexpr std::size_t pieceElements = std::size_t{1} << 16;
 
@@ -135,32 +132,29 @@ Form formOf(const std::array<bool, 5>& qFileTypeSettings, Session& session) {
 ArrayReader::~ArrayReader() = default;
 
 void ArrayReader::readFetched(const std::string& file, const std::array<bool, 5>& qFileTypeSettings,
-                              FetchColumn column, std::int64_t first, std::span<float> values, bool& qOK) {
-  guarded(*session_, qOK, className, "readFetched", [&] {
-    current_.reset();
-    const RecordHeader header = headerOf(column);
-    const Form form = formOf(qFileTypeSettings, *session_);
-    if (!cursor_ || cursor_->path() != file || !(cursor_->form() == form)) {
-      std::string why;
-      std::shared_ptr<const ByteSource> source = FileSource::open(file, why);
-      if (!source) throw BadRecord({.message = Message::FileOpen, .path = file, .problem = why});
-      cursor_ = std::make_unique<RecordCursor>(std::move(source), form, file);
-    }
-    cursor_->checkUnchanged();
-    const auto& loaded = session_->part<LoadedFiles>().stamps;
-    if (const auto stamp = loaded.find(file); stamp != loaded.end()) {
-      if (auto change = changedSince(stamp->second, file)) throw BadRecord(std::move(*change));
-    }
-    if (header.dataAt > cursor_->fileSize()) {
-      throw BadRecord({.message = Message::ArrayBehindEnd,
-                       .path = file,
-                       .offset = header.dataAt,
-                       .expected = fmt::format("{} elements", header.count),
-                       .found = fmt::format("{} bytes", cursor_->fileSize())});
-    }
-    cursor_->setCurrent(header);
-    readNumbers(*cursor_, *session_, first, values);
-  });
+                              FetchColumn column, std::int64_t first, std::span<float> values) {
+  const RecordHeader header = headerOf(column);
+  const Form form = formOf(qFileTypeSettings, *session_);
+  if (!cursor_ || cursor_->path() != file || !(cursor_->form() == form)) {
+    std::string why;
+    std::shared_ptr<const ByteSource> source = FileSource::open(file, why);
+    if (!source) throw BadRecord({.message = Message::FileOpen, .path = file, .problem = why});
+    cursor_ = std::make_unique<RecordCursor>(std::move(source), form, file);
+  }
+  cursor_->checkUnchanged();
+  const auto& loaded = session_->part<LoadedFiles>().stamps;
+  if (const auto stamp = loaded.find(file); stamp != loaded.end()) {
+    if (auto change = changedSince(stamp->second, file)) throw BadRecord(std::move(*change));
+  }
+  if (header.dataAt > cursor_->fileSize()) {
+    throw BadRecord({.message = Message::ArrayBehindEnd,
+                     .path = file,
+                     .offset = header.dataAt,
+                     .expected = fmt::format("{} elements", header.count),
+                     .found = fmt::format("{} bytes", cursor_->fileSize())});
+  }
+  cursor_->setCurrent(header);
+  readNumbers(*cursor_, *session_, first, values);
 }
 
 ArrayReader::Found ArrayReader::find(std::int32_t step, std::string_view name, std::string_view grid) {
@@ -195,39 +189,8 @@ ArrayReader::Found ArrayReader::foundEntry(const IndexStep& step, const IndexEnt
   return {&step, entry, grid, step.cellsOf(grid)};
 }
 
-Diagnosis ArrayReader::refusal(const Found& array, Message message) const {
-  return {.message = message,
-          .path = index_->files[array.step->file],
-          .keyword = std::string(array.entry.keyword.view()),
-          .offset = array.entry.isDerived() ? array.step->position : array.entry.position,
-          .expected = fmt::format("{} of {} cells active", array.cells.active, array.cells.cells),
-          .found = fmt::format("{} values", array.entry.count)};
-}
-
 RecordCursor& ArrayReader::moveTo(const Found& array) {
-  const std::string& path = index_->files[array.step->file];
-  if (!cursor_ || cursor_->path() != path) {
-    std::string why;
-    current_.reset();
-    cursor_ = openRecords(path, why);
-    if (!cursor_) throw BadRecord({.message = Message::FileOpen, .path = path, .problem = why});
-  }
-  if (auto change = changedSince(index_->stamps[array.step->file], path)) throw BadRecord(std::move(*change));
-  const IndexEntry& entry = array.entry;
-  if (current_ == entry.position) return *cursor_;
-  current_.reset();
-  cursor_->seek(entry.position);
-  const bool there = cursor_->next();
-  const RecordHeader& header = cursor_->header();
-  if (!there || header.keyword != entry.keyword.view() || header.count != entry.count ||
-      header.typeWord != entry.typeWord.view()) {
-    Diagnosis diagnosis = refusal(array, Message::ArrayMoved);
-    diagnosis.expected = fmt::format("{} of {} {}", entry.keyword.view(), entry.count, entry.typeWord.view());
-    diagnosis.found = fmt::format("{} of {} {}", header.keyword, header.count, header.typeWord);
-    throw BadRecord(std::move(diagnosis));
-  }
-  current_ = entry.position;
-  return *cursor_;
+  return records_.moveTo(*index_, *array.step, array.entry);
 }
 
 template <class Number>
@@ -287,20 +250,14 @@ LUMBARN_FETCH(float);
 LUMBARN_FETCH(double);
 #undef LUMBARN_FETCH
 
+template <class Number>
 void ArrayReader::read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
-                       std::span<double> values, bool& qOK) {
-  guarded(*session_, qOK, className, "read", [&] { readElements(find(step, name, grid), first, values); });
+                       std::span<Number> values) {
+  readElements(find(step, name, grid), first, values);
 }
-
-void ArrayReader::read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
-                       std::span<float> values, bool& qOK) {
-  guarded(*session_, qOK, className, "read", [&] { readElements(find(step, name, grid), first, values); });
-}
-
-void ArrayReader::read(const IndexStep& step, const IndexEntry& entry, std::string_view grid,
-                       std::int64_t first, std::span<double> values, bool& qOK) {
-  guarded(*session_, qOK, className, "read",
-          [&] { readElements(foundEntry(step, entry, grid), first, values); });
-}
+template void ArrayReader::read(std::int32_t, std::string_view, std::string_view, std::int64_t,
+                                std::span<float>);
+template void ArrayReader::read(std::int32_t, std::string_view, std::string_view, std::int64_t,
+                                std::span<double>);
 
 }  // namespace lumbarn

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "../index/IndexedRecords.h"
 #include "../index/RestartIndex.h"
 #include "../record/RecordCursor.h"
 #include "../support/Session.h"
@@ -49,22 +50,17 @@ class ArrayReader {
   /// By a column of a step's fetch-on-demand table, the file that the step was read from, and the settings
   /// that came with it (FORTRAN, Formatted, 4-byte marks, bytes swapped, I/O method 8): elements
   /// [first, first + values.size()). Kinds 2 (integers), 3 and 11 (32-bit floating point) are in the file;
-  /// any other kind, as of a derived array, is a fault. Fails when the file is not as it was when this
-  /// reader's session loaded it, or when this reader opened it.
+  /// any other kind, as of a derived array, is a Fault. Throws BadRecord when the file is not as it was when
+  /// this reader's session loaded it, or when this reader opened it.
   void readFetched(const std::string& file, const std::array<bool, 5>& qFileTypeSettings, FetchColumn column,
-                   std::int64_t first, std::span<float> values, bool& qOK);
+                   std::int64_t first, std::span<float> values);
 
   /// By name: elements [first, first + values.size()) of an array as stored in the file. The empty grid
-  /// name or "ROOT" is the global grid. For an INIT file `step` has no meaning. Fails with a diagnosis when
-  /// the step has no such array of numbers.
+  /// name or "ROOT" is the global grid. For an INIT file `step` has no meaning. Throws BadRecord when the
+  /// step has no such array, Fault for one that is not of numbers. Number is float or double.
+  template <class Number>
   void read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
-            std::span<double> values, bool& qOK);
-  void read(std::int32_t step, std::string_view name, std::string_view grid, std::int64_t first,
-            std::span<float> values, bool& qOK);
-  /// By entry of a step of this reader's index, or one of `derivedArray`, which needs the grid.
-  void read(const IndexStep& step, const IndexEntry& entry, std::string_view grid, std::int64_t first,
-            std::span<double> values, bool& qOK);
-
+            std::span<Number> values);
   /// Elements of an entry of a step of this reader's index, or of one of `derivedArray`, which needs the
   /// grid: [first, first + values.size()), or those with the numbers given, which ascend. Number is
   /// std::int32_t, float or double; 64-bit numbers lose precision as float. Throw BadRecord, Fault and
@@ -86,7 +82,6 @@ class ArrayReader {
   };
   Found find(std::int32_t step, std::string_view name, std::string_view grid);
   Found foundEntry(const IndexStep& step, const IndexEntry& entry, std::string_view grid) const;
-  Diagnosis refusal(const Found& array, Message message) const;
   RecordCursor& moveTo(const Found& array);
   template <class Number>
   void readElements(const Found& array, std::int64_t first, std::span<Number> values);
@@ -95,8 +90,8 @@ class ArrayReader {
 
   Session* session_;
   std::shared_ptr<const RestartIndex> index_ = std::make_shared<const RestartIndex>();
-  std::unique_ptr<RecordCursor> cursor_;  // on the file that was read last
-  std::optional<std::uint64_t> current_;  // the record of it that the cursor is on, if it was moved there
+  IndexedRecords records_{*session_};
+  std::unique_ptr<RecordCursor> cursor_;  // of `readFetched`
   bool repeatReported_ = false;
 };
 

@@ -105,10 +105,10 @@ std::span<const float> ArrayTable::values() const {
   return sData_.values().first(loaded_ ? length_ * arrays_.size() : 0);
 }
 
-ColumnTable<std::int32_t> ArrayTable::iFOD() const {
-  ColumnTable<std::int32_t> table(5, arrays_.size());
-  for (std::size_t i = 1; i <= arrays_.size(); ++i) {
-    const KeptArray& array = arrays_[i - 1];
+ColumnTable<std::int32_t> fetchTable(std::span<const KeptArray> arrays) {
+  ColumnTable<std::int32_t> table(5, arrays.size());
+  for (std::size_t i = 1; i <= arrays.size(); ++i) {
+    const KeptArray& array = arrays[i - 1];
     const std::int32_t items = clamped(array.header.count);
     const auto place =
         array.kind == ArrayKind::Derived ? PositionWords{items, items} : toWords(array.header.dataAt + 1);

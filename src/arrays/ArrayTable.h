@@ -31,6 +31,11 @@ struct KeptArray {
   RecordHeader header;
 };
 
+/// The fetch-on-demand table, 5 rows, one column for each array: items, kind, low and high word of the
+/// position of the data (from 1, behind the header record), 1. A derived array has the item count in both
+/// position words too.
+ColumnTable<std::int32_t> fetchTable(std::span<const KeptArray> arrays);
+
 /// How the arrays of one grid are to be kept.
 struct ArrayRequest {
   bool LoadData = true;               ///< False: keep only the positions of the values
@@ -71,10 +76,8 @@ class ArrayTable {
   /// All columns in use, one after the other; empty when no values are held.
   std::span<const float> values() const;
 
-  /// The fetch-on-demand table, 5 rows, one column for each array: items, kind, low and high word of the
-  /// position of the data (from 1, behind the header record), 1. A derived array has the item count in both
-  /// position words too.
-  ColumnTable<std::int32_t> iFOD() const;
+  /// See `fetchTable`.
+  ColumnTable<std::int32_t> iFOD() const { return fetchTable(arrays_); }
 
  private:
   void makeRoom(const ArrayRequest& request, std::size_t length, std::size_t mostColumns, Session& session);

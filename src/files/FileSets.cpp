@@ -1,6 +1,7 @@
 #include "FileSets.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "../support/Guarded.h"
@@ -23,29 +24,58 @@ FileKind kindOfWord(std::string_view zKind) {
   return FileKind::Unknown;
 }
 
-// Index, from 1, of the first file of that step or a later one; 0 when there is none.
-std::int32_t searchStep(const std::vector<std::string>& zFiles, std::int32_t nFiles, std::int32_t step) {
-  for (std::int32_t i = 0; i < nFiles; ++i) {
-    if (GetNumericPartOfFileName(zFiles[static_cast<std::size_t>(i)]) >= step) return i + 1;
+/// Index, from 1, of the first file of that step or a later one; 0 when there is none.
+std::size_t searchStep(std::span<const std::string> files, std::int32_t step) {
+  const auto found =
+      std::ranges::find_if(files, [&](const auto& file) { return GetNumericPartOfFileName(file) >= step; });
+  return found == files.end() ? 0 : static_cast<std::size_t>(found - files.begin()) + 1;
+}
+
+/// Cuts the first `count` files of a list to steps; gives how many remain.
+std::size_t cutToSteps(std::int32_t iStart, std::int32_t iEnd, std::size_t count,
+                       std::vector<std::string>& files) {
+  if (iEnd < 0) iEnd = iStart;
+  if (iStart > iEnd) std::swap(iStart, iEnd);
+  if (count == 0 || iStart < 0) return count;
+  const auto listed = std::span<const std::string>(files).first(count);
+  const std::size_t first = searchStep(listed, iStart);
+  std::size_t last = iStart == iEnd ? first : searchStep(listed, iEnd);
+  // Deliberate, as hosts know it: an end behind the last file means the first file alone, and a list that is
+  // cut to nothing has one empty entry.
+  if (last == 0) last = first;
+  if (first == 0) {
+    files.assign(1, std::string());
+    return 0;
   }
-  return 0;
+  if (last - first + 1 == count) return count;
+  files.resize(last);
+  files.erase(files.begin(), files.begin() + static_cast<std::ptrdiff_t>(first - 1));
+  return files.size();
 }
 
 }  // namespace
 
-void setEclipseFileName(std::string_view zFile, std::string_view zKind, std::string& zExtension,
-                        bool qUnified, bool qFormatted, std::string& zName, bool& qOK) {
+SetFileName fileNameOfKind(std::string_view zFile, std::string_view zKind, bool qUnified, bool qFormatted) {
   const FileName given(zFile);
   const ExtensionMeaning meaning = meaningOf(given.extension);
   const ExtensionSet* set =
       findExtensionSet(kindOfWord(zKind), qFormatted, meaning.set && meaning.set->shortNames);
-  zExtension.clear();
-  zName.clear();
-  if (set) zExtension = qUnified ? std::string(set->unified) : set->extensionOf(std::max(meaning.step, 0));
-  qOK = !zExtension.empty();
-  if (!qOK) return;
-  if (isUpperCase(given.extension)) zExtension = upper(zExtension);
-  zName = given.folder + given.base + '.' + zExtension;
+  SetFileName found;
+  if (set) {
+    found.extension = qUnified ? std::string(set->unified) : set->extensionOf(std::max(meaning.step, 0));
+  }
+  if (found.extension.empty()) return {};
+  if (isUpperCase(given.extension)) found.extension = upper(found.extension);
+  found.name = given.folder + given.base + '.' + found.extension;
+  return found;
+}
+
+void setEclipseFileName(std::string_view zFile, std::string_view zKind, std::string& zExtension,
+                        bool qUnified, bool qFormatted, std::string& zName, bool& qOK) {
+  auto found = fileNameOfKind(zFile, zKind, qUnified, qFormatted);
+  qOK = !found.name.empty();
+  zExtension = std::move(found.extension);
+  zName = std::move(found.name);
 }
 
 void GetFileNamesToLoad(std::string_view zFile, std::int32_t iStart, std::int32_t iEnd, bool qUnified,
@@ -61,65 +91,50 @@ void GetFileNamesToLoad(std::string_view zFile, std::int32_t iStart, std::int32_
     const bool listed = findSetFiles(given, candidates, session, found);
     zFiles = std::move(found.steps);
     nFiles = static_cast<std::int32_t>(zFiles.size());
-    if (!listed || (iStart < 0 && iEnd < 0)) return listed;
-    bool cut = false;
-    GetFileListUsingStartAndEnd(iStart, iEnd, candidates[0].formatted, qUnified, given.extension, nFiles,
-                                zFiles, cut);
-    return cut;
+    if (listed && (iStart >= 0 || iEnd >= 0)) {
+      nFiles = static_cast<std::int32_t>(cutToSteps(iStart, iEnd, zFiles.size(), zFiles));
+    }
+    return listed;
   });
 }
 
 void GetFileListUsingStartAndEnd(std::int32_t iStart, std::int32_t iEnd, bool /*qFormatted*/, bool qUnified,
                                  std::string_view /*zExtension*/, std::int32_t& nFiles,
                                  std::vector<std::string>& zFiles, bool& qOK) {
-  qOK = true;
   nFiles = std::clamp<std::int32_t>(nFiles, 0, static_cast<std::int32_t>(zFiles.size()));
-  if (iEnd < 0) iEnd = iStart;
-  if (iStart > iEnd) std::swap(iStart, iEnd);
-  if (nFiles == 0 || iStart < 0 || qUnified) return;
-  const std::int32_t first = searchStep(zFiles, nFiles, iStart);
-  std::int32_t last = iStart == iEnd ? first : searchStep(zFiles, nFiles, iEnd);
-  // Deliberate, as hosts know it: an end behind the last file means the first file alone, and a list that is
-  // cut to nothing has one empty entry.
-  if (last == 0) last = first;
-  if (first == 0) {
-    nFiles = 0;
-    zFiles.assign(1, std::string());
-    return;
+  if (!qUnified) {
+    nFiles = static_cast<std::int32_t>(cutToSteps(iStart, iEnd, static_cast<std::size_t>(nFiles), zFiles));
   }
-  if (last - first + 1 == nFiles) return;
-  zFiles.resize(static_cast<std::size_t>(last));
-  zFiles.erase(zFiles.begin(), zFiles.begin() + (first - 1));
-  nFiles = static_cast<std::int32_t>(zFiles.size());
+  qOK = true;
+}
+
+StepLimits stepLimits(std::string_view zKind, std::int32_t iStart, std::int32_t iEnd) {
+  if (iStart >= 0) return {iStart, iEnd < 0 ? iStart : std::max(iEnd, iStart)};
+  if (iEnd < 0) return {};
+  const auto is = [&](std::string_view word) { return equalNoCase(trim(zKind), word); };
+  // A summary has no step 0; restarts do.
+  return {is("STREAMLINE") || is("SOLUTION") || is("SAVE") ? 0 : 1, iEnd};
 }
 
 void setEclipseSequenceLimits(std::string_view zKind, bool qUnified, std::int32_t iStart, std::int32_t iEnd,
                               std::int32_t& iFirst, std::int32_t& iLast, bool& qOK) {
   qOK = true;
   if (!qUnified) return;
-  if (iStart >= 0) {
-    iFirst = iStart;
-    iLast = iEnd < 0 ? iStart : std::max(iEnd, iFirst);
-    return;
-  }
-  iFirst = iLast = -1;
-  if (iEnd < 0) return;
-  const auto is = [&](std::string_view word) { return equalNoCase(trim(zKind), word); };
-  // A summary has no step 0; restarts do.
-  iFirst = is("STREAMLINE") || is("SOLUTION") || is("SAVE") ? 0 : 1;
-  iLast = iEnd;
+  const StepLimits limits = stepLimits(zKind, iStart, iEnd);
+  iFirst = limits.first;
+  iLast = limits.last;
 }
 
 void checkSequence(bool qUnified, std::int32_t iStep, std::int32_t iFirst, std::int32_t iLast, bool& qUse,
                    bool& qPast, bool& qOK) {
-  const bool before = qUnified && iFirst >= 0 && iStep < iFirst;
-  qPast = qUnified && !before && iLast >= 0 && iStep > iLast;
-  qUse = !before && !qPast;
+  const StepLimits limits{iFirst, iLast};
+  qUse = !qUnified || limits.contain(iStep);
+  qPast = qUnified && limits.past(iStep);
   qOK = true;
 }
 
 void checkForExit(bool qUnified, std::int32_t iStep, std::int32_t iLast, bool& qExit, bool& qOK) {
-  qExit = qUnified && iLast >= 0 && iStep >= iLast;
+  qExit = qUnified && StepLimits{-1, iLast}.endAt(iStep);
   qOK = true;
 }
 

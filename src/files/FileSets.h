@@ -11,9 +11,15 @@ namespace lumbarn {
 
 /// The name of the file of kind zKind ("SUMMARY", "RESTART" or "SOLUTION", "SAVE", "STREAMLINE") beside
 /// zFile, in the case and the generation (long or short extensions) of zFile's extension; long when that is
-/// none of a set's. zExtension takes the extension. qUnified True gives the unified file; False gives the
-/// multiple file of zFile's own step, or of step 0 when zFile is not a multiple file. The disk is not looked
-/// at. qOK False with both texts empty for a kind that has no such file.
+/// none of a set's. qUnified True gives the unified file; False gives the multiple file of zFile's own step,
+/// or of step 0 when zFile is not a multiple file. The disk is not looked at. Both texts are empty for a kind
+/// that has no such file.
+struct SetFileName {
+  std::string extension;
+  std::string name;
+};
+SetFileName fileNameOfKind(std::string_view zFile, std::string_view zKind, bool qUnified, bool qFormatted);
+/// Calling form of the same. qOK False for a kind that has no such file.
 void setEclipseFileName(std::string_view zFile, std::string_view zKind, std::string& zExtension,
                         bool qUnified, bool qFormatted, std::string& zName, bool& qOK);
 
@@ -40,14 +46,26 @@ void GetFileListUsingStartAndEnd(std::int32_t iStart, std::int32_t iEnd, bool qF
                                  std::string_view zExtension, std::int32_t& nFiles,
                                  std::vector<std::string>& zFiles, bool& qOK);
 
-/// Step limits to use in a record loop over a unified set; -1 is an open limit. For a multiple set they stay
-/// as they are, as the list of files does the work.
+/// Limits of the steps to use of a unified set, -1 for an open one.
+struct StepLimits {
+  std::int32_t first = -1;
+  std::int32_t last = -1;
+
+  bool before(std::int32_t step) const { return first >= 0 && step < first; }
+  bool past(std::int32_t step) const { return !before(step) && last >= 0 && step > last; }
+  bool contain(std::int32_t step) const { return !before(step) && !past(step); }
+  /// Once `step` is used there are no more.
+  bool endAt(std::int32_t step) const { return last >= 0 && step >= last; }
+};
+/// What the limits that a host gives mean for a kind of file.
+StepLimits stepLimits(std::string_view zKind, std::int32_t iStart, std::int32_t iEnd);
+
+/// Calling forms of the same. Of a multiple set all steps are used, as the list of files does the work, and
+/// the limits stay as they are.
 void setEclipseSequenceLimits(std::string_view zKind, bool qUnified, std::int32_t iStart, std::int32_t iEnd,
                               std::int32_t& iFirst, std::int32_t& iLast, bool& qOK);
-/// Test of one step against the limits: whether to use it, and whether it lies behind them.
 void checkSequence(bool qUnified, std::int32_t iStep, std::int32_t iFirst, std::int32_t iLast, bool& qUse,
                    bool& qPast, bool& qOK);
-/// qExit True once iStep reaches a limit iLast that is not open, in a unified set.
 void checkForExit(bool qUnified, std::int32_t iStep, std::int32_t iLast, bool& qExit, bool& qOK);
 
 /// Shared loop test after an operation that answered qOK and left qMore data: True when the loop is to end,

@@ -8,9 +8,9 @@
 
 #include <fmt/format.h>
 
-#include "../support/PendingFile.h"
 #include "ArrowWriter.h"
 #include "BatchData.h"
+#include "FileSink.h"
 #include "NumberText.h"
 
 namespace lumbarn {
@@ -440,30 +440,10 @@ void write(Stream&& stream, Sink& sink, const WriteOptions& options) {
   sink.flush();
 }
 
-namespace {
-
-class FileSink final : public Sink {
- public:
-  explicit FileSink(PendingFile& file) : file_(file) {}
-  void write(std::span<const std::byte> bytes) override {
-    if (!file_.out().write(bytes)) file_.fail();
-  }
-
- private:
-  PendingFile& file_;
-};
-
-}  // namespace
-
 void write(Stream&& stream, const std::string& path, const WriteOptions& options) {
-  try {
-    PendingFile file(path);
-    FileSink sink(file);
-    write(std::move(stream), sink, options);
-    file.commit();
-  } catch (...) {
-    throw errorInFlight();
-  }
+  FileSink file(path);
+  write(std::move(stream), file, options);
+  file.commit();
 }
 
 }  // namespace lumbarn

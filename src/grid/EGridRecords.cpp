@@ -9,7 +9,8 @@
 
 #include "../arrays/ActiveCells.h"
 #include "../index/SectionTracker.h"
-#include "qvGridProcessor.h"
+#include "CellNumbers.h"
+#include "DepthRecords.h"
 
 namespace lumbarn {
 
@@ -188,10 +189,9 @@ std::vector<std::int32_t> EGridRecords::cellArray() {
   if (grid.nTheta >= 1 && count > 0 && count < wanted && count % perAngle == 0) {
     const auto values = set_.cursor().integers();
     std::vector<std::int32_t> spread;
-    bool qOK = false;
-    ProcessRADIALNUMTHETA<std::int32_t>(grid.Nx(), grid.Ny(), Nz, static_cast<std::int32_t>(count / perAngle),
-                                        values.size(), values, spread, qOK);
-    if (qOK) return spread;
+    if (spreadOverAngles<std::int32_t>(grid.Nx(), grid.Ny(), Nz, static_cast<std::int32_t>(count / perAngle),
+                                       values.size(), values, spread))
+      return spread;
   }
   set_.fail(Message::GridLength, cells, count);
 }

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "../support/Text.h"
-#include "qvGridProcessor.h"
+#include "DepthRecords.h"
 
 namespace lumbarn {
 

@@ -11,18 +11,9 @@
 
 #include "../record/RecordCursor.h"
 #include "../support/Diagnosis.h"
-#include "Hadrick.h"
+#include "GridFile.h"
 
 namespace lumbarn {
-
-/// How a grid file is read.
-struct GridReadOptions {
-  std::string zFolder;
-  bool byteSwap = false;
-  bool compress = false;    ///< keep active cells only
-  bool noInactive = false;  ///< all cells of a GRID file count as active
-  bool coarsened = true;    ///< make blocks of coarsened cells one cell
-};
 
 /// The grids of a file while they are read: what both kinds of grid file have in common.
 class GridSet {

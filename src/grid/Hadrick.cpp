@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "../support/Fault.h"
-#include "../support/Text.h"
-#include "qvGridProcessor.h"
+#include "../vocabulary/UnitChange.h"
+#include "CellNumbers.h"
 
 namespace lumbarn {
 
@@ -22,11 +22,8 @@ void require(bool condition) {
 
 /// Metres in a unit of length, 0 for one that is not known.
 double metres(std::string_view unit) {
-  if (unit.empty()) return 0;
-  if (equalNoCase(unit.substr(0, 5), "METRE") || equalNoCase(unit, "M")) return 1;
-  if (equalNoCase(unit, "FEET") || equalNoCase(unit, "FT")) return 0.3048;
-  if (equalNoCase(unit, "CM")) return 0.01;
-  return 0;
+  const auto change = unitChange(unit, "M");
+  return change ? change->factor : 0;
 }
 
 }  // namespace
@@ -89,8 +86,10 @@ std::int32_t Hadrick::setActive(std::vector<std::int32_t> iACTNUM) {
   cells_.clear();
   nActive_ = nCells();
   if (numbers_.empty()) return refused;
-  bool qOK = false;
-  processACTNUM(Nx_, Ny_, Nz_, cells_, numbers_, nActive_, qOK);
+  if (auto numbers = numberActiveCells(Nx_, Ny_, Nz_, numbers_)) {
+    cells_ = std::move(numbers->cells);
+    nActive_ = numbers->count;
+  }
   if (nActive_ == nCells() && !compressed_) {
     numbers_ = {};
     cells_ = {};

@@ -102,6 +102,28 @@ Box extentOf(std::span<const std::shared_ptr<Hadrick>> grids, const Hadrick& gri
   return all;
 }
 
+/// A ring between two radii has the area of its angle times half the difference of their squares, so the
+/// volumes are those of plain cells in half the square of r, the angle in radians, and z.
+void radialVolumes(const Hadrick& grid, std::int32_t iFirstCell, std::span<double> volumes) {
+  constexpr double radians = 2 * std::numbers::pi / circle;
+  CellBlock block;
+  std::vector<float> rows(Hadrick::rowItems * CellBlock::cells);
+  for (std::size_t done = 0; done < volumes.size(); done += CellBlock::cells) {
+    const std::size_t count = std::min(CellBlock::cells, volumes.size() - done);
+    grid.cellCorners(iFirstCell + static_cast<std::int32_t>(done),
+                     std::span(rows).first(Hadrick::rowItems * count));
+    for (std::size_t cell = 0; cell < count; ++cell) {
+      for (std::size_t item = 0; item < Hadrick::rowItems; item += 3) {
+        const float* corner = rows.data() + Hadrick::rowItems * cell + item;
+        block.items[item][cell] = double{corner[0]} * corner[0] / 2;
+        block.items[item + 1][cell] = corner[1] * radians;
+        block.items[item + 2][cell] = corner[2];
+      }
+    }
+    cellVolumes(block, volumes.subspan(done, count));
+  }
+}
+
 Point cylinderPoint(const RadialCenter& center, double r, double theta, double z, double firstAngle) {
   double turned = std::remainder(theta - firstAngle, circle);
   if (std::abs(turned) < sameAngle) turned = 0;

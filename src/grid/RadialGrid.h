@@ -27,6 +27,10 @@ RadialCenter radialCenter(std::span<const std::shared_ptr<Hadrick>> grids, const
 /// The box in x, y and z around the active cells of a grid of either type; `grids` are all grids of the file.
 Box extentOf(std::span<const std::shared_ptr<Hadrick>> grids, const Hadrick& grid);
 
+/// The volumes of consecutive cells of a radial grid from a number on, from 1, which must be there (Fault 9),
+/// with the sign that they have in r, theta and z; 0 for a cell without corners. Sides along theta are arcs.
+void radialVolumes(const Hadrick& grid, std::int32_t iFirstCell, std::span<double> volumes);
+
 /// A corner of a radial grid in x, y and z. Angles that are a full circle apart give the same point to the
 /// last bit: those within a thousandth of a degree of `firstAngle`, or of it plus 360, count as equal to it.
 Point cylinderPoint(const RadialCenter& center, double r, double theta, double z, double firstAngle);

@@ -7,10 +7,9 @@
 #include <vector>
 
 #include "../record/FormFlags.h"
-#include "../record/RecordCursor.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
-#include "Hadrick.h"
+#include "GridFile.h"
 
 namespace lumbarn {
 
@@ -42,15 +41,16 @@ class qvGRIDReader : public FormFlags {
 
   /// True when the first record is DIMENS, or FILEHEAD. Sets the form and remembers the name; on False the
   /// object is as it was.
-  bool CheckGRIDFile(std::string_view zFile) { return check(zFile, "DIMENS", "CheckGRIDFile"); }
-  bool CheckEGRIDFile(std::string_view zFile) { return check(zFile, "FILEHEAD", "CheckEGRIDFile"); }
+  bool CheckGRIDFile(std::string_view zFile) { return check(zFile, false, "CheckGRIDFile"); }
+  bool CheckEGRIDFile(std::string_view zFile) { return check(zFile, true, "CheckEGRIDFile"); }
 
   /// Reads all grids of the file. qOK False when it is not there, damaged or not what it seems, or the load
   /// was cancelled; nGrids and xGrids have the grids that were whole before.
   void ReadEclipseGridFile(bool& qOK);
   void ReadEclipseEGridFile(bool& qOK);
-  /// The same from anywhere, in the form of the flags; the name is for diagnoses.
-  void readGrids(std::shared_ptr<const ByteSource> source, bool& qOK);
+  /// The same from any source, or with none from the file, in the form of the flags and of the type that
+  /// FileType says. False instead of qOK; throws BadRecord for damage.
+  bool readGrids(std::shared_ptr<const ByteSource> source = nullptr);
 
   /// Makes the last of xGrids the current one, when they came from elsewhere.
   void setRead();
@@ -60,9 +60,7 @@ class qvGRIDReader : public FormFlags {
   void setGRIDFileTypeProps(cFILETYPE& xFile, bool& qOK) const;
 
  private:
-  bool check(std::string_view zFile, std::string_view keyword, const char* routine);
-  void readFile(std::int32_t fileType, const char* routine, bool& qOK);
-  bool readRecords(std::shared_ptr<const ByteSource> source);
+  bool check(std::string_view zFile, bool egrid, const char* routine);
 
   Session* session_;
 };

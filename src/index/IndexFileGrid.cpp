@@ -93,10 +93,15 @@ std::vector<std::uint64_t> IndexFileGrid::positions(std::string_view name) const
   return found;
 }
 
+const IndexFileGrid* findGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid) {
+  const auto grid = std::find_if(grids.begin(), grids.end(),
+                                 [&](const IndexFileGrid& one) { return sameGrid(one.zGrid, zGrid); });
+  return grid == grids.end() ? nullptr : &*grid;
+}
+
 std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid) {
-  const auto grid =
-      std::ranges::find_if(grids, [&](const IndexFileGrid& one) { return sameGrid(one.zGrid, zGrid); });
-  return grid == grids.end() ? 0 : static_cast<std::int32_t>(grid - grids.begin()) + 1;
+  const IndexFileGrid* grid = findGrid(grids, zGrid);
+  return grid ? static_cast<std::int32_t>(grid - grids.data()) + 1 : 0;
 }
 
 void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names) {

@@ -41,7 +41,9 @@ struct IndexFileGrid {
 /// The low part is taken as unsigned, with the high part above its 32 bits.
 std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB);
 
-/// The number, from 1, of the grid of that name; an empty one means the global grid. 0 when there is none.
+/// The grid of that name; an empty one means the global grid. Null when there is none.
+const IndexFileGrid* findGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid);
+/// Its number, from 1; 0 when there is none.
 std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid);
 
 /// The names in order, each once.

@@ -14,7 +14,6 @@
 #include "ActiveCount.h"
 #include "RestartIndexHeads.h"
 #include "SectionTracker.h"
-#include "qvEclipseRSSPEC.h"
 
 namespace lumbarn {
 namespace {
@@ -27,27 +26,6 @@ struct Disagreement : std::runtime_error {
 template <class... Values>
 void require(bool holds, fmt::format_string<const Values&...> text, const Values&... values) {
   if (!holds) throw Disagreement(fmt::format(text, values...));
-}
-
-bool usesHighWord(const RestartIndex& index) {
-  for (const IndexStep& step : index.steps) {
-    for (const IndexGroup& group : step.groups) {
-      if (std::ranges::any_of(group.entries, [](const auto& entry) { return entry.position >> 32 != 0; }))
-        return true;
-    }
-  }
-  return false;
-}
-
-/// There are writers that keep the low word of a position from being negative: their high word counts from
-/// bit 31 on.
-void countHighWordsFromBit31(RestartIndex& index) {
-  for (IndexStep& step : index.steps) {
-    for (IndexGroup& group : step.groups) {
-      for (IndexEntry& entry : group.entries)
-        entry.position = (entry.position >> 32 << 31) + static_cast<std::uint32_t>(entry.position);
-    }
-  }
 }
 
 Moment dayOf(Moment date) { return std::chrono::floor<std::chrono::days>(date); }
@@ -88,8 +66,6 @@ class LeastBytes {
   std::uint64_t marks_ = 0;  // of data
   std::uint64_t width_ = 0;  // of an element; 0 when it is not known
 };
-
-std::string nameOf(const IndexGroup& group) { return group.grid.empty() ? "ROOT" : group.grid; }
 
 /// Compares an index with one of its files.
 class FileAgreement {
@@ -345,11 +321,9 @@ void matchFiles(RestartIndex& index) {
   }
 }
 
-bool isSet(std::span<const std::string> files) {
-  return files.size() > 1 || (!files.empty() && GetNumericPartOfFileName(files[0]) >= 0);
-}
-
 }  // namespace
+
+std::string nameOf(const IndexGroup& group) { return group.grid.empty() ? "ROOT" : group.grid; }
 
 std::string disagreement(RestartIndex& index) {
   try {
@@ -361,62 +335,6 @@ std::string disagreement(RestartIndex& index) {
     return damage.diagnosis().text();
   }
   return {};
-}
-
-bool addGroups(const std::vector<IndexFileGrid>& grids, IndexStep& step, std::string& problem) {
-  for (const IndexFileGrid& grid : grids) {
-    if (grid.keywords.empty()) continue;
-    if (toGroup(grid, step.groups.emplace_back(), problem)) continue;
-    problem = fmt::format("grid {} of step {}: {}", nameOf(step.groups.back()), step.number, problem);
-    return false;
-  }
-  return true;
-}
-
-RestartIndex agreeingIndex(Session& session, const std::string& indexFile, RestartIndex read,
-                           std::string problem, const std::function<RestartIndex()>& walk) {
-  if (problem.empty()) {
-    problem = disagreement(read);
-    if (!problem.empty() && usesHighWord(read)) {
-      countHighWordsFromBit31(read);
-      if (disagreement(read).empty()) problem.clear();
-    }
-  }
-  read.fromFile = problem.empty();
-  if (read.fromFile) return read;
-  if (session.cancelled()) return walk();
-  session.diagnose({.message = Message::IndexDisagrees,
-                    .path = indexFile,
-                    .found = problem,
-                    .action = "walked the files"});
-  return walk();
-}
-
-RestartIndex indexOfRestart(Session& session, std::span<const std::string> files, const std::string& rsspec) {
-  const auto walk = [&] { return walkRestart(session, files); };
-  if (rsspec.empty()) return walk();
-  RestartIndex read;
-  read.setFiles({files.begin(), files.end()});
-  read.unified = !isSet(files);
-  std::string problem;
-  qvEclipseRSSPEC reader(session);
-  bool qOK = false;
-  reader.CheckRESTARTFile(rsspec, qOK);
-  if (qOK) {
-    reader.readSteps(
-        [&](const qvEclipseRSSPECSequence& step) {
-          if (!problem.empty()) return;
-          IndexStep& made = read.steps.emplace_back();
-          made.number = step.iStep;
-          made.days = step.dTime;
-          made.date = makeMoment(step.iYear, step.iMonth, step.iDay);
-          addGroups(step.grids, made, problem);
-        },
-        qOK);
-  }
-  read.header = reader.head.iHeader;
-  if (!qOK) problem = "it cannot be read";
-  return agreeingIndex(session, rsspec, std::move(read), std::move(problem), walk);
 }
 
 }  // namespace lumbarn

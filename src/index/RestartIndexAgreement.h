@@ -1,11 +1,8 @@
 #pragma once
 
-#include <functional>
 #include <span>
 #include <string>
-#include <vector>
 
-#include "IndexFileGrid.h"
 #include "RestartIndex.h"
 
 namespace lumbarn {
@@ -24,17 +21,13 @@ namespace lumbarn {
 /// A wrong position elsewhere is found when the record is read.
 std::string disagreement(RestartIndex& index);
 
-/// Adds the groups of an index file's grids to a step; grids without arrays are skipped.
-/// False, with `problem` set, when the arrays of a grid do not fit together.
-bool addGroups(const std::vector<IndexFileGrid>& grids, IndexStep& step, std::string& problem);
-
-/// `read`, which an index file holds, when it agrees with its files; otherwise, and when there was a
-/// `problem` in reading it, a diagnosis and what `walk` gives.
-RestartIndex agreeingIndex(Session& session, const std::string& indexFile, RestartIndex read,
-                           std::string problem, const std::function<RestartIndex()>& walk);
+/// The name of a group's grid, as people are told it.
+std::string nameOf(const IndexGroup& group);
 
 /// The index of a restart set: read from `rsspec` if that is not empty and agrees with the files, otherwise
 /// made by walking them. An index that does not agree is reported as a diagnosis.
 RestartIndex indexOfRestart(Session& session, std::span<const std::string> files, const std::string& rsspec);
+/// The same for an INIT file and its `inspec`.
+RestartIndex indexOfInit(Session& session, const std::string& file, const std::string& inspec);
 
 }  // namespace lumbarn

@@ -3,34 +3,27 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
-#include "IndexFileGrid.h"
-#include "qvEclipseRSSPEC.h"
+#include "IndexFileReading.h"
 
 namespace lumbarn {
-
-class RecordCursor;
 
 /// Takes names that hold "INTEHEAD", "TABDIMS" or "TRANNNC" off the front of a list: they are no arrays that
 /// a host could show.
 void RemoveUnwantedHeaders(std::vector<std::string>& zNames);
 
-/// One pass over the grids of an INIT file, as its index lists it: the global grid, then local grids. An INIT
-/// file with local grids has several passes. Names go through `CleanUpVectorNames` before they are counted.
-class qvEclipseINSPEC {
+/// One pass over the grids of an INIT file, as its index lists it.
+class qvEclipseINSPEC : public IndexFilePass {
  public:
-  std::vector<IndexFileGrid> grids = std::vector<IndexFileGrid>(1);  ///< the global grid first
-  std::vector<std::string> zAllNames;                                ///< of all grids, each once
+  qvEclipseINSPEC() = default;
+  explicit qvEclipseINSPEC(IndexFilePass pass) : IndexFilePass(std::move(pass)) {}
 
-  /// Reads the pass whose first record is the next one. It ends at the end of the file, or where the next
-  /// one begins: before a NAME record without an LGRNAME in front when the current grid has its names
-  /// already, and before an LGRNAME of a local grid that this pass has. Throws BadRecord. What was read
-  /// before stays.
-  void getEclipseINSPEC(RecordCursor& cursor);
+  void getEclipseINSPEC(RecordCursor& cursor) { readIndexFilePass(cursor, *this); }
 
   /// Names of one grid's arrays, without unwanted ones in front. qOK False with none when there is no such
   /// grid.
@@ -70,9 +63,5 @@ class qvEclipseINSPECFile : public FormFlags {
  private:
   Session* session_;
 };
-
-/// The index of an INIT file: read from `inspec` if that is not empty and agrees with the file, otherwise
-/// made by walking it. An index that does not agree is reported as a diagnosis.
-RestartIndex indexOfInit(Session& session, const std::string& file, const std::string& inspec);
 
 }  // namespace lumbarn

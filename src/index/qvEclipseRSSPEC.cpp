@@ -1,131 +1,66 @@
 #include "qvEclipseRSSPEC.h"
 
-#include <algorithm>
-#include <memory>
-
-#include "../record/RecordCursor.h"
 #include "../support/Dates.h"
-#include "../support/Diagnosis.h"
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
-#include "../support/Text.h"
-#include "ActiveCount.h"
-#include "IndexFileReading.h"
 
 namespace lumbarn {
 namespace {
 
 constexpr const char* className = "qvEclipseRSSPEC";
+constexpr std::int32_t fileKindCode = 28;
 
-bool opensStep(const RecordHeader& header) { return header.is("TIME", ElementType::Double); }
+std::string dateOf(const IndexFileStep& step) {
+  const auto date = makeMoment(step.iYear, step.iMonth, step.iDay);
+  return date ? dayMonthYear(*date) : "";
+}
 
 }  // namespace
 
-void qvEclipseRSSPECSequence::getEclipseSEQUENCE(RecordCursor& cursor) {
-  bool opened = false;
-  while (cursor.next()) {
-    const RecordHeader& header = cursor.header();
-    if (opensStep(header)) {
-      if (opened) {
-        cursor.seek(header.headerAt);  // the next step's
-        return;
-      }
-      opened = true;
-      if (header.count > 0) cursor.read(std::span(&dTime, 1));
-    } else if (header.is("ITIME", ElementType::Integer)) {
-      iTime = cursor.integers();
-      if (iTime.size() > 3) {
-        iStep = iTime[0];
-        iDay = iTime[1];
-        iMonth = iTime[2];
-        iYear = iTime[3];
-      }
-    } else if (header.is("NAME", ElementType::Text)) {
-      grids.back().takeNames(cursor);
-    } else if (header.is("LGRNAME", ElementType::Text)) {
-      grids.emplace_back().zGrid = header.count > 0 ? firstText(cursor) : "";
-    } else {
-      grids.back().take(cursor);
-    }
-  }
-}
-
 void qvEclipseRSSPECSequence::GetSolutionNames(std::string_view zGrid, std::vector<std::string>& zNames,
                                                bool& qOK) const {
-  const std::int32_t grid = GridIndex(zGrid);
-  qOK = grid > 0;
-  zNames = qOK ? grids[static_cast<std::size_t>(grid - 1)].names() : std::vector<std::string>();
+  const IndexFileGrid* grid = findGrid(grids, zGrid);
+  zNames = grid ? grid->names() : std::vector<std::string>();
+  qOK = grid != nullptr;
 }
 
 void qvEclipseRSSPECSequence::GetPointersToSolutionNames(std::string_view zGrid, std::string_view zName,
                                                          std::vector<std::uint64_t>& positions,
                                                          bool& qOK) const {
-  const std::int32_t grid = GridIndex(zGrid);
-  positions.clear();
-  if (grid > 0) positions = grids[static_cast<std::size_t>(grid - 1)].positions(zName);
+  const IndexFileGrid* grid = findGrid(grids, zGrid);
+  positions = grid ? grid->positions(zName) : std::vector<std::uint64_t>();
   qOK = !positions.empty();
 }
 
-void IndexFileHead::processINTEHEAD(std::vector<std::int32_t> words) {
-  const HeaderWords header(words);
-  header.take(3, iUnits);
-  header.take(9, Nx);
-  header.take(10, Ny);
-  header.take(11, Nz);
-  if (header.has(12)) nActive = static_cast<std::int32_t>(statedActiveCells(header, init).active);
-  header.take(15, iPhases);
-  header.take(65, iDay);
-  header.take(66, iMonth);
-  header.take(67, iYear);
-  header.take(95, iProgram);
-  iHeader = std::move(words);
-}
-
 void qvEclipseRSSPEC::CheckRESTARTFile(std::string_view zFile, bool& qOK) {
-  guarded(*session_, qOK, className, "CheckRESTARTFile", [&] { return checkIndexFile(zFile, *this); });
+  guarded(*session_, qOK, className, "CheckRESTARTFile", [&] { return takeIndexFile(zFile, *this); });
 }
 
 void qvEclipseRSSPEC::setRSSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const {
-  setIndexFileTypeProps(*this, 28, *session_, xFile);
+  setIndexFileTypeProps(*this, fileKindCode, *session_, xFile);
   qOK = true;
 }
 
 void qvEclipseRSSPEC::getRSSPECData(bool& qOK) {
-  steps.clear();
-  readSteps([&](qvEclipseRSSPECSequence& step) { addSEQUENCE(std::move(step)); }, qOK);
+  guarded(*session_, qOK, className, "getRSSPECData", [&] {
+    steps.clear();
+    head = {};
+    return readRsspec(FileName, form(), *session_, head,
+                      [&](IndexFileStep&& step) { addSEQUENCE(qvEclipseRSSPECSequence(std::move(step))); });
+  });
 }
 
-void qvEclipseRSSPEC::readSteps(const std::function<void(qvEclipseRSSPECSequence&)>& take, bool& qOK) {
-  guarded(*session_, qOK, className, "getRSSPECData", [&] {
-    head = {};
-    cFILETYPE xFile(*session_);
-    bool qSet = false;
-    setRSSPECFileTypeProps(xFile, qSet);
-    const auto cursor = openIndexFile(FileName, xFile, *session_);
-    if (!cursor) return false;
-    return readIndexFile(*cursor, *session_, head, [&](const RecordHeader& header) {
-      if (!opensStep(header)) return;
-      cursor->seek(header.headerAt);
-      qvEclipseRSSPECSequence step;
-      try {
-        step.getEclipseSEQUENCE(*cursor);
-      } catch (const BadRecord&) {
-        take(step);  // as far as it came
-        throw;
-      }
-      take(step);
-    });
-  });
+const qvEclipseRSSPECSequence& qvEclipseRSSPEC::step(std::int32_t iSequence) const {
+  if (iSequence < 1 || static_cast<std::size_t>(iSequence) > steps.size())
+    throw Fault(FaultNumber::Subscript);
+  return steps[static_cast<std::size_t>(iSequence - 1)];
 }
 
 void qvEclipseRSSPEC::GetVectors(std::int32_t iSequence, std::vector<std::string>& zVectors,
                                  bool& qOK) const {
   guarded(*session_, qOK, className, "GetVectors", [&] {
     zVectors.clear();
-    if (iSequence < 1 || static_cast<std::size_t>(iSequence) > steps.size())
-      throw Fault(FaultNumber::Subscript);
-    for (const auto& grid : steps[static_cast<std::size_t>(iSequence - 1)].grids)
-      addNewNames(grid.names(), zVectors);
+    for (const auto& grid : step(iSequence).grids) addNewNames(grid.names(), zVectors);
   });
 }
 
@@ -141,10 +76,7 @@ void qvEclipseRSSPEC::GetListofAllSolutionVectors(std::vector<std::string>& zVec
 void qvEclipseRSSPEC::GetDates(std::vector<std::string>& zDates, bool& qOK) const {
   guarded(*session_, qOK, className, "GetDates", [&] {
     zDates.clear();
-    for (const auto& step : steps) {
-      const auto date = makeMoment(step.iYear, step.iMonth, step.iDay);
-      zDates.push_back(date ? dayMonthYear(*date) : "");
-    }
+    for (const auto& step : steps) zDates.push_back(dateOf(step));
   });
 }
 

@@ -1,35 +1,25 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
-#include "IndexFileGrid.h"
+#include "IndexFileReading.h"
 
 namespace lumbarn {
 
-class RecordCursor;
-
 /// One report step of an index of a restart set.
-class qvEclipseRSSPECSequence {
+class qvEclipseRSSPECSequence : public IndexFileStep {
  public:
-  double dTime = 0;        ///< days
-  std::int32_t iStep = 0;  ///< report step number
-  std::int32_t iDay = 0;   ///< this and the next two stay 0 when ITIME has three words or fewer
-  std::int32_t iMonth = 0;
-  std::int32_t iYear = 0;
-  std::vector<std::int32_t> iTime;                                   ///< ITIME as stored
-  std::vector<IndexFileGrid> grids = std::vector<IndexFileGrid>(1);  ///< the global grid first
+  qvEclipseRSSPECSequence() = default;
+  explicit qvEclipseRSSPECSequence(IndexFileStep step) : IndexFileStep(std::move(step)) {}
 
-  /// Reads the step whose TIME record is the next one, up to the next TIME or the end of the file. Throws
-  /// BadRecord. What was read before stays.
-  void getEclipseSEQUENCE(RecordCursor& cursor);
+  void getEclipseSEQUENCE(RecordCursor& cursor) { readIndexFileStep(cursor, *this); }
 
   /// Names of one grid's arrays, in order. qOK False with none when there is no such grid.
   void GetSolutionNames(std::string_view zGrid, std::vector<std::string>& zNames, bool& qOK) const;
@@ -40,25 +30,6 @@ class qvEclipseRSSPECSequence {
                                   std::vector<std::uint64_t>& positions, bool& qOK) const;
   /// Number of a grid, from 1; an empty name means the global grid. 0 when there is none of that name.
   std::int32_t GridIndex(std::string_view zGrid) const { return indexOfGrid(grids, zGrid); }
-};
-
-/// The header words that an index file repeats from the files that it indexes.
-struct IndexFileHead {
-  bool init = false;                  ///< of an INIT file
-  std::vector<std::int32_t> iHeader;  ///< INTEHEAD as stored
-  std::int32_t iProgram = 0;          ///< word 95
-  std::int32_t Nx = 0;                ///< words 9, 10, 11
-  std::int32_t Ny = 0;
-  std::int32_t Nz = 0;
-  std::int32_t nActive = 0;  ///< see `statedActiveCells`
-  std::int32_t iUnits = 0;   ///< word 3
-  std::int32_t iPhases = 0;  ///< word 15
-  std::int32_t iDay = 0;     ///< words 65, 66, 67
-  std::int32_t iMonth = 0;
-  std::int32_t iYear = 0;
-
-  /// A header with fewer words leaves the rest as it was.
-  void processINTEHEAD(std::vector<std::int32_t> words);
 };
 
 /// The index of a restart set: which arrays each report step has, with type, size, place and range. Only the
@@ -79,8 +50,6 @@ class qvEclipseRSSPEC : public FormFlags {
   /// with a diagnosis, or the load was cancelled; the steps read until then stay, the last one as far as it
   /// came.
   void getRSSPECData(bool& qOK);
-  /// The same a step at a time, for whom one at once is enough: `take` gets each, and none stays here.
-  void readSteps(const std::function<void(qvEclipseRSSPECSequence&)>& take, bool& qOK);
   void setRSSPECFileTypeProps(cFILETYPE& xFile, bool& qOK) const;
   void addSEQUENCE(qvEclipseRSSPECSequence step) { steps.push_back(std::move(step)); }
 
@@ -96,6 +65,8 @@ class qvEclipseRSSPEC : public FormFlags {
   std::int32_t GetNumberOfGrids() const;
 
  private:
+  const qvEclipseRSSPECSequence& step(std::int32_t iSequence) const;
+
   Session* session_;
 };
 

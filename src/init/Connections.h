@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -15,10 +16,18 @@ struct Connection {
   std::vector<float> values;  ///< one of each connection array
 };
 
-/// Pairs the connection arrays of an INIT file (`GetNNCData`) with the cells that they join, which only the
-/// grid file tells (its NNC1 and NNC2, in the same order). qOK False, with nothing, when the lists are not of
-/// one length.
-std::vector<Connection> pairConnections(std::span<const std::int32_t> NNC1,
-                                        std::span<const std::int32_t> NNC2, const XYData& values, bool& qOK);
+/// Pairs the connection arrays of an INIT file with the cells that they join, which only the grid file states
+/// (its NNC1 and NNC2, in the same order). Nothing when the lists differ in length.
+std::optional<std::vector<Connection>> pairConnections(std::span<const std::int32_t> NNC1,
+                                                       std::span<const std::int32_t> NNC2,
+                                                       const XYData& values);
+/// The same; qOK False, with nothing, when the lists differ in length.
+inline std::vector<Connection> pairConnections(std::span<const std::int32_t> NNC1,
+                                               std::span<const std::int32_t> NNC2, const XYData& values,
+                                               bool& qOK) {
+  auto pairs = pairConnections(NNC1, NNC2, values);
+  qOK = pairs.has_value();
+  return std::move(pairs).value_or(std::vector<Connection>());
+}
 
 }  // namespace lumbarn

@@ -6,24 +6,20 @@
 #include <fmt/format.h>
 
 #include "../record/RecordCursor.h"
-#include "../shapes/HeaderLayout.h"
 #include "../support/Diagnosis.h"
-#include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "Connections.h"
-#include "qvEclipseINIT.h"
+#include "InitFile.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "qvEclipseINIT";
-
 bool isKind(std::int32_t iType) { return iType >= 1 && iType <= 3; }
 
 }  // namespace
 
-void qvEclipseINIT::AddINITNNCArray(const RecordHeader& header, RecordCursor& cursor) {
+void InitFile::AddINITNNCArray(const RecordHeader& header, RecordCursor& cursor) {
   auto& records = current().xNNC;
   const auto iType = whichNNCType(upper(header.keyword));
   if (!isKind(iType)) return;
@@ -35,7 +31,7 @@ void qvEclipseINIT::AddINITNNCArray(const RecordHeader& header, RecordCursor& cu
 }
 
 /// Values are taken only when data are loaded; otherwise `GetNNCData` reads them.
-void qvEclipseINIT::AddNNCArray(const RecordHeader& header, RecordCursor& cursor, tNNC& xNNC) {
+void InitFile::AddNNCArray(const RecordHeader& header, RecordCursor& cursor, tNNC& xNNC) {
   if (header.count <= 0) return;
   if (xNNC.nArrays > 0 && header.count != xNNC.nItems) {
     Diagnosis diagnosis{.message = Message::InitConnections,
@@ -60,56 +56,33 @@ void qvEclipseINIT::AddNNCArray(const RecordHeader& header, RecordCursor& cursor
   ++xNNC.nArrays;
 }
 
-std::int32_t qvEclipseINIT::getNUMNNC(std::int32_t iType) const {
-  return isKind(iType) && iGrid <= nGrids() ? grid().xNNC[static_cast<std::size_t>(iType) - 1].nItems : 0;
+const tNNC* InitFile::connections(std::int32_t iType) const {
+  if (!isKind(iType) || iGrid < 1 || iGrid > nGrids()) return nullptr;
+  return &grid().xNNC[static_cast<std::size_t>(iType) - 1];
 }
 
-std::int32_t qvEclipseINIT::getNNCTypes(std::int32_t iType) const {
-  return isKind(iType) && iGrid <= nGrids() ? grid().xNNC[static_cast<std::size_t>(iType) - 1].nArrays : 0;
+std::optional<XYData> InitFile::connectionValues(std::int32_t iType) {
+  const tNNC* from = connections(iType);
+  if (!from || from->nItems < 1) return std::nullopt;
+  XYData values(static_cast<std::size_t>(from->nItems), from->headers.size(), *session_);
+  if (LoadData) {
+    std::ranges::copy(from->sData, values.values().begin());
+    return values;
+  }
+  const auto cursor = open();
+  if (!cursor) return std::nullopt;
+  for (std::size_t i = 0; i < from->headers.size(); ++i) {
+    cursor->setCurrent(from->headers[i]);
+    cursor->read(values.column(i + 1));
+  }
+  return values;
 }
 
-void qvEclipseINIT::GetNNCData(std::int32_t iType, XYData& xyData, bool& qOK) {
-  guarded(*session_, qOK, className, "GetNNCData", [&] {
-    if (getNUMNNC(iType) < 1) return false;
-    const auto& from = current().xNNC[static_cast<std::size_t>(iType) - 1];
-    XYData values(static_cast<std::size_t>(from.nItems), from.headers.size(), *session_);
-    if (LoadData) {
-      std::ranges::copy(from.sData, values.values().begin());
-    } else {
-      const auto cursor = open();
-      if (!cursor) return false;
-      for (std::size_t i = 0; i < from.headers.size(); ++i) {
-        cursor->setCurrent(from.headers[i]);
-        cursor->read(values.column(i + 1));
-      }
-    }
-    xyData = std::move(values);
-    return true;
-  });
-}
-
-void qvEclipseINIT::getNNCHeaders(std::int32_t iType, ByteTable& bHeaders, bool& qOK) const {
-  guarded(*session_, qOK, className, "getNNCHeaders", [&] {
-    if (!isKind(iType)) return false;
-    const auto& from = grid().xNNC[static_cast<std::size_t>(iType) - 1];
-    ByteTable headers(headerWidth, from.zArrays.size());
-    for (std::size_t i = 1; i <= from.zArrays.size(); ++i) {
-      setAttribute(attributeDataKind, headers, i, "INIT");
-      setAttribute(attributeVariable, headers, i, from.zArrays[i - 1]);
-      setAttribute(attributeVerbose, headers, i, from.zArrays[i - 1]);
-      setAttribute(attributeMember, headers, i, from.zNNCType);
-      if (nGrids() > 1) setAttribute(attributeLGRName, headers, i, grid().GridName);
-    }
-    bHeaders = std::move(headers);
-    return true;
-  });
-}
-
-std::vector<Connection> pairConnections(std::span<const std::int32_t> NNC1,
-                                        std::span<const std::int32_t> NNC2, const XYData& values, bool& qOK) {
+std::optional<std::vector<Connection>> pairConnections(std::span<const std::int32_t> NNC1,
+                                                       std::span<const std::int32_t> NNC2,
+                                                       const XYData& values) {
+  if (NNC1.size() != NNC2.size() || NNC1.size() != values.rows()) return std::nullopt;
   std::vector<Connection> pairs;
-  qOK = NNC1.size() == NNC2.size() && NNC1.size() == values.rows();
-  if (!qOK) return pairs;
   pairs.reserve(NNC1.size());
   for (std::size_t i = 0; i < NNC1.size(); ++i) {
     auto& pair = pairs.emplace_back(Connection{NNC1[i], NNC2[i], {}});

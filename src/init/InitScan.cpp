@@ -15,15 +15,12 @@
 #include "../support/Dates.h"
 #include "../support/Diagnosis.h"
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "../support/Text.h"
-#include "qvEclipseINIT.h"
+#include "InitFile.h"
 
 namespace lumbarn {
 
 namespace {
-
-constexpr const char* className = "qvEclipseINIT";
 
 constexpr std::string_view firstKeywords[] = {"INTEHEAD", "SEQNUM"};
 
@@ -39,7 +36,7 @@ Diagnosis ofRecord(Message message, const RecordCursor& cursor) {
 }  // namespace
 
 /// One walk.
-struct qvEclipseINIT::Scan {
+struct InitFile::Scan {
   RecordCursor& cursor;
   bool untilLocalGrid = false;  ///< end at the first LGR
   SectionTracker sections;
@@ -58,55 +55,44 @@ std::int32_t whichNNCType(std::string_view zName) {
   return noConnections;
 }
 
-bool qvEclipseINIT::CheckINITFile(const std::string& zFile) {
+bool InitFile::check(const std::string& path) {
   std::string why;
-  const auto source = FileSource::open(zFile, why);
+  const auto source = FileSource::open(path, why);
   const auto detected = source ? detectForm(*source, firstKeywords, *session_) : std::nullopt;
   if (!detected) return false;
   setFlags({});
   setForm(detected->form);
-  FileName = zFile;
+  FileName = path;
   return true;
-}
-
-void qvEclipseINIT::setINITFileTypeProps(cFILETYPE& cFile, bool& qOK) const {
-  constexpr std::int32_t fileKindCode = 13;  // deliberate: that of a summary
-  cFile.setFlags(*this);
-  cFile.IOMethod = session_->IOMethod;
-  cFile.UseBufferedInput = usesBufferedInput(fileKindCode);
-  qOK = true;
 }
 
 /// Null, with a diagnosis, when the file cannot be opened. Throws BadRecord when it is no longer the file
 /// that was loaded.
-std::unique_ptr<RecordCursor> qvEclipseINIT::open() {
+std::unique_ptr<RecordCursor> InitFile::open() {
   std::string why;
   std::shared_ptr<const ByteSource> source = FileSource::open(FileName, why);
   if (!source) {
     session_->diagnose({.message = Message::FileOpen, .path = FileName, .problem = std::move(why)});
     return nullptr;
   }
-  cFILETYPE cFile(*session_);
-  bool qSet = false;
-  setINITFileTypeProps(cFile, qSet);
   if (stamp_) {
     if (auto change = changedSince(*stamp_, FileName)) throw BadRecord(std::move(*change));
   } else {
     stamp_ = source->stamp();
   }
-  auto cursor = std::make_unique<RecordCursor>(std::move(source), cFile.form(), FileName);
+  auto cursor = std::make_unique<RecordCursor>(std::move(source), form(), FileName);
   cursor->attach(*session_, RecordFile::Init);
   return cursor;
 }
 
-void qvEclipseINIT::endAtDamage(Diagnosis diagnosis, std::string action) {
+void InitFile::endAtDamage(Diagnosis diagnosis, std::string action) {
   diagnosis.path = FileName;
   diagnosis.action = std::move(action);
   session_->diagnose(std::move(diagnosis));
   qDamaged = unreadable_ = true;
 }
 
-void qvEclipseINIT::checkUnchanged(const RecordCursor& cursor) {
+void InitFile::checkUnchanged(const RecordCursor& cursor) {
   try {
     cursor.checkUnchanged();
   } catch (BadRecord& change) {
@@ -115,7 +101,7 @@ void qvEclipseINIT::checkUnchanged(const RecordCursor& cursor) {
 }
 
 /// Takes record after record until the file, or what is wanted of it, ends. False when it was cancelled.
-bool qvEclipseINIT::walk(Scan& scan) {
+bool InitFile::walk(Scan& scan) {
   for (bool more = true; more;) {
     try {
       while ((more = scan.cursor.next() && takeRecord(scan))) {
@@ -129,7 +115,7 @@ bool qvEclipseINIT::walk(Scan& scan) {
 }
 
 /// False when no record follows the damage.
-bool qvEclipseINIT::continueBehind(Scan& scan, Diagnosis diagnosis) {
+bool InitFile::continueBehind(Scan& scan, Diagnosis diagnosis) {
   const auto gap = passDamage(scan.cursor, diagnosis, *session_);
   scan.afterGap = true;
   std::string action = gap ? diagnosis.action : "kept the arrays before";
@@ -139,14 +125,14 @@ bool qvEclipseINIT::continueBehind(Scan& scan, Diagnosis diagnosis) {
 
 /// Whether a record behind damage is of the current grid whatever the damage hides: only the global grid has
 /// tables, and arrays have the length of their grid.
-bool qvEclipseINIT::isOfGridAfterGap(const RecordHeader& header) const {
+bool InitFile::isOfGridAfterGap(const RecordHeader& header) const {
   if (header.keyword == "TABDIMS" || header.keyword == "TAB") return true;
   const auto& grid = tGrids_[static_cast<std::size_t>(iGrid) - 1];
   return header.count > 0 && (header.count == grid.nCells || header.count == grid.nActive);
 }
 
 /// False when the walk is to end.
-bool qvEclipseINIT::takeRecord(Scan& scan) {
+bool InitFile::takeRecord(Scan& scan) {
   const auto& header = scan.cursor.header();
   switch (scan.sections.take(scan.cursor)) {
     case SectionMark::Step:
@@ -191,15 +177,14 @@ bool qvEclipseINIT::takeRecord(Scan& scan) {
   return false;
 }
 
-void qvEclipseINIT::takeInteger(Scan& scan) {
+void InitFile::takeInteger(Scan& scan) {
   const auto& keyword = scan.cursor.header().keyword;
   if (keyword == "INTEHEAD") {
     takeHeader(scan);
   } else if (keyword == "TABDIMS") {
-    bool qTaken = false;
-    xTAB.FileName = FileName;
-    xTAB.offset = scan.cursor.header().headerAt;
-    if (Tables) xTAB.processTABDIMS(scan.cursor.integers(), qTaken);
+    tables.FileName = FileName;
+    tables.offset = scan.cursor.header().headerAt;
+    if (Tables) tables.setWords(scan.cursor.integers());
     qTABDIMS = qTABDIMS || Tables;
   } else {
     takeArray(scan);
@@ -207,7 +192,7 @@ void qvEclipseINIT::takeInteger(Scan& scan) {
 }
 
 /// A grid of too many cells is a fault; with AcceptDamaged it is damage like any other.
-void qvEclipseINIT::takeHeader(Scan& scan) {
+void InitFile::takeHeader(Scan& scan) {
   try {
     processINTEHEAD(HeaderWords(scan.cursor.integers()));
   } catch (const Fault& fault) {
@@ -222,14 +207,13 @@ void qvEclipseINIT::takeHeader(Scan& scan) {
   }
 }
 
-void qvEclipseINIT::takeDouble(Scan& scan) {
+void InitFile::takeDouble(Scan& scan) {
   if (scan.cursor.header().keyword != "TAB") return;
-  bool qTaken = false;
-  if (Tables) xTAB.addDTAB(scan.cursor.doubles(), qTaken);
+  if (Tables) tables.setValues(scan.cursor.doubles());
   qTAB = true;
 }
 
-void qvEclipseINIT::takeLogical(Scan& scan) {
+void InitFile::takeLogical(Scan& scan) {
   if (scan.cursor.header().keyword != "LOGIHEAD") return;
   std::vector<std::int16_t> words(static_cast<std::size_t>(scan.cursor.header().count));
   scan.cursor.readLogicals(words);
@@ -238,7 +222,7 @@ void qvEclipseINIT::takeLogical(Scan& scan) {
   if (iGrid != 1) current().flags.DualPorosity = tGrids_.front().flags.DualPorosity;
 }
 
-void qvEclipseINIT::processINTEHEAD(HeaderWords words) {
+void InitFile::processINTEHEAD(HeaderWords words) {
   constexpr std::int32_t frontSim = 5000;
   auto& grid = current();
   words.take(95, grid.iProgram);
@@ -252,12 +236,13 @@ void qvEclipseINIT::processINTEHEAD(HeaderWords words) {
   grid.nActive = static_cast<std::int32_t>(stated.active);
   grid.nOtherActive = static_cast<std::int32_t>(stated.other);
   grid.nPhases = words(15);
-  auto& flags = grid.flags;
-  bool qPhases = false;
-  EclipseFluids(grid.nPhases, flags.Oil, flags.Water, flags.Gas, qPhases);
+  const Phases phases = phasesOf(grid.nPhases);
+  grid.flags.Oil = phases.oil;
+  grid.flags.Water = phases.water;
+  grid.flags.Gas = phases.gas;
   if (iGrid == 1) {
-    xTAB.setPhases(grid.nPhases);
-    xTAB.setProgram(grid.iProgram);
+    tables.setPhases(grid.nPhases);
+    tables.setProgram(grid.iProgram);
   }
   if (!qHaveDate && words(65) > 0 && words(66) > 0 && words(67) > 0) {
     qHaveDate = true;
@@ -269,7 +254,7 @@ void qvEclipseINIT::processINTEHEAD(HeaderWords words) {
   iHeader = words.words();
 }
 
-void qvEclipseINIT::AddLGRGrid(std::string_view zName) {
+void InitFile::AddLGRGrid(std::string_view zName) {
   iGrid = GridNumber(zName);
   if (iGrid != 0) return;
   tGrids_.emplace_back();
@@ -277,7 +262,7 @@ void qvEclipseINIT::AddLGRGrid(std::string_view zName) {
   iGrid = nGrids();
 }
 
-bool qvEclipseINIT::checkINITArray(const RecordHeader& header) {
+bool InitFile::checkINITArray(const RecordHeader& header) {
   const auto& grid = current();
   const std::string name = upper(header.keyword);
   if (name.empty() || header.count == 0) return false;
@@ -288,7 +273,7 @@ bool qvEclipseINIT::checkINITArray(const RecordHeader& header) {
 
 /// Connection arrays have a place of their own, whatever their length and the selection; all other arrays
 /// must be as long as the grid, which is known when all of them are.
-void qvEclipseINIT::takeArray(Scan& scan) {
+void InitFile::takeArray(Scan& scan) {
   constexpr std::int32_t noConnections = 4;
   const auto& header = scan.cursor.header();
   const bool single = header.type == ElementType::Single;
@@ -306,7 +291,7 @@ void qvEclipseINIT::takeArray(Scan& scan) {
 }
 
 /// The arrays that are as long as their grids and selected.
-void qvEclipseINIT::keepArrays() {
+void InitFile::keepArrays() {
   for (iGrid = 1; iGrid <= nGrids(); ++iGrid) {
     auto& grid = current();
     ArrayLengths lengths;
@@ -334,7 +319,7 @@ void qvEclipseINIT::keepArrays() {
 }
 
 /// Each of them has its own column; only a request by name cannot tell them apart.
-void qvEclipseINIT::diagnoseTwice(const RecordHeader& header) const {
+void InitFile::diagnoseTwice(const RecordHeader& header) const {
   session_->diagnose({.message = Message::InitArrayTwice,
                       .path = FileName,
                       .keyword = header.keyword,
@@ -342,7 +327,7 @@ void qvEclipseINIT::diagnoseTwice(const RecordHeader& header) const {
                       .action = "kept all of them; a request by name gets the first"});
 }
 
-void qvEclipseINIT::SetDates() {
+void InitFile::SetDates() {
   if (!qHaveDate) return;
   for (auto& grid : tGrids_) {
     grid.iDay = iDay;
@@ -352,21 +337,21 @@ void qvEclipseINIT::SetDates() {
   }
 }
 
-void qvEclipseINIT::setTableProperties() {
+void InitFile::setTableProperties() {
   const auto& flags = tGrids_.front().flags;
-  xTAB.setTableProperties({.Brine = flags.Brine,
-                           .CompressedVE = flags.CompressedVE,
-                           .DissolvedGas = flags.DissolvedGas,
-                           .Polymer = flags.Polymer,
-                           .ReversibleRockCompaction = flags.ReversibleRockCompaction,
-                           .RockCompaction = flags.RockCompaction,
-                           .further = false,
-                           .VapourisedOil = flags.VapourisedOil,
-                           .VerticalEquilibrium = flags.VerticalEquilibrium,
-                           .known = qFlagsKnown_});
+  tables.setTableProperties({.Brine = flags.Brine,
+                             .CompressedVE = flags.CompressedVE,
+                             .DissolvedGas = flags.DissolvedGas,
+                             .Polymer = flags.Polymer,
+                             .ReversibleRockCompaction = flags.ReversibleRockCompaction,
+                             .RockCompaction = flags.RockCompaction,
+                             .further = false,
+                             .VapourisedOil = flags.VapourisedOil,
+                             .VerticalEquilibrium = flags.VerticalEquilibrium,
+                             .known = qFlagsKnown_});
 }
 
-void qvEclipseINIT::reset() {
+void InitFile::reset() {
   tGrids_.clear();
   tGrids_.emplace_back();
   iGrid = 1;
@@ -374,22 +359,29 @@ void qvEclipseINIT::reset() {
   qHaveDate = qTABDIMS = qTAB = qHaveTables_ = qFlagsKnown_ = qDamaged = unreadable_ = false;
   nSEQNUM = 0;
   stamp_.reset();
-  xTAB.clear();
+  tables.clear();
 }
 
-void qvEclipseINIT::getEclipseINITArrays(bool& qOK) {
-  guarded(*session_, qOK, className, "getEclipseINITArrays", [&] {
+bool InitFile::load() {
+  try {
     reset();
-    return load() && (!unreadable_ || AcceptDamaged);
-  });
-  // After damage, what was read before it can be fetched; after a load that was canceled, nothing.
-  if (!session_->cancelled()) return;
+    const bool loaded = readFile() && (!unreadable_ || AcceptDamaged);
+    if (session_->cancelled()) dropAll();
+    return loaded;
+  } catch (...) {
+    // After damage, what was read before it can be asked for; after a load that was canceled, nothing.
+    if (session_->cancelled()) dropAll();
+    throw;
+  }
+}
+
+void InitFile::dropAll() {
   removeScratchFiles();
   reset();
 }
 
 /// False when the load was canceled, or the file cannot be opened.
-bool qvEclipseINIT::load() {
+bool InitFile::readFile() {
   const auto cursor = open();
   if (!cursor) return false;
   if (stamp_) session_->part<LoadedFiles>().stamps[FileName] = *stamp_;
@@ -398,9 +390,8 @@ bool qvEclipseINIT::load() {
   keepArrays();
   SetDates();
   setTableProperties();
-  bool qTables = false;
-  if (qTAB || !unreadable_) xTAB.processTables(qTables);  // without TAB the damage is all there is to report
-  qHaveTables_ = xTAB.nTables() > 0;                      // also when one of them does not lie in TAB
+  if (qTAB || !unreadable_) tables.build();  // without TAB the damage is all there is to report
+  qHaveTables_ = tables.nTables() > 0;       // also when one of them does not lie in TAB
   for (auto& grid : tGrids_) {
     if (LoadData && !loadValues(*cursor, grid)) return false;
     if (!grid.arrays.empty()) grid.nVectorsMax = grid.nVectors();
@@ -410,48 +401,21 @@ bool qvEclipseINIT::load() {
   return true;
 }
 
-void qvEclipseINIT::GetInitVectorList(std::int32_t& nVectors, std::vector<std::string>& zVectors, bool& qOK,
-                                      bool qList) {
-  guarded(*session_, qOK, className, "GetInitVectorList", [&] {
-    qvEclipseINIT probe(*session_);
-    probe.FileName = FileName;
-    probe.setFlags(*this);
-    probe.selection = selection;
-    probe.LoadData = probe.Tables = false;
-    probe.reset();
-    const auto cursor = probe.open();
-    if (!cursor) return false;
-    Scan scan{*cursor, true};
-    if (!probe.walk(scan)) return false;
-    probe.keepArrays();
-    nVectors = probe.grid(1).nVectors();
-    zVectors.clear();
-    if (qList) {
-      for (const auto& array : probe.grid(1).arrays) zVectors.push_back(array.name);
-    }
-    return !probe.unreadable_ || AcceptDamaged;
-  });
-}
-
-std::int32_t qvEclipseINIT::EstimateVectorCount(std::int32_t nCells, std::uint64_t fileBytes) {
-  constexpr std::int32_t usual = 10;
-  constexpr std::uint64_t least = 10'000, most = 100'000;
-  if (nCells < 1) return usual;
-  // Four decimals of the length over 10,000 are the length itself, so the quotient in ten-thousandths is the
-  // count of values of the file for each cell. Deliberate: it is taken as it is, not over 10,000.
-  const std::uint64_t quotient = (fileBytes + 2) / 4 / static_cast<std::uint64_t>(nCells);
-  return quotient < least || quotient > most ? usual : static_cast<std::int32_t>(quotient);
-}
-
-void qvEclipseINIT::setONLYList(const std::vector<std::string>& zOnly, bool qOnly, bool& qOK) {
-  guarded(*session_, qOK, className, "setONLYList", [&] {
-    setEclipseONLYList(*session_, zOnly, qOnly);
-    Only = !zOnly.empty();
-  });
-}
-
-void qvEclipseINIT::getONLYList(std::vector<std::string>& zOnly, bool& qOnly, bool& qOK) const {
-  guarded(*session_, qOK, className, "getONLYList", [&] { getEclipseONLYList(*session_, zOnly, qOnly); });
+std::optional<InitFile::ArrayNames> InitFile::listArrays() const {
+  InitFile probe(*session_);
+  probe.FileName = FileName;
+  probe.setFlags(*this);
+  probe.selection = selection;
+  probe.LoadData = probe.Tables = false;
+  probe.reset();
+  const auto cursor = probe.open();
+  if (!cursor) return std::nullopt;
+  Scan scan{*cursor, true};
+  if (!probe.walk(scan)) return std::nullopt;
+  probe.keepArrays();
+  ArrayNames found{.complete = !probe.unreadable_ || AcceptDamaged};
+  for (const auto& array : probe.grid(1).arrays) found.names.push_back(array.name);
+  return found;
 }
 
 }  // namespace lumbarn

@@ -9,17 +9,14 @@
 
 #include "../arrays/ActiveCells.h"
 #include "../files/Families.h"
-#include "../record/Quarnet.h"
+#include "../record/ByteSource.h"
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "../support/System.h"
-#include "qvEclipseINIT.h"
+#include "InitFile.h"
 
 namespace lumbarn {
 
 namespace {
-
-constexpr const char* className = "qvEclipseINIT";
 
 std::size_t size(std::int32_t count) { return static_cast<std::size_t>(std::max(count, 0)); }
 
@@ -69,15 +66,15 @@ constexpr std::int32_t scratchWords = 7;
 
 }  // namespace
 
-void qvEclipseINIT::removeScratchFiles() {
+void InitFile::removeScratchFiles() {
   for (auto& grid : tGrids_) removeScratch(grid);
 }
 
-qvEclipseINIT::~qvEclipseINIT() {
+InitFile::~InitFile() {
   if (!SaveScratchFile) removeScratchFiles();
 }
 
-void qvEclipseINIT::tellDropped(const KeptArray& array, const GRIDINFO& grid) const {
+void InitFile::tellDropped(const KeptArray& array, const GRIDINFO& grid) const {
   Diagnosis diagnosis{.message = Message::InitArrayLength,
                       .path = FileName,
                       .keyword = array.name,
@@ -89,7 +86,7 @@ void qvEclipseINIT::tellDropped(const KeptArray& array, const GRIDINFO& grid) co
 }
 
 /// The same text for each array, so that it is told once where arrays are shown one after the other.
-void qvEclipseINIT::tellUnnumbered(const GRIDINFO& grid) const {
+void InitFile::tellUnnumbered(const GRIDINFO& grid) const {
   Diagnosis diagnosis{.message = Message::InitActiveCells, .path = FileName, .keyword = "PORV"};
   if (grid.PORV) diagnosis.offset = grid.PORV->headerAt;
   diagnosis.problem = fmt::format("which {} of the {} cells of grid {} are active is not known", grid.nActive,
@@ -100,7 +97,7 @@ void qvEclipseINIT::tellUnnumbered(const GRIDINFO& grid) const {
 
 /// The table of active cells, the cursor being anywhere; with a column, the values of PORV too, as they are
 /// at hand.
-void qvEclipseINIT::CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn) {
+void InitFile::CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::span<float> porvColumn) {
   if (grid.nCells > std::numeric_limits<std::int32_t>::max()) {
     session_->diagnose({.message = Message::ActiveCellsBeyondNumbers,
                         .path = FileName,
@@ -151,8 +148,8 @@ void qvEclipseINIT::CreateINIT_A2N(RecordCursor& cursor, GRIDINFO& grid, std::sp
 }
 
 /// The grid file beside the INIT file is read only when pore volumes do not decide.
-std::optional<DecidedCells> qvEclipseINIT::decideWithGridFile(ActivityEvidence& evidence,
-                                                              const GRIDINFO& grid) const {
+std::optional<DecidedCells> InitFile::decideWithGridFile(ActivityEvidence& evidence,
+                                                         const GRIDINFO& grid) const {
   std::string why;
   const auto runs = findRuns(FileName, why);
   const RunMember* egrid = runs.empty() ? nullptr : runs.front().find(FileKind::EGrid);
@@ -168,7 +165,7 @@ std::optional<DecidedCells> qvEclipseINIT::decideWithGridFile(ActivityEvidence& 
 }
 
 /// Null when the file does not tell which cells are active.
-const InitActiveCells* qvEclipseINIT::activeOf(RecordCursor& cursor, GRIDINFO& grid) {
+const InitActiveCells* InitFile::activeOf(RecordCursor& cursor, GRIDINFO& grid) {
   if (!grid.active) {
     if (!grid.PORV || grid.PORV->count != grid.nCells) return nullptr;
     CreateINIT_A2N(cursor, grid);
@@ -177,8 +174,8 @@ const InitActiveCells* qvEclipseINIT::activeOf(RecordCursor& cursor, GRIDINFO& g
 }
 
 /// The values of active cells into a column of that length. False when they are not to be had.
-bool qvEclipseINIT::readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptArray& array,
-                              std::span<float> column) {
+bool InitFile::readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptArray& array,
+                         std::span<float> column) {
   if (std::cmp_equal(array.header.count, column.size())) {
     cursor.setCurrent(array.header);
     if (array.header.type == ElementType::Single) {
@@ -204,7 +201,7 @@ bool qvEclipseINIT::readArray(RecordCursor& cursor, GRIDINFO& grid, const KeptAr
 
 /// Arrays that turn out not to fit, or whose values are damaged, are dropped on the way. False when it was
 /// cancelled.
-bool qvEclipseINIT::readColumns(RecordCursor& cursor, GRIDINFO& grid, XYData& columns) {
+bool InitFile::readColumns(RecordCursor& cursor, GRIDINFO& grid, XYData& columns) {
   for (std::size_t i = 0; i < grid.arrays.size();) {
     if (session_->yield()) return false;
     const auto& array = grid.arrays[i];
@@ -229,7 +226,7 @@ bool qvEclipseINIT::readColumns(RecordCursor& cursor, GRIDINFO& grid, XYData& co
 }
 
 /// An array is never shorter than its column here, so the block is no larger than what the file holds.
-bool qvEclipseINIT::loadValues(RecordCursor& cursor, GRIDINFO& grid) {
+bool InitFile::loadValues(RecordCursor& cursor, GRIDINFO& grid) {
   std::erase_if(grid.arrays, [&](const KeptArray& array) {
     const bool unfit = grid.nActive < 0 || array.header.count < grid.nActive;
     if (unfit) tellDropped(array, grid);
@@ -249,52 +246,38 @@ bool qvEclipseINIT::loadValues(RecordCursor& cursor, GRIDINFO& grid) {
 }
 
 /// One column at a time to a scratch file in place of memory. False when it was canceled.
-bool qvEclipseINIT::loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid) {
+bool InitFile::loadThroughScratch(RecordCursor& cursor, GRIDINFO& grid) {
   grid.zScratchFile = makeTemporaryFile("EI");
-  Quarnet quarnet(*session_);
-  cFILETYPE cFile(*session_);
-  cFile.Formatted = cFile.FORTRAN = cFile.byteSwap = false;
-  bool qDone = false;
-  quarnet.CreateRecordFile(grid.zScratchFile, cFile, qDone);
+  std::string why;
+  OutputFile scratch(grid.zScratchFile, why);
+  if (!scratch.isOpen())
+    session_->diagnose(
+        {.message = Message::FileWrite, .path = grid.zScratchFile, .problem = "cannot be written: " + why});
   const std::int32_t words[scratchWords] = {2, 2, 3, 1, 1, grid.nActive, grid.nVectors()};
-  if (qDone) quarnet.WriteRawIntegers(scratchWords, words, cFile, qDone);
+  bool written = scratch.isOpen() && scratch.write(std::as_bytes(std::span(words)));
   XYData column(static_cast<std::size_t>(grid.nActive), 1, *session_);
   for (const auto& array : grid.arrays) {
     if (session_->yield()) break;
-    if (qDone && !readArray(cursor, grid, array, column.values()))
+    if (written && !readArray(cursor, grid, array, column.values()))
       std::ranges::fill(column.values(), static_cast<float>(session_->NullValue));
-    if (qDone) quarnet.WriteRawSingles(grid.nActive, column.values(), cFile, qDone);
+    written = written && scratch.write(std::as_bytes(column.values()));
   }
-  bool qClosed = false;
-  quarnet.CloseRecordFile(cFile, qClosed);
-  if (!qDone || !qClosed) throw Fault(FaultNumber::OutOfMemory, "the scratch file cannot be written");
+  if (!scratch.close() || !written)
+    throw Fault(FaultNumber::OutOfMemory, "the scratch file cannot be written");
   return !session_->cancelled();
 }
 
-void qvEclipseINIT::getINITDataFromScratchFile(XYData& xyData, bool& qOK) {
-  guarded(*session_, qOK, className, "getINITDataFromScratchFile", [&] {
-    auto* held = find(iGrid);
-    if (!held || held->zScratchFile.empty()) return false;
-    XYData values(static_cast<std::size_t>(held->nActive), held->arrays.size(), *session_);
-    Quarnet quarnet(*session_);
-    cFILETYPE cFile(*session_);
-    cFile.Formatted = cFile.FORTRAN = cFile.byteSwap = false;
-    bool qDone = false, qClosed = false;
-    quarnet.OpenRecordFile(held->zScratchFile, cFile, qDone);
-    cFile.SeekByte(1 + scratchWords * static_cast<std::int32_t>(sizeof(std::int32_t)));
-    if (qDone)
-      quarnet.ReadRawSingles(static_cast<std::int64_t>(values.values().size()), values.values(), cFile,
-                             qDone);
-    quarnet.CloseRecordFile(cFile, qClosed);
-    if (!qDone) return false;
-    removeScratch(*held);
-    xyData = std::move(values);
-    return true;
-  });
-}
-
-std::string qvEclipseINIT::zScratchFile() const {
-  return iGrid >= 1 && iGrid <= nGrids() ? grid().zScratchFile : std::string();
+std::optional<XYData> InitFile::takeScratchValues() {
+  auto* held = find(iGrid);
+  if (!held || held->zScratchFile.empty()) return std::nullopt;
+  XYData values(static_cast<std::size_t>(held->nActive), held->arrays.size(), *session_);
+  std::string why;
+  const auto scratch = FileSource::open(held->zScratchFile, why);
+  if (!scratch) throw BadRecord({.message = Message::FileOpen, .path = held->zScratchFile, .problem = why});
+  const auto bytes = std::as_writable_bytes(values.values());
+  if (scratch->readAt(scratchWords * sizeof(std::int32_t), bytes) != bytes.size()) return std::nullopt;
+  removeScratch(*held);
+  return values;
 }
 
 }  // namespace lumbarn

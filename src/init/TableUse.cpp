@@ -46,8 +46,7 @@ std::vector<std::string_view> tablesOfModel(Words words, std::int32_t nPhases,
     const auto block = describedTable(words, *tableLayout(name));
     return block && block->iStart > 1;
   };
-  bool Oil = false, Water = false, Gas = false, qPhases = false;
-  EclipseFluids(nPhases, Oil, Water, Gas, qPhases);
+  const auto [Oil, Water, Gas] = phasesOf(nPhases);
   const bool wetGas = properties.known ? properties.VapourisedOil : beginsElsewhere("PGAS");
   const bool liveOil = properties.known ? properties.DissolvedGas : beginsElsewhere("RS");
   std::vector<std::string_view> names;
@@ -81,12 +80,18 @@ std::size_t tableSize(std::span<const std::int32_t> iDimens) {
   return count;
 }
 
-void EclipseFluids(std::int32_t nPhases, bool& Oil, bool& Water, bool& Gas, bool& qOK) {
+Phases phasesOf(std::int32_t nPhases) {
   constexpr std::int32_t oilBit = 1, waterBit = 2, gasBit = 4;
-  qOK = nPhases >= 1 && nPhases <= 7;
-  Oil = qOK && (nPhases & oilBit) != 0;
-  Water = qOK && (nPhases & waterBit) != 0;
-  Gas = qOK && (nPhases & gasBit) != 0;
+  if (nPhases < 1 || nPhases > 7) return {};
+  return {(nPhases & oilBit) != 0, (nPhases & waterBit) != 0, (nPhases & gasBit) != 0};
+}
+
+void EclipseFluids(std::int32_t nPhases, bool& Oil, bool& Water, bool& Gas, bool& qOK) {
+  const Phases phases = phasesOf(nPhases);
+  Oil = phases.oil;
+  Water = phases.water;
+  Gas = phases.gas;
+  qOK = Oil || Water || Gas;
 }
 
 std::vector<TableBlock> tablesInUse(Words words, std::int32_t nPhases, const TableProperties& properties,

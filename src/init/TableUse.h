@@ -50,7 +50,15 @@ std::size_t tableSize(std::span<const std::int32_t> iDimens);
 std::vector<TableBlock> tablesInUse(std::span<const std::int32_t> words, std::int32_t nPhases,
                                     const TableProperties& properties, std::size_t tabLength);
 
-/// Phases of a run from their bits: 1 oil, 2 water, 4 gas. Any value outside 1..7 sets none: qOK False.
+/// The phases of a run.
+struct Phases {
+  bool oil = false;
+  bool water = false;
+  bool gas = false;
+};
+/// From their bits: 1 oil, 2 water, 4 gas. None for any value outside 1..7.
+Phases phasesOf(std::int32_t nPhases);
+/// The same; qOK False for a value outside 1..7.
 void EclipseFluids(std::int32_t nPhases, bool& Oil, bool& Water, bool& Gas, bool& qOK);
 
 }  // namespace lumbarn

@@ -1,11 +1,10 @@
 #include "qvEclipseDTAB.h"
 
-#include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
-#include "../support/Diagnosis.h"
+#include "../shapes/HeaderLayout.h"
 #include "../support/Guarded.h"
 #include "../support/Text.h"
 
@@ -15,138 +14,43 @@ namespace {
 
 constexpr const char* className = "qvEclipseDTAB";
 
-std::string canonical(std::string_view zTable) { return upper(trim(zTable)); }
+/// False for a table that is not there, with outputs as they were, and for one of too many sizes.
+bool give(std::optional<TableValues> from, std::vector<float>& dTable, std::vector<std::int32_t>& iDimens,
+          std::int32_t& nDims) {
+  if (!from) return false;
+  dTable = std::move(from->values);
+  iDimens = std::move(from->sizes);
+  nDims = static_cast<std::int32_t>(iDimens.size());
+  return iDimens.size() <= 3;
+}
 
 }  // namespace
 
-void qvEclipseDTAB::clear() {
-  words_.fill(0);
-  qTABDIMS_ = false;
-  dTAB_.clear();
-  tables_.clear();
-  nSaturationTables_ = nSaturationRows_ = nPVTTables_ = nPVTOuterRows_ = nPVTRows_ = 0;
-}
-
 void qvEclipseDTAB::processTABDIMS(std::span<const std::int32_t> iTABDIMS, bool& qOK) {
-  qOK = false;
-  if (iTABDIMS.empty()) return;
-  qTABDIMS_ = true;
-  words_.fill(0);
-  std::ranges::copy(iTABDIMS.first(std::min(iTABDIMS.size(), words_.size())), words_.begin());
-  nSaturationTables_ = std::max({nSaturationTables_, word(23), word(26), word(30)});
-  nSaturationRows_ = std::max({nSaturationRows_, word(22), word(25), word(29)});
-  nPVTTables_ = std::max({nPVTTables_, word(11), word(13), word(18)});
-  nPVTOuterRows_ = std::max({nPVTOuterRows_, word(9), word(16)});
-  nPVTRows_ = std::max({nPVTRows_, word(10), word(17)});
-  qOK = iTABDIMS.size() >= words_.size();
-  if (qOK) return;
-  diagnoseDims(Message::InitTableWords, {}, fmt::format("{} words", words_.size()),
-               fmt::format("{}", iTABDIMS.size()),
-               "omitted the tables that the missing words would describe");
-}
-
-void qvEclipseDTAB::diagnoseDims(Message message, std::string problem, std::string expected,
-                                 std::string found, std::string action) const {
-  session_->diagnose(Diagnosis{.message = message,
-                               .path = FileName,
-                               .problem = std::move(problem),
-                               .keyword = "TABDIMS",
-                               .offset = offset,
-                               .expected = std::move(expected),
-                               .found = std::move(found),
-                               .action = std::move(action)});
+  qOK = setWords(iTABDIMS);
 }
 
 void qvEclipseDTAB::addDTAB(std::vector<double> dTAB, bool& qOK) {
-  dTAB_ = std::move(dTAB);
+  setValues(std::move(dTAB));
   qOK = true;
 }
 
-void qvEclipseDTAB::GetTABDIMS(std::vector<std::int32_t>& iTABDIMS) const {
-  iTABDIMS.assign(words_.begin(), words_.end());
-}
-
 void qvEclipseDTAB::processTables(bool& qOK) {
-  guarded(*session_, qOK, className, "processTables", [&] {
-    tables_.clear();
-    if (!qTABDIMS_) return true;
-    const auto blocks = tablesInUse(words_, iPhases_, properties_, dTAB_.size());
-    bool all = true;
-    for (const auto& described : blocks) {
-      const TableBlock block = asConstantCompressibility(described);
-      bool qAdded = false;
-      addTable(block.name, block.iStart, block.parent, block.iDimens, qAdded);
-      all = all && qAdded;
-    }
-    if (tables_.empty())
-      diagnoseDims(Message::InitTablesNone, {}, {},
-                   fmt::format("{} descriptions of tables in use", blocks.size()),
-                   "listed no simulation tables");
-    return all;
-  });
-}
-
-/// A deck's PVDO has at least two rows. A single one is that of a PVCDO, whose third column in TAB is a
-/// compressibility, so that it must not be divided as the reciprocal of a PVDO.
-TableBlock qvEclipseDTAB::asConstantCompressibility(TableBlock block) const {
-  constexpr std::string_view constant = "PVCDO";
-  const auto first = static_cast<std::size_t>(block.iStart) - 1;
-  if (block.name != "PVDO" || block.count > dTAB_.size() || first > dTAB_.size() - block.count) return block;
-  const auto rows = static_cast<std::size_t>(block.iDimens[0]);
-  const auto tables = static_cast<std::size_t>(block.iDimens[1]);
-  for (std::size_t table = 0; table < tables; ++table) {
-    const auto pressures = std::span(dTAB_).subspan(first + table * rows, rows);
-    if (std::ranges::count_if(pressures, [](double value) { return !isBlank(value); }) != 1) return block;
-  }
-  block.name = constant;
-  block.iDimens.back() = GRAFTableColumns(constant);
-  return block;
+  guarded(session(), qOK, className, "processTables", [&] { return build(); });
 }
 
 void qvEclipseDTAB::addTable(std::string_view zTable, std::int32_t iStart, std::string_view zParent,
                              std::span<const std::int32_t> iDimens, bool& qOK) {
-  guarded(*session_, qOK, className, "addTable", [&] {
-    if (iStart < 1) return true;
-    if (iDimens.size() < 2 || iDimens.size() > 5) return false;
-    const std::size_t behind = dTAB_.size() - std::min(dTAB_.size(), static_cast<std::size_t>(iStart) - 1);
-    const std::size_t count = tableSize(iDimens);
-    if (count > behind) {
-      diagnoseDims(Message::InitTableExtent, fmt::format("table {} does not lie in TAB", zTable),
-                   fmt::format("at most {} values from {} on", behind, iStart),
-                   fmt::format("{}", fmt::join(iDimens, " x ")), "omitted the table");
-      return false;
-    }
-    if (count == 0) return true;  // a table without rows is not an error
-    const auto* first = dTAB_.data() + iStart - 1;
-    tables_.push_back({canonical(zTable),
-                       iStart,
-                       canonical(zParent),
-                       {iDimens.begin(), iDimens.end()},
-                       static_cast<std::int32_t>(iDimens.size()),
-                       {first, first + count}});
-    return true;
-  });
+  guarded(session(), qOK, className, "addTable", [&] { return add(zTable, iStart, zParent, iDimens); });
 }
 
-const tTableInfo* qvEclipseDTAB::find(std::string_view zTable) const {
-  const auto found = std::ranges::find(tables_, canonical(zTable), &tTableInfo::zTable);
-  return found == tables_.end() ? nullptr : &*found;
+void qvEclipseDTAB::GetTABDIMS(std::vector<std::int32_t>& iTABDIMS) const {
+  iTABDIMS.assign(words().begin(), words().end());
 }
 
 void qvEclipseDTAB::getTableNames(std::vector<std::string>& zTables, std::int32_t& nTables) const {
-  zTables.clear();
-  for (const auto& table : tables_) zTables.push_back(table.zTable);
+  zTables = names();
   nTables = this->nTables();
-}
-
-std::int32_t qvEclipseDTAB::getTableIndex(std::string_view zTable) const {
-  const auto* table = find(zTable);
-  return table ? static_cast<std::int32_t>(table - tables_.data()) + 1 : 0;
-}
-
-std::int32_t qvEclipseDTAB::getNumberTables(std::string_view zTable) const {
-  const auto* table = find(zTable);
-  return table ? table->iDimens[table->iDimens.size() - 2] : 0;
 }
 
 void qvEclipseDTAB::getTableProperties(std::string_view zTable, std::vector<std::int32_t>& iDimens,
@@ -160,25 +64,105 @@ void qvEclipseDTAB::getTableProperties(std::string_view zTable, std::vector<std:
 void qvEclipseDTAB::getAllTableProperties(std::vector<std::string>& zTables,
                                           std::vector<std::string>& zParents,
                                           std::vector<std::int32_t>& nEach, bool& qOK) const {
-  guarded(*session_, qOK, className, "getAllTableProperties", [&] {
-    zTables.clear();
+  guarded(session(), qOK, className, "getAllTableProperties", [&] {
+    zTables = names();
     zParents.clear();
     nEach.clear();
-    for (const auto& table : tables_) {
-      zTables.push_back(table.zTable);
+    for (const auto& table : tables()) {
       zParents.push_back(table.zParent);
-      nEach.push_back(table.iDimens[table.iDimens.size() - 2]);
+      nEach.push_back(table.count());
     }
   });
 }
 
+void qvEclipseDTAB::getTable(std::string_view zTable, std::int32_t iTable, std::vector<float>& dTable,
+                             std::vector<std::int32_t>& iDimens, std::int32_t& nDims, bool& qOK,
+                             [[maybe_unused]] bool qDefault) const {
+  guarded(session(), qOK, className, "getTable",
+          [&] { return give(storedTable(zTable, iTable), dTable, iDimens, nDims); });
+}
+
+void qvEclipseDTAB::getTable2d(std::string_view zTable, std::int32_t iTable, std::vector<float>& dTable,
+                               std::vector<std::int32_t>& iDimens, std::int32_t& nDims, bool& qOK,
+                               bool qDefault) const {
+  guarded(session(), qOK, className, "getTable2d",
+          [&] { return give(plainTable(zTable, iTable, !qDefault), dTable, iDimens, nDims); });
+}
+
+void qvEclipseDTAB::Produce2DTable(std::string_view zTable, std::int32_t iTable, std::vector<float>& dTable,
+                                   std::vector<std::int32_t>& iDimens, std::int32_t& nDims, bool& qOK) const {
+  guarded(session(), qOK, className, "Produce2DTable", [&] {
+    return nDims != 3 || give(withOuterColumn(zTable, iTable, {dTable, iDimens}), dTable, iDimens, nDims);
+  });
+}
+
+bool qvEclipseDTAB::addHeaders(std::string_view zTable, std::int32_t iUnits, ByteTable& bHeaders) const {
+  const std::string name = upper(trim(zTable));
+  const auto columns = tableColumns(name);
+  const std::size_t before = bHeaders.entries();
+  bHeaders.resize(before + columns.size());
+  for (std::size_t i = 1; i <= columns.size(); ++i) {
+    const auto& column = columns[i - 1];
+    const auto label = !column.raw.empty()    ? std::string(column.raw)
+                       : !column.name.empty() ? std::string(column.name)
+                                              : fmt::format("COLUMN{}", i);
+    setAttribute(attributeDataKind, bHeaders, before + i, "INIT");
+    setAttribute(attributeMember, bHeaders, before + i, name);
+    setAttribute(attributeVariable, bHeaders, before + i, label);
+    // The units known here are those of the physical value.
+    if (column.raw.empty())
+      setAttribute(attributeUnits, bHeaders, before + i, tableUnit(column.quantity, iUnits, program()));
+  }
+  return !columns.empty();
+}
+
+void qvEclipseDTAB::getTableHeaders(std::string_view zTable, std::int32_t iUnits, ByteTable& bHeaders,
+                                    bool& qOK) const {
+  guarded(session(), qOK, className, "getTableHeaders", [&] {
+    bHeaders = ByteTable(headerWidth, 0);
+    return find(zTable) && addHeaders(zTable, iUnits, bHeaders);
+  });
+}
+
+void qvEclipseDTAB::Produce2DHeaders(std::string_view zTable, std::int32_t iUnits, ByteTable& bHeaders,
+                                     bool& qOK) const {
+  guarded(session(), qOK, className, "Produce2DHeaders", [&] {
+    const auto related = relatedTable(upper(trim(zTable)));
+    bHeaders = ByteTable(headerWidth, 0);
+    if (!related.empty() && find(related)) addHeaders(related, iUnits, bHeaders);
+    return find(zTable) && addHeaders(zTable, iUnits, bHeaders);
+  });
+}
+
+void qvEclipseDTAB::getTableHeaders2D(std::string_view zTable, std::int32_t iUnits, ByteTable& bHeaders,
+                                      bool& qOK) const {
+  Produce2DHeaders(zTable, iUnits, bHeaders, qOK);
+}
+
 void qvEclipseDTAB::GetRelatedTables(std::string_view zTable, std::vector<std::string>& zList,
                                      std::int32_t& nList, bool& qOK) const {
-  const auto related = relatedTable(canonical(zTable));
+  const auto related = relatedTable(upper(trim(zTable)));
   zList.clear();
   if (!related.empty()) zList.emplace_back(related);
   nList = static_cast<std::int32_t>(zList.size());
   qOK = true;
+}
+
+void qvEclipseDTAB::InvertColumns(std::int32_t iFirst, std::int32_t iSecond, std::int32_t nRows,
+                                  std::vector<float>& sTable, std::span<const std::int32_t> iDimens,
+                                  bool& qOK) const {
+  qOK = invertColumns(iFirst, iSecond, nRows, sTable, iDimens, session().NullValue);
+}
+
+PhysicalTable qvEclipseDTAB::physicalTable(std::string_view zTable, std::int32_t iTable, std::int32_t iUnits,
+                                           bool& qOK) const {
+  PhysicalTable result;
+  guarded(session(), qOK, className, "physicalTable", [&] {
+    auto table = physicalTable(zTable, iTable, iUnits);
+    if (table) result = std::move(*table);
+    return table.has_value();
+  });
+  return result;
 }
 
 }  // namespace lumbarn

@@ -12,6 +12,8 @@ namespace lumbarn {
 
 namespace {
 
+constexpr const char* className = "Quarnet";
+
 const char* typeWordOf(ElementType type) {
   switch (type) {
     case ElementType::Integer:
@@ -43,7 +45,7 @@ void SetRecordLengths(bool qFormatted, RecordLengths& lengths) {
 }
 
 void Quarnet::OpenRecordFile(const std::string& zFile, cFILETYPE& cFile, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", "OpenRecordFile", [&] {
+  guarded(*session_, qOK, className, "OpenRecordFile", [&] {
     std::string why;
     cFile.source_ = FileSource::open(zFile, why);
     if (!cFile.source_) {
@@ -60,7 +62,7 @@ void Quarnet::OpenRecordFile(const std::string& zFile, cFILETYPE& cFile, bool& q
 }
 
 void Quarnet::CreateRecordFile(const std::string& zFile, cFILETYPE& cFile, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", "CreateRecordFile", [&] {
+  guarded(*session_, qOK, className, "CreateRecordFile", [&] {
     std::string why;
     auto output = std::make_unique<OutputFile>(zFile, why);
     if (!output->isOpen()) {
@@ -75,7 +77,7 @@ void Quarnet::CreateRecordFile(const std::string& zFile, cFILETYPE& cFile, bool&
 }
 
 void Quarnet::CloseRecordFile(cFILETYPE& cFile, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", "CloseRecordFile", [&] {
+  guarded(*session_, qOK, className, "CloseRecordFile", [&] {
     cFile.cursor_.reset();
     cFile.source_.reset();
     cFile.atData_ = false;
@@ -86,7 +88,7 @@ void Quarnet::CloseRecordFile(cFILETYPE& cFile, bool& qOK) {
 
 void Quarnet::ReadRecordHeader(cFILETYPE& cFile, std::string& zKeyword, std::int32_t& nElements,
                                std::string& zType, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", "ReadRecordHeader", [&] {
+  guarded(*session_, qOK, className, "ReadRecordHeader", [&] {
     if (!cFile.source_) throw Fault(FaultNumber::InvalidCall);
     if (!cFile.cursor_) {
       cFile.cursor_ = std::make_unique<RecordCursor>(cFile.source_, cFile.form(), cFile.path_);
@@ -129,47 +131,48 @@ RecordCursor& Quarnet::atData(cFILETYPE& cFile, std::int32_t nElements, ElementT
 }
 
 template <class T>
-void Quarnet::readValues(const char* routine, std::int32_t nElements, ElementType type, cFILETYPE& cFile,
-                         std::vector<T>& values, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", routine, [&] {
-    values.clear();
-    if (nElements == 0) return;
-    auto& cursor = atData(cFile, nElements, type);
-    if (nElements > cursor.header().count) throw Fault(FaultNumber::Subscript);
-    values.resize(static_cast<std::size_t>(nElements));
-    if constexpr (std::is_same_v<T, std::int16_t>) {
-      cursor.readLogicals(values);
-    } else {
-      cursor.read(std::span<T>(values));
-    }
-    cFile.position_ = cursor.nextPosition();
-    cFile.atData_ = false;
-  });
+void Quarnet::readValues(std::int32_t nElements, ElementType type, cFILETYPE& cFile, std::vector<T>& values) {
+  values.clear();
+  if (nElements == 0) return;
+  auto& cursor = atData(cFile, nElements, type);
+  if (nElements > cursor.header().count) throw Fault(FaultNumber::Subscript);
+  values.resize(static_cast<std::size_t>(nElements));
+  if constexpr (std::is_same_v<T, std::int16_t>) {
+    cursor.readLogicals(values);
+  } else {
+    cursor.read(std::span<T>(values));
+  }
+  cFile.position_ = cursor.nextPosition();
+  cFile.atData_ = false;
 }
 
 void Quarnet::ReadIntegers(std::int32_t nElements, std::string_view, cFILETYPE& cFile,
                            std::vector<std::int32_t>& iValues, bool& qOK) {
-  readValues("ReadIntegers", nElements, ElementType::Integer, cFile, iValues, qOK);
+  guarded(*session_, qOK, className, "ReadIntegers",
+          [&] { readValues(nElements, ElementType::Integer, cFile, iValues); });
 }
 
 void Quarnet::ReadSingles(std::int32_t nElements, std::string_view, cFILETYPE& cFile,
                           std::vector<float>& sValues, bool& qOK) {
-  readValues("ReadSingles", nElements, ElementType::Single, cFile, sValues, qOK);
+  guarded(*session_, qOK, className, "ReadSingles",
+          [&] { readValues(nElements, ElementType::Single, cFile, sValues); });
 }
 
 void Quarnet::ReadDoubles(std::int32_t nElements, std::string_view, cFILETYPE& cFile,
                           std::vector<double>& dValues, bool& qOK) {
-  readValues("ReadDoubles", nElements, ElementType::Double, cFile, dValues, qOK);
+  guarded(*session_, qOK, className, "ReadDoubles",
+          [&] { readValues(nElements, ElementType::Double, cFile, dValues); });
 }
 
 void Quarnet::ReadLogicals(std::int32_t nElements, std::string_view, cFILETYPE& cFile,
                            std::vector<std::int16_t>& qValues, bool& qOK) {
-  readValues("ReadLogicals", nElements, ElementType::Logical, cFile, qValues, qOK);
+  guarded(*session_, qOK, className, "ReadLogicals",
+          [&] { readValues(nElements, ElementType::Logical, cFile, qValues); });
 }
 
 void Quarnet::ReadStringBytes(std::string_view, std::string_view, std::int32_t nElements, cFILETYPE& cFile,
                               std::vector<char>& bValues, std::int32_t& nWidth, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", "ReadStringBytes", [&] {
+  guarded(*session_, qOK, className, "ReadStringBytes", [&] {
     bValues.clear();
     nWidth = typeInfo("CHAR").width;
     if (nElements == 0) return;
@@ -190,44 +193,41 @@ void Quarnet::ReadStrings(std::string_view zQuote, std::string_view zLen, std::i
   ReadStringBytes(zQuote, zLen, nElements, cFile, bytes, width, qOK);
   zValues.clear();
   if (!qOK) return;
-  guarded(*session_, qOK, "Quarnet", "ReadStrings", [&] {
+  guarded(*session_, qOK, className, "ReadStrings", [&] {
     const auto size = static_cast<std::size_t>(width);
     for (std::size_t at = 0; at < bytes.size(); at += size) zValues.emplace_back(bytes.data() + at, size);
   });
 }
 
-void Quarnet::skip(const char* routine, std::int32_t nElements, ElementType type, cFILETYPE& cFile,
-                   bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", routine, [&] {
-    if (nElements == 0) return;
-    cFile.position_ = atData(cFile, nElements, type).nextPosition();
-    cFile.atData_ = false;
-  });
+void Quarnet::skip(std::int32_t nElements, ElementType type, cFILETYPE& cFile) {
+  if (nElements == 0) return;
+  cFile.position_ = atData(cFile, nElements, type).nextPosition();
+  cFile.atData_ = false;
 }
 
 void Quarnet::SkipIntegers(std::int32_t nElements, std::string_view, cFILETYPE& cFile, bool& qOK) {
-  skip("SkipIntegers", nElements, ElementType::Integer, cFile, qOK);
+  guarded(*session_, qOK, className, "SkipIntegers", [&] { skip(nElements, ElementType::Integer, cFile); });
 }
 
 void Quarnet::SkipSingles(std::int32_t nElements, std::string_view, cFILETYPE& cFile, bool& qOK) {
-  skip("SkipSingles", nElements, ElementType::Single, cFile, qOK);
+  guarded(*session_, qOK, className, "SkipSingles", [&] { skip(nElements, ElementType::Single, cFile); });
 }
 
 void Quarnet::SkipDoubles(std::int32_t nElements, std::string_view, cFILETYPE& cFile, bool& qOK) {
-  skip("SkipDoubles", nElements, ElementType::Double, cFile, qOK);
+  guarded(*session_, qOK, className, "SkipDoubles", [&] { skip(nElements, ElementType::Double, cFile); });
 }
 
 void Quarnet::SkipLogicals(std::int32_t nElements, std::string_view, cFILETYPE& cFile, bool& qOK) {
-  skip("SkipLogicals", nElements, ElementType::Logical, cFile, qOK);
+  guarded(*session_, qOK, className, "SkipLogicals", [&] { skip(nElements, ElementType::Logical, cFile); });
 }
 
 void Quarnet::SkipStrings(std::string_view, std::string_view, std::int32_t nElements, cFILETYPE& cFile,
                           bool& qOK) {
-  skip("SkipStrings", nElements, ElementType::Text, cFile, qOK);
+  guarded(*session_, qOK, className, "SkipStrings", [&] { skip(nElements, ElementType::Text, cFile); });
 }
 
 void Quarnet::ReadRawBytes(std::int32_t n, cFILETYPE& cFile, std::vector<std::byte>& bBytes, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", "ReadRawBytes", [&] {
+  guarded(*session_, qOK, className, "ReadRawBytes", [&] {
     if (!cFile.source_ || n < 0) throw Fault(FaultNumber::InvalidCall);
     bBytes.clear();
     const std::uint64_t size = cFile.source_->size();
@@ -242,13 +242,13 @@ void Quarnet::ReadRawBytes(std::int32_t n, cFILETYPE& cFile, std::vector<std::by
 
 void Quarnet::BytesToText(std::int32_t n, std::span<const std::byte> bBytes, std::string& zText,
                           bool& qOK) const {
-  guarded(*session_, qOK, "Quarnet", "BytesToText", [&] {
+  guarded(*session_, qOK, className, "BytesToText", [&] {
     zText.assign(reinterpret_cast<const char*>(bBytes.data()), checkedCount(n, bBytes.size()));
   });
 }
 
 void Quarnet::DetectByteOrder(std::string_view, cFILETYPE& cFile, bool& qOK, bool& qSwap) {
-  guarded(*session_, qOK, "Quarnet", "DetectByteOrder", [&] {
+  guarded(*session_, qOK, className, "DetectByteOrder", [&] {
     if (!cFile.source_) throw Fault(FaultNumber::InvalidCall);
     const auto wordAt = [&](std::uint64_t position) {
       std::uint32_t word = 0;
@@ -262,27 +262,28 @@ void Quarnet::DetectByteOrder(std::string_view, cFILETYPE& cFile, bool& qOK, boo
   });
 }
 
-void Quarnet::writeRaw(const char* routine, std::span<const std::byte> bytes, cFILETYPE& cFile, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", routine, [&] {
-    if (!cFile.output_) throw Fault(FaultNumber::InvalidCall);
-    return cFile.output_->write(bytes);
-  });
+bool Quarnet::writeRaw(std::span<const std::byte> bytes, cFILETYPE& cFile) {
+  if (!cFile.output_) throw Fault(FaultNumber::InvalidCall);
+  return cFile.output_->write(bytes);
 }
 
 void Quarnet::WriteRawIntegers(std::int32_t n, std::span<const std::int32_t> iValues, cFILETYPE& cFile,
                                bool& qOK) {
   qOK = n >= 0 && static_cast<std::size_t>(n) <= iValues.size();
-  if (qOK)
-    writeRaw("WriteRawIntegers", std::as_bytes(iValues.first(static_cast<std::size_t>(n))), cFile, qOK);
+  if (!qOK) return;
+  guarded(*session_, qOK, className, "WriteRawIntegers",
+          [&] { return writeRaw(std::as_bytes(iValues.first(static_cast<std::size_t>(n))), cFile); });
 }
 
 void Quarnet::WriteRawSingles(std::int64_t n, std::span<const float> sValues, cFILETYPE& cFile, bool& qOK) {
   qOK = n >= 0 && static_cast<std::size_t>(n) <= sValues.size();
-  if (qOK) writeRaw("WriteRawSingles", std::as_bytes(sValues.first(static_cast<std::size_t>(n))), cFile, qOK);
+  if (!qOK) return;
+  guarded(*session_, qOK, className, "WriteRawSingles",
+          [&] { return writeRaw(std::as_bytes(sValues.first(static_cast<std::size_t>(n))), cFile); });
 }
 
 void Quarnet::ReadRawSingles(std::int64_t n, std::span<float> sValues, cFILETYPE& cFile, bool& qOK) {
-  guarded(*session_, qOK, "Quarnet", "ReadRawSingles", [&] {
+  guarded(*session_, qOK, className, "ReadRawSingles", [&] {
     if (!cFile.source_) throw Fault(FaultNumber::InvalidCall);
     const auto bytes = std::as_writable_bytes(sValues.first(checkedCount(n, sValues.size())));
     const bool whole = cFile.source_->readAt(cFile.position_, bytes) == bytes.size();
@@ -292,7 +293,7 @@ void Quarnet::ReadRawSingles(std::int64_t n, std::span<float> sValues, cFILETYPE
 }
 
 void Quarnet::CountRecordMarks(std::int32_t a, std::int32_t b, std::int32_t& nMarks, bool& qOK) const {
-  guarded(*session_, qOK, "Quarnet", "CountRecordMarks", [&] {
+  guarded(*session_, qOK, className, "CountRecordMarks", [&] {
     if (b == 0) throw Fault(FaultNumber::DivisionByZero);
     if (a < 0 || b < 0) throw Fault(FaultNumber::InvalidCall);
     nMarks = 2 * (a / b + (a % b != 0 ? 1 : 0));

@@ -80,12 +80,11 @@ class Quarnet {
   void CountRecordMarks(std::int32_t a, std::int32_t b, std::int32_t& nMarks, bool& qOK) const;
 
  private:
-  RecordCursor& atData(cFILETYPE& cFile, std::int32_t nElements, ElementType type);
+  static RecordCursor& atData(cFILETYPE& cFile, std::int32_t nElements, ElementType type);
   template <class T>
-  void readValues(const char* routine, std::int32_t nElements, ElementType type, cFILETYPE& cFile,
-                  std::vector<T>& values, bool& qOK);
-  void skip(const char* routine, std::int32_t nElements, ElementType type, cFILETYPE& cFile, bool& qOK);
-  void writeRaw(const char* routine, std::span<const std::byte> bytes, cFILETYPE& cFile, bool& qOK);
+  static void readValues(std::int32_t nElements, ElementType type, cFILETYPE& cFile, std::vector<T>& values);
+  static void skip(std::int32_t nElements, ElementType type, cFILETYPE& cFile);
+  static bool writeRaw(std::span<const std::byte> bytes, cFILETYPE& cFile);
 
   Session* session_;
 };

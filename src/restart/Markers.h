@@ -18,8 +18,18 @@ struct MarkerMethod {
   explicit MarkerMethod(std::int32_t iMethod);
 };
 
-/// All rows of a grid whose IWEL was read. Throws Fault 9 for connections that are missing from their table,
+/// Whether a grid has markers: its IWEL was read, and its header states what they are made of.
+bool hasMarkers(const RESTARTGRID& grid);
+/// All rows of a grid that has markers. Throws Fault 9 for connections that are missing from their table,
 /// 7 when the table would be too large.
 MarkerTable markerTable(const RESTARTGRID& grid, bool qMarkers, const Session& session);
+
+/// Wells of a grid, and connections of all of them.
+struct WellCounts {
+  std::int32_t nWells = 0;
+  std::int32_t nPerfs = 0;
+};
+/// Throws Fault 6 for more connections than 32 bits count.
+WellCounts wellCounts(const RESTARTGRID& grid);
 
 }  // namespace lumbarn

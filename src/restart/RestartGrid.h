@@ -89,6 +89,14 @@ struct RESTARTGRID {
     dWELL = {};
     zWELL = {};
   }
+  /// Values, names and wells; dates and dimensions stay.
+  void dropData() {
+    arrays.clear();
+    nActive = 0;
+    dropWells();
+    qZGRP = false;
+    zGROUP = {};
+  }
 };
 
 }  // namespace lumbarn

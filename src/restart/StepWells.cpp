@@ -6,15 +6,15 @@
 #include <optional>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "../support/Guarded.h"
 #include "../support/Text.h"
-#include "qvEclipseSEQUENCE.h"
 
 namespace lumbarn {
 
 namespace {
 
-constexpr const char* className = "qvEclipseSEQUENCE";
 constexpr float notStored = -32768;
 
 using WordToColumn = std::pair<std::size_t, std::size_t>;  // word of the block, column of the table
@@ -135,182 +135,179 @@ std::int32_t EclipseToQVWellType(std::int32_t iType) {
   return iType >= 1 && iType <= 4 ? types[iType - 1] : -1;
 }
 
-void qvEclipseSEQUENCE::processIWEL(std::span<const std::int32_t> words, bool& qOK) {
-  guarded(*session_, qOK, className, "processIWEL", [&] {
-    RESTARTGRID& to = grid();
-    if (const auto outcome = outcomeWithoutTable(words.size(), to.nIWELZ, to.nWells)) return *outcome;
-    const auto perWell = size(to.nIWELZ);
-    const auto taken = wordsInside(iwelColumns, to.nIWELZ);
-    ColumnTable<std::int32_t> table(size(to.nWells), 15);
-    std::int64_t connections = 0;
-    for (std::size_t i = 1; i <= table.rows(); ++i) {
-      const auto block = words.subspan((i - 1) * perWell, perWell);
-      for (const auto& [word, column] : taken) table(i, column) = block[word - 1];
-      std::int32_t phase = EclipseWellPhase(table(i, 3), table(i, 12));
-      // Deliberate: a block that is too short for the word gives what the table held before.
-      if (phase == -1) phase = perWell >= 16 ? block[15] : 0;
-      table(i, 14) = phase;
-      table(i, 5) = std::max(table(i, 5), 0);
-      table(i, 10) = static_cast<std::int32_t>(connections + 1);
-      connections += table(i, 5);
-      if (connections >= std::numeric_limits<std::int32_t>::max()) {
-        to.nIWELZ = 0;
-        return false;
-      }
-    }
-    to.dropConnections();
-    to.nConnections = static_cast<std::int32_t>(connections);
-    to.iWELL = std::move(table);
-    to.qIWEL = true;
-    return true;
-  });
-}
-
-void qvEclipseSEQUENCE::processSWEL(std::span<const float> words, bool& qOK) {
-  guarded(*session_, qOK, className, "processSWEL", [&] {
-    RESTARTGRID& to = grid();
-    if (const auto outcome = outcomeWithoutTable(words.size(), to.nSWELZ, to.nWells)) return *outcome;
-    const auto rows = size(to.nWells);
-    if (!to.qSWEL || to.sWELL.rows() != rows) {
-      to.sWELL = ColumnTable<float>(rows, 15, notStored);
-      to.sWELL2 = ColumnTable<float>(rows, 14, notStored);
-    }
-    const auto taken = wordsInside(swelColumns, to.nSWELZ);
-    const auto taken2 = wordsInside(swelColumns2, to.nSWELZ);
-    for (std::size_t i = 1; i <= rows; ++i) {
-      const auto block = words.subspan((i - 1) * size(to.nSWELZ), size(to.nSWELZ));
-      for (const auto& [word, column] : taken) to.sWELL(i, column) = block[word - 1];
-      for (const auto& [word, column] : taken2) to.sWELL2(i, column) = block[word - 1];
-    }
-    to.qSWEL = true;
-    return true;
-  });
-}
-
-void qvEclipseSEQUENCE::processXWEL(std::span<const double> words, bool& qOK) {
-  guarded(*session_, qOK, className, "processXWEL", [&] {
-    constexpr double most = 1e36;
-    RESTARTGRID& to = grid();
-    if (const auto outcome = outcomeWithoutTable(words.size(), to.nXWELZ, to.nWells)) return *outcome;
-    const auto rows = size(to.nWells);
-    to.dWELL = ColumnTable<double>(rows, 11);
-    if (to.sWELL2.rows() != rows) to.sWELL2 = ColumnTable<float>(rows, 14);
-    const auto taken = wordsInside(xwelColumns, to.nXWELZ);
-    const auto taken2 = wordsInside(xwelColumns2, to.nXWELZ);
-    for (std::size_t i = 1; i <= rows; ++i) {
-      const auto block = words.subspan((i - 1) * size(to.nXWELZ), size(to.nXWELZ));
-      for (const auto& [word, column] : taken) {
-        const bool known = block[word - 1] >= -most && block[word - 1] <= most;
-        to.dWELL(i, column) = known ? block[word - 1] : noRate;
-      }
-      for (const auto& [word, column] : taken2) to.sWELL2(i, column) = toSingle(block[word - 1]);
-    }
-    to.qXWEL = true;
-    return true;
-  });
-}
-
-void qvEclipseSEQUENCE::processZWEL(std::span<const std::string> words, bool& qOK) {
-  guarded(*session_, qOK, className, "processZWEL", [&] {
-    RESTARTGRID& to = grid();
-    if (const auto outcome = outcomeWithoutTable(words.size(), to.nZWELZ, to.nWells)) return *outcome;
-    const auto perWell = size(to.nZWELZ);
-    to.zWELL = ColumnTable<std::string>(size(to.nWells), 2);
-    for (std::size_t i = 1; i <= to.zWELL.rows(); ++i) {
-      for (std::size_t j = 1; j <= std::min<std::size_t>(perWell, 2); ++j) {
-        to.zWELL(i, j) = trim(words[(i - 1) * perWell + j - 1]);
-      }
-    }
-    to.qZWEL = true;
-    return true;
-  });
-}
-
-void qvEclipseSEQUENCE::processZGRP(std::span<const std::string> words, bool& qOK) {
-  guarded(*session_, qOK, className, "processZGRP", [&] {
-    RESTARTGRID& to = grid();
-    if (to.nGroups < 1 || to.nZGRPZ < 1) return true;
-    const auto perGroup = size(to.nZGRPZ);
-    if (words.size() % perGroup != 0) {
-      to.nZGRPZ = 0;
+bool takeIWEL(RESTARTGRID& to, std::span<const std::int32_t> words) {
+  if (const auto outcome = outcomeWithoutTable(words.size(), to.nIWELZ, to.nWells)) return *outcome;
+  const auto perWell = size(to.nIWELZ);
+  const auto taken = wordsInside(iwelColumns, to.nIWELZ);
+  ColumnTable<std::int32_t> table(size(to.nWells), 15);
+  std::int64_t connections = 0;
+  for (std::size_t i = 1; i <= table.rows(); ++i) {
+    const auto block = words.subspan((i - 1) * perWell, perWell);
+    for (const auto& [word, column] : taken) table(i, column) = block[word - 1];
+    std::int32_t phase = EclipseWellPhase(table(i, 3), table(i, 12));
+    // Deliberate: a block that is too short for the word gives what the table held before.
+    if (phase == -1) phase = perWell >= 16 ? block[15] : 0;
+    table(i, 14) = phase;
+    table(i, 5) = std::max(table(i, 5), 0);
+    table(i, 10) = static_cast<std::int32_t>(connections + 1);
+    connections += table(i, 5);
+    if (connections >= std::numeric_limits<std::int32_t>::max()) {
+      to.nIWELZ = 0;
       return false;
     }
-    to.zGROUP = ColumnTable<std::string>(words.size() / perGroup, 1);
-    const auto named = std::min(to.zGROUP.rows(), size(to.nGroups));
-    for (std::size_t i = 1; i <= named; ++i) to.zGROUP(i, 1) = trim(words[(i - 1) * perGroup]);
-    to.qZGRP = true;
-    return true;
-  });
+  }
+  to.dropConnections();
+  to.nConnections = static_cast<std::int32_t>(connections);
+  to.iWELL = std::move(table);
+  to.qIWEL = true;
+  return true;
 }
 
-void qvEclipseSEQUENCE::processICON(std::span<const std::int32_t> words, bool& qOK) {
-  guarded(*session_, qOK, className, "processICON", [&] {
-    RESTARTGRID& to = grid();
-    // Deliberate, as existing hosts expect: a slot of one word is not read.
-    if (to.nWells < 1 || to.nICONZ <= 1 || to.nCWMAX < 1) return true;
-    const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
-    if (const auto outcome = outcomeWithoutTable(words.size(), to.nICONZ, slots)) return *outcome;
-    if (!connectionsFit(to)) {
-      to.nICONZ = 0;
-      return false;
+bool takeSWEL(RESTARTGRID& to, std::span<const float> words) {
+  if (const auto outcome = outcomeWithoutTable(words.size(), to.nSWELZ, to.nWells)) return *outcome;
+  const auto rows = size(to.nWells);
+  if (!to.qSWEL || to.sWELL.rows() != rows) {
+    to.sWELL = ColumnTable<float>(rows, 15, notStored);
+    to.sWELL2 = ColumnTable<float>(rows, 14, notStored);
+  }
+  const auto taken = wordsInside(swelColumns, to.nSWELZ);
+  const auto taken2 = wordsInside(swelColumns2, to.nSWELZ);
+  for (std::size_t i = 1; i <= rows; ++i) {
+    const auto block = words.subspan((i - 1) * size(to.nSWELZ), size(to.nSWELZ));
+    for (const auto& [word, column] : taken) to.sWELL(i, column) = block[word - 1];
+    for (const auto& [word, column] : taken2) to.sWELL2(i, column) = block[word - 1];
+  }
+  to.qSWEL = true;
+  return true;
+}
+
+bool takeXWEL(RESTARTGRID& to, std::span<const double> words, const StepOptions& options) {
+  constexpr double most = 1e36;
+  if (const auto outcome = outcomeWithoutTable(words.size(), to.nXWELZ, to.nWells)) return *outcome;
+  const auto rows = size(to.nWells);
+  to.dWELL = ColumnTable<double>(rows, 11);
+  if (to.sWELL2.rows() != rows) to.sWELL2 = ColumnTable<float>(rows, 14);
+  const auto taken = wordsInside(xwelColumns, to.nXWELZ);
+  const auto taken2 = wordsInside(xwelColumns2, to.nXWELZ);
+  for (std::size_t i = 1; i <= rows; ++i) {
+    const auto block = words.subspan((i - 1) * size(to.nXWELZ), size(to.nXWELZ));
+    for (const auto& [word, column] : taken) {
+      const bool known = block[word - 1] >= -most && block[word - 1] <= most;
+      to.dWELL(i, column) = known ? block[word - 1] : options.noRate;
     }
-    // Deliberate: without markers a slot of six words or more gives the cell and two words, and of a shorter
-    // one the first word is taken too.
-    std::span<const WordToColumn> columns = iconColumns;
-    if (!qMarkers) columns = to.nICONZ >= 6 ? std::span<const WordToColumn>(iconShort) : iconWithoutMarkers;
-    to.iCONN = connectionTable(to, words, to.nICONZ, 9, wordsInside(columns, to.nICONZ));
-    to.nCWMax = to.nCWMAX;
-    to.qICON = true;
-    return true;
-  });
+    for (const auto& [word, column] : taken2) to.sWELL2(i, column) = toSingle(block[word - 1]);
+  }
+  to.qXWEL = true;
+  return true;
 }
 
-void qvEclipseSEQUENCE::processSCON(std::span<const float> words, bool& qOK) {
-  guarded(*session_, qOK, className, "processSCON", [&] {
-    RESTARTGRID& to = grid();
-    if (to.nWells < 1 || to.nSCONZ < 1 || to.nCWMAX < 1) return true;
-    const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
-    if (const auto outcome = outcomeWithoutTable(words.size(), to.nSCONZ, slots)) return *outcome;
-    if (!connectionsFit(to)) {
-      to.nSCONZ = 0;
-      return false;
+bool takeZWEL(RESTARTGRID& to, std::span<const std::string> words) {
+  if (const auto outcome = outcomeWithoutTable(words.size(), to.nZWELZ, to.nWells)) return *outcome;
+  const auto perWell = size(to.nZWELZ);
+  to.zWELL = ColumnTable<std::string>(size(to.nWells), 2);
+  for (std::size_t i = 1; i <= to.zWELL.rows(); ++i) {
+    for (std::size_t j = 1; j <= std::min<std::size_t>(perWell, 2); ++j) {
+      to.zWELL(i, j) = trim(words[(i - 1) * perWell + j - 1]);
     }
-    to.sCONN = connectionTable(to, words, to.nSCONZ, 15, wordsInside(sconColumns, to.nSCONZ));
-    to.nCWMax = to.nCWMAX;
-    to.qSCON = true;
-    return true;
-  });
+  }
+  to.qZWEL = true;
+  return true;
 }
 
-bool qvEclipseSEQUENCE::checkWellData(bool& qOK) const {
-  bool qValid = false;
-  guarded(*session_, qOK, className, "checkWellData", [&] {
-    const RESTARTGRID& from = grid();
-    qValid = from.nIWELZ >= 1 && from.nICONZ >= 1 && from.nZWELZ >= 1;
-  });
-  return qValid;
+bool takeZGRP(RESTARTGRID& to, std::span<const std::string> words) {
+  if (to.nGroups < 1 || to.nZGRPZ < 1) return true;
+  const auto perGroup = size(to.nZGRPZ);
+  if (words.size() % perGroup != 0) {
+    to.nZGRPZ = 0;
+    return false;
+  }
+  to.zGROUP = ColumnTable<std::string>(words.size() / perGroup, 1);
+  const auto named = std::min(to.zGROUP.rows(), size(to.nGroups));
+  for (std::size_t i = 1; i <= named; ++i) to.zGROUP(i, 1) = trim(words[(i - 1) * perGroup]);
+  to.qZGRP = true;
+  return true;
 }
 
-std::int32_t qvEclipseSEQUENCE::getWellPVTNum(std::string_view zWell, bool& qOK,
-                                              std::int32_t iWellIndex) const {
-  std::int32_t number = -1;
-  guarded(*session_, qOK, className, "getWellPVTNum", [&] {
-    const RESTARTGRID& from = grid();
-    const auto wells = static_cast<std::int32_t>(from.iWELL.rows());
-    if (iWellIndex == -1) {
-      if (trim(zWell).empty()) return false;
-      // Deliberate, as hosts know it: a name that no well has means the last well.
-      iWellIndex = std::min(wells, 1);
-      while (iWellIndex < wells &&
-             !(from.qZWEL && equalNoCase(from.zWELL(size(iWellIndex), 1), trim(zWell)))) {
-        ++iWellIndex;
-      }
-    }
-    if (iWellIndex < 1 || iWellIndex > wells) return false;
-    number = from.iWELL(size(iWellIndex), 9);
-    return true;
-  });
-  return number;
+bool takeICON(RESTARTGRID& to, std::span<const std::int32_t> words, const StepOptions& options) {
+  // Deliberate, as existing hosts expect: a slot of one word is not read.
+  if (to.nWells < 1 || to.nICONZ <= 1 || to.nCWMAX < 1) return true;
+  const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
+  if (const auto outcome = outcomeWithoutTable(words.size(), to.nICONZ, slots)) return *outcome;
+  if (!connectionsFit(to)) {
+    to.nICONZ = 0;
+    return false;
+  }
+  // Deliberate: without markers a slot of six words or more gives the cell and two words, and of a shorter
+  // one the first word is taken too.
+  std::span<const WordToColumn> columns = iconColumns;
+  if (!options.qMarkers)
+    columns = to.nICONZ >= 6 ? std::span<const WordToColumn>(iconShort) : iconWithoutMarkers;
+  to.iCONN = connectionTable(to, words, to.nICONZ, 9, wordsInside(columns, to.nICONZ));
+  to.nCWMax = to.nCWMAX;
+  to.qICON = true;
+  return true;
+}
+
+bool takeSCON(RESTARTGRID& to, std::span<const float> words) {
+  if (to.nWells < 1 || to.nSCONZ < 1 || to.nCWMAX < 1) return true;
+  const std::int64_t slots = std::int64_t{to.nWells} * to.nCWMAX;
+  if (const auto outcome = outcomeWithoutTable(words.size(), to.nSCONZ, slots)) return *outcome;
+  if (!connectionsFit(to)) {
+    to.nSCONZ = 0;
+    return false;
+  }
+  to.sCONN = connectionTable(to, words, to.nSCONZ, 15, wordsInside(sconColumns, to.nSCONZ));
+  to.nCWMax = to.nCWMAX;
+  to.qSCON = true;
+  return true;
+}
+
+std::optional<Diagnosis> takeWellRecord(RecordCursor& cursor, RESTARTGRID& grid, const StepOptions& options,
+                                        Session& session) {
+  const RecordHeader& header = cursor.header();
+  bool fits = true;
+  // A table that finds no room is missing and the step goes on, so that is reported as hosts know it.
+  const auto take = [&](const char* routine, auto&& words, auto into) {
+    fits = succeeds(session, "qvEclipseSEQUENCE", routine, [&] { return into(words); });
+  };
+  if (header.is("IWEL", ElementType::Integer)) {
+    take("processIWEL", cursor.integers(), [&](const auto& words) { return takeIWEL(grid, words); });
+  } else if (header.is("ICON", ElementType::Integer)) {
+    take("processICON", cursor.integers(), [&](const auto& words) { return takeICON(grid, words, options); });
+  } else if (header.is("SWEL", ElementType::Single)) {
+    take("processSWEL", cursor.singles(), [&](const auto& words) { return takeSWEL(grid, words); });
+  } else if (header.is("SCON", ElementType::Single)) {
+    take("processSCON", cursor.singles(), [&](const auto& words) { return takeSCON(grid, words); });
+  } else if (header.is("XWEL", ElementType::Double)) {
+    take("processXWEL", cursor.doubles(), [&](const auto& words) { return takeXWEL(grid, words, options); });
+  } else if (header.is("ZWEL", ElementType::Text)) {
+    take("processZWEL", cursor.texts(), [&](const auto& words) { return takeZWEL(grid, words); });
+  } else if (header.is("ZGRP", ElementType::Text)) {
+    take("processZGRP", cursor.texts(), [&](const auto& words) { return takeZGRP(grid, words); });
+  }
+  if (fits) return std::nullopt;
+  return Diagnosis{.message = Message::WellRecordLength,
+                   .path = cursor.path(),
+                   .keyword = header.keyword,
+                   .occurrence = cursor.occurrence(),
+                   .offset = header.headerAt,
+                   .expected = fmt::format("complete blocks for {} wells of up to {} connections",
+                                           grid.nWells, grid.nCWMAX),
+                   .found = fmt::format("{} words", header.count),
+                   .action = "skipped the record"};
+}
+
+std::optional<std::int32_t> wellPVTNumber(const RESTARTGRID& grid, std::string_view zWell,
+                                          std::int32_t iWell) {
+  const auto wells = static_cast<std::int32_t>(grid.iWELL.rows());
+  if (iWell == -1) {
+    if (trim(zWell).empty()) return std::nullopt;
+    // Deliberate, as hosts know it: a name that no well has means the last well.
+    iWell = std::min(wells, 1);
+    while (iWell < wells && !(grid.qZWEL && equalNoCase(grid.zWELL(size(iWell), 1), trim(zWell)))) ++iWell;
+  }
+  if (iWell < 1 || iWell > wells) return std::nullopt;
+  return grid.iWELL(size(iWell), 9);
 }
 
 }  // namespace lumbarn

@@ -3,7 +3,8 @@
 #include <limits>
 
 #include "../support/Fault.h"
-#include "qvEclipseSEQUENCE.h"
+#include "StepData.h"
+#include "StepWells.h"
 
 namespace lumbarn {
 namespace {
@@ -17,10 +18,8 @@ bool concernsFile(const Diagnosis& diagnosis) {
 }  // namespace
 
 std::vector<WellRecord> WellReader::read(const IndexStep& step, std::string_view grid) {
-  qvEclipseSEQUENCE wells(*session_);
-  wells.qMarkers = true;
-  wells.noRate = std::numeric_limits<double>::quiet_NaN();
-  if (!isGlobalGrid(grid)) wells.AddLGRGrid(grid);
+  StepData wells;
+  if (!isGlobalGrid(grid)) wells.enterGrid(grid, {});
   // The order counts: each gives the sizes of those behind it.
   constexpr std::string_view names[] = {"INTEHEAD", "ZGRP", "IWEL", "XWEL", "ZWEL", "ICON", "SCON"};
   for (const std::string_view name : names) {
@@ -46,9 +45,14 @@ void WellReader::report(Diagnosis diagnosis) {
   session_->diagnose(std::move(diagnosis));
 }
 
-void WellReader::take(qvEclipseSEQUENCE& wells, const IndexStep& step, const IndexEntry& entry) {
+void WellReader::take(StepData& wells, const IndexStep& step, const IndexEntry& entry) {
+  constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
   try {
-    if (auto misfit = wells.takeWellRecord(records_.moveTo(*index_, step, entry))) report(std::move(*misfit));
+    RecordCursor& cursor = records_.moveTo(*index_, step, entry);
+    if (cursor.header().is("INTEHEAD", ElementType::Integer))
+      return takeINTEHEAD(wells, HeaderWords(cursor.integers()));
+    const StepOptions options{.qMarkers = true, .noRate = noNumber};
+    if (auto misfit = takeWellRecord(cursor, wells.grid(), options, *session_)) report(std::move(*misfit));
   } catch (BadRecord& damage) {
     if (concernsFile(damage.diagnosis())) throw;
     report(std::move(damage.diagnosis()));

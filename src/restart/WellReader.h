@@ -11,7 +11,7 @@
 
 namespace lumbarn {
 
-class qvEclipseSEQUENCE;
+struct StepData;
 
 /// Reads the wells of report steps at the places that an index has, and nothing else of the steps.
 class WellReader {
@@ -27,7 +27,7 @@ class WellReader {
 
  private:
   void report(Diagnosis diagnosis);
-  void take(qvEclipseSEQUENCE& wells, const IndexStep& step, const IndexEntry& entry);
+  void take(StepData& wells, const IndexStep& step, const IndexEntry& entry);
 
   Session* session_;
   std::shared_ptr<const RestartIndex> index_;

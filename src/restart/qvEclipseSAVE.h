@@ -3,34 +3,22 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
-#include "qvEclipseSAVESequence.h"
+#include "SaveSet.h"
 
 namespace lumbarn {
 
 /// The save files of one run, for a fast restart: one unified file, or a file for each report step. Tells
 /// which steps there are, with dates and times, and which simulator wrote them. Arrays are skipped, so a load
 /// takes a time that goes by the number of records, not by their bytes.
-class qvEclipseSAVE : public FormFlags {
+class qvEclipseSAVE : public FormFlags, public SaveSet {
  public:
   explicit qvEclipseSAVE(Session& session = Session::process()) : session_(&session) {}
-
-  // What to read and how. `CheckSAVEFile` sets all but the limits.
-  std::string FileName;
-  bool Unified = false;    ///< one file for all steps
-  bool qSaveHead = false;  ///< the file opens with SAVEHEAD, so it holds one step
-  std::int32_t iStart = -1;
-  std::int32_t iEnd = -1;  ///< steps wanted, both ends included; -1 is open
-  std::int32_t nMultList = 0;
-  std::vector<std::string> zMultList;  ///< the files of a multiple set; after a load the files really used
-
-  // What was read.
-  std::vector<qvEclipseSAVESequence> xSEQ;  ///< the steps kept, in the order read; one empty one for none
-  std::int32_t NumSequences = 0;            ///< how many
 
   /// True when the first record is INITIAL, SAVEHEAD, STATIC or DYNAMIC. Sets name and form. The
   /// contents do not state whether the file is one of a set, so `Unified` depends on the name: False for
@@ -46,7 +34,7 @@ class qvEclipseSAVE : public FormFlags {
   /// simulation leaves, is skipped with a diagnosis; it is not an error.
   void getSAVEData(bool& qOK);
   /// Adds a step behind the last.
-  void addSEQUENCE(qvEclipseSAVESequence xStep);
+  void addSEQUENCE(qvEclipseSAVESequence xStep) { add(std::move(xStep)); }
 
   /// Report step and time in days of each step. With none, one element, -32768 in both, and nSteps 0.
   void GetRestartRecordTimesAndSteps(std::vector<std::int32_t>& iSteps, std::vector<double>& dTimes,
@@ -55,16 +43,7 @@ class qvEclipseSAVE : public FormFlags {
   void getSimulatorVersionInfo(std::int32_t& iProgram, std::int32_t& iVersion) const;
 
  private:
-  struct Limits;
-
-  bool load();
-  bool findFiles();
-  bool readFile(const std::string& zFile, const Limits& limits, bool& qStop);
-  bool readStep(RecordCursor& cursor, std::int32_t iFile, const Limits& limits, bool& qStop);
-  void tellProgress(const RecordCursor& cursor) const;
-
   Session* session_;
-  std::vector<std::string> found_;  // the list, when a load made it: not that of the next load
 };
 
 }  // namespace lumbarn

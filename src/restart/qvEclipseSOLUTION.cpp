@@ -1,26 +1,18 @@
 #include "qvEclipseSOLUTION.h"
 
 #include <algorithm>
-#include <array>
-#include <filesystem>
 #include <utility>
 
-#include "../files/Extensions.h"
-#include "../files/FileChoice.h"
-#include "../files/Recogniser.h"
-#include "../record/ByteSource.h"
-#include "../record/cFILETYPE.h"
 #include "../shapes/OnlyList.h"
-#include "../support/Fault.h"
 #include "../support/Guarded.h"
-#include "../support/Text.h"
+#include "RestartSetReader.h"
+#include "StepWells.h"
 
 namespace lumbarn {
 
 namespace {
 
 constexpr const char* className = "qvEclipseSOLUTION";
-constexpr std::array<std::string_view, 2> firstWords{"INTEHEAD", "SEQNUM"};
 constexpr std::int32_t unbufferedMethod = 8;
 
 }  // namespace
@@ -28,33 +20,23 @@ constexpr std::int32_t unbufferedMethod = 8;
 bool qvEclipseSOLUTION::CheckRESTARTFile(const std::string& zFile) {
   setFlags({});
   Unified = checkedUnified_ = false;
-  std::string why;
-  const std::shared_ptr<const ByteSource> source = FileSource::open(zFile, why);
-  if (!source) return false;
-  const auto detected = detectForm(*source, firstWords, *session_);
-  Form found;
-  if (detected) {
-    found = detected->form;
-    // Some writers begin step files with SEQNUM too.
-    Unified = detected->keyword == "SEQNUM" && !isStepFile(zFile);
-  } else {
-    // Some writers put an array in front of the first SEQNUM.
-    const auto recognised = recognise(source, zFile);
-    if (recognised.kind != FileKind::Restart || !recognised.byContent || !recognised.form) return false;
-    found = *recognised.form;
-    Unified = recognised.unified.value_or(false) && GetNumericPartOfFileName(zFile) < 0;
-  }
-  setForm(found);
+  const auto found = formOfRestartFile(zFile, *session_);
+  if (!found) return false;
+  setForm(found->form);
   FileName = zFile;
-  checkedUnified_ = Unified;
+  Unified = checkedUnified_ = found->unified;
   return true;
 }
 
 void qvEclipseSOLUTION::SetMultList(std::int32_t n, const std::vector<std::string>& files, bool& qOK) {
   const auto count = std::min(static_cast<std::size_t>(std::max(n, 0)), files.size());
-  nMultList = static_cast<std::int32_t>(count);
-  zMultList.assign(files.begin(), files.begin() + static_cast<std::ptrdiff_t>(count));
+  setFiles({files.begin(), files.begin() + static_cast<std::ptrdiff_t>(count)});
   qOK = true;
+}
+
+void qvEclipseSOLUTION::getSOLUTIONData(bool& qOK) {
+  guarded(*session_, qOK, className, "getSOLUTIONData",
+          [&] { return RestartSetReader(*this, form(), checkedUnified_, *this, *session_).read(); });
 }
 
 void qvEclipseSOLUTION::setONLYList(const std::vector<std::string>& zOnly, bool qOnly, bool& qOK) {
@@ -88,15 +70,6 @@ void qvEclipseSOLUTION::setMarkerMethod(std::int32_t iMethod) {
   if (iMethod == 2 || iMethod == 5) qMarkers = true;
 }
 
-qvEclipseSEQUENCE& qvEclipseSOLUTION::step(std::int32_t iSeqnum) {
-  return const_cast<qvEclipseSEQUENCE&>(std::as_const(*this).step(iSeqnum));
-}
-
-const qvEclipseSEQUENCE& qvEclipseSOLUTION::step(std::int32_t iSeqnum) const {
-  if (iSeqnum < 1 || iSeqnum > nSequences_) throw Fault(FaultNumber::Subscript);
-  return *xSEQ_[static_cast<std::size_t>(iSeqnum) - 1];
-}
-
 void qvEclipseSOLUTION::getSingleSEQUENCEFODInfo(std::int32_t iSeqnum, ColumnTable<std::int32_t>& iFOD,
                                                  bool& qOK) {
   guarded(*session_, qOK, className, "getSingleSEQUENCEFODInfo",
@@ -114,7 +87,7 @@ void qvEclipseSOLUTION::getNxNyNzInfo(std::int32_t iSeqnum, SourceData& vSourceD
   guarded(*session_, qOK, className, "getNxNyNzInfo", [&] {
     if (vSourceData.size() < 3) InitSourceData(vSourceData, qOK);
     for (std::size_t i = 1; i <= 3; ++i) vSourceData(i) = std::int32_t{-1};
-    if (iSeqnum < 1 || iSeqnum > nSequences_) return false;
+    if (iSeqnum < 1 || iSeqnum > NumSequences()) return false;
     const RESTARTGRID& global = step(iSeqnum).grid(1);
     vSourceData(1) = global.Nx;
     vSourceData(2) = global.Ny;
@@ -128,53 +101,40 @@ void qvEclipseSOLUTION::GetRestartRecordTimesAndSteps(std::vector<std::int32_t>&
                                                       bool& qOK) const {
   constexpr std::int32_t noStep = -32768;
   guarded(*session_, qOK, className, "GetRestartRecordTimesAndSteps", [&] {
-    nSteps = nSequences_;
+    nSteps = NumSequences();
     iSteps.clear();
     dTimes.clear();
-    for (std::int32_t i = 1; i <= nSequences_; ++i) {
-      iSteps.push_back(step(i).iSeqnum);
-      dTimes.push_back(step(i).grid(1).dTime);
+    for (const RestartStep& step : steps()) {
+      iSteps.push_back(step.iSeqnum);
+      dTimes.push_back(step.dTime);
     }
-    if (nSequences_ > 0) return;
+    if (nSteps > 0) return;
     iSteps.push_back(noStep);
     dTimes.push_back(noStep);
   });
 }
 
-std::vector<RestartStep> qvEclipseSOLUTION::steps() const {
-  std::vector<RestartStep> all;
-  for (std::int32_t i = 1; i <= nSequences_; ++i) {
-    const auto& one = step(i);
-    const auto& global = one.grid(1);
-    all.push_back({one.iSeqnum, global.dTime, global.iDay, global.iMonth, global.iYear, global.zDate,
-                   one.nGrids, one.FileName});
-  }
-  return all;
-}
-
 std::int32_t qvEclipseSOLUTION::getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex) {
-  std::int32_t number = -1;
+  std::optional<std::int32_t> number;
   guarded(*session_, qOK, className, "getWellPVTNum", [&] {
-    bool qFound = false;
-    number = select(nSequences_).getWellPVTNum(zWell, qFound, iWellIndex);
-    return qFound;
+    number = wellPVTNumber(select(NumSequences()).grid(), zWell, iWellIndex);
+    return number.has_value();
   });
-  return number;
+  return number.value_or(-1);
 }
 
 void qvEclipseSOLUTION::DeleteSingleSEQUENCE(std::int32_t iSeqnum, bool& qOK) {
   guarded(*session_, qOK, className, "DeleteSingleSEQUENCE", [&] {
-    step(iSeqnum).iGrid = std::max(iGridNumber, 1);
-    bool qDeleted = false;
-    step(iSeqnum).DeleteSEQUENCEData(qDeleted);
-    return qDeleted;
+    qvEclipseSEQUENCE& from = step(iSeqnum);
+    from.iGrid = std::max(iGridNumber, 1);
+    return succeeds(*session_, "qvEclipseSEQUENCE", "DeleteSEQUENCEData", [&] { from.grid().dropData(); });
   });
 }
 
-void qvEclipseSOLUTION::getRESTARTDate(std::int32_t& iDay, std::int32_t& iMonth, std::int32_t& iYear) const {
-  iDay = iDay_;
-  iMonth = iMonth_;
-  iYear = iYear_;
+void qvEclipseSOLUTION::getRESTARTDate(std::int32_t& day, std::int32_t& month, std::int32_t& year) const {
+  day = iDay;
+  month = iMonth;
+  year = iYear;
 }
 
 }  // namespace lumbarn

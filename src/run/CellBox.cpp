@@ -1,8 +1,9 @@
+#include "CellBox.h"
+
 #include <fmt/format.h>
 
 #include "../support/Text.h"
 #include "RunState.h"
-#include "Selections.h"
 
 namespace lumbarn {
 
@@ -24,6 +25,16 @@ CellBox parseCells(std::string_view text) {
     if (box.to[axis] < box.from[axis]) number({});
   }
   return box;
+}
+
+void requireInside(const CellBox& box, const std::array<std::int32_t, 3>& size, const std::string& path,
+                   const std::string& grid) {
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    if (box.from[axis] >= 1 && box.to[axis] >= box.from[axis] && box.to[axis] <= size[axis]) continue;
+    const auto& [i, j, k] = box.to[axis] > size[axis] ? box.to : box.from;
+    throwRefused(path, fmt::format("cell {},{},{} is not in grid {}, which has {} x {} x {} cells", i, j, k,
+                                   grid, size[0], size[1], size[2]));
+  }
 }
 
 }  // namespace lumbarn

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "../frame/Error.h"
+#include "CellBox.h"
 
 namespace lumbarn {
 
@@ -98,16 +99,10 @@ void CellRows::listCells() {
   const auto& size = size_;
   std::uint64_t count = 0;
   for (const CellBox& box : selection_.cells) {
+    requireInside(box, size, plan_.index->files.front(), gridName(plan_.steps, plan_.grid));
     std::uint64_t volume = 1;
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      if (box.from[axis] < 1 || box.to[axis] < box.from[axis] || box.to[axis] > size[axis]) {
-        const auto& [i, j, k] = box.to[axis] > size[axis] ? box.to : box.from;
-        throwRefused(plan_.index->files.front(),
-                     fmt::format("cell {},{},{} is not in grid {}, which has {} x {} x {} cells", i, j, k,
-                                 gridName(plan_.steps, plan_.grid), size[0], size[1], size[2]));
-      }
+    for (std::size_t axis = 0; axis < 3; ++axis)
       volume *= static_cast<std::uint64_t>(box.to[axis] - box.from[axis] + 1);
-    }
     count += volume;
   }
   context_->session().checkMemory(count * sizeof(std::uint32_t));

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "../files/Folder.h"
 #include "../files/Recogniser.h"
 #include "../support/Pattern.h"
 #include "../support/Session.h"
@@ -142,6 +143,13 @@ Differences compareFiles(const std::string& a, const std::string& b, const Compa
   } catch (...) {
     throw errorInFlight();
   }
+}
+
+Differences compare(const std::string& a, const std::string& b, const Comparison& comparison,
+                    const ReadOptions& options) {
+  const bool ofRuns = !comparison.vectors.empty() || !comparison.time.isAll();
+  if (!ofRuns && isFile(a) && isFile(b)) return compareFiles(a, b, comparison, options);
+  return compare(Run::open(a), Run::open(b), comparison, options);
 }
 
 }  // namespace lumbarn

@@ -35,4 +35,9 @@ Differences compareFiles(const std::string& a, const std::string& b, const Compa
 Differences compare(const Run& a, const Run& b, const Comparison& comparison = {},
                     const ReadOptions& options = {});
 
+/// Compares what two paths mean: two files record by record, unless vectors or a time are asked for, and
+/// otherwise the runs.
+Differences compare(const std::string& a, const std::string& b, const Comparison& comparison = {},
+                    const ReadOptions& options = {});
+
 }  // namespace lumbarn

@@ -3,29 +3,41 @@
 #include <utility>
 
 #include "../files/FileChoice.h"
-#include "../grid/qvGRIDReader.h"
+#include "../grid/GridFile.h"
 #include "../index/RestartIndex.h"
 #include "../index/RestartIndexAgreement.h"
-#include "../index/qvEclipseINSPEC.h"
-#include "../init/qvEclipseINIT.h"
+#include "../init/InitFile.h"
 #include "../restart/qvEclipseSAVE.h"
 #include "../summary/RestartChain.h"
 #include "../summary/qvEclipseSPEC.h"
 #include "../support/Session.h"
 #include "../welltests/qvEclipseRFT.h"
 #include "../welltests/qvUserRFT.h"
+#include "Diagnosed.h"
 
 namespace lumbarn {
 
 namespace {
 
+/// Reports go to another sink as long as it lives.
+class ShownTo {
+ public:
+  ShownTo(Session& session, const FindingSink& report)
+      : session_(session), before_(std::exchange(session.diagnosisSink, report)) {}
+  ~ShownTo() { session_.diagnosisSink = std::move(before_); }
+  ShownTo(const ShownTo&) = delete;
+  ShownTo& operator=(const ShownTo&) = delete;
+
+ private:
+  Session& session_;
+  decltype(Session::diagnosisSink) before_;
+};
+
 void checkArrays(const std::string& path, Session& session) {
-  qvEclipseINIT init(session);
+  InitFile init(session);
   init.LoadData = false;
-  bool qOK = init.CheckINITFile(path);
-  if (qOK) init.getEclipseINITArrays(qOK);
-  std::vector<float> values;
-  for (std::int32_t grid = 1; qOK && grid <= init.nGrids(); ++grid) {
+  if (!init.check(path) || !diagnosed(session, [&] { return init.load(); })) return;
+  for (std::int32_t grid = 1; grid <= init.nGrids(); ++grid) {
     const auto& info = init.grid(grid);
     bool numbered = true;  // one array of all cells that is not says what they all would
     for (std::int32_t array = 1; array <= info.nVectors(); ++array) {
@@ -33,9 +45,8 @@ void checkArrays(const std::string& path, Session& session) {
       // Only arrays of all cells can turn out not to fit.
       const auto count = info.arrays[static_cast<std::size_t>(array) - 1].header.count;
       if (!numbered || count == info.nActive) continue;
-      bool qFits = false;
-      init.GetArray(grid, array, false, values, qFits);
-      numbered = qFits || count != info.nCells;
+      const auto values = diagnosed(session, [&] { return init.arrayValues(grid, array, false); });
+      numbered = values || count != info.nCells;
     }
   }
 }
@@ -43,21 +54,15 @@ void checkArrays(const std::string& path, Session& session) {
 }  // namespace
 
 void checkInit(const std::string& path, Session& session, const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, report);
+  const ShownTo shown(session, report);
   checkArrays(path, session);
-  session.diagnosisSink = shown;
 }
 
 void checkGrid(const RunMember& file, Session& session, const FindingSink& report) {
-  const auto shown = std::exchange(session.diagnosisSink, report);
-  qvGRIDReader reader(session);
-  bool qOK = false;
-  if (file.kind == FileKind::EGrid && reader.CheckEGRIDFile(file.path)) {
-    reader.ReadEclipseEGridFile(qOK);
-  } else if (file.kind == FileKind::Grid && reader.CheckGRIDFile(file.path)) {
-    reader.ReadEclipseGridFile(qOK);
-  }
-  session.diagnosisSink = shown;
+  const ShownTo shown(session, report);
+  const auto grid = recogniseGridFile(file.path, file.kind == FileKind::EGrid);
+  GridFileContent content;
+  if (grid) diagnosed(session, [&] { return readGridFile(*grid, grid->open(), {}, session, content); });
 }
 
 void checkSave(const RunMember& file, Session& session, const FindingSink& report) {
@@ -91,17 +96,15 @@ namespace {
 
 /// Reads all tests of a file, and gives their count.
 std::optional<std::int64_t> readTests(const std::string& path, FileKind kind, Session& session) {
-  bool qOK = false;
+  const auto count = [](const auto& file) { return std::optional<std::int64_t>(file.NumTests()); };
   if (kind == FileKind::Rft) {
     qvEclipseRFT file(session);
-    if (file.CheckRFTFile(path)) file.getRFTData(qOK);
-    return qOK ? std::optional<std::int64_t>(file.NumTests()) : std::nullopt;
+    return file.CheckRFTFile(path) && file.readFile() ? count(file) : std::nullopt;
   }
   qvUserRFT file(session);
   const bool rft = kind == FileKind::UserRft;
-  if (rft ? file.CheckRFTFile(path) : file.CheckPLTFile(path))
-    rft ? file.getRFTData(qOK) : file.getPLTData(qOK);
-  return qOK ? std::optional<std::int64_t>(file.NumTests()) : std::nullopt;
+  if (!(rft ? file.CheckRFTFile(path) : file.CheckPLTFile(path))) return std::nullopt;
+  return file.readFile(rft ? UserTestKind::Rft : UserTestKind::Plt) ? count(file) : std::nullopt;
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 
 #include "../arrays/ArraySelection.h"
+#include "../files/Extensions.h"
 #include "../files/Recogniser.h"
 #include "../index/RestartIndex.h"
 #include "../index/SectionTracker.h"
@@ -31,8 +32,11 @@ namespace {
 
 constexpr std::int64_t partSize = 10 * RecordWriter::partUnit;
 
-Form formOf(const Conversion& conversion) {
-  if (conversion.formatted) return {Framing::Formatted, false};
+Form formOf(const Conversion& conversion, const std::string& target) {
+  const bool formatted = conversion.formatted || meaningOf(FileName(target).extension).formatted;
+  if (formatted && conversion.littleEndian)
+    throwRefused(target, "a formatted file has no byte order: little-endian goes with others");
+  if (formatted) return {Framing::Formatted, false};
   const auto order = conversion.littleEndian ? std::endian::little : std::endian::big;
   return {Framing::FourByteMarks, std::endian::native != order};
 }
@@ -287,7 +291,7 @@ void convert(const std::string& file, const std::string& target, const Conversio
     Session& session = context.session();
     refuseSource(file, target);
     const RecordChoice choice(file, conversion, session);
-    const Form form = formOf(conversion);
+    const Form form = formOf(conversion, target);
     auto source = openRecordFile(file);
     source->attach(session);
     PendingFile pending(target);

@@ -6,6 +6,7 @@
 
 #include "../frame/NumberText.h"
 #include "../frame/Write.h"
+#include "RunState.h"
 
 namespace lumbarn {
 
@@ -44,6 +45,9 @@ void writeValues(std::span<const Number> values, Sink& sink) {
 }  // namespace
 
 void writeGrdecl(const Dense& array, std::string_view name, Sink& sink) {
+  if (array.components != 1)
+    throwRefused({}, fmt::format("{} has {} values for each cell, a keyword of a deck has one", name,
+                                 array.components));
   put(sink, fmt::format("{}\n-- {} {} {}\n", name, array.shape[2], array.shape[1], array.shape[0]));
   const auto values = [&]<class Number>(Number) {
     writeValues(

@@ -7,30 +7,18 @@
 
 #include "../frame/BatchData.h"
 #include "../frame/Error.h"
+#include "../grid/GridFile.h"
 #include "../grid/Hadrick.h"
 #include "../grid/RadialGrid.h"
 #include "../grid/Refinement.h"
-#include "../grid/qvGRIDReader.h"
 #include "../support/Text.h"
+#include "Diagnosed.h"
 #include "Run.h"
 #include "RunState.h"
 
 namespace lumbarn {
 
 namespace {
-
-/// The number of a grid, from 0. Throws Error NotFound.
-std::size_t numberOf(const Grids& grids, const std::string& name, const std::string& root) {
-  if (isGlobalGrid(name)) return 0;
-  std::vector<std::string> names;
-  std::string list;
-  for (const auto& grid : grids) {
-    if (equalNoCase(grid->zName, trim(name))) return names.size();
-    names.push_back(toUtf8(grid->zName));
-    list += (list.empty() ? "" : ", ") + names.back();
-  }
-  throwNotFound(root, fmt::format("has no grid {}; it has {}", name, list), name, names);
-}
 
 std::string axesText(const Hadrick& grid) {
   if (!grid.dMapAxes) return "";
@@ -150,35 +138,64 @@ class CornerBatches final : public BatchSource {
 };
 
 Grids readGrids(const RunState& run, Session& session) {
-  const RunMember* given = run.family().givenMember();
-  const RunMember* file = run.family().find(FileKind::EGrid);
-  if (!file || (given && given->kind == FileKind::Grid)) {
-    const RunMember* older = run.family().find(FileKind::Grid);
-    if (older) file = older;
-  }
+  const RunMember* file = run.gridFile();
   if (!file) {
     throw Error(Error::Kind::NotFound, {.message = Message::RunFileMissing,
                                         .path = run.root(),
                                         .problem = "has no grid file (EGRID or GRID)"});
   }
-  qvGRIDReader reader(session);
   const bool egrid = file->kind == FileKind::EGrid;
-  if (!(egrid ? reader.CheckEGRIDFile(file->path) : reader.CheckGRIDFile(file->path))) {
+  const auto recognised = recogniseGridFile(file->path, egrid);
+  if (!recognised) {
     throw BadRecord({.message = Message::FileType,
                      .path = file->path,
                      .problem = fmt::format("does not begin with {}", egrid ? "FILEHEAD" : "DIMENS")});
   }
-  bool qOK = false;
-  egrid ? reader.ReadEclipseEGridFile(qOK) : reader.ReadEclipseGridFile(qOK);
+  GridFileContent content;
+  diagnosed(session, [&] { return readGridFile(*recognised, recognised->open(), {}, session, content); });
   if (session.cancelled()) throw LoadCanceled();
-  if (reader.xGrids.empty()) {
+  if (content.grids.empty()) {
     throw BadRecord(
         {.message = Message::GridMissing, .path = file->path, .problem = "no grid can be read from it"});
   }
-  return reader.xGrids;
+  return std::move(content.grids);
 }
 
 }  // namespace
+
+std::size_t numberOfGrid(const Grids& grids, const std::string& name, const std::string& root) {
+  if (isGlobalGrid(name)) return 0;
+  std::vector<std::string> names;
+  std::string list;
+  for (const auto& grid : grids) {
+    if (equalNoCase(grid->zName, trim(name))) return names.size();
+    names.push_back(toUtf8(grid->zName));
+    list += (list.empty() ? "" : ", ") + names.back();
+  }
+  throwNotFound(root, fmt::format("has no grid {}; it has {}", name, list), name, names);
+}
+
+const RunMember* RunState::gridFile() const {
+  const RunMember* given = family_.givenMember();
+  const RunMember* file = family_.find(FileKind::EGrid);
+  const RunMember* older = family_.find(FileKind::Grid);
+  const bool takeOlder = !file || (given && given->kind == FileKind::Grid);
+  return takeOlder && older ? older : file;
+}
+
+std::optional<ActiveCells> RunState::activeInGridFile(StreamContext& context, const std::string& grid,
+                                                      const GridCells& cells) const {
+  const RunMember* file = gridFile();
+  if (!file || file->kind != FileKind::Grid) return std::nullopt;
+  for (const auto& one : *grids(context)) {
+    const bool same = sameGrid(one->isLocal() ? one->zName : std::string(), grid);
+    if (!same || one->nCells() != cells.cells || one->nActive() != cells.active) continue;
+    std::vector<std::int32_t> numbers;
+    for (std::int32_t active = 1; active <= one->nActive(); ++active) numbers.push_back(one->cellOf(active));
+    return ActiveCells(std::move(numbers), cells.cells);
+  }
+  return std::nullopt;
+}
 
 std::shared_ptr<const Grids> RunState::grids(StreamContext& context) const {
   return grids_.get(context, [&](Session& session) { return readGrids(*this, session); });
@@ -188,7 +205,7 @@ Stream Run::grids(const std::string& name, const ReadOptions& options) const {
   try {
     auto context = std::make_shared<StreamContext>(options);
     const auto grids = state_->grids(*context);
-    const std::size_t first = name.empty() ? 0 : numberOf(*grids, name, root());
+    const std::size_t first = name.empty() ? 0 : numberOfGrid(*grids, name, root());
     const std::size_t end = name.empty() ? grids->size() : first + 1;
     const auto& unit = grids->front()->zGridUnit;
     return streamOfRows(gridColumns(toUtf8(unit)), std::move(context),
@@ -205,7 +222,7 @@ Stream Run::corners(const CornerSelection& selection, const ReadOptions& options
   try {
     auto context = std::make_shared<StreamContext>(options);
     const auto grids = state_->grids(*context);
-    const auto& grid = (*grids)[numberOf(*grids, selection.grid, root())];
+    const auto& grid = (*grids)[numberOfGrid(*grids, selection.grid, root())];
     auto schema = std::make_shared<const Schema>(cornerColumns(*grid));
     auto source = std::make_unique<CornerBatches>(schema, context, grid, selection);
     return {std::move(schema), std::move(context), std::move(source)};

@@ -7,9 +7,10 @@
 
 #include "../arrays/ArraySelection.h"
 #include "../arrays/ArrayUnits.h"
-#include "../grid/qvGRIDReader.h"
+#include "../grid/Hadrick.h"
 #include "../init/Connections.h"
 #include "../support/Text.h"
+#include "Diagnosed.h"
 #include "InitContent.h"
 #include "Run.h"
 
@@ -27,13 +28,11 @@ struct NncArray {
   std::int64_t count = 0;
 };
 
-std::vector<NncArray> arraysOf(qvEclipseINIT& init, std::int32_t number) {
+std::vector<NncArray> arraysOf(InitFile& init, std::int32_t number, Session& session) {
   std::vector<NncArray> arrays;
   init.iGrid = number;
   for (std::int32_t kind = 1; kind <= 3; ++kind) {
-    XYData data;
-    bool qOK = false;
-    init.GetNNCData(kind, data, qOK);
+    const auto data = diagnosed(session, [&] { return init.connectionValues(kind); });
     const tNNC& record = init.grid(number).xNNC[static_cast<std::size_t>(kind) - 1];
     for (std::size_t i = 0; i < record.zArrays.size(); ++i) {
       const std::string& name = record.zArrays[i];
@@ -44,8 +43,8 @@ std::vector<NncArray> arraysOf(qvEclipseINIT& init, std::int32_t number) {
                                        .kind = kind,
                                        .values = {},
                                        .count = record.nItems});
-      if (!qOK) continue;
-      const auto column = data.column(i + 1);
+      if (!data) continue;
+      const auto column = data->column(i + 1);
       array.values.assign(column.begin(), column.end());
     }
   }
@@ -93,18 +92,13 @@ std::vector<NncArray> choose(std::vector<NncArray> arrays, const NncSelection& s
 /// i, j, k of both cells of each connection within a grid; none when the run's grid file does not tell them.
 using CellPair = std::array<std::int32_t, 6>;
 std::vector<CellPair> joinedCells(const RunState& run, const GRIDINFO& info, std::size_t count,
-                                  Session& session) {
-  const RunMember* file = run.family().find(FileKind::EGrid);
-  if (!file) file = run.family().find(FileKind::Grid);
-  if (!file) return {};
-  qvGRIDReader reader(session);
-  const bool egrid = file->kind == FileKind::EGrid;
-  if (!(egrid ? reader.CheckEGRIDFile(file->path) : reader.CheckGRIDFile(file->path))) return {};
-  bool qOK = false;
-  egrid ? reader.ReadEclipseEGridFile(qOK) : reader.ReadEclipseGridFile(qOK);
-  const auto grid = std::ranges::find_if(
-      reader.xGrids, [&](const auto& one) { return equalNoCase(one->zName, info.GridName); });
-  if (grid == reader.xGrids.end()) return {};
+                                  StreamContext& context) {
+  if (!run.family().find(FileKind::EGrid) && !run.family().find(FileKind::Grid)) return {};
+  const auto grids = diagnosed(context.session(), [&] { return run.grids(context); });
+  if (!grids) return {};
+  const auto grid =
+      std::ranges::find_if(*grids, [&](const auto& one) { return equalNoCase(one->zName, info.GridName); });
+  if (grid == grids->end()) return {};
   std::vector<CellPair> cells;
   const auto place = [&](std::int32_t cell) {
     return std::array{(cell - 1) % info.Nx + 1, (cell - 1) / info.Nx % info.Ny + 1,
@@ -153,7 +147,7 @@ Stream Run::nncArrays(const std::string& grid, const ReadOptions& options) const
     const std::int32_t only = grid.empty() ? 0 : gridNumber(*init, grid);
     for (std::int32_t number = 1; number <= init->nGrids(); ++number) {
       if (only != 0 && number != only) continue;
-      for (NncArray& array : arraysOf(*init, number)) arrays->push_back(std::move(array));
+      for (NncArray& array : arraysOf(*init, number, context->session())) arrays->push_back(std::move(array));
     }
     return streamOfRows({{.name = "grid", .type = Type::Utf8, .nullable = false},
                          {.name = "kind", .type = Type::Utf8, .nullable = false},
@@ -179,12 +173,13 @@ Stream Run::nnc(const NncSelection& selection, const ReadOptions& options) const
     const auto init = openInit(*state_, *context);
     const std::int32_t number = gridNumber(*init, selection.grid);
     auto table = std::make_shared<NncTable>();
-    table->arrays = choose(arraysOf(*init, number), selection, init->FileName, context->session());
+    table->arrays =
+        choose(arraysOf(*init, number, context->session()), selection, init->FileName, context->session());
     for (const NncArray& array : table->arrays) table->rows = std::max(table->rows, array.values.size());
     // Rows of different kinds have nothing in common but their number.
     const bool within =
         std::ranges::all_of(table->arrays, [](const NncArray& array) { return array.kind == 1; });
-    if (within) table->cells = joinedCells(*state_, init->grid(number), table->rows, context->session());
+    if (within) table->cells = joinedCells(*state_, init->grid(number), table->rows, *context);
     Schema schema{{.name = "connection", .type = Type::Int64, .nullable = false}};
     if (!table->cells.empty()) {
       for (const char* name : {"i1", "j1", "k1", "i2", "j2", "k2"})

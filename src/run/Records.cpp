@@ -103,7 +103,7 @@ std::string recordFile(const std::string& path) {
   const Run run = Run::open(path);
   const RunFamily& family = run.state().family();
   if (const RunMember* member = family.givenMember()) return member->path;
-  auto files = run.files();
+  auto files = run.paths();
   if (files.size() == 1) return std::move(files.front());
   std::string all;
   for (const std::string& file : files) all += (all.empty() ? "" : ", ") + file;

@@ -47,10 +47,15 @@ std::vector<std::string> Run::find(const std::string& path) {
 std::string Run::root() const { return state_->root(); }
 std::string Run::name() const { return state_->family().base; }
 
-std::vector<std::string> Run::files() const {
+std::vector<std::string> Run::paths() const {
   std::vector<std::string> paths;
   for (const RunMember& member : state_->family().members) paths.push_back(member.path);
   return paths;
+}
+
+std::optional<std::string> Run::namedFile() const {
+  const RunMember* given = state_->family().givenMember();
+  return given ? std::optional(given->path) : std::nullopt;
 }
 
 std::optional<std::int32_t> Run::namedStep() const {
@@ -58,6 +63,8 @@ std::optional<std::int32_t> Run::namedStep() const {
   if (!given || given->kind != FileKind::Restart || !given->multiple()) return std::nullopt;
   return given->step;
 }
+
+bool Run::changed() const { return state_->changed(); }
 
 std::vector<StepInfo> Run::steps(const ReadOptions& options) const {
   try {

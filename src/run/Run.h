@@ -47,9 +47,27 @@ class Run {
   /// Base name, "HOLLIN".
   std::string name() const;
   /// The paths of the run's files.
-  std::vector<std::string> files() const;
+  std::vector<std::string> paths() const;
+  /// The file that the run was opened by; nothing for a root name or a folder.
+  std::optional<std::string> namedFile() const;
   /// The step of the step file that the run was opened by, as X0003.
   std::optional<std::int32_t> namedStep() const;
+  /// Whether a file of the run is no longer the one that was opened: smaller, another file under its name,
+  /// modified at the same size, or removed. A file that has only grown, as those of a running simulation do,
+  /// is not changed; nor is one that was renamed back or whose permissions are others.
+  bool changed() const;
+
+  /// The files of the run: `name`, `kind`, `form`, `bytes`, `first_step` and `last_step` of summary and
+  /// restart files, and `in_use`: false where the run has several of a kind and the others are read.
+  Stream files(const ReadOptions& options = {}) const;
+  /// What is known of the run without reading its data: `group`, `property`, `value`, and the `type` of the
+  /// value: text, number, date, size as "16 x 12 x 5", or texts for one of a list, which has a row for each.
+  /// A group "summary.vectors_by_class" is within "summary"; facts without a group are of the run itself.
+  /// Damage to one file does not hide the facts of the others.
+  Stream facts(const ReadOptions& options = {}) const;
+  /// The same of the file that the run was opened by, its kind as its content shows it. Throws Error
+  /// BadRequest when it was opened by another name.
+  Stream fileFacts(const ReadOptions& options = {}) const;
 
   /// The steps of the restart files, in the order of the files.
   std::vector<StepInfo> steps(const ReadOptions& options = {}) const;
@@ -104,11 +122,28 @@ class Run {
   /// active and no file tells it.
   Stream cells(const CellSelection& selection, const ReadOptions& options = {}) const;
 
-  /// Values of one array in all cells of a grid, or of a box, in place. `step`: of the restart files; without
-  /// a value the array of the INIT file. Of several arrays of the name the first. Throws as `cells`.
+  /// Values of one array in all cells of a grid, or of a box, in place; 0 in cells that are not active.
+  /// `step`: of the restart files; without a value the array of the INIT file. Of several arrays of the name
+  /// the first. Throws as `cells`.
   Dense cellArray(const std::string& name, std::optional<std::int32_t> step,
                   const std::optional<CellBox>& box = {}, const std::string& grid = "ROOT",
                   const ReadOptions& options = {}) const;
+
+  /// Geometry of the cells of a grid, or of a box of it, in place and in the units of the file. Cells that
+  /// are not active have a geometry too, where the file states one, and zeros otherwise. Throw Error NotFound
+  /// without a grid file or for another grid, BadRequest for cells outside of the grid.
+  ///
+  /// Corners: Float32, 24 components, as a row of `corners`. `map`: x and y in the axes and units of the map,
+  /// where the file has such.
+  Dense cornerArray(const std::string& grid = "ROOT", bool map = false,
+                    const std::optional<CellBox>& box = {}, const ReadOptions& options = {}) const;
+  /// The mean of the eight corners, which simulators use as depth of a cell: Float64, x, y, z, also in a
+  /// radial grid.
+  Dense centres(const std::string& grid = "ROOT", const std::optional<CellBox>& box = {},
+                const ReadOptions& options = {}) const;
+  /// Bulk volumes, Float64. Negative for a cell that is inverted against most of its grid.
+  Dense volumes(const std::string& grid = "ROOT", const std::optional<CellBox>& box = {},
+                const ReadOptions& options = {}) const;
 
   /// Arrays summarized by region: `step, date, grid, array, region, count, min, max, mean, weighted_mean,
   /// sum, weight_sum, unit`; without step and date for the INIT file. A row for each region in ascending

@@ -8,7 +8,6 @@
 #include "../files/Recogniser.h"
 #include "../frame/Error.h"
 #include "../index/RestartIndexAgreement.h"
-#include "../index/qvEclipseINSPEC.h"
 #include "../support/Closest.h"
 #include "../support/Text.h"
 
@@ -27,6 +26,18 @@ RestartIndex checked(RestartIndex index, StreamContext& context) {
 }
 
 }  // namespace
+
+RunState::RunState(RunFamily family) : family_(std::move(family)), summary_(family_) {
+  for (const RunMember& member : family_.members) stamps_.push_back(stampOf(member.path));
+}
+
+bool RunState::changed() const {
+  for (std::size_t i = 0; i < stamps_.size(); ++i) {
+    const auto now = stampOf(family_.members[i].path);
+    if (stamps_[i] && (!now || changeBetween(*stamps_[i], *now) != FileChange::None)) return true;
+  }
+  return false;
+}
 
 const RunMember& RunState::file(FileKind kind) const {
   if (const RunMember* member = family_.find(kind)) return *member;
@@ -67,7 +78,8 @@ std::shared_ptr<const std::optional<ActiveCells>> RunState::activeCells(StreamCo
     known = &active_[{upper(trim(grid)), cells.cells, cells.active}];
   }
   return known->get(context, [&](Session& session) {
-    return findActiveCells(session, pathOf(FileKind::Init), pathOf(FileKind::EGrid), grid, cells);
+    auto found = findActiveCells(session, pathOf(FileKind::Init), pathOf(FileKind::EGrid), grid, cells);
+    return found ? std::move(found) : activeInGridFile(context, grid, cells);
   });
 }
 

@@ -11,6 +11,7 @@
 #include "../deck/Deck.h"
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
+#include "../support/System.h"
 #include "Lazy.h"
 #include "SummaryState.h"
 
@@ -23,7 +24,7 @@ using Grids = std::vector<std::shared_ptr<Hadrick>>;
 /// members change, and they may be used from several threads.
 class RunState {
  public:
-  explicit RunState(RunFamily family) : family_(std::move(family)), summary_(family_) {}
+  explicit RunState(RunFamily family);
   RunState(const RunState&) = delete;
   RunState& operator=(const RunState&) = delete;
 
@@ -37,11 +38,13 @@ class RunState {
   /// such files, and Damaged when nothing of them can be read.
   std::shared_ptr<const RestartIndex> restartIndex(StreamContext& context) const;
   std::shared_ptr<const RestartIndex> initIndex(StreamContext& context) const;
-  /// The grids of the EGRID or GRID file; of a damaged file those that are complete.
+  /// The EGRID or GRID file that is read; null when the run has neither.
+  const RunMember* gridFile() const;
+  /// The grids of that file; of a damaged file those that are complete.
   std::shared_ptr<const Grids> grids(StreamContext& context) const;
 
-  /// Which cells of a grid with these cells are active, by the INIT and EGRID files; nothing where they do
-  /// not decide it.
+  /// Which cells of a grid with these cells are active, by the INIT and EGRID files, or the GRID file of a
+  /// run that has no EGRID; nothing where they do not decide it.
   std::shared_ptr<const std::optional<ActiveCells>> activeCells(StreamContext& context,
                                                                 const std::string& grid,
                                                                 const GridCells& cells) const;
@@ -51,10 +54,16 @@ class RunState {
 
   const SummaryState& summary() const { return summary_; }
 
+  /// Whether a file differs from the one that was there when the run was opened, other than by growth.
+  bool changed() const;
+
  private:
   std::string pathOf(FileKind kind) const;
+  std::optional<ActiveCells> activeInGridFile(StreamContext& context, const std::string& grid,
+                                              const GridCells& cells) const;
 
   RunFamily family_;
+  std::vector<std::optional<FileStamp>> stamps_;  // of the members, when the run was opened
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
   Lazy<Grids> grids_;
@@ -70,6 +79,9 @@ class RunState {
                                 const std::vector<std::string>& names);
 /// Throws Error BadRequest.
 [[noreturn]] void throwRefused(const std::string& path, const std::string& problem);
+
+/// The number of a grid by its name, from 0; empty and ROOT mean the global one. Throws Error NotFound.
+std::size_t numberOfGrid(const Grids& grids, const std::string& name, const std::string& root);
 
 /// The name by which people know a grid: ROOT is the global one.
 inline std::string shownGrid(const std::string& grid) { return grid.empty() ? "ROOT" : grid; }

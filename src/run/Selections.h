@@ -35,6 +35,7 @@ struct TimeSelection {
   std::optional<LocalMoment> at{};  ///< the last row at or before
   Every every = Every::Row;
 
+  bool isAll() const { return steps.empty() && !last && !from && !to && !at && every == Every::Row; }
   /// From "3:7,9", "3:", ":7", "5" or "last". Throws Error BadRequest for anything else.
   static TimeSelection parse(std::string_view steps);
 };
@@ -64,7 +65,7 @@ struct NncSelection {
 
 /// The form in which a file of records is written, and what of it.
 struct Conversion {
-  bool formatted = false;
+  bool formatted = false;             ///< it is also when the name of the target says so
   bool littleEndian = false;          ///< of a file that is not formatted
   TimeSelection time{};               ///< steps of a restart file
   std::vector<std::string> arrays{};  ///< patterns; arrays of cells that match none are left out

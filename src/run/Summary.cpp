@@ -175,7 +175,7 @@ void refuseEmptyPatterns(const SummarySelection& selection, const std::string& p
   }
 }
 
-std::vector<std::string> similarNames(const std::vector<std::string>& patterns, const qvEclipseSPEC& spec) {
+std::vector<std::string> similarNames(const std::vector<std::string>& patterns, const SummarySpec& spec) {
   std::vector<std::string> names;
   for (SummaryVector& vector : summaryVectors(spec)) names.push_back(std::move(vector.name));
   std::vector<std::string> similar;
@@ -188,7 +188,7 @@ std::vector<std::string> similarNames(const std::vector<std::string>& patterns, 
 }
 
 /// Reports patterns that fit no vector. Throws Error NotFound when none fits.
-void checkPatterns(const VectorChoice& choice, const qvEclipseSPEC& spec, Session& session) {
+void checkPatterns(const VectorChoice& choice, const SummarySpec& spec, Session& session) {
   const auto& missed = choice.unmatched();
   if (missed.empty()) return;
   const auto problem = [](const std::string& pattern) {

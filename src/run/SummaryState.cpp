@@ -30,7 +30,7 @@ std::string SummaryState::specificationPath() const {
   throwMissing(family_.folder + family_.base, "has no summary specification (SMSPEC)");
 }
 
-std::shared_ptr<const qvEclipseSPEC> SummaryState::specification(StreamContext& context) const {
+std::shared_ptr<const SummarySpec> SummaryState::specification(StreamContext& context) const {
   return *specification_.get(context, [&](Session& session) {
     const std::string path = specificationPath();
     auto spec = readSpecification(path, session);

@@ -15,7 +15,7 @@ class SummaryState {
  public:
   explicit SummaryState(const RunFamily& family) : family_(family) {}
 
-  std::shared_ptr<const qvEclipseSPEC> specification(StreamContext& context) const;
+  std::shared_ptr<const SummarySpec> specification(StreamContext& context) const;
   std::shared_ptr<const SummaryRun> run(StreamContext& context, bool sparse) const;
   /// The runs that it restarted from, latest first.
   std::shared_ptr<const std::vector<SummaryRun>> earlierRuns(StreamContext& context, bool sparse) const;
@@ -24,7 +24,7 @@ class SummaryState {
   std::string specificationPath() const;
 
   const RunFamily& family_;
-  Lazy<std::shared_ptr<const qvEclipseSPEC>> specification_;
+  Lazy<std::shared_ptr<const SummarySpec>> specification_;
   Lazy<SummaryRun> run_;
   Lazy<std::vector<SummaryRun>> earlier_;
 };

@@ -11,14 +11,7 @@ namespace lumbarn {
 
 namespace {
 
-std::int32_t unitsOf(const qvEclipseINIT& init) { return init.nGrids() > 0 ? init.grid(1).iUnits : 0; }
-
-std::vector<std::string> tableNames(const qvEclipseINIT& init) {
-  std::vector<std::string> names;
-  std::int32_t count = 0;
-  init.xTAB.getTableNames(names, count);
-  return names;
-}
+std::int32_t unitsOf(const InitFile& init) { return init.nGrids() > 0 ? init.grid(1).iUnits : 0; }
 
 std::string titlesOf(const PhysicalTable& table) {
   std::vector<std::string> titles;
@@ -27,18 +20,18 @@ std::string titlesOf(const PhysicalTable& table) {
   return fmt::format("{}", fmt::join(titles, ", "));
 }
 
-void reportNone(const qvEclipseINIT& init, StreamContext& context) {
-  if (init.xTAB.qTABDIMS()) return;
+void reportNone(const InitFile& init, StreamContext& context) {
+  if (init.tables.qTABDIMS()) return;
   context.session().diagnose({.message = Message::InitTablesNone,
                               .path = init.FileName,
                               .problem = "the INIT file has no simulation tables"});
 }
 
-[[noreturn]] void throwNoTable(const qvEclipseINIT& init, const std::string& name, std::int32_t number) {
-  if (const auto count = init.getNumberTables(name); count > 0)
+[[noreturn]] void throwNoTable(const InitFile& init, const std::string& name, std::int32_t number) {
+  if (const auto count = init.tables.getNumberTables(name); count > 0)
     throwNotFound(init.FileName, fmt::format("has no table {} of {}; it has {}", number, upper(name), count),
                   "", {});
-  const auto names = tableNames(init);
+  const auto names = init.tables.names();
   throwNotFound(init.FileName, fmt::format("has no table \"{}\"; it has {}", name, fmt::join(names, ", ")),
                 name, names);
 }
@@ -70,11 +63,10 @@ Stream Run::tables(const ReadOptions& options) const {
     const auto init = openInit(*state_, *context, true);
     reportNone(*init, *context);
     auto tables = std::make_shared<std::vector<PhysicalTable>>();
-    for (const std::string& name : tableNames(*init)) {
-      for (std::int32_t i = 1; i <= init->getNumberTables(name); ++i) {
-        bool qOK = false;
-        tables->push_back(init->xTAB.physicalTable(name, i, unitsOf(*init), qOK));
-      }
+    for (const tTableInfo& table : init->tables.tables()) {
+      for (std::int32_t i = 1; i <= table.count(); ++i)
+        tables->push_back(
+            init->tables.physicalTable(table.zTable, i, unitsOf(*init)).value_or(PhysicalTable()));
     }
     return streamOfRows({{.name = "table", .type = Type::Utf8, .nullable = false},
                          {.name = "number", .type = Type::Int32, .nullable = false},
@@ -101,10 +93,9 @@ Stream Run::table(const std::string& name, std::int32_t number, const ReadOption
     auto context = std::make_shared<StreamContext>(options);
     const auto init = openInit(*state_, *context, true);
     reportNone(*init, *context);
-    bool qOK = false;
-    const auto table = init->xTAB.physicalTable(name, number, unitsOf(*init), qOK);
-    if (!qOK) throwNoTable(*init, name, number);
-    Batch rows = batchOf(table, context->session().NullValue, options.limits);
+    const auto table = init->tables.physicalTable(name, number, unitsOf(*init));
+    if (!table) throwNoTable(*init, name, number);
+    Batch rows = batchOf(*table, context->session().NullValue, options.limits);
     return streamOf(std::move(rows), std::move(context));
   } catch (...) {
     throw errorInFlight();

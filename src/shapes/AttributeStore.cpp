@@ -81,98 +81,52 @@ std::int32_t AttributeStore::find(std::string_view item) const {
 
 std::int32_t AttributeStore::useCount(std::int32_t number) const { return has(number) ? at(number).uses : 0; }
 
-void AttributeStore::StoreInit(std::int32_t, std::int32_t nWidth, std::int32_t, bool& qOK) {
-  qOK = false;
-  if (nWidth < 1) return;
-  *this = {};
-  width_ = nWidth;
-  qOK = true;
-}
-
-void AttributeStore::StoreAddBlock(std::span<const char> bItems, std::int32_t nItems, std::int32_t nWidth,
-                                   std::vector<std::int32_t>& iPointers, bool& qOK) {
-  qOK = false;
-  iPointers.clear();
-  if (nItems < 0 || nWidth < 0) return;
-  const auto items = static_cast<std::size_t>(nItems);
-  const auto width = static_cast<std::size_t>(nWidth);
-  if (items * width > bItems.size()) return;
-  iPointers.resize(items);
+std::vector<std::int32_t> AttributeStore::addBlock(std::span<const char> texts, std::size_t items,
+                                                   std::size_t width) {
+  std::vector<std::int32_t> numbers(items);
   std::string_view last;
   for (std::size_t i = 0; i < items; ++i) {
-    const std::string_view item(bItems.data() + i * width, width);
+    const std::string_view item(texts.data() + i * width, width);
     if (i > 0 && item == last) {  // vectors come in runs of one mnemonic, one unit
-      iPointers[i] = iPointers[i - 1];
-      ++at(iPointers[i]).uses;
+      numbers[i] = numbers[i - 1];
+      ++at(numbers[i]).uses;
     } else {
-      iPointers[i] = add(item);
+      numbers[i] = add(item);
     }
     last = item;
   }
-  qOK = true;
+  return numbers;
 }
 
-void AttributeStore::StoreAddItem(std::string_view bItem, std::int32_t nLength, std::int32_t& iPointer,
-                                  bool qAddNew, std::string_view zSplit, bool& qOK) {
-  qOK = false;
-  iPointer = -1;
-  if (nLength < 0) return;
-  auto text = bItem.substr(0, static_cast<std::size_t>(nLength));
-  if (!zSplit.empty()) text = text.substr(0, text.find(zSplit));
-  iPointer = qAddNew ? add(text) : find(text);
-  qOK = iPointer > 0;
-}
-
-void AttributeStore::StoreGetItem(std::int32_t iPointer, std::string& bItem, std::int32_t& nLength,
-                                  bool& qOK) const {
-  qOK = false;
-  bItem = item(iPointer);
-  nLength = static_cast<std::int32_t>(bItem.size());
-  qOK = has(iPointer);
-}
-
-void AttributeStore::StoreFind(std::string_view zItem, std::int32_t& iPointer, bool& qOK) const {
-  iPointer = find(zItem);
-  qOK = iPointer > 0;
-}
-
-void AttributeStore::StoreFinish(bool& qOK) {
-  qOK = false;
+void AttributeStore::shrink() {
   // The items are left alone: a deque keeps little to spare, and shrinking would move its texts.
   if (!items_.empty()) resizeSlots(std::max(firstSlots, std::bit_ceil(items_.size() * 2)));
-  qOK = true;
 }
 
-void AttributeStore::StoreGetAll(ByteTable& bItems, std::int32_t& nItems, std::int32_t& nWidth,
-                                 bool& qOK) const {
-  qOK = false;
-  std::size_t longest = 1;
-  for (const auto& item : items_) longest = std::max(longest, item.text.size());
-  bItems = ByteTable(longest, items_.size());
-  for (std::size_t i = 0; i < items_.size(); ++i) bItems.put(i + 1, 1, longest, items_[i].text);
-  nItems = count();
-  nWidth = static_cast<std::int32_t>(longest);
-  qOK = true;
-}
-
-void AttributeStore::StoreReplace(std::string_view zNew, std::string_view zOld, bool& qOK) {
-  qOK = false;
-  const auto number = find(zOld);
-  if (number < 0) return;
-  at(number).text = fitted(zNew);
+bool AttributeStore::replace(std::string_view oldText, std::string_view newText) {
+  const auto number = find(oldText);
+  if (number < 0) return false;
+  at(number).text = fitted(newText);
   // Open addressing cannot take an entry out, and another item may have had the old text as well.
   rebuildSlots();
-  qOK = true;
+  return true;
 }
 
-void AttributeStore::StoreAdjustCount(std::int32_t nDelta, std::string_view zItem, bool& qOK) {
-  qOK = false;
-  const auto number = find(zItem);
-  if (number < 0) return;
+bool AttributeStore::adjustCount(std::string_view item, std::int32_t delta) {
+  const auto number = find(item);
+  if (number < 0) return false;
   using Limits = std::numeric_limits<std::int32_t>;
-  const auto uses = std::int64_t{at(number).uses} + nDelta;
+  const auto uses = std::int64_t{at(number).uses} + delta;
   at(number).uses = static_cast<std::int32_t>(std::clamp<std::int64_t>(uses, Limits::min(), Limits::max()));
-  qOK = true;
+  return true;
+}
+
+ByteTable AttributeStore::all() const {
+  std::size_t longest = 1;
+  for (const auto& item : items_) longest = std::max(longest, item.text.size());
+  ByteTable table(longest, items_.size());
+  for (std::size_t i = 0; i < items_.size(); ++i) table.put(i + 1, 1, longest, items_[i].text);
+  return table;
 }
 
 AttributeSizes defaultAttributeSizes(std::int32_t iAttribute) {
@@ -200,17 +154,6 @@ AttributeSizes defaultAttributeSizes(std::int32_t iAttribute) {
   }
 }
 
-void getDefaultSttributeSizes(std::int32_t iAttribute, std::int32_t& nBytes, std::int32_t& nGrowth,
-                              std::int32_t& nItems, std::int32_t& nWidth, std::int32_t& nStep, bool& qOK) {
-  const auto sizes = defaultAttributeSizes(iAttribute);
-  nItems = sizes.nItems;
-  nWidth = sizes.nWidth;
-  nGrowth = sizes.nGrow;
-  nStep = sizes.nGrow;
-  nBytes = sizes.nItems < 0 ? -1 : sizes.nItems * sizes.nWidth;
-  qOK = true;
-}
-
 bool AttributeStores::has(std::int32_t iAttribute) const {
   if (iAttribute < 1 || static_cast<std::size_t>(iAttribute) > stores_.size()) return false;
   return stores_[static_cast<std::size_t>(iAttribute) - 1].has_value();
@@ -226,16 +169,11 @@ AttributeStore& AttributeStores::operator()(std::int32_t iAttribute) {
   return *stores_[static_cast<std::size_t>(iAttribute) - 1];
 }
 
-void InitByteStorage(bool qKeep, AttributeStores& xStore, bool& qOK) {
-  qOK = false;
-  if (!qKeep) xStore.stores_ = {};
+void AttributeStores::reset() {
   for (std::int32_t iAttribute = 1; iAttribute <= 14; ++iAttribute) {
     const auto sizes = defaultAttributeSizes(iAttribute);
-    if (sizes.nItems < 0) continue;
-    auto& store = xStore.stores_[static_cast<std::size_t>(iAttribute) - 1].emplace();
-    store.StoreInit(sizes.nItems, sizes.nWidth, sizes.nGrow, qOK);
+    if (sizes.nItems >= 0) stores_[static_cast<std::size_t>(iAttribute) - 1].emplace(sizes.nWidth);
   }
-  qOK = true;
 }
 
 }  // namespace lumbarn

@@ -19,36 +19,10 @@ namespace lumbarn {
 /// an item is the number of times it was added. Only memory running out makes an operation throw.
 class AttributeStore {
  public:
-  /// Prepares an empty store whose items hold up to nWidth bytes; `nItems` and `nGrow` are hints that it does
-  /// not need. qOK False, with the store as it was, for a width below 1.
-  void StoreInit(std::int32_t nItems, std::int32_t nWidth, std::int32_t nGrow, bool& qOK);
-  /// Adds nItems items of nWidth bytes each; gives the number of each in iPointers, sized here. qOK False,
-  /// with nothing added and iPointers empty, when bItems holds fewer or a size is negative.
-  void StoreAddBlock(std::span<const char> bItems, std::int32_t nItems, std::int32_t nWidth,
-                     std::vector<std::int32_t>& iPointers, bool& qOK);
-  /// Adds the first nLength bytes of bItem (all, when it has fewer) as one item. With qAddNew False an item
-  /// that is there is found without counting a use, and for one that is not iPointer is -1 and qOK False, as
-  /// for a negative nLength. With zSplit not empty the item ends before the first occurrence of zSplit.
-  void StoreAddItem(std::string_view bItem, std::int32_t nLength, std::int32_t& iPointer, bool qAddNew,
-                    std::string_view zSplit, bool& qOK);
-  /// The item with a number, and its length; qOK False, with bItem empty, for a number that is none.
-  void StoreGetItem(std::int32_t iPointer, std::string& bItem, std::int32_t& nLength, bool& qOK) const;
-  /// Number of an item; -1 and qOK False when it is not there.
-  void StoreFind(std::string_view zItem, std::int32_t& iPointer, bool& qOK) const;
-  /// Gives back the memory kept for growth. Every item keeps its number, those with a use count of 0 too, as
-  /// vectors point to them; more can be added after.
-  void StoreFinish(bool& qOK);
-  void StoreCount(std::int32_t& nItems) const { nItems = count(); }
-  /// All items, blank padded, nWidth being the width of the longest (at least 1).
-  void StoreGetAll(ByteTable& bItems, std::int32_t& nItems, std::int32_t& nWidth, bool& qOK) const;
-  /// Changes the text of one item; its number stays. qOK False when zOld is not there. When zNew is there
-  /// already, both numbers then stand for that text, and StoreFind gives the lower. Takes time that grows
-  /// with the number of items.
-  void StoreReplace(std::string_view zNew, std::string_view zOld, bool& qOK);
-  /// Adds nDelta to an item's use count, within 32 bits. qOK False when it is not there.
-  void StoreAdjustCount(std::int32_t nDelta, std::string_view zItem, bool& qOK);
+  AttributeStore() = default;
+  /// For items of up to that many bytes.
+  explicit AttributeStore(std::int32_t width) : width_(width) {}
 
-  /// The same without the host's calling form, for use inside.
   std::int32_t add(std::string_view item);         ///< number of the item, added when new
   std::int32_t find(std::string_view item) const;  ///< -1 when it is not there
   /// Text of a number, empty for a number that is none. Holds until that item is replaced or the store goes.
@@ -60,6 +34,39 @@ class AttributeStore {
   std::int32_t width() const { return width_; }
   /// Items added from now on are cut at this width, if it is more than before.
   void widen(std::int32_t nWidth) { width_ = width_ < nWidth ? nWidth : width_; }
+  /// Adds items of `width` bytes each, one after the other in `texts`; gives the number of each.
+  std::vector<std::int32_t> addBlock(std::span<const char> texts, std::size_t items, std::size_t width);
+  /// Gives back the memory kept for growth. Every item keeps its number, those with a use count of 0 too, as
+  /// vectors point to them; more can be added after.
+  void shrink();
+  /// Changes the text of one item; its number stays. False when it is not there. When the new text is there
+  /// already, both numbers then stand for that text, and `find` gives the lower. Takes time that grows with
+  /// the number of items.
+  bool replace(std::string_view oldText, std::string_view newText);
+  /// Adds to an item's use count, within 32 bits. False when it is not there.
+  bool adjustCount(std::string_view item, std::int32_t delta);
+  /// All items, blank padded to the width of the longest (at least 1).
+  ByteTable all() const;
+
+  /// The calling forms of hosts. `nItems` and `nGrow` are hints that it does not need. qOK False, with the
+  /// store as it was, for a width below 1.
+  void StoreInit(std::int32_t nItems, std::int32_t nWidth, std::int32_t nGrow, bool& qOK);
+  /// qOK False, with nothing added and iPointers empty, when bItems holds fewer or a size is negative.
+  void StoreAddBlock(std::span<const char> bItems, std::int32_t nItems, std::int32_t nWidth,
+                     std::vector<std::int32_t>& iPointers, bool& qOK);
+  /// Adds the first nLength bytes of bItem (all, when it has fewer) as one item. With qAddNew False an item
+  /// that is there is found without counting a use, and for one that is not iPointer is -1 and qOK False, as
+  /// for a negative nLength. With zSplit not empty the item ends before the first occurrence of zSplit.
+  void StoreAddItem(std::string_view bItem, std::int32_t nLength, std::int32_t& iPointer, bool qAddNew,
+                    std::string_view zSplit, bool& qOK);
+  /// The item with a number, and its length; qOK False, with bItem empty, for a number that is none.
+  void StoreGetItem(std::int32_t iPointer, std::string& bItem, std::int32_t& nLength, bool& qOK) const;
+  void StoreFind(std::string_view zItem, std::int32_t& iPointer, bool& qOK) const;
+  void StoreFinish(bool& qOK);
+  void StoreCount(std::int32_t& nItems) const { nItems = count(); }
+  void StoreGetAll(ByteTable& bItems, std::int32_t& nItems, std::int32_t& nWidth, bool& qOK) const;
+  void StoreReplace(std::string_view zNew, std::string_view zOld, bool& qOK);
+  void StoreAdjustCount(std::int32_t nDelta, std::string_view zItem, bool& qOK);
 
  private:
   struct Item {
@@ -105,14 +112,14 @@ class AttributeStores {
   AttributeStore& operator()(std::int32_t iAttribute);
   const AttributeStore& operator()(std::int32_t iAttribute) const;
   bool has(std::int32_t iAttribute) const;
+  /// Makes the stores new, empty, with their default sizes.
+  void reset();
 
  private:
-  friend void InitByteStorage(bool qKeep, AttributeStores& xStore, bool& qOK);
   std::array<std::optional<AttributeStore>, 14> stores_;
 };
 
-/// Makes the stores new, empty, with their default sizes; with qKeep False all 14 are released first (the
-/// outcome is the same, but the memory is given back before new is taken).
+/// Calling form of `reset`. qKeep has no effect: each store is released before it is made new.
 void InitByteStorage(bool qKeep, AttributeStores& xStore, bool& qOK);
 
 }  // namespace lumbarn

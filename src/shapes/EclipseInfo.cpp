@@ -138,25 +138,10 @@ std::size_t slot(std::int32_t iClass) {
   return static_cast<std::size_t>(iClass) - 1;
 }
 
-void InitEclipseINFO(ECLIPSEINFO& xInfo, bool& qOK) {
-  qOK = false;
-  xInfo = {};
-  qOK = true;
-}
-
-void InitECLIPSECLASS(ECLIPSECLASS& xClass, bool& qOK) {
-  qOK = false;
-  xClass = {};
-  qOK = true;
-}
-
-void setByteECLIPSEINFO(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                        ECLIPSEINFO& xInfo, bool& qOK) {
-  qOK = false;
+void fillClasses(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors, ECLIPSEINFO& xInfo) {
   xInfo.nVectors = static_cast<std::int32_t>(xVectors.size());
   if (!xStore.has(attributeClass) || xStore(attributeClass).count() == 0) {
     xInfo.qValid = false;
-    qOK = true;
     return;
   }
   const VectorSlots slots(xStore(attributeClass));
@@ -184,16 +169,10 @@ void setByteECLIPSEINFO(const AttributeStores& xStore, std::span<const VECTORDAT
   xInfo.nClasses = xStore(attributeClass).count();
   xInfo.qAllClasses = true;
   xInfo.qValid = true;
-  qOK = true;
 }
 
-void setByteECLIPSECLASS(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                         ECLIPSEINFO& xInfo, bool& qOK) {
-  qOK = false;
-  if (!xInfo.qValid) {
-    qOK = true;
-    return;
-  }
+void fillMembers(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors, ECLIPSEINFO& xInfo) {
+  if (!xInfo.qValid) return;
   const VectorSlots slots(xStore(attributeClass));
   MemberCells cells(slots, xVectors);
   for (const auto& xVector : xVectors) {
@@ -208,11 +187,9 @@ void setByteECLIPSECLASS(const AttributeStores& xStore, std::span<const VECTORDA
     auto& xClass = xInfo.xClass[slot(slots.of(xVectors[i]))];
     xClass.xMember[static_cast<std::size_t>(*place)].iVectors.push_back(static_cast<std::int32_t>(i) + 1);
   }
-  qOK = true;
 }
 
-void setPlotClassList(const ECLIPSEINFO& xSource, ECLIPSEINFO& xTarget, bool& qOK, bool qCopyMembers) {
-  qOK = false;
+void carrySelection(const ECLIPSEINFO& xSource, ECLIPSEINFO& xTarget, bool qCopyMembers) {
   const bool copyMembers = qCopyMembers && !xSource.qAllMembers;
   if (copyMembers) xTarget.qAllMembers = false;  // else nothing would look at the members carried over
   xTarget.qClassChosen.fill(false);
@@ -223,7 +200,6 @@ void setPlotClassList(const ECLIPSEINFO& xSource, ECLIPSEINFO& xTarget, bool& qO
     xTarget.qClassChosen[found] = !copyMembers || copyChosenMembers(xSource.xClass[i], xTarget.xClass[found]);
   }
   noteAllClasses(xTarget);
-  qOK = true;
 }
 
 std::vector<bool> vectorMask(ECLIPSEINFO& xInfo) {
@@ -254,6 +230,38 @@ void noteAllClasses(ECLIPSEINFO& xInfo) {
   for (std::size_t i = 0; i < xInfo.xClass.size(); ++i) {
     if (xInfo.qClassPresent[i] && !xInfo.qClassChosen[i]) xInfo.qAllClasses = false;
   }
+}
+
+void InitEclipseINFO(ECLIPSEINFO& xInfo, bool& qOK) {
+  qOK = false;
+  xInfo = {};
+  qOK = true;
+}
+
+void InitECLIPSECLASS(ECLIPSECLASS& xClass, bool& qOK) {
+  qOK = false;
+  xClass = {};
+  qOK = true;
+}
+
+void setByteECLIPSEINFO(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                        ECLIPSEINFO& xInfo, bool& qOK) {
+  qOK = false;
+  fillClasses(xStore, xVectors, xInfo);
+  qOK = true;
+}
+
+void setByteECLIPSECLASS(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                         ECLIPSEINFO& xInfo, bool& qOK) {
+  qOK = false;
+  fillMembers(xStore, xVectors, xInfo);
+  qOK = true;
+}
+
+void setPlotClassList(const ECLIPSEINFO& xSource, ECLIPSEINFO& xTarget, bool& qOK, bool qCopyMembers) {
+  qOK = false;
+  carrySelection(xSource, xTarget, qCopyMembers);
+  qOK = true;
 }
 
 }  // namespace lumbarn

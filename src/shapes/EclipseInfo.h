@@ -70,23 +70,28 @@ std::string_view classWord(std::int32_t iClass);
 /// `getClassIndex` gives for a word that is none.
 std::size_t slot(std::int32_t iClass);
 
-/// Resets to nothing present, with the 12 class words in place: the state of a new record.
-void InitEclipseINFO(ECLIPSEINFO& xInfo, bool& qOK);
-void InitECLIPSECLASS(ECLIPSECLASS& xClass, bool& qOK);
 /// Fills the classes from vectors; all present classes chosen, what the record held of other vectors goes.
 /// Vectors whose class is not in the table are in no class list. Without class strings only nVectors is set
-/// and qValid False, which is no failure.
-void setByteECLIPSEINFO(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                        ECLIPSEINFO& xInfo, bool& qOK);
+/// and qValid False.
+void fillClasses(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors, ECLIPSEINFO& xInfo);
 /// Fills the members of each class, in the order of the member store; all chosen. Does nothing unless qValid.
 /// Throws Fault 9 when vectors have members and there is no member store.
-void setByteECLIPSECLASS(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                         ECLIPSEINFO& xInfo, bool& qOK);
+void fillMembers(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors, ECLIPSEINFO& xInfo);
 /// Carries the selection of xSource over to another file's classes; with qCopyMembers, and unless all members
 /// of xSource are taken, that of members too, and qAllMembers of xTarget is then False. A class that is left
 /// with no member chosen, so also one that has none, is then not chosen. Classes passed in the search for a
 /// class word lose their member count.
+void carrySelection(const ECLIPSEINFO& xSource, ECLIPSEINFO& xTarget, bool qCopyMembers);
+
+/// Calling forms: the first two make a record or a class new, the others are the three above.
+void InitEclipseINFO(ECLIPSEINFO& xInfo, bool& qOK);
+void InitECLIPSECLASS(ECLIPSECLASS& xClass, bool& qOK);
+void setByteECLIPSEINFO(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                        ECLIPSEINFO& xInfo, bool& qOK);
+void setByteECLIPSECLASS(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                         ECLIPSEINFO& xInfo, bool& qOK);
 void setPlotClassList(const ECLIPSEINFO& xSource, ECLIPSEINFO& xTarget, bool& qOK, bool qCopyMembers);
+
 /// The vectors that the selection keeps, nVectors of them; one True when xInfo is not valid. Marks
 /// "MISCELLANEOUS", where present, as chosen; no list can leave out any of its vectors. Throws Fault 9 for a
 /// record that lists vectors beyond nVectors.

@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 
 #include "../support/Guarded.h"
 #include "../support/Pattern.h"
@@ -14,6 +15,7 @@ namespace lumbarn {
 
 namespace {
 
+constexpr const char* className = "qvOnlyList";
 constexpr std::int32_t restartType = 11;
 constexpr std::int32_t summaryType = 13;
 constexpr std::int32_t initType = 15;
@@ -175,14 +177,22 @@ bool isEmptyOnlyList(const ByteTable& bOnly) {
   return bOnly.width() < onlyNameWidth || bOnly.entries() == 0 || bOnly.get(1, 1, onlyNameWidth).empty();
 }
 
-void CreateOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOnly, bool& qOK) {
-  qOK = false;
+ChosenList makeOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo) {
   const auto only = listEntries(iType, xInfo, true);
   const auto except = listEntries(iType, xInfo, false);
-  qOnly = only.size() <= except.size();
+  const bool qOnly = only.size() <= except.size();
   const auto& shorter = qOnly ? only : except;
-  bOnly = ByteTable(onlyWidth, std::max<std::size_t>(shorter.size(), 1));
-  qOK = writeEntries(shorter, bOnly);
+  ChosenList list{ByteTable(onlyWidth, std::max<std::size_t>(shorter.size(), 1)), qOnly};
+  writeEntries(shorter, list.bOnly);
+  return list;
+}
+
+void CreateOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOnly, bool& qOK) {
+  qOK = false;
+  auto list = makeOnlyList(iType, xInfo);
+  bOnly = std::move(list.bOnly);
+  qOnly = list.qOnly;
+  qOK = true;
 }
 
 std::int32_t ActualInOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo) {
@@ -203,30 +213,37 @@ void ExceptList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& 
   qOK = writeEntries(listEntries(iType, xInfo, false), bOnly);
 }
 
-void setECLIPSEINFOFromOnly(Session& session, const AttributeStores& xStore,
-                            std::span<const VECTORDATA> xVectors, const ByteTable& bOnly, bool qOnly,
-                            ECLIPSEINFO& xInfo, bool& qOK) {
-  guarded(session, qOK, "qvOnlyList", "setECLIPSEINFOFromOnly", [&] {
-    bool done = false;
-    InitEclipseINFO(xInfo, done);
-    setByteECLIPSEINFO(xStore, xVectors, xInfo, done);
-    ExpandOnlyList(session, xStore, xVectors, bOnly, qOnly, xInfo, done);
-    return done;
-  });
+bool selectByOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                      const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo) {
+  xInfo = {};
+  fillClasses(xStore, xVectors, xInfo);
+  return applyOnlyList(xStore, xVectors, bOnly, qOnly, xInfo);
 }
 
-void ExpandOnlyList(Session& session, const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                    const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo, bool& qOK) {
-  guarded(session, qOK, "qvOnlyList", "ExpandOnlyList", [&] {
+bool applyOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                   const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo) {
+  return inRoutine(className, "ExpandOnlyList", [&] {
     if (isEmptyOnlyList(bOnly)) return true;
     if (bOnly.width() < onlyWidth) return false;
-    bool done = false;
-    if (checkMembersInOnly(bOnly)) setByteECLIPSECLASS(xStore, xVectors, xInfo, done);
+    if (checkMembersInOnly(bOnly)) fillMembers(xStore, xVectors, xInfo);
     ListApplier applier(xInfo, qOnly);
     for (std::size_t iEntry = 1; iEntry <= bOnly.entries(); ++iEntry) applier.apply(entryAt(bOnly, iEntry));
     noteAllClasses(xInfo);
     return true;
   });
+}
+
+void setECLIPSEINFOFromOnly(Session& session, const AttributeStores& xStore,
+                            std::span<const VECTORDATA> xVectors, const ByteTable& bOnly, bool qOnly,
+                            ECLIPSEINFO& xInfo, bool& qOK) {
+  guarded(session, qOK, className, "setECLIPSEINFOFromOnly",
+          [&] { return selectByOnlyList(xStore, xVectors, bOnly, qOnly, xInfo); });
+}
+
+void ExpandOnlyList(Session& session, const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                    const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo, bool& qOK) {
+  guarded(session, qOK, className, "ExpandOnlyList",
+          [&] { return applyOnlyList(xStore, xVectors, bOnly, qOnly, xInfo); });
 }
 
 bool checkMembersInOnly(const ByteTable& bOnly) {

@@ -41,6 +41,12 @@ bool isEmptyOnlyList(const ByteTable& bOnly);
 /// selection of all gives the negative sense with nothing in it, one of nothing the positive sense with
 /// nothing in it, which counts as no list; both are one row of blanks. Members with a blank name cannot be
 /// named by a list. Derived saturations of restarts are brought in step first.
+struct ChosenList {
+  ByteTable bOnly;
+  bool qOnly = true;
+};
+ChosenList makeOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo);
+/// Calling form of the same.
 void CreateOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOnly, bool& qOK);
 /// Number of entries that the positive or the negative list needs.
 std::int32_t ActualInOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo);
@@ -50,16 +56,22 @@ std::int32_t ActualInExceptList(std::int32_t iType, ECLIPSEINFO& xInfo);
 void OnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOK);
 void ExceptList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOK);
 
-/// The selection of a list for a file's vectors: `InitEclipseINFO`, `setByteECLIPSEINFO`, `ExpandOnlyList`.
-void setECLIPSEINFOFromOnly(Session& session, const AttributeStores& xStore,
-                            std::span<const VECTORDATA> xVectors, const ByteTable& bOnly, bool qOnly,
-                            ECLIPSEINFO& xInfo, bool& qOK);
+/// The selection of a list for a file's vectors: a new record, filled with their classes, then
+/// `applyOnlyList`.
+bool selectByOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                      const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo);
 /// Applies a summary list to a filled record; an empty list leaves it as it is. A member text stands for each
 /// member of that name and, as a pattern of `matchesPattern`, for each that it matches, without regard to
 /// case; "ALL" and "*" for the whole class. As entries hold 40 characters of a member, longer names are
-/// compared by these. Entries without a class word or without a member text are ignored. A class word that is
-/// none of the 12 ends in a report of Fault 9; the entries before it are applied. qOK False, with nothing
-/// changed, when entries have 16 to 55 bytes.
+/// compared by these. Entries without a class word or without a member text are ignored. Throws Fault 9 for a
+/// class word that is none of the 12; the entries before it are applied. False, with nothing changed, when
+/// entries have 16 to 55 bytes.
+bool applyOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                   const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo);
+/// Calling forms of the same.
+void setECLIPSEINFOFromOnly(Session& session, const AttributeStores& xStore,
+                            std::span<const VECTORDATA> xVectors, const ByteTable& bOnly, bool qOnly,
+                            ECLIPSEINFO& xInfo, bool& qOK);
 void ExpandOnlyList(Session& session, const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
                     const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo, bool& qOK);
 /// True when some entry names a member other than "ALL"; False for entries of fewer than 56 bytes.

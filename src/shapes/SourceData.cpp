@@ -30,9 +30,8 @@ const Variant& VariantTable::operator()(std::size_t iSlot) const {
   return slots_[iSlot - 1];
 }
 
-void InitSourceData(SourceData& vSourceData, bool& qOK) {
-  qOK = false;
-  vSourceData = SourceData(66);
+SourceData defaultSourceData() {
+  SourceData vSourceData(66);
   fill(vSourceData, {1, 2, 3, 4, 5, 6, 14, 15, 18, 20, 21, 24, 28, 29, 30, 52, 53}, text(""));
   fill(vSourceData, {19}, text("Data"));
   fill(vSourceData, {7, 8, 9, 10, 16, 25, 26, 44, 45, 46, 47, 48, 49, 50, 51}, i16(0));
@@ -42,15 +41,26 @@ void InitSourceData(SourceData& vSourceData, bool& qOK) {
   fill(vSourceData, {34, 40}, i32(-999));  // readers put a double there, the default is none
   fill(vSourceData, {35}, i32(1));
   fill(vSourceData, {23}, i32(3));
+  return vSourceData;
+}
+
+VariantTable defaultVTableData() {
+  VariantTable vTableData(11);
+  fill(vTableData, {2, 3, 5, 6}, text(""));
+  fill(vTableData, {4, 7, 8}, i16(0));
+  fill(vTableData, {11}, i32(0));
+  return vTableData;
+}
+
+void InitSourceData(SourceData& vSourceData, bool& qOK) {
+  qOK = false;
+  vSourceData = defaultSourceData();
   qOK = true;
 }
 
 void InitVTableData(VariantTable& vTableData, bool& qOK) {
   qOK = false;
-  vTableData = VariantTable(11);
-  fill(vTableData, {2, 3, 5, 6}, text(""));
-  fill(vTableData, {4, 7, 8}, i16(0));
-  fill(vTableData, {11}, i32(0));
+  vTableData = defaultVTableData();
   qOK = true;
 }
 

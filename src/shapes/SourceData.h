@@ -26,8 +26,11 @@ class VariantTable {
 using SourceData = VariantTable;
 
 /// 66 slots with the default of each.
-void InitSourceData(SourceData& vSourceData, bool& qOK);
+SourceData defaultSourceData();
 /// 11 slots for VFP data.
+VariantTable defaultVTableData();
+/// Calling forms of the same.
+void InitSourceData(SourceData& vSourceData, bool& qOK);
 void InitVTableData(VariantTable& vTableData, bool& qOK);
 
 }  // namespace lumbarn

@@ -88,33 +88,44 @@ void setPointers(std::span<VECTORDATA> xVectors, std::int32_t iAttribute,
   for (std::size_t i = 0; i < iPointers.size(); ++i) xVectors[i].*field = iPointers[i];
 }
 
-void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK) {
-  qOK = false;
-  ByteTable packedVectors(vectorDataBytes, xVectors.size());
+std::optional<ByteTable> packVectors(std::span<const VECTORDATA> xVectors) {
+  ByteTable pointers(vectorDataBytes, xVectors.size());
   for (std::size_t i = 0; i < xVectors.size(); ++i) {
     PackedVector packed{{}, xVectors[i].iIndex};
     for (std::size_t k = 0; k < shortFields.size(); ++k) {
       const std::int32_t number = xVectors[i].*shortFields[k];
-      if (!std::in_range<std::int16_t>(number)) return;
+      if (!std::in_range<std::int16_t>(number)) return std::nullopt;
       packed.words[k] = static_cast<std::int16_t>(number);
     }
-    std::memcpy(packedVectors.entry(i + 1).data(), &packed, sizeof packed);
+    std::memcpy(pointers.entry(i + 1).data(), &packed, sizeof packed);
   }
-  bPointers = std::move(packedVectors);
-  qOK = true;
+  return pointers;
+}
+
+std::optional<std::vector<VECTORDATA>> unpackVectors(const ByteTable& bPointers) {
+  if (bPointers.width() != vectorDataBytes) return std::nullopt;
+  std::vector<VECTORDATA> vectors(bPointers.entries());
+  for (std::size_t i = 0; i < vectors.size(); ++i) {
+    PackedVector packed;
+    std::memcpy(&packed, bPointers.entry(i + 1).data(), sizeof packed);
+    for (std::size_t k = 0; k < shortFields.size(); ++k) vectors[i].*shortFields[k] = packed.words[k];
+    vectors[i].iIndex = packed.iIndex;
+  }
+  return vectors;
+}
+
+void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK) {
+  qOK = false;
+  auto packed = packVectors(xVectors);
+  if (packed) bPointers = std::move(*packed);
+  qOK = packed.has_value();
 }
 
 void setVECTORDATA(const ByteTable& bPointers, std::vector<VECTORDATA>& xVectors, bool& qOK) {
   qOK = false;
-  if (bPointers.width() != vectorDataBytes) return;
-  xVectors.resize(bPointers.entries());
-  for (std::size_t i = 0; i < xVectors.size(); ++i) {
-    PackedVector packed;
-    std::memcpy(&packed, bPointers.entry(i + 1).data(), sizeof packed);
-    for (std::size_t k = 0; k < shortFields.size(); ++k) xVectors[i].*shortFields[k] = packed.words[k];
-    xVectors[i].iIndex = packed.iIndex;
-  }
-  qOK = true;
+  auto vectors = unpackVectors(bPointers);
+  if (vectors) xVectors = std::move(*vectors);
+  qOK = vectors.has_value();
 }
 
 }  // namespace lumbarn

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -31,6 +32,7 @@ struct VECTORDATA {
 
 constexpr std::size_t vectorDataBytes = 24;  ///< of one header as hosts take it
 
+/// Calling forms of making new ones.
 void InitVECTORDATA(VECTORDATA& xVector, bool& qOK);
 void InitVECTORDATAArray(std::vector<VECTORDATA>& xVectors, bool& qOK);
 /// Resizes, to one entry for a size below 1; with qKeep the old entries stay and only new ones are
@@ -46,11 +48,14 @@ void setPointer(VECTORDATA& xVector, std::int32_t iAttribute, std::int32_t iPoin
 void setPointers(std::span<VECTORDATA> xVectors, std::int32_t iAttribute,
                  std::span<const std::int32_t> iPointers);
 
-/// Writes `bPointers(1..24, 1..N)` in the machine's byte order: ten 16-bit words and the 32-bit index, in the
-/// order of the fields. qOK False, with bPointers as it was, when a number does not fit its word.
+/// `bPointers(1..24, 1..N)` in the machine's byte order: ten 16-bit words and the 32-bit index, in the order
+/// of the fields. Nothing when a number does not fit its word.
+std::optional<ByteTable> packVectors(std::span<const VECTORDATA> xVectors);
+/// Reads them back. Nothing when an entry does not have 24 bytes. Numbers are not checked: one that its store
+/// does not have reads as an empty text.
+std::optional<std::vector<VECTORDATA>> unpackVectors(const ByteTable& bPointers);
+/// Calling forms of the same. When qOK is False the results are as they were.
 void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK);
-/// Reads them back. qOK False, with the vectors as they were, when an entry does not have 24 bytes. Numbers
-/// are not checked: one that its store does not have reads as an empty text.
 void setVECTORDATA(const ByteTable& bPointers, std::vector<VECTORDATA>& xVectors, bool& qOK);
 
 }  // namespace lumbarn

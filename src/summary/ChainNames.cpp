@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "../support/Diagnosis.h"
+#include "SummaryMatch.h"
 
 namespace lumbarn {
 namespace {
@@ -64,17 +65,9 @@ Aliases aliasesFor(const Names& shorter, const Names& longer) {
 }
 
 std::string keyOf(const SummaryVector& vector, const Aliases& aliases) {
-  constexpr char separator = '\0';  // between the parts: "P1", "12" and "P11", "2" differ by it
   const auto alias = aliases.empty() ? aliases.end() : aliases.find(vector.member);
   const std::string_view member = alias == aliases.end() ? vector.member : alias->second;
-  std::string key;
-  for (const std::string_view part :
-       {std::string_view(vector.mnemonic), std::string_view(vector.classWord), member,
-        std::string_view(vector.index), std::string_view(vector.lgr), std::string_view(vector.lgrClass)}) {
-    key += part;
-    key += separator;
-  }
-  return key;
+  return matchingKey({vector.mnemonic, vector.classWord, member, vector.index, vector.lgr, vector.lgrClass});
 }
 
 /// Drops the aliases of truncated names that two vectors of one table share: which of them is meant cannot

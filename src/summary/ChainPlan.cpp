@@ -3,12 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "ScratchFile.h"
-
 namespace lumbarn {
 namespace {
-
-constexpr std::size_t yieldInterval = 1000;  // columns
 
 void copyConverted(std::span<const float> values, const ChainSource& source, std::span<float> out) {
   if (!source.converts()) {
@@ -19,6 +15,12 @@ void copyConverted(std::span<const float> values, const ChainSource& source, std
 }
 
 }  // namespace
+
+void ChainPlan::addNewest(std::size_t rows, std::size_t columns) {
+  ChainPart part{.rows = rows, .sources = {}};
+  for (std::size_t i = 1; i <= columns; ++i) part.sources.push_back({static_cast<std::int32_t>(i)});
+  add(std::move(part));
+}
 
 void ChainPlan::add(ChainPart part) {
   rows_ += part.rows;
@@ -66,33 +68,12 @@ void ChainPlan::fill(std::size_t column, std::span<const XYData* const> tables, 
   }
 }
 
-bool fillTable(Session& session, const ChainPlan& plan, std::span<const XYData* const> tables,
-               XYData& merged) {
-  merged = XYData(plan.rows(), plan.columns(), session);
-  if (plan.rows() == 0) return true;
-  for (std::size_t column = 1; column <= plan.columns(); ++column) {
-    if (column % yieldInterval == 0 && session.yield()) return false;
-    plan.fill(column, tables, merged.column(column));
-  }
-  return true;
-}
-
-bool fillScratchFile(Session& session, const ChainPlan& plan, std::span<const XYData* const> tables,
-                     ScratchFile& scratch) {
-  constexpr std::size_t atOnce = 1U << 18;  // values in one write, so that short columns share one
-  std::vector<float> buffer;
-  for (std::size_t column = 1; column <= plan.columns(); ++column) {
-    if (column % yieldInterval == 0 && session.yield()) return false;
-    const std::size_t end = buffer.size();
-    buffer.resize(end + plan.rows());
-    plan.fill(column, tables, std::span(buffer).subspan(end));
-    if (buffer.size() >= atOnce || column == plan.columns()) {
-      scratch.write(std::span<const float>(buffer));
-      buffer.clear();
-    }
-  }
-  scratch.finish();
-  return true;
+std::size_t rowsBefore(std::span<const float> times, const ChainSource& scale,
+                       std::optional<float> firstTime) {
+  if (!firstTime) return times.size();
+  const auto end =
+      std::ranges::find_if(times, [&](float time) { return !(scale.converted(time) < *firstTime); });
+  return static_cast<std::size_t>(end - times.begin());
 }
 
 }  // namespace lumbarn

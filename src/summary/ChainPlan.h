@@ -2,14 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "../shapes/XYData.h"
 
 namespace lumbarn {
-
-class ScratchFile;
 
 /// Where a column of the table of a restart chain gets its values in one run.
 struct ChainSource {
@@ -33,6 +32,8 @@ struct ChainPart {
 /// from 0.
 class ChainPlan {
  public:
+  /// Starts with all rows and columns of the newest run.
+  void addNewest(std::size_t rows, std::size_t columns);
   /// Adds an earlier run.
   void add(ChainPart part);
 
@@ -56,13 +57,10 @@ class ChainPlan {
   std::size_t columns_ = 0;
 };
 
-/// Makes the table from those of the runs. Throws Fault 7 when there is not enough memory for it beside them.
-/// False when the load was canceled.
-bool fillTable(Session& session, const ChainPlan& plan, std::span<const XYData* const> tables,
-               XYData& merged);
-/// Writes the values of the table to a temporary file, column by column, so that the tables of the runs can
-/// be released before it is read back. False when the load was canceled.
-bool fillScratchFile(Session& session, const ChainPlan& plan, std::span<const XYData* const> tables,
-                     ScratchFile& scratch);
+/// Rows of an earlier run that are used: those up to the first one that is not before the table, as later
+/// ones were computed anew. `scale` makes times of the table of `times`; without a first time all rows are
+/// used.
+std::size_t rowsBefore(std::span<const float> times, const ChainSource& scale,
+                       std::optional<float> firstTime);
 
 }  // namespace lumbarn

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "../support/Diagnosis.h"
+#include "SpecReader.h"
 
 namespace lumbarn {
 
@@ -47,14 +48,14 @@ std::vector<std::string> earlierRunCandidates(std::string_view zRoot, const std:
   return candidates;
 }
 
-std::unique_ptr<qvEclipseSPEC> findEarlierRun(std::string_view zRoot, const std::string& zLaterRun,
-                                              bool qFormatted, Session& session) {
+std::optional<SummarySpec> findEarlierRun(std::string_view zRoot, const std::string& zLaterRun,
+                                          bool qFormatted, Session& session) {
   const auto candidates = earlierRunCandidates(zRoot, zLaterRun, qFormatted);
   for (const auto& candidate : candidates) {
     std::error_code none;
     if (!fs::is_regular_file(candidate, none) || sameFile(candidate, zLaterRun)) continue;
-    auto spec = std::make_unique<qvEclipseSPEC>(session);
-    if (spec->CheckSPECFile(candidate)) return spec;
+    SummarySpec spec;
+    if (checkSpec(spec, candidate, session)) return spec;
   }
   session.diagnose({.message = Message::ChainRunMissing,
                     .path = zLaterRun,
@@ -63,7 +64,7 @@ std::unique_ptr<qvEclipseSPEC> findEarlierRun(std::string_view zRoot, const std:
                     .expected = candidates.front(),
                     .found = "no summary specification there, nor under the other names that were tried",
                     .action = "the restart chain ends here"});
-  return nullptr;
+  return std::nullopt;
 }
 
 }  // namespace lumbarn

@@ -9,7 +9,6 @@
 
 #include "../files/Extensions.h"
 #include "../files/FileChoice.h"
-#include "../files/FileSets.h"
 #include "../support/Diagnosis.h"
 #include "RowSteps.h"
 
@@ -128,7 +127,7 @@ class RowWalk {
     const auto& header = cursor.header();
     if (header.is("PARAMS", ElementType::Single)) {
       if (pairs.row()) index_.faulty = true;
-      if (qInRange_) takeRow(cursor, iFile);
+      if (inRange_) takeRow(cursor, iFile);
     } else if (header.is("MINISTEP", ElementType::Integer)) {
       if (pairs.ministep()) index_.faulty = true;
     } else if (header.is("SEQHDR", ElementType::Integer)) {
@@ -166,15 +165,9 @@ class RowWalk {
     ++iStep_;
     steps_.take(value);
     if (!request_.unified || !steps_.settled()) return;
-    bool qPast = false;
-    qInRange_ = inRange(steps_.step(steps_.headers(), -1), qPast);
-    stop_ = stop_ || qPast;
-  }
-
-  bool inRange(std::int32_t step, bool& qPast) const {
-    bool qUse = false, qOK = false;
-    checkSequence(request_.unified, step, request_.iFirst, request_.iLast, qUse, qPast, qOK);
-    return qUse;
+    const std::int32_t step = steps_.step(steps_.headers(), -1);
+    inRange_ = request_.limits.contain(step);
+    stop_ = stop_ || request_.limits.past(step);
   }
 
   /// Replaces the count of SEQHDR records by the report step, which is certain only now, and drops the rows
@@ -185,11 +178,9 @@ class RowWalk {
     for (RowPlace& row : index_.rows) {
       row.iReportStep = steps_.step(row.iReportStep, fileSteps[static_cast<std::size_t>(row.iFile)]);
     }
-    if (!request_.unified || (request_.iFirst < 0 && request_.iLast < 0)) return;
-    std::erase_if(index_.rows, [this](const RowPlace& row) {
-      bool qPast = false;
-      return !inRange(row.iReportStep, qPast);
-    });
+    if (!request_.unified) return;
+    std::erase_if(index_.rows,
+                  [this](const RowPlace& row) { return !request_.limits.contain(row.iReportStep); });
   }
 
   /// Rows of another generation of the run: step files that a rerun with fewer steps left behind, or a
@@ -237,7 +228,7 @@ class RowWalk {
   RowSteps steps_;
   std::int32_t iStep_ = 0;
   bool decreaseReported_ = false;
-  bool qInRange_ = true;
+  bool inRange_ = true;
   bool stop_ = false;
 };
 

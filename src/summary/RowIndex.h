@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "../files/FileSets.h"
 #include "../record/RecordCursor.h"
 #include "../record/cFILETYPE.h"
 #include "../support/Session.h"
@@ -29,8 +30,7 @@ struct RowIndexRequest {
   std::vector<std::string> zFiles;
   Form form;  ///< of files whose form cannot be detected
   bool unified = false;
-  std::int32_t iFirst = -1;  ///< limits of the report step in a unified file, -1: open
-  std::int32_t iLast = -1;
+  StepLimits limits;              ///< of the report step in a unified file
   PositionWords resume;           ///< position in a unified file from which to read, counted from 1
   std::int32_t nValues = 0;       ///< values that a row must have
   std::int32_t iRestartStep = 0;  ///< report step at which the run was restarted

@@ -50,17 +50,16 @@ bool SpecProcessing::processSPECRecords() {
 
   for (std::size_t i = 0; i < vectors; ++i) {
     vector(i);
-    if ((i + 1) % 10000 == 0 && spec_.session().yield()) return false;
+    if ((i + 1) % 10000 == 0 && session_.yield()) return false;
   }
 
   spec_.nKeysUsed = static_cast<std::int32_t>(std::ranges::count(spec_.qKeyMask, true));
   blankDummies();
   adjustClassCounts();
   for (auto* array : {&spec_.iNUMS, &spec_.iNUMLX, &spec_.iNUMLY, &spec_.iNUMLZ}) *array = {};
-  bool qOK = false;
   for (const std::int32_t iAttribute : {attributeClass, attributeIndex, attributeVerbose, attributeDataKind,
                                         attributeLGRName, attributeLGRClass}) {
-    spec_.xStore(iAttribute).StoreFinish(qOK);
+    spec_.xStore(iAttribute).shrink();
   }
   return true;
 }
@@ -173,8 +172,7 @@ bool SpecProcessing::distinguishes(std::size_t i, std::string_view zIndex) const
 /// Dummies read as blank from here on, and so do the members of vectors that have none.
 void SpecProcessing::blankDummies() {
   AttributeStore& members = spec_.xStore(attributeMember);
-  bool qOK = false;
-  members.StoreReplace("", dummyName, qOK);
+  members.replace(dummyName, "");
   const std::int32_t blank = members.find("");
   for (std::size_t i = 0; i < spec_.xVectors.size(); ++i) {
     VECTORDATA& xVector = spec_.xVectors[i];
@@ -186,13 +184,12 @@ void SpecProcessing::blankDummies() {
 /// lowers the class that its letter stands for, though the vector is of class LGR: deliberate.
 void SpecProcessing::adjustClassCounts() {
   AttributeStore& classes = spec_.xStore(attributeClass);
-  bool qOK = false;
   for (std::int32_t number = 1; number <= classes.count(); ++number) {
     const std::int32_t uses = classUses_[static_cast<std::size_t>(number)];
-    classes.StoreAdjustCount(uses - classes.useCount(number), classes.item(number), qOK);
+    classes.adjustCount(classes.item(number), uses - classes.useCount(number));
   }
   for (const DummyCount& dummy : dummies_) {
-    if (dummy.count > 0) classes.StoreAdjustCount(-dummy.count, dummy.zClass, qOK);
+    if (dummy.count > 0) classes.adjustCount(dummy.zClass, -dummy.count);
   }
 }
 

@@ -3,11 +3,13 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "qvEclipseSPEC.h"
+#include "../support/Session.h"
+#include "SummarySpec.h"
 
 namespace lumbarn {
 
@@ -15,7 +17,7 @@ namespace lumbarn {
 /// each. Remembers what it added last, so that a run of equal texts costs one look-up.
 class SpecProcessing {
  public:
-  explicit SpecProcessing(qvEclipseSPEC& spec) : spec_(spec) {}
+  SpecProcessing(SummarySpec& spec, Session& session) : spec_(spec), session_(session) {}
 
   /// `processSPECRecords`. False when the load was cancelled.
   bool processSPECRecords();
@@ -50,7 +52,8 @@ class SpecProcessing {
   void adjustClassCounts();
   std::int32_t add(std::int32_t iAttribute, Last& last, std::string_view text);
 
-  qvEclipseSPEC& spec_;
+  SummarySpec& spec_;
+  Session& session_;
   std::int32_t dummy_ = -1;  // number of the dummy name in store 9
   Mnemonic mnemonic_;
   Last class_, index_, lgrName_;
@@ -63,5 +66,9 @@ class SpecProcessing {
   std::array<DummyCount, 5> dummies_{
       {{'C', "COMPLETIONS"}, {'G', "GROUPS"}, {'S', "SEGMENTS"}, {'N', "NODES"}, {'W', "WELLS"}}};
 };
+
+/// The text "i j k" of a cell number for c "B" and "C", the number itself for "R", "A" and "S", else empty. A
+/// cell that is not in the grid of iDIMENS (words 2 to 4 are NX, NY, NZ) gives an empty text.
+std::string createVectorIndex(char c, std::int32_t n, std::span<const std::int32_t> iDIMENS);
 
 }  // namespace lumbarn

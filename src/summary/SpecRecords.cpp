@@ -34,18 +34,17 @@ std::string restartName(RecordCursor& cursor) {
 }  // namespace
 
 bool SpecRecords::read() {
-  const Session& session = spec_.session();
   while (cursor_.next()) {
     const RecordHeader& header = cursor_.header();
     spec_.zRecordName.push_back(header.keyword);
     spec_.zRecordType.push_back(header.typeWord);
     ++spec_.nRecords;
     if (!spec_.qScanOnly && wanted()) take();
-    if (session.Container && spec_.UseBufferedInput) {
-      session.Container->fraction(static_cast<double>(header.dataAt) /
-                                  static_cast<double>(cursor_.fileSize()));
+    if (session_.Container && spec_.UseBufferedInput) {
+      session_.Container->fraction(static_cast<double>(header.dataAt) /
+                                   static_cast<double>(cursor_.fileSize()));
     }
-    if (session.cancelled()) return false;
+    if (session_.cancelled()) return false;
   }
   atEnd_ = true;
   return true;
@@ -124,15 +123,11 @@ std::int32_t SpecRecords::addTexts(std::int32_t iAttribute) {
   std::vector<char> texts(static_cast<std::size_t>(header.count) * static_cast<std::size_t>(header.width));
   cursor_.readText(texts);
 
-  const AttributeSizes sizes = defaultAttributeSizes(iAttribute);
   AttributeStore& store = spec_.xStore(iAttribute);
-  bool qOK = false;
-  store.StoreInit(sizes.nItems, std::max(sizes.nWidth, header.width), sizes.nGrow, qOK);
-  if (qOK) {
-    store.StoreAddBlock(texts, count, header.width, pointers_[static_cast<std::size_t>(iAttribute)], qOK);
-  }
-  if (qOK) store.StoreFinish(qOK);
-  if (!qOK) throw Fault(FaultNumber::InvalidCall);
+  store = AttributeStore(std::max(defaultAttributeSizes(iAttribute).nWidth, header.width));
+  pointers_[static_cast<std::size_t>(iAttribute)] =
+      store.addBlock(texts, static_cast<std::size_t>(header.count), static_cast<std::size_t>(header.width));
+  store.shrink();
   return count;
 }
 
@@ -166,15 +161,15 @@ void SpecRecords::checkCount(std::string_view keyword, std::size_t found, bool n
   if (found == 0 && (!needed || !atEnd_)) return;  // behind damage, what is missing needs no second word
   const auto at = headerAt_.find(keyword);
   if (at == headerAt_.end()) return report(Message::SpecRecordMissing, keyword, "read as blank or 0");
-  spec_.session().diagnose({.message = Message::SpecRecordLength,
-                            .path = cursor_.path(),
-                            .keyword = std::string(keyword),
-                            .occurrence = 1,
-                            .offset = at->second,
-                            .expected = std::to_string(expected) + " elements",
-                            .found = std::to_string(found),
-                            .action = "used it as far as it goes",
-                            .certainty = Certainty::Likely});
+  session_.diagnose({.message = Message::SpecRecordLength,
+                     .path = cursor_.path(),
+                     .keyword = std::string(keyword),
+                     .occurrence = 1,
+                     .offset = at->second,
+                     .expected = std::to_string(expected) + " elements",
+                     .found = std::to_string(found),
+                     .action = "used it as far as it goes",
+                     .certainty = Certainty::Likely});
 }
 
 void SpecRecords::report(Message message, std::string_view keyword, std::string_view action) const {
@@ -187,7 +182,7 @@ void SpecRecords::report(Message message, std::string_view keyword, std::string_
     diagnosis.occurrence = cursor_.occurrence();
     diagnosis.offset = cursor_.header().headerAt;
   }
-  spec_.session().diagnose(std::move(diagnosis));
+  session_.diagnose(std::move(diagnosis));
 }
 
 }  // namespace lumbarn

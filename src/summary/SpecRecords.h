@@ -8,16 +8,18 @@
 #include <vector>
 
 #include "../record/RecordCursor.h"
-#include "qvEclipseSPEC.h"
+#include "../support/Session.h"
+#include "SummarySpec.h"
 
 namespace lumbarn {
 
-/// Reads the records of a specification file into a `qvEclipseSPEC`: texts in blocks into its stores, numbers
+/// Reads the records of a specification file into a `SummarySpec`: texts in blocks into its stores, numbers
 /// into its arrays. What a vector has of each is joined to it by `join`, once KEYWORDS has told how many
 /// vectors there are.
 class SpecRecords {
  public:
-  SpecRecords(qvEclipseSPEC& spec, RecordCursor& cursor) : spec_(spec), cursor_(cursor) {}
+  SpecRecords(SummarySpec& spec, RecordCursor& cursor, Session& session)
+      : spec_(spec), cursor_(cursor), session_(session) {}
 
   /// Walks the file to its end. False when the load was cancelled. Throws BadRecord on damage; what was read
   /// before it stays.
@@ -37,8 +39,9 @@ class SpecRecords {
   void checkCount(std::string_view keyword, std::size_t found, bool needed);
   void report(Message message, std::string_view keyword, std::string_view action) const;
 
-  qvEclipseSPEC& spec_;
+  SummarySpec& spec_;
   RecordCursor& cursor_;
+  Session& session_;
   std::array<std::vector<std::int32_t>, 15> pointers_;          // by attribute: string number of each item
   std::map<std::string, std::uint64_t, std::less<>> headerAt_;  // of the records that are used
   bool haveKeywords_ = false;

@@ -56,8 +56,8 @@ void SummaryChain::add(ChainRun run) {
     reportGapBefore(run);
     const TimeScale scale = timeScale(run);
     ChainPart part = match(run, scale);
-    part.rows = rowsBefore(run, scale);
-    if (part.rows > 0) firstTime_ = scale.at(run.times.front());
+    part.rows = rowsBefore(run.times, scale.source, firstTime_);
+    if (part.rows > 0) firstTime_ = scale.source.converted(run.times.front());
     plan_.add(std::move(part));
   }
   iRestartStep_ = run.iRestartStep;
@@ -67,10 +67,7 @@ void SummaryChain::add(ChainRun run) {
 void SummaryChain::addNewest(ChainRun& run) {
   start_ = run.start;
   timeUnit_ = run.timeUnit;
-  ChainPart part{.rows = run.times.size(), .sources = {}};
-  for (std::size_t i = 1; i <= run.vectors.size(); ++i)
-    part.sources.push_back({static_cast<std::int32_t>(i)});
-  plan_.add(std::move(part));
+  plan_.addNewest(run.times.size(), run.vectors.size());
   if (!run.times.empty()) firstTime_ = run.times.front();
   widths_.assign(run.vectors.size(), run.nameWidth);
   vectors_ = std::move(run.vectors);
@@ -78,10 +75,10 @@ void SummaryChain::addNewest(ChainRun& run) {
 
 SummaryChain::TimeScale SummaryChain::timeScale(const ChainRun& run) const {
   TimeScale scale;
-  scale.factor = unitsPerDay(timeUnit_) / unitsPerDay(run.timeUnit);
+  scale.source.factor = unitsPerDay(timeUnit_) / unitsPerDay(run.timeUnit);
   if (!start_ || !run.start || *start_ == *run.start) return scale;
   scale.days = Days(*run.start - *start_).count();
-  scale.shift = scale.days * unitsPerDay(timeUnit_);
+  scale.source.offset = scale.days * unitsPerDay(timeUnit_);
   session_.diagnose({.message = Message::ChainStart,
                      .path = run.path,
                      .keyword = "STARTDAT",
@@ -89,14 +86,6 @@ SummaryChain::TimeScale SummaryChain::timeScale(const ChainRun& run) const {
                      .found = isoText(*run.start, true),
                      .action = fmt::format("added {} days to its times", scale.days)});
   return scale;
-}
-
-/// Rows up to the first one that is not before the table, as later ones were computed anew.
-std::size_t SummaryChain::rowsBefore(const ChainRun& run, const TimeScale& scale) const {
-  if (!firstTime_) return run.times.size();
-  const auto end =
-      std::ranges::find_if(run.times, [&](float time) { return !(scale.at(time) < *firstTime_); });
-  return static_cast<std::size_t>(end - run.times.begin());
 }
 
 ChainPart SummaryChain::match(const ChainRun& run, const TimeScale& scale) {

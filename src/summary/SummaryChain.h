@@ -46,14 +46,11 @@ class SummaryChain {
  private:
   /// From the times of a run to those of the table.
   struct TimeScale {
-    double factor = 1;
-    double shift = 0;
+    ChainSource source;
     double days = 0;  ///< from the start of the newest run to that of the run
-    float at(float time) const { return static_cast<float>(time * factor + shift); }
   };
   void addNewest(ChainRun& run);
   TimeScale timeScale(const ChainRun& run) const;
-  std::size_t rowsBefore(const ChainRun& run, const TimeScale& scale) const;
   ChainPart match(const ChainRun& run, const TimeScale& scale);
   void reportGapBefore(const ChainRun& run) const;
 

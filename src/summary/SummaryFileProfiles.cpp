@@ -10,6 +10,7 @@
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
 #include "../vocabulary/Units.h"
+#include "SpecHeaders.h"
 #include "SummaryMerge.h"
 #include "qvEclipseSUMMARYFile.h"
 
@@ -19,17 +20,20 @@ namespace {
 
 constexpr const char* className = "qvEclipseSUMMARYFile";
 
-/// Connection vectors of one run with their values and lengths.
-bool readConnections(qvEclipseSPEC& spec, qvEclipseSUMMARY& summary, ByteTable& bHeaders, XYData& sData,
-                     std::vector<float>& sLengths, std::string& zUnits) {
+/// Nothing when the run has none, or they do not fit.
+std::optional<ConnectionData> connectionsOf(qvEclipseSPEC& spec, qvEclipseSUMMARY& summary,
+                                            Session& session) {
+  ConnectionData data;
   std::vector<bool> qMask;
-  bool qOK = false;
-  spec.getHorizontalHeaders(bHeaders, qMask, qOK);
-  if (!qOK) return false;
-  summary.getSummaryArray(sData, qMask, qOK);
-  if (!qOK) return false;
-  spec.getHorizontalLengths(sLengths, zUnits, qOK);
-  return qOK;
+  auto headers = makeConnectionHeaders(spec, qMask, session);
+  if (!headers) return std::nullopt;
+  data.bHeaders = std::move(*headers);
+  data.sData = summary.tableOf(qMask);
+  auto lengths = session.cancelled() ? std::nullopt : connectionLengths(spec, qMask);
+  if (!lengths) return std::nullopt;
+  data.sLengths = std::move(lengths->values);
+  data.zUnits = std::move(lengths->unit);
+  return data;
 }
 
 /// Consecutive vectors of one mnemonic, with the number of connections of each member.
@@ -90,77 +94,54 @@ bool haveSameConnections(Session& session, const ByteTable& bHeaders, const std:
 
 }  // namespace
 
-void qvEclipseSUMMARYFile::getHorizontalData(bool qInflow, bool qConnect, bool qMiniSteps, bool& qOK) {
-  guarded(*session_, qOK, className, "getHorizontalData", [&] {
-    if (!qInflow && !qConnect) return true;
-    ByteTable bHeaders;
-    XYData sData;
-    std::vector<float> sLengths;
-    std::string zUnits;
-    if (!getDataUsedForHorizontalWells(bHeaders, sData, sLengths, zUnits)) return false;
-    if (!haveSameConnections(*session_, bHeaders, xSPEC.front()->zFileName)) return false;
-    bool qDone = false;
-    xSUMMARY.front()->GetColumnData(1, times_, qDone);
-    if (!qDone) return false;
-    const HorizontalSource source{bHeaders, sData, sLengths, zUnits, xSUMMARY.front()->iSteps};
-    horizontal_.getHorizontalData(source, qInflow, qConnect, qMiniSteps, qDone);
-    return qDone;
-  });
-}
-
-bool qvEclipseSUMMARYFile::getDataUsedForHorizontalWells(ByteTable& bHeaders, XYData& sData,
-                                                         std::vector<float>& sLengths, std::string& zUnits) {
-  if (xSPEC.empty() ||
-      !readConnections(*xSPEC.front(), *xSUMMARY.front(), bHeaders, sData, sLengths, zUnits)) {
+bool qvEclipseSUMMARYFile::buildProfiles(bool qInflow, bool qConnect, bool qMiniSteps) {
+  if (!qInflow && !qConnect) return true;
+  const auto connections = getDataUsedForHorizontalWells();
+  if (!connections || !haveSameConnections(*session_, connections->bHeaders, xSPEC.front()->zFileName)) {
     return false;
   }
+  times_ = xSUMMARY.front()->column(1);
+  const HorizontalSource source{connections->bHeaders, connections->sData, connections->sLengths,
+                                connections->zUnits, xSUMMARY.front()->iSteps};
+  return horizontal_.build(source, qInflow, qConnect, qMiniSteps);
+}
+
+std::optional<ConnectionData> qvEclipseSUMMARYFile::getDataUsedForHorizontalWells() {
+  if (xSPEC.empty()) return std::nullopt;
+  auto merged = connectionsOf(*xSPEC.front(), *xSUMMARY.front(), *session_);
+  if (!merged) return std::nullopt;
   for (std::size_t run = 1; run < xSPEC.size(); ++run) {
-    ByteTable bEarlier;
-    XYData sEarlier;
-    std::vector<float> sEarlierLengths;
-    std::string zEarlierUnits;
-    // Deliberate: an earlier run that has no such data, or does not fit, is skipped without a report.
-    if (!readConnections(*xSPEC[run], *xSUMMARY[run], bEarlier, sEarlier, sEarlierLengths, zEarlierUnits))
-      continue;
-    bool qMerged = false;
-    mergeSUMMARYHorizData(*session_, bEarlier, sEarlier, sEarlierLengths, bHeaders, sData, sLengths, false,
-                          qMerged);
+    // Deliberate: an earlier run that has no such data, or does not fit, is skipped without a word of it.
+    succeeds(*session_, "SummaryMerge", "mergeSUMMARYHorizData", [&] {
+      const auto earlier = connectionsOf(*xSPEC[run], *xSUMMARY[run], *session_);
+      return earlier && mergeConnections(*session_, earlier->bHeaders, earlier->sData, earlier->sLengths,
+                                         merged->bHeaders, merged->sData, merged->sLengths);
+    });
   }
   // Deliberate: steps, rows and dates of profiles are those of the newest run also where rows of earlier runs
   // precede its own. Hosts know it so; each profile that is fetched is reported with a remark.
-  profilesOfChain_ = sData.rows() > xSUMMARY.front()->rows().size();
+  profilesOfChain_ = merged->sData.rows() > xSUMMARY.front()->rows().size();
   const auto source = headerField(attributeSource);
-  for (std::size_t i = 1; i <= bHeaders.entries(); ++i)
-    bHeaders.put(i, source.firstByte, source.width, zOrigin);
-  return true;
+  for (std::size_t i = 1; i <= merged->bHeaders.entries(); ++i) {
+    merged->bHeaders.put(i, source.firstByte, source.width, zOrigin);
+  }
+  return merged;
 }
 
-void qvEclipseSUMMARYFile::getHorizontalData(std::int32_t iStep, bool qInflow, XYData& xyData,
-                                             ByteTable& bHeaders, std::string& zDate, bool& qOK) {
-  guarded(*session_, qOK, className, "getHorizontalData", [&] {
-    bool qDone = false;
-    horizontal_.getHoriz(qInflow, iStep, xyData, bHeaders, qDone);
-    if (!qDone) return false;
-    if (profilesOfChain_) session_->diagnose({.message = Message::ChainProfiles, .path = zFileName});
-    GetDateStamp(horizontal_.iHorizSteps.at(static_cast<std::size_t>(iStep - 1)), zDate, qDone);
-    return qDone;
-  });
+HorizontalTable qvEclipseSUMMARYFile::profilesOf(std::int32_t iStep, bool qInflow) const {
+  auto profiles = horizontal_.step(qInflow, iStep);
+  if (profilesOfChain_) session_->diagnose({.message = Message::ChainProfiles, .path = zFileName});
+  return profiles;
 }
 
-void qvEclipseSUMMARYFile::GetDateStamp(std::int32_t iRow, std::string& zDate, bool& qOK) {
-  guarded(*session_, qOK, className, "GetDateStamp", [&] {
-    bool qDone = false;
-    if (times_.empty() && !xSUMMARY.empty()) {
-      xSUMMARY.front()->GetColumnData(1, times_, qDone);
-      if (!qDone) return false;
-    }
+std::optional<std::string> qvEclipseSUMMARYFile::dateOf(std::int32_t iRow) {
+  return inRoutine(className, "GetDateStamp", [&] {
+    if (times_.empty() && !xSUMMARY.empty()) times_ = xSUMMARY.front()->column(1);
     if (iRow < 1 || static_cast<std::size_t>(iRow) > times_.size()) throw Fault(FaultNumber::Subscript);
     // The date alone, deliberately: the time of day that hosts of old might add is that of today's date,
     // which has none.
     const double perDay = timeUnit_.empty() ? unitsPerDay(iUnits) : unitsPerDay(timeUnit_);
-    lumbarn::GetDateStamp(*session_, zStartDate, perDay, times_[static_cast<std::size_t>(iRow - 1)], zDate,
-                          qDone);
-    return qDone;
+    return dateStamp(zStartDate, perDay, times_[static_cast<std::size_t>(iRow - 1)]);
   });
 }
 

@@ -70,6 +70,15 @@ class OpenTexts {
 
 }  // namespace
 
+std::string matchingKey(const KeyParts& parts) {
+  std::string key;
+  for (const std::string_view part : parts) {
+    key += part;
+    key += '\0';
+  }
+  return key;
+}
+
 TextPairs pairTexts(const std::vector<std::string>& old, const std::vector<std::string>& main) {
   TextPairs pairs;
   pairs.iMatch.assign(main.size(), 0);

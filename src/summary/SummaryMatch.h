@@ -1,10 +1,17 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumbarn {
+
+/// The text by which a vector is matched: mnemonic, class, member, index, LGR name and class within the LGR,
+/// each followed by a character 0, by which "P1", "12" and "P11", "2" differ.
+using KeyParts = std::array<std::string_view, 6>;
+std::string matchingKey(const KeyParts& parts);
 
 /// Pairs equal texts of two lists, each used once at most. For each main text in order, the first open old
 /// one at or behind the place after the last pair, then the first from the start; a text without partner

@@ -15,7 +15,9 @@ namespace lumbarn {
 /// Folding an earlier run of a restart chain into the table of the later ones. "Main" is the table that is
 /// changed, "old" the earlier run; in both, column 1 is the time. Numbers of vectors count from 1.
 ///
-/// After a failure the main table is as it was.
+/// After a failure the main table is as it was. These are the calling forms of hosts: they fill a table by a
+/// `ChainPlan` as `SummaryChain` does, with rows by `rowsBefore` and vectors by `pairTexts`. Deliberate:
+/// units are not converted, and no start date shifts the times, as hosts hand in values without either.
 
 /// Folds one earlier run in: its rows that lie before the first time of the main table come in front, its
 /// vectors that the main table has not become new columns behind. Cells with no source are 0; a run with no
@@ -27,9 +29,13 @@ void mergeSUMMARYData(Session& session, const ByteTable& bOld, const XYData& sOl
 void mergeStoreSUMMARYData(Session& session, const AttributeStores& xStoreOld, const ByteTable& bPointersOld,
                            const XYData& sOld, AttributeStores& xStoreMain, ByteTable& bPointersMain,
                            XYData& sMain, bool qPerforations, bool& qOK);
-/// The same for connection vectors with one length each. The lengths are merged as if they were a table of
-/// one column, by their own values: deliberate. So lengths that do not go with the vectors any more come out
+/// Folds connection vectors with one length each in. The lengths are merged as if they were a table of one
+/// column, by their own values: deliberate. So lengths that do not go with the vectors any more come out
 /// when the runs differ in their connections, and whoever uses them must check the count.
+bool mergeConnections(Session& session, const ByteTable& bOld, const XYData& sOld,
+                      std::span<const float> sLengthsOld, ByteTable& bMain, XYData& sMain,
+                      std::vector<float>& sLengthsMain);
+/// Calling form of the same. With qPerforations nothing is done.
 void mergeSUMMARYHorizData(Session& session, const ByteTable& bOld, const XYData& sOld,
                            std::span<const float> sLengthsOld, ByteTable& bMain, XYData& sMain,
                            std::vector<float>& sLengthsMain, bool qPerforations, bool& qOK);

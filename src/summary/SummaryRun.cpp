@@ -9,6 +9,7 @@
 #include "../support/Diagnosis.h"
 #include "ColumnReader.h"
 #include "RestartChain.h"
+#include "SpecReader.h"
 
 namespace lumbarn {
 namespace {
@@ -19,24 +20,21 @@ bool sameFile(const std::string& a, const std::string& b) {
 }
 
 /// Reads what was checked; null when there are no vectors.
-std::shared_ptr<const qvEclipseSPEC> read(std::unique_ptr<qvEclipseSPEC> spec) {
-  bool qOK = false;
-  spec->ReadEclipseSPECFile(qOK);
-  if (!qOK && !spec->qDamaged) return nullptr;
-  spec->releaseSession();
-  return spec;
+std::shared_ptr<const SummarySpec> readChecked(SummarySpec spec, Session& session) {
+  if (!readSpec(spec, session) && !spec.qDamaged) return nullptr;
+  return std::make_shared<const SummarySpec>(std::move(spec));
 }
 
 }  // namespace
 
-std::shared_ptr<const qvEclipseSPEC> readSpecification(const std::string& path, Session& session) {
-  auto spec = std::make_unique<qvEclipseSPEC>(session);
-  if (spec->CheckSPECFile(path)) return read(std::move(spec));
+std::shared_ptr<const SummarySpec> readSpecification(const std::string& path, Session& session) {
+  SummarySpec spec;
+  if (checkSpec(spec, path, session)) return readChecked(std::move(spec), session);
   session.diagnose(refusal(path, FileKind::SummarySpec));
   return nullptr;
 }
 
-SummaryRun indexSummary(std::shared_ptr<const qvEclipseSPEC> spec, FileChoice choice, bool sparse,
+SummaryRun indexSummary(std::shared_ptr<const SummarySpec> spec, FileChoice choice, bool sparse,
                         Session& session) {
   RowIndexRequest request;
   request.zFiles = choice.files;
@@ -52,13 +50,13 @@ SummaryRun indexSummary(std::shared_ptr<const qvEclipseSPEC> spec, FileChoice ch
   return {std::move(spec), std::move(choice.files), std::move(index)};
 }
 
-std::vector<SummaryRun> indexEarlierRuns(const qvEclipseSPEC& newest, bool sparse, Session& session) {
+std::vector<SummaryRun> indexEarlierRuns(const SummarySpec& newest, bool sparse, Session& session) {
   std::vector<SummaryRun> runs;
   std::vector<std::string> chain{newest.zFileName};
-  const qvEclipseSPEC* last = &newest;
+  const SummarySpec* last = &newest;
   while (chain.size() < mostRunsOfChain) {
     auto found = findNextOfChain(chain, *last, session);
-    auto spec = found ? read(std::move(found)) : nullptr;
+    auto spec = found ? readChecked(std::move(*found), session) : nullptr;
     if (!spec || session.cancelled()) break;
     FileChoice choice = chooseFiles(session, spec->zFileName, FileKind::Summary);
     if (choice.files.empty()) {
@@ -77,11 +75,11 @@ std::vector<SummaryRun> indexEarlierRuns(const qvEclipseSPEC& newest, bool spars
   return runs;
 }
 
-std::unique_ptr<qvEclipseSPEC> findNextOfChain(std::span<const std::string> chain, const qvEclipseSPEC& last,
-                                               Session& session) {
-  if (last.zRestartName.empty()) return nullptr;
+std::optional<SummarySpec> findNextOfChain(std::span<const std::string> chain, const SummarySpec& last,
+                                           Session& session) {
+  if (last.zRestartName.empty()) return std::nullopt;
   auto spec = findEarlierRun(last.zRestartName, last.zFileName, last.Formatted, session);
-  if (!spec) return nullptr;
+  if (!spec) return std::nullopt;
   if (std::ranges::none_of(chain, [&](const auto& path) { return sameFile(path, spec->zFileName); }))
     return spec;
   session.diagnose({.message = Message::ChainLoop,
@@ -91,14 +89,14 @@ std::unique_ptr<qvEclipseSPEC> findNextOfChain(std::span<const std::string> chai
                     .expected = "an earlier run",
                     .found = spec->zFileName,
                     .action = "the restart chain ends here"});
-  return nullptr;
+  return std::nullopt;
 }
 
-bool timeIsFirst(const qvEclipseSPEC& spec) {
+bool timeIsFirst(const SummarySpec& spec) {
   return !spec.xVectors.empty() && spec.text(spec.xVectors.front(), attributeVariable) == "TIME";
 }
 
-ChainRun chainRunOf(const qvEclipseSPEC& spec, std::vector<SummaryVector> vectors,
+ChainRun chainRunOf(const SummarySpec& spec, std::vector<SummaryVector> vectors,
                     std::span<const RowPlace> rows) {
   ChainRun run{.path = spec.zFileName, .vectors = std::move(vectors), .start = spec.start()};
   run.times.reserve(rows.size());
@@ -110,12 +108,12 @@ ChainRun chainRunOf(const qvEclipseSPEC& spec, std::vector<SummaryVector> vector
   return run;
 }
 
-bool holdsCompletions(const qvEclipseSPEC& spec, std::span<const SummaryVector> kept, bool byPatterns) {
+bool holdsCompletions(const SummarySpec& spec, std::span<const SummaryVector> kept, bool byPatterns) {
   if (!spec.qPerforations || !byPatterns) return spec.qPerforations;
   return std::ranges::any_of(kept, [](const auto& vector) { return vector.classWord == "COMPLETIONS"; });
 }
 
-void reportRunOmitted(const qvEclipseSPEC& spec, Session& session) {
+void reportRunOmitted(const SummarySpec& spec, Session& session) {
   session.diagnose({.message = Message::ChainConnections,
                     .path = spec.zFileName,
                     .action = "omitted the run; select vectors without completions to include it"});

@@ -17,7 +17,7 @@ VectorChoice::VectorChoice(std::vector<std::string> only, std::vector<std::strin
   if (!only_.empty()) onlyAndTime_.emplace_back("TIME");
 }
 
-std::vector<SummaryVector> VectorChoice::of(const qvEclipseSPEC& spec) {
+std::vector<SummaryVector> VectorChoice::of(const SummarySpec& spec) {
   if (!byPatterns()) return summaryVectors(spec);
   const auto names = summaryNames(spec, MnemonicFilter(onlyAndTime_, except_));
   auto selection = selectVectors(names, onlyAndTime_, except_);
@@ -53,7 +53,7 @@ std::vector<std::size_t> VectorChoice::shown(std::span<const SummaryVector> vect
 }
 
 void SummaryTable::add(std::shared_ptr<const SummaryRun> run, std::vector<SummaryVector> vectors) {
-  const qvEclipseSPEC& spec = *run->spec;
+  const SummarySpec& spec = *run->spec;
   hasCompletions_ = hasCompletions_ || holdsCompletions(spec, vectors, choice_.byPatterns());
   if (hasCompletions_ && !runs_.empty()) return reportRunOmitted(spec, *session_);
   auto& elements = elements_.emplace_back();
@@ -73,7 +73,7 @@ void SummaryTable::finish() {
       rows_.push_back({static_cast<std::uint32_t>(part), static_cast<std::uint32_t>(i), value});
     }
   }
-  const qvEclipseSPEC& newest = *runs_.front()->spec;
+  const SummarySpec& newest = *runs_.front()->spec;
   hasTime_ = timeIsFirst(newest) && newest.qKeyMask.front();
   if (hasTime_) timePerDay_ = unitsPerDay(newest.text(newest.xVectors.front(), attributeUnits));
   start_ = newest.start();

@@ -25,7 +25,7 @@ class VectorChoice {
   VectorChoice(std::vector<std::string> only, std::vector<std::string> except);
 
   /// The chosen vectors of a run. The first vector is among them in any case, as it dates the rows.
-  std::vector<SummaryVector> of(const qvEclipseSPEC& spec);
+  std::vector<SummaryVector> of(const SummarySpec& spec);
   /// The positions of the vectors to show: TIME, then in the order of the patterns, or else of the vectors.
   std::vector<std::size_t> shown(std::span<const SummaryVector> vectors) const;
 
@@ -49,7 +49,7 @@ class SummaryTable {
       : choice_(std::move(choice)), chain_(session), session_(&session) {}
 
   /// The vectors that the choice takes of a run, for `add`.
-  std::vector<SummaryVector> choose(const qvEclipseSPEC& spec) { return choice_.of(spec); }
+  std::vector<SummaryVector> choose(const SummarySpec& spec) { return choice_.of(spec); }
   /// Adds a run with vectors of it, the newest run first.
   void add(std::shared_ptr<const SummaryRun> run, std::vector<SummaryVector> vectors);
   /// Completes the table, and reports what some rows have no values of.

@@ -136,11 +136,11 @@ SummaryVector makeVector(std::size_t column, Text&& text) {
 
 }  // namespace
 
-std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec) {
+std::vector<SummaryVector> summaryVectors(const SummarySpec& spec) {
   return summaryVectors(spec, std::vector<bool>(spec.qKeyMask.size(), true));
 }
 
-std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec, const std::vector<bool>& chosen) {
+std::vector<SummaryVector> summaryVectors(const SummarySpec& spec, const std::vector<bool>& chosen) {
   std::vector<SummaryVector> vectors;
   vectors.reserve(static_cast<std::size_t>(std::ranges::count(chosen, true)));
   std::size_t kept = 0;
@@ -152,7 +152,7 @@ std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec, const std::
   return vectors;
 }
 
-std::vector<std::string> summaryNames(const qvEclipseSPEC& spec,
+std::vector<std::string> summaryNames(const SummarySpec& spec,
                                       const std::function<bool(std::string_view)>& wanted) {
   std::vector<std::string> names;
   names.reserve(static_cast<std::size_t>(spec.nKeysUsed));

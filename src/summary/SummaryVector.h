@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "../shapes/ByteTable.h"
-#include "qvEclipseSPEC.h"
+#include "SummarySpec.h"
 
 namespace lumbarn {
 
@@ -35,11 +35,11 @@ struct SummaryVector {
 };
 
 /// The vectors that the specification's mask keeps, in order; these are the columns of its data.
-std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec);
+std::vector<SummaryVector> summaryVectors(const SummarySpec& spec);
 /// Those of them whose element of `chosen` is true; it has one for each vector that the mask keeps.
-std::vector<SummaryVector> summaryVectors(const qvEclipseSPEC& spec, const std::vector<bool>& chosen);
+std::vector<SummaryVector> summaryVectors(const SummarySpec& spec, const std::vector<bool>& chosen);
 /// Their full names alone; an empty text for a vector whose mnemonic is not wanted.
-std::vector<std::string> summaryNames(const qvEclipseSPEC& spec,
+std::vector<std::string> summaryNames(const SummarySpec& spec,
                                       const std::function<bool(std::string_view mnemonic)>& wanted);
 /// The vectors of a header array, merged ones too.
 std::vector<SummaryVector> summaryVectors(const ByteTable& bHeaders);

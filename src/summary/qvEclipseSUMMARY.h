@@ -64,6 +64,13 @@ class qvEclipseSUMMARY : public FormFlags {
   void GetColumnData(std::int32_t iVector, std::vector<float>& sValues, bool& qOK);
   void GetReportSteps(std::vector<std::int32_t>& iReportSteps, bool& qOK) const;
 
+  // Beyond what hosts ask for: what stands behind these operations.
+  /// False after a failure, which is reported.
+  bool read();
+  // Throw what fails. A table of a canceled load is not whole.
+  XYData takeTable();
+  XYData tableOf(const std::vector<bool>& qMask);
+  std::vector<float> column(std::int32_t iVector);
   const std::vector<RowPlace>& rows() const { return index_.rows; }
 
  private:
@@ -72,7 +79,7 @@ class qvEclipseSUMMARY : public FormFlags {
   XYData readColumns(std::span<const std::int32_t> vectors);
   void readInto(XYData& table, std::span<const std::int32_t> vectors);
   void dropDamagedRows(Diagnosis& diagnosis, std::size_t good);
-  void throughScratchFile(XYData& xyData);
+  XYData throughScratchFile();
   void writeScratchFile(ScratchFile& scratch);
 
   Session* session_;

@@ -30,6 +30,17 @@ struct SummaryRow {
   std::int32_t iReportStep = 0;  ///< report step, as `iStart` and `iEnd` limit it
 };
 
+/// The rows of a run, of that number in the chain.
+std::vector<SummaryRow> summaryRows(const qvEclipseSUMMARY& summary, std::int32_t iRun);
+
+/// Connection vectors of a run or a chain, with their values and lengths.
+struct ConnectionData {
+  ByteTable bHeaders;
+  XYData sData;
+  std::vector<float> sLengths;
+  std::string zUnits;
+};
+
 /// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it
 /// restarted from, and merges them into one table. Runs are kept newest first until they are fetched, which
 /// can be done once.
@@ -114,20 +125,31 @@ class qvEclipseSUMMARYFile : public FormFlags {
   std::optional<Moment> start() const { return start_; }
   std::int32_t unitSystem() const { return iUnits; }
 
- private:
+  // What stands behind the operations. Without another word, what fails is thrown.
+  /// False after a failure, which may be thrown too.
   bool readChain();
-  std::unique_ptr<qvEclipseSPEC> specOfNewestRun(std::unique_ptr<qvEclipseSPEC> given, bool& qOK);
+  /// False for a failure that was reported, or needs no report.
+  bool fetch(XYData& xyData, ByteTable& bHeaders);
+  bool fetch(XYData& xyData, AttributeStores& xStore, ByteTable& bPointers);
+  SourceData fileInfo() const;
+  bool buildProfiles(bool qInflow, bool qConnect, bool qMiniSteps);
+  HorizontalTable profilesOf(std::int32_t iStep, bool qInflow) const;
+  /// Nothing for a row without a date.
+  std::optional<std::string> dateOf(std::int32_t iRow);
+
+ private:
+  std::unique_ptr<qvEclipseSPEC> specOfNewestRun(std::unique_ptr<qvEclipseSPEC> given);
   void release();
-  bool readSpec(qvEclipseSPEC& spec);
+  bool readSpecOf(qvEclipseSPEC& spec);
+  bool narrow(qvEclipseSPEC& spec, const std::vector<bool>& mask);
   bool selectVectorsOf(qvEclipseSPEC& spec, bool newest);
   void applyPatterns(qvEclipseSPEC& spec, bool newest);
   std::unique_ptr<qvEclipseSUMMARY> readData(qvEclipseSPEC& spec, bool newest);
   std::unique_ptr<qvEclipseSPEC> earlierRun(const qvEclipseSPEC& later);
   template <class ReadHeaders, class AddHeaders>
-  bool fetch(XYData& xyData, ReadHeaders readHeaders, AddHeaders addHeaders);
-  bool assemble(const ChainPlan& plan, std::vector<XYData>& tables, XYData& xyData);
-  bool getDataUsedForHorizontalWells(ByteTable& bHeaders, XYData& sData, std::vector<float>& sLengths,
-                                     std::string& zUnits);
+  bool fetchRuns(XYData& xyData, ReadHeaders readHeaders, AddHeaders addHeaders);
+  void assemble(const ChainPlan& plan, std::vector<XYData>& tables, XYData& xyData);
+  std::optional<ConnectionData> getDataUsedForHorizontalWells();
 
   Session* session_;
   std::vector<SummaryRow> rows_;

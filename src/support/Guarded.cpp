@@ -18,12 +18,35 @@ void report(Session& session, const char* text, FaultNumber number, const char* 
 
 }  // namespace
 
+void throwPlaced(const char* className, const char* routine) {
+  const auto placed = [&](const Fault& fault) { return PlacedFault(fault, className, routine); };
+  try {
+    throw;
+  } catch (const PlacedFault&) {
+    throw;
+  } catch (const BadRecord&) {
+    throw;
+  } catch (const LoadCanceled&) {
+    throw;
+  } catch (const Fault& fault) {
+    throw placed(fault);
+  } catch (const std::bad_alloc&) {
+    throw placed(Fault(FaultNumber::OutOfMemory));
+  } catch (const std::length_error&) {
+    throw placed(Fault(FaultNumber::OutOfMemory));
+  } catch (const std::exception& other) {
+    throw placed(Fault(FaultNumber::InvalidCall, other.what()));
+  }
+}
+
 void reportCurrentException(Session& session, const char* className, const char* routine) noexcept {
   try {
     try {
       throw;
     } catch (BadRecord& damage) {
       session.diagnose(std::move(damage.diagnosis()));
+    } catch (const PlacedFault& fault) {
+      report(session, fault.what(), fault.number(), fault.className(), fault.routine());
     } catch (const Fault& fault) {
       report(session, fault.what(), fault.number(), className, routine);
     } catch (const LoadCanceled&) {  // the host knows: it set the flag

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <exception>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
+#include "Fault.h"
 #include "Session.h"
 
 namespace lumbarn {
@@ -28,6 +30,62 @@ void guarded(Session& session, bool& qOK, const char* className, const char* rou
   } catch (...) {
     reportCurrentException(session, className, routine);
   }
+}
+
+/// A fault that is to be reported under the name of the routine in which it occurred.
+class PlacedFault : public Fault {
+ public:
+  PlacedFault(const Fault& fault, const char* className, const char* routine)
+      : Fault(fault), className_(className), routine_(routine) {}
+  const char* className() const { return className_; }
+  const char* routine() const { return routine_; }
+
+ private:
+  const char* className_;
+  const char* routine_;
+};
+
+/// Throws the exception in flight on, as a PlacedFault unless it is one or reports itself in another way.
+[[noreturn]] void throwPlaced(const char* className, const char* routine);
+
+/// Runs the body of a routine with a name of its own inside an operation: hosts know faults in it by that
+/// name, not by that of the operation.
+template <class Body>
+std::invoke_result_t<Body> inRoutine(const char* className, const char* routine, Body&& body) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (...) {
+    throwPlaced(className, routine);
+  }
+}
+
+/// Whether the body of such a routine succeeded: for a step after whose failure, which is reported, its
+/// caller goes on.
+template <class Body>
+bool succeeds(Session& session, const char* className, const char* routine, Body&& body) noexcept {
+  bool qOK = false;
+  guarded(session, qOK, className, routine, std::forward<Body>(body));
+  return qOK;
+}
+
+/// What a body returns. After an exception an empty result, and a report in the name of the routine: hosts
+/// know faults by the routine in which they occur, also within another operation.
+template <class Body>
+std::invoke_result_t<Body> attempt(Session& session, const char* className, const char* routine,
+                                   Body&& body) noexcept {
+  try {
+    return std::forward<Body>(body)();
+  } catch (...) {
+    reportCurrentException(session, className, routine);
+    return std::invoke_result_t<Body>();
+  }
+}
+
+/// Output of an operation: unchanged without a result.
+template <class Result>
+void give(std::optional<Result> result, Result& out, bool& qOK) {
+  qOK = result.has_value();
+  if (qOK) out = std::move(*result);
 }
 
 }  // namespace lumbarn

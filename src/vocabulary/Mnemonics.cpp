@@ -33,12 +33,6 @@ constexpr auto classWords = std::to_array<KeyedText>({
 });
 static_assert(keysRise<classWords>);
 
-/// A mnemonic taken apart; both are views into it.
-struct VectorParts {
-  std::string_view variable;
-  std::string_view number;
-};
-
 VectorParts splitSummaryVector(std::string_view vector) {
   if (vector.size() < 2) return {vector, {}};
   std::size_t prefix = 0;
@@ -53,12 +47,6 @@ VectorParts splitSummaryVector(std::string_view vector) {
   const auto underscore = vector.find('_');
   if (underscore == std::string_view::npos) return {vector, {}};
   return {vector.substr(0, underscore), vector.substr(underscore + 1)};
-}
-
-VectorParts splitVector(std::string_view kind, std::string_view vector) {
-  if (kind == "SUMMARY") return splitSummaryVector(vector);
-  if (kind == "SEGBRAN" && vector.size() > 3) return {vector.substr(3), {}};
-  return {vector, {}};
 }
 
 }  // namespace
@@ -82,10 +70,18 @@ std::string_view classOfKey(std::string_view zKey) {
   return row->key == "R" && key.size() >= 3 && key[2] == 'F' ? "IRF" : row->text;
 }
 
+VectorParts splitVector(std::string_view zKind, std::string_view zVector) {
+  const auto kind = trim(zKind);
+  const auto vector = trim(zVector);
+  if (kind == "SUMMARY") return splitSummaryVector(vector);
+  if (kind == "SEGBRAN" && vector.size() > 3) return {vector.substr(3), {}};
+  return {vector, {}};
+}
+
 void getEclipseVectorInfo(std::string_view zKind, std::string_view zVector, std::string& zVariable,
                           std::string& zNumber, bool& qOK) {
   qOK = false;
-  const auto parts = splitVector(trim(zKind), trim(zVector));
+  const auto parts = splitVector(zKind, zVector);
   zVariable = parts.variable;
   zNumber = parts.number;
   qOK = true;

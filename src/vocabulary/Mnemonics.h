@@ -15,9 +15,15 @@ std::string_view classOfKey(std::string_view zKey);
 /// True for the solver and step statistics whose first letter is that of another class.
 bool isMiscellaneousKey(std::string_view zKey);
 
-/// Splits a mnemonic into its variable and the number behind an underscore, which is empty when there is
-/// none. Kinds are "SUMMARY" ("LWTPR_3" gives "TPR" and "3") and "SEGBRAN" ("SEGPRES" gives "PRES"); a vector
-/// of any other kind is a variable as it stands. Any text has an answer: qOK is True.
+/// A mnemonic taken apart; both are views into it.
+struct VectorParts {
+  std::string_view variable;
+  std::string_view number;  ///< behind an underscore; empty when there is none
+};
+/// Takes a mnemonic apart. Kinds are "SUMMARY" ("LWTPR_3" gives "TPR" and "3") and "SEGBRAN" ("SEGPRES" gives
+/// "PRES"); a vector of any other kind is a variable as it stands.
+VectorParts splitVector(std::string_view zKind, std::string_view zVector);
+/// Calling form of the same. Any text has an answer: qOK is True.
 void getEclipseVectorInfo(std::string_view zKind, std::string_view zVector, std::string& zVariable,
                           std::string& zNumber, bool& qOK);
 /// Description text for the kinds "SUMMARY", "SEGBRAN" and "Table"; the vector itself for others. zNumberOut

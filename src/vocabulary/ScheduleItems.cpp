@@ -77,11 +77,15 @@ std::int32_t classSlot(std::string_view vector, std::size_t letter) {
 
 }  // namespace
 
-void scheduleVector(std::string_view zVariable, std::int32_t& iCode, std::int32_t& iPhase, bool& qOK) {
-  qOK = false;
+ScheduleCode scheduleCode(std::string_view zVariable) {
   const ScheduleItem* item = findRow(scheduleItems, trim(zVariable));
-  iCode = item ? item->iCode : -1;
-  iPhase = item ? item->iPhase : noPhase;
+  return item ? ScheduleCode{item->iCode, item->iPhase} : ScheduleCode{};
+}
+
+void scheduleVector(std::string_view zVariable, std::int32_t& iCode, std::int32_t& iPhase, bool& qOK) {
+  const ScheduleCode found = scheduleCode(zVariable);
+  iCode = found.iCode;
+  iPhase = found.iPhase;
   qOK = true;
 }
 
@@ -93,14 +97,14 @@ void scheduleVectorInfo(std::string& zVector, std::int32_t& iClass, std::int32_t
   iClass = classSlot(vector, 0);
   if (iClass == gridClass) iClass = classSlot(vector, 1);
   if (iClass == wellClass || iClass == fieldClass) {
-    std::string variable;
-    std::string number;
-    getEclipseVectorInfo("SUMMARY", vector, variable, number, qOK);
-    scheduleVector(variable, iCode, iPhase, qOK);
-    const auto value = toInteger(number);
+    const VectorParts parts = splitVector("SUMMARY", vector);
+    const ScheduleCode found = scheduleCode(parts.variable);
+    iCode = found.iCode;
+    iPhase = found.iPhase;
+    const auto value = toInteger(parts.number);
     if (value && std::in_range<std::int32_t>(*value)) {
       iNumber = static_cast<std::int32_t>(*value);
-      zVector = variable;
+      zVector = std::string(parts.variable);
     }
   }
   qOK = true;

@@ -6,8 +6,13 @@
 
 namespace lumbarn {
 
-/// The schedule item that a summary variable feeds, and its phase: 1 for production, 2 for injection, -1
-/// where that has no meaning. Both are -1 for a variable that feeds none, which is no failure: qOK is True.
+/// The schedule item that a summary variable feeds. Both numbers are -1 for a variable that feeds none.
+struct ScheduleCode {
+  std::int32_t iCode = -1;
+  std::int32_t iPhase = -1;  ///< 1 for production, 2 for injection, -1 where that has no meaning
+};
+ScheduleCode scheduleCode(std::string_view zVariable);
+/// Calling form of the same. A variable that feeds none is no failure: qOK is True.
 void scheduleVector(std::string_view zVariable, std::int32_t& iCode, std::int32_t& iPhase, bool& qOK);
 
 /// The same from a whole mnemonic, and its class slot (for a vector of a local grid that of the class within

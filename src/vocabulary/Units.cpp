@@ -46,6 +46,7 @@ constexpr auto units = std::to_array<UnitRow>({
     {None, {}},
     {Time, {"DAYS", "DAYS", "HOURS", "DAYS"}},
     {Length, {"M", "FT", "CM", "M"}},
+    {Volume, {"M3", "FT3", "CC", "M3"}},
     {Pressure, {"BARSA", "PSIA", "ATMA", "ATMA"}},
     {PressureDifference, {"BARS", "PSI", "ATM", "ATM"}},
     {Density, {"KG/M3", "LB/FT3", "GM/CC", "KG/M3"}},

@@ -39,6 +39,7 @@ enum class Quantity : std::uint8_t {
   None,
   Time,
   Length,
+  Volume,
   Pressure,
   PressureDifference,
   Density,

@@ -3,9 +3,9 @@
 
 #include <fmt/format.h>
 
-#include "../support/Fault.h"
 #include "../support/Sorting.h"
-#include "QVEclipseRFTtest.h"
+#include "TestColumns.h"
+#include "TestProcessing.h"
 
 namespace lumbarn {
 
@@ -17,7 +17,7 @@ class Refiller {
   Refiller(TestTable& table, std::span<const std::int32_t> order) : table_(table), order_(order) {}
 
   void ordered(std::string_view name, std::span<const float> from,
-               std::uint64_t headerAt = TestTable::workedOut) {
+               std::uint64_t headerAt = TestTable::derived) {
     const std::span<float> out = next(name, headerAt);
     for (std::size_t r = 0; r < out.size(); ++r) out[r] = from[static_cast<std::size_t>(order_[r] - 1)];
   }
@@ -32,7 +32,7 @@ class Refiller {
   }
 
  private:
-  std::span<float> next(std::string_view name, std::uint64_t headerAt = TestTable::workedOut) {
+  std::span<float> next(std::string_view name, std::uint64_t headerAt = TestTable::derived) {
     table_.columns[done_] = {ColumnName(name), headerAt};
     return std::span(table_.values).subspan(done_++ * table_.rows, table_.rows);
   }
@@ -42,54 +42,33 @@ class Refiller {
   std::size_t done_ = 0;
 };
 
-}  // namespace
-
-void QVEclipseRFTtest::processPLTRecords() {
-  if (!qPLT_ || !ProcessPLT) return;
-  processRFTPLTRecords(plt_);
-  const auto n = static_cast<std::size_t>(nConnections_);
-  const std::int32_t m = plt_.count;  // without the next column, which is lost when the table is re-formed
-  iSort_.resize(n);
-  std::iota(iSort_.begin(), iSort_.end(), 1);
-  const std::vector<float> completions(iSort_.begin(), iSort_.end());
-  addArray(plt_, "COMPLETION", completions);
-  if (n < 1 || m < 1) return;
-  pltColumns_.set(plt_);
-  setPLTBranches(n);
-  if (!pltColumns_.has(PltColumn::CONLENST)) return;
-  if (pltColumns_.has(PltColumn::CONLENEN)) reformPLT(n, m);
-  step("setPLTSegmentData", &QVEclipseRFTtest::setPLTSegmentData,
-       "left out the rates of segments from connections");
-}
-
 /// All connections on branch 1 count as one branch, though the test then has no branches to ask for.
-void QVEclipseRFTtest::setPLTBranches(std::size_t n) {
-  if (!pltColumns_.has(PltColumn::CONBRNO)) return;
-  const auto numbers = plt_.column(pltColumns_[PltColumn::CONBRNO], n);
+void setPltBranches(ProcessedTest& test, std::span<const float> numbers) {
   const auto [least, most] = std::ranges::minmax(numbers);
   if (!(least > 0 && most >= 1)) return;
-  nPLTBranches_ = rounded(most);
-  if (nPLTBranches_ < 2) return;
-  qPLTBranches_ = true;
-  // The number comes from the file: records are made as far as a segment can ask for one, those behind are
+  test.nPltBranches = rounded(most);
+  if (test.nPltBranches < 2) return;
+  test.hasPltBranches = true;
+  // The number comes from the file: records are made as far as a segment can refer to one, those beyond are
   // implied.
-  const std::int32_t made = std::min(nPLTBranches_, std::max(nConnections_, nSegments_));
-  branches_.assign(static_cast<std::size_t>(made), {});
-  for (std::int32_t i = 1; i <= made; ++i) branches_[static_cast<std::size_t>(i - 1)].iNumber = i;
-  qImpliedBranches_ = true;
+  const std::int32_t made =
+      std::min(test.nPltBranches, std::max(test.tables.nConnections, test.tables.nSegments));
+  test.branches.assign(static_cast<std::size_t>(made), {});
+  for (std::int32_t i = 1; i <= made; ++i) test.branches[static_cast<std::size_t>(i - 1)].iNumber = i;
+  test.impliedBranches = true;
 }
 
 /// Columns of rates, empty where the file has none; there is at least one connection.
-struct QVEclipseRFTtest::PltRates {
+struct PltRates {
   std::span<const float> oil, water, gas, tubeOil, tubeWater, tubeGas;
 
   bool hasWaterCut() const { return !oil.empty() && !water.empty(); }
   bool hasGasOilRatio() const { return !oil.empty() && !gas.empty(); }
-  std::size_t workedOut() const {
+  std::size_t derived() const {
     return std::size_t{!oil.empty()} + !water.empty() + !gas.empty() + 2 * hasWaterCut() +
            2 * hasGasOilRatio();
   }
-  /// Fills the columns that are worked out.
+  /// Fills the derived columns.
   void fill(Refiller& refill, std::span<const float> length) const {
     const auto of = [](std::span<const float> values) {
       return [values](std::size_t i) { return values[i]; };
@@ -111,17 +90,34 @@ struct QVEclipseRFTtest::PltRates {
   }
 };
 
-/// Rates in the tubing are taken to be there when those of the connections are: without them, a fault.
+/// The PLT table of a test while it is re-formed.
+struct PltWork {
+  explicit PltWork(TestWork& test) : work(test) { columns.set(plt); }
+
+  TestWork& work;
+  TestTable& plt = work.test.tables.plt;
+  std::size_t n = static_cast<std::size_t>(work.test.tables.nConnections);
+  ColumnNumbers<PltColumn> columns{};
+
+  bool has(PltColumn column) const { return columns.has(column); }
+  std::span<const float> values(PltColumn column) const { return plt.column(columns[column], n); }
+  std::uint64_t headerOf(PltColumn column) const {
+    return plt.columns[static_cast<std::size_t>(columns[column] - 1)].headerAt;
+  }
+};
+
+/// Rates in the tubing are expected wherever there are rates of the connections: without them, a fault.
 /// Deliberate.
-QVEclipseRFTtest::PltRates QVEclipseRFTtest::ratesOfPLT(std::size_t n) const {
+PltRates ratesOf(const PltWork& plt) {
   const auto given = [&](PltColumn column) {
-    return pltColumns_.has(column) ? plt_.column(pltColumns_[column], n) : std::span<const float>();
+    return plt.has(column) ? plt.values(column) : std::span<const float>();
   };
   const auto inTubing = [&](PltColumn column, std::string_view name) {
-    if (pltColumns_.has(column)) return given(column);
-    tell(Message::WellTestDerived, name, beginsAt_, "test has rates of connections and none in the tubing",
-         {}, {}, "worked out nothing from its PLT");
-    throw ToldFault(FaultNumber::Subscript);
+    if (plt.has(column)) return given(column);
+    plt.work.report(Message::WellTestDerived, name, plt.work.test.header.beginsAt,
+                    "test has rates of connections and none in the tubing", {}, {},
+                    "worked out nothing from its PLT");
+    throw ReportedFault(FaultNumber::Subscript);
   };
   PltRates rates{given(PltColumn::CONORAT), given(PltColumn::CONWRAT), given(PltColumn::CONGRAT), {}, {}, {}};
   if (rates.hasWaterCut() || rates.hasGasOilRatio()) rates.tubeOil = inTubing(PltColumn::CONOTUB, "CONOTUB");
@@ -130,83 +126,113 @@ QVEclipseRFTtest::PltRates QVEclipseRFTtest::ratesOfPLT(std::size_t n) const {
   return rates;
 }
 
-/// The table by measured depth, with what is worked out from it. m: columns of the file.
-void QVEclipseRFTtest::reformPLT(std::size_t n, std::int32_t m) {
-  const std::int32_t iStart = pltColumns_[PltColumn::CONLENST];
-  const std::int32_t iEnd = pltColumns_[PltColumn::CONLENEN];
-  const auto start = plt_.column(iStart, n);
-  const auto end = plt_.column(iEnd, n);
+/// The table by measured depth with the derived columns. fromFile: columns of the file.
+void reform(PltWork& plt, std::int32_t fromFile) {
+  const std::size_t n = plt.n;
+  const auto start = plt.values(PltColumn::CONLENST);
+  const auto end = plt.values(PltColumn::CONLENEN);
   std::vector<float> middle(n);
   std::vector<float> length(n);
   for (std::size_t i = 0; i < n; ++i) {
     middle[i] = (start[i] + end[i]) * 0.5F;
     length[i] = end[i] - start[i];
   }
-  const PltRates rates = ratesOfPLT(n);
+  const PltRates rates = ratesOf(plt);
+  const TestOptions& options = plt.work.options;
   // Not before the rates: where they end in a fault the PLT columns stay in the order of the file, and the
-  // RFT columns are given out in the same order.
-  if (SortedPLT) iSort_ = sortPositions(middle);
+  // RFT columns are returned in the same order.
+  std::vector<std::int32_t>& order = plt.work.test.rowOrder;
+  if (options.SortedPLT) order = sortPositions(middle);
 
-  TestTable table;  // in memory that is given back: the test has room for the columns of it that count
+  TestTable table;  // on the heap: the memory of the test is not freed, and has the columns that were read
   table.rows = n;
-  table.columns.resize(static_cast<std::size_t>(m) + 2 + rates.workedOut());
+  table.columns.resize(static_cast<std::size_t>(fromFile) + 2 + rates.derived());
   table.values.resize(table.columns.size() * n);
-  Refiller refill(table, iSort_);
+  Refiller refill(table, order);
   refill.ordered("CONMD", middle);
-  refill.ordered("CONLENST", start, plt_.columns[static_cast<std::size_t>(iStart - 1)].headerAt);
-  refill.ordered("CONLENEN", end, plt_.columns[static_cast<std::size_t>(iEnd - 1)].headerAt);
+  refill.ordered("CONLENST", start, plt.headerOf(PltColumn::CONLENST));
+  refill.ordered("CONLENEN", end, plt.headerOf(PltColumn::CONLENEN));
   refill.ordered("CONLENTH", length);
-  for (std::int32_t i = 1; i <= m; ++i) {
-    const auto& column = plt_.columns[static_cast<std::size_t>(i - 1)];
-    if (i != iStart && i != iEnd) refill.ordered(column.name, plt_.column(i, n), column.headerAt);
+  for (std::int32_t i = 1; i <= fromFile; ++i) {
+    if (i == plt.columns[PltColumn::CONLENST] || i == plt.columns[PltColumn::CONLENEN]) continue;
+    const auto& column = plt.plt.columns[static_cast<std::size_t>(i - 1)];
+    refill.ordered(column.name, plt.plt.column(i, n), column.headerAt);
   }
   // Columns by length are asked for whether they were made or not. The table has its new size by then, with
   // the old number of columns in use. Deliberate.
-  const bool unscaled = !ScaledPLT && rates.workedOut() > 0;
+  const bool unscaled = !options.ScaledPLT && rates.derived() > 0;
   if (!unscaled) rates.fill(refill, length);
-  table.count = unscaled ? plt_.count : static_cast<std::int32_t>(table.columns.size());
-  plt_ = std::move(table);
+  table.count = unscaled ? plt.plt.count : static_cast<std::int32_t>(table.columns.size());
+  plt.plt = std::move(table);
   if (unscaled) throw Fault(FaultNumber::Subscript);
-  pltColumns_.set(plt_);
+  plt.columns.set(plt.plt);
 }
 
-/// Adds the rates of the connections up by the segment that they feed.
-void QVEclipseRFTtest::setPLTSegmentData() {
-  if (nSegments_ < 1 || nConnections_ < 1 || !pltColumns_.has(PltColumn::CONSEGNO)) return;
-  const auto n = static_cast<std::size_t>(nConnections_);
-  const std::int32_t iSegments = pltColumns_[PltColumn::CONSEGNO];
-  const auto numbers = plt_.column(iSegments, n);
-  std::vector<std::int32_t> segmentOf(n);
-  std::ranges::transform(numbers, segmentOf.begin(), rounded);
+/// The segment of each connection, from 1.
+std::vector<std::int32_t> segmentsOf(const PltWork& plt) {
+  std::vector<std::int32_t> segments(plt.n);
+  std::ranges::transform(plt.values(PltColumn::CONSEGNO), segments.begin(), rounded);
+  return segments;
+}
 
-  const auto null = static_cast<float>(session_->NullValue);
+/// Adds up the rates of the connections by the segment that they feed.
+void setPLTSegmentData(TestWork& work) {
+  TestTables& tables = work.test.tables;
+  const PltWork plt(work);
+  if (tables.nSegments < 1 || tables.nConnections < 1 || !plt.has(PltColumn::CONSEGNO)) return;
+  const std::vector<std::int32_t> segmentOf = segmentsOf(plt);
+  const auto null = static_cast<float>(work.report.session.NullValue);
   constexpr PltColumn rates[] = {PltColumn::CONORAT, PltColumn::CONWRAT, PltColumn::CONGRAT};
-  const auto nSegments = static_cast<std::size_t>(nSegments_);
+  const auto nSegments = static_cast<std::size_t>(tables.nSegments);
   std::vector<float> sums(3 * nSegments, null);
   for (std::size_t k = 0; k < 3; ++k) {
-    if (!pltColumns_.has(rates[k])) continue;
-    const auto rate = plt_.column(pltColumns_[rates[k]], n);
-    for (std::size_t i = 0; i < n; ++i) {
-      if (segmentOf[i] < 1 || segmentOf[i] > nSegments_) {
-        tell(Message::WellTestReference, "CONSEGNO",
-             plt_.columns[static_cast<std::size_t>(iSegments - 1)].headerAt,
-             "connection on a segment that is not there", fmt::format("1 to {}", nSegments_),
-             fmt::format("{}", segmentOf[i]), "left out the rates of segments from connections");
-        throw ToldFault(FaultNumber::Subscript);
+    if (!plt.has(rates[k])) continue;
+    const auto rate = plt.values(rates[k]);
+    for (std::size_t i = 0; i < plt.n; ++i) {
+      if (segmentOf[i] < 1 || segmentOf[i] > tables.nSegments) {
+        work.report(Message::WellTestReference, "CONSEGNO", plt.headerOf(PltColumn::CONSEGNO),
+                    "connection on a segment that is not there", fmt::format("1 to {}", tables.nSegments),
+                    fmt::format("{}", segmentOf[i]), "left out the rates of segments from connections");
+        throw ReportedFault(FaultNumber::Subscript);
       }
       float& sum = sums[k * nSegments + static_cast<std::size_t>(segmentOf[i] - 1)];
-      // The first rate takes the place of the null value, and so does any that follows a sum that happens
-      // to be the null value. Deliberate.
+      // The first rate replaces the null value, and so does any that follows a sum that happens to be the
+      // null value. Deliberate.
       sum = sum == null ? rate[i] : sum + rate[i];
     }
   }
-  for (const std::string_view name : {"SEGCORAT", "SEGCWRAT", "SEGCGRAT"}) {
-    const auto k = static_cast<std::size_t>(name[4] == 'O' ? 0 : name[4] == 'W' ? 1 : 2);
-    addArray(seg_, name, std::span<const float>(sums).subspan(k * nSegments, nSegments));
+  constexpr std::string_view sumNames[] = {"SEGCORAT", "SEGCWRAT", "SEGCGRAT"};
+  for (std::size_t k = 0; k < 3; ++k) {
+    tables.add(tables.segments, sumNames[k], std::span<const float>(sums).subspan(k * nSegments, nSegments),
+               work.report);
   }
-  // Sums by length are never worked out, but their columns are there. Deliberate.
+  // Sums by length are never derived, but their columns are there. Deliberate.
   const std::vector<float> none(nSegments, null);
-  for (const std::string_view name : {"SEGCORTS", "SEGCWRTS", "SEGCGRTS"}) addArray(seg_, name, none);
+  for (const std::string_view name : {"SEGCORTS", "SEGCWRTS", "SEGCGRTS"})
+    tables.add(tables.segments, name, none, work.report);
+}
+
+}  // namespace
+
+void processPLTRecords(TestWork& work) {
+  ProcessedTest& test = work.test;
+  TestTables& tables = test.tables;
+  if (!tables.hasPlt || !work.options.ProcessPLT) return;
+  addIndices(work, tables.plt);
+  const auto n = static_cast<std::size_t>(tables.nConnections);
+  const std::int32_t fromFile = tables.plt.count;  // the next column is lost when the table is re-formed
+  test.rowOrder.resize(n);
+  std::iota(test.rowOrder.begin(), test.rowOrder.end(), 1);
+  const std::vector<float> completions(test.rowOrder.begin(), test.rowOrder.end());
+  tables.add(tables.plt, "COMPLETION", completions, work.report);
+  if (n < 1 || fromFile < 1) return;
+  PltWork plt(work);
+  test.pltBranchColumn = plt.columns[PltColumn::CONBRNO];
+  if (plt.has(PltColumn::CONBRNO)) setPltBranches(test, plt.values(PltColumn::CONBRNO));
+  if (!plt.has(PltColumn::CONLENST)) return;
+  if (plt.has(PltColumn::CONLENEN)) reform(plt, fromFile);
+  test.pltBranchColumn = plt.columns[PltColumn::CONBRNO];
+  runStep(work, "setPLTSegmentData", setPLTSegmentData, "left out the rates of segments from connections");
 }
 
 }  // namespace lumbarn

@@ -38,21 +38,21 @@ class ProcessedTests final : public TestFile {
     test_.reset();
     memory_.release();
     test_ = std::make_unique<QVEclipseRFTtest>(session_, &memory_);
-    bool last = false;
-    test_->getEclipseRFTtest(*records_, last);
+    test_->read(*records_);
     // A test that a fault ended leaves its other records behind; the next test begins with its own TIME.
     more_ = !session_.cancelled() && records_->skipToTest(session_);
     if (session_.cancelled() || (records_->damaged() && records_->recordsRead == 0)) return false;
     showProgress();
     summary_ = {.number = ++number_,
-                .well = test_->well(),
+                .well = std::string(test_->well()),
                 .date = test_->date(),
-                .numberInWell = ++numberOf_[test_->well()],
-                .grid = test_->grid(),
+                .numberInWell = 0,
+                .grid = std::string(test_->grid()),
                 .rows = static_cast<std::size_t>(test_->nConnections()),
                 .pltBranches = test_->nPLTBranches(),
                 .branches = test_->nBranches(),
                 .icdBranches = test_->nICDBranches()};
+    summary_.numberInWell = ++numberOf_[summary_.well];
     addKind(test_->qRFT(), "RFT");
     addKind(test_->qPLT(), "PLT");
     addKind(test_->qSEG(), "SEG");
@@ -63,21 +63,18 @@ class ProcessedTests final : public TestFile {
   std::vector<TestColumn> columns(std::int32_t branch, std::string& why) override {
     why = whyNot(branch);
     if (!why.empty()) return {};
-    XYData values;
-    ByteTable headers;
-    bool qOK = false;
-    fetch(branch, values, headers, qOK);
-    if (!qOK) {
+    const auto result = test_->table(part_, branch);
+    if (!result) {
       why = part_ == TestPart::PltBranch
                 ? fmt::format("test {} has no connections to show of PLT branch {}", summary_.number, branch)
                 : fmt::format("test {} cannot be read", summary_.number);
       return {};
     }
     std::vector<TestColumn> columns;
-    for (std::size_t i = 1; i <= headers.entries(); ++i) {
-      const auto column = values.column(i);
-      columns.push_back({ExtractAttribute(attributeVariable, headers, i),
-                         ExtractAttribute(attributeUnits, headers, i),
+    for (std::size_t i = 1; i <= result->headers.entries(); ++i) {
+      const auto column = result->values.column(i);
+      columns.push_back({ExtractAttribute(attributeVariable, result->headers, i),
+                         ExtractAttribute(attributeUnits, result->headers, i),
                          std::vector<float>(column.begin(), column.end()), ""});
     }
     if (part_ == TestPart::Branch || part_ == TestPart::Devices) clearUnknown(columns);
@@ -107,30 +104,6 @@ class ProcessedTests final : public TestFile {
         return noBranch(summary_, branch, summary_.branches, "branch");
       default:
         return noBranch(summary_, branch, summary_.icdBranches, "ICD branch");
-    }
-  }
-
-  void fetch(std::int32_t branch, XYData& values, ByteTable& headers, bool& qOK) const {
-    switch (part_) {
-      case TestPart::Rft:
-        test_->getRFTtestData(values, qOK);
-        if (qOK) test_->getRFTtestHeaders(headers, qOK);
-        return;
-      case TestPart::Plt:
-        test_->getPLTtestData(values, qOK);
-        if (qOK) test_->getPLTtestHeaders(headers, qOK, false);
-        return;
-      case TestPart::PltBranch:
-        test_->getPLTBranchtestData(values, qOK, branch);
-        if (qOK) test_->getPLTtestHeaders(headers, qOK, true);
-        return;
-      case TestPart::Branch:
-        test_->getBRANCHtestData(values, qOK, branch);
-        if (qOK) test_->getSEGtestHeaders(headers, qOK, 1, "");
-        return;
-      default:
-        test_->getICDBRANCHtestData(values, qOK, branch);
-        if (qOK) test_->getSEGtestHeaders(headers, qOK, 1, "ICDBRAN");
     }
   }
 
@@ -251,10 +224,9 @@ std::unique_ptr<TestFile> openUsers(const std::string& path, FileKind kind, Test
   qvUserRFT file(session);
   const bool rft = kind == FileKind::UserRft;
   if (!(rft ? file.CheckRFTFile(path) : file.CheckPLTFile(path))) return nullptr;
-  bool qOK = false;
-  rft ? file.getRFTData(qOK) : file.getPLTData(qOK);
-  if (!qOK) return nullptr;
-  return std::make_unique<UserTests>(file.tests(rft ? UserTestKind::Rft : UserTestKind::Plt), kind, part);
+  const auto userKind = rft ? UserTestKind::Rft : UserTestKind::Plt;
+  if (!file.readFile(userKind)) return nullptr;
+  return std::make_unique<UserTests>(file.tests(userKind), kind, part);
 }
 
 }  // namespace

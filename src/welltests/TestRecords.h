@@ -1,50 +1,20 @@
 #pragma once
 
 #include <cstdint>
-#include <memory_resource>
-#include <string>
-#include <string_view>
 #include <vector>
 
 namespace lumbarn {
-
-/// Texts of one width in one block, as a record holds them. Texts count from 1.
-struct TextArray {
-  std::pmr::string bytes;
-  std::size_t width = 8;
-
-  std::size_t size() const { return width == 0 ? 0 : bytes.size() / width; }
-  /// Trimmed. Throws Fault 9 for a text that is not there.
-  std::string_view at(std::size_t i) const;
-  /// Trimmed; empty for a text that is not there.
-  std::string_view textOf(std::size_t i) const;
-};
-
-/// Places of texts in WELLETC, from 1.
-enum WelletcPlace : std::size_t {
-  welletcTime = 1,
-  welletcWell = 2,
-  welletcGrid = 3,
-  welletcLength = 4,
-  welletcPressure = 5,
-  welletcType = 7,
-  welletcLiquidRate = 8,
-  welletcGasRate = 9,
-  welletcReservoirRate = 10,
-  welletcVelocity = 11,
-};
 
 /// To the nearest integer, ties to even. Throws Fault 6 for a value that no 32-bit integer can stand for.
 std::int32_t rounded(float value);
 
 /// A branch of a multi-segment well.
 struct BranchRecord {
-  std::int32_t iNumber = 0;  ///< stays when device branches are taken out of the list
+  std::int32_t iNumber = 0;  ///< does not change when device branches are removed from the list
   std::int32_t iFirst = 0;   ///< segments, from 1
   std::int32_t iLast = 0;
   std::int32_t nSegments = 0;  ///< last - first + 1
   bool qICD = false;
-  std::string zName;
 };
 
 /// A segment of a multi-segment well. Singles that no array gives hold the null value, integers -1.

@@ -44,4 +44,9 @@ std::int32_t TestTable::find(std::string_view name) const {
   return -1;
 }
 
+std::uint64_t TestTable::headerOf(std::string_view name) const {
+  const std::int32_t i = find(name);
+  return i > 0 ? columns[static_cast<std::size_t>(i - 1)].headerAt : derived;
+}
+
 }  // namespace lumbarn

@@ -30,10 +30,10 @@ struct TestTable {
   explicit TestTable(std::size_t usual = 0, Memory* memory = std::pmr::get_default_resource())
       : usualColumns(usual), columns(memory), values(memory) {}
 
-  static constexpr std::uint64_t workedOut = ~std::uint64_t{0};
+  static constexpr std::uint64_t derived = ~std::uint64_t{0};
   struct Column {
     ColumnName name;
-    std::uint64_t headerAt = workedOut;  ///< byte offset of its record in the file; workedOut: in none
+    std::uint64_t headerAt = derived;  ///< byte offset of its record in the file; derived: computed
   };
 
   std::size_t usualColumns;  ///< room that is taken with the first column
@@ -44,7 +44,7 @@ struct TestTable {
 
   bool empty() const { return columns.empty(); }
   /// A new column behind those in use, its values not yet set.
-  std::span<float> add(std::string_view name, std::uint64_t headerAt = workedOut);
+  std::span<float> add(std::string_view name, std::uint64_t headerAt = derived);
   /// Takes the last column back.
   void removeLast();
   /// The first n rows of a column. Throws Fault 9 for a column or rows that are not there, so for the -1 of a
@@ -52,6 +52,8 @@ struct TestTable {
   std::span<const float> column(std::int32_t iColumn, std::size_t n) const;
   /// Number of the first column in use with exactly this name, or -1.
   std::int32_t find(std::string_view name) const;
+  /// Byte offset of the record of that column; `derived` when there is none.
+  std::uint64_t headerOf(std::string_view name) const;
 };
 
 }  // namespace lumbarn

@@ -6,12 +6,9 @@
 
 #include "../support/Fault.h"
 #include "../support/Guarded.h"
-#include "../support/Text.h"
-#include "../vocabulary/Segments.h"
-#include "../vocabulary/Units.h"
-#include "QVEclipseRFTtest.h"
-#include "TestUnits.h"
-#include "TimeOfDay.h"
+#include "TestParser.h"
+#include "TestRecords.h"
+#include "TestTables.h"
 
 namespace lumbarn {
 
@@ -42,21 +39,29 @@ std::optional<WellTestColumn::Values> readValues(RecordCursor& cursor) {
       cursor.readLogicals(values);
       return std::vector<bool>(values.begin(), values.end());
     }
-    case ElementType::Text: {
-      std::vector<std::string> texts = cursor.texts();
-      for (std::string& text : texts) text = trim(text);
-      return texts;
-    }
+    case ElementType::Text:
+      return cursor.texts();
     default:
       return std::nullopt;
   }
 }
 
+/// Keeps every array as it is.
+struct ColumnSink final : TestSink {
+  std::vector<WellTestColumn> columns;
+
+  void array(RecordCursor& cursor) override {
+    const RecordHeader& header = cursor.header();
+    if (auto values = readValues(cursor))
+      columns.push_back({header.keyword, std::move(*values), header.headerAt});
+  }
+};
+
 WellTestUnits unitsOf(const TextArray& welletc) {
-  constexpr std::size_t viscosity = 13;
-  const auto text = [&](std::size_t place) { return std::string(welletc.textOf(place)); };
-  return {text(welletcTime),    text(welletcLength),        text(welletcPressure), text(welletcLiquidRate),
-          text(welletcGasRate), text(welletcReservoirRate), text(welletcVelocity), text(viscosity)};
+  const auto text = [&](WelletcText position) { return std::string(welletc.textOf(position)); };
+  using enum WelletcText;
+  return {text(Time),    text(Length),        text(Pressure), text(LiquidRate),
+          text(GasRate), text(ReservoirRate), text(Velocity), text(Viscosity)};
 }
 
 }  // namespace
@@ -83,16 +88,7 @@ const WellTestColumn* WellTestTable::find(std::string_view name) const {
   return found == columns.end() ? nullptr : &*found;
 }
 
-std::string WellTest::unit(std::string_view name) const {
-  if (std::string text = connectionUnit(name, rawWelletc); !text.empty()) return text;
-  std::vector<std::string> names;
-  std::vector<std::string> segmentUnits;
-  std::int32_t count = 0;
-  bool qOK = false;
-  setSEGHeaders(welletc, names, segmentUnits, count, qOK);
-  const auto found = std::ranges::find(names, name);
-  return found == names.end() ? std::string() : segmentUnits[static_cast<std::size_t>(found - names.begin())];
-}
+std::string WellTest::unit(std::string_view name) const { return unitOf(name, rawWelletc); }
 
 std::unique_ptr<WellTestReader> WellTestReader::open(const std::string& path, Session& session) {
   std::string why;
@@ -111,88 +107,46 @@ std::unique_ptr<WellTestReader> WellTestReader::open(const std::string& path, Se
 }
 
 bool WellTestReader::next(WellTest& test) {
-  bool qOK = false;
-  guarded(*session_, qOK, "WellTestReader", "next", [&] {
+  return attempt(*session_, "WellTestReader", "next", [&] {
     for (;;) {
-      test = {};
+      test = {};  // frees the memory of the test before
       if (records_->atDamage() && !records_->skipToTest(*session_)) return false;
-      std::vector<WellTestColumn> columns;
-      if (readTest(test, columns)) return true;
+      if (readTest(test)) return true;
       if (records_->atDamage()) continue;
       if (!session_->cancelled()) records_->checkUnchanged(*session_);
       return false;
     }
   });
-  return qOK;
 }
 
-bool WellTestReader::readTest(WellTest& test, std::vector<WellTestColumn>& columns) {
-  std::vector<std::int32_t> date;
-  bool timed = false;
-  bool any = false;
-  bool reading = false;
-  try {
-    while (records_->next()) {
-      if (session_->cancelled()) return false;
-      if (records_->header().is("TIME", ElementType::Single)) {
-        if (timed) {
-          records_->stepBack();
-          break;
-        }
-        timed = true;
-      }
-      any = true;
-      reading = true;
-      readRecord(test, date, columns);
-      reading = false;
-    }
-  } catch (BadRecord& damage) {
-    records_->setDamaged();
-    // The TIME of the next test may be what is cut off; then this one is whole.
-    test.complete = !reading && timed && records_->header().is("TIME", ElementType::Single);
-    damage.diagnosis().action = test.complete || !any
-                                    ? "kept the tests before it"
-                                    : "kept the tests before it, and of this one the arrays as read";
-    session_->diagnose(damage.diagnosis());
-  }
-  if (!any) return false;
-  finish(test, date, std::move(columns));
+bool WellTestReader::readTest(WellTest& test) {
+  TestHeader header;
+  ColumnSink sink;
+  ParsedTest parsed = parseTest(*records_, *session_, header, sink);
+  if (parsed.damage) session_->diagnose(std::move(*parsed.damage));
+  if (!parsed.any || parsed.end == ParsedTest::End::Canceled) return false;
+  test = testOf(header);
+  test.complete = parsed.complete;
+  sortColumns(test, std::move(sink.columns));
   return true;
 }
 
-void WellTestReader::readRecord(WellTest& test, std::vector<std::int32_t>& date,
-                                std::vector<WellTestColumn>& columns) {
-  RecordCursor& cursor = records_->cursor();
-  const RecordHeader& header = cursor.header();
-  if (header.is("TIME", ElementType::Single) && header.count > 0) {
-    cursor.read(std::span(&test.time, 1));
-  } else if (header.is("DATE", ElementType::Integer)) {
-    date = cursor.integers();
-  } else if (header.is("WELLETC", ElementType::Text)) {
-    test.rawWelletc.width = static_cast<std::size_t>(header.width);
-    test.rawWelletc.bytes.resize(static_cast<std::size_t>(header.count) * test.rawWelletc.width);
-    cursor.readText(test.rawWelletc.bytes);
-  } else if (records_->reportType(*session_)) {
-    return;
-  } else if (auto values = readValues(cursor)) {
-    columns.push_back({header.keyword, std::move(*values), header.headerAt});
-  }
+WellTest WellTestReader::testOf(const TestHeader& header) {
+  WellTest test;
+  test.number = ++number_;
+  test.well = header.well();
+  test.numberInWell = ++numberOf_[test.well];
+  test.grid = header.grid();
+  test.wellType = header.wellType();
+  test.time = header.time;
+  test.date = header.moment();
+  test.units = unitsOf(header.welletc);
+  for (std::size_t i = 1; i <= header.welletc.size(); ++i) test.welletc.emplace_back(header.welletc.at(i));
+  test.rawWelletc = header.welletc;
+  return test;
 }
 
-/// Names the test and sorts its arrays into tables.
-void WellTestReader::finish(WellTest& test, const std::vector<std::int32_t>& date,
-                            std::vector<WellTestColumn> columns) {
-  const TextArray& welletc = test.rawWelletc;
-  test.well = welletc.textOf(welletcWell);
-  test.grid = welletc.textOf(welletcGrid);
-  test.wellType = getWellType(welletc.textOf(welletcType));
-  for (std::size_t i = 1; i <= welletc.size(); ++i) test.welletc.emplace_back(welletc.at(i));
-  test.units = unitsOf(welletc);
-  if (date.size() >= 3)
-    test.date = testMoment(date[0], date[1], date[2], test.time, unitsPerDay(welletc.textOf(welletcTime)));
-  test.number = ++number_;
-  test.numberInWell = ++numberOf_[test.well];
-
+void WellTestReader::sortColumns(WellTest& test, std::vector<WellTestColumn> columns) const {
   for (const WellTestColumn& column : columns) {
     WellTestTable* table = tableByName(test, column.name);
     if (table && table->rows == 0) table->rows = column.size();

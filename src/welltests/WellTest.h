@@ -12,7 +12,7 @@
 #include "../support/Dates.h"
 #include "../support/Session.h"
 #include "RecordWalk.h"
-#include "TestRecords.h"
+#include "TestHeader.h"
 
 namespace lumbarn {
 
@@ -105,9 +105,9 @@ class WellTestReader {
  private:
   WellTestReader(Session& session, std::unique_ptr<RecordWalk> records)
       : session_(&session), records_(std::move(records)) {}
-  bool readTest(WellTest& test, std::vector<WellTestColumn>& columns);
-  void readRecord(WellTest& test, std::vector<std::int32_t>& date, std::vector<WellTestColumn>& columns);
-  void finish(WellTest& test, const std::vector<std::int32_t>& date, std::vector<WellTestColumn> columns);
+  bool readTest(WellTest& test);
+  WellTest testOf(const TestHeader& header);
+  void sortColumns(WellTest& test, std::vector<WellTestColumn> columns) const;
 
   Session* session_;
   std::unique_ptr<RecordWalk> records_;

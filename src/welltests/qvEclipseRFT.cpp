@@ -19,8 +19,7 @@ constexpr const char* className = "qvEclipseRFT";
 }  // namespace
 
 bool qvEclipseRFT::CheckRFTFile(std::string_view zFile) {
-  bool qOK = false;
-  guarded(*session_, qOK, className, "CheckRFTFile", [&] {
+  return attempt(*session_, className, "CheckRFTFile", [&] {
     const Recognised found = recogniseFile(std::string(zFile));
     if (found.kind != FileKind::Rft || !found.form) return false;
     FileName = zFile;
@@ -28,7 +27,6 @@ bool qvEclipseRFT::CheckRFTFile(std::string_view zFile) {
     setForm(*found.form);
     return true;
   });
-  return qOK;
 }
 
 cFILETYPE qvEclipseRFT::setSUMMARYFileTypeProps() const {
@@ -39,8 +37,8 @@ cFILETYPE qvEclipseRFT::setSUMMARYFileTypeProps() const {
   return xFile;
 }
 
-void qvEclipseRFT::getRFTData(bool& qOK) {
-  guarded(*session_, qOK, className, "getRFTData", [&] {
+bool qvEclipseRFT::readFile() {
+  return attempt(*session_, className, "getRFTData", [&] {
     qDamaged = false;
     std::string why;
     const auto reader = openWalk(FileName, setSUMMARYFileTypeProps().form(), why);
@@ -49,20 +47,18 @@ void qvEclipseRFT::getRFTData(bool& qOK) {
       return false;
     }
     if (!readTests(*reader)) return false;
-    bool qNumbered = false;
-    setRFTtestNumbers(qNumbered);
+    numberTests();
     return !(qDamaged && reader->recordsRead == 0);
   });
 }
 
-/// False when the load was cancelled.
+/// False when the load was canceled.
 bool qvEclipseRFT::readTests(RecordWalk& reader) {
   const FromTestMemory<QVEclipseRFTtest> memory(std::make_shared<TestMemory>());
   bool more = true;
   while (more) {
     const auto test = std::allocate_shared<QVEclipseRFTtest>(memory, *session_, memory.memory()->resource());
-    bool qRead = false;  // False for every test but the last, so it tells nothing
-    test->getEclipseRFTtest(reader, qRead);
+    test->read(reader);  // True for the last test only
     tests_.push_back(test);
     if (session_->yield()) return false;
     // A test that a fault ended leaves its other records behind; the next test begins with its own TIME.
@@ -84,11 +80,13 @@ void qvEclipseRFT::addRFTtest(std::shared_ptr<QVEclipseRFTtest> xRFTtest, bool& 
 }
 
 void qvEclipseRFT::setRFTtestNumbers(bool& qOK) {
-  guarded(*session_, qOK, className, "setRFTtestNumbers", [&] {
-    std::unordered_map<std::string_view, std::int32_t> numberOf;
-    for (const auto& test : tests_) test->setTestNumber(++numberOf[test->well()]);
-    return !tests_.empty();
-  });
+  guarded(*session_, qOK, className, "setRFTtestNumbers", [&] { return numberTests(); });
+}
+
+bool qvEclipseRFT::numberTests() {
+  std::unordered_map<std::string_view, std::int32_t> numberOf;
+  for (const auto& test : tests_) test->setTestNumber(++numberOf[test->well()]);
+  return !tests_.empty();
 }
 
 std::string qvEclipseRFT::Origin() {
@@ -110,141 +108,81 @@ void qvEclipseRFT::getRFTTestInfo(std::int32_t iTest, bool& qRFT, bool& qPLT, bo
   });
 }
 
-/// Which headers go with which data, and what else a host is told.
-struct qvEclipseRFT::Answer {
-  qvEclipseRFT& file;
-  const char* routine;
-  std::int32_t iTest;
+struct qvEclipseRFT::Outputs {
   XYData& xyData;
   ByteTable& bHeaders;
   std::int32_t& iNumber;
   std::string& zDate;
   std::string& zWell;
   std::string& zGrid;
-  bool qTimeOfDay;
-
-  /// `data` and `headers` are asked of the test; `branch` is the number that goes into the headers, 0 for
-  /// none.
-  template <class Data, class Headers>
-  void give(bool& qOK, std::int32_t iBranch, Data data, Headers headers) {
-    guarded(*file.session_, qOK, className, routine, [&] {
-      const QVEclipseRFTtest& xTest = file.test(iTest);
-      bool qDone = false;
-      XYData values;
-      ByteTable records;
-      data(xTest, values, qDone);
-      if (qDone) headers(xTest, records, qDone);
-      if (qDone) file.SetBranch(iBranch, records, qDone);
-      if (!qDone) return false;
-      xyData = std::move(values);
-      bHeaders = std::move(records);
-      zDate = xTest.dateText();
-      // TIME counts from the start of the run, so this is right for runs that begin at midnight.
-      if (qTimeOfDay) zDate = withTimeOfDay(std::move(zDate), xTest.days());
-      zWell = xTest.well();
-      zGrid = xTest.grid();
-      iNumber = xTest.testNumber();
-      return true;
-    });
-  }
 };
 
-/// Only the bytes that the number has are written, so that what stands behind them stays. Deliberate.
-void qvEclipseRFT::SetBranch(std::int32_t iBranch, ByteTable& bHeaders, bool& qOK) const {
-  guarded(*session_, qOK, className, "SetBranch", [&] {
-    if (iBranch < 1) return;
-    const std::string number = std::to_string(iBranch);
-    for (std::size_t i = 1; i <= bHeaders.entries(); ++i) setAttribute(attributeLGRName, bHeaders, i, number);
+void qvEclipseRFT::fetch(TestPart part, const char* routine, std::int32_t iTest, std::int32_t iBranch,
+                         Outputs out, bool& qOK) const {
+  guarded(*session_, qOK, className, routine, [&] {
+    const QVEclipseRFTtest& xTest = test(iTest);
+    auto result = xTest.table(part, iBranch);
+    if (!result) return false;
+    out.xyData = std::move(result->values);
+    out.bHeaders = std::move(result->headers);
+    out.zDate = xTest.dateText();
+    // TIME counts from the start of the run, so this is right for runs that begin at midnight.
+    if (part != TestPart::Branch && part != TestPart::Devices)
+      out.zDate = withTimeOfDay(std::move(out.zDate), xTest.days());
+    out.zWell = xTest.well();
+    out.zGrid = xTest.grid();
+    out.iNumber = xTest.testNumber();
+    return true;
   });
 }
 
 void qvEclipseRFT::GetRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
                               std::string& zDate, std::string& zWell, std::string& zGrid,
                               std::string& zOrigin, bool& qOK) {
-  Answer{*this, "GetRFTtest", iTest, xyData, bHeaders, iRFTtest, zDate, zWell, zGrid, true}.give(
-      qOK, 0, [](const auto& test, XYData& values, bool& qDone) { test.getRFTtestData(values, qDone); },
-      [](const auto& test, ByteTable& records, bool& qDone) { test.getRFTtestHeaders(records, qDone); });
+  fetch(TestPart::Rft, "GetRFTtest", iTest, 0, {xyData, bHeaders, iRFTtest, zDate, zWell, zGrid}, qOK);
   if (qOK) zOrigin = test(iTest).origin();
 }
 
 void qvEclipseRFT::GetPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
                               std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK) {
-  Answer{*this, "GetPLTtest", iTest, xyData, bHeaders, iPLTtest, zDate, zWell, zGrid, true}.give(
-      qOK, 0, [](const auto& test, XYData& values, bool& qDone) { test.getPLTtestData(values, qDone); },
-      [](const auto& test, ByteTable& records, bool& qDone) {
-        test.getPLTtestHeaders(records, qDone, false);
-      });
+  fetch(TestPart::Plt, "GetPLTtest", iTest, 0, {xyData, bHeaders, iPLTtest, zDate, zWell, zGrid}, qOK);
 }
 
 void qvEclipseRFT::GetPLTBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,
                                     std::int32_t& iPLTtest, std::string& zDate, std::string& zWell,
                                     std::string& zGrid, bool& qOK, std::int32_t iBranch) {
-  Answer{*this, "GetPLTBRANCHtest", iTest, xyData, bHeaders, iPLTtest, zDate, zWell, zGrid, true}.give(
-      qOK, iBranch,
-      [&](const auto& test, XYData& values, bool& qDone) {
-        test.getPLTBranchtestData(values, qDone, iBranch);
-      },
-      [](const auto& test, ByteTable& records, bool& qDone) {
-        test.getPLTtestHeaders(records, qDone, true);
-      });
+  fetch(TestPart::PltBranch, "GetPLTBRANCHtest", iTest, iBranch,
+        {xyData, bHeaders, iPLTtest, zDate, zWell, zGrid}, qOK);
 }
 
 void qvEclipseRFT::GetBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,
                                  std::int32_t& iSEGtest, std::string& zDate, std::string& zWell,
                                  std::string& zGrid, bool& qOK, std::int32_t iBranch) {
-  Answer{*this, "GetBRANCHtest", iTest, xyData, bHeaders, iSEGtest, zDate, zWell, zGrid, false}.give(
-      qOK, iBranch,
-      [&](const auto& test, XYData& values, bool& qDone) { test.getBRANCHtestData(values, qDone, iBranch); },
-      [](const auto& test, ByteTable& records, bool& qDone) {
-        test.getSEGtestHeaders(records, qDone, 1, "");
-      });
+  fetch(TestPart::Branch, "GetBRANCHtest", iTest, iBranch, {xyData, bHeaders, iSEGtest, zDate, zWell, zGrid},
+        qOK);
 }
 
 void qvEclipseRFT::GetICDBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,
                                     std::int32_t& iSEGtest, std::string& zDate, std::string& zWell,
                                     std::string& zGrid, bool& qOK, std::int32_t iBranch) {
-  Answer{*this, "GetICDBRANCHtest", iTest, xyData, bHeaders, iSEGtest, zDate, zWell, zGrid, false}.give(
-      qOK, iBranch,
-      [&](const auto& test, XYData& values, bool& qDone) {
-        test.getICDBRANCHtestData(values, qDone, iBranch);
-      },
-      [](const auto& test, ByteTable& records, bool& qDone) {
-        test.getSEGtestHeaders(records, qDone, 1, "ICDBRAN");
-      });
+  fetch(TestPart::Devices, "GetICDBRANCHtest", iTest, iBranch,
+        {xyData, bHeaders, iSEGtest, zDate, zWell, zGrid}, qOK);
 }
 
-void qvEclipseRFT::GetSEGMENTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,
-                                  std::int32_t& iSEGtest, std::int32_t& iBranch, std::string& zDate,
-                                  std::string& zWell, std::string& zGrid, bool& qOK, std::int32_t iSegment) {
-  const std::int32_t number = validtestnumber(iTest) ? test(iTest).BranchNumber(iSegment) : -1;
-  Answer{*this, "GetSEGMENTtest", iTest, xyData, bHeaders, iSEGtest, zDate, zWell, zGrid, false}.give(
-      qOK, number,
-      [&](const auto& test, XYData& values, bool& qDone) {
-        test.getSegmenttestData(values, qDone, iSegment);
-      },
-      [](const auto& test, ByteTable& records, bool& qDone) {
-        test.getSEGtestHeaders(records, qDone, 1, "");
-      });
-  if (qOK) iBranch = number;
+void qvEclipseRFT::GetSEGMENTtest(std::int32_t iTest, XYData&, ByteTable&, std::int32_t&, std::int32_t&,
+                                  std::string&, std::string&, std::string&, bool& qOK,
+                                  std::int32_t iSegment) {
+  guarded(*session_, qOK, className, "GetSEGMENTtest",
+          [&] { return test(iTest).segmentValues(iSegment).has_value(); });
 }
 
-void qvEclipseRFT::getSEGtest(std::int32_t iTest, XYData& xyData, ByteTable&, std::int32_t& iSEGtest,
-                              std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK) {
-  ByteTable scratch;  // the host's headers stay as they are. Deliberate.
-  Answer{*this, "getSEGtest", iTest, xyData, scratch, iSEGtest, zDate, zWell, zGrid, false}.give(
-      qOK, 0,
-      [](const auto& test, XYData& values, bool& qDone) { test.getSegmenttestData(values, qDone, 1); },
-      [](const auto& test, ByteTable& records, bool& qDone) {
-        test.getSEGtestHeaders(records, qDone, 1, "");
-      });
+void qvEclipseRFT::getSEGtest(std::int32_t iTest, XYData&, ByteTable&, std::int32_t&, std::string&,
+                              std::string&, std::string&, bool& qOK) {
+  guarded(*session_, qOK, className, "getSEGtest", [&] { return test(iTest).segmentValues(1).has_value(); });
 }
 
 void qvEclipseRFT::getRFTtestGrid(std::int32_t iTest, std::vector<char>& bGrids, bool& qOK) {
-  guarded(*session_, qOK, className, "getRFTtestGrid", [&] {
-    bool qDone = false;
-    test(iTest).getRFTtestGrids(bGrids, qDone);
-    return qDone;
-  });
+  guarded(*session_, qOK, className, "getRFTtestGrid", [&] { return test(iTest).fillGrids(bGrids); });
 }
 
 std::int32_t qvEclipseRFT::NumberBranches(std::int32_t iTest) const {

@@ -42,9 +42,9 @@ class qvEclipseRFT : public FormFlags {
   /// Reads the file into tests behind those that are held and numbers them. Faults in a test end that test
   /// only. Damage to the file's frame ends the reading: the tests before it stay, the one that it stands in
   /// is kept with the arrays read so far, qDamaged is set and a Diagnosis tells the place. qOK is False when
-  /// the file cannot be opened, when not one record could be read, or when the load was cancelled; then the
+  /// the file cannot be opened, when not one record could be read, or when the load was canceled; then the
   /// tests read so far stay, those without numbers.
-  void getRFTData(bool& qOK);
+  void getRFTData(bool& qOK) { qOK = readFile(); }
   bool qDamaged = false;  ///< the last `getRFTData` met damage
 
   std::int32_t NumTests() const { return static_cast<std::int32_t>(tests_.size()); }
@@ -80,8 +80,8 @@ class qvEclipseRFT : public FormFlags {
   void GetICDBRANCHtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
                         std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK,
                         std::int32_t iBranch = 0);
-  /// One segment. Both always fail, see `QVEclipseRFTtest::getSegmenttestData`; the second asks for segment 1
-  /// and leaves zHeaders as it is.
+  /// One segment. Both always fail, see `QVEclipseRFTtest::getSegmenttestData`, and leave all outputs as they
+  /// are; the second asks for segment 1.
   void GetSEGMENTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iSEGtest,
                       std::int32_t& iBranch, std::string& zDate, std::string& zWell, std::string& zGrid,
                       bool& qOK, std::int32_t iSegment = 0);
@@ -95,16 +95,20 @@ class qvEclipseRFT : public FormFlags {
   std::int32_t NumberPLTBranches(std::int32_t iTest) const;
   std::int32_t NumberICDBranches(std::int32_t iTest) const;
 
-  // Beyond what hosts ask for.
+  // For callers within the library.
+  /// `getRFTData`.
+  bool readFile();
   /// One test. Throws Fault 9 for a number that is not there.
   const QVEclipseRFTtest& test(std::int32_t iTest) const;
 
  private:
-  struct Answer;
+  struct Outputs;
   cFILETYPE setSUMMARYFileTypeProps() const;
-  void SetBranch(std::int32_t iBranch, ByteTable& bHeaders, bool& qOK) const;
   bool validtestnumber(std::int32_t iTest) const { return iTest >= 1 && iTest <= NumTests(); }
   bool readTests(RecordWalk& reader);
+  bool numberTests();
+  void fetch(TestPart part, const char* routine, std::int32_t iTest, std::int32_t iBranch, Outputs out,
+             bool& qOK) const;
 
   Session* session_;
   std::vector<std::shared_ptr<QVEclipseRFTtest>> tests_;

@@ -9,7 +9,6 @@
 #include "../files/Recogniser.h"
 #include "../files/UserTestText.h"
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "TimeOfDay.h"
 
 namespace lumbarn {
@@ -52,9 +51,8 @@ bool qvUserRFT::checkFile(UserTestKind kind, const std::string& zFile) {
   return true;
 }
 
-void qvUserRFT::getData(UserTestKind kind, bool& qOK) {
-  const char* routine = kind == UserTestKind::Rft ? "getRFTData" : "getPLTData";
-  guarded(*session_, qOK, className, routine, [&] {
+bool qvUserRFT::readFile(UserTestKind kind) {
+  return attempt(*session_, className, kind == UserTestKind::Rft ? "getRFTData" : "getPLTData", [&] {
     qDamaged = false;
     Diagnosis diagnosis{.message = Message::FileOpen, .path = FileName};
     std::shared_ptr<const ByteSource> source = FileSource::open(FileName, diagnosis.problem);
@@ -63,24 +61,17 @@ void qvUserRFT::getData(UserTestKind kind, bool& qOK) {
       return false;
     }
     LineReader reader(std::move(source), FileName);
-    if (!readTests(kind, reader)) return false;
-    bool qNumbered = false;
-    setRFTtestNumbers(qNumbered);
-    return qNumbered;
+    return readTests(kind, reader) && numberTests();
   });
 }
 
 /// The first test is there whatever the file holds; its end asks for a next one unless the file ends.
 bool qvUserRFT::readTests(UserTestKind kind, LineReader& reader) {
   do {
-    auto test = std::make_shared<qvUserRFTtest>(*session_);
-    bool qTest = false;
-    kind == UserTestKind::Rft ? test->getUserRFTtest(reader, qTest) : test->getUserPLTtest(reader, qTest);
-    qTest = qTest || test->qDamaged;
+    const auto& test = tests_.emplace_back(std::make_shared<qvUserRFTtest>(*session_));
+    const bool read = test->read(kind, reader);
     qDamaged = qDamaged || test->qDamaged;
-    bool qAdded = false;
-    addRFTtest(std::move(test), qAdded);
-    if (!qAdded || session_->cancelled() || !qTest) return false;
+    if (session_->cancelled() || !(read || test->qDamaged)) return false;
     if (session_->Container) {
       session_->Container->fraction(static_cast<double>(reader.position()) /
                                     static_cast<double>(reader.size()));
@@ -94,11 +85,13 @@ void qvUserRFT::addRFTtest(std::shared_ptr<qvUserRFTtest> xRFTtest, bool& qOK) {
 }
 
 void qvUserRFT::setRFTtestNumbers(bool& qOK) {
-  guarded(*session_, qOK, className, "setRFTtestNumbers", [&] {
-    std::unordered_map<std::string_view, std::int32_t> testsOfWell;
-    for (const auto& test : tests_) test->iTest = ++testsOfWell[test->zWell];
-    return !tests_.empty();
-  });
+  guarded(*session_, qOK, className, "setRFTtestNumbers", [&] { return numberTests(); });
+}
+
+bool qvUserRFT::numberTests() {
+  std::unordered_map<std::string_view, std::int32_t> testsOfWell;
+  for (const auto& test : tests_) test->iTest = ++testsOfWell[test->zWell];
+  return !tests_.empty();
 }
 
 const qvUserRFTtest& qvUserRFT::test(std::int32_t iTest) const {
@@ -128,39 +121,45 @@ std::vector<UserTest> qvUserRFT::tests(UserTestKind kind) const {
   return all;
 }
 
-void qvUserRFT::getTest(UserTestKind kind, std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,
-                        std::int32_t& iNumber, std::string& zDate, std::string& zWell, std::string& zGrid,
-                        std::string& zOrigin, bool& qOK) {
-  const bool rft = kind == UserTestKind::Rft;
-  guarded(*session_, qOK, className, rft ? "GetRFTtest" : "GetPLTtest", [&] {
-    const qvUserRFTtest& asked = test(iTest);
-    XYData data;
-    ByteTable headers;
-    bool qDone = false;
-    rft ? asked.getRFTtestData(data, qDone) : asked.getPLTtestData(data, qDone);
-    if (qDone) rft ? asked.getRFTtestHeaders(headers, qDone) : asked.getPLTtestHeaders(headers, qDone);
-    if (!qDone) return false;
-    xyData = std::move(data);
-    bHeaders = std::move(headers);
-    iNumber = asked.iTest;
-    zDate = withTimeOfDay(asked.zDate, asked.dTime);
-    zWell = asked.zWell;
-    zGrid = asked.zGrid;
-    zOrigin = asked.zOrigin;
-    return true;
-  });
+struct qvUserRFT::Outputs {
+  XYData& xyData;
+  ByteTable& bHeaders;
+  std::int32_t& iNumber;
+  std::string& zDate;
+  std::string& zWell;
+  std::string& zGrid;
+  std::string& zOrigin;
+};
+
+bool qvUserRFT::fetch(UserTestKind kind, std::int32_t iTest, Outputs out) const {
+  const qvUserRFTtest& asked = test(iTest);
+  auto data = asked.data(kind);
+  auto headers = data ? asked.headers(kind) : std::nullopt;
+  if (!headers) return false;
+  out.xyData = std::move(*data);
+  out.bHeaders = std::move(*headers);
+  out.iNumber = asked.iTest;
+  out.zDate = withTimeOfDay(asked.zDate, asked.dTime);
+  out.zWell = asked.zWell;
+  out.zGrid = asked.zGrid;
+  out.zOrigin = asked.zOrigin;
+  return true;
 }
 
 void qvUserRFT::GetRFTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iRFTtest,
                            std::string& zDate, std::string& zWell, std::string& zGrid, std::string& zOrigin,
                            bool& qOK) {
-  getTest(UserTestKind::Rft, iTest, xyData, bHeaders, iRFTtest, zDate, zWell, zGrid, zOrigin, qOK);
+  guarded(*session_, qOK, className, "GetRFTtest", [&] {
+    return fetch(UserTestKind::Rft, iTest, {xyData, bHeaders, iRFTtest, zDate, zWell, zGrid, zOrigin});
+  });
 }
 
 void qvUserRFT::GetPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
                            std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK) {
   std::string zOrigin;
-  getTest(UserTestKind::Plt, iTest, xyData, bHeaders, iPLTtest, zDate, zWell, zGrid, zOrigin, qOK);
+  guarded(*session_, qOK, className, "GetPLTtest", [&] {
+    return fetch(UserTestKind::Plt, iTest, {xyData, bHeaders, iPLTtest, zDate, zWell, zGrid, zOrigin});
+  });
 }
 
 }  // namespace lumbarn

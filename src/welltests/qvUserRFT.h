@@ -34,8 +34,8 @@ class qvUserRFT {
   /// its test with a report; the next test is read, qOK is True and qDamaged is set. qOK is False when the
   /// file cannot be opened or read on, or when the load was cancelled; then the tests read so far stay,
   /// without numbers.
-  void getRFTData(bool& qOK) { getData(UserTestKind::Rft, qOK); }
-  void getPLTData(bool& qOK) { getData(UserTestKind::Plt, qOK); }
+  void getRFTData(bool& qOK) { qOK = readFile(UserTestKind::Rft); }
+  void getPLTData(bool& qOK) { qOK = readFile(UserTestKind::Plt); }
   bool qDamaged = false;  ///< a test of the last of these two ended at a row with too few numbers
 
   std::int32_t NumTests() const { return static_cast<std::int32_t>(tests_.size()); }
@@ -55,19 +55,20 @@ class qvUserRFT {
   void GetPLTtest(std::int32_t iTest, XYData& xyData, ByteTable& bHeaders, std::int32_t& iPLTtest,
                   std::string& zDate, std::string& zWell, std::string& zGrid, bool& qOK);
 
-  // Beyond what hosts ask for.
+  // For callers within the library.
+  /// `getRFTData` or `getPLTData`.
+  bool readFile(UserTestKind kind);
   /// One test. Throws Fault 9 for a number that is not there.
   const qvUserRFTtest& test(std::int32_t iTest) const;
   /// All tests of a file of the kind, as data.
   std::vector<UserTest> tests(UserTestKind kind) const;
 
  private:
+  struct Outputs;
   bool checkFile(UserTestKind kind, const std::string& zFile);
-  void getData(UserTestKind kind, bool& qOK);
-  void getTest(UserTestKind kind, std::int32_t iTest, XYData& xyData, ByteTable& bHeaders,
-               std::int32_t& iNumber, std::string& zDate, std::string& zWell, std::string& zGrid,
-               std::string& zOrigin, bool& qOK);
   bool readTests(UserTestKind kind, LineReader& reader);
+  bool numberTests();
+  bool fetch(UserTestKind kind, std::int32_t iTest, Outputs out) const;
 
   Session* session_;
   std::vector<std::shared_ptr<qvUserRFTtest>> tests_;

@@ -10,7 +10,6 @@
 #include "../shapes/HeaderLayout.h"
 #include "../support/Dates.h"
 #include "../support/Fault.h"
-#include "../support/Guarded.h"
 #include "../support/Text.h"
 #include "UserTestDate.h"
 
@@ -95,8 +94,8 @@ struct qvUserRFTtest::Lines {
   }
 };
 
-void qvUserRFTtest::read(UserTestKind kind, LineReader& reader, bool& qOK) {
-  guarded(*session_, qOK, className, isRft(kind) ? "getUserRFTtest" : "getUserPLTtest", [&] {
+bool qvUserRFTtest::read(UserTestKind kind, LineReader& reader) {
+  return attempt(*session_, className, isRft(kind) ? "getUserRFTtest" : "getUserPLTtest", [&] {
     Lines lines{kind, reader, *session_, {}};
     return readLines(lines);
   });
@@ -199,8 +198,7 @@ void qvUserRFTtest::AddHeaders(Lines& lines) {
 }
 
 void qvUserRFTtest::AddData(Lines& lines) {
-  bool qAdded = false;
-  guarded(*session_, qAdded, className, isRft(lines.kind) ? "AddRFTData" : "AddPLTData", [&] {
+  attempt(*session_, className, isRft(lines.kind) ? "AddRFTData" : "AddPLTData", [&] {
     UserTestTable& table = isRft(lines.kind) ? rft_ : plt_;
     // Exports of logging programs have the names of columns in a remark, with nothing else above the numbers.
     if (table.headerLines() == 0 && lines.remark.size() == words(lines.line).size())
@@ -219,27 +217,28 @@ void qvUserRFTtest::AddData(Lines& lines) {
   });
 }
 
-void qvUserRFTtest::data(const UserTestTable& table, XYData& xyData, bool& qOK) const {
-  guarded(*session_, qOK, className, "getTestData", [&] {
-    XYData result(table.rows(), table.columns(), *session_);
-    for (std::size_t i = 0; i < table.columns(); ++i) table.copyColumn(i, result.column(i + 1));
-    xyData = std::move(result);
+std::optional<XYData> qvUserRFTtest::data(UserTestKind kind) const {
+  return attempt(*session_, className, "getTestData", [&] {
+    const UserTestTable& columns = table(kind);
+    XYData result(columns.rows(), columns.columns(), *session_);
+    for (std::size_t i = 0; i < columns.columns(); ++i) columns.copyColumn(i, result.column(i + 1));
+    return std::optional(std::move(result));
   });
 }
 
-void qvUserRFTtest::headers(const UserTestTable& table, std::string_view kind, ByteTable& bHeaders,
-                            bool& qOK) const {
-  guarded(*session_, qOK, className, "getTestHeaders", [&] {
-    ByteTable result(headerWidth, table.columns());
-    for (std::size_t i = 1; i <= table.columns(); ++i) {
-      setAttribute(attributeDataKind, result, i, kind);
-      setAttribute(attributeUnits, result, i, table.units(i - 1));
+std::optional<ByteTable> qvUserRFTtest::headers(UserTestKind kind) const {
+  return attempt(*session_, className, "getTestHeaders", [&] {
+    const UserTestTable& columns = table(kind);
+    ByteTable result(headerWidth, columns.columns());
+    for (std::size_t i = 1; i <= columns.columns(); ++i) {
+      setAttribute(attributeDataKind, result, i, isRft(kind) ? "RFT" : "PLT");
+      setAttribute(attributeUnits, result, i, columns.units(i - 1));
       setAttribute(attributeMember, result, i, zWell);
       setAttribute(attributeIndex, result, i, fmt::format("{}", iTest));
-      setAttribute(attributeVariable, result, i, table.name(i - 1));
-      setAttribute(attributeVerbose, result, i, table.name(i - 1));
+      setAttribute(attributeVariable, result, i, columns.name(i - 1));
+      setAttribute(attributeVerbose, result, i, columns.name(i - 1));
     }
-    bHeaders = std::move(result);
+    return std::optional(std::move(result));
   });
 }
 

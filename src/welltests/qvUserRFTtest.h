@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,7 @@
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
 #include "../support/Diagnosis.h"
+#include "../support/Guarded.h"
 #include "../support/Session.h"
 #include "UserTestTable.h"
 
@@ -44,24 +46,33 @@ class qvUserRFTtest {
   /// What the lines say is taken as it looks: a line that begins with a number is data, so units that do are
   /// none; a line of words is one of names or units. What does not fit in makes a diagnosis, at most one of a
   /// kind for each test.
-  void getUserRFTtest(LineReader& reader, bool& qOK) { read(UserTestKind::Rft, reader, qOK); }
-  void getUserPLTtest(LineReader& reader, bool& qOK) { read(UserTestKind::Plt, reader, qOK); }
+  void getUserRFTtest(LineReader& reader, bool& qOK) { qOK = read(UserTestKind::Rft, reader); }
+  void getUserPLTtest(LineReader& reader, bool& qOK) { qOK = read(UserTestKind::Plt, reader); }
 
   /// Rows by columns, the depth column first, then those behind it, then those before it. Empty for a test
   /// of no columns, and for one of the other kind.
-  void getRFTtestData(XYData& xyData, bool& qOK) const { data(rft_, xyData, qOK); }
-  void getPLTtestData(XYData& xyData, bool& qOK) const { data(plt_, xyData, qOK); }
+  void getRFTtestData(XYData& xyData, bool& qOK) const { give(data(UserTestKind::Rft), xyData, qOK); }
+  void getPLTtestData(XYData& xyData, bool& qOK) const { give(data(UserTestKind::Plt), xyData, qOK); }
   /// One header for each column, in the same order: kind, units, well, test number and name, which is its own
   /// description.
-  void getRFTtestHeaders(ByteTable& bHeaders, bool& qOK) const { headers(rft_, "RFT", bHeaders, qOK); }
-  void getPLTtestHeaders(ByteTable& bHeaders, bool& qOK) const { headers(plt_, "PLT", bHeaders, qOK); }
+  void getRFTtestHeaders(ByteTable& bHeaders, bool& qOK) const {
+    give(headers(UserTestKind::Rft), bHeaders, qOK);
+  }
+  void getPLTtestHeaders(ByteTable& bHeaders, bool& qOK) const {
+    give(headers(UserTestKind::Plt), bHeaders, qOK);
+  }
+
+  // The same for callers within the library. Nothing after a fault, which is reported in the name of the
+  // operation.
+  bool read(UserTestKind kind, LineReader& reader);
+  std::optional<XYData> data(UserTestKind kind) const;
+  std::optional<ByteTable> headers(UserTestKind kind) const;
 
   const UserTestTable& table(UserTestKind kind) const { return kind == UserTestKind::Rft ? rft_ : plt_; }
 
  private:
   struct Lines;
 
-  void read(UserTestKind kind, LineReader& reader, bool& qOK);
   bool readLines(Lines& lines);
   void processCommand(Lines& lines);
   void setDate(std::string_view arguments, Lines& lines);
@@ -69,8 +80,6 @@ class qvUserRFTtest {
   void processData(Lines& lines);
   void AddData(Lines& lines);
   void AddHeaders(Lines& lines);
-  void data(const UserTestTable& table, XYData& xyData, bool& qOK) const;
-  void headers(const UserTestTable& table, std::string_view kind, ByteTable& bHeaders, bool& qOK) const;
 
   Session* session_;
   UserTestTable rft_{UserTestKind::Rft};

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "arrays/ArrayReader.h"
+#include "support/Guarded.h"
 #include "support/IndexedRun.h"
 #include "support/RestartBuilder.h"
 #include "support/RestartLoad.h"
@@ -18,6 +19,14 @@ class ArrayReading : public OfForm {
       : files_(run_.writeRestart(folder_, "R", form_, true)),
         reader_(walkRestart(session_, files_), session_) {
     session_.faultReporter = [this](std::string_view) { ++faults_; };
+  }
+  void read(ArrayReader& reader, auto step, auto name, const char* grid, std::int64_t first, auto values) {
+    guarded(session_, qOK_, "ArrayReader", "read", [&] {
+      if constexpr (std::is_same_v<decltype(step), std::int32_t>)
+        reader.read(step, name, grid, first, values);
+      else
+        reader.fetch(*step, *name, grid, first, values);
+    });
   }
   TemporaryFolder folder_;
   IndexedRun run_;
@@ -43,7 +52,7 @@ TEST_P(ArrayReading, ByNameAsItStands) {
               {1, "PRESSURE", "LGR1", 0, {1100, 1101, 1102}}};
   for (const auto& row : rows) {
     values.resize(row.expected.size());
-    reader_.read(row.step, row.name, row.grid, row.first, std::span(values), qOK_);
+    read(reader_, row.step, row.name, row.grid, row.first, std::span(values));
     EXPECT_TRUE(qOK_) << row.name;
     EXPECT_EQ(values, row.expected) << row.name;
   }
@@ -58,7 +67,7 @@ TEST_P(ArrayReading, ByNameAsItStands) {
   for (const auto& row : failures) {
     session_.clearDiagnoses();
     faults_ = 0;
-    reader_.read(row.step, row.name, row.grid, row.first, std::span(values), qOK_);
+    read(reader_, row.step, row.name, row.grid, row.first, std::span(values));
     EXPECT_FALSE(qOK_) << row.name;
     EXPECT_EQ(session_.diagnoses().size(), row.told) << row.name;
     EXPECT_EQ(faults_, row.told == 0 ? 1 : 0) << row.name;
@@ -66,12 +75,12 @@ TEST_P(ArrayReading, ByNameAsItStands) {
     EXPECT_TRUE(session_.diagnoses()[0].offset) << row.name;
   }
   std::vector<float> singles(2);
-  reader_.read(2, "PRESSURE", "", 1, std::span(singles), qOK_);
+  read(reader_, 2, "PRESSURE", "", 1, std::span(singles));
   EXPECT_THAT(singles, ElementsAre(201, 202));
   const IndexStep& step = reader_.index().steps[0];
   IndexEntry moved = *step.find("PRESSURE");
   moved.count = 8;
-  reader_.read(step, moved, "", 0, std::span(values), qOK_);
+  read(reader_, &step, &moved, "", 0, std::span(values));
   EXPECT_EQ(session_.diagnoses().back().id(), "arrays.array.moved");
 }
 
@@ -91,16 +100,16 @@ TEST_P(ArrayReading, StepsAndArraysOfOneNameAreReachedByPosition) {
   };
   std::vector<double> value(1);
   for (int i = 0; i < 2; ++i) {
-    reader.read(4, "swat", "", 0, std::span(value), qOK_);
+    read(reader, 4, "swat", "", 0, std::span(value));
     EXPECT_THAT(value, ElementsAre(0.5)) << "the step written last, its first array";
     EXPECT_THAT(ids(session_), ElementsAre("step.twice", "arrays.array.twice"));
   }
   const IndexStep& first = *reader.index().nth(4, 1);
-  reader.read(first, *first.findAll("swat").at(1), "", 0, std::span(value), qOK_);
+  read(reader, &first, first.findAll("swat").at(1), "", 0, std::span(value));
   EXPECT_THAT(value, ElementsAre(2));
   EXPECT_FALSE(reader.index().nth(4, 3) || reader.index().nth(5));
   std::vector<double> derived(3);
-  reader.read(4, "soil", "", 0, std::span(derived), qOK_);
+  read(reader, 4, "soil", "", 0, std::span(derived));
   EXPECT_THAT(derived, ElementsAre(0.25, 1, 0)) << "not below 0";
 
   RestartLoad load(files[0]);

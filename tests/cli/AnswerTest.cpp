@@ -29,10 +29,10 @@ Stream stepsOf(const Run& run, const ReadOptions& options) {
 
 Outcome ask(const RunOptions& runs, const OutputOptions& output) {
   std::ostringstream out, err;
-  Session session;
+  const std::atomic<bool> stop = false;
   Outcome outcome;
   {
-    Console console(out, err, session, false);
+    Console console(out, err, stop, false);
     outcome.status = answer(runs, output, console, stepsOf);
   }
   outcome.out = out.str();

@@ -17,10 +17,11 @@ struct Outcome {
   std::string err;
 };
 
-inline Outcome command(const std::vector<std::string>& args, Session&& session = Session()) {
+inline Outcome command(const std::vector<std::string>& args) {
   std::ostringstream out;
   std::ostringstream err;
-  const int status = run(args, out, err, session);
+  const std::atomic<bool> stop = false;
+  const int status = run(args, out, err, stop);
   return {status, out.str(), err.str()};
 }
 

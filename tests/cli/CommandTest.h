@@ -21,13 +21,13 @@ using Rows = std::vector<std::vector<std::string>>;
 /// path of the folder.
 class CommandTest : public ::testing::Test {
  protected:
-  Outcome run(const std::string& line, Session&& session = Session()) const {
+  Outcome run(const std::string& line) const {
     auto args = words(line);
     for (std::string& arg : args) {
       if (arg[0] == '@') arg = sample(arg.substr(1));
       if (arg[0] == '~') arg = file(arg.substr(1));
     }
-    return command(args, std::move(session));
+    return command(args);
   }
   Rows csv(const std::string& line) const { return parseCsv(run(line + " --format csv").out); }
   nlohmann::json json(const std::string& line) const {

@@ -1,9 +1,4 @@
-#include <cmath>
-
 #include "CommandTest.h"
-#include "GridArrays.h"
-#include "PathArgument.h"
-#include "grid/qvGRIDReader.h"
 #include "support/IndexedRun.h"
 #include "support/ModelRun.h"
 #include "support/RestartBuilder.h"
@@ -39,21 +34,6 @@ TEST_F(RestartCommand, ReachesEachOfTwoStepsWithTheSameNumber) {
   EXPECT_EQ(shown("--nth 2"), "SWAT\r\n5\r\n6\r\n7\r\n8\r\n");
   EXPECT_EQ(shown("--nth 2"), shown(""));
   EXPECT_EQ(shown("--nth 3"), "");
-
-  test::GridBuilder grid;
-  grid.grids[0].size = {2, 2, 1};
-  write("TWICE.EGRID", grid.egrid(test::bigEndian));
-  std::ostringstream text;
-  Session session;
-  Console console(text, text, session, false);
-  qvGRIDReader reader(session);
-  bool qOK = false;
-  ASSERT_TRUE(reader.CheckEGRIDFile(file("TWICE.EGRID")));
-  reader.ReadEclipseEGridFile(qOK);
-  GridArrays arrays(findRun(file("TWICE")), *reader.xGrids.front(), 4, console);
-  std::vector<float> values(4);
-  std::get<CellReader<float>>(arrays.array("SWAT").read)(0, 0, values);
-  EXPECT_EQ(values, (std::vector<float>{5, 6, 7, 8})) << "the one that restart shows too";
 }
 
 TEST_F(RestartCommand, IndexIsWrittenWhereToldAndUsed) {
@@ -108,33 +88,6 @@ TEST_F(RestartCommand, WellsOfStepsAndGrids) {
   const Outcome behind = run("wells --step 7 ~W.UNRST");
   EXPECT_EQ(behind.status, 2);
   EXPECT_THAT(behind.err, HasSubstr("none of the report steps asked for; it has 1, 2"));
-}
-
-/// The grid file and the headers count cells without pore volume as active; arrays have no values for them.
-TEST_F(RestartCommand, ArraysOfFewerCellsThanTheGridFileStates) {
-  const test::ModelRun run(test::everyWriter[3], test::bigEndian);
-  const auto cells = run.model.activeCells();
-  std::ostringstream text;
-  Session session;
-  Console console(text, text, session, false);
-  qvGRIDReader reader(session);
-  bool qOK = false;
-  ASSERT_TRUE(reader.CheckEGRIDFile(run.gridPath));
-  reader.ReadEclipseEGridFile(qOK);
-  GridArrays arrays(findRun(run.root()), *reader.xGrids.front(), 1, console);
-  std::vector<float> values(static_cast<std::size_t>(run.model.activeInGrid()));
-  ASSERT_GT(values.size(), cells.size());
-  for (const auto* name : {"PRESSURE", "PORO"}) {
-    std::get<CellReader<float>>(arrays.array(name).read)(0, 0, values);
-    std::size_t row = 0;
-    for (std::size_t active = 0; active < values.size(); ++active) {
-      const std::int32_t cell = reader.xGrids.front()->cellOf(static_cast<std::int32_t>(active) + 1) - 1;
-      const bool known = row < cells.size() && cells[row] == cell;
-      EXPECT_EQ(std::isnan(values[active]), !known) << name << " of cell " << cell;
-      row += known;
-      EXPECT_TRUE(!known || values[active] == test::modelValue(name, 0, cell)) << name << " of cell " << cell;
-    }
-  }
 }
 
 TEST_F(RestartCommand, DerivedSaturationsAndNamesThatOccurTwice) {

@@ -6,6 +6,7 @@
 
 #include "grid/qvGRIDReader.h"
 #include "support/Forms.h"
+#include "support/Guarded.h"
 
 namespace lumbarn::test {
 
@@ -24,7 +25,8 @@ struct GridLoad {
     reader.UNIX = form.framing != Framing::OneByteMarks;
     reader.byteSwap = form.byteSwap;
     bool qOK = false;
-    reader.readGrids(std::make_shared<MemorySource>(std::move(bytes)), qOK);
+    guarded(session, qOK, "qvGRIDReader", "readGrids",
+            [&] { return reader.readGrids(std::make_shared<MemorySource>(std::move(bytes))); });
     return qOK;
   }
   const Hadrick& grid(std::size_t n = 0) const { return *reader.xGrids.at(n); }

@@ -7,7 +7,6 @@
 
 #include "index/IndexFile.h"
 #include "index/RestartIndexAgreement.h"
-#include "index/qvEclipseINSPEC.h"
 #include "index/qvEclipseRSSPEC.h"
 #include "support/IndexedRun.h"
 #include "support/ModelRun.h"

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "arrays/ArrayReader.h"
+#include "reader/LoadDialog.h"
 #include "shapes/HeaderLayout.h"
 #include "shapes/SelectionFixture.h"
 #include "support/Forms.h"
@@ -78,8 +79,7 @@ TEST_F(InitOperations, GivePlacesThatLeadToTheValues) {
   ASSERT_EQ(places.columns(), 6U);
   std::vector<float> fetched(6);
   EXPECT_THAT(places.values().subspan(5, 2), ElementsAre(6, 3)) << "values and type of DEPTH";
-  ArrayReader(host_.session)
-      .readFetched(path_, settings, places.values().subspan(5).first<5>(), 0, fetched, qOK_);
+  ArrayReader(host_.session).readFetched(path_, settings, places.values().subspan(5).first<5>(), 0, fetched);
   EXPECT_THAT(fetched, ElementsAre(1, 2, 3, 4, 5, 6));
 }
 

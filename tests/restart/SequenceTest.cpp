@@ -84,8 +84,7 @@ TEST_P(RestartForms, PlacesLeadToTheValues) {
   };
   for (std::size_t i : {4U, 1U, 2U, 3U}) {
     std::vector<float> values(4);
-    reader.readFetched(places.reader.FileName, settings, column(i), 0, values, qOK);
-    ASSERT_TRUE(qOK);
+    reader.readFetched(places.reader.FileName, settings, column(i), 0, values);
     EXPECT_EQ(values, whole.values(whole.names()[i - 1]));
   }
   EXPECT_THAT(column(5), ElementsAre(4, 19, 4, 4, 1)) << "derived";
@@ -94,8 +93,8 @@ TEST_P(RestartForms, PlacesLeadToTheValues) {
        {std::array{4, 19, 4, 4}, {4, 3, 0, 0}, {4, 3, first[2], 7}, {-1, 3, first[2], 0}}) {
     std::vector<float> values(2);
     const std::array items{wrong[0], wrong[1], wrong[2], wrong[3], 1};
-    reader.readFetched(places.reader.FileName, settings, items, 0, values, qOK);
-    EXPECT_FALSE(qOK) << wrong[0] << " " << wrong[1] << " " << wrong[3];
+    EXPECT_ANY_THROW(reader.readFetched(places.reader.FileName, settings, items, 0, values))
+        << wrong[0] << " " << wrong[1] << " " << wrong[3];
   }
 }
 

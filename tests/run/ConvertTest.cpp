@@ -26,7 +26,7 @@ TEST_P(Conversions, ThereAndBackGiveTheSameBytes) {
     if (form.framing == Framing::OneByteMarks || (form.formatted() && ownLines)) continue;
     const test::ModelRun run(writer, form);
     const Conversion back{.formatted = form.formatted(),
-                          .littleEndian = form.byteSwap != test::littleEndianMachine};
+                          .littleEndian = !form.formatted() && form.byteSwap != test::littleEndianMachine};
     for (const auto& path :
          {run.specificationPath, run.dataPath, run.restartPath, run.initPath, run.gridPath, run.testsPath}) {
       if (writer.running && path == run.dataPath) continue;
@@ -59,6 +59,7 @@ TEST(Conversion, WordsOfLogicalsStay) {
   convert(folder.file("LITTLE"), folder.file("BACK"));
   EXPECT_EQ(content(folder.file("BACK")), content(path));
   EXPECT_THROW(convert(path, path), Error);
+  EXPECT_THROW(convert(path, folder.file("TEXT.FUNRST"), {.littleEndian = true}), Error);
 }
 
 TEST(Conversion, OfSomeStepsAndArrays) {

@@ -31,6 +31,8 @@ const Question questions[] = {
     [](const Run& run, const ReadOptions& read) { return rowsOf(run.wells({}, read)); },
     [](const Run& run, const ReadOptions& read) { return rowsOf(run.tests({}, read)); },
     [](const Run& run, const ReadOptions& read) { return rowsOf(run.corners({}, read)); },
+    [](const Run& run, const ReadOptions& read) { return rowsOf(run.facts(read)); },
+    [](const Run& run, const ReadOptions& read) { return rowsOf(run.files(read)); },
 };
 
 /// One Run is asked by eight threads, each in another order, while a ninth stops them at some moment. Under

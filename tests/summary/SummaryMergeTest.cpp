@@ -109,6 +109,9 @@ TEST_F(SummaryMerge, ThroughAScratchFileTheTableIsTheSameAndNoFileIsLeft) {
   };
   mergeThroughFile(9);
   EXPECT_FALSE(qOK) << "a vector that does not exist";
+  mergeHeaders(session, bOld, std::vector<std::int32_t>{2}, 2, bMain, qOK);
+  EXPECT_FALSE(qOK) << "more new vectors than are listed";
+  EXPECT_EQ(bMain.entries(), 3U);
   EXPECT_EQ(columnsOf(sMain), main);
   mergeThroughFile(3);
   EXPECT_TRUE(qOK);

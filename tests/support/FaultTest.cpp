@@ -37,6 +37,9 @@ TEST(Guarded, EveryWayOutOfARoutineLeavesItsTrace) {
   }
   ASSERT_EQ(session.diagnoses().size(), 1U);
   EXPECT_EQ(session.diagnoses()[0].path, "F");
+  const auto inner = [&] { return inRoutine("qvX", "Read", rows[5].first); };
+  EXPECT_FALSE(succeeds(session, "qvY", "Load", [&] { return inRoutine("qvY", "Find", inner); }));
+  EXPECT_EQ(report, "Error:Out of memory (No.7) In [qvX (Code) (Read)] ") << "where it occurred";
   bool qOK = false;
   guarded(session, qOK, "qvX", "Read", [] {});
   EXPECT_TRUE(qOK);

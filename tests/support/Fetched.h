@@ -15,7 +15,7 @@
 #include "FaultySource.h"
 #include "Host.h"
 #include "ModelRun.h"
-#include "index/qvEclipseINSPEC.h"
+#include "index/RestartIndexAgreement.h"
 #include "record/RecordCursor.h"
 
 namespace lumbarn::test {

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/CommandRun.h"
-#include "index/qvEclipseINSPEC.h"
+#include "index/RestartIndexAgreement.h"
 #include "support/Host.h"
 #include "support/ModelRun.h"
 #include "support/WriterCase.h"

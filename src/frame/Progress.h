@@ -1,0 +1,5 @@
+#pragma once
+
+// The display that ReadOptions::progress takes.
+
+#include "../support/Session.h"
