@@ -23,18 +23,7 @@ constexpr std::int64_t mostCells = std::int64_t{1} << 29;  // four gigabytes of 
 /// Numbers of one keyword for each cell: eight depths of corners, and room for pillars.
 constexpr std::int64_t mostOfACell = 32;
 
-using Size = std::array<std::int32_t, 3>;
-
-std::int64_t cellsOf(const Size& size) { return std::int64_t{size[0]} * size[1] * size[2]; }
-
-std::optional<std::int32_t> wholeNumber(std::optional<std::string_view> text) {
-  if (!text) return std::nullopt;
-  const auto number = deckNumber(*text);
-  if (!number || *number < std::numeric_limits<std::int32_t>::min() ||
-      *number > std::numeric_limits<std::int32_t>::max())
-    return std::nullopt;
-  return static_cast<std::int32_t>(std::lround(*number));
-}
+std::int64_t cellsOf(const DeckGridSize& size) { return std::int64_t{size[0]} * size[1] * size[2]; }
 
 /// What simulators take for cells that a deck says nothing of.
 double initialValue(std::string_view name) {
@@ -109,9 +98,10 @@ std::string regionArray(std::optional<std::string_view> flag) {
 class Evaluation {
  public:
   Evaluation(const Deck& deck, std::string grid, Session& session)
-      : deck_(&deck), grid_(std::move(grid)), session_(&session), sizes_(gridSizes(deck)) {
-    const auto found = sizes_.find(grid_);
-    if (found == sizes_.end() || cellsOf(found->second) <= 0) {
+      : deck_(&deck), grid_(std::move(grid)), session_(&session) {
+    const auto sizes = gridSizes(deck);
+    const auto found = sizes.find(grid_);
+    if (found == sizes.end() || cellsOf(found->second) <= 0) {
       throw Error(Error::Kind::BadRequest, {.message = Message::RequestRefused,
                                             .path = deck.path(),
                                             .problem = "the deck does not give the size of grid " + grid_});
@@ -139,33 +129,15 @@ class Evaluation {
   /// Calls for each keyword that stands in the grid, with the box in effect kept.
   template <class Visit>
   void walk(Visit visit) {
-    std::string current = "ROOT";
-    std::int32_t section = 0;
+    BoxTracker tracker(*deck_);
     for (const DeckKeyword& keyword : deck_->keywords()) {
       if (session_->yield()) throw LoadCanceled();
-      if (keyword.section != section) {
-        section = keyword.section;
-        current = "ROOT";
-        box_ = {{1, 1, 1}, size_};
-      }
-      if (keyword.section < 2 || keyword.section > 6) continue;
-      if (keyword.name == "CARFIN" || keyword.name == "RADFIN" || keyword.name == "REFINE") {
-        current = firstName(keyword);
-        box_ = {{1, 1, 1}, size_};
-      } else if (keyword.name == "ENDFIN") {
-        current = "ROOT";
-      } else if (current == grid_) {
-        if (keyword.name == "BOX") setBox(keyword);
-        if (keyword.name == "ENDBOX") box_ = {{1, 1, 1}, size_};
-        visit(keyword);
-      }
+      const bool fits = tracker.take(keyword);
+      if (keyword.section < 2 || keyword.section > 6 || tracker.grid() != grid_) continue;
+      box_ = tracker.box();
+      if (!fits) tellBox(keyword);
+      visit(keyword);
     }
-  }
-
-  std::string firstName(const DeckKeyword& keyword) const {
-    DeckRecords records(deck_->files(), keyword);
-    DeckRecord record;
-    return records.next(record) ? upper(record[0].value_or("")) : std::string();
   }
 
   template <class Visit>
@@ -177,23 +149,18 @@ class Evaluation {
     }
   }
 
-  void setBox(const DeckKeyword& keyword) {
-    forEachRecord(keyword, [&](const DeckRecord& record) { box_ = boxOf(record, 0, box_); });
+  void tellBox(const DeckKeyword& keyword) {
+    keyword_ = keyword.name;
+    forEachRecord(keyword, [&](const DeckRecord& record) {
+      tell(Message::DeckOperation, record, "a box within the grid", record.text, "kept the box before it");
+    });
   }
 
-  /// Six numbers from an item on; those that are left out are those of another box.
-  DeckBox boxOf(const DeckRecord& record, std::int64_t item, DeckBox box) {
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      const auto place = item + 2 * static_cast<std::int64_t>(axis);
-      box.from[axis] = wholeNumber(record[place]).value_or(box.from[axis]);
-      box.to[axis] = wholeNumber(record[place + 1]).value_or(box.to[axis]);
-    }
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      if (box.from[axis] >= 1 && box.from[axis] <= box.to[axis] && box.to[axis] <= size_[axis]) continue;
-      tell(Message::DeckOperation, record, "a box within the grid",
-           fmt::format("{}:{}", box.from[axis], box.to[axis]), "left this record out");
-      return DeckBox{};
-    }
+  /// The box of a record from an item on; nothing, and a report, for one that is not within the grid.
+  std::optional<DeckBox> boxAt(const DeckRecord& record, std::int64_t item, const DeckBox& otherwise) {
+    const auto box = boxOf(record, item, otherwise, size_);
+    if (!box)
+      tell(Message::DeckOperation, record, "a box within the grid", record.text, "left this record out");
     return box;
   }
 
@@ -304,9 +271,9 @@ class Evaluation {
   void applyInBoxes(const DeckKeyword& keyword, Operation operation) {
     DeckBox box = box_;
     forEachRecord(keyword, [&](const DeckRecord& record) {
-      const DeckBox own = boxOf(record, 2, box);
-      if (own.cells() == 0) return;
-      box = own;
+      const auto own = boxAt(record, 2, box);
+      if (!own) return;
+      box = *own;
       const std::string name = upper(trim(record[0].value_or("")));
       if (!needed_.contains(name)) return;
       const auto value = deckNumber(trim(record[1].value_or("")));
@@ -337,7 +304,7 @@ class Evaluation {
         return tell(Message::DeckOperation, record, "a number", std::string(record[1].value_or("nothing")),
                     "left this record out");
       std::vector<double>& values = array(name);
-      inRegion(record, regionArray(record[3]), wholeNumber(record[2]),
+      inRegion(record, regionArray(record[3]), wholeNumber(record, 2),
                [&](std::size_t cell) { values[cell] = applied(operation, values[cell], *value); });
     });
   }
@@ -345,9 +312,9 @@ class Evaluation {
   void copy(const DeckKeyword& keyword) {
     DeckBox box = box_;
     forEachRecord(keyword, [&](const DeckRecord& record) {
-      const DeckBox own = boxOf(record, 2, box);
-      if (own.cells() == 0) return;
-      box = own;
+      const auto own = boxAt(record, 2, box);
+      if (!own) return;
+      box = *own;
       const std::string target = upper(trim(record[1].value_or("")));
       if (!needed_.contains(target)) return;
       const std::vector<double> source = array(upper(trim(record[0].value_or(""))));
@@ -362,7 +329,7 @@ class Evaluation {
       if (!needed_.contains(target)) return;
       const std::vector<double> source = array(upper(trim(record[0].value_or(""))));
       std::vector<double>& values = array(target);
-      inRegion(record, regionArray(record[3]), wholeNumber(record[2]),
+      inRegion(record, regionArray(record[3]), wholeNumber(record, 2),
                [&](std::size_t cell) { values[cell] = source[cell]; });
     });
   }
@@ -374,9 +341,9 @@ class Evaluation {
     DeckBox box = box_;
     forEachRecord(keyword, [&](const DeckRecord& record) {
       if (!byRegion) {
-        const DeckBox own = boxOf(record, 1, box);
-        if (own.cells() == 0) return;
-        box = own;
+        const auto own = boxAt(record, 1, box);
+        if (!own) return;
+        box = *own;
       }
       const std::string target = upper(trim(record[0].value_or("")));
       if (!needed_.contains(target)) return;
@@ -390,7 +357,7 @@ class Evaluation {
       std::vector<double>& values = array(target);
       const auto change = [&](std::size_t cell) { values[cell] = function(values[cell], source[cell]); };
       if (byRegion) {
-        inRegion(record, regionArray(record[6]), wholeNumber(record[1]), change);
+        inRegion(record, regionArray(record[6]), wholeNumber(record, 1), change);
       } else {
         forCells(box, change);
       }
@@ -401,24 +368,24 @@ class Evaluation {
     forEachRecord(keyword, [&](const DeckRecord& record) {
       const std::string name = upper(trim(record[0].value_or("")));
       if (!needed_.contains(name)) return;
-      const DeckBox from = boxOf(record, 1, {{1, 1, 1}, size_});
-      const DeckBox to = boxOf(record, 7, {{1, 1, 1}, size_});
-      if (from.cells() == 0 || from.cells() != to.cells())
+      const auto from = boxAt(record, 1, {{1, 1, 1}, size_});
+      const auto to = boxAt(record, 7, {{1, 1, 1}, size_});
+      if (!from || !to) return;
+      if (from->cells() != to->cells())
         return tell(Message::DeckOperation, record, "two boxes of one size", "others",
                     "left this record out");
       std::vector<double>& values = array(name);
       std::vector<double> kept;
-      forCells(from, [&](std::size_t cell) { kept.push_back(values[cell]); });
+      forCells(*from, [&](std::size_t cell) { kept.push_back(values[cell]); });
       std::size_t next = 0;
-      forCells(to, [&](std::size_t cell) { values[cell] = kept[next++]; });
+      forCells(*to, [&](std::size_t cell) { values[cell] = kept[next++]; });
     });
   }
 
   const Deck* deck_;
   std::string grid_;
   Session* session_;
-  std::map<std::string, Size> sizes_;
-  Size size_{};
+  DeckGridSize size_{};
   DeckBox box_;
   std::string keyword_;
   std::set<std::string> needed_;
@@ -426,30 +393,6 @@ class Evaluation {
 };
 
 }  // namespace
-
-std::int64_t DeckBox::cells() const {
-  std::int64_t count = 1;
-  for (std::size_t axis = 0; axis < 3; ++axis) count *= std::max(0, to[axis] - from[axis] + 1);
-  return count;
-}
-
-std::map<std::string, std::array<std::int32_t, 3>> gridSizes(const Deck& deck) {
-  std::map<std::string, Size> sizes;
-  for (const DeckKeyword& keyword : deck.keywords()) {
-    const bool global = keyword.name == "DIMENS" || keyword.name == "SPECGRID";
-    const bool local = keyword.name == "CARFIN" || keyword.name == "RADFIN";
-    if (!global && !local) continue;
-    DeckRecords records(deck.files(), keyword);
-    DeckRecord record;
-    if (!records.next(record)) continue;
-    Size size{};
-    for (std::size_t axis = 0; axis < 3; ++axis)
-      size[axis] = wholeNumber(record[static_cast<std::int64_t>(axis) + (local ? 7 : 0)]).value_or(0);
-    if (std::any_of(size.begin(), size.end(), [](std::int32_t n) { return n < 1; })) continue;
-    sizes[global ? std::string("ROOT") : upper(record[0].value_or(""))] = size;
-  }
-  return sizes;
-}
 
 DeckArray effectiveArray(const Deck& deck, const std::string& name, Session& session,
                          const std::string& grid) {

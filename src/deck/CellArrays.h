@@ -2,30 +2,13 @@
 
 #include <array>
 #include <cstdint>
-#include <map>
-#include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "../support/Session.h"
-#include "Deck.h"
+#include "BoxTracker.h"
 
 namespace lumbarn {
-
-/// Cells from 1, both ends included.
-struct DeckBox {
-  std::array<std::int32_t, 3> from{1, 1, 1};
-  std::array<std::int32_t, 3> to{0, 0, 0};
-
-  std::int64_t cells() const;
-  bool operator==(const DeckBox&) const = default;
-};
-
-/// The sizes of a deck's grids: the global one ("ROOT"), by DIMENS or SPECGRID, and those of CARFIN and
-/// RADFIN.
-std::map<std::string, std::array<std::int32_t, 3>> gridSizes(const Deck& deck);
 
 /// An array of cells as the simulator has it, after all operations on it.
 struct DeckArray {

@@ -110,34 +110,12 @@ class Builder {
   /// Calls for each keyword of a name with the box that it stands in.
   template <class Visit>
   void withBoxes(std::string_view name, Visit visit) {
-    const DeckBox whole{{1, 1, 1}, grid_.size};
-    DeckBox box = whole;
-    bool local = false;
+    BoxTracker tracker(*deck_);
     for (const DeckKeyword& keyword : deck_->keywords()) {
-      if (keyword.section != 2) continue;
-      if (keyword.name == "CARFIN" || keyword.name == "RADFIN") local = true;
-      if (keyword.name == "ENDFIN") local = false;
-      if (local) continue;
-      if (keyword.name == "ENDBOX") box = whole;
-      if (keyword.name == "BOX") box = boxOf(keyword, whole);
-      if (keyword.name == name) visit(keyword, box);
+      tracker.take(keyword);
+      if (keyword.name == name && keyword.section == 2 && tracker.grid() == "ROOT")
+        visit(keyword, tracker.box());
     }
-  }
-
-  DeckBox boxOf(const DeckKeyword& keyword, const DeckBox& whole) const {
-    DeckRecords records(deck_->files(), keyword);
-    DeckRecord record;
-    DeckBox box = whole;
-    if (!records.next(record)) return box;
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      const auto number = [&](std::int64_t place, std::int32_t other) {
-        const auto value = deckNumber(record[place].value_or(""));
-        return value && *value >= 1 && *value <= whole.to[axis] ? static_cast<std::int32_t>(*value) : other;
-      };
-      box.from[axis] = number(2 * static_cast<std::int64_t>(axis), 1);
-      box.to[axis] = number(2 * static_cast<std::int64_t>(axis) + 1, whole.to[axis]);
-    }
-    return box;
   }
 
   void takePillars() {

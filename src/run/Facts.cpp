@@ -35,6 +35,7 @@ const FactGroup ofFiles[] = {
     {"well_tests", {UserRft, UserPlt}, addTestFacts},
     {"restart_index", {Rsspec}, addRestartIndexFacts},
     {"init_index", {Inspec}, addInitIndexFacts},
+    {"deck", {Deck}, addDeckFacts},
 };
 
 /// A context that reports each damage once: several walks over a file meet the same.
