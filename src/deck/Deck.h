@@ -67,6 +67,9 @@ class Deck {
   Stream cells(const std::string& name, const std::string& grid = "ROOT",
                const ReadOptions& options = {}) const;
 
+  /// `file, line, text`: the lines of all files that contain a text, in any letter case, comments too.
+  Stream grep(const std::string& text, const ReadOptions& options = {}) const;
+
   /// 1 metric, 2 field, 3 laboratory, 4 metric with atmospheres: by METRIC, FIELD, LAB, PVT-M; without one of
   /// them metric.
   std::int32_t unitSystem() const;

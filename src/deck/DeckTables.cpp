@@ -220,4 +220,52 @@ Stream Deck::records(const std::string& name, const std::string& section, const 
                       [rows](BatchBuilder& out) { return rows->fill(out); });
 }
 
+Stream Deck::grep(const std::string& text, const ReadOptions& options) const {
+  if (text.empty()) {
+    throw Error(
+        Error::Kind::BadRequest,
+        {.message = Message::RequestRefused, .path = path(), .problem = "there is no text to look for"});
+  }
+  auto paths = std::make_shared<std::vector<std::string>>();
+  for (const DeckFile& file : files().all()) paths->push_back(toUtf8(file.path));
+  struct Search {
+    Deck deck;
+    std::string text;
+    std::shared_ptr<StreamContext> context;
+    std::uint32_t file = 0;
+    std::unique_ptr<TextWindow> window{};
+    std::uint64_t at = 0;
+    std::int64_t line = 0;
+  };
+  auto context = std::make_shared<StreamContext>(options);
+  auto search = std::make_shared<Search>(Search{*this, lower(text), context});
+  Schema schema{{.name = "file", .type = Type::Dictionary, .nullable = false, .dictionary = paths},
+                {.name = "line", .type = Type::Int64, .nullable = false},
+                {.name = "text", .type = Type::Utf8, .nullable = false}};
+  return streamOfRows(std::move(schema), std::move(context), [search](BatchBuilder& rows) {
+    Search& s = *search;
+    for (; s.file < s.deck.files().size(); ++s.file, s.window.reset()) {
+      if (s.deck.files()[s.file].state != DeckFile::State::Read) continue;
+      if (!s.window) {
+        s.window = std::make_unique<TextWindow>(s.deck.files().open(s.file));
+        s.at = 0;
+        s.line = 0;
+      }
+      while (s.at < s.window->size()) {
+        if (rows.full()) return true;
+        const std::string_view all = s.window->line(s.at);
+        s.at += all.size();
+        ++s.line;
+        if (s.line % 4096 == 0 && s.context->session().yield()) throw LoadCanceled();
+        if (lower(all).find(s.text) == std::string::npos) continue;
+        rows.set(0, static_cast<std::int32_t>(s.file));
+        rows.set(1, s.line);
+        rows.set(2, toUtf8(trim(all)));
+        rows.endRow();
+      }
+    }
+    return false;
+  });
+}
+
 }  // namespace lumbarn

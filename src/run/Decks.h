@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../deck/Deck.h"
+#include "../deck/DeckEdit.h"
 #include "Dense.h"
 #include "Run.h"
 

@@ -83,6 +83,7 @@ bool DeckRecords::next(DeckRecord& record) {
       takeItems(record, code, line.codeAt);
     }
     any = true;
+    record.end = line.slash ? lineAt + line.codeAt + line.code.size() - 1 : position_;
     if (!line.slash) continue;
     const bool counts = form != DeckForm::List && form != DeckForm::Text && form != DeckForm::Open;
     if (!empty || counts) {
@@ -107,7 +108,10 @@ void DeckRecords::takeItems(DeckRecord& record, std::string_view code, std::size
       ++i;
       continue;
     }
-    DeckItem item{.column = static_cast<std::int32_t>(codeAt + i + 1), .line = line_};
+    DeckItem item{.column = static_cast<std::int32_t>(codeAt + i + 1),
+                  .line = line_,
+                  .offset = position_ - all_.size() + codeAt + i};
+    const std::size_t wordAt = i;
     std::size_t begin = i;
     std::size_t star = 0;
     if (!isDeckQuote(code[i]) && repeats) {
@@ -127,6 +131,7 @@ void DeckRecords::takeItems(DeckRecord& record, std::string_view code, std::size
       i = end;
       item.given = !(repeats && (end == begin || code.substr(begin, end - begin) == "*"));
     }
+    item.length = static_cast<std::uint32_t>(i - wordAt);
     item.begin = base + static_cast<std::uint32_t>(begin);
     item.size = static_cast<std::uint32_t>(end - begin);
     if (item.count > 0) record.items.push_back(item);

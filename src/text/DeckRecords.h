@@ -21,6 +21,8 @@ struct DeckItem {
   std::uint32_t size = 0;
   std::int32_t column = 1;  ///< of the word in its line, from 1
   std::int64_t line = 0;
+  std::uint64_t offset = 0;  ///< of the word in its file, with quotes and count
+  std::uint32_t length = 0;  ///< likewise
 };
 
 /// One record of a keyword, from one "/" to the next.
@@ -30,6 +32,7 @@ struct DeckRecord {
   std::uint32_t file = 0;
   std::int64_t line = 0;     ///< of its first word
   std::uint64_t offset = 0;  ///< likewise
+  std::uint64_t end = 0;     ///< of the "/", or behind the last line
   bool closed = true;        ///< by a "/"
 
   std::string_view value(const DeckItem& item) const {
