@@ -101,6 +101,10 @@ TEST(DeckReading, LookingAheadMovesTheSectionAndCapturesNothing) {
   EXPECT_EQ(reading.iSection, 8);
   EXPECT_EQ(reading.captured, "  1 / a|-- b|");
   EXPECT_EQ(reading.lines.currentLine(), 2);
+  reading.lines.notePosition();
+  EXPECT_EQ(reading.rest(), "SCHEDULE");
+  EXPECT_FALSE(reading.lines.hasMoreData());
+  reading.lines.returnToPosition();
   EXPECT_TRUE(reading.lines.hasMoreData());
   EXPECT_EQ(reading.rest(), "SCHEDULE");
   EXPECT_EQ(reading.lines.currentLine(), 3);
