@@ -78,13 +78,11 @@ std::string ExtractKeyword(std::string_view zLine) {
 void processEclipseArgumentLine(std::string_view zLine, std::vector<std::string>& vArgs, std::int32_t& iArgs,
                                 bool& qOK, Session& session) {
   vArgs.clear();
-  iArgs = 0;
   guarded(session, qOK, module, "processEclipseArgumentLine", [&] {
     RepeatBudget budget;
-    const bool any = splitRecord(zLine, vArgs, budget);
-    iArgs = static_cast<std::int32_t>(vArgs.size());
-    return any;
+    return splitRecord(zLine, vArgs, budget);
   });
+  iArgs = static_cast<std::int32_t>(vArgs.size());
 }
 
 void processNumericEclipseArgumentLine(std::string_view zLine, std::vector<float>& sValues,
