@@ -28,7 +28,7 @@ void checkOptions(const DeckOptions& options) {
                         !options.change.empty() + options.includes;
   if (questions > 1)
     throw Failure(Usage, "--records, --array, --includes, --grep and --set cannot be given together");
-  if (!options.change.empty() && options.output.path.empty())
+  if (!options.change.empty() && options.output.file.empty())
     throw Failure(Usage, "--set needs -o FILE: the changed file");
   if (questions > 0 && !options.selection.keywords.empty())
     throw Failure(Usage, "--keyword chooses from the list of keywords");
