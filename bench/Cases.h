@@ -32,6 +32,7 @@ Family gridGeometryFamily();
 Family restartFamily(const std::filesystem::path& folder);
 Family indexFamily(const std::filesystem::path& folder);
 Family initFamily(const std::filesystem::path& folder);
+Family deckFamily(const std::filesystem::path& folder);
 
 /// Throws unless a case did what it was to do.
 void require(bool condition, const std::string& what);

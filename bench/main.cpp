@@ -53,8 +53,9 @@ double peakMemory() {
 
 std::vector<Family> allFamilies(const std::filesystem::path& folder) {
   return {
-      recordFamily(folder), summaryFamily(folder), restartFamily(folder), indexFamily(folder),
-      initFamily(folder),   gridFamily(folder),    gridGeometryFamily(),  wellTestFamily(folder),
+      recordFamily(folder), summaryFamily(folder), restartFamily(folder),
+      indexFamily(folder),  initFamily(folder),    deckFamily(folder),
+      gridFamily(folder),   gridGeometryFamily(),  wellTestFamily(folder),
   };
 }
 

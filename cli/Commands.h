@@ -16,6 +16,7 @@ void addStats(CommandLine& line);
 void addWells(CommandLine& line);
 void addInit(CommandLine& line);
 void addTables(CommandLine& line);
+void addDeck(CommandLine& line);
 void addGrid(CommandLine& line);
 void addRft(CommandLine& line);
 void addIndex(CommandLine& line);

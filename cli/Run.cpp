@@ -28,6 +28,7 @@ void addCommands(CommandLine line) {
   addWells(line);
   addInit(line);
   addTables(line);
+  addDeck(line);
   addGrid(line);
   addRft(line);
   addIndex(line);

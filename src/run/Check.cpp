@@ -3,6 +3,7 @@
 #include <deque>
 #include <utility>
 
+#include "../deck/DeckCheck.h"
 #include "../files/Families.h"
 #include "../support/Session.h"
 #include "../support/Text.h"
@@ -14,13 +15,13 @@ namespace lumbarn {
 
 namespace {
 
-/// The files of a run that consist of records, or of tests. A file whose name tells nothing counts when it
-/// was asked for. Specifications come before the data that they describe.
+/// The files of a run that consist of records, or of tests, and its deck. A file whose name tells nothing
+/// counts when it was asked for. Specifications come before the data that they describe.
 std::vector<const RunMember*> recordFiles(const RunFamily& run) {
   std::vector<const RunMember*> files;
   for (const RunMember& member : run.members) {
-    const bool text = member.kind == FileKind::Deck || member.kind == FileKind::Rsm;
-    if (text || (member.kind == FileKind::Unknown && &member != run.givenMember())) continue;
+    if (member.kind == FileKind::Rsm || (member.kind == FileKind::Unknown && &member != run.givenMember()))
+      continue;
     files.push_back(&member);
   }
   return files;
@@ -49,10 +50,11 @@ class FindingRows {
     text(1, finding.what());
     text(2, finding.keyword);
     if (finding.occurrence > 0) rows.set(3, finding.occurrence);
-    if (finding.offset) rows.set(4, *finding.offset);
-    text(5, finding.expected);
-    text(6, finding.found);
-    text(7, finding.action);
+    if (finding.line > 0) rows.set(4, finding.line);
+    if (finding.offset) rows.set(5, *finding.offset);
+    text(6, finding.expected);
+    text(7, finding.found);
+    text(8, finding.action);
     rows.endRow();
   }
 
@@ -90,6 +92,7 @@ std::optional<CheckedFile> RunCheck::next(const FindingSink& report) {
   }
   try {
     const RunMember& file = *members_[next_++];
+    if (file.kind == FileKind::Deck) return checkKeywords(file, add);
     CheckRequest request{.values = how_.values};
     if (file.kind == FileKind::Summary) request.vectors = vectors_[file.formatted ? 1 : 0];
     CheckedFile result{checkFile(file, request, context_->session(), add), file.path};
@@ -106,6 +109,28 @@ std::optional<CheckedFile> RunCheck::next(const FindingSink& report) {
   } catch (...) {
     throw errorInFlight();
   }
+}
+
+CheckedFile RunCheck::checkKeywords(const RunMember& file, const FindingSink& report) {
+  CheckedFile result{{.unit = "keyword"}, file.path};
+  // What the scan reports is among the findings.
+  Session& session = context_->session();
+  const auto shown = std::exchange(session.diagnosisSink, nullptr);
+  const auto add = [&](Diagnosis finding) {
+    ++result.findings;
+    report(std::move(finding));
+  };
+  try {
+    const Deck deck = Deck::read(file.path, session);
+    result.records = static_cast<std::int64_t>(deck.keywords().size());
+    result.readable = anyRecord_ = true;
+    checkDeck(deck, session, add);
+  } catch (const BadRecord& bad) {
+    add(bad.diagnosis());
+  }
+  session.diagnosisSink = shown;
+  if (Progress* display = session.Container) display->fileDone();
+  return result;
 }
 
 void RunCheck::checkPairs(const FindingSink& report) const {
@@ -156,6 +181,7 @@ Stream RunCheck::findings(std::shared_ptr<RunCheck> check) {
                        {.name = "problem", .type = Type::Utf8, .nullable = false},
                        {.name = "keyword", .type = Type::Utf8},
                        {.name = "occurrence", .type = Type::Int64},
+                       {.name = "line", .type = Type::Int64},
                        {.name = "offset", .type = Type::Int64},
                        {.name = "expected", .type = Type::Utf8},
                        {.name = "found", .type = Type::Utf8},

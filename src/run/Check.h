@@ -42,10 +42,11 @@ class RunCheck {
   bool incomplete() const { return incomplete_; }
 
   /// All findings of a check, which is kept as long as the stream: `file`, `problem`, `keyword`,
-  /// `occurrence`, `offset`, `expected`, `found`, `action`.
+  /// `occurrence`, `line` (of a text), `offset`, `expected`, `found`, `action`.
   static Stream findings(std::shared_ptr<RunCheck> check);
 
  private:
+  CheckedFile checkKeywords(const RunMember& file, const FindingSink& report);
   void checkContent(const RunMember& file, const FindingSink& report);
   void checkPairs(const FindingSink& report) const;
 

@@ -35,6 +35,7 @@ const FactGroup ofFiles[] = {
     {"well_tests", {UserRft, UserPlt}, addTestFacts},
     {"restart_index", {Rsspec}, addRestartIndexFacts},
     {"init_index", {Inspec}, addInitIndexFacts},
+    {"deck", {FileKind::Deck}, addDeckFacts},
 };
 
 /// A context that reports each damage once: several walks over a file meet the same.
@@ -137,7 +138,7 @@ Stream facts(const std::string& path, const ReadOptions& options) {
 std::optional<std::string> typeOfInput(const std::string& path) {
   const Recognised found = recogniseFile(path);
   const bool simulatorFile = found.form && (found.byContent || found.kind != Unknown);
-  if (!simulatorFile && found.kind != Deck) return std::nullopt;
+  if (!simulatorFile && found.kind != FileKind::Deck) return std::nullopt;
   return std::string(nameOf(found.kind));
 }
 

@@ -12,6 +12,7 @@
 
 namespace lumbarn {
 
+class Deck;
 class RunState;
 
 /// One report step of a run's restart files.
@@ -70,6 +71,10 @@ class Run {
 
   /// The steps of the restart files, in the order of the files.
   std::vector<StepInfo> steps(const ReadOptions& options = {}) const;
+
+  /// The deck of the run, read once. Throws Error NotFound without one. See
+  /// <lumbarn/Decks.h>.
+  Deck deck(const ReadOptions& options = {}) const;
 
   /// The simulation tables of the INIT file: `table`, `number` among those of that name, `rows`, and
   /// `columns` with their units.

@@ -15,6 +15,8 @@ void addRestartFacts(FactList& facts, const RunState& run, StreamContext& contex
 void addInitFacts(FactList& facts, const RunState& run, StreamContext& context);
 void addGridFacts(FactList& facts, const RunState& run, StreamContext& context);
 void addTestFacts(FactList& facts, const RunState& run, StreamContext& context);
+/// Of the deck and all files that it includes.
+void addDeckFacts(FactList& facts, const RunState& run, StreamContext& context);
 void addSaveFacts(FactList& facts, const RunState& run, StreamContext& context);
 /// Of an index file, and whether it is that of the run's files.
 void addRestartIndexFacts(FactList& facts, const RunState& run, StreamContext& context);

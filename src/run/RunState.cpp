@@ -65,6 +65,10 @@ std::shared_ptr<const RestartIndex> RunState::initIndex(StreamContext& context) 
   });
 }
 
+std::shared_ptr<const Deck> RunState::deck(StreamContext& context) const {
+  return deck_.get(context, [&](Session& session) { return Deck::read(file(FileKind::Deck).path, session); });
+}
+
 std::shared_ptr<const std::optional<ActiveCells>> RunState::activeCells(StreamContext& context,
                                                                         const std::string& grid,
                                                                         const GridCells& cells) const {

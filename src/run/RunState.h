@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "../arrays/ActiveCells.h"
+#include "../deck/Deck.h"
 #include "../files/Families.h"
 #include "../index/RestartIndex.h"
 #include "../support/System.h"
@@ -48,6 +49,9 @@ class RunState {
                                                                 const std::string& grid,
                                                                 const GridCells& cells) const;
 
+  /// The data deck. Throws Error NotFound without one.
+  std::shared_ptr<const Deck> deck(StreamContext& context) const;
+
   const SummaryState& summary() const { return summary_; }
 
   /// Whether a file differs from the one that was there when the run was opened, other than by growth.
@@ -63,6 +67,7 @@ class RunState {
   Lazy<RestartIndex> restart_;
   Lazy<RestartIndex> init_;
   Lazy<Grids> grids_;
+  Lazy<Deck> deck_;
   using GridKey = std::tuple<std::string, std::int64_t, std::int64_t>;  // name, cells, active cells
   mutable std::mutex activeMutex_;                                      // of the map, not of what it holds
   mutable std::map<GridKey, Lazy<std::optional<ActiveCells>>> active_;

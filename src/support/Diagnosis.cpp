@@ -11,14 +11,15 @@ std::string Diagnosis::text() const {
     place += item;
   };
   if (occurrence > 0) add(fmt::format("occurrence {}", occurrence), ", ");
+  if (line > 0) add(fmt::format("line {}", line), ", ");
   if (offset) add(fmt::format("byte {}", *offset), ", ");
   if (!expected.empty()) add("expected " + expected, ": ");
   if (!found.empty()) add("found " + found, expected.empty() ? ": " : ", ");
 
-  std::string line = path.empty() ? std::string(what()) : fmt::format("{}: {}", path, what());
-  if (!place.empty()) line += " (" + place + ")";
-  if (!action.empty()) line += "; " + action;
-  return line;
+  std::string all = path.empty() ? std::string(what()) : fmt::format("{}: {}", path, what());
+  if (!place.empty()) all += " (" + place + ")";
+  if (!action.empty()) all += "; " + action;
+  return all;
 }
 
 }  // namespace lumbarn

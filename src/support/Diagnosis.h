@@ -25,6 +25,7 @@ struct Diagnosis {
   std::string keyword;   ///< keyword of the record, empty when there is none
   std::int64_t occurrence = 0;          ///< which record of that keyword, from 1; 0 when not known
   std::optional<std::uint64_t> offset;  ///< byte offset in the file, from 0
+  std::int64_t line = 0;                ///< of a text file, from 1; 0 when not known
   std::string expected;                 ///< what should stand there
   std::string found;                    ///< what stands there
   std::string action;                   ///< what was done: "kept 12 steps", "stopped"

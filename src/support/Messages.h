@@ -166,6 +166,26 @@ struct MessageRow {
   ROW(FileContent, "check.content", Damage, "content is not what the name says")                             \
   ROW(RecordOrder, "check.records", Damage, "records do not fit together")                                   \
   ROW(SummaryRowOrder, "check.summary-row", Incomplete, "summary row is not complete")                       \
+  /* deck */                                                                                                 \
+  ROW(DeckUnknownKeyword, "deck.keyword", Remark, "unknown keyword")                                         \
+  ROW(DeckWrongSection, "deck.section", Remark, "keyword in a section that does not have it")                \
+  ROW(DeckNotClosed, "deck.not-closed", Damage, "a keyword begins where \"/\" or data are expected")         \
+  ROW(DeckFileEnds, "deck.end", Incomplete, "the deck ends within the data of a keyword")                    \
+  ROW(DeckOpenQuote, "deck.quote", Remark, "a quote is not closed on its line")                              \
+  ROW(DeckColumn, "deck.column", Remark, "text past column 128, which simulators do not read")               \
+  ROW(DeckStray, "deck.stray", Remark, "text that belongs to no keyword")                                    \
+  ROW(DeckDataOnLine, "deck.same-line", Remark, "data on the line of the keyword")                           \
+  ROW(DeckNoSlash, "deck.include-slash", Remark, "no \"/\" behind the name of an included file")             \
+  ROW(DeckMissingFile, "deck.include", Incomplete, "an included file is not there")                          \
+  ROW(DeckOtherCase, "deck.include-case", Remark, "an included file has its name in another letter case")    \
+  ROW(DeckOtherFolder, "deck.include-folder", Remark, "an included file is not in the folder of the deck")   \
+  ROW(DeckCycle, "deck.include-cycle", Damage, "a file includes itself")                                     \
+  ROW(DeckBinary, "deck.binary", Damage, "this is not the text of a deck")                                   \
+  ROW(DeckAlias, "deck.alias", Incomplete, "PATHS does not define the alias of an included file")            \
+  ROW(DeckValue, "deck.value", Damage, "a value of a deck cannot be read")                                   \
+  ROW(DeckCount, "deck.count", Damage, "an array has not as many values as the grid has cells")              \
+  ROW(DeckOperation, "deck.operation", Incomplete, "an operation on arrays is not understood")               \
+  ROW(DeckSimulatorChosen, "deck.simulator", Remark, "SKIP keywords count for the simulator that the deck is for")\
   /* end of the table */
 // clang-format on
 
