@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "../record/LineReader.h"
+
+namespace lumbarn {
+
+/// An open file of a deck, read line by line, with one step back.
+class DeckLines {
+ public:
+  /// Null with `why` set when the file cannot be opened.
+  static std::unique_ptr<DeckLines> open(const std::string& path, std::string& why);
+  explicit DeckLines(std::shared_ptr<const ByteSource> source) : reader_(source, source->path()) {}
+
+  /// False at the end of the file, with an empty line. Throws BadRecord when the file cannot be read.
+  bool readLine(std::string& line);
+  bool hasMoreData() { return again_ || !reader_.atEnd(); }
+  /// Remembers the place in front of the next line, for `returnToPosition` behind that line.
+  void notePosition() { noted_ = true; }
+  void returnToPosition() { again_ = kept_; }
+  /// How many lines were read.
+  std::int64_t currentLine() const { return reader_.number() - (again_ ? 1 : 0); }
+  std::uint64_t offset() const { return reader_.position(); }  ///< of the current line
+  std::uint64_t size() const { return reader_.size(); }
+  const std::string& path() const { return reader_.path(); }
+
+ private:
+  LineReader reader_;
+  std::string last_;    // the line behind the place that was noted
+  bool noted_ = false;  // that line comes next
+  bool kept_ = false;   // it was read last
+  bool again_ = false;  // and is to be read again
+};
+
+}  // namespace lumbarn
