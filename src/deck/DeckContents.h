@@ -16,9 +16,9 @@ class DeckScheduleStore;
 
 /// Lines of a deck as they stand in it, for hosts that work on the text.
 struct DeckLineStores {
-  bool qCaptureSchedule = false;    ///< the current line goes into zSchedule
-  bool qCaptureReportStep = false;  ///< the current line goes into zReportStep
-  bool qInEDIT = false;             ///< the current line goes into zEDIT
+  bool qCaptureSchedule = false;         ///< the current line goes into zSchedule
+  bool qCaptureReportStep = false;       ///< the current line goes into zReportStep
+  bool qInEDIT = false;                  ///< the current line goes into zEDIT
   std::vector<std::string> zSchedule;    ///< SUMMARY and SCHEDULE
   std::vector<std::string> zReportStep;  ///< keywords of the current report step
   std::vector<std::string> zEDIT;
@@ -49,9 +49,9 @@ struct DeckLoadOptions {
   bool RecordReportStepKeywords = false;
   bool RUNSPECOnly = false;
   bool ProcessCorners = true;
-  bool ProcessAll = false;  ///< follow INCLUDE in GRID, EDIT and REGIONS too
-  std::vector<std::string> zExcludes;        ///< patterns of names of files not to read
-  DeckScheduleStore* schedule = nullptr;     ///< not owned
+  bool ProcessAll = false;                ///< follow INCLUDE in GRID, EDIT and REGIONS too
+  std::vector<std::string> zExcludes;     ///< patterns of names of files not to read
+  DeckScheduleStore* schedule = nullptr;  ///< not owned
 };
 
 }  // namespace lumbarn

@@ -74,8 +74,8 @@ void makeCorners(DeckGrids& grids, std::size_t grid, bool qOffSet) {
     applygridOffSet(record.dCoord, offset);
     record.qOffSet = true;
   }
-  const auto inactive =
-      std::count_if(record.iACTNUM.begin(), record.iACTNUM.end(), [](std::int32_t cell) { return cell <= 0; });
+  const auto inactive = std::count_if(record.iACTNUM.begin(), record.iACTNUM.end(),
+                                      [](std::int32_t cell) { return cell <= 0; });
   record.nActive = record.nCells() - static_cast<std::int32_t>(inactive);
   record.qHaveCorners = true;
 }
@@ -86,9 +86,8 @@ XYData cornerRows(const DeckGrids& grids, std::size_t grid, Session& session) {
   const auto cells = static_cast<std::size_t>(record.nCells());
   XYData rows(rowItems, cells, session);
   if (cells == 0) return rows;
-  const std::size_t sets = std::max<std::size_t>((record.dCoord.size() + record.pillarItems() - 1) /
-                                                     record.pillarItems(),
-                                                 1);
+  const std::size_t sets =
+      std::max<std::size_t>((record.dCoord.size() + record.pillarItems() - 1) / record.pillarItems(), 1);
   session.checkMemory(sets * record.pillarItems() * sizeof(float));
   std::vector<float> pillars(record.dCoord.begin(), record.dCoord.end());
   pillars.resize(sets * record.pillarItems());

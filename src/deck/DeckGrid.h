@@ -28,7 +28,7 @@ struct DeckGridRecord {
   std::vector<double> dCoord;
   std::vector<float> sDepths;
   std::vector<std::int32_t> iACTNUM;
-  bool qOffSet = false;      ///< the offset was taken off dCoord
+  bool qOffSet = false;  ///< the offset was taken off dCoord
   bool qHaveCorners = false;
 
   std::int32_t nCells() const { return iNX * iNY * iNZ; }
@@ -81,7 +81,7 @@ struct DeckGrids {
   DeckBox box;                          ///< the one in force
   std::vector<DeckCoordBlock> blocks;
   std::vector<DeckReservoir> reservoirs;
-  std::size_t nCOORDSYS = 0;  ///< rows of `reservoirs` that a deck gives
+  std::size_t nCOORDSYS = 0;    ///< rows of `reservoirs` that a deck gives
   std::int32_t iReservoir = 0;  ///< of RESVNUM, from 1; 0: the first
   bool qCOORD = false, qZCORN = false;
   bool qMapAxes = false;

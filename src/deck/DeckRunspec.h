@@ -28,8 +28,8 @@ struct DeckPhases {
 
 /// Counts of TABDIMS. Keywords that share a count overwrite each other, the later one counts.
 struct DeckTableSizes {
-  std::int32_t saturation = 1;       ///< tables of saturation functions
-  std::int32_t pvt = 1;              ///< of fluid properties; at least eosSurface
+  std::int32_t saturation = 1;  ///< tables of saturation functions
+  std::int32_t pvt = 1;         ///< of fluid properties; at least eosSurface
   std::int32_t saturationNodes = 20;
   std::int32_t pvtNodes = 20;
   std::int32_t regions = 1;  ///< of fluid in place, the largest of TABDIMS and REGDIMS

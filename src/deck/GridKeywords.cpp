@@ -15,7 +15,9 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-std::size_t extent(std::int32_t first, std::int32_t last) { return static_cast<std::size_t>(last - first) + 1; }
+std::size_t extent(std::int32_t first, std::int32_t last) {
+  return static_cast<std::size_t>(last - first) + 1;
+}
 
 /// The current grid. Throws Fault 9 before GRID, and when the box in force does not lie in the grid.
 DeckGridRecord& gridOfBox(DeckGrids& grids) {
@@ -102,8 +104,8 @@ void putPillars(const DeckGrids& grids, std::vector<double> values, DeckGridReco
   std::span<const double> left = values;
   for (std::int32_t j = box.iJ1; j <= box.iJ2 + 1 && !left.empty(); ++j) {
     const auto line = take(left, 6 * (extent(box.iI1, box.iI2) + 1));
-    put(grid.dCoord, first + static_cast<std::size_t>(j - 1) * row + 6 * static_cast<std::size_t>(box.iI1 - 1),
-        line);
+    put(grid.dCoord,
+        first + static_cast<std::size_t>(j - 1) * row + 6 * static_cast<std::size_t>(box.iI1 - 1), line);
   }
 }
 
@@ -145,8 +147,8 @@ void parseZCORN(const DeckKeyword& keyword) {
   if (!keyword.options.ProcessCorners) return;
   DeckGridRecord& grid = gridOfBox(grids);
   const DeckBox& box = grids.box;
-  std::int32_t count = arrayCount(8 * extent(box.iI1, box.iI2) * extent(box.iJ1, box.iJ2) *
-                                  extent(box.iK1, box.iK2));
+  std::int32_t count =
+      arrayCount(8 * extent(box.iI1, box.iI2) * extent(box.iJ1, box.iJ2) * extent(box.iK1, box.iK2));
   std::vector<float> values;
   bool qOK = false;
   keyword.reading.readEclipseSingleArray(keyword.file, count, values, qOK);
@@ -312,13 +314,20 @@ void parsePINCH(const DeckKeyword& keyword) {
 }
 
 constexpr ParserRow rows[] = {
-    {"parseACTNUM", parseACTNUM},     {"parseBOX", parseBOX},
-    {"parseCARFIN", parseCARFIN},     {"parseCOORD", parseCOORD},
-    {"parseCOORDSYS", parseCOORDSYS}, {"parseENDBOX", parseENDBOX},
-    {"parseFAULTS", parseFAULTS},     {"parseGRID", parseGRID},
-    {"parseGRIDMAPUNITS", parseGRIDMAPUNITS}, {"parseMAPAXES", parseMAPAXES},
-    {"parseMULTFLT", parseMULTFLT},   {"parsePINCH", parsePINCH},
-    {"parseRADFIN", parseRADFIN},     {"parseRESNUM", parseRESNUM},
+    {"parseACTNUM", parseACTNUM},
+    {"parseBOX", parseBOX},
+    {"parseCARFIN", parseCARFIN},
+    {"parseCOORD", parseCOORD},
+    {"parseCOORDSYS", parseCOORDSYS},
+    {"parseENDBOX", parseENDBOX},
+    {"parseFAULTS", parseFAULTS},
+    {"parseGRID", parseGRID},
+    {"parseGRIDMAPUNITS", parseGRIDMAPUNITS},
+    {"parseMAPAXES", parseMAPAXES},
+    {"parseMULTFLT", parseMULTFLT},
+    {"parsePINCH", parsePINCH},
+    {"parseRADFIN", parseRADFIN},
+    {"parseRESNUM", parseRESNUM},
     {"parseZCORN", parseZCORN},
 };
 

@@ -138,11 +138,16 @@ void parsePHASE(const DeckKeyword& keyword) {
   };
   // POLYMER is deliberately not among them: the host form never sees it.
   static constexpr Phase phases[] = {
-      {"OIL", &DeckPhases::Oil, true},           {"GAS", &DeckPhases::Gas, true},
-      {"WATER", &DeckPhases::Water, true},       {"DISGAS", &DeckPhases::DissolvedGas, true},
-      {"VAPOIL", &DeckPhases::VapourisedOil, true}, {"BRINE", &DeckPhases::Brine, false},
-      {"SOLVENT", &DeckPhases::Solvent, false},  {"SURFACT", &DeckPhases::Surfactant, false},
-      {"COAL", &DeckPhases::CoalBedMethane, false}, {"FOAM", &DeckPhases::Foam, false},
+      {"OIL", &DeckPhases::Oil, true},
+      {"GAS", &DeckPhases::Gas, true},
+      {"WATER", &DeckPhases::Water, true},
+      {"DISGAS", &DeckPhases::DissolvedGas, true},
+      {"VAPOIL", &DeckPhases::VapourisedOil, true},
+      {"BRINE", &DeckPhases::Brine, false},
+      {"SOLVENT", &DeckPhases::Solvent, false},
+      {"SURFACT", &DeckPhases::Surfactant, false},
+      {"COAL", &DeckPhases::CoalBedMethane, false},
+      {"FOAM", &DeckPhases::Foam, false},
   };
   for (const Phase& phase : phases) {
     if (phase.zKeyword != keyword.zKeyword) continue;
@@ -158,9 +163,7 @@ void parseBLACKOIL(const DeckKeyword& keyword) {
   if (keyword.schedule()) keyword.schedule()->phase(keyword.zKeyword);
 }
 
-void parseUNITS(const DeckKeyword& keyword) {
-  keyword.runspec().iUnitSystem = UnitSystem(keyword.zKeyword);
-}
+void parseUNITS(const DeckKeyword& keyword) { keyword.runspec().iUnitSystem = UnitSystem(keyword.zKeyword); }
 
 /// Deliberate: without a schedule store the keyword has no effect.
 void parseFMT(const DeckKeyword& keyword) {
