@@ -46,21 +46,21 @@ void qvEclipseDat::ExcludeFile(const std::string& zName, bool& qOK, bool& qExclu
   guarded(session(), qOK, name, "ExcludeFile", [&] { qExcluded = isExcluded(zName, zExcludes); });
 }
 
-void qvEclipseDat::getEclipseKeyWord(std::int32_t iSection, std::string_view zKeyWord,
+void qvEclipseDat::getEclipseKeyWord(std::int32_t iOfSection, std::string_view zKeyWord,
                                      std::vector<std::string>& zArguments, std::int32_t& nArguments,
                                      bool& qOK) const {
   guarded(session(), qOK, name, "getEclipseKeyWord", [&] {
-    const DeckKeywordRecord* record = deck_.keywords.find(zKeyWord, iSection);
+    const DeckKeywordRecord* record = deck_.keywords.find(zKeyWord, iOfSection);
     nArguments = record ? record->nArgs : 0;
     zArguments = record ? record->zArgs : std::vector<std::string>();
     return record != nullptr;
   });
 }
 
-void qvEclipseDat::getEclipseKeyWordList(std::int32_t iSection, std::vector<std::string>& zKeyWords,
+void qvEclipseDat::getEclipseKeyWordList(std::int32_t iOfSection, std::vector<std::string>& zKeyWords,
                                          std::int32_t& nKeyWords, bool& qOK) const {
   guarded(session(), qOK, name, "getEclipseKeyWordList", [&] {
-    zKeyWords = deck_.keywords.names(iSection);
+    zKeyWords = deck_.keywords.names(iOfSection);
     nKeyWords = countOf(zKeyWords.size());
   });
 }

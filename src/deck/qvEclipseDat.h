@@ -44,10 +44,10 @@ class qvEclipseDat : public DeckReading, public DeckLoadOptions {
   // --- Keywords and options
 
   /// The arguments of a keyword that is kept as text, in a section or, with -1, in any.
-  void getEclipseKeyWord(std::int32_t iSection, std::string_view zKeyWord,
+  void getEclipseKeyWord(std::int32_t iOfSection, std::string_view zKeyWord,
                          std::vector<std::string>& zArguments, std::int32_t& nArguments, bool& qOK) const;
   /// The names of these keywords in one section; of all with a section below 1.
-  void getEclipseKeyWordList(std::int32_t iSection, std::vector<std::string>& zKeyWords,
+  void getEclipseKeyWordList(std::int32_t iOfSection, std::vector<std::string>& zKeyWords,
                              std::int32_t& nKeyWords, bool& qOK) const;
   /// The single that DRSDT, DRVDT, DZMTRX, SIGMA or SIGMAGD gives, the text of TITLE; -32768 (a single) for
   /// what is not given, and for any other keyword.
