@@ -10,6 +10,7 @@
 
 #include "Baseline.h"
 #include "Cases.h"
+#include "grid/Hadrick.h"
 #include "reader/qvEclipseReader.h"
 #include "record/RecordWriter.h"
 #include "support/System.h"

@@ -12,6 +12,7 @@
 #include "Cases.h"
 #include "reader/qvEclipseReader.h"
 #include "record/RecordWriter.h"
+#include "restart/qvEclipseSOLUTION.h"
 
 namespace lumbarn::bench {
 

@@ -7,6 +7,7 @@
 #include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
+#include "init/qvEclipseINIT.h"
 #include "support/Text.h"
 
 namespace lumbarn::cli {

@@ -5,7 +5,6 @@
 #include "Console.h"
 #include "Facts.h"
 #include "files/Families.h"
-#include "reader/qvEclipseReader.h"
 
 namespace lumbarn::cli {
 

@@ -7,6 +7,7 @@
 #include "RunFacts.h"
 #include "files/Recogniser.h"
 #include "reader/qvEclipseReader.h"
+#include "summary/qvEclipseSUMMARYFile.h"
 #include "vocabulary/Units.h"
 
 namespace lumbarn::cli {

@@ -25,11 +25,11 @@ endif()
 if(BUILD_SHARED_LIBS)
   set_target_properties(lumbarn PROPERTIES INSTALL_RPATH "\$ORIGIN")  # the module is next to the library
 endif()
-install(
-  DIRECTORY ${PROJECT_SOURCE_DIR}/src/
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn
-  FILES_MATCHING
-  PATTERN "*.h")
+include(${CMAKE_CURRENT_LIST_DIR}/PublicHeaders.cmake)
+foreach(header IN LISTS lumbarn_public_headers)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/src/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn/${folder})
+endforeach()
 install(
   DIRECTORY ${PROJECT_BINARY_DIR}/forwarding/
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumbarn

@@ -6,6 +6,7 @@
 
 #include "Checks.h"
 #include "RecordMutator.h"
+#include "init/qvEclipseINIT.h"
 #include "reader/qvEclipseReader.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);

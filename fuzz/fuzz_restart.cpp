@@ -16,6 +16,7 @@
 #include "restart/MarkerBlock.h"
 #include "restart/MarkerTable.h"
 #include "restart/qvEclipseSAVE.h"
+#include "restart/qvEclipseSOLUTION.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
 

@@ -12,6 +12,7 @@
 #include "record/RecordCursor.h"
 #include "summary/VectorSelection.h"
 #include "summary/qvEclipseSPEC.h"
+#include "summary/qvEclipseSUMMARYFile.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t room);
 

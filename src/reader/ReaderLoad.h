@@ -1,8 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <type_traits>
 
 #include "../support/Guarded.h"
+#include "ReaderParts.h"
 #include "qvEclipseReader.h"
 
 namespace lumbarn {
@@ -14,7 +16,18 @@ void qvEclipseReader::perform(const char* routine, bool& qOK, Body body) const {
   constexpr const char* className = "qvEclipseReader";
   const auto faults = session_->faults();
   const std::size_t before = session_->diagnoses().size();
-  guarded(*session_, qOK, className, routine, body);
+  guarded(*session_, qOK, className, routine, [&] {
+    try {
+      if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+        body();
+        return true;
+      } else {
+        return static_cast<bool>(body());
+      }
+    } catch (const ReportedFailure&) {
+      return false;
+    }
+  });
   const auto& diagnoses = session_->diagnoses();
   const auto isDamage = [](const Diagnosis& diagnosis) { return diagnosis.severity() == Severity::Damage; };
   if (session_->faults() == faults || std::any_of(diagnoses.begin() + before, diagnoses.end(), isDamage))
@@ -25,17 +38,24 @@ void qvEclipseReader::perform(const char* routine, bool& qOK, Body body) const {
   });
 }
 
-/// What all loads share: what was held of the type is released and what an earlier load set among the options
-/// is set back, so that nothing of one file is returned as that of another, also when the load fails.
 template <class Read>
-void qvEclipseReader::load(Loaded loaded, const char* routine, bool& qOK, Read read) {
-  loaded_ = loaded;
-  release(loaded);
-  restoreOptions();
-  optionsBefore_ = foundOptions();
-  if (loaded == Loaded::Summary) summaryFetched_ = false;
+void qvEclipseReader::load(ReaderPart& part, const char* routine, bool& qOK, Read read) {
+  parts_->beginLoad(part);
   perform(routine, qOK, read);
-  optionsAfter_ = foundOptions();
+  parts_->endLoad();
+}
+
+/// Asks a part that must hold something. `ask` takes the part and throws, or takes qOK as well.
+template <class Part, class Ask>
+void qvEclipseReader::fetch(Part& part, const char* routine, bool& qOK, Ask ask) const {
+  perform(routine, qOK, [&] {
+    requireHeld(part);
+    if constexpr (std::is_invocable_v<Ask, Part&, bool&>) {
+      require([&](bool& qDone) { ask(part, qDone); });
+    } else {
+      ask(part);
+    }
+  });
 }
 
 }  // namespace lumbarn

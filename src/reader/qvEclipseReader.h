@@ -1,36 +1,47 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "../files/Recogniser.h"
-#include "../grid/qvGRIDReader.h"
-#include "../index/qvEclipseRSSPEC.h"
+#include "../arrays/ColumnTable.h"
 #include "../init/Connections.h"
-#include "../init/qvEclipseINIT.h"
+#include "../init/ModelFlags.h"
 #include "../restart/MarkerTable.h"
 #include "../restart/WellRecords.h"
-#include "../restart/qvEclipseSOLUTION.h"
 #include "../shapes/AttributeStore.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
 #include "../shapes/XYData.h"
 #include "../summary/SummaryVector.h"
-#include "../summary/qvEclipseSUMMARYFile.h"
 #include "../support/Dates.h"
 #include "../support/Session.h"
+#include "../welltests/UserTest.h"
 #include "../welltests/WellTest.h"
-#include "../welltests/qvEclipseRFT.h"
-#include "../welltests/qvUserRFT.h"
-#include "LoadDialog.h"
 #include "ReaderOptions.h"
 
 namespace lumbarn {
+
+// A host that uses one of these includes its header: grid/Hadrick.h, reader/LoadDialog.h,
+// init/qvEclipseDTAB.h, init/qvEclipseINIT.h, index/qvEclipseRSSPEC.h, restart/RestartGrid.h,
+// restart/qvEclipseSOLUTION.h, summary/qvEclipseSUMMARYFile.h.
+class Hadrick;
+class LoadDialog;
+struct PhysicalTable;
+class qvEclipseINIT;
+class qvEclipseRSSPEC;
+struct RESTARTGRID;
+struct RestartStep;
+struct SummaryRow;
+
+class ReaderPart;
+struct ReaderParts;
 
 /// A file as a host describes it to `CheckifEclipse`, which fills in its kind.
 struct FileDescriptor {
@@ -52,6 +63,9 @@ struct FileDescriptor {
 class qvEclipseReader : public ReaderOptions {
  public:
   explicit qvEclipseReader(Session& session = Session::process());
+  /// What was loaded moves too; the other object can only be destroyed then.
+  qvEclipseReader(qvEclipseReader&& other) noexcept;
+  ~qvEclipseReader();
 
   // Options that all readers of a session share.
   std::int32_t& IOMethod;      ///< carried, not interpreted
@@ -63,7 +77,7 @@ class qvEclipseReader : public ReaderOptions {
   void InitEclipseReader();
   Session& session() { return *session_; }
   /// Not owned; null takes the silent path always.
-  void setLoadDialog(LoadDialog* dialog) { dialog_ = dialog; }
+  void setLoadDialog(LoadDialog* dialog);
 
   // --- Load
 
@@ -154,7 +168,7 @@ class qvEclipseReader : public ReaderOptions {
 
   // --- Grid results
 
-  std::int32_t NumberGrids() const { return grid_ ? grid_->nGrids : 0; }
+  std::int32_t NumberGrids() const;
   /// The store object of a grid, from 1: the global one, then the local ones. It is shared with this reader,
   /// and lives as long as either needs it. qOK False for a number that there is not.
   void GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& cGridData, bool& qOK);
@@ -194,7 +208,7 @@ class qvEclipseReader : public ReaderOptions {
   /// Slots 1, 2, 3 of vSourceData take the size of the step's global grid; -1 and qOK False without the step.
   void GetRESTARTSEQUENCENxNyNz(std::int32_t iSeqnum, SourceData& vSourceData, bool& qOK);
   /// What a host needs to open the file for the places above.
-  void getEclipseFODInfo(FileTypeSettings& qFileTypeSettings, bool& qOK);
+  void getEclipseFODInfo(std::array<bool, 5>& qFileTypeSettings, bool& qOK);
   /// PVT table number of a well of the last step, by its number from 1, or with -1 by its name; an unknown
   /// name means the last well. -1 and qOK False when there is none.
   std::int32_t getWellPVTNum(std::string_view zWell, bool& qOK, std::int32_t iWellIndex = -1);
@@ -203,7 +217,7 @@ class qvEclipseReader : public ReaderOptions {
 
   /// What the index says, after a load by the name of one; null else. It is held under code 28, also when
   /// the files that it is the index of cannot be read.
-  const qvEclipseRSSPEC* RestartIndexFile() const { return rsspec_.get(); }
+  const qvEclipseRSSPEC* RestartIndexFile() const;
   /// The steps held: number, days, date, grids, file.
   std::vector<RestartStep> RestartSteps() const;
   /// One grid of a step, with its arrays' names, units and places, and its wells; null when there is none.
@@ -298,8 +312,8 @@ class qvEclipseReader : public ReaderOptions {
   // --- INIT, beyond what hosts of old ask for
 
   /// The file itself, with all its grids; null when none is held. Holds until the next load or release.
-  qvEclipseINIT* Init() { return init_.get(); }
-  const qvEclipseINIT* Init() const { return init_.get(); }
+  qvEclipseINIT* Init();
+  const qvEclipseINIT* Init() const;
   /// One array by its name, without regard to case: the values of active cells, or with qAllCells those of
   /// all cells in natural order, `NullValue` in those that are not active.
   void GetINITArray(std::string_view zName, bool qAllCells, std::vector<float>& sValues, bool& qOK);
@@ -385,78 +399,23 @@ class qvEclipseReader : public ReaderOptions {
   std::vector<UserTest> ListUserTests() const;
 
  private:
-  /// What the last load loads.
-  enum class Loaded : std::uint8_t { None, Summary, Restart, Grid, Init, Tests, UserTests };
-  /// Options that a load sets where the host did not.
-  struct FoundOptions {
-    bool Unified, AllData;
-    std::string zOrigin, HPGFileName;
-  };
-  struct SummaryLoad;
-
   void readByCode(bool& qOK);
+  bool isOfType(const std::string& zFileName, std::int32_t iFileType) const;
+  void requireHeld(const ReaderPart& part) const;
+  bool modelFlag(bool ModelFlags::*flag) const;
+
   template <class Body>
   void perform(const char* routine, bool& qOK, Body body) const;
   template <class Read>
-  void load(Loaded loaded, const char* routine, bool& qOK, Read read);
-  void restoreOptions();
-  FoundOptions foundOptions() const { return {Unified, AllData, zOrigin, HPGFileName}; }
-  void release(Loaded loaded);
-  bool requireLoaded(bool loaded, std::string_view type) const;
-  bool isOfType(const std::string& zFileName, std::int32_t iFileType) const;
-  bool isOfOtherType(const std::string& path, FileKind kind) const;
-
-  bool readSummary();
-  bool chooseSilently(SummaryLoad& load);
-  bool chooseByDialog(SummaryLoad& load);
-  bool loadSummary(SummaryLoad& load);
-  void takePatterns(qvEclipseSUMMARYFile& file) const;
-  void SetOriginFromFileName();
-  bool readGrids(std::int32_t iGridType);
-  void SetFileProps();
-  Hadrick* gridAt(std::int32_t iGrid) const;
+  void load(ReaderPart& part, const char* routine, bool& qOK, Read read);
+  template <class Part, class Ask>
+  void fetch(Part& part, const char* routine, bool& qOK, Ask ask) const;
   template <class Fetch>
-  void fetchSummary(const char* routine, Fetch fetch, SourceData& vSourceData, ByteTable& bOnlyUsed,
-                    bool& qOK);
-  void fillSourceData(const qvEclipseSUMMARYFile& file, SourceData& vSourceData, bool& qOK) const;
-
-  void readUserTests(UserTestKind kind, bool& qOK);
-  template <class Source, class Ask>
-  void askTests(const std::unique_ptr<Source>& source, const char* routine, bool& qOK, Ask ask);
-  struct SolutionLoad;
-  bool readSolution();
-  void readRestartIndex();
-  bool setRestartFiles(qvEclipseSOLUTION& set, std::vector<std::string> files);
-  bool chooseSteps(SolutionLoad& load);
-  bool loadSolution(SolutionLoad& load);
-  bool hasIndexFolder(const std::string& path) const;
-  std::string indexPath(const std::string& path, std::string_view kind) const;
-  bool writeRestartIndex(const qvEclipseSOLUTION& set);
-  template <class Fetch>
-  void fetchStep(const char* routine, bool& qOK, Fetch fetch);
-
-  bool readInit();
-  bool chooseInitArrays(bool& qWriteIndex);
-  void prepareInit(qvEclipseINIT& file);
-  template <class Fetch>
-  void fetchInit(const char* routine, bool& qOK, Fetch fetch);
-  bool fillInitSource(SourceData& vSourceData) const;
-  bool modelFlag(bool ModelFlags::*flag) const;
+  void fetchSummary(const char* routine, SourceData& vSourceData, ByteTable& bOnlyUsed, bool& qOK,
+                    Fetch fetchTable);
 
   Session* session_;
-  LoadDialog* dialog_ = nullptr;
-  std::unique_ptr<qvEclipseSUMMARYFile> summary_;
-  std::unique_ptr<qvEclipseRFT> tests_;
-  std::unique_ptr<qvUserRFT> userTests_;
-  UserTestKind userKind_ = UserTestKind::Rft;  // of `userTests_`
-  std::unique_ptr<qvGRIDReader> grid_;
-  std::unique_ptr<qvEclipseSOLUTION> solution_;
-  std::unique_ptr<qvEclipseRSSPEC> rsspec_;
-  std::unique_ptr<qvEclipseINIT> init_;
-  Loaded loaded_ = Loaded::None;
-  bool summaryFetched_ = false;
-  std::optional<FoundOptions> optionsBefore_;  // of the last load, as the host set them
-  FoundOptions optionsAfter_{};                // as the load left them
+  std::unique_ptr<ReaderParts> parts_;
 };
 
 }  // namespace lumbarn

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "arrays/ArrayReader.h"
+#include "reader/LoadDialog.h"
 #include "shapes/HeaderLayout.h"
 #include "shapes/SelectionFixture.h"
 #include "support/Forms.h"

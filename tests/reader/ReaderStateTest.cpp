@@ -92,6 +92,8 @@ TEST(ReaderState, EachRefusalHasADiagnosis) {
     EXPECT_FALSE(load.run());
     EXPECT_EQ(load.lastDiagnosis().message, row.message) << row.code << " " << row.file;
     EXPECT_EQ(load.lastDiagnosis().path, folder.file(row.file));
+    EXPECT_TRUE(row.message != Message::FileCode ||
+                load.lastDiagnosis().expected == "11 to 16, 18, 23, 76 or 77");
   }
 
   SummaryLoad load(spec);
@@ -101,6 +103,25 @@ TEST(ReaderState, EachRefusalHasADiagnosis) {
   bool qOK = true;
   load.reader.DeleteRESTARTSEQUENCE(1, qOK);
   EXPECT_EQ(load.lastDiagnosis().message, Message::NotLoaded);
+  EXPECT_EQ(load.lastDiagnosis().expected, "a load of restart data");
+}
+
+TEST(ReaderState, AMovedReaderLoadsByItsOwnOptions) {
+  TemporaryFolder folder;
+  const auto first = run(1).write(folder, "ONE", bigEndian);
+  const auto second = run(5).write(folder, "TWO", bigEndian);
+  Session session;
+  auto from = std::make_unique<qvEclipseReader>(session);
+  from->FileName = first;
+  bool qOK = false;
+  from->ReadSummaryFile(qOK);
+  qvEclipseReader reader(std::move(*from));
+  from.reset();
+  EXPECT_EQ(reader.NumberTimeSteps(), 2);
+  reader.FileName = second;
+  reader.ReadSummaryFile(qOK);
+  EXPECT_TRUE(qOK);
+  EXPECT_EQ(reader.zOrigin, "TWO");
 }
 
 TEST(ReaderState, ARootNameOrADataFileLeadsToTheSummary) {

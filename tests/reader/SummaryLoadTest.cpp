@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "reader/LoadDialog.h"
 #include "summary/qvEclipseSUMMARY.h"
 #include "support/Forms.h"
 #include "support/SummaryBuilder.h"

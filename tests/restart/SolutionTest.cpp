@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/CommandRun.h"
+#include "reader/LoadDialog.h"
 #include "restart/MarkerTable.h"
 #include "support/Paths.h"
 #include "support/RestartBuilder.h"

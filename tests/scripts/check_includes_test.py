@@ -11,6 +11,7 @@ CHECK = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "check-include
 
 GOOD = {
     "support/Text.h": "#include <string>\n",
+    "support/Numbers.h": '#include "Text.h"\n',
     "support/System.cpp": "#include <fcntl.h>\n#include <sys/mman.h>\n#include <fmt/format.h>\n",
     "record/Cursor.h": '#pragma once\n#include "../support/Text.h"\n',
     "record/Cursor.cpp": '#include "Cursor.h"\n#include <fast_float/fast_float.h>\n#include <immintrin.h>\n',
@@ -29,6 +30,7 @@ GOOD = {
     "../export/VtkExport.h": "#include <string>\n",
     "../tests/support/Builder.h": '#include "record/Cursor.h"\n',
     "../fuzz/fuzz_all.cpp": '#include "support/Builder.h"\n',
+    "../cmake/PublicHeaders.cmake": "set(headers\n  record/Cursor.h\n  support/Text.h)\n",
 }
 
 # File, its text, and the line and words that must be told.
@@ -44,6 +46,8 @@ BAD = [
     ("record/Macro.cpp", "#include HEADER\n", 1, "cannot be told"),
     ("shortcuts/New.cpp", "", 1, "shortcuts is not one of the layers"),
     ("../cli/System.cpp", "#include <unistd.h>\n", 1, "is not among the libraries of cli/"),
+    ("support/Text.h", '#include <string>\n#include "Numbers.h"\n', 2, '"Numbers.h" is not installed'),
+    ("../cmake/PublicHeaders.cmake", "set(headers\n  support/Gone.h)\n", 2, "there is no src/support/Gone.h"),
     ("../bench/Far.cpp", '#include "support/Builder.h"\n', 1, "is not in src/, bench/"),
 ]
 

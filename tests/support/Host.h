@@ -4,8 +4,13 @@
 #include <string_view>
 #include <vector>
 
+#include "grid/Hadrick.h"
+#include "index/qvEclipseRSSPEC.h"
+#include "init/qvEclipseINIT.h"
 #include "reader/qvEclipseReader.h"
+#include "restart/qvEclipseSOLUTION.h"
 #include "shapes/HeaderLayout.h"
+#include "summary/qvEclipseSUMMARYFile.h"
 
 namespace lumbarn::test {
 
