@@ -4,17 +4,14 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "../shapes/XYData.h"
 #include "DeckContents.h"
 #include "DeckReading.h"
+#include "DeckValue.h"
 
 namespace lumbarn {
-
-/// One value of a deck, of the type that goes with what was asked for.
-using DeckValue = std::variant<std::string, bool, std::int32_t, float>;
 
 /// The data deck of a run as hosts know it: set the options, let `CheckifEclipseFile` look at a file, load
 /// it, then ask. One object serves one deck and one load. `Deck` is the form without the habits that hosts
