@@ -66,17 +66,21 @@ class DeckReading {
   Session& session() const { return *session_; }
 
  private:
-  enum class Slashes { Any, BehindWords };
+  /// Which "/" ends a record: one that ends a line once what is behind it is gone, any in the line, or one
+  /// that is not part of a name.
+  enum class Slashes { AtEnd, Anywhere, BehindWords };
   struct Request {
     std::string_view terminator;
     bool upper = true;
-    Slashes slashes = Slashes::Any;
+    Slashes slashes = Slashes::AtEnd;
   };
   bool readLines(DeckLines& deck, const Request& request, std::vector<std::string>& lines);
-  bool takesLine(DeckLines& deck, const Request& request, std::string line, std::vector<std::string>& lines,
-                 bool& last);
+  bool takesLine(DeckLines& deck, const Request& request, std::string_view raw,
+                 std::vector<std::string>& lines, bool& last);
+  void reportUnknown(const DeckLines& deck, const std::string& word);
+  void reportChanged(const DeckLines& deck, std::string_view word);
   template <class T>
-  bool readArray(DeckLines& deck, std::int32_t& count, std::vector<T>& array);
+  bool readArray(DeckLines& deck, std::int32_t count, std::vector<T>& array);
   bool argumentsOf(DeckLines& deck, bool upper, std::vector<std::string>& arguments);
 
   Session* session_;
