@@ -11,7 +11,7 @@ set(lumbarn_public_headers
   deck/DeckReading.h
   deck/DeckRunspec.h
   deck/DeckScheduleStore.h
-  deck/DeckValue.h
+  deck/DeckScalar.h
   deck/KeywordStore.h
   deck/qvEclipseDat.h
   files/UserTestWords.h

@@ -52,14 +52,16 @@ void DeckLoader::finishSchedule() {
                                                 : DeckRunKind::BlackOil);
 }
 
-bool DeckLoader::loadFile(const std::string& zPath, const std::string& zName, bool include) {
+bool DeckLoader::loadFile(const std::string& zPath, const std::string& zName, bool include,
+                          const DeckLines* includer) {
   const std::string path = pathToOpen(zPath, zName);
   std::string why;
   const auto file = DeckLines::open(path, why);
   if (!file) {
     session_.diagnose(Diagnosis{.message = include ? Message::DeckMissingFile : Message::FileOpen,
-                                .path = path,
-                                .found = std::move(why)});
+                                .path = includer ? includer->path() : path,
+                                .line = includer ? includer->currentLine() : 0,
+                                .found = includer ? path + ": " + why : why});
     return false;
   }
   if (!include) {
@@ -235,7 +237,7 @@ void DeckLoader::readInclude(const DeckLines& file, const std::string& zName) {
                                 .action = "not read again"});
     return;
   }
-  loadFile(zDeckPath_, zName, true);
+  loadFile(zDeckPath_, zName, true, &file);
 }
 
 void DeckLoader::takePaths(DeckLines& file) {
@@ -249,8 +251,11 @@ void DeckLoader::takePaths(DeckLines& file) {
       const std::string& line = record[static_cast<std::size_t>(i)];
       if (!checkifEclipseCommentLine(line)) joined += line + ' ';
     }
+    // "/" in a path is no end of the record, which has been found already.
+    std::replace(joined.begin(), joined.end(), '/', '\\');
     processEclipseArgumentLine(joined, words, count, qSplit, session_);
     if (!qSplit || count < 2) return;
+    std::replace(words[1].begin(), words[1].end(), '\\', '/');
     aliases_[words[0]] = words[1];
   }
 }

@@ -29,7 +29,9 @@ class DeckLoader {
   /// reading fails.
   bool load(const std::string& zDeckFile);
   /// One file and what it includes, as a deck or as an include of one. False and throws likewise.
-  bool loadFile(const std::string& zPath, const std::string& zName, bool include);
+  /// `includer` is the file that names an include, for what is reported.
+  bool loadFile(const std::string& zPath, const std::string& zName, bool include,
+                const DeckLines* includer = nullptr);
 
  private:
   /// What becomes of a file after a line.

@@ -39,15 +39,23 @@ std::int32_t arrayCount(std::size_t count) {
   return static_cast<std::int32_t>(count);
 }
 
-/// Sets the sizes; a size that is not above 0 stays, as that of a grid without cells. Throws Fault 6 when the
-/// cells cannot be numbered.
+/// Sets the sizes; one that is not given is 0. Throws Fault 6 when the cells cannot be numbered.
 void setSizes(DeckGridRecord& grid, std::int32_t iNX, std::int32_t iNY, std::int32_t iNZ) {
-  const auto plane = static_cast<std::size_t>(std::max(iNX, 0)) * static_cast<std::size_t>(std::max(iNY, 0));
-  arrayCount(plane);
-  arrayCount(plane * static_cast<std::size_t>(std::max(iNZ, 0)));
-  grid.iNX = iNX;
-  grid.iNY = iNY;
-  grid.iNZ = iNZ;
+  const auto size = [](std::int32_t cells) { return static_cast<std::size_t>(std::max(cells, 0)); };
+  arrayCount(static_cast<std::size_t>(arrayCount(size(iNX) * size(iNY))) * size(iNZ));
+  grid.iNX = std::max(iNX, 0);
+  grid.iNY = std::max(iNY, 0);
+  grid.iNZ = std::max(iNZ, 0);
+}
+
+/// Lengthens an array for values in a box. Throws Fault 7 when a deck wants much room for few values: no
+/// grid of a run is like that.
+template <class T>
+void lengthen(std::vector<T>& target, std::size_t items, std::size_t given, T value) {
+  constexpr std::size_t plenty = std::size_t{1} << 28;
+  if (items <= target.size()) return;
+  if (items > plenty && items / 2 > target.size() + given) throw Fault(FaultNumber::OutOfMemory);
+  target.resize(items, value);
 }
 
 void wholeDeck(const DeckKeyword& keyword) {
@@ -79,7 +87,7 @@ void parseENDBOX(const DeckKeyword& keyword) { wholeDeck(keyword); }
 /// Writes consecutive values from a place on. The array is lengthened for them.
 template <class T>
 void put(std::vector<T>& target, std::size_t place, std::span<const T> values) {
-  if (target.size() < place + values.size()) target.resize(place + values.size());
+  lengthen(target, place + values.size(), values.size(), T{});
   std::copy(values.begin(), values.end(), target.begin() + static_cast<std::ptrdiff_t>(place));
 }
 
@@ -171,7 +179,7 @@ void parseACTNUM(const DeckKeyword& keyword) {
   const std::size_t layers = std::min((values.size() + plane - 1) / plane, extent(box.iK1, box.iK2));
   const std::size_t cells = (static_cast<std::size_t>(box.iK1 - 1) + layers) *
                             static_cast<std::size_t>(grid.iNX) * static_cast<std::size_t>(grid.iNY);
-  if (grid.iACTNUM.size() < cells) grid.iACTNUM.resize(cells, 1);
+  lengthen(grid.iACTNUM, cells, values.size(), 1);
   copyBOXIntoLongArray(values, static_cast<std::int32_t>(values.size()), box.iI1, box.iI2, box.iJ1, box.iJ2,
                        box.iK1, box.iK1 + static_cast<std::int32_t>(layers) - 1, grid.iNX, grid.iNY,
                        grid.iACTNUM, qOK, keyword.session);

@@ -39,7 +39,7 @@ std::optional<DeckDate> dateOfStep(const std::string& path, std::int32_t iStep, 
   bool qOK = false;
   restart.SetMultList(1, {path}, qOK);
   if (qOK) restart.getSOLUTIONData(qOK);
-  if (!qOK) return std::nullopt;
+  if (!qOK || restart.NumSequences() < 1) return std::nullopt;
   DeckDate date;
   restart.getRESTARTDate(date.iDay, date.iMonth, date.iYear);
   return date;

@@ -65,7 +65,7 @@ void qvEclipseDat::getEclipseKeyWordList(std::int32_t iOfSection, std::vector<st
   });
 }
 
-DeckValue qvEclipseDat::getKeywordArgument(std::string_view zKeyWord) const {
+DeckScalar qvEclipseDat::getKeywordArgument(std::string_view zKeyWord) const {
   const DeckRunspec& runspec = deck_.runspec;
   if (zKeyWord == "TITLE") return runspec.zTitle;
   if (zKeyWord == "DRSDT") return runspec.sDRSDT;
@@ -80,7 +80,7 @@ bool qvEclipseDat::IsKeyWord(std::string_view zKeyWord) const {
   return (zKeyWord == "COORD" && deck_.grids.qCOORD) || (zKeyWord == "ZCORN" && deck_.grids.qZCORN);
 }
 
-DeckValue qvEclipseDat::getModelProperty(std::int32_t iProperty) const {
+DeckScalar qvEclipseDat::getModelProperty(std::int32_t iProperty) const {
   const DeckRunspec& runspec = deck_.runspec;
   const DeckPhases& phases = runspec.phases;
   switch (iProperty) {

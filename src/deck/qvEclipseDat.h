@@ -9,7 +9,7 @@
 #include "../shapes/XYData.h"
 #include "DeckContents.h"
 #include "DeckReading.h"
-#include "DeckValue.h"
+#include "DeckScalar.h"
 
 namespace lumbarn {
 
@@ -48,7 +48,7 @@ class qvEclipseDat : public DeckReading, public DeckLoadOptions {
                              std::int32_t& nKeyWords, bool& qOK) const;
   /// The single that DRSDT, DRVDT, DZMTRX, SIGMA or SIGMAGD gives, the text of TITLE; -32768 (a single) for
   /// what is not given, and for any other keyword.
-  DeckValue getKeywordArgument(std::string_view zKeyWord) const;
+  DeckScalar getKeywordArgument(std::string_view zKeyWord) const;
   /// Whether COORD or ZCORN was read, or skipped for want of `ProcessCorners`; False for other names.
   bool IsKeyWord(std::string_view zKeyWord) const;
   /// One property by its number; an empty text for a number that has none.
@@ -56,7 +56,7 @@ class qvEclipseDat : public DeckReading, public DeckLoadOptions {
   /// 1 to 3 sizes of the grid; 5 to 9 OIL, GAS, WATER, DISGAS, VAPOIL; 11 FOAM; 12 SURFACT; 22 the unit
   /// system; 24 DUALPORO; 25 DUALPERM; 26 BRINE; 27 SOLVENT; 28 NODPPM; 29 MISCIBLE; 30 COAL; 34, 35 day and
   /// month of START; 36 ROCKCOMP. Always False: 4, 10, 13, 15 to 19, 31, 33; always 0: 21.
-  DeckValue getModelProperty(std::int32_t iProperty) const;
+  DeckScalar getModelProperty(std::int32_t iProperty) const;
   /// DIMENS (three words) or TABDIMS (its first six); qOK False for any other keyword.
   void getIntegerKeyword(std::string_view zKeyWord, std::vector<std::int32_t>& iArgs, std::int32_t& nArgs,
                          bool& qOK) const;

@@ -28,12 +28,12 @@ void qvEclipseReader::GetEclipseEQUIL(std::int32_t iRegion, std::vector<float>& 
         [&](DeckPart& part, bool& qDone) { part.deck()->getEQUIL(iRegion, sValues, qDone); });
 }
 
-DeckValue qvEclipseReader::GetEclipseKeyWordArgument(std::string_view zKeyWord) const {
-  return Deck() ? Deck()->getKeywordArgument(zKeyWord) : DeckValue(false);
+DeckScalar qvEclipseReader::GetEclipseKeyWordArgument(std::string_view zKeyWord) const {
+  return Deck() ? Deck()->getKeywordArgument(zKeyWord) : DeckScalar(false);
 }
 
-DeckValue qvEclipseReader::getModelProperty(std::int32_t iProperty) const {
-  return Deck() ? Deck()->getModelProperty(iProperty) : DeckValue(false);
+DeckScalar qvEclipseReader::getModelProperty(std::int32_t iProperty) const {
+  return Deck() ? Deck()->getModelProperty(iProperty) : DeckScalar(false);
 }
 
 void qvEclipseReader::getPINCH(std::int32_t iPinch, float& sThreshold, std::string& zGap, double& dMaxGap,

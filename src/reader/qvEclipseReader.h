@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "../arrays/ColumnTable.h"
-#include "../deck/DeckValue.h"
+#include "../deck/DeckScalar.h"
 #include "../init/Connections.h"
 #include "../init/ModelFlags.h"
 #include "../restart/MarkerTable.h"
@@ -211,9 +211,9 @@ class qvEclipseReader : public ReaderOptions {
   /// The words of the record of EQUIL for a region, from 1; -32768 for those that are not given.
   void GetEclipseEQUIL(std::int32_t iRegion, std::vector<float>& sValues, bool& qOK) const;
   /// One scalar, see `qvEclipseDat::getKeywordArgument`; False without a deck.
-  DeckValue GetEclipseKeyWordArgument(std::string_view zKeyWord) const;
+  DeckScalar GetEclipseKeyWordArgument(std::string_view zKeyWord) const;
   /// One property by its number, see `qvEclipseDat::getModelProperty`; False without a deck.
-  DeckValue getModelProperty(std::int32_t iProperty) const;
+  DeckScalar getModelProperty(std::int32_t iProperty) const;
   /// One record of PINCH, from 1: thickness, gap option, largest gap, transmissibility and multiplier option.
   void getPINCH(std::int32_t iPinch, float& sThreshold, std::string& zGap, double& dMaxGap,
                 std::string& zTransmissibility, std::string& zMultiplier, bool& qOK) const;

@@ -31,7 +31,7 @@ TEST(HostLoader, ReadsKeywordsAndIncludesInOrder) {
   const Row rows[] = {
       {"RUNSPEC\nOIL\nEND\nGAS\n", {}, "O", {}},
       {"RUNSPEC\n  oil  \nEND -- of deck\nGAS", {}, "OG", {}},
-      {"RUNSPEC\nOIL 2 /\nGAS", {}, "OG", {}},      // the field of a line shorter than 9 is all of it
+      {"RUNSPEC\nOIL 2 /\nGAS", {}, "G", {}},       // the field of a line shorter than 9 is all of it
       {"RUNSPEC\nOIL -- phase\nGAS", {}, "G", {}},  // no keyword in the first eight columns
       {"RUNSPEC\nUNKNOWN\n 1 2 /\nOIL\n", {}, "O", {}},
       {"RUNSPEC\nTITLE\n-- not a comment\nOIL\n", {}, "O-- not a comment", {}},
@@ -40,7 +40,7 @@ TEST(HostLoader, ReadsKeywordsAndIncludesInOrder) {
       {"RUNSPEC\nINCLUDE\n G.INC /\nOIL\n", gas, "OG", {}},
       {"RUNSPEC\nINCLUDE\n-- where\n\n './G.INC'\n/\nOIL\n", gas, "OG", {}},
       {"RUNSPEC\nINCLUDE\n '.\\G.INC' /\nOIL\n", gas, "OG", {}},
-      {"RUNSPEC\nPATHS\n 'DIR' '.' /\n/\nINCLUDE\n '$DIR/G.INC' /\nOIL\n", gas, "OG", {}},
+      {"RUNSPEC\nPATHS\n DIR ./. /\n/\nINCLUDE\n '$DIR/G.INC' /\nOIL\n", gas, "OG", {}},
       {"RUNSPEC\nINCLUDE\n 'g.inc' /\nOIL\n", gas, "O", {}},  // names keep their case
       {"RUNSPEC\nINCLUDE\n 'NONE.INC' /\nOIL\n", {}, "O", {}},
       {"RUNSPEC\nINCLUDE\n '/data/X.INC' /\nOIL\n", {}, "O", {"/data/X.INC"}},
@@ -147,7 +147,7 @@ TEST(HostLoader, SurvivesAnyText) {
        true},
       {"RUNSPEC\nTABDIMS\n 1000000000000000000*7 /\nOIL\n", false},
       {"RUNSPEC\nOIL\nTITLE\n'" + std::string(1 << 20, 'x') + "\nDIMENS\n '1 2 3\n", true},
-      {std::string("RUNSPEC\nOIL\n\0\0\0 /\n\xFF\xFE\nGAS", 29), true},
+      {std::string("RUNSPEC\nOIL\n\0\0\0 /\n\xFF\xFE\nGAS", 24), true},
       {"RUNSPEC\nOIL\nBOX\n 1 2 /\nGRID\nCARFIN\n 'L' /\nCOORD\n 1 /\nMULTFLT\n/\nFAULTS\n/\n", true},
       {"RUNSPEC\nOIL\nSTART", true},
   };

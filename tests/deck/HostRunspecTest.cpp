@@ -216,7 +216,7 @@ TEST(HostRunspec, TellsAScheduleStoreThatIsThere) {
   EXPECT_TRUE(with.load() && with.dat.FMTOUT() && with.dat.UNIFOUTRST() && with.faults.empty());
   EXPECT_THAT(store.told, ElementsAre("file", "OIL", "FMTOUT", "UNIFOUT", "tables 2", "wells 5", "groups 3",
                                       "start 1 1 2000", "components 2", "domains 4", "grid L", "names A B",
-                                      "step 15: WELSPECS| P1 /|/", "finish", "lines 14: 1 14", "FOPR()",
+                                      "step 14: WELSPECS| P1 /|/", "finish", "lines 13: 1 13", "FOPR()",
                                       "WOPR(P1,P2)", "WARN()", "WWCT()", "kind 2"));
 }
 

@@ -7,6 +7,6 @@
 namespace lumbarn {
 
 /// One value of a deck, of the type that goes with what was asked for.
-using DeckValue = std::variant<std::string, bool, std::int32_t, float>;
+using DeckScalar = std::variant<std::string, bool, std::int32_t, float>;
 
 }  // namespace lumbarn
