@@ -253,6 +253,16 @@ void addWellTests(const Corpus& corpus) {
   }
 }
 
+void addDecks(const Corpus& corpus) {
+  for (const char* file : {"HOLLIN/HOLLIN.DATA", "MAPLE/MAPLE.DATA"})
+    corpus.add("fuzz_deck", {1}, example(file));
+  for (const char* lines :
+       {"1 -- a/b\n2* 'A B' 3*0.5,4 /\n", "'A/B' 'C--D' 2*'E' -*1 .*2 / it's\n", "$A\\b/c.inc/\n'$A' /\n",
+        "OIL\nGRID\nFIPABC\nDATES -- x\n1 'JAN' 2000 /\n/\n", "1\t2 3* 5*1e3 X\n4 /\n9*1\n"}) {
+    corpus.add("fuzz_deck", {1}, text(lines));
+  }
+}
+
 /// The indexes of the run whose data the target has.
 void addIndexes(const Corpus& corpus) {
   const test::TemporaryFolder folder;
@@ -310,6 +320,7 @@ int main(int count, char** words) {
   for (const std::int32_t iMethod : {1, 2}) corpus.add("fuzz_restart", {16}, markers(iMethod));
   addExamples(corpus);
   addWellTests(corpus);
+  addDecks(corpus);
   addIndexes(corpus);
   return 0;
 }

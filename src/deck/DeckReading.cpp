@@ -134,11 +134,8 @@ template <class T>
 bool DeckReading::readArray(DeckLines& deck, std::int32_t count, std::vector<T>& array) {
   const auto end = static_cast<std::size_t>(std::max(count, 0));
   // A value takes two characters at least, unless it is repeated.
-  const std::uint64_t left = (deck.size() - std::min(deck.offset(), deck.size())) / 2 + 1;
-  const std::size_t room = std::min<std::uint64_t>(end, left);
-  session_->checkMemory(room * sizeof(T));
-  array.reserve(room);
-  HostArray<T> fill(array, 0, end);
+  const std::size_t left = (deck.size() - std::min(deck.offset(), deck.size())) / 2 + 1;
+  HostArray<T> fill(array, 0, end, *session_, left);
   std::string raw;
   while (true) {
     if (!deck.readLine(raw)) return false;

@@ -38,8 +38,9 @@ std::string UpdateEclipseStringArgument(std::string_view zArg, std::string_view 
 std::int32_t getWellStatus(std::string_view zArg);
 /// 1 oil, 2 water, 3 gas, 4 liquid; -1 for any other word.
 std::int32_t getWellPhase(std::string_view zArg);
-/// What controls a well: 1 ORAT, 2 WRAT, 3 GRAT, 4 LRAT, 5 RESV, 6 THP, 7 BHP, 8 GRUP, 9 WGRA, 10 TMRA, 11
-/// and so on by its first letters; -1 for any other word.
+/// What controls a well: 1 ORAT, 2 WRAT, 3 "G", 4 LRAT, 5 RESV, 6 THP, 7 BHP, 8 GRUP, 9 WGRA, 10 TMRA, 11 to
+/// 15 by the first letters of others; -1 for any other word. Deliberate: GRAT, too, is 8, by its second
+/// letter.
 std::int32_t getWellMode(std::string_view zArg);
 
 }  // namespace lumbarn

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <utility>
 
 #include "../support/Guarded.h"
@@ -21,22 +22,60 @@ std::string_view sortKey(std::string_view keyword) {
   return keyword == "=" ? "EQUALS" : keyword;
 }
 
-std::vector<DictionaryRow> sortedRows() {
-  std::map<std::string, std::int32_t, std::less<>> classes;
-  for (const DictionaryClass& row : dictionaryClasses) {
-    for (std::string& keyword : words(row.keywords)) classes.emplace(std::move(keyword), row.number);
-  }
-  std::vector<DictionaryRow> rows;
-  for (const DictionaryGroup& group : dictionaryGroups) {
-    for (std::string& keyword : words(group.keywords)) {
-      const auto found = classes.find(keyword);
-      const std::int32_t iClass = found == classes.end() ? 1 : found->second;
-      rows.push_back({std::move(keyword), std::string(group.section), std::string(group.simulator), iClass});
+std::size_t letterOf(const DictionaryRow& row) {
+  return static_cast<std::size_t>(sortKey(row.keyword)[0] - 'A');
+}
+
+std::vector<DictionaryRow> rowsOf(const DictionaryGroup& group) {
+  static const auto classes = [] {
+    std::map<std::string, std::int32_t, std::less<>> result;
+    for (const DictionaryClass& row : dictionaryClasses) {
+      for (std::string& keyword : words(row.keywords)) result.emplace(std::move(keyword), row.number);
     }
+    return result;
+  }();
+  std::vector<DictionaryRow> rows;
+  for (std::string& keyword : words(group.keywords)) {
+    const auto found = classes.find(keyword);
+    const std::int32_t iClass = found == classes.end() ? 1 : found->second;
+    rows.push_back({std::move(keyword), std::string(group.section), std::string(group.simulator), iClass});
   }
-  std::stable_sort(rows.begin(), rows.end(), [](const DictionaryRow& a, const DictionaryRow& b) {
-    return sortKey(a.keyword) < sortKey(b.keyword);
-  });
+  return rows;
+}
+
+/// Merges groups, each of which stays in its order.
+void mergeInto(std::vector<DictionaryRow>& rows, std::vector<std::vector<DictionaryRow>> groups) {
+  std::vector<std::size_t> next(groups.size(), 0);
+  while (true) {
+    std::size_t least = groups.size();
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+      if (next[i] == groups[i].size()) continue;
+      if (least == groups.size() ||
+          sortKey(groups[i][next[i]].keyword) < sortKey(groups[least][next[least]].keyword))
+        least = i;
+    }
+    if (least == groups.size()) return;
+    rows.push_back(std::move(groups[least][next[least]++]));
+  }
+}
+
+/// All rows, a letter after the other. Vectors of SUMMARY stand behind the keywords of their letter.
+std::vector<DictionaryRow> allRows() {
+  std::vector<DictionaryRow> rows;
+  for (const bool summary : {false, true}) {
+    std::vector<std::vector<DictionaryRow>> groups;
+    for (const DictionaryGroup& group : dictionaryGroups) {
+      if ((group.section == "SUMMARY") == summary) groups.push_back(rowsOf(group));
+    }
+    for (auto& group : groups) {
+      std::stable_sort(group.begin(), group.end(), [](const DictionaryRow& a, const DictionaryRow& b) {
+        return letterOf(a) < letterOf(b);
+      });
+    }
+    mergeInto(rows, std::move(groups));
+  }
+  std::stable_sort(rows.begin(), rows.end(),
+                   [](const DictionaryRow& a, const DictionaryRow& b) { return letterOf(a) < letterOf(b); });
   return rows;
 }
 
@@ -58,9 +97,12 @@ bool isLetter(char c) { return c >= 'A' && c <= 'Z'; }
 
 }  // namespace
 
-EclipseDictionary::EclipseDictionary() : rows_(sortedRows()) {
+EclipseDictionary::EclipseDictionary() : rows_(allRows()), byName_(rows_.size()) {
+  std::iota(byName_.begin(), byName_.end(), 0);
+  std::stable_sort(byName_.begin(), byName_.end(),
+                   [&](std::size_t a, std::size_t b) { return rows_[a].keyword < rows_[b].keyword; });
   for (std::size_t i = 0; i < rows_.size(); ++i) {
-    auto& [first, last] = letters_[static_cast<std::size_t>(sortKey(rows_[i].keyword)[0] - 'A')];
+    auto& [first, last] = letters_[letterOf(rows_[i])];
     last = static_cast<std::int32_t>(i + 1);
     if (first == 0) first = last;
   }
@@ -77,19 +119,16 @@ std::pair<std::int32_t, std::int32_t> EclipseDictionary::letter(char c) const {
 
 std::optional<EclipseDictionary::Found> EclipseDictionary::find(std::string_view key,
                                                                 std::int32_t section) const {
-  if (key.empty()) return std::nullopt;
-  const auto [first, last] = letter(key[0]);
-  if (first < 1) return std::nullopt;
+  if (key.empty() || letter(key[0]).first < 1) return std::nullopt;
   const std::string_view word = familyOf(key);
-  const auto end = rows_.begin() + last;
-  auto row = std::lower_bound(
-      rows_.begin() + first - 1, end, word,
-      [](const DictionaryRow& a, std::string_view name) { return sortKey(a.keyword) < name; });
-  for (; row != end && sortKey(row->keyword) == word; ++row) {
-    const std::int32_t own = sectionNumber(row->section);
-    if (row->keyword != word) continue;
-    if (section < 1 || own == section || sectionNumber(word) > 0)
-      return Found{static_cast<std::int32_t>(row - rows_.begin()) + 1, own, row->iClass};
+  const bool opensSection = sectionNumber(word) > 0;
+  const auto nameOf = [&](std::size_t i) { return std::string_view(rows_[i].keyword); };
+  auto row = std::lower_bound(byName_.begin(), byName_.end(), word,
+                              [&](std::size_t i, std::string_view name) { return nameOf(i) < name; });
+  for (; row != byName_.end() && nameOf(*row) == word; ++row) {
+    const std::int32_t own = sectionNumber(rows_[*row].section);
+    if (section < 1 || own == section || opensSection)
+      return Found{static_cast<std::int32_t>(*row) + 1, own, rows_[*row].iClass};
   }
   return std::nullopt;
 }

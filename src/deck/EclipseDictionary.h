@@ -22,7 +22,8 @@ struct DictionaryRow {
 };
 
 /// The keywords that hosts' decks are read by; see `KeywordForms` for what simulators know beyond them. One
-/// table, built once, that never changes. Rows count from 1.
+/// table, built once, that never changes. Rows count from 1, and stand by the first letters of their
+/// keywords.
 class EclipseDictionary {
  public:
   static const EclipseDictionary& shared();
@@ -44,6 +45,7 @@ class EclipseDictionary {
   EclipseDictionary();
 
   std::vector<DictionaryRow> rows_;
+  std::vector<std::size_t> byName_;  // rows in order of their names, for looking up
   std::array<std::pair<std::int32_t, std::int32_t>, 26> letters_{};
 };
 

@@ -11,9 +11,19 @@
 namespace lumbarn {
 
 template <class T>
-HostArray<T>::HostArray(std::vector<T>& array, std::size_t at, std::size_t end)
-    : array_(&array), at_(at), end_(end) {
+HostArray<T>::HostArray(std::vector<T>& array, std::size_t at, std::size_t end, const Session& session,
+                        std::size_t expected)
+    : array_(&array), at_(at), end_(end), session_(&session) {
   if (at > array.size()) throw Fault(FaultNumber::Subscript);
+  makeRoom(std::min(expected, end));
+}
+
+template <class T>
+void HostArray<T>::makeRoom(std::size_t size) {
+  if (size <= array_->capacity()) return;
+  const std::size_t room = std::max(size, std::min(end_, 2 * array_->capacity()));
+  session_->checkMemory(room * sizeof(T));
+  array_->reserve(room);
 }
 
 template <class T>
@@ -73,7 +83,7 @@ void HostArray<T>::put(std::int64_t count, T value) {
   const std::size_t over = std::min(fits, array_->size() - at_);
   std::fill_n(array_->begin() + static_cast<std::ptrdiff_t>(at_), over, value);
   const std::size_t size = at_ + fits;
-  if (size > array_->capacity()) array_->reserve(std::max(size, std::min(end_, 2 * array_->capacity())));
+  makeRoom(size);
   if (size > array_->size()) array_->resize(size, value);
   at_ = size;
   if (fits == wanted) return;

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Session.h"
+
 namespace lumbarn {
 
 /// Fills an array from the words of a deck. It is as long as there are values, so that a deck which states a
@@ -12,8 +14,10 @@ namespace lumbarn {
 template <class T>
 class HostArray {
  public:
-  /// Values go behind the first `at`; `end` is how many the array may have.
-  HostArray(std::vector<T>& array, std::size_t at, std::size_t end);
+  /// Values go behind the first `at`; `end` is how many the array may have. Room for `expected` of them is
+  /// made at once, for others as they come, all within the limit of the session.
+  HostArray(std::vector<T>& array, std::size_t at, std::size_t end, const Session& session,
+            std::size_t expected = 0);
 
   /// The words of a line up to its "/", divided by blanks. Throws Fault 9 behind the last value that the
   /// array may have, where integers go on, and Fault 13 for a count of integers without a value.
@@ -27,11 +31,13 @@ class HostArray {
 
  private:
   void put(std::int64_t count, T value);
+  void makeRoom(std::size_t size);
   T valueOf(std::string_view word, bool& whole) const;
 
   std::vector<T>* array_;
   std::size_t at_;
   std::size_t end_;
+  const Session* session_;
   std::string_view changed_;
 };
 

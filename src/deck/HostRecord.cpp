@@ -150,7 +150,7 @@ std::optional<std::string> includeFileName(std::span<const std::string> lines, c
   const auto line = std::find_if_not(lines.begin(), lines.end(), checkifEclipseCommentLine);
   if (line == lines.end()) return std::nullopt;
   std::string name = *line;
-  if (name.find('\'') == name.npos) {
+  if (!trimBlanks(name).starts_with('\'')) {
     name.resize(slashBehindName(name).value_or(name.size()));
   } else if (const std::size_t slash = name.find('/'); slash != name.npos) {
     cutBehindSlash(name, slash + 1);

@@ -25,7 +25,7 @@ std::optional<HostRepeat> hostRepeat(std::string_view word);
 /// How much memory counts may still ask for beyond what the text of a record takes. Keeps a line of a few
 /// bytes from taking all there is.
 struct RepeatBudget {
-  std::size_t bytes = std::size_t{64} << 20U;
+  std::size_t bytes = std::size_t{8} << 20U;
   /// Throws Fault 7 when a value cannot be had that often.
   void take(std::size_t times, std::size_t size);
 };

@@ -31,7 +31,7 @@ void copyWords(const std::vector<std::string>& words, std::int32_t& count, std::
     count = 0;
     if (offset < 0) throw Fault(FaultNumber::Subscript);
     const auto at = static_cast<std::size_t>(offset);
-    HostArray<T> fill(array, at, array.size());
+    HostArray<T> fill(array, at, array.size(), session);
     const auto placed = [&] { return static_cast<std::int32_t>(fill.placed() - at); };
     for (const std::string& word : given) {
       fill.takeWord(word);
@@ -153,7 +153,7 @@ void getEclipseLongArray(const std::vector<std::string>& zLines, std::int32_t iL
                          std::vector<std::int32_t>& xArray, bool& qOK, Session& session) {
   xArray.clear();
   guarded(session, qOK, module, "getEclipseLongArray", [&] {
-    HostArray<std::int32_t> fill(xArray, 0, static_cast<std::size_t>(std::max(iCount, 0)));
+    HostArray<std::int32_t> fill(xArray, 0, static_cast<std::size_t>(std::max(iCount, 0)), session);
     for (const std::string& whole : firstOf(zLines, iLines)) {
       const std::string_view line = trimBlanks(whole);
       if (line == "/") return;
