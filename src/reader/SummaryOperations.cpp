@@ -25,8 +25,8 @@ void qvEclipseReader::fetchSummary(const char* routine, SourceData& vSourceData,
   fetch(parts_->summary, routine, qOK, [&](SummaryPart& summary) {
     auto& file = summary.beginFetch();
     require([&](bool& qDone) { fetchTable(file, qDone); });
-    bOnlyUsed = bOnly;
     vSourceData = summary.endFetch();
+    bOnlyUsed = bOnly;
   });
 }
 
