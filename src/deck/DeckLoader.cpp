@@ -34,11 +34,26 @@ bool isLetter(char c) { return c >= 'A' && c <= 'Z'; }
 
 bool DeckLoader::load(const std::string& zDeckFile) {
   const FileName name(zDeckFile);
-  zDeckPath_ = name.folder;
   if (schedule()) schedule()->deckFile(zDeckFile);
-  if (!loadFile(zDeckPath_, zDeckFile.substr(name.folder.size()), false)) return false;
+  if (!loadFile(name.folder, zDeckFile.substr(name.folder.size()), false)) return false;
   finishSchedule();
   return true;
+}
+
+bool DeckLoader::load(std::shared_ptr<const ByteSource> source) {
+  const std::string path = source->path();
+  if (schedule()) schedule()->deckFile(path);
+  DeckLines file(std::move(source));
+  begin(FileName(path).folder);
+  if (!readFile(file, path, false)) return false;
+  finishSchedule();
+  return true;
+}
+
+void DeckLoader::begin(const std::string& zDeckPath) {
+  zDeckPath_ = zDeckPath;
+  deck_.lines.qCaptureSchedule = options_.RecordScheduleDeck;
+  deck_.lines.qCaptureReportStep = false;
 }
 
 void DeckLoader::finishSchedule() {
@@ -64,13 +79,13 @@ bool DeckLoader::loadFile(const std::string& zPath, const std::string& zName, bo
                                 .found = includer ? path + ": " + why : why});
     return false;
   }
-  if (!include) {
-    deck_.lines.qCaptureSchedule = options_.RecordScheduleDeck;
-    deck_.lines.qCaptureReportStep = false;
-    zDeckPath_ = zPath;
-  }
+  if (!include) begin(zPath);
+  return readFile(*file, path, include);
+}
+
+bool DeckLoader::readFile(DeckLines& file, const std::string& path, bool include) {
   open_.push_back(std::filesystem::path(path).lexically_normal().string());
-  const bool read = readLines(*file, include);
+  const bool read = readLines(file, include);
   open_.pop_back();
   return read;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,8 @@ class DeckLoader {
   /// A complete deck. False when it cannot be opened or has no line. Throws LoadCanceled, and BadRecord when
   /// reading fails.
   bool load(const std::string& zDeckFile);
+  /// The same of bytes from anywhere. Includes count from the folder of the source's path.
+  bool load(std::shared_ptr<const ByteSource> source);
   /// One file and what it includes, as a deck or as an include of one. False and throws likewise.
   /// `includer` is the file that names an include, for what is reported.
   bool loadFile(const std::string& zPath, const std::string& zName, bool include,
@@ -37,6 +40,8 @@ class DeckLoader {
   /// What becomes of a file after a line.
   enum class Next : std::uint8_t { GoOn, Stop };
 
+  void begin(const std::string& zDeckPath);
+  bool readFile(DeckLines& file, const std::string& path, bool include);
   bool readLines(DeckLines& file, bool include);
   Next takeLine(DeckLines& file, const std::string& raw, bool include);
   Next takeKeyword(DeckLines& file, const std::string& field, const std::string& raw, bool include);

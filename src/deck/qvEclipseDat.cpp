@@ -36,6 +36,11 @@ void qvEclipseDat::LoadEclipseDataFile(bool& qOK) {
           [&] { return DeckLoader(deck_, *this, *this, session()).load(zDeckFile); });
 }
 
+void qvEclipseDat::readDeck(std::shared_ptr<const ByteSource> source, bool& qOK) {
+  guarded(session(), qOK, name, "readDeck",
+          [&] { return DeckLoader(deck_, *this, *this, session()).load(std::move(source)); });
+}
+
 void qvEclipseDat::LoadEclipseData(const std::string& zPath, const std::string& zName, bool& qOK,
                                    bool qInclude) {
   guarded(session(), qOK, name, "LoadEclipseData",

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,8 @@ class qvEclipseDat : public DeckReading, public DeckLoadOptions {
   /// Reads zDeckFile. qOK False when it cannot be opened, has no line, or the load was cancelled; an include
   /// that is not there is reported and left out.
   void LoadEclipseDataFile(bool& qOK);
+  /// The same from anywhere; the path of the source is the name of the deck.
+  void readDeck(std::shared_ptr<const ByteSource> source, bool& qOK);
   /// Reads one file into what is held, as a deck or as an include.
   void LoadEclipseData(const std::string& zPath, const std::string& zName, bool& qOK, bool qInclude);
   /// Whether a name fits one of `zExcludes`.
