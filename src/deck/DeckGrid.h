@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "../shapes/XYData.h"
@@ -89,7 +90,7 @@ struct DeckGrids {
   std::int32_t iGridUnit = 0, iMapUnit = 0;
   bool qGridUnit = false, qMapUnit = false;
   std::vector<DeckFault> faults;
-  bool qFaultsRead = false;
+  std::unordered_map<std::string, std::size_t> faultByName;  ///< places in it
   std::vector<DeckPinch> pinches;
   bool qPinchXY = false;
   std::array<float, 2> sPinchXY{0.001F, 0.001F};

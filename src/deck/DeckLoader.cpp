@@ -195,7 +195,7 @@ DeckLoader::Next DeckLoader::beginSection(std::int32_t section, const std::strin
     case GRID:  // the lines of RUNSPEC are dropped
       lines.qCaptureSchedule = false;
       lines.zSchedule.clear();
-      lines.iSectionLine[RUNSPEC - 1] = 0;
+      lines.iSectionLine.fill(0);  // those of sections that came before GRID, too
       break;
     case SUMMARY:
     case SCHEDULE:

@@ -264,20 +264,21 @@ void parseRESNUM(const DeckKeyword& keyword) {
 }
 
 DeckFault* GetFaultByName(DeckGrids& grids, const std::string& zName) {
-  const auto found = std::find_if(grids.faults.begin(), grids.faults.end(),
-                                  [&](const DeckFault& fault) { return fault.zName == zName; });
-  return found == grids.faults.end() ? nullptr : &*found;
+  const auto found = grids.faultByName.find(zName);
+  return found == grids.faultByName.end() ? nullptr : &grids.faults[found->second];
 }
 
 void parseFAULTS(const DeckKeyword& keyword) {
   constexpr std::size_t needed = 8;
   DeckGrids& grids = keyword.grids();
-  grids.qFaultsRead = true;
   for (const Words& words : keyword.records()) {
     if (words.size() < needed) continue;
     const auto at = [&](std::size_t place) { return integerAt(words, place); };
     DeckFault* fault = GetFaultByName(grids, words[0]);
-    if (!fault) fault = &grids.faults.emplace_back(DeckFault{.zName = words[0], .segments = {}});
+    if (!fault) {
+      grids.faultByName.emplace(words[0], grids.faults.size());
+      fault = &grids.faults.emplace_back(DeckFault{.zName = words[0], .segments = {}});
+    }
     fault->segments.push_back({{at(1), at(2), at(3), at(4), at(5), at(6)}, words[7]});
   }
 }

@@ -218,7 +218,8 @@ void parseNUMRES(const DeckKeyword& keyword) {
   constexpr std::int32_t most = 10'000;
   const std::int32_t count = integerAt(keyword.arguments(), 0);
   if (count > 1 && count <= most) keyword.runspec().iNumRes = count;
-  keyword.grids().reservoirs.resize(static_cast<std::size_t>(keyword.runspec().iNumRes));
+  auto& reservoirs = keyword.grids().reservoirs;
+  reservoirs.resize(std::max(reservoirs.size(), static_cast<std::size_t>(keyword.runspec().iNumRes)));
 }
 
 void parsePARALLEL(const DeckKeyword& keyword) {

@@ -31,11 +31,6 @@ struct HostDeck {
     dat.LoadEclipseDataFile(qOK);
     return qOK;
   }
-  /// The same, for a deck that a test only asks.
-  HostDeck& loaded() {
-    load();
-    return *this;
-  }
   bool told(Message message) const {
     for (const Diagnosis& diagnosis : session.diagnoses()) {
       if (diagnosis.message == message) return true;

@@ -1,19 +1,15 @@
-#include <numeric>
-
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "HostDeck.h"
-#include "vocabulary/Units.h"
 
 namespace lumbarn {
 namespace {
 
 using namespace test;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 const std::string head = "RUNSPEC\nDIMENS\n 2 2 2 /\nFIELD\nGRID\n";
 

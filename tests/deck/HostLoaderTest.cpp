@@ -10,7 +10,6 @@ namespace {
 using namespace test;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
-using ::testing::IsEmpty;
 
 /// The words of a deck that were taken, by what they set.
 std::string seen(const qvEclipseDat& dat) {
@@ -98,8 +97,9 @@ TEST(HostLoader, LeavesFilesOut) {
     deck.dat.ExcludeFile(row.name, qOK, qExcluded);
     EXPECT_TRUE(qOK && qExcluded == row.excluded) << row.pattern << ' ' << row.name;
   }
-  HostDeck deck("RUNSPEC\nGRID\nSUMMARY\nINCLUDE\n 'W.SUM' /\nINCLUDE\n sub/W.SUM /\nINCLUDE\n 'F.INC' /\nFOPR\n",
-                {{"F.INC", "FWPR\n"}});
+  HostDeck deck(
+      "RUNSPEC\nGRID\nSUMMARY\nINCLUDE\n 'W.SUM' /\nINCLUDE\n sub/W.SUM /\nINCLUDE\n 'F.INC' /\nFOPR\n",
+      {{"F.INC", "FWPR\n"}});
   deck.dat.RecordScheduleDeck = true;
   deck.dat.zExcludes = {"*.SUM"};
   ASSERT_TRUE(deck.load());
@@ -150,6 +150,10 @@ TEST(HostLoader, SurvivesAnyText) {
       {std::string("RUNSPEC\nOIL\n\0\0\0 /\n\xFF\xFE\nGAS", 24), true},
       {"RUNSPEC\nOIL\nBOX\n 1 2 /\nGRID\nCARFIN\n 'L' /\nCOORD\n 1 /\nMULTFLT\n/\nFAULTS\n/\n", true},
       {"RUNSPEC\nOIL\nSTART", true},
+      {"RUNSPEC\nOIL\nNUMRES\n 3 /\nGRID\nCOORDSYS\n 1 1 /\n 2 2 /\n 3 3 /\n 4 4 /\nRUNSPEC\nNUMRES\n 2 "
+       "/\nGRID\n"
+       "COORDSYS\n 5 5 /\nSUMMARY\nGRID\n",
+       true},
   };
   for (const auto& [text, oil] : texts) {
     HostDeck deck(text, files);

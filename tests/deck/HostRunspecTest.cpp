@@ -117,7 +117,8 @@ TEST(HostRunspec, KeepsWhatKeywordsSay) {
   // No defaults: what the record has is kept, and the rest is a fault. The deck is read on.
   HostDeck shorter("RUNSPEC\nSCDPDIMS\n 1 2 /\nOIL\n");
   EXPECT_TRUE(shorter.load() && shorter.dat.contents().runspec.phases.Oil);
-  EXPECT_THAT(shorter.faults, ElementsAre(::testing::HasSubstr("(No.9) In [qvEclipseDat (Code) (parseSCDPDIMS)]")));
+  EXPECT_THAT(shorter.faults,
+              ElementsAre(::testing::HasSubstr("(No.9) In [qvEclipseDat (Code) (parseSCDPDIMS)]")));
   EXPECT_EQ(shorter.dat.contents().runspec.iSCDPDIMS[1], 2);
 }
 
