@@ -66,13 +66,13 @@ bool isPlainWord(std::string_view word) {
 
 /// Whether the host form and the modern form agree on a line of a record.
 bool isPlain(const std::string& line) {
-  // A CR may end a line, and a byte order mark is left out.
-  if (line.find('\r') != line.npos || line.starts_with('\xEF')) return false;
+  // A CR may end a line, a byte order mark is left out, and other such characters are blanks or not.
+  const auto controls = [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; };
+  if (std::any_of(line.begin(), line.end(), controls) || line.starts_with('\xEF')) return false;
   const std::string_view code = deckLine(line).code;
   bool quoted = false;
   for (std::size_t i = 0; i < code.size(); ++i) {
     const char c = code[i];
-    if (static_cast<unsigned char>(c) < ' ' && c != '\t') return false;
     if (c == '"' || (quoted && (c == ',' || c == '\t' || c == '*' || c == '/' || c == '-'))) return false;
     if (c != '\'') continue;
     if (i + 1 < code.size() && !quoted && code[i + 1] == '\'') return false;

@@ -34,35 +34,30 @@ Diagnosis diagnosisAt(const DeckLines& deck, NamedMessage message, std::string_v
 
 }  // namespace
 
-bool DeckReading::takesLine(DeckLines& deck, const Request& request, std::string_view raw,
-                            std::vector<std::string>& lines, bool& last) {
-  std::string line = processEclipseLine(raw, request.upper);
-  if (checkifEclipseCommentLine(raw) || checkifEclipseCommentLine(line)) {
-    captureLine(raw);
-    lines.push_back(std::move(line));
-    return true;
-  }
-  std::string code(trimBlanks(std::string_view(line).substr(0, commentAt(line))));
-  if (request.slashes != Slashes::BehindWords) {
-    code = processSlashes(code);
-  } else if (const auto end = slashBehindName(code)) {
-    code.resize(*end + 1);
-  }
-  const bool slash = code.find('/') != code.npos;
-  if (slash && request.terminator == "/") last = request.slashes == Slashes::Anywhere || code.ends_with('/');
-  if (!slash && isDeckLetter(line[0])) {
+bool DeckReading::takesLine(DeckLines& deck, const Request& request, std::vector<std::string>& lines,
+                            bool& last) {
+  std::string line = processEclipseLine(deck.line(), request.upper);
+  if (!checkifEclipseCommentLine(deck.line()) && !checkifEclipseCommentLine(line)) {
     // Deliberate: the field is that of the line with its comment, as for the keyword itself, so that
     // "OIL -- phase" is no keyword.
     const std::string key = ExtractKeyword(line);
-    std::int32_t row = 0, keySection = 0, iClass = 0;
-    bool qOK = false;
-    lookupKeyword(key, row, keySection, iClass, iSection, qOK, *session_);
-    if (row > 0) return false;
-    reportUnknown(deck, code);
-    lines.emplace_back();  // deliberate: such a line takes two slots
+    line.resize(trimBlanks(std::string_view(line).substr(0, commentAt(line))).size());
+    const std::size_t slash = line.find('/');
+    if (slash != line.npos) {
+      const auto behindName = [&] { return slashBehindName(line).value_or(line.size() - 1) + 1; };
+      line.resize(request.slashes == Slashes::BehindWords ? behindName() : endOfRecord(line, slash));
+      if (request.terminator == "/") last = request.slashes == Slashes::Anywhere || line.ends_with('/');
+    } else if (isDeckLetter(line[0])) {
+      std::int32_t row = 0, keySection = 0, iClass = 0;
+      bool qOK = false;
+      lookupKeyword(key, row, keySection, iClass, iSection, qOK, *session_);
+      if (row > 0) return false;
+      reportUnknown(deck, line);
+      lines.emplace_back();  // deliberate: such a line takes two slots
+    }
   }
-  captureLine(raw);
-  lines.push_back(std::move(code));
+  captureLine(deck.line());
+  lines.push_back(std::move(line));
   return true;
 }
 
@@ -75,15 +70,15 @@ void DeckReading::reportUnknown(const DeckLines& deck, const std::string& word) 
 }
 
 bool DeckReading::readLines(DeckLines& deck, const Request& request, std::vector<std::string>& lines) {
-  std::string raw;
   bool last = false;
   while (true) {
     deck.notePosition();
-    if (!deck.readLine(raw)) return false;
-    if (!takesLine(deck, request, raw, lines, last)) {
+    if (!deck.next()) return false;
+    if (!takesLine(deck, request, lines, last)) {
       deck.returnToPosition();
       return true;
     }
+    deck.forgetPosition();
     if (last || !deck.hasMoreData()) return true;
     if (session_->cancelled()) return false;
   }
@@ -136,11 +131,10 @@ bool DeckReading::readArray(DeckLines& deck, std::int32_t count, std::vector<T>&
   // A value takes two characters at least, unless it is repeated.
   const std::size_t left = (deck.size() - std::min(deck.offset(), deck.size())) / 2 + 1;
   HostArray<T> fill(array, 0, end, *session_, left);
-  std::string raw;
   while (true) {
-    if (!deck.readLine(raw)) return false;
-    const std::string_view line = trimBlanks(raw);
-    captureLine(raw);
+    if (!deck.next()) return false;
+    const std::string_view line = trimBlanks(deck.line());
+    captureLine(deck.line());
     if (line == "/") return true;
     if (!checkifEclipseCommentLine(line)) {
       try {

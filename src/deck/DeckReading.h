@@ -75,8 +75,7 @@ class DeckReading {
     Slashes slashes = Slashes::AtEnd;
   };
   bool readLines(DeckLines& deck, const Request& request, std::vector<std::string>& lines);
-  bool takesLine(DeckLines& deck, const Request& request, std::string_view raw,
-                 std::vector<std::string>& lines, bool& last);
+  bool takesLine(DeckLines& deck, const Request& request, std::vector<std::string>& lines, bool& last);
   void reportUnknown(const DeckLines& deck, const std::string& word);
   void reportChanged(const DeckLines& deck, std::string_view word);
   template <class T>

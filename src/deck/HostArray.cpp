@@ -1,6 +1,7 @@
 #include "HostArray.h"
 
 #include <algorithm>
+#include <cmath>
 #include <type_traits>
 #include <utility>
 
@@ -30,7 +31,19 @@ template <class T>
 void HostArray<T>::takeLine(std::string_view line) {
   line = line.substr(0, line.find('/'));
   for (std::size_t at = line.find_first_not_of(' '); at < line.size();) {
-    const std::size_t end = std::min(line.find(' ', at), line.size());
+    std::size_t end = at;
+    if constexpr (!std::is_integral_v<T>) {
+      // Nearly all words: one number and a blank, in an array that has room.
+      T value = 0;
+      end += takeHostNumber(line.substr(at), value);
+      if (end > at && (end == line.size() || line[end] == ' ') && roomForOne() && std::isfinite(value)) {
+        array_->push_back(value);
+        ++at_;
+        at = line.find_first_not_of(' ', end);
+        continue;
+      }
+    }
+    end = std::min(line.find(' ', end), line.size());
     takeWord(line.substr(at, end - at));
     at = line.find_first_not_of(' ', end);
   }

@@ -32,6 +32,7 @@ class HostArray {
  private:
   void put(std::int64_t count, T value);
   void makeRoom(std::size_t size);
+  bool roomForOne() const { return at_ == array_->size() && at_ < end_ && at_ < array_->capacity(); }
   T valueOf(std::string_view word, bool& whole) const;
 
   std::vector<T>* array_;

@@ -44,12 +44,12 @@ std::size_t exponentOfD(std::string_view text) {
 template <class Real>
 std::size_t take(std::string_view text, Real& value) {
   value = 0;
-  const std::size_t begin = numberAt(text);
+  const std::size_t begin = !text.empty() && isDeckDigit(text[0]) ? 0 : numberAt(text);
   if (begin == text.npos) return 0;
   const char* first = text.data() + begin;
   const char* stop = fast_float::from_chars(first, text.data() + text.size(), value).ptr;
   const auto length = static_cast<std::size_t>(stop - first);
-  const std::size_t odd = exponentOfD(text.substr(begin + length));
+  const std::size_t odd = begin + length < text.size() ? exponentOfD(text.substr(begin + length)) : 0;
   if (odd == 0 || length + odd > longestCopy) return begin + length;
   std::array<char, longestCopy> copy{};
   std::copy(first, first + length + odd, copy.begin());

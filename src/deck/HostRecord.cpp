@@ -1,6 +1,7 @@
 #include "HostRecord.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "../support/Fault.h"
 #include "../text/DeckLine.h"
@@ -70,9 +71,8 @@ std::string replaceAlias(const std::string& name, const DeckAliases& aliases) {
   return path + rest;
 }
 
-void append(std::string& text, std::string_view line) {
-  if (!text.empty()) text += ' ';
-  text += line;
+bool closesRecord(const std::string& line) {
+  return !checkifEclipseCommentLine(line) && line.find('/') != line.npos;
 }
 
 }  // namespace
@@ -124,6 +124,25 @@ std::size_t commentAt(std::string_view line) {
   return line.size();
 }
 
+std::size_t endOfRecord(std::string_view line, std::size_t slash) {
+  const std::size_t first = line.find('\'');
+  if (first == line.npos || first >= slash) return slash + 1;
+  bool inside = true;
+  for (std::size_t quote = line.find('\'', first + 1); quote != line.npos;
+       quote = line.find('\'', quote + 1)) {
+    if (quote <= slash) {
+      inside = !inside;
+    } else if (inside) {
+      slash = line.find('/', quote);
+      inside = false;
+      if (slash == line.npos) return line.size();
+    } else {
+      break;
+    }
+  }
+  return slash + 1;
+}
+
 std::optional<std::size_t> slashBehindName(std::string_view line) {
   bool quoted = false;
   for (std::size_t i = 0; i < line.size(); ++i) {
@@ -170,31 +189,31 @@ std::vector<std::string> mergedArguments(std::span<const std::string> arguments,
 }
 
 void joinRecords(std::vector<std::string>& lines) {
-  if (lines.size() < 2) return;
+  if (lines.size() < 2 || std::none_of(lines.begin(), lines.end(), closesRecord)) return;
   std::vector<std::string> records;
   std::string open;
-  for (const std::string& line : lines) {
+  for (std::string& line : lines) {
     if (checkifEclipseCommentLine(line)) continue;
-    append(open, line);
-    if (line.find('/') == line.npos) continue;
-    records.push_back(std::move(open));
-    open.clear();
+    const bool closes = closesRecord(line);
+    if (open.empty()) {
+      open = std::move(line);
+    } else {
+      open.append(1, ' ').append(line);
+    }
+    if (closes) records.push_back(std::exchange(open, {}));
   }
-  if (!records.empty()) lines = std::move(records);
+  lines = std::move(records);
 }
 
 void joinRecordsInPlace(std::vector<std::string>& lines) {
-  const auto ends = [](const std::string& line) {
-    return !checkifEclipseCommentLine(line) && line.find('/') != line.npos;
-  };
-  if (std::count_if(lines.begin(), lines.end(), ends) < 2) return;
+  if (std::count_if(lines.begin(), lines.end(), closesRecord) < 2) return;
   std::vector<std::size_t> record;
   for (std::size_t i = 0; i < lines.size(); ++i) {
     if (checkifEclipseCommentLine(lines[i])) continue;
     record.push_back(i);
-    if (!ends(lines[i])) continue;
+    if (!closesRecord(lines[i])) continue;
     for (std::size_t k = 1; k < record.size(); ++k) {
-      append(lines[record[0]], lines[record[k]]);
+      lines[record[0]].append(1, ' ').append(lines[record[k]]);
       lines[record[k]].clear();
     }
     record.clear();

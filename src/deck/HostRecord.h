@@ -35,6 +35,8 @@ bool splitRecord(std::string_view line, std::vector<std::string>& arguments, Rep
 
 /// Where a line is cut for its comment, the first "--" outside quotes; its end when it has none.
 std::size_t commentAt(std::string_view line);
+/// Where a record ends, behind its "/", given the first "/" of the line: a "/" between quotes ends none.
+std::size_t endOfRecord(std::string_view line, std::size_t slash);
 /// Where the "/" is that ends a record with the name of a file: outside quotes, and in front of a blank, at
 /// the end of the line, or behind a quote. Nothing when there is none.
 std::optional<std::size_t> slashBehindName(std::string_view line);

@@ -55,24 +55,11 @@ std::string processEclipseLine(std::string_view zLine, bool qUpper) {
 }
 
 std::string processSlashes(std::string_view zLine) {
-  std::size_t slash = zLine.find('/');
+  const std::size_t slash = zLine.find('/');
   if (slash == zLine.npos) return std::string(zLine);
-  const std::string_view line = trimBlanks(zLine);
-  bool inside = true;
-  std::size_t quote = line.find('\'');
-  if (quote < slash) quote = line.find('\'', quote + 1);
-  for (; quote != line.npos; quote = line.find('\'', quote + 1)) {
-    if (quote <= slash) {
-      inside = !inside;
-      continue;
-    }
-    if (!inside || line.find('\'') >= slash) break;
-    slash = line.find('/', quote);
-    inside = false;
-    if (slash == line.npos) return std::string(line);
-  }
   // Deliberate: the place is one of the line with its blanks in front.
-  return std::string(line.substr(0, slash + 1));
+  const std::string_view line = trimBlanks(zLine);
+  return std::string(line.substr(0, endOfRecord(line, slash)));
 }
 
 void updateEclipseLine(std::string& zLine, std::int32_t& iSlash, std::int32_t& iLength, bool& qOK,
@@ -91,13 +78,11 @@ std::string ExtractKeyword(std::string_view zLine) {
 void processEclipseArgumentLine(std::string_view zLine, std::vector<std::string>& vArgs, std::int32_t& iArgs,
                                 bool& qOK, Session& session) {
   vArgs.clear();
-  iArgs = 0;
   guarded(session, qOK, module, "processEclipseArgumentLine", [&] {
     RepeatBudget budget;
-    const bool any = splitRecord(zLine, vArgs, budget);
-    iArgs = static_cast<std::int32_t>(vArgs.size());
-    return any;
+    return splitRecord(zLine, vArgs, budget);
   });
+  iArgs = static_cast<std::int32_t>(vArgs.size());
 }
 
 void processNumericEclipseArgumentLine(std::string_view zLine, std::vector<float>& sValues,

@@ -45,52 +45,35 @@ TEST(Dictionary, RowsStandByLetter) {
   EXPECT_EQ((plus - 1)->keyword, "ACTPARAM");
 }
 
-TEST(Dictionary, Lookup) {
-  struct Row {
-    const char* key;
-    std::int32_t section;
-    const char* found;  // the row's name, section and class, and the section from then on
-  };
-  const Row rows[] = {{"DATES", 8, "DATES 8 1 8"},
-                      {"WELSPECS", 2, ""},
-                      {"WELSPECS", 0, "WELSPECS 8 1 0"},
-                      {"GRID", 1, "GRID 2 1 2"},
-                      {"SCHEDULE", 8, "SCHEDULE 8 1 8"},
-                      {"GRID_1", 4, "GRID 2 1 2"},
-                      {"FIPNUM", 5, "FIP 5 1000 5"},
-                      {"FIPABC", 5, "FIP 5 1000 5"},
-                      {"FIP", 5, "FIP 5 1000 5"},
-                      {"FIPSEP", 6, ""},
-                      {"TNUMABC", 5, "TNUM 5 1000 5"},
-                      {"TVDPX", 6, "TVDP 6 2 6"},
-                      {"PORO_1", 2, "PORO 2 1001 2"},
-                      {"_X", 2, ""},
-                      {"INCLUDE", 7, ""},
-                      {"INCLUDE", 8, "INCLUDE 8 1 8"},
-                      {"COORD", 2, "COORD 2 1002 2"},
-                      {"+", 2, ""},
-                      {"ADD", 2, ""},
-                      {"EQUALS", 2, ""},
-                      {"grid", 0, ""},
-                      {"", 2, ""},
-                      {"EQUIL", 6, "EQUIL 6 1 6"},
-                      {"RIVRXSEC", 4, ""},
-                      {"BICS", 4, ""},
-                      {"BOX", 1, ""},
-                      {"BOX", 8, "BOX 8 1 8"}};
-  const auto all = EclipseDictionary::shared().rows();
-  for (const Row& row : rows) {
-    std::int32_t iRow = -1, keySection = -1, iClass = -1, section = row.section;
+/// What is found for each word: row's name, section, class and the section from then on, or "-".
+std::string lookedUp(std::string_view keys, const std::int32_t inSection) {
+  std::string result;
+  for (const std::string& key : words(keys)) {
+    std::int32_t row = -1, keySection = -1, iClass = -1, section = inSection;
     bool qOK = false;
-    lookupKeyword(row.key, iRow, keySection, iClass, section, qOK);
+    lookupKeyword(key, row, keySection, iClass, section, qOK);
     EXPECT_TRUE(qOK);
-    std::string found;
-    if (iRow > 0) {
-      const std::string& name = all[static_cast<std::size_t>(iRow - 1)].keyword;
-      found = fmt::format("{} {} {} {}", name, keySection, iClass, section);
+    if (row > 0) {
+      const std::string& name = EclipseDictionary::shared().rows()[static_cast<std::size_t>(row - 1)].keyword;
+      result += fmt::format("{}:{}:{}:{} ", name, keySection, iClass, section);
+    } else {
+      result += "- ";
     }
-    EXPECT_EQ(found, row.found) << row.key;
   }
+  return result;
+}
+
+TEST(Dictionary, Lookup) {
+  EXPECT_EQ(lookedUp("WELSPECS DATES grid + GRID", 0), "WELSPECS:8:1:0 DATES:8:1:0 - - GRID:2:1:2 ");
+  EXPECT_EQ(lookedUp("BOX GRID", 1), "- GRID:2:1:2 ");
+  EXPECT_EQ(lookedUp("WELSPECS _X + = ADD EQUALS PORO_1 COORD", 2),
+            "- - - - - - PORO:2:1001:2 COORD:2:1002:2 ");
+  EXPECT_EQ(lookedUp("GRID_1 RIVRXSEC BICS", 4), "GRID:2:1:2 - - ");
+  EXPECT_EQ(lookedUp("FIP FIPNUM FIPABC TNUMABC", 5),
+            "FIP:5:1000:5 FIP:5:1000:5 FIP:5:1000:5 TNUM:5:1000:5 ");
+  EXPECT_EQ(lookedUp("FIPSEP TVDPX EQUIL", 6), "- TVDP:6:2:6 EQUIL:6:1:6 ");  // FIPSEP counts as FIP
+  EXPECT_EQ(lookedUp("INCLUDE", 7), "- ");
+  EXPECT_EQ(lookedUp("INCLUDE DATES BOX SCHEDULE", 8), "INCLUDE:8:1:8 DATES:8:1:8 BOX:8:1:8 SCHEDULE:8:1:8 ");
   std::int32_t section = 7;
   EXPECT_FALSE(isSectionKeyword("DATES", section));
   EXPECT_TRUE(isSectionKeyword("EDIT", section));

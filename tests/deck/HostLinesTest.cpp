@@ -47,39 +47,33 @@ TEST(HostLines, Cleaned) {
 }
 
 TEST(HostLines, TwoTestsForComments) {
-  struct Row {
-    const char* line;
-    bool deck, recognizer;
-  };
-  for (const Row& row : {Row{"", true, true}, Row{"\r", true, true}, Row{"\t", true, true},
-                         Row{" ", false, true}, Row{"--", true, true}, Row{"** x", true, false},
-                         Row{"==", true, false}, Row{"--qv", true, true}, Row{"--qv 1", true, false},
-                         Row{"--QV 1", true, true}, Row{"/", false, false}, Row{" -- x", false, false}}) {
-    EXPECT_EQ(checkifEclipseCommentLine(row.line), row.deck) << row.line;
-    EXPECT_EQ(checkIfCommentLine(row.line), row.recognizer) << row.line;
-  }
+  for (const char* line : {"", "\r", "\t", "--", "** x", "==", "--qv", "--qv 1", "--QV 1"})
+    EXPECT_TRUE(checkifEclipseCommentLine(line)) << line;
+  for (const char* line : {" ", "-", "/", " -- x", "* x"})
+    EXPECT_FALSE(checkifEclipseCommentLine(line)) << line;
+  for (const char* line : {"", " ", "\t", "--", "--qv", "--QV 1"})
+    EXPECT_TRUE(checkIfCommentLine(line)) << line;
+  for (const char* line : {"** x", "==", "--qv 1", "/", " -- x"})
+    EXPECT_FALSE(checkIfCommentLine(line)) << line;
   EXPECT_EQ(processCaseLine(" runspec\t-- a"), "RUNSPEC -- A");
   EXPECT_EQ(processCaseLine("** a "), "** A");
 }
 
 TEST(HostLines, CutBehindSlashesWithQuotes) {
-  struct Row {
-    std::string line, cut;
-    std::int32_t slash;
-  };
-  for (const Row& row :
-       {Row{"GRID / x", "GRID /", 6}, Row{"'a/b' / x", "'a/b' /", 7}, Row{"'a/b'", "'a/b'", 0},
-        Row{"'a/b' x", "'a/b' x", 0}, Row{"'a/b' 'c/d' / x", "'a/b' 'c/", 9}, Row{"END", "END", 0}}) {
-    std::string line = row.line;
+  const auto cut = [](std::string line) {
     auto iSlash = static_cast<std::int32_t>(line.find('/') + 1);
     auto iLength = static_cast<std::int32_t>(line.size());
     bool qOK = false;
     updateEclipseLine(line, iSlash, iLength, qOK);
-    EXPECT_TRUE(qOK);
-    EXPECT_EQ(line, row.cut);
-    EXPECT_EQ(iSlash, row.slash) << row.line;
-    EXPECT_EQ(iLength, static_cast<std::int32_t>(line.size()));
-  }
+    EXPECT_TRUE(qOK && iLength == static_cast<std::int32_t>(line.size()));
+    return fmt::format("{}:{}", iSlash, line);
+  };
+  EXPECT_EQ(cut("GRID / x"), "6:GRID /");
+  EXPECT_EQ(cut("'a/b' / x"), "7:'a/b' /");
+  EXPECT_EQ(cut("'a/b'"), "0:'a/b'");
+  EXPECT_EQ(cut("'a/b' x"), "0:'a/b' x");
+  EXPECT_EQ(cut("'a/b' 'c/d' / x"), "9:'a/b' 'c/");  // it looks one step far
+  EXPECT_EQ(cut("END"), "0:END");
 }
 
 TEST(HostLines, Arguments) {

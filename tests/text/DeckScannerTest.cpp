@@ -47,13 +47,15 @@ Scan scan(DeckScanner& scanner) {
     DeckRecord record;
     std::int64_t count = 0;
     while (records.next(record)) count += record.closed || !keyword.closed;
-    if (keyword.closed) EXPECT_EQ(count, keyword.records) << keyword.name;
+    if (keyword.closed) {
+      EXPECT_EQ(count, keyword.records) << keyword.name;
+    }
     result.all.push_back(std::move(keyword));
   }
   result.files = scanner.files();
   for (std::uint32_t file = 0; file < result.files.size(); ++file) {
-    if (result.files[file].state == DeckFile::State::Read)
-      EXPECT_EQ(covered[file], result.files[file].size) << result.files[file].path;
+    if (result.files[file].state != DeckFile::State::Read) continue;
+    EXPECT_EQ(covered[file], result.files[file].size) << result.files[file].path;
   }
   return result;
 }
@@ -136,10 +138,11 @@ TEST(DeckScanner, FindsKeywordsAndTheEndsOfTheirData) {
       if (text.find("TITLE") != text.npos && form.find("-- c") != form.npos) continue;
       const Scan result = scanText(form);
       EXPECT_EQ(result.keywords, row.keywords) << form;
-      if (&form < &forms[3]) EXPECT_EQ(result.notes, row.notes) << form;
+      if (&form >= &forms[3]) continue;
+      EXPECT_EQ(result.notes, row.notes) << form;
     }
-    if (text.ends_with('\n'))
-      EXPECT_EQ(scanText(text.substr(0, text.size() - 1)).keywords, row.keywords) << text;
+    if (!text.ends_with('\n')) continue;
+    EXPECT_EQ(scanText(text.substr(0, text.size() - 1)).keywords, row.keywords) << text;
   }
 }
 
@@ -246,8 +249,8 @@ TEST(DeckRecords, SplitsItemsAsTheyAreGiven) {
   EXPECT_EQ(deckNumber("2.5D+2"), 250);
   EXPECT_EQ(deckNumber("+.5"), 0.5);
   EXPECT_EQ(deckNumber("1.5-3"), 0.0015);
-  for (const char* text : {"", "A", "1..2", "1E", "D2", "nan", "inf", "1D", "--1"})
-    EXPECT_FALSE(deckNumber(text)) << text;
+  for (const char* word : {"", "A", "1..2", "1E", "D2", "nan", "inf", "1D", "--1"})
+    EXPECT_FALSE(deckNumber(word)) << word;
 }
 
 }  // namespace
