@@ -13,7 +13,7 @@
 #include "Cases.h"
 #include "deck/CellArrays.h"
 #include "deck/Deck.h"
-#include "deck/DeckGrid.h"
+#include "deck/DeckGeometry.h"
 #include "deck/DeckNumbers.h"
 #include "support/Session.h"
 #include "text/TextWindow.h"
@@ -152,7 +152,7 @@ void fill() {
 
 void corners(const std::filesystem::path& path) {
   Session session;
-  const auto rows = deckGrid(Deck::open(path.string()), session).corners();
+  const auto rows = deckGeometry(Deck::open(path.string()), session).corners();
   require(rows.size() == 24 * side * side * side, "not all corners came");
 }
 

@@ -5,6 +5,15 @@ set(lumbarn_public_headers
   arrays/ArraySelection.h
   arrays/ArrayTable.h
   arrays/ColumnTable.h
+  deck/DeckContents.h
+  deck/DeckGrid.h
+  deck/DeckLines.h
+  deck/DeckReading.h
+  deck/DeckRunspec.h
+  deck/DeckScheduleStore.h
+  deck/DeckScalar.h
+  deck/KeywordStore.h
+  deck/qvEclipseDat.h
   files/UserTestWords.h
   files/FileSets.h
   frame/BatchBuilder.h

@@ -254,8 +254,15 @@ void addWellTests(const Corpus& corpus) {
 }
 
 void addDecks(const Corpus& corpus) {
-  for (const char* file : {"HOLLIN/HOLLIN.DATA", "MAPLE/MAPLE.DATA"})
+  for (const char* file : {"HOLLIN/HOLLIN.DATA", "MAPLE/MAPLE.DATA"}) {
     corpus.add("fuzz_deck", {1}, example(file));
+    for (const int options : {3, 30}) corpus.add("fuzz_hostdeck", {options}, example(file));
+  }
+  corpus.add(
+      "fuzz_hostdeck", {27},
+      text("RUNSPEC\nDIMENS\n 1 1 2 /\nNUMRES\n 2 /\nGRID\nCOORDSYS\n 1 1 /\n 2 2 /\n/\nBOX\n 1 1 1 1 /\n"
+           "COORD\n 24*1 /\nZCORN\n 8*2 8*3 /\nACTNUM\n 1 0 /\nCARFIN\n L 1 1 1 1 1 1 2 2 2 /\nEDIT\nPORV\n"
+           " 1 /\nSUMMARY\nWOPR\n P /\nSCHEDULE\nINCLUDE\n 'X' /\nTSTEP\n 1 /\nEND\n"));
   for (const char* lines :
        {"1 -- a/b\n2* 'A B' 3*0.5,4 /\n", "'A/B' 'C--D' 2*'E' -*1 .*2 / it's\n", "$A\\b/c.inc/\n'$A' /\n",
         "OIL\nGRID\nFIPABC\nDATES -- x\n1 'JAN' 2000 /\n/\n", "1\t2 3* 5*1e3 X\n4 /\n9*1\n"}) {

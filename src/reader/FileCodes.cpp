@@ -31,6 +31,9 @@ bool isRestartIndex(const std::string& path, Session& session) {
 }
 bool isGrid(const std::string& path, Session& session) { return qvGRIDReader(session).CheckGRIDFile(path); }
 bool isEGrid(const std::string& path, Session& session) { return qvGRIDReader(session).CheckEGRIDFile(path); }
+bool isDeck(const std::string& path, Session& session) {
+  return qvEclipseDat(session).CheckifEclipseFile(path);
+}
 bool isInit(const std::string& path, Session& session) { return qvEclipseINIT(session).CheckINITFile(path); }
 
 using Reader = qvEclipseReader;
@@ -50,7 +53,7 @@ constexpr FileCode codes[] = {
     {18, "well test", partOf<&Parts::tests>, true, &Reader::ReadRFTFile},
     {19, {}},  // summary as a text table
     {23, "grid", partOf<&Parts::grid>, false, &Reader::ReadEGridFile, isEGrid},
-    {25, {}},  // deck
+    {25, "deck", partOf<&Parts::deck>, true, &Reader::ReadDATFile, isDeck},
     {28, "restart index", partOf<&Parts::restartIndex>, true, nullptr, isRestartIndex},
     {76, "well test", partOf<&Parts::userTests>, true, &Reader::ReadUserRFTFile},
     {77, "well test", partOf<&Parts::userTests>, false, &Reader::ReadUserPLTFile},

@@ -22,7 +22,7 @@ struct FileCode {
 
 /// Null for a code that no file has.
 const FileCode* findFileCode(std::int32_t code);
-/// The codes that can be loaded: "11 to 16, 18, 23, 76 or 77".
+/// The codes that can be loaded: "11 to 16, 18, 23, 25, 76 or 77".
 std::string loadableCodes();
 /// The name of what a part holds.
 std::string_view nameOf(ReaderParts& parts, const ReaderPart& part);

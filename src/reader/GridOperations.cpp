@@ -14,7 +14,9 @@ bool qvEclipseReader::HPGFileTest() {
   return qUsable;
 }
 
-std::int32_t qvEclipseReader::NumberGrids() const { return parts_->grid.nGrids(); }
+std::int32_t qvEclipseReader::NumberGrids() const {
+  return parts_->deck.holdsGrid(parts_->grid) ? Deck()->nGrids() : parts_->grid.nGrids();
+}
 
 void qvEclipseReader::GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& cGridData, bool& qOK) {
   fetch(parts_->grid, "GetGRIDData", qOK,
@@ -23,6 +25,10 @@ void qvEclipseReader::GetGRIDData(std::int32_t iGrid, std::shared_ptr<Hadrick>& 
 
 void qvEclipseReader::getCorners(std::int32_t iGrid, XYData& sCorners, std::int32_t& nActive, bool& qOK) {
   perform("getCorners", qOK, [&] {
+    if (parts_->deck.holdsGrid(parts_->grid)) {
+      require([&](bool& qDone) { Deck()->getcorners(iGrid, sCorners, nActive, qDone); });
+      return true;
+    }
     const auto grid = parts_->grid.gridWithGeometry(iGrid);
     if (!grid) return false;
     parts_->grid.fillCorners(*grid, sCorners);
@@ -32,11 +38,16 @@ void qvEclipseReader::getCorners(std::int32_t iGrid, XYData& sCorners, std::int3
 }
 
 void qvEclipseReader::CreateCorners(std::int32_t iGrid, bool& qOK) {
+  if (parts_->deck.holdsGrid(parts_->grid)) return Deck()->createcorners(iGrid, qOK);
   qOK = parts_->grid.gridWithGeometry(iGrid) != nullptr;
 }
 
 void qvEclipseReader::SetACTNUM(std::int32_t iGrid, const std::vector<std::int32_t>& iACTNUM, bool& qOK) {
   perform("SetACTNUM", qOK, [&] {
+    if (parts_->deck.holdsGrid(parts_->grid)) {
+      require([&](bool& qDone) { Deck()->setACTNUM(iGrid, iACTNUM, qDone); });
+      return true;
+    }
     const auto grid = parts_->grid.grid(iGrid);
     if (!grid) return false;
     // Deliberate: a list of another length is no failure, and has no effect.

@@ -106,14 +106,18 @@ void qvEclipseReader::DeleteInitData(bool& qOK) {
 
 std::string qvEclipseReader::InitScratchFileName() const { return parts_->init.scratchFile(); }
 
-bool qvEclipseReader::modelFlag(bool ModelFlags::*flag) const { return parts_->init.flags().*flag; }
+bool qvEclipseReader::modelFlag(bool ModelFlags::*flag) const {
+  return (parts_->deck.answersFor(parts_->init) ? parts_->deck.flags() : parts_->init.flags()).*flag;
+}
 
 std::int32_t qvEclipseReader::NumberPhases() const {
   return static_cast<std::int32_t>(Oil()) + static_cast<std::int32_t>(Water()) +
          static_cast<std::int32_t>(Gas());
 }
 
-std::int32_t qvEclipseReader::Units() const { return parts_->init.units(); }
+std::int32_t qvEclipseReader::Units() const {
+  return parts_->deck.answersFor(parts_->init) ? parts_->deck.units() : parts_->init.units();
+}
 
 qvEclipseINIT* qvEclipseReader::Init() { return parts_->init.file(); }
 

@@ -15,8 +15,8 @@ struct ReaderOptions {
   // --- In effect: the readers act on these, or set them.
 
   std::string FileName;  ///< the file, or the root name or folder of a run
-  /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 15 INIT, 18 RFT, 23 EGRID, 76 and 77 user
-  /// RFT and PLT.
+  /// File kind code: 11 and 16 restart, 12 and 13 summary, 14 GRID, 15 INIT, 18 RFT, 23 EGRID, 25 deck, 76
+  /// and 77 user RFT and PLT.
   std::int32_t whichtype = 0;
   bool Silent = false;   ///< no dialog
   std::string zOrigin;   ///< case label; when empty, taken from the file name
@@ -58,6 +58,13 @@ struct ReaderOptions {
   ByteTable bOnly = emptyOnlyList();  ///< selection by class and member, 56 bytes an entry
   bool qOnly = false;                 ///< bOnly says what to load; False: what to skip
 
+  bool RUNSPECOnly = false;         ///< read no more of a deck than its RUNSPEC
+  bool ProcessCorners = true;       ///< read COORD and ZCORN of a deck
+  bool ProcessAll = false;          ///< follow INCLUDE in GRID, EDIT and REGIONS of a deck
+  bool OffSet = false;              ///< take an offset off the coordinates of a deck's grid, see `getOffSet`
+  bool RecordScheduleDeck = false;  ///< keep the lines of SUMMARY and SCHEDULE of a deck
+  bool RecordReportStepKeywords = false;  ///< keep the lines of the keywords of a report step
+
   // Additions to the options that existing hosts know.
   std::vector<std::string> VectorPatterns;  ///< as zOnly, one list each; both apply together
   std::vector<std::string> ExceptPatterns;  ///< as zExcept
@@ -97,14 +104,9 @@ struct ReaderOptions {
   bool ImportALLOC = false;
   bool LoadAllALLOC = false;
   bool AllocationsOnly = false;
-  bool RUNSPECOnly = false;
-  bool ProcessCorners = true;
-  bool ProcessAll = false;
   bool ProcessPLT = true;  ///< this and the next two: stored with the tests
   bool SortedPLT = true;
   bool ScaledPLT = true;
-  bool RecordScheduleDeck = false;
-  bool RecordReportStepKeywords = false;
   bool PrepareBaseRun = false;
   bool RecordComments = false;
   bool AppendSchedule = false;

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "DeckPart.h"
 #include "GridPart.h"
 #include "InitPart.h"
 #include "RestartPart.h"
@@ -28,6 +29,7 @@ struct ReaderParts {
   RestartPart restart{context, restartIndex};
   GridPart grid{context};
   InitPart init{context};
+  DeckPart deck{context};
   WellTestPart tests{context};
   UserTestPart userTests{context};
   ReaderPart* last = nullptr;  ///< that of the last load

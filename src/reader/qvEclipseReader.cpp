@@ -11,6 +11,12 @@
 
 namespace lumbarn {
 
+namespace {
+
+constexpr std::int32_t deckCode = 25;
+
+}  // namespace
+
 qvEclipseReader::qvEclipseReader(Session& session)
     : IOMethod(session.IOMethod),
       NullValue(session.NullValue),
@@ -74,8 +80,11 @@ bool qvEclipseReader::CheckifEclipse(FileDescriptor& uFileDesc) {
   bool qKnown = false;
   perform("CheckifEclipse", qKnown, [&] {
     const auto recognised = recogniseFile(uFileDesc.zFile);
-    if (recognised.whichtype() == 0) return false;
-    uFileDesc.iType = recognised.whichtype();
+    std::int32_t iType = recognised.whichtype();
+    // What hosts take for a deck is one, whatever else the text may be.
+    if (!recognised.form && isOfType(uFileDesc.zFile, deckCode)) iType = deckCode;
+    if (iType == 0) return false;
+    uFileDesc.iType = iType;
     whichtype = uFileDesc.iType;
     return true;
   });

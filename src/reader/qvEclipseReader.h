@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "../arrays/ColumnTable.h"
+#include "../deck/DeckScalar.h"
 #include "../init/Connections.h"
 #include "../init/ModelFlags.h"
 #include "../restart/MarkerTable.h"
@@ -28,12 +29,13 @@
 
 namespace lumbarn {
 
-// A host that uses one of these includes its header: grid/Hadrick.h, reader/LoadDialog.h,
-// init/qvEclipseDTAB.h, init/qvEclipseINIT.h, index/qvEclipseRSSPEC.h, restart/RestartGrid.h,
-// restart/qvEclipseSOLUTION.h, summary/qvEclipseSUMMARYFile.h.
+// A host that uses one of these includes its header: deck/qvEclipseDat.h, grid/Hadrick.h,
+// reader/LoadDialog.h, init/qvEclipseDTAB.h, init/qvEclipseINIT.h, index/qvEclipseRSSPEC.h,
+// restart/RestartGrid.h, restart/qvEclipseSOLUTION.h, summary/qvEclipseSUMMARYFile.h.
 class Hadrick;
 class LoadDialog;
 struct PhysicalTable;
+class qvEclipseDat;
 class qvEclipseINIT;
 class qvEclipseRSSPEC;
 struct RESTARTGRID;
@@ -123,6 +125,12 @@ class qvEclipseReader : public ReaderOptions {
   /// `AcceptDamaged`; what stands before it can be fetched either way.
   void ReadINITFile(bool& qOK);
 
+  /// Reads a data deck once from top to bottom. What is read and kept is told by `RUNSPECOnly`,
+  /// `ProcessCorners`, `ProcessAll`, `RecordScheduleDeck`, `RecordReportStepKeywords` and, with one of the
+  /// last two, the files set by `setIncFileExcludes`. What cannot be understood is skipped. A file that hosts
+  /// do not take for a deck is refused; `Deck` reads some of these.
+  void ReadDATFile(bool& qOK);
+
   // --- Recognition
 
   /// Tells a file's kind by its content and sets `whichtype` to it. False, and nothing set, for a file of no
@@ -136,6 +144,10 @@ class qvEclipseReader : public ReaderOptions {
   /// Releases what is held of a kind; always True. Codes 12 and 77 release nothing, 13 the summary and 76 the
   /// user tests.
   bool DeleteObject(std::int32_t iType);
+
+  /// Whether the deck reader knows a word as a keyword of a section, 1 RUNSPEC to 8 SCHEDULE, or with 0 of
+  /// any. Upper case.
+  bool EclipseKeyword(std::string_view zKeyword, std::int32_t iSection = 0) const;
 
   // --- Summary results
 
@@ -183,6 +195,62 @@ class qvEclipseReader : public ReaderOptions {
   void SetACTNUM(std::int32_t iGrid, const std::vector<std::int32_t>& iACTNUM, bool& qOK);
   /// Whether there is a cache file for `FileName` that can be used. Sets `HPGFileName` when it is empty.
   bool HPGFileTest();
+
+  // --- Deck results. Grid operations above answer for a deck's grids too, when no grid file is held or
+  // `whichtype` is 25: after `CreateCorners`, `getCorners` gives all cells of a grid, and nActive counts
+  // them.
+
+  /// The deck itself; null when none is held. Holds until the next load or release.
+  qvEclipseDat* Deck();
+  const qvEclipseDat* Deck() const;
+  /// The arguments, with their defaults, of a keyword that is kept as text (WELLDIMS, TABDIMS, REGDIMS,
+  /// EQLDIMS, VFPPDIMS, VFPIDIMS, SCDPDIMS, PARTTRAC, MISCIBLE: section 1; ROCKOPTS, ROCKCOMP: 4), in a
+  /// section or with -1 in any. qOK False when the deck has it not.
+  void GetEclipseDAT(std::int32_t iSection, std::string_view zKeyWord, std::vector<std::string>& zArguments,
+                     std::int32_t& nArguments, bool& qOK) const;
+  /// The words of the record of EQUIL for a region, from 1; -32768 for those that are not given.
+  void GetEclipseEQUIL(std::int32_t iRegion, std::vector<float>& sValues, bool& qOK) const;
+  /// One scalar, see `qvEclipseDat::getKeywordArgument`; False without a deck.
+  DeckScalar GetEclipseKeyWordArgument(std::string_view zKeyWord) const;
+  /// One property by its number, see `qvEclipseDat::getModelProperty`; False without a deck.
+  DeckScalar getModelProperty(std::int32_t iProperty) const;
+  /// One record of PINCH, from 1: thickness, gap option, largest gap, transmissibility and multiplier option.
+  void getPINCH(std::int32_t iPinch, float& sThreshold, std::string& zGap, double& dMaxGap,
+                std::string& zTransmissibility, std::string& zMultiplier, bool& qOK) const;
+  std::int32_t NumberPINCH() const;  ///< records of it in force; 0 without
+  bool PinchXY() const;
+  /// The thresholds along X and Y; qOK False without PINCHXY.
+  void getPINCHXY(float& sX, float& sY, bool& qOK) const;
+  /// X1, Y1, X2, Y2, X3, Y3 as in the deck; qOK False without MAPAXES.
+  void getMAPAXES(std::array<double, 6>& dMapAxes, bool& qOK) const;
+  /// What `CreateCorners` took off all x and y; 0 without the option `OffSet`.
+  void getOffSet(double& dX, double& dY, bool& qOK) const;
+  /// Names of faults, how many segments each has, and the most that one has.
+  void getFAULTS(std::vector<std::string>& zNames, std::int32_t& nFaults,
+                 std::vector<std::int32_t>& nSegments, std::vector<float>& sMultipliers, std::int32_t& nMax,
+                 bool& qOK) const;
+  /// The segments of one fault, from 1.
+  void GetFaultConnections(std::int32_t iFault, std::vector<std::int32_t>& iI1,
+                           std::vector<std::int32_t>& iI2, std::vector<std::int32_t>& iJ1,
+                           std::vector<std::int32_t>& iJ2, std::vector<std::int32_t>& iK1,
+                           std::vector<std::int32_t>& iK2, std::vector<std::string>& zFaces, bool& qOK) const;
+  /// All lines of EDIT; one empty line, with nLines 0, when there are none.
+  void getEDITLines(std::vector<std::string>& zLines, std::int32_t& nLines, bool& qOK) const;
+  /// Lines of SUMMARY and SCHEDULE with `RecordScheduleDeck`; one empty line, with nSchedule 0, without.
+  void GetScheduleLines(std::vector<std::string>& zSchedule, std::int32_t& nSchedule, bool& qOK) const;
+  /// The same, and for each section and END how many lines there are up to it.
+  void GetScheduleLinesWithPointers(std::vector<std::string>& zSchedule, std::int32_t& nSchedule,
+                                    std::vector<std::int32_t>& iPointers, std::int32_t& nPointers,
+                                    bool& qOK) const;
+  /// Files that INCLUDE names and that were not read, because they are excluded or their paths absolute.
+  void getIncludeFiles(std::vector<std::string>& zFiles, std::int32_t& nFiles, bool& qOK) const;
+  std::int32_t NumIncludeFiles() const;
+  /// Patterns of names of files that loads to come leave out, when they keep lines.
+  void getIncFileExcludes(std::vector<std::string>& zFiles, std::int32_t& nFiles, bool& qOK) const;
+  void setIncFileExcludes(const std::vector<std::string>& zFiles, bool& qOK);
+  std::int32_t NumIncFileSpecsToExclude() const;
+  bool FMTOUT() const;      ///< deliberate: False without a schedule store, whatever the deck says
+  bool UNIFOUTRST() const;  ///< restart output of the deck is unified
 
   // --- Restart results. Steps count from 1 in the order read; `iGridNumber` is the grid, 1 the global one.
 
@@ -274,7 +342,8 @@ class qvEclipseReader : public ReaderOptions {
   /// The scratch file handed over with `SaveScratchFiles`; empty when memory sufficed. The caller deletes it.
   std::string InitScratchFileName() const;
 
-  // --- Model flags, of the INIT file that is held; False and 0 without one
+  // --- Model flags, of the INIT file that is held, or of the deck: see above; False and 0 without one.
+  // A deck gives the phases, DUALPORO, DUALPERM, MISCIBLE and ROCKCOMP; all others are False, as is Polymer
 
   bool Oil() const { return modelFlag(&ModelFlags::Oil); }
   bool Water() const { return modelFlag(&ModelFlags::Water); }

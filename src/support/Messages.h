@@ -185,6 +185,8 @@ struct MessageRow {
   ROW(DeckValue, "deck.value", Damage, "a value of a deck cannot be read")                                   \
   ROW(DeckCount, "deck.count", Damage, "an array has not as many values as the grid has cells")              \
   ROW(DeckOperation, "deck.operation", Incomplete, "an operation on arrays is not understood")               \
+  ROW(DeckFixedFormat, "deck.fixed-format", Damage, "a deck in the fixed format from before 1995")           \
+  ROW(DeckRestart, "deck.restart", Incomplete, "the restart file of a deck cannot be used")                  \
   ROW(DeckSimulatorChosen, "deck.simulator", Remark, "SKIP keywords count for the simulator that the deck is for")\
   /* end of the table */
 // clang-format on

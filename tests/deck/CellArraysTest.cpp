@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "deck/CellArrays.h"
-#include "deck/DeckGrid.h"
+#include "deck/DeckGeometry.h"
 #include "run/Run.h"
 #include "support/Paths.h"
 #include "support/TemporaryFolder.h"
@@ -64,7 +64,7 @@ TEST(DeckArrays, CornersAreThoseOfTheGridFile) {
   for (const std::string sample : samples) {
     const std::string path = examplePath("/data/") + sample;
     Loaded loaded;
-    const DeckGrid grid = deckGrid(Deck::open(path + ".DATA"), loaded.session);
+    const DeckGeometry grid = deckGeometry(Deck::open(path + ".DATA"), loaded.session);
     const std::vector<float> corners = grid.corners();
     const Batch file = lumbarn::Run::open(path).corners().collect();
     const auto cells = std::array{file["i"].doubles(), file["j"].doubles(), file["k"].doubles()};

@@ -93,7 +93,7 @@ TEST(ReaderState, EachRefusalHasADiagnosis) {
     EXPECT_EQ(load.lastDiagnosis().message, row.message) << row.code << " " << row.file;
     EXPECT_EQ(load.lastDiagnosis().path, folder.file(row.file));
     EXPECT_TRUE(row.message != Message::FileCode ||
-                load.lastDiagnosis().expected == "11 to 16, 18, 23, 76 or 77");
+                load.lastDiagnosis().expected == "11 to 16, 18, 23, 25, 76 or 77");
   }
 
   SummaryLoad load(spec);

@@ -1,4 +1,4 @@
-#include "DeckGrid.h"
+#include "DeckGeometry.h"
 
 #include <algorithm>
 #include <cmath>
@@ -37,7 +37,7 @@ class Builder {
     grid_.size = root->second;
   }
 
-  DeckGrid build() {
+  DeckGeometry build() {
     if (lastOf(*deck_, "ZCORN")) {
       takePillars();
       takeDepths();
@@ -221,12 +221,12 @@ class Builder {
 
   const Deck* deck_;
   Session* session_;
-  DeckGrid grid_;
+  DeckGeometry grid_;
 };
 
 }  // namespace
 
-std::vector<float> DeckGrid::corners() const {
+std::vector<float> DeckGeometry::corners() const {
   const std::vector<std::int32_t> reservoirs(static_cast<std::size_t>(size[2]), 0);
   const auto cells =
       static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]) * reservoirs.size();
@@ -243,6 +243,6 @@ std::vector<float> DeckGrid::corners() const {
   return rows;
 }
 
-DeckGrid deckGrid(const Deck& deck, Session& session) { return Builder(deck, session).build(); }
+DeckGeometry deckGeometry(const Deck& deck, Session& session) { return Builder(deck, session).build(); }
 
 }  // namespace lumbarn
