@@ -13,9 +13,9 @@
 namespace lumbarn {
 
 /// First and last I, J and K, from 1.
-struct DeckBox {
+struct HostBox {
   std::int32_t iI1 = 0, iI2 = 0, iJ1 = 0, iJ2 = 0, iK1 = 0, iK2 = 0;
-  bool operator==(const DeckBox&) const = default;
+  bool operator==(const HostBox&) const = default;
 };
 
 /// One grid of a deck: the global one, or a local one. Arrays are no longer than what was read into them:
@@ -24,7 +24,7 @@ struct DeckBox {
 struct DeckGridRecord {
   std::int32_t iNX = 0, iNY = 0, iNZ = 0;
   std::int32_t nActive = 0;  ///< counted when corners are made
-  DeckBox parent;            ///< a local grid's box in its parent
+  HostBox parent;            ///< a local grid's box in its parent
   std::string zName;         ///< of a local grid
   std::vector<double> dCoord;
   std::vector<float> sDepths;
@@ -33,7 +33,7 @@ struct DeckGridRecord {
   bool qHaveCorners = false;
 
   std::int32_t nCells() const { return iNX * iNY * iNZ; }
-  DeckBox whole() const { return {1, iNX, 1, iNY, 1, iNZ}; }
+  HostBox whole() const { return {1, iNX, 1, iNY, 1, iNZ}; }
   /// Values of pillars of one reservoir.
   std::size_t pillarItems() const {
     return 6 * (static_cast<std::size_t>(iNX) + 1) * (static_cast<std::size_t>(iNY) + 1);
@@ -42,7 +42,7 @@ struct DeckGridRecord {
 
 /// One COORD keyword: the box that it was read with, and what can be taken off its coordinates.
 struct DeckCoordBlock {
-  DeckBox box;
+  HostBox box;
   double dMinX = 0;
   double dMinY = 0;
 };
@@ -56,7 +56,7 @@ struct DeckReservoir {
 };
 
 struct DeckFaultSegment {
-  DeckBox box;
+  HostBox box;
   std::string zFace;
 };
 
@@ -79,7 +79,7 @@ struct DeckPinch {
 struct DeckGrids {
   std::vector<DeckGridRecord> records;  ///< the global grid first
   std::size_t current = 0;              ///< where arrays go; ENDFIN does not bring the global grid back
-  DeckBox box;                          ///< the one in force
+  HostBox box;                          ///< the one in force
   std::vector<DeckCoordBlock> blocks;
   std::vector<DeckReservoir> reservoirs;
   std::size_t nCOORDSYS = 0;    ///< rows of `reservoirs` that a deck gives

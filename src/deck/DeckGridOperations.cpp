@@ -99,16 +99,16 @@ void qvEclipseDat::GetFaultConnections(std::int32_t iFault, std::vector<std::int
     const auto& faults = deck_.grids.faults;
     if (iFault < 1 || place(iFault) >= faults.size()) return false;
     const auto& segments = faults[place(iFault)].segments;
-    const auto take = [&](std::int32_t DeckBox::*end, std::vector<std::int32_t>& column) {
+    const auto take = [&](std::int32_t HostBox::*end, std::vector<std::int32_t>& column) {
       column.clear();
       for (const DeckFaultSegment& segment : segments) column.push_back(segment.box.*end);
     };
-    take(&DeckBox::iI1, iI1);
-    take(&DeckBox::iI2, iI2);
-    take(&DeckBox::iJ1, iJ1);
-    take(&DeckBox::iJ2, iJ2);
-    take(&DeckBox::iK1, iK1);
-    take(&DeckBox::iK2, iK2);
+    take(&HostBox::iI1, iI1);
+    take(&HostBox::iI2, iI2);
+    take(&HostBox::iJ1, iJ1);
+    take(&HostBox::iJ2, iJ2);
+    take(&HostBox::iK1, iK1);
+    take(&HostBox::iK2, iK2);
     zFaces.clear();
     for (const DeckFaultSegment& segment : segments) zFaces.push_back(segment.zFace);
     return true;

@@ -314,7 +314,7 @@ void DeckLoader::noteFileForm(std::string_view field) {
 }
 
 void DeckLoader::parse(DeckLines& file, std::string_view field) {
-  const DeckKeyword keyword{.zKeyword = field,
+  const HostKeyword keyword{.zKeyword = field,
                             .deck = deck_,
                             .options = options_,
                             .reading = reading_,

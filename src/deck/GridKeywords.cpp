@@ -26,7 +26,7 @@ DeckGridRecord& gridOfBox(DeckGrids& grids) {
   };
   if (grids.records.empty()) throw Fault(FaultNumber::Subscript);
   DeckGridRecord& grid = grids.grid();
-  const DeckBox& box = grids.box;
+  const HostBox& box = grids.box;
   if (!inside(box.iI1, box.iI2, grid.iNX) || !inside(box.iJ1, box.iJ2, grid.iNY) ||
       !inside(box.iK1, box.iK2, grid.iNZ))
     throw Fault(FaultNumber::Subscript);
@@ -58,13 +58,13 @@ void lengthen(std::vector<T>& target, std::size_t items, std::size_t given, T va
   target.resize(items, value);
 }
 
-void wholeDeck(const DeckKeyword& keyword) {
+void wholeDeck(const HostKeyword& keyword) {
   const DeckRunspec& runspec = keyword.runspec();
   keyword.grids().box = {1, runspec.iNX, 1, runspec.iNY, 1, runspec.iNZ};
 }
 
 /// Begins the section. A second GRID begins the global grid anew, and local grids stay.
-void parseGRID(const DeckKeyword& keyword) {
+void parseGRID(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   const DeckRunspec& runspec = keyword.runspec();
   if (grids.records.empty()) grids.records.emplace_back();
@@ -74,15 +74,15 @@ void parseGRID(const DeckKeyword& keyword) {
   if (grids.grid().nCells() > 0) wholeDeck(keyword);
 }
 
-void parseBOX(const DeckKeyword& keyword) {
+void parseBOX(const HostKeyword& keyword) {
   const Words words = keyword.arguments();
-  DeckBox& box = keyword.grids().box;
+  HostBox& box = keyword.grids().box;
   std::int32_t* const ends[] = {&box.iI1, &box.iI2, &box.iJ1, &box.iJ2, &box.iK1, &box.iK2};
   for (std::size_t i = 0; i < std::size(ends); ++i) takeInteger(words, i, *ends[i]);
 }
 
 /// Deliberate: in a local grid too, this is the box of the global grid.
-void parseENDBOX(const DeckKeyword& keyword) { wholeDeck(keyword); }
+void parseENDBOX(const HostKeyword& keyword) { wholeDeck(keyword); }
 
 /// Writes consecutive values from a place on. The array is lengthened for them.
 template <class T>
@@ -103,7 +103,7 @@ void putPillars(const DeckGrids& grids, std::vector<double> values, DeckGridReco
   const bool global = grids.current == 0;
   const auto reservoir = static_cast<std::size_t>(global ? std::max(grids.iReservoir - 1, 0) : 0);
   const std::size_t first = reservoir * grid.pillarItems();
-  const DeckBox& box = grids.box;
+  const HostBox& box = grids.box;
   if (box == grid.whole() && first == 0 && grid.dCoord.empty()) {
     grid.dCoord = std::move(values);
     return;
@@ -117,13 +117,13 @@ void putPillars(const DeckGrids& grids, std::vector<double> values, DeckGridReco
   }
 }
 
-void parseCOORD(const DeckKeyword& keyword) {
+void parseCOORD(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   if (grids.current == 0) grids.qCOORD = true;
   // The data then are lines that name no keyword.
   if (!keyword.options.ProcessCorners) return;
   DeckGridRecord& grid = gridOfBox(grids);
-  const DeckBox& box = grids.box;
+  const HostBox& box = grids.box;
   std::int32_t count = arrayCount(6 * (extent(box.iI1, box.iI2) + 1) * (extent(box.iJ1, box.iJ2) + 1));
   std::vector<double> values;
   bool qOK = false;
@@ -134,7 +134,7 @@ void parseCOORD(const DeckKeyword& keyword) {
   putPillars(grids, std::move(values), grid);
 }
 
-void putDepths(const DeckBox& box, std::vector<float> values, DeckGridRecord& grid) {
+void putDepths(const HostBox& box, std::vector<float> values, DeckGridRecord& grid) {
   if (box == grid.whole() && grid.sDepths.size() <= values.size()) {
     grid.sDepths = std::move(values);
     return;
@@ -149,12 +149,12 @@ void putDepths(const DeckBox& box, std::vector<float> values, DeckGridRecord& gr
   }
 }
 
-void parseZCORN(const DeckKeyword& keyword) {
+void parseZCORN(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   if (grids.current == 0) grids.qZCORN = true;
   if (!keyword.options.ProcessCorners) return;
   DeckGridRecord& grid = gridOfBox(grids);
-  const DeckBox& box = grids.box;
+  const HostBox& box = grids.box;
   std::int32_t count =
       arrayCount(8 * extent(box.iI1, box.iI2) * extent(box.iJ1, box.iJ2) * extent(box.iK1, box.iK2));
   std::vector<float> values;
@@ -163,13 +163,13 @@ void parseZCORN(const DeckKeyword& keyword) {
   putDepths(box, std::move(values), grid);
 }
 
-void parseACTNUM(const DeckKeyword& keyword) {
+void parseACTNUM(const HostKeyword& keyword) {
   std::vector<std::string> lines;
   std::int32_t nLines = 0;
   bool qOK = false;
   keyword.reading.readKeywordArguments(keyword.file, lines, nLines, qOK, "/", true);
   DeckGridRecord& grid = gridOfBox(keyword.grids());
-  const DeckBox& box = keyword.grids().box;
+  const HostBox& box = keyword.grids().box;
   const std::size_t row = extent(box.iI1, box.iI2), plane = row * extent(box.iJ1, box.iJ2);
   std::vector<std::int32_t> values;
   getEclipseLongArray(lines, nLines, arrayCount(plane * extent(box.iK1, box.iK2)), values, qOK,
@@ -186,19 +186,19 @@ void parseACTNUM(const DeckKeyword& keyword) {
 }
 
 /// A new grid, which stays the current one also behind ENDFIN: deliberate.
-DeckGridRecord& addLocalGrid(const DeckKeyword& keyword) {
+DeckGridRecord& addLocalGrid(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   if (grids.records.empty()) grids.records.emplace_back();
   grids.current = grids.records.size();
   return grids.records.emplace_back();
 }
 
-void beginLocalGrid(const DeckKeyword& keyword, const DeckGridRecord& grid) {
+void beginLocalGrid(const HostKeyword& keyword, const DeckGridRecord& grid) {
   keyword.grids().box = grid.whole();
   if (keyword.schedule()) keyword.schedule()->localGrid(grid);
 }
 
-void parseCARFIN(const DeckKeyword& keyword) {
+void parseCARFIN(const HostKeyword& keyword) {
   constexpr std::size_t needed = 10;
   const Words words = keyword.arguments();
   if (words.empty()) return;
@@ -213,7 +213,7 @@ void parseCARFIN(const DeckKeyword& keyword) {
 }
 
 /// A column of the parent, first and last layer, then the cells along radius, angle and depth.
-void parseRADFIN(const DeckKeyword& keyword) {
+void parseRADFIN(const HostKeyword& keyword) {
   constexpr std::size_t needed = 8;
   const Words words = keyword.arguments();
   if (words.empty()) return;
@@ -227,7 +227,7 @@ void parseRADFIN(const DeckKeyword& keyword) {
   beginLocalGrid(keyword, grid);
 }
 
-void parseMAPAXES(const DeckKeyword& keyword) {
+void parseMAPAXES(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   const Words words = keyword.arguments();
   if (words.size() < grids.dMapAxes.size()) return;
@@ -235,7 +235,7 @@ void parseMAPAXES(const DeckKeyword& keyword) {
   grids.qMapAxes = true;
 }
 
-void parseGRIDMAPUNITS(const DeckKeyword& keyword) {
+void parseGRIDMAPUNITS(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   std::int32_t system = WhichUnitSystem(textAt(keyword.arguments(), 0));
   if (system < 0) system = keyword.runspec().iUnitSystem;
@@ -244,7 +244,7 @@ void parseGRIDMAPUNITS(const DeckKeyword& keyword) {
   (grid ? grids.qGridUnit : grids.qMapUnit) = true;
 }
 
-void parseCOORDSYS(const DeckKeyword& keyword) {
+void parseCOORDSYS(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   for (const Words& words : keyword.records()) {
     if (words.size() < 2) continue;
@@ -258,7 +258,7 @@ void parseCOORDSYS(const DeckKeyword& keyword) {
 }
 
 /// The reservoir that the COORD behind it is for. One that NUMRES does not have is ignored.
-void parseRESNUM(const DeckKeyword& keyword) {
+void parseRESNUM(const HostKeyword& keyword) {
   const std::int32_t reservoir = integerAt(keyword.arguments(), 0);
   if (reservoir >= 1 && reservoir <= keyword.runspec().iNumRes) keyword.grids().iReservoir = reservoir;
 }
@@ -268,7 +268,7 @@ DeckFault* GetFaultByName(DeckGrids& grids, const std::string& zName) {
   return found == grids.faultByName.end() ? nullptr : &grids.faults[found->second];
 }
 
-void parseFAULTS(const DeckKeyword& keyword) {
+void parseFAULTS(const HostKeyword& keyword) {
   constexpr std::size_t needed = 8;
   DeckGrids& grids = keyword.grids();
   for (const Words& words : keyword.records()) {
@@ -284,7 +284,7 @@ void parseFAULTS(const DeckKeyword& keyword) {
 }
 
 /// A fault that FAULTS did not name is dropped.
-void parseMULTFLT(const DeckKeyword& keyword) {
+void parseMULTFLT(const HostKeyword& keyword) {
   for (const Words& words : keyword.records()) {
     DeckFault* const fault = words.empty() ? nullptr : GetFaultByName(keyword.grids(), words[0]);
     const float multiplier = singleAt(words, 1);
@@ -306,7 +306,7 @@ DeckPinch SetPINCHOUT(const Words& words) {
 
 /// One record each for PINCH, a later keyword takes the place of an earlier one. PINCREG, with a record for
 /// each region, is in no row of the dictionary and does not get here.
-void parsePINCH(const DeckKeyword& keyword) {
+void parsePINCH(const HostKeyword& keyword) {
   DeckGrids& grids = keyword.grids();
   if (keyword.zKeyword == "PINCHOUT") {
     grids.pinches = {DeckPinch()};

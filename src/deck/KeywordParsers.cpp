@@ -19,7 +19,7 @@ bool given(std::span<const std::string> arguments, std::size_t place) {
 
 }  // namespace
 
-std::vector<std::string> DeckKeyword::arguments(bool qUpper) const {
+std::vector<std::string> HostKeyword::arguments(bool qUpper) const {
   std::vector<std::string> list;
   std::int32_t count = 0;
   bool qOK = false;
@@ -28,7 +28,7 @@ std::vector<std::string> DeckKeyword::arguments(bool qUpper) const {
   return list;
 }
 
-std::vector<std::string> DeckKeyword::mergedArguments() const {
+std::vector<std::string> HostKeyword::mergedArguments() const {
   std::vector<std::string> list;
   std::int32_t count = 0;
   bool qOK = false;
@@ -37,7 +37,7 @@ std::vector<std::string> DeckKeyword::mergedArguments() const {
   return list;
 }
 
-std::vector<std::vector<std::string>> DeckKeyword::records() const {
+std::vector<std::vector<std::string>> HostKeyword::records() const {
   std::vector<std::string> lines;
   std::int32_t count = 0;
   bool qOK = false;
@@ -89,7 +89,7 @@ void getEclipseDate(std::span<const std::string> arguments, DeckDate& date) {
   if (year >= 1) date.iYear = year;
 }
 
-void parseSUMMARYKeyWord(const DeckKeyword& keyword) {
+void parseSUMMARYKeyWord(const HostKeyword& keyword) {
   DeckKeywordRecord record{.zName = std::string(keyword.zKeyword), .iSection = 7, .zArgs = {}, .nArgs = 0};
   // WARN is the one of them that has no data, and would take those of the keyword behind it.
   if (keyword.zKeyword.starts_with('W') && keyword.zKeyword != "WARN") record.zArgs = keyword.arguments();

@@ -15,7 +15,7 @@ namespace lumbarn {
 
 /// What the parser of a keyword works with. A parser reads the keyword's data from the deck and keeps what
 /// they say; it throws Fault 9 for places that do not exist.
-struct DeckKeyword {
+struct HostKeyword {
   std::string_view zKeyword;
   DeckContents& deck;
   const DeckLoadOptions& options;
@@ -36,7 +36,7 @@ struct DeckKeyword {
   std::vector<std::vector<std::string>> records() const;
 };
 
-using KeywordParser = void (*)(const DeckKeyword&);
+using KeywordParser = void (*)(const HostKeyword&);
 struct ParserRow {
   std::string_view zRoutine;  ///< as `parserOfKeyword` names it
   KeywordParser parse;
@@ -62,10 +62,10 @@ void getEclipseDate(std::span<const std::string> arguments, DeckDate& date);
 
 /// Reads one F or W keyword of SUMMARY into the list of these: an F keyword as it stands, a W keyword with
 /// the wells of its record (none: all wells).
-void parseSUMMARYKeyWord(const DeckKeyword& keyword);
+void parseSUMMARYKeyWord(const HostKeyword& keyword);
 
 /// RESTART: where the run begins. With a schedule store that knows the restart file, the date of the step is
 /// read from it.
-void parseRESTART(const DeckKeyword& keyword);
+void parseRESTART(const HostKeyword& keyword);
 
 }  // namespace lumbarn

@@ -17,7 +17,7 @@ bool isAbsolute(const std::string& zName) {
   return zName.starts_with('\\') || zName.starts_with('/') || (zName.size() > 1 && zName[1] == ':');
 }
 
-std::string rootName(const DeckKeyword& keyword, const std::string& zArgument) {
+std::string rootName(const HostKeyword& keyword, const std::string& zArgument) {
   std::string root;
   bool qOK = false;
   // In quotes, so that a "/" in it does not end it.
@@ -29,7 +29,7 @@ std::string rootName(const DeckKeyword& keyword, const std::string& zArgument) {
 }
 
 /// The date of one step of a restart set; Nothing when the set cannot be read or has no such step.
-std::optional<DeckDate> dateOfStep(const std::string& path, std::int32_t iStep, const DeckKeyword& keyword) {
+std::optional<DeckDate> dateOfStep(const std::string& path, std::int32_t iStep, const HostKeyword& keyword) {
   qvEclipseSOLUTION restart(keyword.session);
   if (!restart.CheckRESTARTFile(path)) return std::nullopt;
   restart.Unified = keyword.runspec().input.form == DeckFileForm::Unified;
@@ -46,7 +46,7 @@ std::optional<DeckDate> dateOfStep(const std::string& path, std::int32_t iStep, 
 }
 
 /// Hosts with a screen show these as a warning.
-void warn(const DeckKeyword& keyword, const char* problem, const std::string& path) {
+void warn(const HostKeyword& keyword, const char* problem, const std::string& path) {
   keyword.session.diagnose(Diagnosis{.message = Message::DeckRestart,
                                      .path = keyword.file.path(),
                                      .problem = problem,
@@ -58,7 +58,7 @@ void warn(const DeckKeyword& keyword, const char* problem, const std::string& pa
 
 }  // namespace
 
-void parseRESTART(const DeckKeyword& keyword) {
+void parseRESTART(const HostKeyword& keyword) {
   const auto words = keyword.arguments(false);
   if (words.size() < 2) return;
   const std::int32_t step = integerAt(words, 1);

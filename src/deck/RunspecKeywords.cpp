@@ -16,7 +16,7 @@ using Words = std::vector<std::string>;
 
 constexpr std::int32_t runspecSection = 1, propsSection = 4;
 
-void store(const DeckKeyword& keyword, const Words& words, std::int32_t iSection = runspecSection) {
+void store(const HostKeyword& keyword, const Words& words, std::int32_t iSection = runspecSection) {
   keyword.deck.keywords.add(keyword.zKeyword, iSection, words);
 }
 
@@ -25,7 +25,7 @@ void takeWords(const Words& words, std::array<std::int32_t, count>& values) {
   for (std::size_t i = 0; i < count; ++i) takeInteger(words, i, values[i]);
 }
 
-void parseDIMENS(const DeckKeyword& keyword) {
+void parseDIMENS(const HostKeyword& keyword) {
   const Words words = keyword.arguments();
   if (words.size() < 3) return;
   DeckRunspec& runspec = keyword.runspec();
@@ -39,7 +39,7 @@ void takeLarger(const Words& words, std::size_t place, std::int32_t& value) {
   value = std::max(value, integerAt(words, place));
 }
 
-void parseTABDIMS(const DeckKeyword& keyword) {
+void parseTABDIMS(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words);
   DeckTableSizes& sizes = keyword.runspec().tables;
@@ -60,7 +60,7 @@ void parseTABDIMS(const DeckKeyword& keyword) {
   if (keyword.schedule()) keyword.schedule()->tableSizes(sizes);
 }
 
-void parseREGDIMS(const DeckKeyword& keyword) {
+void parseREGDIMS(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words);
   takeLarger(words, 0, keyword.runspec().tables.regions);
@@ -68,7 +68,7 @@ void parseREGDIMS(const DeckKeyword& keyword) {
     takeInteger(words, place, keyword.runspec().iREGDIMS[place + 1]);
 }
 
-void parseWELLDIMS(const DeckKeyword& keyword) {
+void parseWELLDIMS(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words);
   auto& sizes = keyword.runspec().iWELLDIMS;
@@ -78,13 +78,13 @@ void parseWELLDIMS(const DeckKeyword& keyword) {
   if (schedule && sizes[2] > 0) schedule->groupCount(sizes[2]);
 }
 
-void parseEQLDIMS(const DeckKeyword& keyword) {
+void parseEQLDIMS(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words);
   takeWords(words, keyword.runspec().iEQLDIMS);
 }
 
-void parseVFPDIMS(const DeckKeyword& keyword) {
+void parseVFPDIMS(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words);
   DeckRunspec& runspec = keyword.runspec();
@@ -98,14 +98,14 @@ void parseVFPDIMS(const DeckKeyword& keyword) {
 
 /// Deliberate: there are no defaults, and a record that is too short is a fault, with the words before its
 /// end kept.
-void parseSCDPDIMS(const DeckKeyword& keyword) {
+void parseSCDPDIMS(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   takeWords(words, keyword.runspec().iSCDPDIMS);
   if (words.size() < keyword.runspec().iSCDPDIMS.size()) throw Fault(FaultNumber::Subscript);
   store(keyword, words);
 }
 
-void parseMISCIBLE(const DeckKeyword& keyword) {
+void parseMISCIBLE(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words);
   DeckRunspec& runspec = keyword.runspec();
@@ -115,22 +115,22 @@ void parseMISCIBLE(const DeckKeyword& keyword) {
   runspec.qMiscible = true;
 }
 
-void parseROCKCOMP(const DeckKeyword& keyword) {
+void parseROCKCOMP(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words, propsSection);
   takeInteger(words, 1, keyword.runspec().tables.rockCompaction);
   keyword.runspec().qRockCompaction = true;
 }
 
-void parseROCKCOPTS(const DeckKeyword& keyword) { store(keyword, keyword.mergedArguments(), propsSection); }
+void parseROCKCOPTS(const HostKeyword& keyword) { store(keyword, keyword.mergedArguments(), propsSection); }
 
-void parsePARTTRAC(const DeckKeyword& keyword) {
+void parsePARTTRAC(const HostKeyword& keyword) {
   const Words words = keyword.mergedArguments();
   store(keyword, words);
   takeWords(words, keyword.runspec().iPARTTRAC);
 }
 
-void parsePHASE(const DeckKeyword& keyword) {
+void parsePHASE(const HostKeyword& keyword) {
   struct Phase {
     std::string_view zKeyword;
     bool DeckPhases::*flag;
@@ -156,17 +156,17 @@ void parsePHASE(const DeckKeyword& keyword) {
   }
 }
 
-void parseBLACKOIL(const DeckKeyword& keyword) {
+void parseBLACKOIL(const HostKeyword& keyword) {
   DeckRunspec& runspec = keyword.runspec();
   runspec.qIsBlackOil = runspec.phases.Gas = runspec.phases.DissolvedGas = true;
   runspec.qNoRestartGather = true;
   if (keyword.schedule()) keyword.schedule()->phase(keyword.zKeyword);
 }
 
-void parseUNITS(const DeckKeyword& keyword) { keyword.runspec().iUnitSystem = UnitSystem(keyword.zKeyword); }
+void parseUNITS(const HostKeyword& keyword) { keyword.runspec().iUnitSystem = UnitSystem(keyword.zKeyword); }
 
 /// Deliberate: without a schedule store the keyword has no effect.
-void parseFMT(const DeckKeyword& keyword) {
+void parseFMT(const HostKeyword& keyword) {
   if (!keyword.schedule()) return;
   keyword.schedule()->fileForm(keyword.zKeyword, keyword.deck.lines.nSchedule());
   DeckRunspec& runspec = keyword.runspec();
@@ -175,25 +175,25 @@ void parseFMT(const DeckKeyword& keyword) {
   if (keyword.zKeyword == "FMTSAVE") runspec.qFMTSAVE = true;
 }
 
-void parseDualPorosity(const DeckKeyword& keyword) {
+void parseDualPorosity(const HostKeyword& keyword) {
   DeckRunspec& runspec = keyword.runspec();
   if (keyword.zKeyword == "DUALPORO") runspec.qDualPorosity = true;
   if (keyword.zKeyword == "DUALPERM") runspec.qDualPermeability = true;
   if (keyword.zKeyword == "NODPPM") runspec.qNODPPM = true;
 }
 
-void parseSTART(const DeckKeyword& keyword) {
+void parseSTART(const HostKeyword& keyword) {
   getEclipseDate(keyword.arguments(), keyword.runspec().start);
   if (keyword.schedule()) keyword.schedule()->startDate(keyword.runspec().start);
 }
 
 /// The next line as it stands, be it a comment or empty.
-void parseTITLE(const DeckKeyword& keyword) {
+void parseTITLE(const HostKeyword& keyword) {
   std::string line;
   if (keyword.file.readLine(line)) keyword.runspec().zTitle = line;
 }
 
-void parseCOMPS(const DeckKeyword& keyword) {
+void parseCOMPS(const HostKeyword& keyword) {
   DeckRunspec& runspec = keyword.runspec();
   runspec.qNoRestartGather = true;
   const std::int32_t count = integerAt(keyword.arguments(), 0);
@@ -203,7 +203,7 @@ void parseCOMPS(const DeckKeyword& keyword) {
   if (keyword.schedule()) keyword.schedule()->componentCount(count);
 }
 
-void parseCNAMES(const DeckKeyword& keyword) {
+void parseCNAMES(const HostKeyword& keyword) {
   DeckRunspec& runspec = keyword.runspec();
   Words words = keyword.arguments();
   if (words.empty()) return;
@@ -213,7 +213,7 @@ void parseCNAMES(const DeckKeyword& keyword) {
   if (keyword.schedule()) keyword.schedule()->componentNames(runspec.zComponents);
 }
 
-void parseNUMRES(const DeckKeyword& keyword) {
+void parseNUMRES(const HostKeyword& keyword) {
   // More reservoirs than there can be layers have no meaning, and would take memory for nothing.
   constexpr std::int32_t most = 10'000;
   const std::int32_t count = integerAt(keyword.arguments(), 0);
@@ -222,14 +222,14 @@ void parseNUMRES(const DeckKeyword& keyword) {
   reservoirs.resize(std::max(reservoirs.size(), static_cast<std::size_t>(keyword.runspec().iNumRes)));
 }
 
-void parsePARALLEL(const DeckKeyword& keyword) {
+void parsePARALLEL(const HostKeyword& keyword) {
   const Words words = keyword.arguments();
   const std::int32_t domains = integerAt(words, 0);
   if (domains >= 1 && !equalNoCase(textAt(words, 1), "SERIAL") && keyword.schedule())
     keyword.schedule()->domainCount(domains);
 }
 
-void parseSingleArgumentKeyword(const DeckKeyword& keyword) {
+void parseSingleArgumentKeyword(const HostKeyword& keyword) {
   DeckRunspec& runspec = keyword.runspec();
   const Words words = keyword.arguments();
   if (keyword.zKeyword == "FAULTDIM") {
@@ -243,17 +243,17 @@ void parseSingleArgumentKeyword(const DeckKeyword& keyword) {
 }
 
 /// The first argument; a negative one is dropped, as with the keywords above.
-void parseDRSDT(const DeckKeyword& keyword) {
+void parseDRSDT(const HostKeyword& keyword) {
   const float given = singleAt(keyword.arguments(), 0);
   if (given >= 0) keyword.runspec().sDRSDT = given;
 }
 
-void parseDRVDT(const DeckKeyword& keyword) {
+void parseDRVDT(const HostKeyword& keyword) {
   const float given = singleAt(keyword.arguments(), 0);
   if (given >= 0) keyword.runspec().sDRVDT = given;
 }
 
-void parseEQUIL(const DeckKeyword& keyword) {
+void parseEQUIL(const HostKeyword& keyword) {
   auto& regions = keyword.runspec().equilibration;
   const auto most = static_cast<std::size_t>(std::max(keyword.runspec().iEQLDIMS[0], 1));
   regions.clear();
