@@ -126,9 +126,9 @@ TEST(HostGrid, LocalGridsStayCurrentUntilTheNext) {
   EXPECT_THAT(activityOf(grids.records[0]), ::testing::Each(1));
   EXPECT_EQ(grids.records[1].zName, "LGR");
   EXPECT_THAT(activityOf(grids.records[1]), ElementsAre(1, 0, 1));
-  EXPECT_EQ(grids.records[1].parent, (DeckBox{1, 1, 2, 2, 1, 2}));
+  EXPECT_EQ(grids.records[1].parent, (HostBox{1, 1, 2, 2, 1, 2}));
   EXPECT_EQ(grids.records[2].nCells(), 24);
-  EXPECT_EQ(grids.records[2].parent, (DeckBox{2, 2, 1, 1, 1, 2}));
+  EXPECT_EQ(grids.records[2].parent, (HostBox{2, 2, 1, 1, 1, 2}));
   EXPECT_EQ(activityOf(grids.records[2])[0], 0);
   EXPECT_EQ(grids.records[3].nCells(), 0);
   bool qOK = true;
