@@ -89,6 +89,7 @@ set(lumbarn_public_headers
   summary/qvEclipseSPEC.h
   summary/qvEclipseSUMMARY.h
   summary/qvEclipseSUMMARYFile.h
+  support/Export.h
   support/Guarded.h
   support/Dates.h
   support/Diagnosis.h

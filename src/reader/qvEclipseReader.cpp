@@ -7,9 +7,12 @@
 #include "../files/FileSets.h"
 #include "../files/Recogniser.h"
 #include "FileCodes.h"
+#include "LoadDialog.h"
 #include "ReaderLoad.h"
 
 namespace lumbarn {
+
+LoadDialog::~LoadDialog() = default;
 
 qvEclipseReader::qvEclipseReader(Session& session)
     : IOMethod(session.IOMethod),
