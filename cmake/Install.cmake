@@ -52,7 +52,7 @@ install(FILES ${PROJECT_BINARY_DIR}/lumbarnConfig.cmake ${PROJECT_BINARY_DIR}/lu
         DESTINATION ${lumbarn_package_dir})
 
 if(TARGET lumbarn_cli)
-  # The command finds the library, and the module of the export, next to it or in the library folder.
+  # The command has the library in it, and finds the module of the export next to it or in the library folder.
   file(RELATIVE_PATH library_from_command ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set_target_properties(lumbarn_cli PROPERTIES INSTALL_RPATH "\$ORIGIN;\$ORIGIN/${library_from_command}")
   install(TARGETS lumbarn_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

@@ -1,10 +1,17 @@
 # The headers that are installed, by their place in src/: what hosts include, and all that these include.
 # scripts/check-includes tells when one of them includes a header that is not listed.
 set(lumbarn_public_headers
+  text/DeckLine.h
+  text/DeckFiles.h
+  text/TextWindow.h
+  text/DeckForm.h
+  text/DeckScanner.h
   arrays/ActiveCells.h
   arrays/ArraySelection.h
   arrays/ArrayTable.h
   arrays/ColumnTable.h
+  deck/Deck.h
+  deck/DeckEdit.h
   deck/DeckContents.h
   deck/DeckGrid.h
   deck/DeckLines.h
@@ -77,6 +84,7 @@ set(lumbarn_public_headers
   restart/SaveStep.h
   restart/SaveSet.h
   restart/RestartSet.h
+  run/Decks.h
   run/Dense.h
   run/Run.h
   run/Selections.h
@@ -98,6 +106,7 @@ set(lumbarn_public_headers
   summary/qvEclipseSPEC.h
   summary/qvEclipseSUMMARY.h
   summary/qvEclipseSUMMARYFile.h
+  support/Export.h
   support/Guarded.h
   support/Dates.h
   support/Diagnosis.h

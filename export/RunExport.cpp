@@ -11,6 +11,7 @@
 #include "run/ArrayPlan.h"
 #include "run/Run.h"
 #include "run/RunState.h"
+#include "support/Export.h"
 #include "support/Session.h"
 #include "support/Text.h"
 
@@ -201,8 +202,8 @@ class RunArrays {
 
 }  // namespace
 
-void exportVtk(const Run& run, const RunExport& selection, const std::string& path,
-               const ReadOptions& options) {
+LUMBARN_API void exportVtk(const Run& run, const RunExport& selection, const std::string& path,
+                           const ReadOptions& options) {
   try {
     StreamContext context(options);
     const auto grids = run.state().grids(context);

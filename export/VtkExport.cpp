@@ -3,6 +3,7 @@
 #include "HdfFile.h"
 #include "VtkWriter.h"
 #include "grid/Hadrick.h"
+#include "support/Export.h"
 #include "support/Guarded.h"
 #include "support/PendingFile.h"
 
@@ -25,8 +26,8 @@ class FileStorage final : public HdfStorage {
 };
 
 }  // namespace
-void exportVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const CellArray> arrays,
-               const VtkOptions& options, const std::string& path, Session& session, bool& qOK) {
+LUMBARN_API void exportVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const CellArray> arrays,
+                           const VtkOptions& options, const std::string& path, Session& session, bool& qOK) {
   guarded(session, qOK, "VtkExport", "exportVtk", [&] {
     try {
       PendingFile file(path);
@@ -43,8 +44,8 @@ void exportVtk(std::span<const std::shared_ptr<Hadrick>> grids, std::span<const 
   });
 }
 
-void exportVtk(const Hadrick& grid, std::span<const CellArray> arrays, const VtkOptions& options,
-               const std::string& path, Session& session, bool& qOK) {
+LUMBARN_API void exportVtk(const Hadrick& grid, std::span<const CellArray> arrays, const VtkOptions& options,
+                           const std::string& path, Session& session, bool& qOK) {
   // Not owned: the caller's grid outlives the call. Its parent is not known here.
   const std::shared_ptr<Hadrick> one(std::shared_ptr<void>(), const_cast<Hadrick*>(&grid));
   exportVtk(std::span(&one, 1), arrays, options, path, session, qOK);

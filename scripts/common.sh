@@ -72,4 +72,7 @@ need_node() {
 # All C++ sources, as they lie in the work tree.
 sources() { find . -path './build*' -prune -o -type f \( -name '*.h' -o -name '*.cpp' \) -print | sort; }
 
+# The list of the headers that hosts include, by their place in src/, each on a line of its own.
+public_headers() { sed -n 's/^  \([^ )]*\.h\))\{0,1\}$/\1/p' cmake/PublicHeaders.cmake; }
+
 export ASAN_SYMBOLIZER_PATH=/usr/bin/llvm-symbolizer-14

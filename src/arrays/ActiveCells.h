@@ -9,13 +9,14 @@
 
 #include "../index/RestartIndex.h"
 #include "../record/RecordCursor.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
 
 /// The active cells of one grid, numbered both ways. Arrays of a restart or INIT file have one value for each
 /// active cell, in the natural order of the cells (i fastest, then j, then k). All numbers count from 1.
-class ActiveCells {
+class LUMBARN_API ActiveCells {
  public:
   ActiveCells() = default;
   /// By the numbers of the active cells, ascending.
@@ -59,24 +60,25 @@ struct DecidedCells {
 /// stored or with the cells that local grids replace, which are active in their parent although some writers
 /// store 0 for them. If neither agrees and PORV has too many cells with pore volume, the first of these are
 /// returned as a guess, as existing hosts expect; with too few, nothing is returned.
-std::optional<DecidedCells> decideActiveCells(const ActivityEvidence& evidence);
+LUMBARN_API std::optional<DecidedCells> decideActiveCells(const ActivityEvidence& evidence);
 
 /// ACTNUM with a word for each cell of both systems of a grid with dual porosity, from the words of the first
 /// system: bit 1 is the matrix, bit 2 the fracture. In an ACTNUM without words above 1 some writers mean both
 /// systems by 1; `active`, -1 if unknown, decides.
-std::vector<std::int32_t> expandActnum(std::vector<std::int32_t> actnum, std::int64_t active = -1);
+LUMBARN_API std::vector<std::int32_t> expandActnum(std::vector<std::int32_t> actnum,
+                                                   std::int64_t active = -1);
 
 /// Reads PORV of a grid in an INIT file, and what an EGRID file states about a grid. Throw BadRecord.
-void collectInit(const Session& session, const std::string& initFile, std::string_view grid,
-                 ActivityEvidence& evidence);
-void collectEGrid(const Session& session, const std::string& egridFile, std::string_view grid,
-                  ActivityEvidence& evidence);
+LUMBARN_API void collectInit(const Session& session, const std::string& initFile, std::string_view grid,
+                             ActivityEvidence& evidence);
+LUMBARN_API void collectEGrid(const Session& session, const std::string& egridFile, std::string_view grid,
+                              ActivityEvidence& evidence);
 
 /// Which cells of a grid are active by the run's INIT and EGRID files; empty names are skipped. Nothing when
 /// the files do not decide it. EGRID is read only if INIT does not decide, and reading stops at the first
 /// array that agrees. Damage and guesses are reported as diagnoses.
-std::optional<ActiveCells> findActiveCells(Session& session, const std::string& initFile,
-                                           const std::string& egridFile, std::string_view grid,
-                                           const GridCells& cells);
+LUMBARN_API std::optional<ActiveCells> findActiveCells(Session& session, const std::string& initFile,
+                                                       const std::string& egridFile, std::string_view grid,
+                                                       const GridCells& cells);
 
 }  // namespace lumbarn

@@ -5,13 +5,15 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// Selects arrays of a restart or INIT file by name: comma-separated lists of patterns for `matchesPattern`,
 /// in any letter case. Keeps arrays that match a pattern of `only`, or all if that is empty, except those
 /// that match a pattern of `except`. "SOIL" also selects "SWAT" and "SGAS", from which it may have to be
 /// derived.
-class ArraySelection {
+class LUMBARN_API ArraySelection {
  public:
   ArraySelection() = default;
   ArraySelection(std::span<const std::string> only, std::span<const std::string> except);

@@ -9,6 +9,7 @@
 
 #include "../record/RecordCursor.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "ColumnTable.h"
 
@@ -34,7 +35,7 @@ struct KeptArray {
 /// The fetch-on-demand table, 5 rows, one column for each array: items, kind, low and high word of the
 /// position of the data (from 1, behind the header record), 1. A derived array has the item count in both
 /// position words too.
-ColumnTable<std::int32_t> fetchTable(std::span<const KeptArray> arrays);
+LUMBARN_API ColumnTable<std::int32_t> fetchTable(std::span<const KeptArray> arrays);
 
 /// How the arrays of one grid are to be kept.
 struct ArrayRequest {
@@ -45,7 +46,7 @@ struct ArrayRequest {
 /// The kept arrays of one grid of a restart step or an INIT file: names, unit texts, places, and the values
 /// as one column-major block of singles, one column for each array. The first array sets the length of all.
 /// Values are decoded directly into their column.
-class ArrayTable {
+class LUMBARN_API ArrayTable {
  public:
   /// Adds the cursor's current record, of integers or singles; integers become singles. False, and nothing is
   /// added or read, when its length is not that of the first array. Throws Fault 13 for a record of another

@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "../frame/Stream.h"
+#include "../support/Export.h"
 #include "../text/DeckScanner.h"
 
 namespace lumbarn {
 
 /// Which keywords of a deck.
-struct DeckSelection {
+struct LUMBARN_API DeckSelection {
   std::vector<std::string> keywords{};  ///< names or patterns; empty: all
   std::string section{};                ///< empty: all
 };
@@ -23,7 +24,7 @@ struct DeckSelection {
 /// parts of it again for the data that are asked for.
 ///
 /// Throws Error: Damaged for a file that cannot be opened, NotFound, BadRequest, Cancelled.
-class Deck {
+class LUMBARN_API Deck {
  public:
   /// Reports what is missing or damaged, and each unknown keyword once; `notes` has everything.
   static Deck open(const std::string& path, const ReadOptions& options = {},
@@ -81,6 +82,6 @@ class Deck {
 };
 
 /// What a note says, as a diagnosis with file, line and byte.
-Diagnosis diagnosisOf(const DeckNote& note, const DeckFiles& files);
+LUMBARN_API Diagnosis diagnosisOf(const DeckNote& note, const DeckFiles& files);
 
 }  // namespace lumbarn

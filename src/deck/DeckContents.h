@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "DeckGrid.h"
 #include "DeckRunspec.h"
 #include "KeywordStore.h"
@@ -15,7 +16,7 @@ namespace lumbarn {
 class DeckScheduleStore;
 
 /// Lines of a deck as they stand in it, for hosts that work on the text.
-struct DeckLineStores {
+struct LUMBARN_API DeckLineStores {
   bool qCaptureSchedule = false;         ///< the current line goes into zSchedule
   bool qCaptureReportStep = false;       ///< the current line goes into zReportStep
   bool qInEDIT = false;                  ///< the current line goes into zEDIT
@@ -34,7 +35,7 @@ struct DeckLineStores {
 };
 
 /// All that the host form keeps of a deck.
-struct DeckContents {
+struct LUMBARN_API DeckContents {
   DeckRunspec runspec;
   DeckGrids grids;
   KeywordStore keywords;
@@ -44,7 +45,7 @@ struct DeckContents {
 };
 
 /// How a deck is read.
-struct DeckLoadOptions {
+struct LUMBARN_API DeckLoadOptions {
   bool RecordScheduleDeck = false;
   bool RecordReportStepKeywords = false;
   bool RUNSPECOnly = false;

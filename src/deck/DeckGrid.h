@@ -8,12 +8,13 @@
 #include <vector>
 
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
 
 /// First and last I, J and K, from 1.
-struct HostBox {
+struct LUMBARN_API HostBox {
   std::int32_t iI1 = 0, iI2 = 0, iJ1 = 0, iJ2 = 0, iK1 = 0, iK2 = 0;
   bool operator==(const HostBox&) const = default;
 };
@@ -21,7 +22,7 @@ struct HostBox {
 /// One grid of a deck: the global one, or a local one. Arrays are no longer than what was read into them:
 /// what is missing of pillars and depths is 0, of activity 1, so that sizes that a deck only claims take no
 /// memory.
-struct DeckGridRecord {
+struct LUMBARN_API DeckGridRecord {
   std::int32_t iNX = 0, iNY = 0, iNZ = 0;
   std::int32_t nActive = 0;  ///< counted when corners are made
   HostBox parent;            ///< a local grid's box in its parent
@@ -41,33 +42,33 @@ struct DeckGridRecord {
 };
 
 /// One COORD keyword: the box that it was read with, and what can be taken off its coordinates.
-struct DeckCoordBlock {
+struct LUMBARN_API DeckCoordBlock {
   HostBox box;
   double dMinX = 0;
   double dMinY = 0;
 };
 
 /// One row of COORDSYS: the layers that have one set of pillars.
-struct DeckReservoir {
+struct LUMBARN_API DeckReservoir {
   std::int32_t iFirstLayer = 0;
   std::int32_t iLastLayer = 0;
   std::string zCircle = "INCOMP";
   std::string zConnection = "SEPERATE";  // deliberate: hosts know the word in this spelling
 };
 
-struct DeckFaultSegment {
+struct LUMBARN_API DeckFaultSegment {
   HostBox box;
   std::string zFace;
 };
 
-struct DeckFault {
+struct LUMBARN_API DeckFault {
   std::string zName;
   float sMultiplier = 1;
   std::vector<DeckFaultSegment> segments;
 };
 
 /// One record of PINCH, or PINCHOUT, which has none.
-struct DeckPinch {
+struct LUMBARN_API DeckPinch {
   float sThreshold = 0.001F;
   std::string zGap = "GAP";
   double dMaxGap = 1e20;
@@ -76,7 +77,7 @@ struct DeckPinch {
 };
 
 /// What the grid keywords of a deck say.
-struct DeckGrids {
+struct LUMBARN_API DeckGrids {
   std::vector<DeckGridRecord> records;  ///< the global grid first
   std::size_t current = 0;              ///< where arrays go; ENDFIN does not bring the global grid back
   HostBox box;                          ///< the one in force
@@ -101,14 +102,14 @@ struct DeckGrids {
 
 /// What can be taken off the coordinates of a block of points x, y, z, so that they keep their digits as
 /// singles: the smallest x when it is above 0, the largest when that is below 0, else nothing; y likewise.
-DeckCoordBlock gridOffSet(const std::vector<double>& dPoints);
+LUMBARN_API DeckCoordBlock gridOffSet(const std::vector<double>& dPoints);
 
 /// Prepares the corners of a grid, from 0: takes the offset off the pillars once when asked to, and counts
 /// the active cells. Throws Fault 9 when there is no such grid.
-void makeCorners(DeckGrids& grids, std::size_t grid, bool qOffSet);
+LUMBARN_API void makeCorners(DeckGrids& grids, std::size_t grid, bool qOffSet);
 /// A row of 24 singles for each cell, as in `Hadrick`; zeros for a cell in no reservoir.
-XYData cornerRows(const DeckGrids& grids, std::size_t grid, Session& session);
+LUMBARN_API XYData cornerRows(const DeckGrids& grids, std::size_t grid, Session& session);
 /// One number for each cell; as read, all 1 without ACTNUM.
-std::vector<std::int32_t> activityOf(const DeckGridRecord& grid);
+LUMBARN_API std::vector<std::int32_t> activityOf(const DeckGridRecord& grid);
 
 }  // namespace lumbarn

@@ -6,11 +6,12 @@
 #include <string_view>
 
 #include "../record/LineReader.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
 /// An open file of a deck, read line by line, with one step back.
-class DeckLines {
+class LUMBARN_API DeckLines {
  public:
   /// Null with `why` set when the file cannot be opened.
   static std::unique_ptr<DeckLines> open(const std::string& path, std::string& why);

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "DeckLines.h"
 
@@ -13,7 +14,7 @@ namespace lumbarn {
 /// How the data of keywords are read from an open deck, for hosts. Keeps nothing but the section, which a
 /// look at the next keyword may move. The routines are named as in fault reports, where their class is the
 /// one that derives from this.
-class DeckReading {
+class LUMBARN_API DeckReading {
  public:
   explicit DeckReading(Session& session = Session::process()) : session_(&session) {}
   virtual ~DeckReading() = default;

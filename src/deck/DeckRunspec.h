@@ -6,13 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// What an argument has when a deck gives no value for it.
 inline constexpr std::int32_t noDeckValue = -32768;
 
 /// A date as the host form keeps it: each part by itself, so that 30 FEB is possible.
-struct DeckDate {
+struct LUMBARN_API DeckDate {
   std::int32_t iDay = 1;
   std::int32_t iMonth = 1;
   std::int32_t iYear = 1980;
@@ -21,13 +23,13 @@ struct DeckDate {
   bool operator==(const DeckDate&) const = default;
 };
 
-struct DeckPhases {
+struct LUMBARN_API DeckPhases {
   bool Oil = false, Gas = false, Water = false, DissolvedGas = false, VapourisedOil = false;
   bool Brine = false, Solvent = false, Surfactant = false, CoalBedMethane = false, Foam = false;
 };
 
 /// Counts of TABDIMS. Keywords that share a count overwrite each other, the later one counts.
-struct DeckTableSizes {
+struct LUMBARN_API DeckTableSizes {
   std::int32_t saturation = 1;  ///< tables of saturation functions
   std::int32_t pvt = 1;         ///< of fluid properties; at least eosSurface
   std::int32_t saturationNodes = 20;
@@ -45,7 +47,7 @@ struct DeckTableSizes {
 /// In which form files of one kind are read or written.
 enum class DeckFileForm : std::uint8_t { NotGiven, Multiple, Unified };
 
-struct DeckRestartSource {
+struct LUMBARN_API DeckRestartSource {
   std::string zRoot;  ///< with its folder, `\` between the parts
   std::int32_t iStep = 0;
   bool qIsSave = false;
@@ -54,7 +56,7 @@ struct DeckRestartSource {
 
 /// What the keywords of RUNSPEC say, and the options of other sections that are single values. The defaults
 /// are those of a deck that says nothing.
-struct DeckRunspec {
+struct LUMBARN_API DeckRunspec {
   std::string zTitle;
   bool qIsFrontSim = false;
   bool qIsBlackOil = false;

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "DeckGrid.h"
 #include "DeckRunspec.h"
 #include "KeywordStore.h"
@@ -17,7 +18,7 @@ enum class DeckRunKind : std::uint8_t { BlackOil = 1, Compositional = 2, FrontSi
 
 /// What a deck tells a schedule while it is read. There need not be one: then nothing is told, and whatever
 /// only a schedule would answer has no effect.
-class DeckScheduleStore {
+class LUMBARN_API DeckScheduleStore {
  public:
   virtual ~DeckScheduleStore() = default;
 

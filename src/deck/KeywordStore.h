@@ -6,10 +6,12 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// One keyword with its arguments as text. Slots behind nArgs are undefined to hosts.
-struct DeckKeywordRecord {
+struct LUMBARN_API DeckKeywordRecord {
   std::string zName;
   std::int32_t iSection = 0;
   std::vector<std::string> zArgs;
@@ -17,7 +19,7 @@ struct DeckKeywordRecord {
 };
 
 /// Keywords whose arguments are kept as they were merged with their defaults, by name and section.
-class KeywordStore {
+class LUMBARN_API KeywordStore {
  public:
   /// Any section, as the argument of a search.
   static constexpr std::int32_t anySection = -1;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "DeckContents.h"
 #include "DeckReading.h"
 #include "DeckScalar.h"
@@ -21,7 +22,7 @@ namespace lumbarn {
 /// Operations with qOK never throw and set it False on entry. What cannot be understood in a deck is skipped;
 /// what a parser fails at is reported as a fault, and the load goes on. Warnings that a screen would show are
 /// diagnoses of the session. Outputs of failed operations hold nothing.
-class qvEclipseDat : public DeckReading, public DeckLoadOptions {
+class LUMBARN_API qvEclipseDat : public DeckReading, public DeckLoadOptions {
  public:
   explicit qvEclipseDat(Session& session = Session::process()) : DeckReading(session) {}
 

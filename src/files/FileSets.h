@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
@@ -18,10 +19,11 @@ struct SetFileName {
   std::string extension;
   std::string name;
 };
-SetFileName fileNameOfKind(std::string_view zFile, std::string_view zKind, bool qUnified, bool qFormatted);
+LUMBARN_API SetFileName fileNameOfKind(std::string_view zFile, std::string_view zKind, bool qUnified,
+                                       bool qFormatted);
 /// Calling form of the same. qOK False for a kind that has no such file.
-void setEclipseFileName(std::string_view zFile, std::string_view zKind, std::string& zExtension,
-                        bool qUnified, bool qFormatted, std::string& zName, bool& qOK);
+LUMBARN_API void setEclipseFileName(std::string_view zFile, std::string_view zKind, std::string& zExtension,
+                                    bool qUnified, bool qFormatted, std::string& zName, bool& qOK);
 
 /// The search for multiple files: the files of the set that zFile belongs to or describes, with zFile's
 /// folder in front, in order of step, cut to iStart..iEnd by `GetFileListUsingStartAndEnd` unless both are
@@ -33,18 +35,19 @@ void setEclipseFileName(std::string_view zFile, std::string_view zKind, std::str
 /// regard to case, but files that spell the base name as zFile does come before all others, and of two files
 /// of one step that differ in the case of their extensions only the one in zFile's case is taken. qUnified
 /// True looks for nothing. The folder is read once.
-void GetFileNamesToLoad(std::string_view zFile, std::int32_t iStart, std::int32_t iEnd, bool qUnified,
-                        std::string_view zKind, std::int32_t& nFiles, std::vector<std::string>& zFiles,
-                        bool& qOK, Session& session = Session::process());
+LUMBARN_API void GetFileNamesToLoad(std::string_view zFile, std::int32_t iStart, std::int32_t iEnd,
+                                    bool qUnified, std::string_view zKind, std::int32_t& nFiles,
+                                    std::vector<std::string>& zFiles, bool& qOK,
+                                    Session& session = Session::process());
 
 /// Cuts a list of multiple files in order of step to the steps iStart..iEnd. An iEnd below 0 is iStart, and a
 /// reversed range is turned round. Nothing happens with an empty list, an iStart below 0 or a unified set. A
 /// step that is missing stands for the next one that is there, also at the end of the range. An end behind
 /// the last file leaves the first file alone; a start behind it leaves nFiles 0 and one empty entry. The list
 /// itself tells its extensions and form; qFormatted and zExtension are taken for the sake of the callers.
-void GetFileListUsingStartAndEnd(std::int32_t iStart, std::int32_t iEnd, bool qFormatted, bool qUnified,
-                                 std::string_view zExtension, std::int32_t& nFiles,
-                                 std::vector<std::string>& zFiles, bool& qOK);
+LUMBARN_API void GetFileListUsingStartAndEnd(std::int32_t iStart, std::int32_t iEnd, bool qFormatted,
+                                             bool qUnified, std::string_view zExtension, std::int32_t& nFiles,
+                                             std::vector<std::string>& zFiles, bool& qOK);
 
 /// Limits of the steps to use of a unified set, -1 for an open one.
 struct StepLimits {
@@ -58,23 +61,24 @@ struct StepLimits {
   bool endAt(std::int32_t step) const { return last >= 0 && step >= last; }
 };
 /// What the limits that a host gives mean for a kind of file.
-StepLimits stepLimits(std::string_view zKind, std::int32_t iStart, std::int32_t iEnd);
+LUMBARN_API StepLimits stepLimits(std::string_view zKind, std::int32_t iStart, std::int32_t iEnd);
 
 /// Calling forms of the same. Of a multiple set all steps are used, as the list of files does the work, and
 /// the limits stay as they are.
-void setEclipseSequenceLimits(std::string_view zKind, bool qUnified, std::int32_t iStart, std::int32_t iEnd,
-                              std::int32_t& iFirst, std::int32_t& iLast, bool& qOK);
-void checkSequence(bool qUnified, std::int32_t iStep, std::int32_t iFirst, std::int32_t iLast, bool& qUse,
-                   bool& qPast, bool& qOK);
-void checkForExit(bool qUnified, std::int32_t iStep, std::int32_t iLast, bool& qExit, bool& qOK);
+LUMBARN_API void setEclipseSequenceLimits(std::string_view zKind, bool qUnified, std::int32_t iStart,
+                                          std::int32_t iEnd, std::int32_t& iFirst, std::int32_t& iLast,
+                                          bool& qOK);
+LUMBARN_API void checkSequence(bool qUnified, std::int32_t iStep, std::int32_t iFirst, std::int32_t iLast,
+                               bool& qUse, bool& qPast, bool& qOK);
+LUMBARN_API void checkForExit(bool qUnified, std::int32_t iStep, std::int32_t iLast, bool& qExit, bool& qOK);
 
 /// Shared loop test after an operation that answered qOK and left qMore data: True when the loop is to end,
 /// qResult then being its result. That is True when there was no more data, False otherwise; as long as qOK
 /// is True nothing changes.
-bool checkExit(bool qOK, bool qMore, bool& qResult);
+LUMBARN_API bool checkExit(bool qOK, bool qMore, bool& qResult);
 
 /// The type word of a type number: 1 and 2 "INTE", 3 "REAL", 4 "DOUB", 5 "CHAR", 6 "LOGI"; others the empty
 /// text.
-std::string TypeStringFromNum(std::int32_t iType);
+LUMBARN_API std::string TypeStringFromNum(std::int32_t iType);
 
 }  // namespace lumbarn

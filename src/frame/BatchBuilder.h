@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "BatchData.h"
 
 namespace lumbarn {
@@ -21,7 +22,7 @@ struct BatchLimits {
 
 /// Collects rows into a batch. The values of a row are set by column, in any order; columns that are not set
 /// are null. A row counts when it is ended.
-class BatchBuilder {
+class LUMBARN_API BatchBuilder {
  public:
   explicit BatchBuilder(std::shared_ptr<const Schema> schema, BatchLimits limits = {});
 

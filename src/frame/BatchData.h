@@ -7,12 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "../support/Export.h"
 #include "Column.h"
 
 namespace lumbarn {
 
 /// Memory for values: zeroed, aligned to 64 bytes. Owned by the batches that are made of it.
-class Block {
+class LUMBARN_API Block {
  public:
   static constexpr std::size_t alignment = 64;
 
@@ -47,10 +48,10 @@ struct BatchData {
 };
 
 /// Bytes that a value of a type takes in its column; 0 for Bool and Utf8. For FixedList those of a row.
-std::size_t widthOf(const Field& field);
+LUMBARN_API std::size_t widthOf(const Field& field);
 
 /// All that Arrow's metadata tell of a column: those of the field, its unit and its description.
-std::vector<std::pair<std::string, std::string>> allMetadata(const Field& field);
+LUMBARN_API std::vector<std::pair<std::string, std::string>> allMetadata(const Field& field);
 
 inline bool bitAt(const std::uint8_t* bits, std::size_t i) { return ((bits[i / 8] >> (i % 8)) & 1U) != 0; }
 

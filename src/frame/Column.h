@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "../support/Export.h"
+
 struct ArrowSchema;
 struct ArrowArray;
 
@@ -45,20 +47,20 @@ struct Field {
 };
 
 /// What the metadata of a field say of one thing; nothing if they do not.
-std::optional<std::string_view> metadataOf(const Field& field, std::string_view key);
+LUMBARN_API std::optional<std::string_view> metadataOf(const Field& field, std::string_view key);
 
 /// The columns of a table. Fixed before the first batch of a stream.
 using Schema = std::vector<Field>;
 
 /// Makes the names of a schema unique: a second "FOPR", or one that differs in letter case only, becomes
 /// "FOPR#2". Gives the names that were changed, as they were.
-std::vector<std::string> makeNamesUnique(Schema& schema);
+LUMBARN_API std::vector<std::string> makeNamesUnique(Schema& schema);
 
 struct BatchData;
 
 /// The values of one column of a batch. A view that shares the batch's memory: it holds as long as it lives,
 /// whatever becomes of the batch, its stream and its run.
-class Column {
+class LUMBARN_API Column {
  public:
   Column(std::shared_ptr<const BatchData> batch, std::size_t column)
       : batch_(std::move(batch)), column_(column) {}
@@ -87,7 +89,7 @@ class Column {
 };
 
 /// Some consecutive rows of a table. Copying shares the memory.
-class Batch {
+class LUMBARN_API Batch {
  public:
   explicit Batch(std::shared_ptr<const BatchData> data) : data_(std::move(data)) {}
 

@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "../support/Diagnosis.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
 /// The one exception type that leaves frames and runs. what() is the complete text of the diagnosis.
-class Error : public std::runtime_error {
+class LUMBARN_API Error : public std::runtime_error {
  public:
   enum class Kind : std::uint8_t {
     NotFound,    ///< no such file, column, vector, array or step; `candidates` has similar names
@@ -38,6 +39,6 @@ class Error : public std::runtime_error {
 
 /// The exception in flight as an Error: damage, faults, lack of memory and cancelled loads each have their
 /// kind.
-Error errorInFlight();
+LUMBARN_API Error errorInFlight();
 
 }  // namespace lumbarn

@@ -116,6 +116,8 @@ class OneBatch final : public BatchSource {
 
 }  // namespace
 
+BatchSource::~BatchSource() = default;
+
 Batch Stream::collect() && {
   std::vector<BatchRows> all;
   while (auto batch = next()) all.push_back({*batch, 0, batch->rows()});

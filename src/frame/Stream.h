@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "../support/Export.h"
 #include "BatchBuilder.h"
 #include "Column.h"
 #include "Error.h"
@@ -36,15 +37,15 @@ struct ReadOptions {
 };
 
 /// Produces the batches of a stream.
-class BatchSource {
+class LUMBARN_API BatchSource {
  public:
-  virtual ~BatchSource() = default;
+  virtual ~BatchSource();
   /// The next batch, or nothing after the last one. Throws if reading fails, and is not called again.
   virtual std::optional<Batch> next() = 0;
 };
 
 /// The session of a stream and what was reported in it. Sources refer to it, so it lives as long as they do.
-class StreamContext {
+class LUMBARN_API StreamContext {
  public:
   explicit StreamContext(ReadOptions options = {});
   ~StreamContext();
@@ -79,7 +80,7 @@ class StreamContext {
 
 /// Rows of a table, batch after batch. Movable, read once, by one thread at a time. Owns its session and,
 /// through its source, its files.
-class Stream {
+class LUMBARN_API Stream {
  public:
   Stream(std::shared_ptr<const Schema> schema, std::shared_ptr<StreamContext> context,
          std::unique_ptr<BatchSource> source);
@@ -118,10 +119,11 @@ class Stream {
 
 /// Makes a stream of rows. `fill` adds rows to a builder until that is full, and is called again for more; it
 /// returns false when there are none. When it throws, the rows that it ended are delivered first.
-Stream streamOfRows(Schema schema, std::shared_ptr<StreamContext> context,
-                    std::function<bool(BatchBuilder&)> fill);
+LUMBARN_API Stream streamOfRows(Schema schema, std::shared_ptr<StreamContext> context,
+                                std::function<bool(BatchBuilder&)> fill);
 
 /// A stream of one batch.
-Stream streamOf(Batch batch, std::shared_ptr<StreamContext> context = std::make_shared<StreamContext>());
+LUMBARN_API Stream streamOf(Batch batch,
+                            std::shared_ptr<StreamContext> context = std::make_shared<StreamContext>());
 
 }  // namespace lumbarn

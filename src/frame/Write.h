@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "../support/Export.h"
 #include "Stream.h"
 
 namespace lumbarn {
@@ -27,7 +28,7 @@ struct WriteOptions {
 };
 
 /// Where the bytes go.
-class Sink {
+class LUMBARN_API Sink {
  public:
   virtual ~Sink();
   /// Takes all bytes; throws Error System when it cannot.
@@ -43,13 +44,13 @@ class Sink {
 ///
 /// Where the stream ends in an Error, the rows before it are written and the Error is thrown; what was
 /// written is then no complete json text or Arrow file, so that nobody takes it for all there is.
-void write(Stream&& stream, Sink& sink, const WriteOptions& options = {});
+LUMBARN_API void write(Stream&& stream, Sink& sink, const WriteOptions& options = {});
 
 /// The same to a file, which appears under its name when it is complete. Where the stream ends in an Error
 /// there is no new file, and one that was there before is unchanged.
-void write(Stream&& stream, const std::string& path, const WriteOptions& options = {});
+LUMBARN_API void write(Stream&& stream, const std::string& path, const WriteOptions& options = {});
 
 /// A moment as ISO text, "2001-07-01T06:30:00", with a fraction of a second only where it has one.
-std::string isoText(LocalMoment moment);
+LUMBARN_API std::string isoText(LocalMoment moment);
 
 }  // namespace lumbarn

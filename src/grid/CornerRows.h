@@ -6,6 +6,8 @@
 #include <optional>
 #include <span>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// From the coordinates of a file to those of the map: x and y turned, scaled and moved.
@@ -20,7 +22,7 @@ struct MapTransform {
 };
 /// Nothing when the axes have no length or are parallel. `gridUnit` is the count of map units in one unit of
 /// the grid.
-std::optional<MapTransform> mapTransform(const std::array<double, 6>& mapAxes, double gridUnit);
+LUMBARN_API std::optional<MapTransform> mapTransform(const std::array<double, 6>& mapAxes, double gridUnit);
 
 /// Pillars and depths of a grid, as arrays that others own and whose sizes have been checked.
 struct CornerSource {
@@ -46,7 +48,7 @@ struct RowRange {
 /// depth, beyond both ends too; a pillar without height gives its top point. The fraction is worked out in
 /// double precision and each coordinate rounded once, so that all ways to ask for a cell give the same bits.
 /// Rows of cells without corners are zeros.
-void writeCornerRows(const CornerSource& source, const RowRange& range, const MapTransform* transform,
-                     float* rows);
+LUMBARN_API void writeCornerRows(const CornerSource& source, const RowRange& range,
+                                 const MapTransform* transform, float* rows);
 
 }  // namespace lumbarn

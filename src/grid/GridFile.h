@@ -8,6 +8,7 @@
 
 #include "../record/ByteSource.h"
 #include "../record/FormFlags.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "Hadrick.h"
 
@@ -23,7 +24,7 @@ struct GridReadOptions {
 };
 
 /// A file of grids: the older GRID file, or the EGRID file.
-struct GridFile {
+struct LUMBARN_API GridFile {
   std::string path;
   FormFlags form;
   bool egrid = true;
@@ -32,7 +33,7 @@ struct GridFile {
   std::shared_ptr<const ByteSource> open() const;
 };
 /// Nothing unless the first record is DIMENS, or FILEHEAD of an EGRID file.
-std::optional<GridFile> recogniseGridFile(const std::string& path, bool egrid);
+LUMBARN_API std::optional<GridFile> recogniseGridFile(const std::string& path, bool egrid);
 
 /// What was read of it: the global grid first, then the local ones in the order of the file.
 struct GridFileContent {
@@ -42,7 +43,7 @@ struct GridFileContent {
 
 /// Reads all grids of a file from a source. False when the load was canceled or a grid was dropped for
 /// damage. Throws BadRecord for other damage. In each case `content` has the grids that are complete.
-bool readGridFile(const GridFile& file, std::shared_ptr<const ByteSource> source,
-                  const GridReadOptions& options, Session& session, GridFileContent& content);
+LUMBARN_API bool readGridFile(const GridFile& file, std::shared_ptr<const ByteSource> source,
+                              const GridReadOptions& options, Session& session, GridFileContent& content);
 
 }  // namespace lumbarn

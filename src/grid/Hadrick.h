@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "CornerRows.h"
 
@@ -79,7 +80,7 @@ struct CoarseBlock {
 /// the bottom. Units are those of the file.
 ///
 /// Reading may go on in several threads at once; changing it may not.
-class Hadrick : public GridFacts {
+class LUMBARN_API Hadrick : public GridFacts {
  public:
   static constexpr std::size_t rowItems = 24;
 

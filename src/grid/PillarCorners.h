@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 // Corners of single cells and of all active ones from pillars and depths in flat arrays, the first index
@@ -14,7 +16,7 @@ namespace lumbarn {
 
 /// sCOORD(1 to 6, 1 to Nx + 1, 1 to Ny + 1, 1 to nRanges): x, y, z of a pillar's top point, then of its
 /// bottom point.
-struct COORDArray {
+struct LUMBARN_API COORDArray {
   std::span<const float> values;
   std::int32_t Nx = 0;
   std::int32_t Ny = 0;
@@ -54,7 +56,7 @@ struct CornerCell {
 
 /// 1 / height of each pillar, for all reservoirs; 0 for one without height. Nothing when the array does not
 /// go with the sizes.
-std::optional<std::vector<float>> pillarGradients(const COORDArray& sCOORD);
+LUMBARN_API std::optional<std::vector<float>> pillarGradients(const COORDArray& sCOORD);
 
 /// Corners of one cell, and the reservoir that its layer belongs to, 0 (with zeros) for none. Nothing when
 /// arrays do not go with the sizes. With gradients it multiplies with them, which are singles: results can
@@ -63,20 +65,22 @@ struct CellCornersFound {
   CornerArray corners{};
   std::int32_t iRange = 0;
 };
-std::optional<CellCornersFound> cornersFromPillars(const CornerCall& call, const CornerCell& cell);
-std::optional<CellCornersFound> cornersFromPillars(const CornerCall& call, const CornerCell& cell,
-                                                   std::span<const float> sGrad);
+LUMBARN_API std::optional<CellCornersFound> cornersFromPillars(const CornerCall& call,
+                                                               const CornerCell& cell);
+LUMBARN_API std::optional<CellCornersFound> cornersFromPillars(const CornerCall& call, const CornerCell& cell,
+                                                               std::span<const float> sGrad);
 
 /// Writes the corners into a row, from 1, of rows that follow each other. A cell in no reservoir leaves its
 /// row as it is. False for nothing, and for a row that is not there.
-bool storeCorners(const std::optional<CellCornersFound>& found, std::span<float> sRows, std::int64_t row);
+LUMBARN_API bool storeCorners(const std::optional<CellCornersFound>& found, std::span<float> sRows,
+                              std::int64_t row);
 
 /// Rows of all active cells of one reservoir. iACTNUM holds active numbers as `numberActiveCells` leaves
 /// them. False when arrays do not go with the sizes.
-bool reservoirCorners(const CornerCall& call, std::int32_t Nz, std::int32_t iRange,
-                      std::span<const std::int32_t> iACTNUM, std::span<float> sRows);
+LUMBARN_API bool reservoirCorners(const CornerCall& call, std::int32_t Nz, std::int32_t iRange,
+                                  std::span<const std::int32_t> iACTNUM, std::span<float> sRows);
 /// The same of all reservoirs.
-bool activeCorners(const CornerCall& call, std::int32_t Nz, std::span<const std::int32_t> iACTNUM,
-                   std::span<float> sRows);
+LUMBARN_API bool activeCorners(const CornerCall& call, std::int32_t Nz, std::span<const std::int32_t> iACTNUM,
+                               std::span<float> sRows);
 
 }  // namespace lumbarn

@@ -8,6 +8,7 @@
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "GridFile.h"
 
@@ -19,7 +20,7 @@ namespace lumbarn {
 /// Nothing in a file is trusted: an array that does not go with the sizes of its grid, sizes that cannot be,
 /// and damage end the read with a Diagnosis; grids that were whole before it stay and are given out. A
 /// parent, host cell or connection that is not there is told and left out, and the read goes on.
-class qvGRIDReader : public FormFlags {
+class LUMBARN_API qvGRIDReader : public FormFlags {
  public:
   explicit qvGRIDReader(Session& session = Session::process()) : session_(&session) {}
 

@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// The words of an `INTEHEAD` record. They count from 1; old files have fewer words than new ones, so a word
@@ -32,10 +34,10 @@ class HeaderWords {
 
 /// Nx times Ny times Nz. Throws Fault 6 when 64 bits do not hold the product, which is damage: grids of more
 /// than 2^31 cells exist, and their wells and arrays of active cells are read like those of any other.
-std::int64_t cellCount(std::int32_t Nx, std::int32_t Ny, std::int32_t Nz);
+LUMBARN_API std::int64_t cellCount(std::int32_t Nx, std::int32_t Ny, std::int32_t Nz);
 
 /// The number of active cells and of cells that the header of a restart file states; absent words count as 0.
 /// Throws Fault 6 when the cell count overflows.
-void PreprocessINTEHEAD(const HeaderWords& iHeader, std::int32_t& nActive, std::int64_t& nCells);
+LUMBARN_API void PreprocessINTEHEAD(const HeaderWords& iHeader, std::int32_t& nActive, std::int64_t& nCells);
 
 }  // namespace lumbarn

@@ -8,13 +8,14 @@
 
 #include "../record/RecordCursor.h"
 #include "../shapes/ByteTable.h"
+#include "../support/Export.h"
 #include "RestartIndex.h"
 
 namespace lumbarn {
 
 /// The arrays of one grid as an index file (RSSPEC, INSPEC) lists them, in the order of its NAME record.
 /// In a damaged file the other records may have another length than NAME: they are kept as stored.
-struct IndexFileGrid {
+struct LUMBARN_API IndexFileGrid {
   std::string zGrid;         ///< LGRNAME; empty: the global grid
   std::int32_t nArrays = 0;  ///< elements of NUMBER; in an INSPEC file of NAME
   ByteTable bNames{16, 0};   ///< each name, at most 16 characters of it
@@ -39,15 +40,15 @@ struct IndexFileGrid {
 };
 
 /// The low part is taken as unsigned, with the high part above its 32 bits.
-std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB);
+LUMBARN_API std::uint64_t positionOf(std::int32_t iPointer, std::int32_t iPointerB);
 
 /// The grid of that name; an empty one means the global grid. Null when there is none.
-const IndexFileGrid* findGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid);
+LUMBARN_API const IndexFileGrid* findGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid);
 /// Its number, from 1; 0 when there is none.
-std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid);
+LUMBARN_API std::int32_t indexOfGrid(const std::vector<IndexFileGrid>& grids, std::string_view zGrid);
 
 /// The names in order, each once.
-void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names);
+LUMBARN_API void addNewNames(const std::vector<std::string>& more, std::vector<std::string>& names);
 
 /// An array of 2^31 elements and more is indexed as it is stored, in two parts with the position of the
 /// first: its name with this type and the number -k, then with its own type and n, for k * 2^31 + n elements.
@@ -56,6 +57,6 @@ inline constexpr std::int64_t elementsOfX231 = std::int64_t{1} << 31;
 
 /// The entries for a grid of an index file. False with `problem` set when its arrays do not fit
 /// together or a name is not valid.
-bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem);
+LUMBARN_API bool toGroup(const IndexFileGrid& grid, IndexGroup& group, std::string& problem);
 
 }  // namespace lumbarn

@@ -10,6 +10,7 @@
 
 #include "../record/Form.h"
 #include "../record/cFILETYPE.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "IndexFileGrid.h"
 
@@ -18,7 +19,7 @@ namespace lumbarn {
 class RecordCursor;
 
 /// The header words that an index file repeats from the files that it indexes.
-struct IndexFileHead {
+struct LUMBARN_API IndexFileHead {
   bool init = false;                  ///< of an INIT file
   std::vector<std::int32_t> iHeader;  ///< INTEHEAD as stored
   std::int32_t iProgram = 0;          ///< word 95
@@ -55,7 +56,7 @@ struct IndexFilePass {
 };
 
 /// The form of an index file; nothing for a file whose first record is not INTEHEAD.
-std::optional<Form> formOfIndexFile(const std::string& path);
+LUMBARN_API std::optional<Form> formOfIndexFile(const std::string& path);
 
 /// Takes the file over when it is an index file: name and form of a reader of one.
 template <class Reader>
@@ -68,24 +69,24 @@ bool takeIndexFile(std::string_view zFile, Reader& reader) {
   reader.FORTRAN = true;
   return true;
 }
-void setIndexFileTypeProps(const FormFlags& flags, std::int32_t fileKindCode, const Session& session,
-                           cFILETYPE& xFile);
+LUMBARN_API void setIndexFileTypeProps(const FormFlags& flags, std::int32_t fileKindCode,
+                                       const Session& session, cFILETYPE& xFile);
 
 /// Reads the step whose TIME record is the next one, up to the next TIME or the end of the file. Throws
 /// BadRecord; `step` holds what was read before.
-void readIndexFileStep(RecordCursor& cursor, IndexFileStep& step);
+LUMBARN_API void readIndexFileStep(RecordCursor& cursor, IndexFileStep& step);
 /// Reads the pass whose first record is the next one. It ends at the end of the file, or where the next one
 /// begins: before a NAME record without an LGRNAME in front when the current grid has its names already, and
 /// before an LGRNAME of a local grid that this pass has. Throws BadRecord; `pass` holds what was read before.
-void readIndexFilePass(RecordCursor& cursor, IndexFilePass& pass);
+LUMBARN_API void readIndexFilePass(RecordCursor& cursor, IndexFilePass& pass);
 
 /// Reads a complete index of a restart set and hands on each step, also one that damage ends, as far as it
 /// came. Only the index file is read. False when it cannot be opened, with a diagnosis, or the load was
 /// cancelled. Throws BadRecord.
-bool readRsspec(const std::string& path, const Form& form, Session& session, IndexFileHead& head,
-                const std::function<void(IndexFileStep&&)>& take);
+LUMBARN_API bool readRsspec(const std::string& path, const Form& form, Session& session, IndexFileHead& head,
+                            const std::function<void(IndexFileStep&&)>& take);
 /// The same for the passes of the index of an INIT file.
-bool readInspec(const std::string& path, const Form& form, Session& session, IndexFileHead& head,
-                const std::function<void(IndexFilePass&&)>& take);
+LUMBARN_API bool readInspec(const std::string& path, const Form& form, Session& session, IndexFileHead& head,
+                            const std::function<void(IndexFilePass&&)>& take);
 
 }  // namespace lumbarn

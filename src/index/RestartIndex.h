@@ -14,6 +14,7 @@
 #include "../record/RecordHeader.h"
 #include "../support/Dates.h"
 #include "../support/Diagnosis.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "../support/System.h"
 #include "../support/Text.h"
@@ -68,7 +69,7 @@ struct GridCells {
   bool operator==(const GridCells&) const = default;
 };
 /// As the header of a restart or INIT file states them, see `statedActiveCells`.
-GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init);
+LUMBARN_API GridCells gridCells(const std::vector<std::int32_t>& intehead, bool init);
 
 /// Consecutive records that belong to one grid. A grid may have several groups: an INIT
 /// file comes back to the global grid after each pass over the local ones.
@@ -79,7 +80,7 @@ struct IndexGroup {
 };
 
 /// A report step, or a complete INIT file.
-struct IndexStep {
+struct LUMBARN_API IndexStep {
   std::int32_t number = -1;
   double days = 0;             ///< report time, DOUBHEAD word 1; 0 for an INIT file
   std::optional<Moment> date;  ///< with the time of day, as far as the headers state it
@@ -100,7 +101,7 @@ struct IndexStep {
 /// The records of a restart set (one unified file, or one file for each step) or of an INIT file (one
 /// step without a number), with their positions. The same whether it was read from an index file or made by
 /// walking.
-struct RestartIndex {
+struct LUMBARN_API RestartIndex {
   std::vector<std::string> files;
   std::vector<FileStamp> stamps;     ///< of these files, as they were before they were indexed
   Form form;                         ///< of the first file
@@ -125,30 +126,30 @@ struct RestartIndex {
 /// records, not with their size. Steps that are not complete are skipped, and so is damage, as long as
 /// records follow it; files that cannot be opened are skipped too. Each gives a diagnosis, and `whole` is
 /// False then. A cancel ends the walk with the steps so far, `whole` False and no diagnosis.
-RestartIndex walkRestart(Session& session, std::span<const std::string> files);
+LUMBARN_API RestartIndex walkRestart(Session& session, std::span<const std::string> files);
 /// The same for an INIT file: one step.
-RestartIndex walkInit(Session& session, const std::string& file);
+LUMBARN_API RestartIndex walkInit(Session& session, const std::string& file);
 
 /// Reports that a step has another record, `entry`, with the name of an array.
-Diagnosis repeatedArray(const RestartIndex& index, const IndexStep& step, const IndexEntry& entry,
-                        std::string action);
+LUMBARN_API Diagnosis repeatedArray(const RestartIndex& index, const IndexStep& step, const IndexEntry& entry,
+                                    std::string action);
 
 /// The empty name or "ROOT", by which hosts know the global grid.
-bool isGlobalGrid(std::string_view name);
-bool sameGrid(std::string_view a, std::string_view b);
+LUMBARN_API bool isGlobalGrid(std::string_view name);
+LUMBARN_API bool sameGrid(std::string_view a, std::string_view b);
 
 /// Names, upper case, of records of a restart file that are no arrays of cells whatever their length:
 /// headers, tables of wells, groups and aquifers, and flows across the faces of cells.
-bool isRefusedArrayName(std::string_view zName);
+LUMBARN_API bool isRefusedArrayName(std::string_view zName);
 /// Whether the type and name of a record are those of an array of cells: integers or singles, and a name that
 /// is neither refused nor that of an INIT record about connections between cells.
-bool mayBeCellArray(ElementType type, std::string_view zName);
+LUMBARN_API bool mayBeCellArray(ElementType type, std::string_view zName);
 /// Such an array with a value for each cell or active cell of its grid: the arrays that are kept of a restart
 /// or INIT file when all are wanted.
-bool isCellArray(const IndexEntry& entry, const GridCells& cells);
+LUMBARN_API bool isCellArray(const IndexEntry& entry, const GridCells& cells);
 /// The same, 64-bit numbers included, which are not kept: what can be shown cell by cell.
-bool hasCellValues(const IndexEntry& entry, const GridCells& cells);
+LUMBARN_API bool hasCellValues(const IndexEntry& entry, const GridCells& cells);
 /// The entries of a group that are cell arrays.
-std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);
+LUMBARN_API std::vector<const IndexEntry*> cellArrays(const IndexGroup& group);
 
 }  // namespace lumbarn

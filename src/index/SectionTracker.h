@@ -5,6 +5,7 @@
 #include <string>
 
 #include "../record/RecordCursor.h"
+#include "../support/Export.h"
 #include "ReportStep.h"
 
 namespace lumbarn {
@@ -21,7 +22,7 @@ enum class SectionMark : std::uint8_t {
 
 /// Follows the sections of a restart, INIT or grid file while a cursor walks it: which step and which grid a
 /// record belongs to. Call `take` for each record. Reads the data of SEQNUM and LGR records only.
-class SectionTracker {
+class LUMBARN_API SectionTracker {
  public:
   SectionMark take(RecordCursor& cursor);
   /// Whether a record begins a report step: SEQNUM, whatever its type.
@@ -67,6 +68,6 @@ class SectionTracker {
 
 /// Makes `cursor` continue behind damage and states in `diagnosis` what was passed over. Gives nothing when
 /// no record follows: then the file ends there, or cannot be read, which is reported if it is found here.
-std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis, Session& session);
+LUMBARN_API std::optional<Gap> passDamage(RecordCursor& cursor, Diagnosis& diagnosis, Session& session);
 
 }  // namespace lumbarn

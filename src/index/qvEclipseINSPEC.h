@@ -8,6 +8,7 @@
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "IndexFileReading.h"
 
@@ -15,10 +16,10 @@ namespace lumbarn {
 
 /// Takes names that hold "INTEHEAD", "TABDIMS" or "TRANNNC" off the front of a list: they are no arrays that
 /// a host could show.
-void RemoveUnwantedHeaders(std::vector<std::string>& zNames);
+LUMBARN_API void RemoveUnwantedHeaders(std::vector<std::string>& zNames);
 
 /// One pass over the grids of an INIT file, as its index lists it.
-class qvEclipseINSPEC : public IndexFilePass {
+class LUMBARN_API qvEclipseINSPEC : public IndexFilePass {
  public:
   qvEclipseINSPEC() = default;
   explicit qvEclipseINSPEC(IndexFilePass pass) : IndexFilePass(std::move(pass)) {}
@@ -38,7 +39,7 @@ class qvEclipseINSPEC : public IndexFilePass {
 
 /// The index of an INIT file. Only the index file is read; whether it agrees with the INIT file is for
 /// `indexOfInit` to find out. Passes count from 1.
-class qvEclipseINSPECFile : public FormFlags {
+class LUMBARN_API qvEclipseINSPECFile : public FormFlags {
  public:
   explicit qvEclipseINSPECFile(Session& session = Session::process()) : session_(&session) {}
 

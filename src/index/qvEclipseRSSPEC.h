@@ -8,13 +8,14 @@
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "IndexFileReading.h"
 
 namespace lumbarn {
 
 /// One report step of an index of a restart set.
-class qvEclipseRSSPECSequence : public IndexFileStep {
+class LUMBARN_API qvEclipseRSSPECSequence : public IndexFileStep {
  public:
   qvEclipseRSSPECSequence() = default;
   explicit qvEclipseRSSPECSequence(IndexFileStep step) : IndexFileStep(std::move(step)) {}
@@ -36,7 +37,7 @@ class qvEclipseRSSPECSequence : public IndexFileStep {
 /// index file is read; whether it agrees with the restart files is for `indexOfRestart` to find out.
 ///
 /// Steps count from 1. Records that are shorter than NAME are used as far as they go.
-class qvEclipseRSSPEC : public FormFlags {
+class LUMBARN_API qvEclipseRSSPEC : public FormFlags {
  public:
   explicit qvEclipseRSSPEC(Session& session = Session::process()) : session_(&session) {}
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
@@ -18,9 +19,9 @@ struct Connection {
 
 /// Pairs the connection arrays of an INIT file with the cells that they join, which only the grid file states
 /// (its NNC1 and NNC2, in the same order). Nothing when the lists differ in length.
-std::optional<std::vector<Connection>> pairConnections(std::span<const std::int32_t> NNC1,
-                                                       std::span<const std::int32_t> NNC2,
-                                                       const XYData& values);
+LUMBARN_API std::optional<std::vector<Connection>> pairConnections(std::span<const std::int32_t> NNC1,
+                                                                   std::span<const std::int32_t> NNC2,
+                                                                   const XYData& values);
 /// The same; qOK False, with nothing, when the lists differ in length.
 inline std::vector<Connection> pairConnections(std::span<const std::int32_t> NNC1,
                                                std::span<const std::int32_t> NNC2, const XYData& values,

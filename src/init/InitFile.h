@@ -14,6 +14,7 @@
 #include "../record/FormFlags.h"
 #include "../record/RecordCursor.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "InitGrid.h"
 #include "SimulationTables.h"
@@ -30,7 +31,7 @@ namespace lumbarn {
 /// Functions throw BadRecord for damage and Fault. Damage ends the load; what was read before it is kept and
 /// can be asked for, and the session's diagnoses say where the file breaks off. A record with data of an
 /// unknown type ends the load too, with success. After a load that was canceled there is nothing to ask for.
-class InitFile : public FormFlags {
+class LUMBARN_API InitFile : public FormFlags {
  public:
   explicit InitFile(Session& session) : tables(session), session_(&session) {}
   ~InitFile();

@@ -10,6 +10,7 @@
 #include "../arrays/ArrayTable.h"
 #include "../record/RecordHeader.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "ModelFlags.h"
 
 namespace lumbarn {
@@ -27,7 +28,7 @@ struct tNNC {
 
 /// Kind of a connection array by its name, upper case: 1 between cells of one grid, 2 between a local grid
 /// and the global one, 3 between two local grids, 4 for all other names.
-std::int32_t whichNNCType(std::string_view zName);
+LUMBARN_API std::int32_t whichNNCType(std::string_view zName);
 
 /// The active cells of a grid.
 struct InitActiveCells {

@@ -4,6 +4,8 @@
 #include <span>
 #include <string_view>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// What a run models, from the LOGIHEAD of its INIT file and the phases of its INTEHEAD.
@@ -48,9 +50,10 @@ struct NamedFlag {
   bool ModelFlags::*flag;
 };
 /// All flags that have a name, in the order of LOGIHEAD, phases first.
-std::span<const NamedFlag> namedFlags();
+LUMBARN_API std::span<const NamedFlag> namedFlags();
 
 /// Takes the words of LOGIHEAD, those that are there. Words 4 and 5 change places for `iProgram` 100.
-void takeLogicalHeader(std::span<const std::int16_t> words, std::int32_t iProgram, ModelFlags& flags);
+LUMBARN_API void takeLogicalHeader(std::span<const std::int16_t> words, std::int32_t iProgram,
+                                   ModelFlags& flags);
 
 }  // namespace lumbarn

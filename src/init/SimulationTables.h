@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "TableRows.h"
 #include "TableUse.h"
@@ -57,7 +58,7 @@ struct PhysicalTable {
 /// Formation volume factors and viscosities are stored as reciprocals; `storedTable` gives them as they are
 /// stored, `physicalTable` as they are meant. An oil table with a single row is that of a PVCDO keyword, and
 /// has its name and columns.
-class SimulationTables {
+class LUMBARN_API SimulationTables {
  public:
   explicit SimulationTables(Session& session) : session_(&session) {}
 
@@ -147,7 +148,7 @@ class SimulationTables {
 
 /// Turns the columns 1/B and 1/(B mu) of a plain table into B and mu, in its first nRows rows; the null value
 /// where a value is exactly 0. False, with nothing done, for column numbers outside the table.
-bool invertColumns(std::int32_t iFirst, std::int32_t iSecond, std::int32_t nRows, std::span<float> values,
-                   std::span<const std::int32_t> sizes, double null);
+LUMBARN_API bool invertColumns(std::int32_t iFirst, std::int32_t iSecond, std::int32_t nRows,
+                               std::span<float> values, std::span<const std::int32_t> sizes, double null);
 
 }  // namespace lumbarn

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "../support/Export.h"
 #include "../vocabulary/Units.h"
 
 namespace lumbarn {
@@ -21,11 +22,11 @@ struct TableLayout {
   int rowsWord = 0;
   int tablesWord = 0;
 };
-std::span<const TableLayout> tableLayouts();
-const TableLayout* tableLayout(std::string_view zTable);
+LUMBARN_API std::span<const TableLayout> tableLayouts();
+LUMBARN_API const TableLayout* tableLayout(std::string_view zTable);
 
 /// Columns that are taken of a table. TAB may hold more behind them: slopes of the columns before.
-std::int32_t GRAFTableColumns(std::string_view zTable);
+LUMBARN_API std::int32_t GRAFTableColumns(std::string_view zTable);
 
 /// One column as TAB holds it and as a person knows it.
 struct TableColumn {
@@ -37,13 +38,13 @@ struct TableColumn {
 /// metric units whatever the units of the run.
 inline constexpr std::int32_t simulatorOfMetricTables = -1;
 /// The unit of a column in a file of this unit system and simulator code.
-std::string_view tableUnit(Quantity quantity, std::int32_t iUnits, std::int32_t iProgram);
+LUMBARN_API std::string_view tableUnit(Quantity quantity, std::int32_t iUnits, std::int32_t iProgram);
 
 /// The columns of a table, `GRAFTableColumns` of them.
-std::span<const TableColumn> tableColumns(std::string_view zTable);
+LUMBARN_API std::span<const TableColumn> tableColumns(std::string_view zTable);
 
 /// "PVTG" names "PGAS", "PVTO" and "PVCO" name "RS": the table that holds the values of the outer index.
 /// Empty for others.
-std::string_view relatedTable(std::string_view zTable);
+LUMBARN_API std::string_view relatedTable(std::string_view zTable);
 
 }  // namespace lumbarn

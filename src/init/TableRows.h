@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// The simulator fills what it does not use of a table with a multiple of 1E20, of either sign.
@@ -29,12 +31,12 @@ struct TableShape {
 /// without a saturation or pressure is not a row. `keyed` False is for a table that has one row of its own
 /// for each region, as PVTW or DENSITY: any of its values may be missing, and the row with it only if all
 /// are. `outerKeys` are the values of an outer index, if it has one: a blank there takes the rows with it.
-std::vector<bool> existingRows(std::span<const double> values, const TableShape& shape, bool keyed,
-                               std::span<const double> outerKeys);
+LUMBARN_API std::vector<bool> existingRows(std::span<const double> values, const TableShape& shape,
+                                           bool keyed, std::span<const double> outerKeys);
 
 /// Drops the rows that do not exist; iDimens (rows and columns, or outer rows, rows and columns) takes the
 /// new sizes. In a table with an outer index an outer or inner row goes when nothing of it exists.
-void compressTable(std::vector<float>& dTable, std::vector<std::int32_t>& iDimens, const TableShape& shape,
-                   const std::vector<bool>& exists);
+LUMBARN_API void compressTable(std::vector<float>& dTable, std::vector<std::int32_t>& iDimens,
+                               const TableShape& shape, const std::vector<bool>& exists);
 
 }  // namespace lumbarn

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "TableLayout.h"
 
 namespace lumbarn {
@@ -38,7 +39,7 @@ struct TableBlock {
 };
 inline constexpr std::size_t tooMany = std::numeric_limits<std::size_t>::max();
 /// The number of values of a table; `tooMany` for negative sizes and products that overflow.
-std::size_t tableSize(std::span<const std::int32_t> iDimens);
+LUMBARN_API std::size_t tableSize(std::span<const std::int32_t> iDimens);
 
 /// The tables of a run that are in use, in the order of the list of tables. `words` are those of TABDIMS, and
 /// `tabLength` is the length of TAB.
@@ -47,8 +48,8 @@ std::size_t tableSize(std::span<const std::int32_t> iDimens);
 /// begins at word 1 of TAB. A table at word 1 that extends into one that begins elsewhere is not in use. Of
 /// those that remain the longest that lies in TAB owns the position; of several of that length the one whose
 /// words are not all 1.
-std::vector<TableBlock> tablesInUse(std::span<const std::int32_t> words, std::int32_t nPhases,
-                                    const TableProperties& properties, std::size_t tabLength);
+LUMBARN_API std::vector<TableBlock> tablesInUse(std::span<const std::int32_t> words, std::int32_t nPhases,
+                                                const TableProperties& properties, std::size_t tabLength);
 
 /// The phases of a run.
 struct Phases {
@@ -57,8 +58,8 @@ struct Phases {
   bool gas = false;
 };
 /// From their bits: 1 oil, 2 water, 4 gas. None for any value outside 1..7.
-Phases phasesOf(std::int32_t nPhases);
+LUMBARN_API Phases phasesOf(std::int32_t nPhases);
 /// The same; qOK False for a value outside 1..7.
-void EclipseFluids(std::int32_t nPhases, bool& Oil, bool& Water, bool& Gas, bool& qOK);
+LUMBARN_API void EclipseFluids(std::int32_t nPhases, bool& Oil, bool& Water, bool& Gas, bool& qOK);
 
 }  // namespace lumbarn

@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "../shapes/ByteTable.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "SimulationTables.h"
 
 namespace lumbarn {
 
 /// The tables of an INIT file as existing hosts ask for them. No operation throws; qOK is False on entry.
-class qvEclipseDTAB : public SimulationTables {
+class LUMBARN_API qvEclipseDTAB : public SimulationTables {
  public:
   explicit qvEclipseDTAB(Session& session = Session::process()) : SimulationTables(session) {}
 

@@ -11,6 +11,7 @@
 #include "../record/cFILETYPE.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
+#include "../support/Export.h"
 #include "InitFile.h"
 #include "qvEclipseDTAB.h"
 
@@ -21,7 +22,7 @@ namespace lumbarn {
 ///
 /// Operations never throw and set qOK False on entry. After damage, what was read before it can be fetched;
 /// see `InitFile`.
-class qvEclipseINIT : public InitFile {
+class LUMBARN_API qvEclipseINIT : public InitFile {
  public:
   explicit qvEclipseINIT(Session& session = Session::process()) : InitFile(session), xTAB(session) {}
 

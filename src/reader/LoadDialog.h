@@ -6,6 +6,7 @@
 
 #include "../shapes/EclipseInfo.h"
 #include "../summary/qvEclipseSPEC.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
@@ -34,9 +35,9 @@ struct LoadDialogSettings {
 
 /// A dialog through which a person chooses what to load; a host may supply one. Without it the reader takes
 /// the silent path.
-class LoadDialog {
+class LUMBARN_API LoadDialog {
  public:
-  virtual ~LoadDialog() = default;
+  virtual ~LoadDialog();
   /// Shows the dialog until it is closed. `spec` has the list of the file's records and its vectors;
   /// `selection` is filled with the classes and members on offer, all chosen, and takes the choice. False
   /// when it was cancelled.

@@ -2,12 +2,13 @@
 
 #include <string>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
 
 /// The second public object: what belongs to the whole process (or to a session given here).
-class qvEclipseInfo {
+class LUMBARN_API qvEclipseInfo {
  public:
   explicit qvEclipseInfo(Session& session = Session::process()) : session_(&session) {}
 

@@ -7,6 +7,7 @@
 #include "../files/FileSets.h"
 #include "../files/Recogniser.h"
 #include "FileCodes.h"
+#include "LoadDialog.h"
 #include "ReaderLoad.h"
 
 namespace lumbarn {
@@ -16,6 +17,8 @@ namespace {
 constexpr std::int32_t deckCode = 25;
 
 }  // namespace
+
+LoadDialog::~LoadDialog() = default;
 
 qvEclipseReader::qvEclipseReader(Session& session)
     : IOMethod(session.IOMethod),

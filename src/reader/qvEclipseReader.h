@@ -22,6 +22,7 @@
 #include "../shapes/XYData.h"
 #include "../summary/SummaryVector.h"
 #include "../support/Dates.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "../welltests/UserTest.h"
 #include "../welltests/WellTest.h"
@@ -62,7 +63,7 @@ struct FileDescriptor {
 ///
 /// One object serves one load at a time. Objects that share a session must not load at the same time; give
 /// each its own to load in parallel.
-class qvEclipseReader : public ReaderOptions {
+class LUMBARN_API qvEclipseReader : public ReaderOptions {
  public:
   explicit qvEclipseReader(Session& session = Session::process());
   /// What was loaded moves too; the other object can only be destroyed then.

@@ -34,6 +34,8 @@ std::optional<Diagnosis> changeReport(const FileStamp& before, const FileStamp& 
 
 }  // namespace
 
+ByteSource::~ByteSource() = default;
+
 std::size_t ByteSource::readAt(std::uint64_t position, std::span<std::byte> out) const {
   const std::uint64_t end = size();
   const std::uint64_t left = end - std::min(end, position);

@@ -9,14 +9,15 @@
 #include <vector>
 
 #include "../support/Diagnosis.h"
+#include "../support/Export.h"
 #include "../support/System.h"
 
 namespace lumbarn {
 
 /// Where bytes enter: a file or a block of memory, read by position.
-class ByteSource {
+class LUMBARN_API ByteSource {
  public:
-  virtual ~ByteSource() = default;
+  virtual ~ByteSource();
   virtual std::uint64_t size() const = 0;
   /// The file, for messages; empty when there is none.
   virtual std::string path() const { return {}; }
@@ -40,7 +41,7 @@ class ByteSource {
 
 /// A file. Its size is what it was at opening: bytes that a running simulator adds later are seen by the next
 /// load.
-class FileSource final : public ByteSource {
+class LUMBARN_API FileSource final : public ByteSource {
  public:
   /// The one place where a file is opened for reading. Null with `error` set when it cannot be. The source is
   /// what `Session::process().wrapSource` makes of it, where a test or an audit has set that.
@@ -62,10 +63,10 @@ class FileSource final : public ByteSource {
 };
 
 /// The damage that a file is not as it was at an earlier time, for code that opens it again.
-std::optional<Diagnosis> changedSince(const FileStamp& before, const std::string& path);
+LUMBARN_API std::optional<Diagnosis> changedSince(const FileStamp& before, const std::string& path);
 
 /// Bytes in memory; owns them.
-class MemorySource final : public ByteSource {
+class LUMBARN_API MemorySource final : public ByteSource {
  public:
   explicit MemorySource(std::vector<std::byte> bytes) : bytes_(std::move(bytes)) {}
   std::uint64_t size() const override { return bytes_.size(); }

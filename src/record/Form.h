@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "../support/Export.h"
 #include "ByteSource.h"
 
 namespace lumbarn {
@@ -18,7 +19,7 @@ enum class Framing {
   OneByteMarks,   ///< unformatted, each block between two 1-byte lengths
 };
 
-struct Form {
+struct LUMBARN_API Form {
   Framing framing = Framing::FourByteMarks;
   bool byteSwap = true;  ///< numbers in the other byte order than this machine's
 
@@ -37,12 +38,14 @@ struct DetectedForm {
 /// The form in which a file begins with a sound record header: tried as formatted, with 4-byte and with
 /// 1-byte marks, in this order, since a short text header could satisfy a later probe. Whatever its keyword
 /// is: files begin with a writer's own records too. Throws BadRecord when the file cannot be read.
-std::optional<DetectedForm> detectForm(const ByteSource& source);
+LUMBARN_API std::optional<DetectedForm> detectForm(const ByteSource& source);
 
 /// For operations that ask whether a file is of a type: the form, if the first keyword is one of these.
-std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords);
+LUMBARN_API std::optional<DetectedForm> detectForm(const ByteSource& source,
+                                                   std::span<const std::string_view> keywords);
 /// The same for operations that throw nothing: a file that cannot be read is reported and not accepted.
-std::optional<DetectedForm> detectForm(const ByteSource& source, std::span<const std::string_view> keywords,
-                                       Session& session);
+LUMBARN_API std::optional<DetectedForm> detectForm(const ByteSource& source,
+                                                   std::span<const std::string_view> keywords,
+                                                   Session& session);
 
 }  // namespace lumbarn

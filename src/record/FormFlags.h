@@ -1,11 +1,12 @@
 #pragma once
 
+#include "../support/Export.h"
 #include "Form.h"
 
 namespace lumbarn {
 
 /// The form of a file as hosts know it. Readers of record files have these among their members.
-struct FormFlags {
+struct LUMBARN_API FormFlags {
   bool Formatted = false;  ///< text lines
   bool UNIX = true;        ///< 4-byte marks; False: 1-byte marks. Without meaning when Formatted
   bool FORTRAN = true;     ///< records have marks; False for raw scratch files

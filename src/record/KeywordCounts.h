@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// The letters of a keyword as one number, whose order means nothing. Never 0: what is left of the letters is
@@ -21,7 +23,7 @@ constexpr std::uint64_t keywordKey(std::string_view keyword) {
 
 /// How often each keyword of a file has been met. Keywords have eight letters at most, so each is one number
 /// and the table is flat: it is asked once for every record, and in files of many small records that counts.
-class KeywordCounts {
+class LUMBARN_API KeywordCounts {
  public:
   /// The count of a keyword by its key, 0 for a new one. Holds until the next call.
   std::int64_t& operator[](std::uint64_t key);

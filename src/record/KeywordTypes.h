@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "../support/Diagnosis.h"
+#include "../support/Export.h"
 #include "RecordHeader.h"
 
 namespace lumbarn {
@@ -26,6 +27,6 @@ enum class RecordFile : std::uint8_t {
 /// The damage that a keyword has a type, or fewer elements, than it has in a file of that type: what is read
 /// of it would be skipped or misread. Gives offset, keyword, expected and found; empty for a keyword without
 /// a row.
-std::optional<Diagnosis> unexpected(RecordFile file, const RecordHeader& header);
+LUMBARN_API std::optional<Diagnosis> unexpected(RecordFile file, const RecordHeader& header);
 
 }  // namespace lumbarn

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "ByteSource.h"
 
 namespace lumbarn {
@@ -15,7 +16,7 @@ namespace lumbarn {
 /// an end, and behind the end of the last one there is no further line. Bytes are passed through as they are;
 /// a byte order mark of UTF-8 in front is left out. Keeps one transfer, or the longest line where that is
 /// longer.
-class LineReader {
+class LUMBARN_API LineReader {
  public:
   /// The path is for messages.
   LineReader(std::shared_ptr<const ByteSource> source, std::string path);
@@ -55,6 +56,6 @@ class LineReader {
 
 /// Whether a line of a text file is a comment: it is empty or of blanks and tabs, or begins with "--". A line
 /// that begins with "--qv", in lower case and with more behind it, is a marker that counts.
-bool checkIfCommentLine(std::string_view zLine);
+LUMBARN_API bool checkIfCommentLine(std::string_view zLine);
 
 }  // namespace lumbarn

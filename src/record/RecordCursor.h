@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "../support/Export.h"
 #include "ByteSource.h"
 #include "Form.h"
 #include "KeywordCounts.h"
@@ -30,7 +31,7 @@ struct Gap {
 /// time that does not depend on its size; `read` decodes the data of the current record straight into the
 /// caller's array, and may be called for parts, in any order, any number of times. Whatever is wrong with the
 /// file ends in BadRecord, with path, keyword, occurrence, byte offset, what was expected and what was found.
-class RecordCursor {
+class LUMBARN_API RecordCursor {
  public:
   RecordCursor(std::shared_ptr<const ByteSource> source, Form form, std::string path);
   ~RecordCursor();
@@ -137,6 +138,6 @@ class RecordCursor {
 };
 
 /// A cursor on a file, its form found by content. On failure null, with the reason in `why`.
-std::unique_ptr<RecordCursor> openRecords(const std::string& path, std::string& why);
+LUMBARN_API std::unique_ptr<RecordCursor> openRecords(const std::string& path, std::string& why);
 
 }  // namespace lumbarn

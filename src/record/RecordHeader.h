@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// What the elements of a record are.
@@ -47,7 +49,7 @@ struct TypeInfo {
   ElementType type = ElementType::Unknown;
   std::int32_t width = 0;
 };
-TypeInfo typeInfo(std::string_view typeWord);
+LUMBARN_API TypeInfo typeInfo(std::string_view typeWord);
 
 /// Elements in one block of an unformatted record and of a formatted one: 105 strings whatever their width,
 /// 1000 of anything else.

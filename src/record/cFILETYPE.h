@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "FormFlags.h"
 #include "RecordCursor.h"
@@ -16,12 +17,12 @@ struct PositionWords {
   std::int32_t high = -1;
   bool isSet() const { return low != -1 || high != -1; }
 };
-PositionWords toWords(std::uint64_t position);
-std::uint64_t fromWords(PositionWords words);
+LUMBARN_API PositionWords toWords(std::uint64_t position);
+LUMBARN_API std::uint64_t fromWords(PositionWords words);
 
 /// The file-type descriptor: form, settings and position of one open file. Made new for each file; `Quarnet`
 /// opens, reads and closes it.
-class cFILETYPE : public FormFlags {
+class LUMBARN_API cFILETYPE : public FormFlags {
  public:
   explicit cFILETYPE(Session& session = Session::process()) : IOMethod(session.IOMethod) {}
 
@@ -59,6 +60,6 @@ class cFILETYPE : public FormFlags {
 };
 
 /// `UseBufferedInput` by file-kind code: True for 1, 12, 13, 14, 15, 18, 23, 27, 28, 32, 43 and 391.
-bool usesBufferedInput(std::int32_t fileKindCode);
+LUMBARN_API bool usesBufferedInput(std::int32_t fileKindCode);
 
 }  // namespace lumbarn

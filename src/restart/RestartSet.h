@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "../arrays/ArraySelection.h"
+#include "../support/Export.h"
 #include "qvEclipseSEQUENCE.h"
 
 namespace lumbarn {
@@ -50,7 +51,7 @@ struct RestartStep {
 };
 
 /// What was read of a set.
-struct RestartSet {
+struct LUMBARN_API RestartSet {
   std::vector<std::unique_ptr<qvEclipseSEQUENCE>> xSEQ;  ///< the steps kept, in the order read
   std::int32_t nGrids = 0;                               ///< this and the next five: of the last step read
   std::int32_t iLastStep = -1;

@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "../record/Form.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "qvEclipseSAVESequence.h"
 
 namespace lumbarn {
 
 /// The save files of one run.
-struct SaveSet {
+struct LUMBARN_API SaveSet {
   // What to read and how. `CheckSAVEFile` sets all but the limits.
   std::string FileName;
   bool Unified = false;    ///< one file for all steps
@@ -41,10 +42,10 @@ struct SaveFileForm {
   Form form;
   bool saveHead = false;
 };
-std::optional<SaveFileForm> formOfSaveFile(const std::string& path);
+LUMBARN_API std::optional<SaveFileForm> formOfSaveFile(const std::string& path);
 
 /// Reads the steps of a set. False when a file cannot be opened or is damaged, which is reported, and when
 /// the load is canceled; the steps before are in the set.
-bool readSaveSet(SaveSet& set, const Form& form, Session& session);
+LUMBARN_API bool readSaveSet(SaveSet& set, const Form& form, Session& session);
 
 }  // namespace lumbarn

@@ -5,12 +5,13 @@
 #include <span>
 
 #include "../record/RecordCursor.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
 
 /// One report step of a save file.
-struct SaveStep {
+struct LUMBARN_API SaveStep {
   // What to read, set by the owner.
   bool Unified = false;     ///< the file may hold several steps
   std::int32_t iEnd = -1;   ///< last step wanted; -1: open
@@ -41,15 +42,15 @@ struct SaveStep {
 
 /// Takes what an INTEHEAD has, group by group as far as it is long enough. Throws Fault 9 for a header of
 /// exactly 38 words.
-void takeINTEHEAD(SaveStep& step, std::span<const std::int32_t> header);
+LUMBARN_API void takeINTEHEAD(SaveStep& step, std::span<const std::int32_t> header);
 /// Takes the time. Throws Fault 9 for an empty header.
-void takeDOUBHEAD(SaveStep& step, std::span<const double> header);
+LUMBARN_API void takeDOUBHEAD(SaveStep& step, std::span<const double> header);
 
 /// Reads the records of one step from the position of the cursor and leaves the cursor at the next step. A
 /// step ends behind SAVEHEAD, in front of the second DYNAMIC, at the end of the file and, in a file of one
 /// step, as soon as both its headers have been read. False for a record of unknown type with data and a
 /// header that is too short, which are reported, and when the load is canceled; throws BadRecord and Fault.
 /// What was read before is kept.
-bool readSaveStep(RecordCursor& cursor, SaveStep& step, Session& session);
+LUMBARN_API bool readSaveStep(RecordCursor& cursor, SaveStep& step, Session& session);
 
 }  // namespace lumbarn

@@ -10,13 +10,14 @@
 #include <vector>
 
 #include "../index/HeaderWords.h"
+#include "../support/Export.h"
 #include "RestartGrid.h"
 
 namespace lumbarn {
 
 /// What one report step of a restart file has: header words, and for the global grid and each local grid its
 /// solution arrays, wells and connections.
-struct StepData {
+struct LUMBARN_API StepData {
   std::string FileName;
   std::int32_t iSeqnum = -1;  ///< report step; before reading, the number in the name of the file
   std::int32_t iDay = -1;
@@ -53,8 +54,8 @@ struct StepData {
 };
 
 /// The words of the header records of the current grid. Those of the global grid are the step's, too.
-void takeINTEHEAD(StepData& step, const HeaderWords& words);
-void takeLOGIHEAD(StepData& step, std::span<const std::int16_t> words);
-void takeDOUBHEAD(StepData& step, std::span<const double> words);
+LUMBARN_API void takeINTEHEAD(StepData& step, const HeaderWords& words);
+LUMBARN_API void takeLOGIHEAD(StepData& step, std::span<const std::int16_t> words);
+LUMBARN_API void takeDOUBHEAD(StepData& step, std::span<const double> words);
 
 }  // namespace lumbarn

@@ -7,6 +7,7 @@
 
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "StepData.h"
 
@@ -28,18 +29,18 @@ struct VectorDetails {
 };
 
 /// Those of one grid.
-VectorDetails vectorDetails(const RESTARTGRID& grid);
-std::vector<std::string> vectorNames(const RESTARTGRID& grid);
+LUMBARN_API VectorDetails vectorDetails(const RESTARTGRID& grid);
+LUMBARN_API std::vector<std::string> vectorNames(const RESTARTGRID& grid);
 /// A row, from 1, of the fetch-on-demand table.
-std::vector<std::int32_t> rowOfFOD(const RESTARTGRID& grid, std::size_t iRow);
-std::vector<float> vectorMinima(const RESTARTGRID& grid);
-std::vector<float> vectorMaxima(const RESTARTGRID& grid);
-std::vector<double> vectorTimes(const RESTARTGRID& grid);
+LUMBARN_API std::vector<std::int32_t> rowOfFOD(const RESTARTGRID& grid, std::size_t iRow);
+LUMBARN_API std::vector<float> vectorMinima(const RESTARTGRID& grid);
+LUMBARN_API std::vector<float> vectorMaxima(const RESTARTGRID& grid);
+LUMBARN_API std::vector<double> vectorTimes(const RESTARTGRID& grid);
 
 /// Values of a grid that has arrays, nActive rows by arrays: a copy. Without values in memory a table of one
 /// row with -1 in the first column. Throws Fault 9 for arrays with fewer values than that.
-XYData vectorTable(const RESTARTGRID& grid, Session& session);
+LUMBARN_API XYData vectorTable(const RESTARTGRID& grid, Session& session);
 /// One 233-byte record for each array of the current grid.
-ByteTable vectorHeaders(const StepData& step);
+LUMBARN_API ByteTable vectorHeaders(const StepData& step);
 
 }  // namespace lumbarn

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "RestartGrid.h"
 
 namespace lumbarn {
@@ -20,9 +21,9 @@ namespace lumbarn {
 
 /// Well types, by IWEL word 7.
 enum class WellType : std::uint8_t { Unknown, Producer, OilInjector, WaterInjector, GasInjector };
-WellType wellTypeOf(std::int32_t iType);
+LUMBARN_API WellType wellTypeOf(std::int32_t iType);
 /// "producer", "oil injector", ...
-std::string_view nameOf(WellType type);
+LUMBARN_API std::string_view nameOf(WellType type);
 
 /// Numbers of a connection, from SCON; read with the extended well records only.
 struct ConnectionNumbers {
@@ -92,14 +93,14 @@ struct WellRecord {
 
 /// The wells of a grid, in the order of the file; none when its IWEL was not read. Throws Fault 9 for
 /// connections that are missing from their table.
-std::vector<WellRecord> wellRecords(const RESTARTGRID& grid);
+LUMBARN_API std::vector<WellRecord> wellRecords(const RESTARTGRID& grid);
 
 /// Words for the numbers of a record: "open" and "shut", "oil", "oil rate", "X". An unknown number
 /// is returned as digits: "7".
-std::string wellStatusText(std::int32_t iStatus);
-std::string connectionStatusText(std::int32_t iStatus);
-std::string phaseText(std::int32_t iPhase);
-std::string controlText(std::int32_t iControl);
-std::string directionText(std::int32_t iDirection);
+LUMBARN_API std::string wellStatusText(std::int32_t iStatus);
+LUMBARN_API std::string connectionStatusText(std::int32_t iStatus);
+LUMBARN_API std::string phaseText(std::int32_t iPhase);
+LUMBARN_API std::string controlText(std::int32_t iControl);
+LUMBARN_API std::string directionText(std::int32_t iDirection);
 
 }  // namespace lumbarn

@@ -8,6 +8,7 @@
 
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "SaveSet.h"
 
@@ -16,7 +17,7 @@ namespace lumbarn {
 /// The save files of one run, for a fast restart: one unified file, or a file for each report step. Tells
 /// which steps there are, with dates and times, and which simulator wrote them. Arrays are skipped, so a load
 /// takes a time that goes by the number of records, not by their bytes.
-class qvEclipseSAVE : public FormFlags, public SaveSet {
+class LUMBARN_API qvEclipseSAVE : public FormFlags, public SaveSet {
  public:
   explicit qvEclipseSAVE(Session& session = Session::process()) : session_(&session) {}
 

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "../record/RecordCursor.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "SaveStep.h"
 
@@ -11,7 +12,7 @@ namespace lumbarn {
 
 /// One report step of a save file: which one it is, its date and time, and the simulator that wrote it. No
 /// arrays are taken.
-class qvEclipseSAVESequence : public SaveStep {
+class LUMBARN_API qvEclipseSAVESequence : public SaveStep {
  public:
   explicit qvEclipseSAVESequence(Session& session = Session::process()) : session_(&session) {}
 

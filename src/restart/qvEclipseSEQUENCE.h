@@ -11,6 +11,7 @@
 #include "../record/RecordCursor.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "StepData.h"
 #include "StepOptions.h"
@@ -24,7 +25,7 @@ class MarkerTable;
 /// the global grid and for each local grid. Filled once by `getEclipseSEQUENCE` and read from then on. Fetch
 /// operations answer for the current grid, `iGrid`; they never throw, set qOK False on entry and True as the
 /// last act, and leave their outputs as they were when they fail.
-class qvEclipseSEQUENCE : public StepOptions, public StepData {
+class LUMBARN_API qvEclipseSEQUENCE : public StepOptions, public StepData {
  public:
   explicit qvEclipseSEQUENCE(Session& session = Session::process()) : session_(&session) {}
 

@@ -11,6 +11,7 @@
 #include "../shapes/ByteTable.h"
 #include "../shapes/SourceData.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "RestartSet.h"
 
@@ -27,7 +28,7 @@ using FileTypeSettings = std::array<bool, 5>;
 /// Operations never throw and set qOK False on entry. Damage gives qOK False; the steps that could be read
 /// stay and can be fetched. A step that is not complete, as a running simulation leaves it, is skipped and
 /// reported as a diagnosis, and is not an error.
-class qvEclipseSOLUTION : public FormFlags, public RestartSetOptions, public RestartSet {
+class LUMBARN_API qvEclipseSOLUTION : public FormFlags, public RestartSetOptions, public RestartSet {
  public:
   explicit qvEclipseSOLUTION(Session& session = Session::process())
       : FormFlags{.byteSwap = false}, session_(&session) {}

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "../frame/Column.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
@@ -27,6 +28,6 @@ struct Dense {
 
 /// Writes an array of cells as a keyword of a data deck, equal values in a row as `n*v`, 0 for cells that are
 /// not active. Throws Error BadRequest for an array of several components.
-void writeGrdecl(const Dense& array, std::string_view name, Sink& sink);
+LUMBARN_API void writeGrdecl(const Dense& array, std::string_view name, Sink& sink);
 
 }  // namespace lumbarn

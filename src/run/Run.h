@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "../frame/Stream.h"
+#include "../support/Export.h"
 #include "Dense.h"
 #include "Selections.h"
 
@@ -33,7 +34,7 @@ struct StepInfo {
 /// Throws Error: NotFound for what the run does not have, BadRequest for a question that contradicts itself,
 /// Damaged when nothing can be read, Cancelled after a stop. A stream ends with the Error of whatever damage
 /// it meets, behind the last good row.
-class Run {
+class LUMBARN_API Run {
  public:
   /// Opens the run that a path means: any file of it, its root name, or a folder that contains one run. Looks
   /// at names only. Throws Error NotFound if there is none, BadRequest with `candidates` if the path can mean

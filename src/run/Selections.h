@@ -10,6 +10,7 @@
 
 #include "../frame/Column.h"
 #include "../frame/Transforms.h"
+#include "../support/Export.h"
 #include "../welltests/TestPart.h"
 
 namespace lumbarn {
@@ -27,7 +28,7 @@ struct StepRange {
 };
 
 /// Which rows or steps are wanted. Rows are selected, never made. A row must pass all members that are set.
-struct TimeSelection {
+struct LUMBARN_API TimeSelection {
   std::vector<StepRange> steps{};     ///< empty: all
   bool last = false;                  ///< the last one only
   std::optional<LocalMoment> from{};  ///< both ends included
@@ -42,7 +43,7 @@ struct TimeSelection {
 
 /// A date as "2001-08-01" or "2001-08-01T06:30:00". A date without a time is midnight, or with `endOfDay` the
 /// last microsecond of the day. Throws Error BadRequest.
-LocalMoment parseMoment(std::string_view text, bool endOfDay = false);
+LUMBARN_API LocalMoment parseMoment(std::string_view text, bool endOfDay = false);
 
 /// Corners of the active cells of a grid.
 struct CornerSelection {
@@ -92,7 +93,7 @@ struct RecordSelection {
 };
 
 /// A cell or a box as "12,8,4" or "1:16,8,1:5". Throws Error BadRequest.
-CellBox parseCells(std::string_view text);
+LUMBARN_API CellBox parseCells(std::string_view text);
 
 /// Cells by the numbers of an array of regions, which is taken from the INIT file, or from the restart files
 /// if only these have it.

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "ByteTable.h"
 
 namespace lumbarn {
@@ -17,7 +18,7 @@ namespace lumbarn {
 /// A string table that hands out string numbers, from 1. Equal strings get equal numbers. Items are kept
 /// without blanks on either side and characters 0 at the end, cut at the store's item width; the use count of
 /// an item is the number of times it was added. Only memory running out makes an operation throw.
-class AttributeStore {
+class LUMBARN_API AttributeStore {
  public:
   AttributeStore() = default;
   /// For items of up to that many bytes.
@@ -98,15 +99,16 @@ struct AttributeSizes {
   std::int32_t nWidth = -1;
   std::int32_t nGrow = -1;
 };
-AttributeSizes defaultAttributeSizes(std::int32_t iAttribute);
+LUMBARN_API AttributeSizes defaultAttributeSizes(std::int32_t iAttribute);
 /// Calling form of the same; nBytes is nItems * nWidth, nGrowth and nStep the items of one growth step. An
 /// unknown attribute gives -1 for all numbers.
-void getDefaultSttributeSizes(std::int32_t iAttribute, std::int32_t& nBytes, std::int32_t& nGrowth,
-                              std::int32_t& nItems, std::int32_t& nWidth, std::int32_t& nStep, bool& qOK);
+LUMBARN_API void getDefaultSttributeSizes(std::int32_t iAttribute, std::int32_t& nBytes,
+                                          std::int32_t& nGrowth, std::int32_t& nItems, std::int32_t& nWidth,
+                                          std::int32_t& nStep, bool& qOK);
 
 /// `xStore`: one store for each of the attributes 2, 4 to 12 and 14. Has none until `InitByteStorage`. Copies
 /// are deep.
-class AttributeStores {
+class LUMBARN_API AttributeStores {
  public:
   /// The store of an attribute, 1 to 14. Throws Fault 9 for a number outside or one that has no store.
   AttributeStore& operator()(std::int32_t iAttribute);
@@ -120,6 +122,6 @@ class AttributeStores {
 };
 
 /// Calling form of `reset`. qKeep has no effect: each store is released before it is made new.
-void InitByteStorage(bool qKeep, AttributeStores& xStore, bool& qOK);
+LUMBARN_API void InitByteStorage(bool qKeep, AttributeStores& xStore, bool& qOK);
 
 }  // namespace lumbarn

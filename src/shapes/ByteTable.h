@@ -5,14 +5,16 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// Text of a fixed-width field: cut at the first character 0, blanks (and only those) trimmed on both sides.
-std::string_view fieldText(std::string_view bytes);
+LUMBARN_API std::string_view fieldText(std::string_view bytes);
 
 /// Two-dimensional array of bytes, `table(iByte, iEntry)`, both from 1; the bytes of one entry lie next to
 /// each other. The shape of `bHeaders` (233 bytes an entry), `bOnly` (56) and `bPointers` (24).
-class ByteTable {
+class LUMBARN_API ByteTable {
  public:
   ByteTable() = default;
   /// Throws Fault 7 for a size that no memory has.

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "ByteTable.h"
 #include "EclipseInfo.h"
@@ -30,9 +31,9 @@ struct SelectionState {
 };
 
 /// `bOnly` with nothing in it: one row of blanks.
-ByteTable emptyOnlyList();
+LUMBARN_API ByteTable emptyOnlyList();
 /// True when bytes 1..16 of entry 1 are blank, or an entry has fewer than 16 bytes, or there is none.
-bool isEmptyOnlyList(const ByteTable& bOnly);
+LUMBARN_API bool isEmptyOnlyList(const ByteTable& bOnly);
 
 /// The lists of a selection by data kind iType: 13 summary (class word, member or "ALL"), 11 restart and 15
 /// INIT (vector name). Other kinds have no entries.
@@ -45,47 +46,49 @@ struct ChosenList {
   ByteTable bOnly;
   bool qOnly = true;
 };
-ChosenList makeOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo);
+LUMBARN_API ChosenList makeOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo);
 /// Calling form of the same.
-void CreateOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOnly, bool& qOK);
+LUMBARN_API void CreateOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOnly,
+                                bool& qOK);
 /// Number of entries that the positive or the negative list needs.
-std::int32_t ActualInOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo);
-std::int32_t ActualInExceptList(std::int32_t iType, ECLIPSEINFO& xInfo);
+LUMBARN_API std::int32_t ActualInOnlyList(std::int32_t iType, ECLIPSEINFO& xInfo);
+LUMBARN_API std::int32_t ActualInExceptList(std::int32_t iType, ECLIPSEINFO& xInfo);
 /// Write the entries from the first row on; rows beyond stay as they were. qOK False when rows have fewer
 /// than 56 bytes (nothing is written) or there are too few rows (what was written stays).
-void OnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOK);
-void ExceptList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOK);
+LUMBARN_API void OnlyList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOK);
+LUMBARN_API void ExceptList(std::int32_t iType, ECLIPSEINFO& xInfo, ByteTable& bOnly, bool& qOK);
 
 /// The selection of a list for a file's vectors: a new record, filled with their classes, then
 /// `applyOnlyList`.
-bool selectByOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                      const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo);
+LUMBARN_API bool selectByOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                                  const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo);
 /// Applies a summary list to a filled record; an empty list leaves it as it is. A member text stands for each
 /// member of that name and, as a pattern of `matchesPattern`, for each that it matches, without regard to
 /// case; "ALL" and "*" for the whole class. As entries hold 40 characters of a member, longer names are
 /// compared by these. Entries without a class word or without a member text are ignored. Throws Fault 9 for a
 /// class word that is none of the 12; the entries before it are applied. False, with nothing changed, when
 /// entries have 16 to 55 bytes.
-bool applyOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                   const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo);
+LUMBARN_API bool applyOnlyList(const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
+                               const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo);
 /// Calling forms of the same.
-void setECLIPSEINFOFromOnly(Session& session, const AttributeStores& xStore,
-                            std::span<const VECTORDATA> xVectors, const ByteTable& bOnly, bool qOnly,
-                            ECLIPSEINFO& xInfo, bool& qOK);
-void ExpandOnlyList(Session& session, const AttributeStores& xStore, std::span<const VECTORDATA> xVectors,
-                    const ByteTable& bOnly, bool qOnly, ECLIPSEINFO& xInfo, bool& qOK);
+LUMBARN_API void setECLIPSEINFOFromOnly(Session& session, const AttributeStores& xStore,
+                                        std::span<const VECTORDATA> xVectors, const ByteTable& bOnly,
+                                        bool qOnly, ECLIPSEINFO& xInfo, bool& qOK);
+LUMBARN_API void ExpandOnlyList(Session& session, const AttributeStores& xStore,
+                                std::span<const VECTORDATA> xVectors, const ByteTable& bOnly, bool qOnly,
+                                ECLIPSEINFO& xInfo, bool& qOK);
 /// True when some entry names a member other than "ALL"; False for entries of fewer than 56 bytes.
-bool checkMembersInOnly(const ByteTable& bOnly);
+LUMBARN_API bool checkMembersInOnly(const ByteTable& bOnly);
 /// With any of "SOIL", "SGAS" and "SWAT" chosen among the solution vectors, chooses all three (the first
 /// vector of each name), so that a derived one finds its sources. True in all cases.
-bool CheckDerivedSaturations(ECLIPSEINFO& xInfo);
+LUMBARN_API bool CheckDerivedSaturations(ECLIPSEINFO& xInfo);
 
-void setEclipseONLYList(Session& session, std::span<const std::string> zOnly, bool qOnly);
+LUMBARN_API void setEclipseONLYList(Session& session, std::span<const std::string> zOnly, bool qOnly);
 /// The list as it was set, whatever has become of its count.
-void getEclipseONLYList(Session& session, std::vector<std::string>& zOnly, bool& qOnly);
+LUMBARN_API void getEclipseONLYList(Session& session, std::vector<std::string>& zOnly, bool& qOnly);
 /// Whether a vector with that name is to be loaded; True for all when the list is empty. Looks at the first
 /// nOnly items only. Blanks around names do not count; a list of blank items only is empty.
-bool checkEclipseONLYList(Session& session, std::string_view zName);
+LUMBARN_API bool checkEclipseONLYList(Session& session, std::string_view zName);
 
 /// What one item of the text list is made of.
 struct OnlyItem {
@@ -99,6 +102,6 @@ struct OnlyItem {
 /// The text of an item, as it stands in `zOnly`: "COPR CELL 1 2 3 P1", "RPR REGN 2", ... Parts that are empty
 /// are left out. Classes without a form of their own give the name, the member and the index; within an LGR,
 /// those other than blocks and completions have the form of a well.
-std::string AddToOnlyList(const OnlyItem& item);
+LUMBARN_API std::string AddToOnlyList(const OnlyItem& item);
 
 }  // namespace lumbarn

@@ -5,13 +5,15 @@
 #include <variant>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// One slot of source information. Integers of 16 and 32 bits are told apart, as hosts do.
 using Variant = std::variant<std::monostate, std::int16_t, std::int32_t, bool, double, std::string>;
 
 /// A table of variants that counts from 1: `vSourceData` (66 slots) and the smaller table for VFP data (11).
-class VariantTable {
+class LUMBARN_API VariantTable {
  public:
   VariantTable() = default;
   explicit VariantTable(std::size_t slots) : slots_(slots) {}
@@ -26,11 +28,11 @@ class VariantTable {
 using SourceData = VariantTable;
 
 /// 66 slots with the default of each.
-SourceData defaultSourceData();
+LUMBARN_API SourceData defaultSourceData();
 /// 11 slots for VFP data.
-VariantTable defaultVTableData();
+LUMBARN_API VariantTable defaultVTableData();
 /// Calling forms of the same.
-void InitSourceData(SourceData& vSourceData, bool& qOK);
-void InitVTableData(VariantTable& vTableData, bool& qOK);
+LUMBARN_API void InitSourceData(SourceData& vSourceData, bool& qOK);
+LUMBARN_API void InitVTableData(VariantTable& vTableData, bool& qOK);
 
 }  // namespace lumbarn

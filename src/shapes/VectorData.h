@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "../support/Export.h"
 #include "AttributeStore.h"
 #include "ByteTable.h"
 
@@ -33,29 +34,30 @@ struct VECTORDATA {
 constexpr std::size_t vectorDataBytes = 24;  ///< of one header as hosts take it
 
 /// Calling forms of making new ones.
-void InitVECTORDATA(VECTORDATA& xVector, bool& qOK);
-void InitVECTORDATAArray(std::vector<VECTORDATA>& xVectors, bool& qOK);
+LUMBARN_API void InitVECTORDATA(VECTORDATA& xVector, bool& qOK);
+LUMBARN_API void InitVECTORDATAArray(std::vector<VECTORDATA>& xVectors, bool& qOK);
 /// Resizes, to one entry for a size below 1; with qKeep the old entries stay and only new ones are
 /// initialised.
-void redimVECTORDATAArray(std::int32_t nVectors, bool qKeep, std::vector<VECTORDATA>& xVectors, bool& qOK);
+LUMBARN_API void redimVECTORDATAArray(std::int32_t nVectors, bool qKeep, std::vector<VECTORDATA>& xVectors,
+                                      bool& qOK);
 
 /// The string number of an attribute, and setting it. Throws Fault 9 for an attribute that has no word.
-std::int32_t pointer(const VECTORDATA& xVector, std::int32_t iAttribute);
-void setPointer(VECTORDATA& xVector, std::int32_t iAttribute, std::int32_t iPointer);
+LUMBARN_API std::int32_t pointer(const VECTORDATA& xVector, std::int32_t iAttribute);
+LUMBARN_API void setPointer(VECTORDATA& xVector, std::int32_t iAttribute, std::int32_t iPointer);
 
 /// The same for the first vectors, one number each, as a store's `StoreAddBlock` gives them. Throws Fault 9
 /// for more numbers than vectors too.
-void setPointers(std::span<VECTORDATA> xVectors, std::int32_t iAttribute,
-                 std::span<const std::int32_t> iPointers);
+LUMBARN_API void setPointers(std::span<VECTORDATA> xVectors, std::int32_t iAttribute,
+                             std::span<const std::int32_t> iPointers);
 
 /// `bPointers(1..24, 1..N)` in the machine's byte order: ten 16-bit words and the 32-bit index, in the order
 /// of the fields. Nothing when a number does not fit its word.
-std::optional<ByteTable> packVectors(std::span<const VECTORDATA> xVectors);
+LUMBARN_API std::optional<ByteTable> packVectors(std::span<const VECTORDATA> xVectors);
 /// Reads them back. Nothing when an entry does not have 24 bytes. Numbers are not checked: one that its store
 /// does not have reads as an empty text.
-std::optional<std::vector<VECTORDATA>> unpackVectors(const ByteTable& bPointers);
+LUMBARN_API std::optional<std::vector<VECTORDATA>> unpackVectors(const ByteTable& bPointers);
 /// Calling forms of the same. When qOK is False the results are as they were.
-void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK);
-void setVECTORDATA(const ByteTable& bPointers, std::vector<VECTORDATA>& xVectors, bool& qOK);
+LUMBARN_API void getVECTORDATA(std::span<const VECTORDATA> xVectors, ByteTable& bPointers, bool& qOK);
+LUMBARN_API void setVECTORDATA(const ByteTable& bPointers, std::vector<VECTORDATA>& xVectors, bool& qOK);
 
 }  // namespace lumbarn

@@ -4,13 +4,14 @@
 #include <memory>
 #include <span>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
 
 /// Two-dimensional array of singles, one contiguous column-major block: the rows of one vector lie next to
 /// each other. Rows and vectors count from 1. Move-only, as it can be large; `clone` copies.
-class XYData {
+class LUMBARN_API XYData {
  public:
   XYData() = default;
   XYData(XYData&& other) noexcept;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
@@ -30,7 +31,7 @@ struct ChainPart {
 /// ones, and a column has the values of every run that has the vector. The plan does not contain values, so
 /// it can be made before any are read. Runs are numbered from 0, newest first; columns count from 1, rows
 /// from 0.
-class ChainPlan {
+class LUMBARN_API ChainPlan {
  public:
   /// Starts with all rows and columns of the newest run.
   void addNewest(std::size_t rows, std::size_t columns);
@@ -60,7 +61,7 @@ class ChainPlan {
 /// Rows of an earlier run that are used: those up to the first one that is not before the table, as later
 /// ones were computed anew. `scale` makes times of the table of `times`; without a first time all rows are
 /// used.
-std::size_t rowsBefore(std::span<const float> times, const ChainSource& scale,
-                       std::optional<float> firstTime);
+LUMBARN_API std::size_t rowsBefore(std::span<const float> times, const ChainSource& scale,
+                                   std::optional<float> firstTime);
 
 }  // namespace lumbarn

@@ -6,12 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "HorizontalProfiles.h"
 
 namespace lumbarn {
 
 /// The profiles that are kept after a load.
-class HorizontalData {
+class LUMBARN_API HorizontalData {
  public:
   explicit HorizontalData(Session& session = Session::process()) : session_(&session) {}
 
@@ -40,23 +41,26 @@ class HorizontalData {
 };
 
 /// Calling forms of the functions in HorizontalProfiles.h. Of sLengths only the first mnemonic's stay.
-void ExtractDifferentVectors(Session& session, const ByteTable& bHeaders, std::vector<float>& sLengths,
-                             std::vector<std::string>& zVectors, std::vector<std::int32_t>& iVectorStart,
-                             std::int32_t& nVectors, bool& qOK);
-void GetTimeStepsUsed(Session& session, std::span<const std::int32_t> iReportSteps, bool qMiniSteps,
-                      std::vector<std::int32_t>& iSteps, std::int32_t& nSteps, bool& qOK);
-void StoreHorizontalDataArray(Session& session, const HorizontalSource& source,
-                              const HorizontalLayout& layout, bool qInflow, bool qMiniSteps,
-                              HorizontalTable& table, bool& qOK);
-void SetHorizLengthData(Session& session, const HorizontalLayout& layout, bool qInflow, XYData& sOut,
-                        bool& qOK);
-void SetHorizData(Session& session, const HorizontalLayout& layout, const XYData& sData, bool qInflow,
-                  XYData& sOut, bool& qOK);
-void SetHorizDataHeaders(Session& session, const HorizontalLayout& layout, const HorizontalSource& source,
-                         bool qInflow, bool qMiniSteps, ByteTable& bOut, bool& qOK);
-void GetDateStamp(Session& session, std::string_view zStartDate, double unitsPerDay, float sTime,
-                  std::string& zDate, bool& qOK);
-void GetDateStamp(Session& session, Moment start, double unitsPerDay, float sTime, std::string& zDate,
-                  bool& qOK);
+LUMBARN_API void ExtractDifferentVectors(Session& session, const ByteTable& bHeaders,
+                                         std::vector<float>& sLengths, std::vector<std::string>& zVectors,
+                                         std::vector<std::int32_t>& iVectorStart, std::int32_t& nVectors,
+                                         bool& qOK);
+LUMBARN_API void GetTimeStepsUsed(Session& session, std::span<const std::int32_t> iReportSteps,
+                                  bool qMiniSteps, std::vector<std::int32_t>& iSteps, std::int32_t& nSteps,
+                                  bool& qOK);
+LUMBARN_API void StoreHorizontalDataArray(Session& session, const HorizontalSource& source,
+                                          const HorizontalLayout& layout, bool qInflow, bool qMiniSteps,
+                                          HorizontalTable& table, bool& qOK);
+LUMBARN_API void SetHorizLengthData(Session& session, const HorizontalLayout& layout, bool qInflow,
+                                    XYData& sOut, bool& qOK);
+LUMBARN_API void SetHorizData(Session& session, const HorizontalLayout& layout, const XYData& sData,
+                              bool qInflow, XYData& sOut, bool& qOK);
+LUMBARN_API void SetHorizDataHeaders(Session& session, const HorizontalLayout& layout,
+                                     const HorizontalSource& source, bool qInflow, bool qMiniSteps,
+                                     ByteTable& bOut, bool& qOK);
+LUMBARN_API void GetDateStamp(Session& session, std::string_view zStartDate, double unitsPerDay, float sTime,
+                              std::string& zDate, bool& qOK);
+LUMBARN_API void GetDateStamp(Session& session, Moment start, double unitsPerDay, float sTime,
+                              std::string& zDate, bool& qOK);
 
 }  // namespace lumbarn

@@ -10,6 +10,7 @@
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
 #include "../support/Dates.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
@@ -45,31 +46,34 @@ struct HorizontalLayout {
 /// The different mnemonics, where each begins, and the lengths of the first one, as all others are taken to
 /// have the same connections. Only the last mnemonic is compared, so one that comes back after another counts
 /// anew: deliberate. Nothing when there is not one length per header, or no header.
-std::optional<HorizontalLayout> differentVectors(const ByteTable& bHeaders, std::span<const float> sLengths);
+LUMBARN_API std::optional<HorizontalLayout> differentVectors(const ByteTable& bHeaders,
+                                                             std::span<const float> sLengths);
 /// The rows that are used: all of them, or without qMiniSteps the last of each run of equal report steps.
-std::vector<std::int32_t> stepsUsed(std::span<const std::int32_t> iReportSteps, bool qMiniSteps);
+LUMBARN_API std::vector<std::int32_t> stepsUsed(std::span<const std::int32_t> iReportSteps, bool qMiniSteps);
 /// The whole layout. Nothing, without a report, where not all mnemonics have as many connections as the first
 /// either.
-std::optional<HorizontalLayout> layoutOf(const HorizontalSource& source, bool qMiniSteps);
+LUMBARN_API std::optional<HorizontalLayout> layoutOf(const HorizontalSource& source, bool qMiniSteps);
 
 /// Builds one table. Throws LoadCanceled too, as its parts do.
-HorizontalTable makeProfiles(Session& session, const HorizontalSource& source, const HorizontalLayout& layout,
-                             bool qInflow, bool qMiniSteps);
+LUMBARN_API HorizontalTable makeProfiles(Session& session, const HorizontalSource& source,
+                                         const HorizontalLayout& layout, bool qInflow, bool qMiniSteps);
 /// The parts of it: row 1, all other rows, all headers.
-void fillLengths(const HorizontalLayout& layout, bool qInflow, XYData& sOut);
-void fillProfiles(Session& session, const HorizontalLayout& layout, const XYData& sData, bool qInflow,
-                  XYData& sOut);
-void fillProfileHeaders(Session& session, const HorizontalLayout& layout, const HorizontalSource& source,
-                        bool qInflow, bool qMiniSteps, ByteTable& bOut);
+LUMBARN_API void fillLengths(const HorizontalLayout& layout, bool qInflow, XYData& sOut);
+LUMBARN_API void fillProfiles(Session& session, const HorizontalLayout& layout, const XYData& sData,
+                              bool qInflow, XYData& sOut);
+LUMBARN_API void fillProfileHeaders(Session& session, const HorizontalLayout& layout,
+                                    const HorizontalSource& source, bool qInflow, bool qMiniSteps,
+                                    ByteTable& bOut);
 /// One step of a table, from 0: sData(iColumn, iRow) with the lengths in row 1 and one row per mnemonic, and
 /// a header for each.
-HorizontalTable profilesOfStep(const HorizontalTable& table, std::size_t vectors, std::size_t step,
-                               const Session& session);
+LUMBARN_API HorizontalTable profilesOfStep(const HorizontalTable& table, std::size_t vectors,
+                                           std::size_t step, const Session& session);
 
 /// The date, "15 JUL 2003", of a time since a start given as "day month year", in a unit of which
 /// `unitsPerDay` make a day. Nothing for a text that is no date, or a time beyond all dates.
-std::optional<std::string> dateStamp(std::string_view zStartDate, double unitsPerDay, float sTime);
+LUMBARN_API std::optional<std::string> dateStamp(std::string_view zStartDate, double unitsPerDay,
+                                                 float sTime);
 /// The same from a start with its time of day.
-std::optional<std::string> dateStamp(Moment start, double unitsPerDay, float sTime);
+LUMBARN_API std::optional<std::string> dateStamp(Moment start, double unitsPerDay, float sTime);
 
 }  // namespace lumbarn

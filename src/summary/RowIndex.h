@@ -9,6 +9,7 @@
 #include "../files/FileSets.h"
 #include "../record/RecordCursor.h"
 #include "../record/cFILETYPE.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "../support/System.h"
 
@@ -54,11 +55,12 @@ struct RowIndex {
 /// file, or after the last wanted step. A damaged file contributes the rows before the damage, and of a set
 /// of step files the next one follows. Of several generations of step files in one folder the rows end where
 /// TIME decreases. All of this is reported as Diagnoses.
-RowIndex indexRows(const RowIndexRequest& request, Session& session);
+LUMBARN_API RowIndex indexRows(const RowIndexRequest& request, Session& session);
 
 /// A cursor on one file of a set, in the form of its first header if that is sound, and the state of the
 /// file. Null with a Diagnosis when the file cannot be opened. `sparse`: few of its bytes will be read.
-std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const Form& form, Session& session,
-                                              std::optional<FileStamp>& stamp, bool sparse);
+LUMBARN_API std::unique_ptr<RecordCursor> openSummaryData(const std::string& path, const Form& form,
+                                                          Session& session, std::optional<FileStamp>& stamp,
+                                                          bool sparse);
 
 }  // namespace lumbarn

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../support/Dates.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "ChainPlan.h"
 #include "SummaryVector.h"
@@ -26,7 +27,7 @@ struct ChainRun {
 
 /// Combines the runs of a restart chain, added newest first, into one table: matches vectors by their full
 /// names, shifts times to the start of the newest run, converts units of time, and reports what does not fit.
-class SummaryChain {
+class LUMBARN_API SummaryChain {
  public:
   explicit SummaryChain(Session& session) : session_(session) {}
 

@@ -13,6 +13,7 @@
 #include "../shapes/ByteTable.h"
 #include "../shapes/VectorData.h"
 #include "../support/Dates.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
@@ -21,7 +22,7 @@ namespace lumbarn {
 ///
 /// Numbers of vectors and columns count from 1; the arrays are ordinary ones from 0. "Dummy" is a well,
 /// group, segment or node vector that the simulator reserved for an owner that does not exist.
-struct SummarySpec : FormFlags {
+struct LUMBARN_API SummarySpec : FormFlags {
   // What to read and how.
   std::string zFileName;
   bool Unified = false;    ///< passed through for the owner

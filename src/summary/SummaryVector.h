@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "../shapes/ByteTable.h"
+#include "../support/Export.h"
 #include "SummarySpec.h"
 
 namespace lumbarn {
@@ -35,13 +36,14 @@ struct SummaryVector {
 };
 
 /// The vectors that the specification's mask keeps, in order; these are the columns of its data.
-std::vector<SummaryVector> summaryVectors(const SummarySpec& spec);
+LUMBARN_API std::vector<SummaryVector> summaryVectors(const SummarySpec& spec);
 /// Those of them whose element of `chosen` is true; it has one for each vector that the mask keeps.
-std::vector<SummaryVector> summaryVectors(const SummarySpec& spec, const std::vector<bool>& chosen);
+LUMBARN_API std::vector<SummaryVector> summaryVectors(const SummarySpec& spec,
+                                                      const std::vector<bool>& chosen);
 /// Their full names alone; an empty text for a vector whose mnemonic is not wanted.
-std::vector<std::string> summaryNames(const SummarySpec& spec,
-                                      const std::function<bool(std::string_view mnemonic)>& wanted);
+LUMBARN_API std::vector<std::string> summaryNames(
+    const SummarySpec& spec, const std::function<bool(std::string_view mnemonic)>& wanted);
 /// The vectors of a header array, merged ones too.
-std::vector<SummaryVector> summaryVectors(const ByteTable& bHeaders);
+LUMBARN_API std::vector<SummaryVector> summaryVectors(const ByteTable& bHeaders);
 
 }  // namespace lumbarn

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "SummarySpec.h"
 
@@ -14,7 +15,7 @@ namespace lumbarn {
 
 /// A specification file of a summary as hosts know it: reads the file into the members that it has from
 /// `SummarySpec`, and hands headers out.
-class qvEclipseSPEC : public SummarySpec {
+class LUMBARN_API qvEclipseSPEC : public SummarySpec {
  public:
   explicit qvEclipseSPEC(Session& session = Session::process()) : session_(&session) {}
   qvEclipseSPEC(SummarySpec spec, Session& session) : SummarySpec(std::move(spec)), session_(&session) {}

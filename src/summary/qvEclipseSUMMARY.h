@@ -8,6 +8,7 @@
 #include "../record/FormFlags.h"
 #include "../record/cFILETYPE.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "RowIndex.h"
 
@@ -17,7 +18,7 @@ class ScratchFile;
 
 /// The data files of one run: finds its rows, reads the wanted columns of them straight into the table that
 /// is handed out. Set the members, call `getEclipseSummaryFile`, then fetch.
-class qvEclipseSUMMARY : public FormFlags {
+class LUMBARN_API qvEclipseSUMMARY : public FormFlags {
  public:
   explicit qvEclipseSUMMARY(Session& session = Session::process()) : session_(&session) {}
 
@@ -91,10 +92,10 @@ class qvEclipseSUMMARY : public FormFlags {
 /// What `iSteps` holds after rows were added one by one to a store that starts with a capacity and grows by
 /// 100: the steps are made new at each growth without keeping what they held, so earlier rows read 0. Hosts
 /// rely on it.
-std::vector<std::int32_t> stepsAfterGrowth(std::span<const RowPlace> rows, std::int64_t capacity);
+LUMBARN_API std::vector<std::int32_t> stepsAfterGrowth(std::span<const RowPlace> rows, std::int64_t capacity);
 
 /// Rows for which a store is sized at its first row: the size of the files over that of a row of wanted
 /// values.
-std::int64_t estimatedRows(std::uint64_t bytes, std::int64_t nFiles, std::int64_t nVectors);
+LUMBARN_API std::int64_t estimatedRows(std::uint64_t bytes, std::int64_t nFiles, std::int64_t nVectors);
 
 }  // namespace lumbarn

@@ -13,6 +13,7 @@
 #include "../shapes/SourceData.h"
 #include "../shapes/XYData.h"
 #include "../support/Dates.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "HorizontalData.h"
 #include "SummaryChain.h"
@@ -31,7 +32,7 @@ struct SummaryRow {
 };
 
 /// The rows of a run, of that number in the chain.
-std::vector<SummaryRow> summaryRows(const qvEclipseSUMMARY& summary, std::int32_t iRun);
+LUMBARN_API std::vector<SummaryRow> summaryRows(const qvEclipseSUMMARY& summary, std::int32_t iRun);
 
 /// Connection vectors of a run or a chain, with their values and lengths.
 struct ConnectionData {
@@ -44,7 +45,7 @@ struct ConnectionData {
 /// A restart chain of summaries: reads the run that is named, and unless `NoRestart` stands those it
 /// restarted from, and merges them into one table. Runs are kept newest first until they are fetched, which
 /// can be done once.
-class qvEclipseSUMMARYFile : public FormFlags {
+class LUMBARN_API qvEclipseSUMMARYFile : public FormFlags {
  public:
   explicit qvEclipseSUMMARYFile(Session& session = Session::process())
       : session_(&session), horizontal_(session) {}

@@ -4,6 +4,8 @@
 
 namespace lumbarn {
 
+BadRecord::~BadRecord() = default;
+
 std::string Diagnosis::text() const {
   std::string place = keyword;
   const auto add = [&place](const std::string& item, const char* separator) {

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "Export.h"
 #include "Messages.h"
 
 namespace lumbarn {
@@ -18,7 +19,7 @@ enum class Certainty {
 
 /// Why something was not read as asked, as data. The inner layer states the fact (offset, expected, found),
 /// each outer layer adds its coordinate once (keyword and occurrence, path, what was done).
-struct Diagnosis {
+struct LUMBARN_API Diagnosis {
   NamedMessage message;  ///< the row of the table in Messages.h: identifier and severity
   std::string path;      ///< the file
   std::string problem;   ///< what is wrong, in a few words: "record truncated"; the row's text if empty
@@ -43,10 +44,11 @@ struct Diagnosis {
 
 /// Thrown by the record layer when a file cannot be read on; carries the fact for whoever catches it.
 /// what() is only the problem; diagnosis().text() is the complete message.
-class BadRecord : public std::runtime_error {
+class LUMBARN_API BadRecord : public std::runtime_error {
  public:
   explicit BadRecord(Diagnosis diagnosis)
       : std::runtime_error(std::string(diagnosis.what())), diagnosis_(std::move(diagnosis)) {}
+  ~BadRecord() override;
   const Diagnosis& diagnosis() const { return diagnosis_; }
   Diagnosis& diagnosis() { return diagnosis_; }
 

@@ -2,6 +2,8 @@
 
 namespace lumbarn {
 
+Fault::~Fault() = default;
+
 const char* faultText(FaultNumber number) {
   switch (number) {
     case FaultNumber::InvalidCall:

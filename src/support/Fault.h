@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "Export.h"
+
 namespace lumbarn {
 
 /// Numbers of the run-time faults that this system knows, as hosts see them in fault reports.
@@ -18,13 +20,14 @@ enum class FaultNumber : int {
 };
 
 /// The text that goes with a fault number; "Unknown fault" for numbers that are none of the above.
-const char* faultText(FaultNumber number);
+LUMBARN_API const char* faultText(FaultNumber number);
 
 /// A run-time fault. It ends the routine that it passes through; `guarded` turns it into the one report text.
-class Fault : public std::runtime_error {
+class LUMBARN_API Fault : public std::runtime_error {
  public:
   explicit Fault(FaultNumber number) : std::runtime_error(faultText(number)), number_(number) {}
   Fault(FaultNumber number, const std::string& text) : std::runtime_error(text), number_(number) {}
+  ~Fault() override;
   FaultNumber number() const { return number_; }
 
  private:

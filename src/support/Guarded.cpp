@@ -18,6 +18,8 @@ void report(Session& session, const char* text, FaultNumber number, const char* 
 
 }  // namespace
 
+PlacedFault::~PlacedFault() = default;
+
 void throwPlaced(const char* className, const char* routine) {
   const auto placed = [&](const Fault& fault) { return PlacedFault(fault, className, routine); };
   try {

@@ -5,6 +5,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "Export.h"
 #include "Fault.h"
 #include "Session.h"
 
@@ -13,7 +14,8 @@ namespace lumbarn {
 /// Reports the exception in flight in the one form "Error:" text " (No." number ") In [Class (Code)
 /// (Routine)] "; damage met by the record layer goes to the diagnoses instead, as it is no fault of the
 /// program.
-void reportCurrentException(Session& session, const char* className, const char* routine) noexcept;
+LUMBARN_API void reportCurrentException(Session& session, const char* className,
+                                        const char* routine) noexcept;
 
 /// Runs the body of an operation that can fail: qOK is False on entry and takes the body's answer as the last
 /// act; a body without an answer succeeds by returning. Nothing is thrown beyond this point.
@@ -33,10 +35,11 @@ void guarded(Session& session, bool& qOK, const char* className, const char* rou
 }
 
 /// A fault that is to be reported under the name of the routine in which it occurred.
-class PlacedFault : public Fault {
+class LUMBARN_API PlacedFault : public Fault {
  public:
   PlacedFault(const Fault& fault, const char* className, const char* routine)
       : Fault(fault), className_(className), routine_(routine) {}
+  ~PlacedFault() override;
   const char* className() const { return className_; }
   const char* routine() const { return routine_; }
 
@@ -46,7 +49,7 @@ class PlacedFault : public Fault {
 };
 
 /// Throws the exception in flight on, as a PlacedFault unless it is one or reports itself in another way.
-[[noreturn]] void throwPlaced(const char* className, const char* routine);
+[[noreturn]] LUMBARN_API void throwPlaced(const char* className, const char* routine);
 
 /// Runs the body of a routine with a name of its own inside an operation: hosts know faults in it by that
 /// name, not by that of the operation.

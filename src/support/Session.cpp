@@ -4,6 +4,10 @@
 
 namespace lumbarn {
 
+Progress::~Progress() = default;
+
+const char* LoadCanceled::what() const noexcept { return "canceled"; }
+
 Session& Session::process() {
   static Session session;
   return session;

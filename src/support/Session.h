@@ -12,15 +12,16 @@
 #include <unordered_map>
 
 #include "Diagnosis.h"
+#include "Export.h"
 
 namespace lumbarn {
 
 class ByteSource;
 
 /// The host's progress display, handed in through `Container`. All calls come on the loading thread.
-class Progress {
+class LUMBARN_API Progress {
  public:
-  virtual ~Progress() = default;
+  virtual ~Progress();
   /// A set of `count` files will be read; `fileDone` is called after each.
   virtual void files(int count) { (void)count; }
   virtual void fileDone() {}
@@ -29,14 +30,14 @@ class Progress {
 };
 
 /// Thrown by a long loop of the record layer when the load is canceled; `guarded` ends the operation quietly.
-struct LoadCanceled : std::exception {
-  const char* what() const noexcept override { return "canceled"; }
+struct LUMBARN_API LoadCanceled : std::exception {
+  const char* what() const noexcept override;
 };
 
 /// All state that outlives a routine: what the system calls process-wide or module-wide. `process()` is the
 /// session that reader objects use unless they are given another. Two sessions share nothing mutable, so a
 /// host may load in parallel with one session per thread; one session serves one load at a time.
-class Session {
+class LUMBARN_API Session {
  public:
   using Clock = std::chrono::system_clock;
 

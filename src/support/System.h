@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+#include "Export.h"
+
 namespace lumbarn {
 
 /// The operating system, as far as this library needs it. System.cpp is the only file that includes its
@@ -22,7 +24,7 @@ struct FileStamp {
 };
 
 /// The stamp of the file that a path names now; empty when there is none.
-std::optional<FileStamp> stampOf(const std::string& path);
+LUMBARN_API std::optional<FileStamp> stampOf(const std::string& path);
 
 /// How a file differs from an earlier state of it.
 enum class FileChange {
@@ -31,10 +33,10 @@ enum class FileChange {
   Shrunk,     ///< a rerun started it again, or somebody truncated it
   Rewritten,  ///< same size, modified at another time
 };
-FileChange changeBetween(const FileStamp& before, const FileStamp& now);
+LUMBARN_API FileChange changeBetween(const FileStamp& before, const FileStamp& now);
 
 /// A file open for reading by position. Move-only; closes itself.
-class InputFile {
+class LUMBARN_API InputFile {
  public:
   InputFile() = default;
   /// Opens a regular file. On failure `isOpen` is false and `error` says why ("No such file or directory",
@@ -62,7 +64,7 @@ class InputFile {
 };
 
 /// A file open for writing from its start. Move-only; closes itself.
-class OutputFile {
+class LUMBARN_API OutputFile {
  public:
   OutputFile() = default;
   /// Makes or empties the file.
@@ -95,21 +97,21 @@ class OutputFile {
 
 /// Makes an empty file with a fresh name that begins with `prefix` in the folder for temporary files, and
 /// gives its path; empty when none can be made.
-std::string makeTemporaryFile(const std::string& prefix);
+LUMBARN_API std::string makeTemporaryFile(const std::string& prefix);
 
 /// Memory for large results: page-aligned, in large pages where the system has them, not initialised. Throws
 /// std::bad_alloc. Give the same size back.
-void* allocateLarge(std::size_t bytes);
-void freeLarge(void* memory, std::size_t bytes) noexcept;
+LUMBARN_API void* allocateLarge(std::size_t bytes);
+LUMBARN_API void freeLarge(void* memory, std::size_t bytes) noexcept;
 
 /// Opens a shared library, which stays open, by the system's search, and finds a function in it. Null with
 /// the reason in `error`.
-void* openLibrary(const std::string& name, const char* function, std::string& error);
+LUMBARN_API void* openLibrary(const std::string& name, const char* function, std::string& error);
 
 /// The file that holds this library's code: itself when it is shared, else the program; empty when not known.
-std::string thisModulePath();
+LUMBARN_API std::string thisModulePath();
 
 /// True when messages on standard error are read by a person at a terminal.
-bool stderrIsTerminal();
+LUMBARN_API bool stderrIsTerminal();
 
 }  // namespace lumbarn

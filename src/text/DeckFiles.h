@@ -9,11 +9,12 @@
 #include <vector>
 
 #include "../record/ByteSource.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
 /// One file of a deck, as one INCLUDE names it: a file that is included twice is two.
-struct DeckFile {
+struct LUMBARN_API DeckFile {
   enum class State : std::uint8_t {
     Read,
     Missing,     ///< cannot be opened; `why` says why
@@ -32,7 +33,7 @@ struct DeckFile {
 };
 
 /// How the file that an INCLUDE names was found.
-struct FoundFile {
+struct LUMBARN_API FoundFile {
   std::string path;
   bool exists = false;
   bool otherCase = false;    ///< by its name in another letter case
@@ -41,7 +42,7 @@ struct FoundFile {
 };
 
 /// The files of one deck, and where names in it lead.
-class DeckFiles {
+class LUMBARN_API DeckFiles {
  public:
   std::uint32_t add(DeckFile file);
   DeckFile& operator[](std::uint32_t file) { return files_[file]; }

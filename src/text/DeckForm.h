@@ -4,6 +4,8 @@
 #include <optional>
 #include <string_view>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// How the data behind a keyword end.
@@ -20,7 +22,7 @@ enum class DeckForm : std::uint8_t {
   Open,      ///< not known: records up to the next word that has the form of a keyword
 };
 
-struct DeckKeywordForm {
+struct LUMBARN_API DeckKeywordForm {
   DeckForm form = DeckForm::Open;
   std::int32_t records = 0;  ///< of `Records`
 };
@@ -37,7 +39,7 @@ constexpr std::int32_t sectionOfDeck(std::string_view keyword) {
 }
 
 /// Which words are keywords, and how their data end.
-class DeckForms {
+class LUMBARN_API DeckForms {
  public:
   virtual ~DeckForms() = default;
   /// Of a name in upper case, of 8 characters at most, in a section; nothing for a word that is no keyword

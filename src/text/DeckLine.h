@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <string_view>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// What counts in one line of a deck. A comment begins at the first "--" outside quotes and is gone before
 /// anything else is looked for; whatever stands behind the "/" that ends a record is comment too.
-struct DeckLine {
+struct LUMBARN_API DeckLine {
   std::string_view code;   ///< without the line end, the comment, and blanks at both ends
   std::size_t codeAt = 0;  ///< position of `code` in the line
   bool slash = false;      ///< `code` ends in the "/" of a record
@@ -22,15 +24,15 @@ constexpr bool isDeckLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a'
 constexpr bool isDeckDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// A line as it stands in the file, with or without its end.
-DeckLine deckLine(std::string_view line);
+LUMBARN_API DeckLine deckLine(std::string_view line);
 /// The same for texts in which a "/" may be an operator: the last one of the line, if nothing but blanks or a
 /// comment stands behind it, ends the record.
-DeckLine deckTextLine(std::string_view line);
+LUMBARN_API DeckLine deckTextLine(std::string_view line);
 
 /// The first word of a line's code: up to a blank, a comma or a slash.
-std::string_view firstWord(std::string_view code);
+LUMBARN_API std::string_view firstWord(std::string_view code);
 /// Whether a word has the form of a keyword: it begins with a letter and has letters, digits, "+", "-", "_"
 /// and the like.
-bool isKeywordWord(std::string_view word);
+LUMBARN_API bool isKeywordWord(std::string_view word);
 
 }  // namespace lumbarn

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
 #include "DeckFiles.h"
 #include "DeckForm.h"
 #include "DeckLine.h"
@@ -18,7 +19,7 @@ class Session;
 
 /// A part of a file of a deck that holds data of a keyword: whole lines, but that the first may begin on the
 /// keyword's own.
-struct DeckPiece {
+struct LUMBARN_API DeckPiece {
   std::uint32_t file = 0;  ///< number in `DeckScanner::files`
   std::uint64_t begin = 0;
   std::uint64_t end = 0;
@@ -26,7 +27,7 @@ struct DeckPiece {
 };
 
 /// One keyword of a deck with the places of its data.
-struct DeckKeyword {
+struct LUMBARN_API DeckKeyword {
   std::string name;  ///< in upper case, 8 characters at most
   DeckForm form = DeckForm::Open;
   bool known = false;
@@ -40,7 +41,7 @@ struct DeckKeyword {
 };
 
 /// What a stretch of a file is. The spans of a file are in its order and leave out no byte.
-struct DeckSpan {
+struct LUMBARN_API DeckSpan {
   enum class Kind : std::uint8_t {
     Keyword,  ///< a keyword's line with its data behind it, or data that go on in this file
     Include,  ///< INCLUDE with the name of the file
@@ -57,7 +58,7 @@ struct DeckSpan {
 };
 
 /// Something irregular in a deck, at a place of a file.
-struct DeckNote {
+struct LUMBARN_API DeckNote {
   enum class Kind : std::uint8_t {
     UnknownKeyword,
     NotClosed,      ///< a keyword begins where data of the one before are expected
@@ -86,7 +87,7 @@ enum class DeckSimulator : std::uint8_t { FromPhases, E100, E300 };
 
 /// Walks a deck from keyword to keyword through all files that it includes. Data are looked at only as far as
 /// finding their end needs, and none are kept.
-class DeckScanner {
+class LUMBARN_API DeckScanner {
  public:
   using Spans = std::function<void(const DeckSpan&)>;
   using Notes = std::function<void(const DeckNote&)>;

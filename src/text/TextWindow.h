@@ -7,13 +7,14 @@
 #include <vector>
 
 #include "../record/ByteSource.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
 /// A text file seen through one buffer, for walks that go forward and skip most of it. Lines end in LF, with
 /// or without CR before it; in a file that has CR only, in CR. Keeps one transfer, or the longest line where
 /// that is longer.
-class TextWindow {
+class LUMBARN_API TextWindow {
  public:
   explicit TextWindow(std::shared_ptr<const ByteSource> source);
 

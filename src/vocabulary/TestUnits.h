@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// Positions of texts in the WELLETC record of a well test, from 1.
@@ -32,10 +34,10 @@ struct TestVector {
 };
 
 /// The vectors of a segment, in the order of the columns of a segment table.
-extern const std::array<TestVector, 31> segmentVectors;
+LUMBARN_API extern const std::array<TestVector, 31> segmentVectors;
 
 /// The vector of a connection or segment with this name; null for any other name.
-const TestVector* testVector(std::string_view name);
+LUMBARN_API const TestVector* testVector(std::string_view name);
 
 /// Unit of a vector, from the texts of WELLETC: `text(i)` returns the trimmed text at a position, empty for
 /// one that the record does not have. Rates per length have both units with "/" between. Empty for a vector

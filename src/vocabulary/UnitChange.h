@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// Units of an answer; File: as the file has them.
@@ -33,11 +35,12 @@ struct UnitChange {
 /// `quantity` is a mnemonic, a name or a description: standard cubic metres become MSCF where it says gas,
 /// otherwise STB. Volumes at standard conditions are converted as volumes; the conditions of systems differ
 /// slightly.
-std::optional<UnitChange> unitChange(std::string_view unit, Units units, std::string_view quantity = {});
+LUMBARN_API std::optional<UnitChange> unitChange(std::string_view unit, Units units,
+                                                 std::string_view quantity = {});
 
 /// The change from one unit to another of the same kind; nothing where one is not known or they differ in
 /// kind.
-std::optional<UnitChange> unitChange(std::string_view from, std::string_view to);
+LUMBARN_API std::optional<UnitChange> unitChange(std::string_view from, std::string_view to);
 
 /// Whether a unit counts something per time, as "STB/DAY" does; false for a text that is not understood.
 bool isPerTime(std::string_view unit);

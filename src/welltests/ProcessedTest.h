@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "../support/Export.h"
 #include "TestHeader.h"
 #include "TestRecords.h"
 #include "TestTables.h"
@@ -22,7 +23,7 @@ struct TestOptions {
 };
 
 /// A well test as hosts know it: its records, and what the processing derives from them.
-struct ProcessedTest {
+struct LUMBARN_API ProcessedTest {
   explicit ProcessedTest(TestTable::Memory* memory) : header(memory), tables(memory) {}
 
   std::int32_t number = 0;  ///< within the well, from 1; 0 before numbering

@@ -8,6 +8,7 @@
 
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "ProcessedTest.h"
 #include "TestPart.h"
@@ -28,7 +29,7 @@ struct TestResult {
 /// columns, branches and segments count from 1. After qOK False, outputs are what they were before unless
 /// stated otherwise. Run-time faults (number 9 for a column, branch or segment that is not there) are
 /// reported through the session; data that are skipped are reported as a Diagnosis with the record's offset.
-class QVEclipseRFTtest : public TestOptions {
+class LUMBARN_API QVEclipseRFTtest : public TestOptions {
  public:
   /// The tables and texts of the file lie in `memory`, which must outlive the test.
   explicit QVEclipseRFTtest(Session& session = Session::process(),

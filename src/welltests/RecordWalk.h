@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "../record/RecordCursor.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 
 namespace lumbarn {
 
 /// The records of one file in order, with one step back: where a test ends is known only from the record that
 /// begins the next.
-class RecordWalk {
+class LUMBARN_API RecordWalk {
  public:
   explicit RecordWalk(RecordCursor cursor) : cursor_(std::move(cursor)) {}
 
@@ -66,8 +67,8 @@ class RecordWalk {
 
 /// A walk over a file in a known form. Null, with the reason in `why`, when it cannot be opened. The file is
 /// read in order and in large pieces, as tests are many and their records small.
-std::unique_ptr<RecordWalk> openWalk(const std::string& path, const Form& form, std::string& why);
+LUMBARN_API std::unique_ptr<RecordWalk> openWalk(const std::string& path, const Form& form, std::string& why);
 /// The same with the form found by content.
-std::unique_ptr<RecordWalk> openWalk(const std::string& path, std::string& why);
+LUMBARN_API std::unique_ptr<RecordWalk> openWalk(const std::string& path, std::string& why);
 
 }  // namespace lumbarn

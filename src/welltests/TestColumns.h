@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "../support/Export.h"
 #include "TestTable.h"
 
 namespace lumbarn {
@@ -68,7 +69,7 @@ enum class BrnColumn : std::size_t { BRNST, BRNEN, Count };
 
 /// Numbers of these columns in a table, from 1; -1 for one that is not there.
 template <class Column>
-class ColumnNumbers {
+class LUMBARN_API ColumnNumbers {
  public:
   ColumnNumbers() { numbers_.fill(-1); }
   std::int32_t operator[](Column column) const { return numbers_[static_cast<std::size_t>(column)]; }

@@ -8,12 +8,13 @@
 #include <string_view>
 
 #include "../support/Dates.h"
+#include "../support/Export.h"
 #include "../vocabulary/TestUnits.h"
 
 namespace lumbarn {
 
 /// Texts of one width in one block, as a record holds them. Texts count from 1.
-struct TextArray {
+struct LUMBARN_API TextArray {
   std::pmr::string bytes;
   std::size_t width = 8;
 
@@ -26,13 +27,13 @@ struct TextArray {
 };
 
 /// Unit of an array or column of a well test by its name, from the texts of WELLETC; empty for one without.
-std::string unitOf(std::string_view name, const TextArray& welletc);
+LUMBARN_API std::string unitOf(std::string_view name, const TextArray& welletc);
 
 /// "STANDARD", "FRICTION" or "MULTISEG" from the text of WELLETC, in any case; "STANDARD" for any other.
-std::string_view getWellType(std::string_view zText);
+LUMBARN_API std::string_view getWellType(std::string_view zText);
 
 /// The records TIME, DATE and WELLETC of a well test.
-struct TestHeader {
+struct LUMBARN_API TestHeader {
   explicit TestHeader(std::pmr::memory_resource* memory = std::pmr::get_default_resource())
       : welletc{std::pmr::string(memory)} {}
 

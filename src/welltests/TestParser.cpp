@@ -40,6 +40,8 @@ bool readHeaderRecord(RecordCursor& cursor, TestHeader& test) {
 
 }  // namespace
 
+TestSink::~TestSink() = default;
+
 ParsedTest parseTest(RecordWalk& walk, Session& session, TestHeader& header, TestSink& sink) {
   ParsedTest parsed;
   bool timed = false;

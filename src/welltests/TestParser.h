@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "../support/Diagnosis.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "RecordWalk.h"
 #include "TestHeader.h"
@@ -11,9 +12,9 @@
 namespace lumbarn {
 
 /// Receives the records of one well test in the order of the file. What it throws ends the test.
-class TestSink {
+class LUMBARN_API TestSink {
  public:
-  virtual ~TestSink() = default;
+  virtual ~TestSink();
   /// After each TIME, DATE and WELLETC, whose data are in the header by then.
   virtual void headerRecord(const RecordHeader&) {}
   /// Any other record of a type that its keyword can have, with the cursor at its data.
@@ -31,6 +32,6 @@ struct ParsedTest {
 
 /// Reads the records of one well test: those from one TIME up to the next, or to the end of the file. Damage
 /// ends the test; the walk must pass it before the next one (`RecordWalk::skipToTest`).
-ParsedTest parseTest(RecordWalk& walk, Session& session, TestHeader& header, TestSink& sink);
+LUMBARN_API ParsedTest parseTest(RecordWalk& walk, Session& session, TestHeader& header, TestSink& sink);
 
 }  // namespace lumbarn

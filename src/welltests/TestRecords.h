@@ -3,10 +3,12 @@
 #include <cstdint>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// To the nearest integer, ties to even. Throws Fault 6 for a value that no 32-bit integer can stand for.
-std::int32_t rounded(float value);
+LUMBARN_API std::int32_t rounded(float value);
 
 /// A branch of a multi-segment well.
 struct BranchRecord {

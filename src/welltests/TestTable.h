@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "../support/Export.h"
+
 namespace lumbarn {
 
 /// The name of a column, kept in place: a file has many small tests, and each a dozen names. Longer ones than
@@ -25,7 +27,7 @@ class ColumnName {
 };
 
 /// A table of singles with named columns, one block, column after column. Columns count from 1.
-struct TestTable {
+struct LUMBARN_API TestTable {
   using Memory = std::pmr::memory_resource;
   explicit TestTable(std::size_t usual = 0, Memory* memory = std::pmr::get_default_resource())
       : usualColumns(usual), columns(memory), values(memory) {}

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "../support/Diagnosis.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "RecordWalk.h"
 #include "TestParser.h"
@@ -15,7 +16,7 @@
 namespace lumbarn {
 
 /// Diagnoses of one test. Within the library only: the walk must be at the test.
-struct TestReport {
+struct LUMBARN_API TestReport {
   Session& session;
   RecordWalk& walk;
 
@@ -24,7 +25,7 @@ struct TestReport {
 };
 
 /// The arrays of a test as singles, sorted by name into the four tables that hosts know.
-struct TestTables {
+struct LUMBARN_API TestTables {
   explicit TestTables(TestTable::Memory* memory)
       : rft(10, memory), plt(28, memory), segments(28, memory), branches(4, memory) {}
 
@@ -57,7 +58,7 @@ struct TestTables {
 
 /// Sorts the arrays of a test into tables while they are read. A DATE of fewer than three numbers and a
 /// WELLETC without well and grid are Fault 9.
-class TableFiller final : public TestSink {
+class LUMBARN_API TableFiller final : public TestSink {
  public:
   TableFiller(TestTables& tables, const TestHeader& header, const TestReport& report)
       : tables_(tables), header_(header), report_(report) {}
@@ -75,9 +76,9 @@ class TableFiller final : public TestSink {
 };
 
 /// Types of arrays by name, trimmed and in any case.
-bool checkRFTArray(std::string_view zName);     ///< PRESSURE, DEPTH, SWAT, SGAS
-bool checkRFTPLTArray(std::string_view zName);  ///< CONIPOS, CONJPOS, CONKPOS, I, J, K
-bool checkPLTArray(std::string_view zName);     ///< begins with CON
-bool checkSEGArray(std::string_view zName);     ///< begins with SEG or BRN
+LUMBARN_API bool checkRFTArray(std::string_view zName);     ///< PRESSURE, DEPTH, SWAT, SGAS
+LUMBARN_API bool checkRFTPLTArray(std::string_view zName);  ///< CONIPOS, CONJPOS, CONKPOS, I, J, K
+LUMBARN_API bool checkPLTArray(std::string_view zName);     ///< begins with CON
+LUMBARN_API bool checkSEGArray(std::string_view zName);     ///< begins with SEG or BRN
 
 }  // namespace lumbarn

@@ -8,11 +8,12 @@
 #include <vector>
 
 #include "../files/UserTestWords.h"
+#include "../support/Export.h"
 
 namespace lumbarn {
 
 /// The table of one user test as its lines come: a line of names, a line of units, rows of numbers.
-class UserTestTable {
+class LUMBARN_API UserTestTable {
  public:
   explicit UserTestTable(UserTestKind kind) : kind_(kind) {}
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "../support/Dates.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "RecordWalk.h"
 #include "TestHeader.h"
@@ -17,7 +18,7 @@
 namespace lumbarn {
 
 /// One array of a test as the file has it, to the last bit. Texts are without blanks at their ends.
-struct WellTestColumn {
+struct LUMBARN_API WellTestColumn {
   using Values = std::variant<std::vector<float>, std::vector<double>, std::vector<std::int32_t>,
                               std::vector<bool>, std::vector<std::string>>;
   std::string name;
@@ -30,7 +31,7 @@ struct WellTestColumn {
 };
 
 /// Arrays with a value for each row, in file order.
-struct WellTestTable {
+struct LUMBARN_API WellTestTable {
   std::size_t rows = 0;
   std::vector<WellTestColumn> columns;
 
@@ -44,7 +45,7 @@ struct WellTestUnits {
 };
 
 /// One well test as data: everything that the file holds of it, and nothing that is worked out.
-struct WellTest {
+struct LUMBARN_API WellTest {
   std::int32_t number = 0;        ///< in the file, from 1
   std::int32_t numberInWell = 0;  ///< among the tests of its well, from 1
   std::string well;
@@ -89,11 +90,11 @@ struct WellTopology {
                                         ///< they flowed to the well head
 };
 /// From the arrays SEGNXT and SEGBRNO; nothing when the test has not both. Linear in the number of segments.
-WellTopology topologyOf(const WellTest& test);
+LUMBARN_API WellTopology topologyOf(const WellTest& test);
 
 /// The tests of a file, one after the other; holds no more than one. What is wrong with the file is told as
 /// diagnoses of the session.
-class WellTestReader {
+class LUMBARN_API WellTestReader {
  public:
   /// Null, with a diagnosis, when the file cannot be opened or is no record file.
   static std::unique_ptr<WellTestReader> open(const std::string& path, Session& session);
@@ -116,6 +117,7 @@ class WellTestReader {
 };
 
 /// All tests of a file.
-std::vector<WellTest> readWellTests(const std::string& path, Session& session = Session::process());
+LUMBARN_API std::vector<WellTest> readWellTests(const std::string& path,
+                                                Session& session = Session::process());
 
 }  // namespace lumbarn

@@ -10,6 +10,7 @@
 #include "../record/cFILETYPE.h"
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "QVEclipseRFTtest.h"
 
@@ -20,7 +21,7 @@ namespace lumbarn {
 /// of range is fault 9 unless told otherwise. All shapes are those of `QVEclipseRFTtest`.
 ///
 /// After qOK False, outputs are what they were before.
-class qvEclipseRFT : public FormFlags {
+class LUMBARN_API qvEclipseRFT : public FormFlags {
  public:
   explicit qvEclipseRFT(Session& session = Session::process())
       : FormFlags{.byteSwap = false}, session_(&session) {}

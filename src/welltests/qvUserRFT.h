@@ -7,6 +7,7 @@
 
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
+#include "../support/Export.h"
 #include "../support/Session.h"
 #include "UserTest.h"
 #include "qvUserRFTtest.h"
@@ -18,7 +19,7 @@ namespace lumbarn {
 /// (`iTest`); a number out of range is fault 9.
 ///
 /// After qOK False, outputs are what they were before.
-class qvUserRFT {
+class LUMBARN_API qvUserRFT {
  public:
   explicit qvUserRFT(Session& session = Session::process()) : session_(&session) {}
 

@@ -9,6 +9,7 @@
 #include "../shapes/ByteTable.h"
 #include "../shapes/XYData.h"
 #include "../support/Diagnosis.h"
+#include "../support/Export.h"
 #include "../support/Guarded.h"
 #include "../support/Session.h"
 #include "UserTestTable.h"
@@ -20,7 +21,7 @@ namespace lumbarn {
 /// differ in the word that opens a test, in the depth column and in the table that they fill.
 ///
 /// Words are upper case, as lines are before anything else is done with them.
-class qvUserRFTtest {
+class LUMBARN_API qvUserRFTtest {
  public:
   explicit qvUserRFTtest(Session& session = Session::process()) : session_(&session) {}
 
