@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "../files/FileSets.h"
 #include "../record/Form.h"
 #include "../record/RecordCursor.h"
 #include "../support/Session.h"
 #include "RestartSet.h"
-#include "../files/FileSets.h"
 #include "StepReader.h"
 
 namespace lumbarn {

@@ -31,10 +31,8 @@ const FactGroup ofRuns[] = {
     {"save", {Save}, addSaveFacts},
 };
 const FactGroup ofFiles[] = {
-    {"summary", {Summary}, addSummaryFacts},
-    {"well_tests", {UserRft, UserPlt}, addTestFacts},
-    {"restart_index", {Rsspec}, addRestartIndexFacts},
-    {"init_index", {Inspec}, addInitIndexFacts},
+    {"summary", {Summary}, addSummaryFacts},           {"well_tests", {UserRft, UserPlt}, addTestFacts},
+    {"restart_index", {Rsspec}, addRestartIndexFacts}, {"init_index", {Inspec}, addInitIndexFacts},
     {"deck", {FileKind::Deck}, addDeckFacts},
 };
 

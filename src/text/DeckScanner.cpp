@@ -115,10 +115,14 @@ bool DeckScanner::lineInRecord(const DeckLine& line, std::string_view all, DeckK
     include(line, all);
     return false;
   }
-  // Numbers only, so a keyword shows that the "/" is missing.
+  // Where numbers are, a keyword shows that the "/" is missing; elsewhere the name of a section that has the
+  // line to itself.
   const bool numbers = current_.form == DeckForm::Array || current_.form == DeckForm::Tables ||
                        current_.form == DeckForm::Branches;
-  if (numbers && !line.slash && isKeywordWord(word) && forms_->find(nameOf(word), section_)) {
+  const bool shown =
+      numbers ? isKeywordWord(word) && forms_->find(nameOf(word), section_)
+              : current_.form != DeckForm::Words && word == line.code && sectionOfDeck(nameOf(word)) > 0;
+  if (shown && !line.slash) {
     noteNotClosed();
     return start(word, line, all, keyword);
   }

@@ -111,7 +111,7 @@ TEST(DeckArrays, OperationsApplyInTheirBoxes) {
        "MINVALUE\n PORO 2 2 2 1 1 1 1/\n/\n",
        {4, 2, 1, 1, 1, 1, 1, 1, 1, 1, 1, 4},
        ""},
-      {"PORO\n 11*1 /\n", {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, -1}, "line 4, byte 23: expected 12, found 11"},
+      {"PORO\n 11*1 /\n", {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, -1}, "line 4, byte 21: expected 12, found 11"},
       {"PORO\n 1000000000000000000*1 /\n", {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, "expected 12, found more"},
       {"EQUALS\n PORO 1 /\n PORO 2 1 4 1 1 1 1 /\n/\n",
        {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1},
@@ -147,7 +147,7 @@ TEST(DeckArrays, NumbersAreReadAsTheyAreWritten) {
   EXPECT_EQ(read("1,2\t.5 1D1 -- 7\n2*2.5+1 1e-1/ 8\n"), (std::vector<double>{1, 2, 0.5, 10, 25, 25, 0.1}));
   EXPECT_EQ(read("1 2\r\n-3 4").size(), 4U);
   EXPECT_TRUE(std::isnan(read("1* 2 /\n")[0]));
-  for (const auto& [text, said] : {std::pair("1 x2 /\n", "line 5, byte 29: expected a number, found x2"),
+  for (const auto& [text, said] : {std::pair("1 x2 /\n", "line 5, byte 27: expected a number, found x2"),
                                    std::pair("99999999999999999999*1 /\n", "times one number")}) {
     try {
       read(text);

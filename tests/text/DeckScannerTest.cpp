@@ -115,6 +115,7 @@ constexpr Case cases[] = {
     {"GRID\nPORO\n 1 2 3\nPERMX\n 4 /\nDX\nDY\n1 /\n", "GRID PORO PERMX:1 DX DY:1",
      "NotClosed@4 NotClosed@7"},
     {"SCHEDULE\nWELSPECS\n A B /\nEND\nPORO\n", "SCHEDULE WELSPECS:1 END", "NotClosed@4"},
+    {"SCHEDULE\nWELSPECS\n A B\nSUMMARY\nFOPR\n", "SCHEDULE WELSPECS SUMMARY FOPR", "NotClosed@4"},
     {"GRID\nPORO\n 1 2 3\n", "GRID PORO", "Ends@2"},
     {"PROPS\nEQLNUM\n1 /\nGRIDUNIT\n'METRES /\n/\n", "PROPS EQLNUM:1 GRIDUNIT:1",
      "Unknown@2 Unknown@4 Quote@5"},
