@@ -103,7 +103,7 @@ struct RegionFilter {
 };
 
 /// Regions as "FIPNUM=1,2". Throws Error BadRequest.
-RegionFilter parseRegion(std::string_view text);
+LUMBARN_API RegionFilter parseRegion(std::string_view text);
 
 /// Which arrays are listed.
 struct ArrayListSelection {

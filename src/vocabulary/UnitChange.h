@@ -43,6 +43,6 @@ LUMBARN_API std::optional<UnitChange> unitChange(std::string_view unit, Units un
 LUMBARN_API std::optional<UnitChange> unitChange(std::string_view from, std::string_view to);
 
 /// Whether a unit counts something per time, as "STB/DAY" does; false for a text that is not understood.
-bool isPerTime(std::string_view unit);
+LUMBARN_API bool isPerTime(std::string_view unit);
 
 }  // namespace lumbarn
