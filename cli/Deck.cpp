@@ -57,7 +57,7 @@ ExitStatus showDeck(const DeckOptions& options, Console& console) {
   for (const DeckFile& file : deck.files().all()) inputs.push_back(file.path);
   if (!options.change.empty()) {
     const DeckChange change = DeckChange::parse(options.change);
-    console.say(fmt::format("{} is changed", fileOfChange(deck, change)));
+    console.say(fmt::format("one value of {} is changed", fileOfChange(deck, change)));
     return writeAnswer([&](Sink& sink) { writeChanged(deck, change, sink); }, options.output, inputs,
                        console);
   }
