@@ -37,14 +37,14 @@ class LUMBARN_API Deck {
   /// All keywords but INCLUDE, in the order in which they count.
   std::span<const DeckKeyword> keywords() const;
   const DeckFiles& files() const;
-  /// Everything irregular, in order; no more than some thousands.
+  /// All irregularities in deck order, at most 10,000.
   std::span<const DeckNote> notes() const;
   DeckSimulator simulator() const;
-  /// The keywords of a selection, as places in `keywords`. Throws Error NotFound with similar names when
-  /// there are none.
+  /// Indices into `keywords` of the keywords that a selection matches. Throws Error NotFound with similar
+  /// names when there are none.
   std::vector<std::size_t> chosen(const DeckSelection& selection) const;
 
-  /// `section, keyword, file, line, records`: a row for each keyword. PATHS is left out, as it belongs to
+  /// `section, keyword, file, line, records`: a row for each keyword. PATHS is omitted, as it belongs to
   /// `includes`.
   Stream keywordTable(const DeckSelection& selection = {}, const ReadOptions& options = {}) const;
   /// `file, name, parent, line, depth, bytes, lines, state, why`: a row for each INCLUDE, with the line that

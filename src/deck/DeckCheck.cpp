@@ -39,7 +39,7 @@ class DeckCheck {
             .line = keyword.line};
   }
 
-  /// An unknown keyword is told where it is first, with how often it occurs.
+  /// Reports each unknown keyword once, at its first occurrence, with the number of occurrences.
   void notes() {
     std::map<std::string, std::int64_t> times;
     for (const DeckNote& note : deck_.notes()) {

@@ -8,9 +8,9 @@
 
 namespace lumbarn {
 
-/// Everything that is irregular in a deck: what the scan noted, each unknown keyword once; arrays with
-/// another count of numbers than their box has cells, with words that are no numbers, or that repeat one more
-/// often; boxes outside of their grid; dates that do not come later. Reads all arrays.
+/// Reports all irregularities of a deck: the notes of the scan, with each unknown keyword once; arrays whose
+/// count of numbers differs from the cells of their box, or that contain words that are not numbers; boxes
+/// outside their grid; report steps that do not advance in time. Reads all arrays.
 void checkDeck(const Deck& deck, Session& session, const std::function<void(Diagnosis)>& report);
 
 }  // namespace lumbarn

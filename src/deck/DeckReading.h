@@ -37,10 +37,10 @@ class LUMBARN_API DeckReading {
   void ReadMultiLineKeywordArguments(DeckLines& deck, std::vector<std::string>& zLines, std::int32_t& iLines,
                                      bool& qOK, std::string_view zTerminator, bool qJoin);
 
-  /// Up to iCount values up to "/". The array ends at the last value that the deck has, whose number iCount
-  /// takes: what is missing counts as 0, and no more is allocated for a deck than it has values. qOK False
-  /// with the values so far when the file ends first, the load is canceled, or a fault was reported: one
-  /// value too many, or in integers a count without a value.
+  /// Reads at most iCount values, up to "/". Afterwards iCount is the number of values that the deck
+  /// contains; missing values count as 0. Memory is allocated for values that were read, not for iCount. qOK
+  /// is False, and the values read so far are kept, if the file ends first, the load is canceled, or a fault
+  /// was reported (too many values, or in an integer array a repeat count without a value).
   ///
   /// Deliberate: only blanks divide and no comment is removed, so that a tab hides the value behind it and
   /// the words of a comment are zeros. Each line of which that changes a value is reported.

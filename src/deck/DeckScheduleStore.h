@@ -16,14 +16,14 @@ namespace lumbarn {
 /// What kind of run a deck is of.
 enum class DeckRunKind : std::uint8_t { BlackOil = 1, Compositional = 2, FrontSim = 3 };
 
-/// What a deck tells a schedule while it is read. There need not be one: then nothing is told, and whatever
-/// only a schedule would answer has no effect.
+/// Receives what the loader reads of a schedule. The loader works without one; keywords that affect nothing
+/// but the schedule are then ignored.
 class LUMBARN_API DeckScheduleStore {
  public:
   virtual ~DeckScheduleStore() = default;
 
   virtual void deckFile(const std::string& zFile) = 0;
-  /// OIL, GAS, WATER, DISGAS, VAPOIL and BLACKOIL; the other phases are not told.
+  /// OIL, GAS, WATER, DISGAS, VAPOIL and BLACKOIL; not called for the other phases.
   virtual void phase(std::string_view zKeyword) = 0;
   /// FMTIN, FMTOUT, FMTSAVE, MULTIN, UNIFOUT and the like, SAVE, RPTRST, SKIPREST.
   virtual void fileForm(std::string_view zKeyword, std::int32_t iLine) = 0;

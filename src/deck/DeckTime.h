@@ -20,7 +20,7 @@ Moment startOf(const Deck& deck);
 
 /// One report step that DATES or TSTEP ask for.
 struct DeckStep {
-  std::size_t keyword = 0;  ///< place in `Deck::keywords`
+  std::size_t keyword = 0;  ///< index into `Deck::keywords`
   std::int64_t line = 0;
   std::uint32_t file = 0;
   double days = 0;  ///< since the start

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* module = "EclipseDictionary";
 
-/// "+" and "=" are short for ADD and EQUALS, and stand where these would.
+/// "+" and "=" are short for ADD and EQUALS and are sorted like them.
 std::string_view sortKey(std::string_view keyword) {
   if (keyword == "+") return "ADD";
   return keyword == "=" ? "EQUALS" : keyword;
@@ -59,7 +59,7 @@ void mergeInto(std::vector<DictionaryRow>& rows, std::vector<std::vector<Diction
   }
 }
 
-/// All rows, a letter after the other. Vectors of SUMMARY stand behind the keywords of their letter.
+/// All rows, grouped by first letter. Within a letter, SUMMARY vectors follow the other keywords.
 std::vector<DictionaryRow> allRows() {
   std::vector<DictionaryRow> rows;
   for (const bool summary : {false, true}) {

@@ -22,7 +22,7 @@ struct DictionaryRow {
 };
 
 /// The keywords that hosts' decks are read by; see `KeywordForms` for what simulators know beyond them. One
-/// table, built once, that never changes. Rows count from 1, and stand by the first letters of their
+/// table, built once, that never changes. Rows count from 1 and are grouped by the first letters of their
 /// keywords.
 class EclipseDictionary {
  public:

@@ -84,7 +84,7 @@ void parseBOX(const HostKeyword& keyword) {
 /// Deliberate: in a local grid too, this is the box of the global grid.
 void parseENDBOX(const HostKeyword& keyword) { wholeDeck(keyword); }
 
-/// Writes consecutive values from a place on. The array is lengthened for them.
+/// Writes consecutive values starting at an index, extending the array as needed.
 template <class T>
 void put(std::vector<T>& target, std::size_t place, std::span<const T> values) {
   lengthen(target, place + values.size(), values.size(), T{});
@@ -175,7 +175,7 @@ void parseACTNUM(const HostKeyword& keyword) {
   getEclipseLongArray(lines, nLines, arrayCount(plane * extent(box.iK1, box.iK2)), values, qOK,
                       keyword.session);
   if (values.empty()) return;
-  // As far as the values reach, so that a short list takes no more memory than that.
+  // Allocate only the layers that the list has values for.
   const std::size_t layers = std::min((values.size() + plane - 1) / plane, extent(box.iK1, box.iK2));
   const std::size_t cells = (static_cast<std::size_t>(box.iK1 - 1) + layers) *
                             static_cast<std::size_t>(grid.iNX) * static_cast<std::size_t>(grid.iNY);

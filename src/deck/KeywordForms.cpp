@@ -16,7 +16,7 @@ constexpr std::uint32_t bit(std::int32_t section) { return 1U << static_cast<uns
 constexpr std::uint32_t anySection = 0xFF;
 constexpr std::int32_t summary = 7, schedule = 8;
 
-/// Keywords with forms, with blanks between. A section of 0: wherever the keyword may stand.
+/// Keywords with their form, separated by blanks. Section 0: every section that has the keyword.
 struct FormRow {
   DeckForm form;
   std::int32_t records;
@@ -24,7 +24,7 @@ struct FormRow {
   std::string_view keywords;
 };
 
-// What the dictionary does not tell. Keywords that are in neither place have records up to the next keyword.
+// Forms that the dictionary does not state. Keywords in neither table have records up to the next keyword.
 constexpr FormRow formRows[] = {
     {DeckForm::Line, 0, 0, "TITLE"},
     {DeckForm::None, 0, 0,
@@ -175,7 +175,7 @@ std::optional<DeckKeywordForm> mnemonicForm(std::string_view name) {
   }
 }
 
-/// Keywords that may stand in every section.
+/// Keywords that are valid in every section.
 bool isEverywhere(std::string_view name) {
   constexpr std::string_view everywhere[] = {
       "RUNSPEC", "GRID",   "EDIT",     "PROPS",   "REGIONS", "SOLUTION", "SUMMARY",  "SCHEDULE",
@@ -193,7 +193,7 @@ std::uint32_t KeywordForms::sectionsOf(std::string_view name) {
   auto found = keywords.find(name);
   if (found == keywords.end()) found = keywords.find(familyOf(name));
   std::uint32_t sections = found == keywords.end() ? 0 : found->second.sections;
-  // Keywords beyond the dictionary may stand wherever their form says.
+  // Keywords beyond the dictionary are valid in the sections of their form.
   const bool beyond = sections == 0;
   if (const auto row = tables().forms.find(name); row != tables().forms.end()) {
     for (const FormRow* form : row->second) {

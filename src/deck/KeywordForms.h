@@ -16,7 +16,7 @@ class KeywordForms final : public DeckForms {
   /// a keyword, as users name vectors too.
   std::optional<DeckKeywordForm> find(std::string_view name, std::int32_t section) const override;
 
-  /// Sections in which a keyword may stand, as bits from 1 for RUNSPEC on; 0 for a word that is none.
+  /// Sections in which a keyword is valid, as bits, 1 for RUNSPEC; 0 for a word that is not a keyword.
   static std::uint32_t sectionsOf(std::string_view name);
   /// Whether a keyword has a value for each cell.
   static bool isCellArray(std::string_view name);

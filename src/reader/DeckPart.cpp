@@ -16,7 +16,7 @@ void DeckPart::load() {
   deck->zDeckFile = path;
   deck->RecordScheduleDeck = options().RecordScheduleDeck;
   deck->RecordReportStepKeywords = options().RecordReportStepKeywords;
-  // Only who wants the text of a schedule has files left out of it.
+  // Excluded files are skipped only while the schedule is captured.
   if (deck->RecordScheduleDeck || deck->RecordReportStepKeywords)
     require([&](bool& qDone) { deck->setIncFileExcludes(zExcludes, qDone); });
   deck->PrepareBaseRun = options().PrepareBaseRun;

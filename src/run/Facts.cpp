@@ -15,7 +15,7 @@ namespace {
 
 using enum FileKind;
 
-/// Facts that are told by the files of some kinds.
+/// A group of facts and the file types that it is read from.
 struct FactGroup {
   const char* name;
   std::initializer_list<FileKind> kinds;

@@ -6,9 +6,8 @@
 
 namespace lumbarn {
 
-// What the files of one kind of a run tell without their data being read, by the functions that answer the
-// other questions to a run. Damage is reported; the facts are then those in front of it. All may throw as
-// these questions do.
+// Facts of the files of one type, from the functions that answer the other questions to a run, so that both
+// agree. Damage is reported, and the facts before it are kept. Each may throw what these functions throw.
 
 void addSummaryFacts(FactList& facts, const RunState& run, StreamContext& context);
 void addRestartFacts(FactList& facts, const RunState& run, StreamContext& context);

@@ -18,7 +18,7 @@ enum class DeckForm : std::uint8_t {
   Branches,  ///< the same with an empty record behind each table, PVTO; that behind the last one is none
   Array,     ///< one record of numbers, for cells
   Words,     ///< one record, whose words may be those of keywords: RPTSCHED
-  Line,      ///< one line, as it stands
+  Line,      ///< one line, unchanged
   Open,      ///< not known: records up to the next word that has the form of a keyword
 };
 
@@ -27,7 +27,7 @@ struct LUMBARN_API DeckKeywordForm {
   std::int32_t records = 0;  ///< of `Records`
 };
 
-/// Sections of a deck by number, as `sectionOfDeck` gives them; 0 stands for what precedes the first.
+/// Sections of a deck by number, as `sectionOfDeck` gives them; 0 means before the first section.
 inline constexpr std::string_view deckSections[] = {"",        "RUNSPEC",  "GRID",    "EDIT",    "PROPS",
                                                     "REGIONS", "SOLUTION", "SUMMARY", "SCHEDULE"};
 /// The number of a section by its keyword; 0 for any other word.

@@ -8,7 +8,7 @@
 namespace lumbarn {
 
 /// What counts in one line of a deck. A comment begins at the first "--" outside quotes and is gone before
-/// anything else is looked for; whatever stands behind the "/" that ends a record is comment too.
+/// the line is searched for anything else; text after the "/" that ends a record is comment too.
 struct LUMBARN_API DeckLine {
   std::string_view code;   ///< without the line end, the comment, and blanks at both ends
   std::size_t codeAt = 0;  ///< position of `code` in the line
@@ -23,10 +23,10 @@ constexpr bool isDeckQuote(char c) { return c == '\'' || c == '"'; }
 constexpr bool isDeckLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 constexpr bool isDeckDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// A line as it stands in the file, with or without its end.
+/// Parses a line of the file, with or without its line end.
 LUMBARN_API DeckLine deckLine(std::string_view line);
 /// The same for texts in which a "/" may be an operator: the last one of the line, if nothing but blanks or a
-/// comment stands behind it, ends the record.
+/// comment follows it, ends the record.
 LUMBARN_API DeckLine deckTextLine(std::string_view line);
 
 /// The first word of a line's code: up to a blank, a comma or a slash.

@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t keywordLength = 8;
 constexpr std::size_t lineLength = 128;
 
-/// The name that a word stands for: simulators read 8 characters, in either case.
+/// The keyword that a word means: simulators read 8 characters and ignore letter case.
 std::string nameOf(std::string_view word) { return upper(word.substr(0, keywordLength)); }
 
 /// Files down to a depth hold their buffers; a thousand nested ones must not.
@@ -129,8 +129,8 @@ bool DeckScanner::lineInRecord(const DeckLine& line, std::string_view all, DeckK
   return feed(line, all, keyword);
 }
 
-/// Whether a word that stands in front of a line, outside of a record, begins a keyword. Names of wells stand
-/// alone on a line too, so data are expected for as long as they can be.
+/// Whether the first word of a line outside a record starts a keyword. Well names may be alone on a line too,
+/// so as long as the open keyword accepts more data the line is data.
 bool DeckScanner::begins(std::string_view word, const DeckLine& line) const {
   if (word == "+" || word == "=") return line.code.size() == 1 && forms_->find(word, section_);
   if (!isKeywordWord(word)) return false;

@@ -17,8 +17,8 @@ namespace lumbarn {
 
 class Session;
 
-/// A part of a file of a deck that holds data of a keyword: whole lines, but that the first may begin on the
-/// keyword's own.
+/// A range of a file with data of a keyword: complete lines, except that the first may start on the line of
+/// the keyword.
 struct LUMBARN_API DeckPiece {
   std::uint32_t file = 0;  ///< number in `DeckScanner::files`
   std::uint64_t begin = 0;
@@ -26,7 +26,7 @@ struct LUMBARN_API DeckPiece {
   std::int64_t line = 0;  ///< of `begin`, from 1
 };
 
-/// One keyword of a deck with the places of its data.
+/// One keyword of a deck with the locations of its data.
 struct LUMBARN_API DeckKeyword {
   std::string name;  ///< in upper case, 8 characters at most
   DeckForm form = DeckForm::Open;
@@ -40,14 +40,14 @@ struct LUMBARN_API DeckKeyword {
   std::vector<DeckPiece> data;  ///< several where an included file has some of it
 };
 
-/// What a stretch of a file is. The spans of a file are in its order and leave out no byte.
+/// The meaning of a range of a file. The spans of a file are in order and cover every byte once.
 struct LUMBARN_API DeckSpan {
   enum class Kind : std::uint8_t {
     Keyword,  ///< a keyword's line with its data behind it, or data that go on in this file
     Include,  ///< INCLUDE with the name of the file
     Comment,
     Blank,
-    Skipped,  ///< left out by SKIP and its like
+    Skipped,  ///< skipped by SKIP, SKIP100 or SKIP300
     Stray,    ///< what belongs to no keyword: a "/" too many, data behind a keyword without such
     Behind,   ///< behind END or ENDINC
   };
@@ -57,7 +57,7 @@ struct LUMBARN_API DeckSpan {
   std::uint64_t end = 0;
 };
 
-/// Something irregular in a deck, at a place of a file.
+/// An irregularity of a deck with its location.
 struct LUMBARN_API DeckNote {
   enum class Kind : std::uint8_t {
     UnknownKeyword,
@@ -95,7 +95,7 @@ class LUMBARN_API DeckScanner {
   /// `forms` must outlive the scanner. Throws BadRecord when the deck cannot be opened.
   DeckScanner(const std::string& path, const DeckForms& forms, const Session& session,
               DeckSimulator simulator = DeckSimulator::FromPhases);
-  /// A deck in memory; its includes are looked for in the current folder.
+  /// A deck in memory; its includes are searched in the current folder.
   DeckScanner(std::shared_ptr<const ByteSource> source, const DeckForms& forms, const Session& session,
               DeckSimulator simulator = DeckSimulator::FromPhases);
 

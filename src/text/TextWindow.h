@@ -37,7 +37,7 @@ class LUMBARN_API TextWindow {
   std::shared_ptr<const ByteSource> source_;
   std::uint64_t size_;
   std::vector<char> buffer_;
-  std::uint64_t start_ = 0;  // place of the buffer in the file
+  std::uint64_t start_ = 0;  // offset of the buffer in the file
   std::size_t length_ = 0;   // bytes in it
   char lineEnd_ = '\n';
 };
