@@ -9,6 +9,19 @@
 
 namespace lumbarn {
 
+namespace {
+
+/// The item, from 0, of the first size in the record of a keyword that creates a grid: 0 for the global grid,
+/// the items after name and box for local ones. RADFIN refines one column of its parent and has I and J once.
+std::optional<std::int64_t> firstSize(std::string_view keyword) {
+  if (keyword == "DIMENS" || keyword == "SPECGRID") return 0;
+  if (keyword == "CARFIN" || keyword == "RADFIN4") return 7;
+  if (keyword == "RADFIN") return 5;
+  return std::nullopt;
+}
+
+}  // namespace
+
 std::int64_t DeckBox::cells() const {
   std::int64_t count = 1;
   for (std::size_t axis = 0; axis < 3; ++axis) count *= std::max(0, to[axis] - from[axis] + 1);
@@ -27,17 +40,16 @@ std::optional<std::int32_t> wholeNumber(const DeckRecord& record, std::int64_t p
 std::map<std::string, DeckGridSize> gridSizes(const Deck& deck) {
   std::map<std::string, DeckGridSize> sizes;
   for (const DeckKeyword& keyword : deck.keywords()) {
-    const bool global = keyword.name == "DIMENS" || keyword.name == "SPECGRID";
-    const bool local = keyword.name == "CARFIN" || keyword.name == "RADFIN";
-    if (!global && !local) continue;
+    const auto first = firstSize(keyword.name);
+    if (!first) continue;
     DeckRecords records(deck.files(), keyword);
     DeckRecord record;
     if (!records.next(record)) continue;
     DeckGridSize size{};
     for (std::size_t axis = 0; axis < 3; ++axis)
-      size[axis] = wholeNumber(record, static_cast<std::int64_t>(axis) + (local ? 7 : 0)).value_or(0);
+      size[axis] = wholeNumber(record, *first + static_cast<std::int64_t>(axis)).value_or(0);
     if (std::any_of(size.begin(), size.end(), [](std::int32_t n) { return n < 1; })) continue;
-    sizes[global ? std::string("ROOT") : upper(record[0].value_or(""))] = size;
+    sizes[*first == 0 ? std::string("ROOT") : upper(trim(record[0].value_or("")))] = size;
   }
   return sizes;
 }
@@ -69,7 +81,7 @@ bool BoxTracker::take(const DeckKeyword& keyword) {
     section_ = keyword.section;
     start("ROOT");
   }
-  const bool local = keyword.name == "CARFIN" || keyword.name == "RADFIN" || keyword.name == "REFINE";
+  const bool local = firstSize(keyword.name).value_or(0) > 0 || keyword.name == "REFINE";
   const bool box = keyword.name == "BOX";
   if (keyword.name == "ENDBOX") start(grid_);
   if (keyword.name == "ENDFIN") start("ROOT");

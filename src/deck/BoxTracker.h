@@ -21,20 +21,20 @@ struct DeckBox {
 
 using DeckGridSize = std::array<std::int32_t, 3>;
 
-/// The sizes of a deck's grids: the global one ("ROOT"), by DIMENS or SPECGRID, and those of CARFIN and
-/// RADFIN.
+/// The sizes of a deck's grids: the global one ("ROOT"), by DIMENS or SPECGRID, and those of CARFIN,
+/// RADFIN and RADFIN4.
 std::map<std::string, DeckGridSize> gridSizes(const Deck& deck);
 
-/// A whole number of a record; nothing for a default, and for what is none.
+/// An integer item of a record; empty for a default and for text that is not a number.
 std::optional<std::int32_t> wholeNumber(const DeckRecord& record, std::int64_t place);
 
-/// The box of six numbers from an item on; those that are left out are those of another box. Nothing if it is
-/// not within a grid of that size.
+/// The box given by six items starting at `item`; defaulted items are taken from `otherwise`. Empty if the
+/// box is outside a grid of that size.
 std::optional<DeckBox> boxOf(const DeckRecord& record, std::int64_t item, DeckBox otherwise,
                              const DeckGridSize& size);
 
-/// Follows which grid and which box the keywords of a deck mean: BOX, ENDBOX, CARFIN, RADFIN, ENDFIN, and a
-/// section that begins anew with the whole global grid.
+/// Follows which grid and which box the keywords of a deck mean: BOX, ENDBOX, CARFIN, RADFIN, RADFIN4, REFINE
+/// and ENDFIN. Each section starts with the complete global grid.
 class BoxTracker {
  public:
   explicit BoxTracker(const Deck& deck) : deck_(&deck), sizes_(gridSizes(deck)) {}
@@ -43,7 +43,7 @@ class BoxTracker {
   bool take(const DeckKeyword& keyword);
 
   const std::string& grid() const { return grid_; }
-  /// Of the grid; zeros where the deck does not tell.
+  /// Size of the current grid; zeros if the deck does not state it.
   DeckGridSize size() const;
   const DeckBox& box() const { return box_; }
   const std::map<std::string, DeckGridSize>& sizes() const { return sizes_; }

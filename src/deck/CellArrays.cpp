@@ -25,7 +25,7 @@ constexpr std::int64_t mostOfACell = 32;
 
 std::int64_t cellsOf(const DeckGridSize& size) { return std::int64_t{size[0]} * size[1] * size[2]; }
 
-/// What simulators take for cells that a deck says nothing of.
+/// The value that simulators use for cells that a deck does not set.
 double initialValue(std::string_view name) {
   if (name == "NTG" || name.starts_with("MULT") || name == "ACTNUM") return 1;
   if (name.starts_with("FIP") || (name.ends_with("NUM") && name != "OPERNUM" && name != "PINCHNUM")) return 1;
@@ -126,7 +126,7 @@ class Evaluation {
   }
 
  private:
-  /// Calls for each keyword that stands in the grid, with the box in effect kept.
+  /// Calls `visit` for each keyword of the grid, with `box_` set to the box in effect.
   template <class Visit>
   void walk(Visit visit) {
     BoxTracker tracker(*deck_);
@@ -135,7 +135,7 @@ class Evaluation {
       const bool fits = tracker.take(keyword);
       if (keyword.section < 2 || keyword.section > 6 || tracker.grid() != grid_) continue;
       box_ = tracker.box();
-      if (!fits) tellBox(keyword);
+      if (!fits) reportBox(keyword);
       visit(keyword);
     }
   }
@@ -149,24 +149,23 @@ class Evaluation {
     }
   }
 
-  void tellBox(const DeckKeyword& keyword) {
+  void reportBox(const DeckKeyword& keyword) {
     keyword_ = keyword.name;
     forEachRecord(keyword, [&](const DeckRecord& record) {
-      tell(Message::DeckOperation, record, "a box within the grid", record.text, "kept the box before it");
+      reportRecord(record, "a box within the grid", record.text, "kept the previous box");
     });
   }
 
   /// The box of a record from an item on; nothing, and a report, for one that is not within the grid.
   std::optional<DeckBox> boxAt(const DeckRecord& record, std::int64_t item, const DeckBox& otherwise) {
     const auto box = boxOf(record, item, otherwise, size_);
-    if (!box)
-      tell(Message::DeckOperation, record, "a box within the grid", record.text, "left this record out");
+    if (!box) reportRecord(record, "a box within the grid", record.text);
     return box;
   }
 
-  void tell(Message message, const DeckRecord& record, std::string expected, std::string found,
-            std::string action) {
-    session_->diagnose({.message = message,
+  void reportRecord(const DeckRecord& record, std::string expected, std::string found,
+                    std::string action = "skipped this record") {
+    session_->diagnose({.message = Message::DeckOperation,
                         .path = deck_->files()[record.file].path,
                         .keyword = keyword_,
                         .offset = record.offset,
@@ -229,7 +228,7 @@ class Evaluation {
 
   void setArray(const DeckKeyword& keyword) {
     std::vector<double>& values = array(keyword.name);
-    std::int64_t run = 0;  // left of the run at hand
+    std::int64_t run = 0;  // cells that `now` is still for
     std::size_t next = 0;
     DeckNumbers numbers(deck_->files(), keyword);
     std::span<const DeckRun> runs;
@@ -237,12 +236,24 @@ class Evaluation {
     std::int64_t taken = 0;
     const std::int64_t wanted = box_.cells();
     bool ended = false;
+    bool damaged = false;
+    const auto refill = [&] {
+      next = 0;
+      try {
+        runs = numbers.next();
+      } catch (const BadRecord& bad) {
+        Diagnosis diagnosis = bad.diagnosis();
+        diagnosis.action = "kept the cells behind it as they were";
+        session_->diagnose(std::move(diagnosis));
+        runs = {};
+        damaged = true;
+      }
+      ended = runs.empty();
+    };
     forCells(box_, [&](std::size_t cell) {
       while (run == 0 && !ended) {
         if (next == runs.size()) {
-          runs = numbers.next();
-          next = 0;
-          ended = runs.empty();
+          refill();
           if (ended) return;
         }
         now = runs[next++];
@@ -255,8 +266,11 @@ class Evaluation {
     });
     // The top of the first layer is enough for some arrays; others end early.
     bool more = run > 0 || next < runs.size();
-    if (!ended && !more) more = !numbers.next().empty();
-    if (taken == wanted && !more) return;
+    if (!ended && !more) {
+      refill();
+      more = !ended;
+    }
+    if (damaged || (taken == wanted && !more)) return;
     if (keyword.name == "TOPS" && !more && taken == std::int64_t{size_[0]} * size_[1]) return;
     session_->diagnose({.message = Message::DeckCount,
                         .path = deck_->files()[keyword.file].path,
@@ -265,7 +279,14 @@ class Evaluation {
                         .line = keyword.line,
                         .expected = std::to_string(wanted),
                         .found = more ? "more" : std::to_string(taken),
-                        .action = more ? "left the rest out" : "kept the other cells as they were"});
+                        .action = more ? "ignored the rest" : "kept the other cells as they were"});
+  }
+
+  /// The number of an operation; nothing, and a report, if it has none.
+  std::optional<double> operand(const DeckRecord& record) {
+    const auto value = deckNumber(trim(record[1].value_or("")));
+    if (!value) reportRecord(record, "a number", std::string(record[1].value_or("nothing")));
+    return value;
   }
 
   void applyInBoxes(const DeckKeyword& keyword, Operation operation) {
@@ -276,10 +297,8 @@ class Evaluation {
       box = *own;
       const std::string name = upper(trim(record[0].value_or("")));
       if (!needed_.contains(name)) return;
-      const auto value = deckNumber(trim(record[1].value_or("")));
-      if (!value)
-        return tell(Message::DeckOperation, record, "a number", std::string(record[1].value_or("nothing")),
-                    "left this record out");
+      const auto value = operand(record);
+      if (!value) return;
       std::vector<double>& values = array(name);
       forCells(box, [&](std::size_t cell) { values[cell] = applied(operation, values[cell], *value); });
     });
@@ -288,8 +307,8 @@ class Evaluation {
   template <class Change>
   void inRegion(const DeckRecord& record, const std::string& regions, std::optional<std::int32_t> number,
                 Change change) {
-    if (!number) return tell(Message::DeckOperation, record, "a region", "none", "left this record out");
-    const std::vector<double> numbers = array(regions);
+    if (!number) return reportRecord(record, "a region", "none");
+    const std::vector<double>& numbers = array(regions);
     for (std::size_t cell = 0; cell < numbers.size(); ++cell) {
       if (numbers[cell] == *number) change(cell);
     }
@@ -299,10 +318,8 @@ class Evaluation {
     forEachRecord(keyword, [&](const DeckRecord& record) {
       const std::string name = upper(trim(record[0].value_or("")));
       if (!needed_.contains(name)) return;
-      const auto value = deckNumber(trim(record[1].value_or("")));
-      if (!value)
-        return tell(Message::DeckOperation, record, "a number", std::string(record[1].value_or("nothing")),
-                    "left this record out");
+      const auto value = operand(record);
+      if (!value) return;
       std::vector<double>& values = array(name);
       inRegion(record, regionArray(record[3]), wholeNumber(record, 2),
                [&](std::size_t cell) { values[cell] = applied(operation, values[cell], *value); });
@@ -317,7 +334,7 @@ class Evaluation {
       box = *own;
       const std::string target = upper(trim(record[1].value_or("")));
       if (!needed_.contains(target)) return;
-      const std::vector<double> source = array(upper(trim(record[0].value_or(""))));
+      const std::vector<double>& source = array(upper(trim(record[0].value_or(""))));
       std::vector<double>& values = array(target);
       forCells(box, [&](std::size_t cell) { values[cell] = source[cell]; });
     });
@@ -327,7 +344,7 @@ class Evaluation {
     forEachRecord(keyword, [&](const DeckRecord& record) {
       const std::string target = upper(trim(record[1].value_or("")));
       if (!needed_.contains(target)) return;
-      const std::vector<double> source = array(upper(trim(record[0].value_or(""))));
+      const std::vector<double>& source = array(upper(trim(record[0].value_or(""))));
       std::vector<double>& values = array(target);
       inRegion(record, regionArray(record[3]), wholeNumber(record, 2),
                [&](std::size_t cell) { values[cell] = source[cell]; });
@@ -352,8 +369,8 @@ class Evaluation {
       const double a = deckNumber(trim(record[at + 2].value_or(""))).value_or(0);
       const double b = deckNumber(trim(record[at + 3].value_or(""))).value_or(0);
       const auto function = operateFunction(name, a, b);
-      if (!function) return tell(Message::DeckOperation, record, "a function", name, "left this record out");
-      const std::vector<double> source = array(upper(trim(record[at + 1].value_or(""))));
+      if (!function) return reportRecord(record, "a function", name);
+      const std::vector<double>& source = array(upper(trim(record[at + 1].value_or(""))));
       std::vector<double>& values = array(target);
       const auto change = [&](std::size_t cell) { values[cell] = function(values[cell], source[cell]); };
       if (byRegion) {
@@ -371,9 +388,7 @@ class Evaluation {
       const auto from = boxAt(record, 1, {{1, 1, 1}, size_});
       const auto to = boxAt(record, 7, {{1, 1, 1}, size_});
       if (!from || !to) return;
-      if (from->cells() != to->cells())
-        return tell(Message::DeckOperation, record, "two boxes of one size", "others",
-                    "left this record out");
+      if (from->cells() != to->cells()) return reportRecord(record, "two boxes of one size", "others");
       std::vector<double>& values = array(name);
       std::vector<double> kept;
       forCells(*from, [&](std::size_t cell) { kept.push_back(values[cell]); });
@@ -399,27 +414,10 @@ DeckArray effectiveArray(const Deck& deck, const std::string& name, Session& ses
   return Evaluation(deck, upper(grid), session).run(upper(name));
 }
 
-std::vector<double> arrayAsWritten(const Deck& deck, const DeckKeyword& keyword) {
-  std::vector<double> values;
+std::int64_t mostNumbers(const Deck& deck) {
   std::int64_t cells = 0;
   for (const auto& [grid, size] : gridSizes(deck)) cells = std::max(cells, cellsOf(size));
-  const std::int64_t most = cells == 0 ? mostCells : std::min(mostCells, mostOfACell * (cells + 1));
-  DeckNumbers numbers(deck.files(), keyword);
-  for (auto runs = numbers.next(); !runs.empty(); runs = numbers.next()) {
-    for (const DeckRun& run : runs) {
-      if (run.count > most - static_cast<std::int64_t>(values.size())) {
-        throw Error(Error::Kind::Damaged, {.message = Message::DeckCount,
-                                           .path = deck.files()[keyword.file].path,
-                                           .keyword = keyword.name,
-                                           .offset = keyword.offset,
-                                           .line = keyword.line,
-                                           .expected = "numbers for the cells of the grid",
-                                           .found = fmt::format("{} times one number", run.count)});
-      }
-      values.insert(values.end(), static_cast<std::size_t>(run.count), run.given ? run.value : none);
-    }
-  }
-  return values;
+  return cells == 0 ? mostCells : std::min(mostCells, mostOfACell * (cells + 1));
 }
 
 }  // namespace lumbarn

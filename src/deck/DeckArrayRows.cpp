@@ -20,6 +20,7 @@ struct WrittenRows {
   Deck deck;
   std::vector<std::size_t> places;
   std::shared_ptr<StreamContext> context;
+  std::int64_t most;  // numbers of an array
   std::size_t place = 0;
   std::int64_t index = 0;
   std::optional<DeckNumbers> numbers{};
@@ -51,7 +52,15 @@ struct WrittenRows {
     if (runs.empty()) runs = numbers->next();
     if (runs.empty()) return false;
     left = runs.front().count;
-    return true;
+    if (left <= most - index) return true;
+    const DeckKeyword& keyword = deck.keywords()[places[place]];
+    throw BadRecord({.message = Message::DeckCount,
+                     .path = deck.files()[keyword.file].path,
+                     .keyword = keyword.name,
+                     .offset = keyword.offset,
+                     .line = keyword.line,
+                     .expected = fmt::format("{} numbers at most", most),
+                     .found = fmt::format("a repeat count of {}", left)});
   }
 };
 
@@ -65,7 +74,8 @@ Stream Deck::arrayAsWritten(const std::string& name, const ReadOptions& options)
     throw Error(Error::Kind::BadRequest,
                 {.message = Message::RequestRefused, .path = path(), .problem = name + " is no array"});
   }
-  auto rows = std::make_shared<WrittenRows>(WrittenRows{*this, std::move(places), context});
+  auto rows =
+      std::make_shared<WrittenRows>(WrittenRows{*this, std::move(places), context, mostNumbers(*this)});
   Schema schema{{.name = "occurrence", .type = Type::Int32, .nullable = false},
                 {.name = "index", .type = Type::Int64, .nullable = false},
                 {.name = upper(name), .type = Type::Float64}};

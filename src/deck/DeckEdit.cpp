@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -15,8 +17,12 @@ namespace lumbarn {
 
 namespace {
 
+constexpr std::int64_t mostItems = 10000;
+
 /// Bytes of a file to be replaced.
 struct Edit {
+  std::size_t keyword = 0;  // index into `Deck::keywords`
+  std::int64_t record = 0;  // of the keyword, from 0
   std::uint32_t file = 0;
   std::uint64_t begin = 0;
   std::uint64_t end = 0;
@@ -41,14 +47,14 @@ std::string quotedIf(const std::string& value, bool quoted) {
   return quoted || blanks ? "'" + value + "'" : value;
 }
 
-/// A word as often as it stands, or nothing.
+/// "3*word", "word" for a count of 1, nothing for 0.
 std::string times(std::int64_t count, std::string_view word) {
   if (count == 0) return {};
   if (word.empty()) return fmt::format("{}*", count);
   return count == 1 ? std::string(word) : fmt::format("{}*{}", count, word);
 }
 
-/// The word of an item with the value at a place in it, from 0, changed.
+/// The text of an item with the value at an index, from 0, changed.
 std::string changedWord(const DeckRecord& record, const DeckItem& item, std::int64_t place,
                         const std::string& value) {
   const std::string old = item.given ? quotedIf(std::string(record.value(item)), item.quoted) : std::string();
@@ -60,17 +66,23 @@ std::string changedWord(const DeckRecord& record, const DeckItem& item, std::int
   return text;
 }
 
+/// The bytes to replace in the file of the record.
 Edit editOf(const DeckRecord& record, const DeckChange& change) {
   std::int64_t place = change.item - 1;
   for (const DeckItem& item : record.items) {
     if (place < item.count)
-      return {record.file, item.offset, item.offset + item.length,
-              changedWord(record, item, place, change.value)};
+      return {.file = record.file,
+              .begin = item.offset,
+              .end = item.offset + item.length,
+              .text = changedWord(record, item, place, change.value)};
     place -= item.count;
   }
   std::string text = times(place, "");
   if (!text.empty()) text += ' ';
-  return {record.file, record.end, record.end, fmt::format(" {}{} ", text, quotedIf(change.value, false))};
+  return {.file = record.file,
+          .begin = record.end,
+          .end = record.end,
+          .text = fmt::format(" {}{} ", text, quotedIf(change.value, false))};
 }
 
 Edit find(const Deck& deck, const DeckChange& change) {
@@ -80,14 +92,82 @@ Edit find(const Deck& deck, const DeckChange& change) {
     if (keyword.form == DeckForm::Line || keyword.form == DeckForm::Array) continue;
     DeckRecords records(deck.files(), keyword);
     DeckRecord record;
-    while (records.next(record)) {
-      if (--left == 0) return editOf(record, change);
+    for (std::int64_t n = 0; records.next(record); ++n) {
+      if (--left > 0) continue;
+      Edit edit = editOf(record, change);
+      edit.keyword = place;
+      edit.record = n;
+      return edit;
     }
   }
   throw Error(Error::Kind::NotFound, {.message = Message::RequestMissing,
                                       .path = deck.path(),
                                       .problem = fmt::format("{} has {} records, not {}", change.keyword,
                                                              change.record - left, change.record)});
+}
+
+/// Passes on the bytes of a range of a file, with a change if it is within the range.
+template <class Put>
+void copyText(TextWindow& window, std::uint64_t begin, std::uint64_t end, const Edit* edit, const Put& put) {
+  const auto copy = [&](std::uint64_t from, std::uint64_t to) {
+    while (from < to) {
+      const std::string_view text = window.from(from);
+      if (text.empty()) break;
+      put(text.substr(0, static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), to - from))));
+      from += text.size();
+    }
+  };
+  if (edit) {
+    copy(begin, edit->begin);
+    put(edit->text);
+    begin = edit->end;
+  }
+  copy(begin, end);
+}
+
+/// The values of one record of a keyword, nothing for defaults.
+using Values = std::vector<std::optional<std::string>>;
+Values valuesOf(const DeckFiles& files, const DeckKeyword& keyword, std::int64_t number) {
+  DeckRecords records(files, keyword);
+  DeckRecord record;
+  while (number >= 0 && records.next(record)) --number;
+  Values values;
+  for (std::int64_t i = 0; i < std::min(record.size(), mostItems); ++i) {
+    const auto value = record[i];
+    values.push_back(value ? std::optional<std::string>(*value) : std::nullopt);
+  }
+  return values;
+}
+
+/// Parses the changed text again: the record must have the new value, and all others as before. A quote in a
+/// value, or a "/" in a text that is not quoted, would break it.
+void verify(const Deck& deck, const DeckChange& change, const Edit& edit) {
+  const DeckKeyword& keyword = deck.keywords()[edit.keyword];
+  std::vector<std::byte> changed;
+  const auto append = [&](std::string_view text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    changed.insert(changed.end(), bytes.begin(), bytes.end());
+  };
+  DeckKeyword copy = keyword;
+  copy.data.clear();
+  for (const DeckPiece& piece : keyword.data) {
+    TextWindow window(deck.files().open(piece.file));
+    const std::size_t begin = changed.size();
+    const bool here = piece.file == edit.file && edit.begin >= piece.begin && edit.end <= piece.end;
+    copyText(window, piece.begin, piece.end, here ? &edit : nullptr, append);
+    copy.data.push_back({0, begin, changed.size(), 1});
+  }
+  DeckFiles files;
+  files.add({});
+  files.keep(std::make_shared<MemorySource>(std::move(changed)));
+  Values wanted = valuesOf(deck.files(), keyword, edit.record);
+  wanted.resize(std::max(wanted.size(), static_cast<std::size_t>(change.item)));
+  wanted[static_cast<std::size_t>(change.item) - 1] = change.value;
+  if (valuesOf(files, copy, edit.record) == wanted) return;
+  throw Error(Error::Kind::BadRequest, {.message = Message::RequestRefused,
+                                        .path = deck.path(),
+                                        .problem = fmt::format("\"{}\" cannot be written as item {} of {}",
+                                                               change.value, change.item, change.keyword)});
 }
 
 }  // namespace
@@ -99,9 +179,11 @@ DeckChange DeckChange::parse(std::string_view text) {
   if (open == 0 || open == text.npos || close == text.npos || close < open || equals == text.npos ||
       equals < close)
     refuse(text);
+  const std::int64_t item = number(text.substr(close + 2, equals - close - 2), text);
+  if (item > mostItems) refuse(text);
   return {.keyword = upper(text.substr(0, open)),
           .record = number(text.substr(open + 1, close - open - 1), text),
-          .item = number(text.substr(close + 2, equals - close - 2), text),
+          .item = item,
           .value = std::string(text.substr(equals + 1))};
 }
 
@@ -112,19 +194,10 @@ std::string fileOfChange(const Deck& deck, const DeckChange& change) {
 void writeChanged(const Deck& deck, const DeckChange& change, Sink& sink) {
   try {
     const Edit edit = find(deck, change);
+    verify(deck, change, edit);
     TextWindow window(deck.files().open(edit.file));
-    const auto copy = [&](std::uint64_t from, std::uint64_t to) {
-      while (from < to) {
-        std::string_view text = window.from(from);
-        if (text.empty()) break;
-        text = text.substr(0, static_cast<std::size_t>(std::min<std::uint64_t>(text.size(), to - from)));
-        sink.write(std::as_bytes(std::span(text)));
-        from += text.size();
-      }
-    };
-    copy(0, edit.begin);
-    sink.write(std::as_bytes(std::span(edit.text)));
-    copy(edit.end, window.size());
+    copyText(window, 0, window.size(), &edit,
+             [&](std::string_view text) { sink.write(std::as_bytes(std::span(text))); });
   } catch (...) {
     throw errorInFlight();
   }

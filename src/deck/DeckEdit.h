@@ -25,9 +25,11 @@ struct LUMBARN_API DeckChange {
 /// The file of the deck that a change is in. Throws Error NotFound when there is no such record.
 LUMBARN_API std::string fileOfChange(const Deck& deck, const DeckChange& change);
 
-/// Writes that file with the one value changed and every other byte as it is: a default becomes a value, a
-/// value that stands for several is divided, and a record that is too short gets defaults in between. A value
-/// with blanks, or in place of one in quotes, gets quotes. Throws Error NotFound, and what the sink throws.
+/// Writes that file with one value changed; every other byte is copied. A default becomes a value, `3*1` is
+/// expanded as far as needed, and a record that is too short is extended with defaults. The value is quoted
+/// if it contains a blank or replaces a quoted one. Before anything is written the changed record is parsed
+/// again and compared. Throws Error NotFound if there is no such record, BadRequest if the value cannot be
+/// written as one item, and whatever the sink throws.
 LUMBARN_API void writeChanged(const Deck& deck, const DeckChange& change, Sink& sink);
 
 }  // namespace lumbarn

@@ -79,7 +79,7 @@ class Builder {
                  .problem = "the deck has no " + names + ", which its corners follow from"});
   }
 
-  void tellCount(const DeckKeyword& keyword, std::size_t wanted, std::size_t found) {
+  void reportCount(const DeckKeyword& keyword, std::size_t wanted, std::size_t found) {
     session_->diagnose({.message = Message::DeckCount,
                         .path = deck_->files()[keyword.file].path,
                         .keyword = keyword.name,
@@ -87,10 +87,10 @@ class Builder {
                         .line = keyword.line,
                         .expected = std::to_string(wanted),
                         .found = found > wanted ? "more" : std::to_string(found),
-                        .action = found > wanted ? "left the rest out" : "left the others 0"});
+                        .action = found > wanted ? "ignored the rest" : "set the others to 0"});
   }
 
-  /// The numbers of a keyword, one after the other; those that a default leaves out are skipped.
+  /// The numbers of a keyword, one after the other; defaulted values are skipped.
   template <class Put>
   void take(const DeckKeyword& keyword, std::size_t wanted, Put put) {
     std::size_t place = 0;
@@ -98,16 +98,16 @@ class Builder {
     for (auto runs = numbers.next(); !runs.empty(); runs = numbers.next()) {
       for (const DeckRun& run : runs) {
         if (run.count > static_cast<std::int64_t>(wanted - place))
-          return tellCount(keyword, wanted, wanted + 1);
+          return reportCount(keyword, wanted, wanted + 1);
         for (std::int64_t i = 0; i < run.count; ++i, ++place) {
           if (run.given) put(place, static_cast<float>(run.value));
         }
       }
     }
-    if (place != wanted) tellCount(keyword, wanted, place);
+    if (place != wanted) reportCount(keyword, wanted, place);
   }
 
-  /// Calls for each keyword of a name with the box that it stands in.
+  /// Calls `visit` for each keyword of a name with the box in effect.
   template <class Visit>
   void withBoxes(std::string_view name, Visit visit) {
     BoxTracker tracker(*deck_);

@@ -37,12 +37,18 @@ bool DeckNumbers::nextLine() {
 
 std::span<const DeckRun> DeckNumbers::next() {
   runs_.clear();
+  runs_.reserve(2 * runsAtOnce);
   while (!ended_ && runs_.size() < runsAtOnce) {
-    if (nextLine()) {
-      takeLine();
-    } else {
+    if (damage_) {
       ended_ = true;
+      throw BadRecord(*damage_);
     }
+    if (!nextLine()) {
+      ended_ = true;
+      break;
+    }
+    takeLine();
+    if (damage_ && !runs_.empty()) break;  // the numbers before it first
   }
   return runs_;
 }
@@ -59,6 +65,7 @@ void DeckNumbers::takeLine() {
       return;
     } else {
       at = takeWord(at, end);
+      if (damage_) return;
     }
   }
 }
@@ -89,22 +96,25 @@ const char* DeckNumbers::takeWord(const char* at, const char* end) {
   run.given = !value.empty();
   if (run.given) {
     const auto number = deckNumber(value);
-    if (!number) refuse(word);
+    if (!number) {
+      noteDamage(word);
+      return wordEnd;
+    }
     run.value = *number;
   }
   if (run.count > 0) runs_.push_back(run);
   return wordEnd;
 }
 
-void DeckNumbers::refuse(std::string_view word) const {
+void DeckNumbers::noteDamage(std::string_view word) {
   const auto column = static_cast<std::uint64_t>(word.data() - all_.data());
-  throw BadRecord(Diagnosis{.message = Message::DeckValue,
-                            .path = (*files_)[keyword_->data[piece_ - 1].file].path,
-                            .keyword = keyword_->name,
-                            .offset = position_ - all_.size() + column,
-                            .line = line_,
-                            .expected = "a number",
-                            .found = toUtf8(word)});
+  damage_ = Diagnosis{.message = Message::DeckValue,
+                      .path = (*files_)[keyword_->data[piece_ - 1].file].path,
+                      .keyword = keyword_->name,
+                      .offset = position_ - all_.size() + column,
+                      .line = line_,
+                      .expected = "a number",
+                      .found = toUtf8(word)};
 }
 
 std::int64_t countOf(const DeckFiles& files, const DeckKeyword& keyword) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -24,15 +25,16 @@ class DeckNumbers {
   /// Both must outlive this object.
   DeckNumbers(const DeckFiles& files, const DeckKeyword& keyword) : files_(&files), keyword_(&keyword) {}
 
-  /// Some more of them; empty at the end of the record. The view holds until the next call. Throws BadRecord
-  /// (DeckValue), with line and byte, at a word that is no number.
+  /// The next numbers; empty at the end of the record. The view is valid until the next call. Throws
+  /// BadRecord (DeckValue, with line and byte) for a word that is not a number, after all numbers before it
+  /// were returned.
   std::span<const DeckRun> next();
 
  private:
   bool nextLine();
   void takeLine();
   const char* takeWord(const char* at, const char* end);
-  [[noreturn]] void refuse(std::string_view word) const;
+  void noteDamage(std::string_view word);
 
   const DeckFiles* files_;
   const DeckKeyword* keyword_;
@@ -42,6 +44,7 @@ class DeckNumbers {
   std::int64_t line_ = 0;
   std::string_view all_;
   bool ended_ = false;
+  std::optional<Diagnosis> damage_;  // thrown after the numbers before it
   std::vector<DeckRun> runs_;
 };
 

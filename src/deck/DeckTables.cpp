@@ -145,8 +145,7 @@ class RecordRows {
     const std::size_t end = first + count;
     for (const DeckItem& item : record_.items) {
       for (std::int64_t i = 0; i < item.count; ++i, ++column) {
-        if (column >= end)
-          return tell(keyword, item, fmt::format("{} items", count), "left out what is behind them");
+        if (column >= end) return report(keyword, item, fmt::format("{} items", count), "ignored the others");
         if (item.given) setValue(keyword, rows, column, item);
       }
     }
@@ -157,19 +156,19 @@ class RecordRows {
     const Type type = schema_[column].type;
     if (type == Type::Utf8) return rows.set(placeColumns + column, toUtf8(text));
     const auto number = deckNumber(trim(text));
-    if (!number) return tell(keyword, item, "a number", "left this value out");
+    if (!number) return report(keyword, item, "a number", "skipped this value");
     if (type == Type::Float64) return rows.set(placeColumns + column, *number);
     const bool whole =
         *number == std::floor(*number) && std::abs(*number) <= std::numeric_limits<std::int32_t>::max();
-    if (!whole) return tell(keyword, item, "a whole number", "left this value out");
+    if (!whole) return report(keyword, item, "a whole number", "skipped this value");
     rows.set(placeColumns + column, static_cast<std::int32_t>(*number));
   }
 
-  void tell(const DeckKeyword& keyword, const DeckItem& item, std::string expected, std::string action) {
+  void report(const DeckKeyword& keyword, const DeckItem& item, std::string expected, std::string action) {
     context_->session().diagnose({.message = Message::DeckValue,
                                   .path = deck_.files()[record_.file].path,
                                   .keyword = keyword.name,
-                                  .offset = record_.offset,
+                                  .offset = item.offset,
                                   .line = item.line,
                                   .expected = std::move(expected),
                                   .found = toUtf8(record_.value(item)),

@@ -1,6 +1,7 @@
 #include "DeckFiles.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "../files/Extensions.h"
@@ -16,22 +17,11 @@ bool isAbsolute(std::string_view path) {
 }
 
 /// "a/./b/x/../c" as "a/b/c", so that one file has one path.
-std::string plainPath(std::string_view path) {
-  std::vector<std::string> parts;
-  for (std::string& part : split(path, '/')) {
-    if (part == "." || (part.empty() && !parts.empty())) continue;
-    if (part == ".." && !parts.empty() && !parts.back().empty() && parts.back() != "..") {
-      parts.pop_back();
-    } else {
-      parts.push_back(std::move(part));
-    }
-  }
-  std::string plain;
-  for (const std::string& part : parts) plain += (&part == &parts.front() ? "" : "/") + part;
-  return plain;
+std::string plainPath(const std::string& path) {
+  return std::filesystem::path(path).lexically_normal().generic_string();
 }
 
-/// A path with the letter case in which its last part stands in its folder; empty if it does not.
+/// The path whose last part differs in letter case only and exists; empty if there is none.
 std::string inOtherCase(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   const std::string folder = slash == path.npos ? std::string() : path.substr(0, slash + 1);

@@ -1,12 +1,9 @@
 #include "DeckRecords.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
 
-#include <fast_float/fast_float.h>
-
+#include "../record/TextNumbers.h"
 #include "../support/Text.h"
 
 namespace lumbarn {
@@ -139,33 +136,22 @@ void DeckRecords::takeItems(DeckRecord& record, std::string_view code, std::size
 }
 
 std::optional<std::int64_t> deckRepeat(std::string_view word, std::size_t& star) {
+  if (word.empty() || !isDeckDigit(word[0])) return std::nullopt;
   std::int64_t count = 0;
   const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), count);
   star = static_cast<std::size_t>(end - word.data());
-  if (star == 0 || star >= word.size() || word[star] != '*' || !isDeckDigit(word[0])) return std::nullopt;
+  if (star >= word.size() || word[star] != '*') return std::nullopt;
   return error == std::errc::result_out_of_range ? std::numeric_limits<std::int64_t>::max() : count;
 }
 
 std::optional<double> deckNumber(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
+  const std::size_t first = text.find_first_not_of('-');
+  const bool digits =
+      first <= 1 && (isDeckDigit(text[first]) || text[first] == '.');  // neither "inf" nor "nan"
   double value = 0;
-  auto [end, error] = fast_float::from_chars(text.data(), text.data() + text.size(), value);
-  if (end == text.data() + text.size() && !text.empty())
-    return error == std::errc() && isDeckLetter(text.back()) ? std::nullopt : std::optional(value);
-  // Exponents of Fortran: 2.5D+2, and 2.5+2 without a letter.
-  constexpr std::size_t longest = 64;
-  std::array<char, longest> copy{};
-  if (text.empty() || text.size() >= copy.size()) return std::nullopt;
-  const auto exponent = static_cast<std::size_t>(end - text.data());
-  if (exponent == 0 || exponent >= text.size()) return std::nullopt;
-  const char c = text[exponent];
-  const bool letter = c == 'D' || c == 'd';
-  if (!letter && c != '+' && c != '-') return std::nullopt;
-  char* out = std::copy(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(exponent), copy.data());
-  *out++ = 'E';
-  out = std::copy(text.begin() + static_cast<std::ptrdiff_t>(exponent + (letter ? 1 : 0)), text.end(), out);
-  const auto again = fast_float::from_chars(copy.data(), out, value);
-  return again.ptr == out && isDeckDigit(out[-1]) ? std::optional(value) : std::nullopt;
+  const bool number = digits && parseNumber(text, value) == text.size();
+  return number ? std::optional(value) : std::nullopt;
 }
 
 }  // namespace lumbarn

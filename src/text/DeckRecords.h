@@ -38,10 +38,9 @@ struct DeckRecord {
   std::string_view value(const DeckItem& item) const {
     return std::string_view(text).substr(item.begin, item.size);
   }
-  /// The item at a place, from 0, where one that stands for several takes as many; null for a default and
-  /// behind the last.
+  /// The item at an index, from 0, with repeat counts expanded; null for a default and beyond the last.
   const DeckItem* at(std::int64_t place) const;
-  /// The value at a place; nothing for a default and behind the last.
+  /// The value at an index; empty for a default and beyond the last.
   std::optional<std::string_view> operator[](std::int64_t place) const;
   /// How many values the record has, defaults included.
   std::int64_t size() const;
@@ -71,11 +70,11 @@ class DeckRecords {
   std::string_view all_;  // the line that was taken last
 };
 
-/// A count in front of "*", as in "3*"; nothing when the word has none. The largest number stands for all
-/// that are larger.
+/// The repeat count of a word, as in "3*"; empty if it has none. Larger counts are clamped to the largest
+/// number.
 std::optional<std::int64_t> deckRepeat(std::string_view word, std::size_t& star);
 
-/// A number of a deck: "1.5", "2.5D+2", ".5", "1e3". Nothing for any other text.
+/// The value of a number in a deck: "1.5", "2.5D+2", ".5", "1e3". Empty for any other text.
 std::optional<double> deckNumber(std::string_view text);
 
 }  // namespace lumbarn

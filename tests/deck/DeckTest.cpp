@@ -6,6 +6,7 @@
 
 #include "deck/Deck.h"
 #include "deck/DeckCheck.h"
+#include "deck/DeckEdit.h"
 #include "deck/DeckTime.h"
 #include "frame/Write.h"
 #include "run/Run.h"
@@ -137,7 +138,44 @@ TEST(Deck, TheCalendarIsThatOfTheRun) {
   }
 }
 
-TEST(Deck, BadFilesAreToldAndCostLittle) {
+TEST(Deck, TimeIsInTheUnitsOfTheDeck) {
+  const DeckFile file(
+      "LAB\nSTART\n 1 JLY 2010 /\nSCHEDULE\nTSTEP\n 2*12 /\nDATES\n 3 JUL 2010 06:30:15.5 /\n/\nTSTEP\n 6 "
+      "/\n");
+  const DeckCalendar calendar = calendarOf(Deck::open(file.path));
+  std::vector<double> days;
+  for (const DeckStep& step : calendar.steps) days.push_back(step.days);
+  ASSERT_EQ(days.size(), 4U);
+  EXPECT_EQ(days[1], 1);
+  EXPECT_NEAR(days[2], 2 + (6.5 * 3600 + 15.5) / 86400, 1e-12);
+  EXPECT_NEAR(days[3] - days[2], 0.25, 1e-12);
+}
+
+TEST(Deck, OneValueIsChangedAndNothingElse) {
+  const std::string text =
+      "-- caf\xE9\r\nSCHEDULE\r\nWELSPECS\r\n 'A 1' 'G' 3*1 OIL / c\r\n B G 1\r\n 2 /\r\n/\r\n";
+  const DeckFile file(text);
+  const Deck deck = Deck::open(file.path);
+  const auto changed = [&](const char* change) {
+    TextSink sink;
+    writeChanged(deck, DeckChange::parse(change), sink);
+    return sink.text;
+  };
+  const auto with = [&](std::string_view old, std::string_view now) {
+    std::string copy = text;
+    return copy.replace(copy.find(old), old.size(), now);
+  };
+  EXPECT_EQ(changed("WELSPECS[1].4=7"), with("3*1", "1 7 1"));
+  EXPECT_EQ(changed("welspecs[1].1=B"), with("'A 1'", "'B'"));
+  EXPECT_EQ(changed("WELSPECS[1].6=X Y"), with("OIL", "'X Y'"));
+  EXPECT_EQ(changed("WELSPECS[2].4=5"), with(" 2 /", " 5 /"));
+  EXPECT_EQ(changed("WELSPECS[2].7=OIL"), with(" 2 /", " 2  2* OIL /"));
+  for (const char* change : {"WELSPECS[3].1=A", "WELSPECS[1].2=it's", "WELSPECS[1]=3", "WELSPECS[0].1=3",
+                             "X[1].1=2", "WELSPECS[1].99999=2"})
+    EXPECT_THROW(changed(change), Error) << change;
+}
+
+TEST(Deck, BadFilesAreReportedAtLowCost) {
   const TemporaryFolder folder;
   const auto open = [&](const std::string& text) {
     std::ofstream(folder.file("R.DATA"), std::ios::binary) << text;
